@@ -1,0 +1,39 @@
+# Settings that every target of the project shares.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+
+find_program(ZEL_CCACHE ccache)
+if(ZEL_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${ZEL_CCACHE})
+endif()
+
+find_package(Threads REQUIRED)
+
+add_library(zel_settings INTERFACE)
+target_include_directories(zel_settings INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_options(zel_settings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wimplicit-fallthrough -Wswitch -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  target_compile_options(zel_settings INTERFACE -Wthread-safety)
+endif()
+target_link_libraries(zel_settings INTERFACE Threads::Threads)
+
+if(ZEL_SANITIZE)
+  add_compile_options(-fsanitize=${ZEL_SANITIZE} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ZEL_SANITIZE})
+endif()
+
+# zel_library(NAME SOURCES a.cc b.cc LINKS targets): one folder's library.
+function(zel_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC zel_settings ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
+endfunction()

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+
+#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/LinkStatistics.h>
+
+class ZELCameraAccessory;
+class CameraDataParser;
+class CameraSession;
+
+namespace zel {
+
+namespace platform {
+struct Ports;
+}
+
+// Everything that drives one camera: the accessory object, its session, the de-multiplexer and the commands, wired.
+// A host with one camera uses the class operations (ZELCameraAccessory::defaultCamera() and the like), which reach the one
+// process-wide stack; a host with several cameras builds several stacks.
+// Owner:  the ports must outlive the stack.
+// Thread: destroy on any thread, even inside one of its own callbacks. Elsewhere the destructor closes the camera and waits
+//         for the session thread; hold no lock there that an observer takes. No callback comes after it.
+class ZEL_EXPORT CameraStack {
+ public:
+  explicit CameraStack(const platform::Ports& ports);
+  ~CameraStack();
+  CameraStack(const CameraStack&) = delete;
+  CameraStack& operator=(const CameraStack&) = delete;
+
+  ZELCameraAccessory& accessory();
+  CameraDataParser& parser();
+
+  // What the link has seen so far. Thread: any thread.
+  LinkStatistics statistics() const;
+
+ private:
+  struct Graph;
+  std::shared_ptr<Graph> graph_;
+};
+
+// Names the ports of the process-wide stack; the host calls it once, before it uses any class operation.
+// Errors: ends the process with a message when a class operation was used before, or is used without it.
+ZEL_EXPORT void setDefaultPorts(const platform::Ports& ports);
+
+// The process-wide stack, made on first use and never destroyed.
+ZEL_EXPORT CameraStack& processStack();
+
+}  // namespace zel

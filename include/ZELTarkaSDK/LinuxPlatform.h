@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <ZELTarkaSDK/Export.h>
+
+namespace zel {
+
+namespace platform {
+struct Ports;
+}
+
+// The ports on Linux: run loops and streams, the accessory bus of a folder, the main queue.
+// Thread: the thread that makes it is the main thread until the main queue is run on another one.
+class ZEL_EXPORT LinuxPlatform {
+ public:
+  struct Options {
+    // The folder of the accessory bus. Empty: $ZEL_ACCESSORIES, else $XDG_RUNTIME_DIR/zel/accessories,
+    // else /tmp/zel-accessories-UID. Made with mode 0700 where it is missing.
+    std::string accessoriesFolder;
+    // Only the accessory with this serial number is shown; empty shows all.
+    std::string serialNumber;
+    // Hears of accessories that had to be skipped, one line each. Empty: standard error.
+    std::function<void(const std::string&)> warn;
+  };
+
+  // The folder that `accessoriesFolder` stands for (see Options).
+  static std::string accessoriesFolder(const std::string& accessoriesFolder);
+
+  // Errors: null when the folder cannot be made, belongs to another user or can be written by others; `error` then names the
+  // folder, the fault and the remedy.
+  static std::unique_ptr<LinuxPlatform> create(Options options, std::string& error);
+
+  // Waits for the threads that it started. Every stack built on the ports must be gone.
+  ~LinuxPlatform();
+  LinuxPlatform(const LinuxPlatform&) = delete;
+  LinuxPlatform& operator=(const LinuxPlatform&) = delete;
+
+  const platform::Ports& ports();
+
+  // Runs the main queue on the calling thread until stopMainQueue().
+  void runMainQueue();
+  // The same, for at most that many seconds. False when the time ended it, true when stopMainQueue() did.
+  bool runMainQueueFor(double seconds);
+  // Thread: any thread, signal handlers excepted.
+  void stopMainQueue();
+  // Runs what is due on the main queue, without waiting; for a host with a loop of its own.
+  void drainMainQueue();
+  // Hands main-queue work to the host's own executor instead: `executor` is called on any thread with each task and runs it
+  // later on the host's main thread, in order. Set it before anything is posted.
+  void setMainQueueExecutor(std::function<void(std::function<void()>)> executor);
+
+ private:
+  struct State;
+  explicit LinuxPlatform(std::unique_ptr<State> state);
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace zel

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+
+#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/ZELAccessoryInfo.h>
+#include <ZELTarkaSDK/ZELError.h>
+
+// Hears of connection errors.
+class ZEL_EXPORT ZELCameraAccessoryDelegate {
+ public:
+  virtual ~ZELCameraAccessoryDelegate() = default;
+
+  // cameraAccessoryOnError:withDic: - the connection reported an error; no dictionary is given today.
+  // Thread: main queue.
+  virtual void cameraAccessoryOnError(const ZELError& error, const std::optional<ZELAccessoryDict>& dic) = 0;
+};

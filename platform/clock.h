@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+namespace zel::platform {
+
+// The host's wall clock.
+// Units:  seconds since 1 January 2001 00:00:00 UTC, the epoch of every timestamp in the framework.
+// Thread: any thread.
+class Clock {
+ public:
+  virtual ~Clock() = default;
+
+  // The current time. It may step backwards when the host's clock is corrected.
+  virtual double absoluteTime() const = 0;
+
+  // Blocks the calling thread for that many seconds; returns at once for zero or less.
+  virtual void sleepFor(double seconds) = 0;
+};
+
+// The current time in whole milliseconds since 1 January 2001 00:00:00 UTC, truncated toward zero.
+inline std::int64_t absoluteTimeMilliseconds(const Clock& clock) {
+  return static_cast<std::int64_t>(clock.absoluteTime() * 1000.0);
+}
+
+}  // namespace zel::platform

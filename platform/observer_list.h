@@ -1,0 +1,73 @@
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "platform/call_gate.h"
+
+namespace zel {
+
+// Keeps an observer registered for as long as it lives; movable, may outlive what it observes.
+// Afterwards the observer neither runs nor is running, unless the token is destroyed from inside the observer.
+class Observation {
+ public:
+  Observation() = default;
+  explicit Observation(std::shared_ptr<CallGate> gate) : gate_(std::move(gate)) {}
+  Observation(Observation&&) noexcept = default;
+  Observation& operator=(Observation&& other) noexcept {
+    reset();
+    gate_ = std::move(other.gate_);
+    return *this;
+  }
+  Observation(const Observation&) = delete;
+  Observation& operator=(const Observation&) = delete;
+  ~Observation() { reset(); }
+
+  void reset() {
+    if (const auto gate = std::exchange(gate_, nullptr)) gate->close();
+  }
+
+ private:
+  std::shared_ptr<CallGate> gate_;
+};
+
+// Observers called in the order of their addition, on the notifying thread, without the list's lock.
+// Thread: any thread. One observer is never called by two threads at once.
+template <class... Args>
+class ObserverList {
+ public:
+  using Observer = std::function<void(Args...)>;
+
+  [[nodiscard]] Observation add(Observer observer) {
+    auto entry = std::make_shared<Entry>(std::move(observer));
+    const MutexLock lock(mutex_);
+    // Entries whose observation has gone are known by being held here alone.
+    std::erase_if(entries_, [](const auto& known) { return known.use_count() == 1; });
+    entries_.push_back(entry);
+    return Observation(std::shared_ptr<CallGate>(entry, &entry->gate));
+  }
+
+  void notify(Args... args) {
+    for (const auto& entry : snapshot()) entry->gate.enter([&] { entry->observer(args...); });
+  }
+
+ private:
+  struct Entry {
+    explicit Entry(Observer call) : observer(std::move(call)) {}
+    CallGate gate;
+    Observer observer;
+  };
+
+  std::vector<std::shared_ptr<Entry>> snapshot() {
+    const MutexLock lock(mutex_);
+    return entries_;
+  }
+
+  Mutex mutex_;
+  std::vector<std::shared_ptr<Entry>> entries_ ZEL_GUARDED_BY(mutex_);
+};
+
+}  // namespace zel

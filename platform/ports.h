@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/accessory.h"
+#include "platform/clock.h"
+#include "platform/notification_center.h"
+#include "platform/queues.h"
+#include "platform/run_loop.h"
+
+namespace zel::platform {
+
+// Everything that one camera stack asks of the host. The referenced objects outlive every stack that is built on them.
+struct Ports {
+  Clock& clock;
+  Threads& threads;
+  Queues& queues;
+  AccessoryManager& accessories;
+  NotificationCenter& notifications;
+};
+
+}  // namespace zel::platform
