@@ -12,11 +12,11 @@
 
 #include "platform/observer_list.h"
 
+class CameraDataParser;
 class CameraSession;
 class ZELTunnelService;
 
 namespace zel {
-class InboundStream;
 namespace platform {
 class Accessory;
 struct Notification;
@@ -32,3 +32,96 @@ inline constexpr std::string_view kAccessoryProtocol = "com.zelcam.ucd";
 inline constexpr std::string_view kZELCameraDidConnectNotification = "ZELCameraDidConnectNotification";
 inline constexpr std::string_view kZELCameraDidDisConnectNotification = "ZELCameraDidDisConnectNotification";
 inline constexpr std::string_view kZELCameraConnectAccessoryKey = "ZELCameraConnectAccessoryKey";
+
+// The manager of the camera connection: finds the camera among the accessories, opens its session, watches that data keeps
+// coming and holds the clock offset.
+// Units:  timeOffset in milliseconds; firewareVersion ("fireware" is the interface's spelling) as the camera counts it.
+// Thread: open, close and the accessory notifications on the main thread, or any thread with a running run loop, which then
+//         carries the detect timer; the properties may be read on any thread.
+class ZEL_EXPORT ZELCameraAccessory {
+ public:
+  using StatusObserver = std::function<void(std::uint64_t)>;
+
+  // The accessory object of the process-wide stack.
+  static ZELCameraAccessory& defaultCamera();
+
+  // Owner: ports and parser must outlive the object.
+  ZELCameraAccessory(const zel::platform::Ports& ports, CameraDataParser& parser);
+  ~ZELCameraAccessory();
+  ZELCameraAccessory(const ZELCameraAccessory&) = delete;
+  ZELCameraAccessory& operator=(const ZELCameraAccessory&) = delete;
+
+  // 0 no connection, 1 session open and no frame yet, 2 frames arriving, 3 frames stopped.
+  std::uint64_t status() const;
+
+  // Calls the observer with each new value of `status`, on the thread that changes it. Two threads may change it at nearly
+  // the same time; status() always tells the latest.
+  [[nodiscard]] zel::Observation observeStatus(StatusObserver observer);
+
+  // The connected accessory, null when there is none.
+  std::shared_ptr<const ZELAccessoryInfo> accessoryInfo() const;
+
+  // The number after the last "_" of the firmware revision; 0 where there is none or no accessory.
+  std::int64_t firewareVersion() const;
+
+  // Added to camera timestamps to get phone time; 0 until it has been measured.
+  std::int64_t timeOffset() const;
+
+  // Round trip of the last time synchronisation in milliseconds; -1 before the first.
+  std::int64_t syncRoundTrip() const;
+
+  // When data last arrived, in seconds since 1 January 2001 UTC; -1 while closed.
+  double lastReceivedDataTimer() const;
+
+  // Held weakly.
+  void setDelegate(std::weak_ptr<ZELCameraAccessoryDelegate> delegate);
+  std::shared_ptr<ZELCameraAccessoryDelegate> delegate() const;
+
+  // Starts watching and connects to a camera that is already attached. Returns it, or null when none is there yet; one that
+  // is attached later is connected by itself.
+  std::shared_ptr<const ZELAccessoryInfo> openCamera();
+
+  // Closes the connection and stops watching.
+  void closeCamera();
+
+  // connectCamera: - takes the accessory if it speaks the camera's protocol and a session opens.
+  bool connectCamera(const std::shared_ptr<zel::platform::Accessory>& accessory);
+
+  // Start and end of the supervised connection. Opening always reports the tunnel service's failure to the delegate and goes
+  // on regardless: the service is a placeholder, and hosts have come to know the report.
+  void openConnection();
+  void closeConnection();
+
+  // writeData: - queues bytes for the camera. Thread: any thread. Without a session they are dropped.
+  void writeData(const ZELData& data);
+
+  // Called by the transport: a frame was routed; a session has opened; synchronise the clocks; the camera's answer to that.
+  // receivedData and the answer count only while a session is open.
+  void receivedData();
+  void successCreateSession();
+  void sendSyncTimeCmd();
+  void updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveTime);
+
+  // The liveness check, once a second on the run loop of the calling thread.
+  void startDetectTimer();
+  void stopDetectTimer();
+  void onDetectTimer();
+
+  // accessoryDidConnectNotification:, accessoryDidDisconnectNotification: - the platform announced an accessory.
+  void accessoryDidConnectNotification(const zel::platform::Notification& notification);
+  void accessoryDidDisconnectNotification(const zel::platform::Notification& notification);
+
+  // simulatorConnectToHost:port: - does nothing; kept for hosts that call it.
+  static void simulatorConnectToHost(std::string_view host, int port);
+
+  CameraSession& cameraSession();
+  ZELTunnelService& tunnelService();
+
+ private:
+  struct Impl;
+  void setAccessoryInfo(std::shared_ptr<const ZELAccessoryInfo> info);
+  void setStatusWhileOpen(std::uint64_t status);
+  void publishStatus(std::uint64_t status);
+
+  std::unique_ptr<Impl> impl_;
+};
