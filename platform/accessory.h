@@ -92,8 +92,8 @@ class InputStream : public Stream {
   // True while a read would bring bytes. After the last has-bytes event it may be true once without bytes following.
   virtual bool hasBytesAvailable() const = 0;
 
-  // Reads up to buffer.size() bytes. Returns their count, 0 when there are none or the stream has ended, -1 on an error.
-  // hasBytesAvailable is reported again while bytes are left unread.
+  // Reads up to buffer.size() bytes. Returns their count, 0 when there are none or the stream has ended, -1 on an
+  // error. hasBytesAvailable is reported again while bytes are left unread.
   virtual std::ptrdiff_t read(std::span<std::uint8_t> buffer) = 0;
 };
 
@@ -125,7 +125,8 @@ class AccessoryManager {
   // Those attached now, in the order of their connection identifiers.
   virtual std::vector<std::shared_ptr<Accessory>> connectedAccessories() = 0;
 
-  // From here on the two notifications are posted, each with the accessory under kAccessoryKey. Calls do not nest.
+  // From here on the two notifications are posted, each with the accessory under kAccessoryKey. Calls are counted: the
+  // notifications end with the last unregistration. Unregistering once too often does nothing.
   virtual void registerForLocalNotifications() = 0;
   virtual void unregisterForLocalNotifications() = 0;
 

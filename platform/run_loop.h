@@ -33,10 +33,12 @@ class RunLoop {
  public:
   virtual ~RunLoop() = default;
 
-  // Runs the task on the loop's thread, later, in the order of the calls. Dropped, without running, once the loop has stopped.
+  // Runs the task on the loop's thread, later, in the order of the calls. Dropped, without running, once the loop has
+  // stopped.
   virtual void perform(Task task) = 0;
 
-  // Calls the task every `seconds` seconds (above 0), the first time after one period. Missed periods are not made up for.
+  // Calls the task every `seconds` seconds (above 0), the first time after one period. Missed periods are not made up
+  // for.
   virtual std::unique_ptr<Timer> scheduleRepeating(double seconds, Task task) = 0;
 
   // Adds a source; `task` is called on the loop's thread after each signal.
@@ -59,7 +61,8 @@ struct ThreadBody {
 };
 
 // A named thread with a run loop.
-// Owner:  destroying the handle stops the loop and waits for the thread's end; destroyed on its own thread, it does not wait.
+// Owner:  destroying the handle stops the loop and waits for the thread's end; destroyed on its own thread, it does not
+// wait.
 class Thread {
  public:
   virtual ~Thread() = default;

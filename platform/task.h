@@ -4,7 +4,8 @@
 
 namespace zel::platform {
 
-// A piece of work handed to a queue or a run loop. It runs once, or is destroyed without running when its run loop ends first.
+// A piece of work handed to a queue or a run loop. It runs once, or is destroyed without running when its run loop ends
+// first.
 using Task = std::function<void()>;
 
 }  // namespace zel::platform

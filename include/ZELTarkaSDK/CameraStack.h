@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
@@ -16,14 +17,15 @@ struct Ports;
 }
 
 // Everything that drives one camera: the accessory object, its session, the de-multiplexer and the commands, wired.
-// A host with one camera uses the class operations (ZELCameraAccessory::defaultCamera() and the like), which reach the one
-// process-wide stack; a host with several cameras builds several stacks.
-// Owner:  the ports must outlive the stack.
-// Thread: destroy on any thread, even inside one of its own callbacks. Elsewhere the destructor closes the camera and waits
+// A host with one camera uses the class operations (ZELCameraAccessory::defaultCamera() and the like), which reach the
+// one process-wide stack; a host with several cameras builds several stacks. Owner:  the ports must outlive the stack.
+// Thread: destroy on any thread, even inside one of its own callbacks. Elsewhere the destructor closes the camera and
+// waits
 //         for the session thread; hold no lock there that an observer takes. No callback comes after it.
 class ZEL_EXPORT CameraStack {
  public:
-  explicit CameraStack(const platform::Ports& ports);
+  // serialNumber: the one camera to connect to; empty takes the first.
+  explicit CameraStack(const platform::Ports& ports, std::string serialNumber = {});
   ~CameraStack();
   CameraStack(const CameraStack&) = delete;
   CameraStack& operator=(const CameraStack&) = delete;

@@ -29,8 +29,8 @@ class ZEL_EXPORT LinuxPlatform {
   // The folder that `accessoriesFolder` stands for (see Options).
   static std::string accessoriesFolder(const std::string& accessoriesFolder);
 
-  // Errors: null when the folder cannot be made, belongs to another user or can be written by others; `error` then names the
-  // folder, the fault and the remedy.
+  // Errors: null when the folder cannot be made, belongs to another user or can be written by others; `error` then
+  // names the folder, the fault and the remedy.
   static std::unique_ptr<LinuxPlatform> create(Options options, std::string& error);
 
   // Waits for the threads that it started. Every stack built on the ports must be gone.
@@ -48,8 +48,8 @@ class ZEL_EXPORT LinuxPlatform {
   void stopMainQueue();
   // Runs what is due on the main queue, without waiting; for a host with a loop of its own.
   void drainMainQueue();
-  // Hands main-queue work to the host's own executor instead: `executor` is called on any thread with each task and runs it
-  // later on the host's main thread, in order. Set it before anything is posted.
+  // Hands main-queue work to the host's own executor instead: `executor` is called on any thread with each task and
+  // runs it later on the host's main thread, in order. Set it before anything is posted.
   void setMainQueueExecutor(std::function<void(std::function<void()>)> executor);
 
  private:

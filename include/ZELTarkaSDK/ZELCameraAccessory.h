@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include <ZELTarkaSDK/Export.h>
@@ -33,10 +34,10 @@ inline constexpr std::string_view kZELCameraDidConnectNotification = "ZELCameraD
 inline constexpr std::string_view kZELCameraDidDisConnectNotification = "ZELCameraDidDisConnectNotification";
 inline constexpr std::string_view kZELCameraConnectAccessoryKey = "ZELCameraConnectAccessoryKey";
 
-// The manager of the camera connection: finds the camera among the accessories, opens its session, watches that data keeps
-// coming and holds the clock offset.
-// Units:  timeOffset in milliseconds; firewareVersion ("fireware" is the interface's spelling) as the camera counts it.
-// Thread: open, close and the accessory notifications on the main thread, or any thread with a running run loop, which then
+// The manager of the camera connection: finds the camera among the accessories, opens its session, watches that data
+// keeps coming and holds the clock offset. Units:  timeOffset in milliseconds; firewareVersion ("fireware" is the
+// interface's spelling) as the camera counts it. Thread: open, close and the accessory notifications on the main
+// thread, or any thread with a running run loop, which then
 //         carries the detect timer; the properties may be read on any thread.
 class ZEL_EXPORT ZELCameraAccessory {
  public:
@@ -45,8 +46,9 @@ class ZEL_EXPORT ZELCameraAccessory {
   // The accessory object of the process-wide stack.
   static ZELCameraAccessory& defaultCamera();
 
+  // serialNumber: the one accessory to connect to; empty takes the first that speaks the camera's protocol.
   // Owner: ports and parser must outlive the object.
-  ZELCameraAccessory(const zel::platform::Ports& ports, CameraDataParser& parser);
+  ZELCameraAccessory(const zel::platform::Ports& ports, CameraDataParser& parser, std::string serialNumber = {});
   ~ZELCameraAccessory();
   ZELCameraAccessory(const ZELCameraAccessory&) = delete;
   ZELCameraAccessory& operator=(const ZELCameraAccessory&) = delete;
@@ -54,8 +56,8 @@ class ZEL_EXPORT ZELCameraAccessory {
   // 0 no connection, 1 session open and no frame yet, 2 frames arriving, 3 frames stopped.
   std::uint64_t status() const;
 
-  // Calls the observer with each new value of `status`, on the thread that changes it. Two threads may change it at nearly
-  // the same time; status() always tells the latest.
+  // Calls the observer with each new value of `status`, on the thread that changes it. Two threads may change it at
+  // nearly the same time; status() always tells the latest.
   [[nodiscard]] zel::Observation observeStatus(StatusObserver observer);
 
   // The connected accessory, null when there is none.
@@ -77,8 +79,8 @@ class ZEL_EXPORT ZELCameraAccessory {
   void setDelegate(std::weak_ptr<ZELCameraAccessoryDelegate> delegate);
   std::shared_ptr<ZELCameraAccessoryDelegate> delegate() const;
 
-  // Starts watching and connects to a camera that is already attached. Returns it, or null when none is there yet; one that
-  // is attached later is connected by itself.
+  // Starts watching and connects to a camera that is already attached. Returns it, or null when none is there yet; one
+  // that is attached later is connected by itself.
   std::shared_ptr<const ZELAccessoryInfo> openCamera();
 
   // Closes the connection and stops watching.
@@ -87,16 +89,16 @@ class ZEL_EXPORT ZELCameraAccessory {
   // connectCamera: - takes the accessory if it speaks the camera's protocol and a session opens.
   bool connectCamera(const std::shared_ptr<zel::platform::Accessory>& accessory);
 
-  // Start and end of the supervised connection. Opening always reports the tunnel service's failure to the delegate and goes
-  // on regardless: the service is a placeholder, and hosts have come to know the report.
+  // Start and end of the supervised connection. Opening always reports the tunnel service's failure to the delegate and
+  // goes on regardless: the service is a placeholder, and hosts have come to know the report.
   void openConnection();
   void closeConnection();
 
   // writeData: - queues bytes for the camera. Thread: any thread. Without a session they are dropped.
   void writeData(const ZELData& data);
 
-  // Called by the transport: a frame was routed; a session has opened; synchronise the clocks; the camera's answer to that.
-  // receivedData and the answer count only while a session is open.
+  // Called by the transport: a frame was routed; a session has opened; synchronise the clocks; the camera's answer to
+  // that. receivedData and the answer count only while a session is open.
   void receivedData();
   void successCreateSession();
   void sendSyncTimeCmd();
@@ -121,7 +123,8 @@ class ZEL_EXPORT ZELCameraAccessory {
   struct Impl;
   void setAccessoryInfo(std::shared_ptr<const ZELAccessoryInfo> info);
   void setStatusWhileOpen(std::uint64_t status);
-  void publishStatus(std::uint64_t status);
+  void replaceStatus(std::uint64_t from, std::uint64_t to);
+  bool isWanted(const zel::platform::Accessory& accessory) const;
 
   std::unique_ptr<Impl> impl_;
 };

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+
+#include <ZELTarkaSDK/LinkStatistics.h>
+
+namespace zel {
+
+// A count with one writer and any number of readers.
+class Counter {
+ public:
+  // A plain store is enough, and cheaper than an atomic addition, because one thread at a time parses.
+  void add(std::uint64_t count) { value_.store(value() + count, std::memory_order_relaxed); }
+  std::uint64_t value() const { return value_.load(std::memory_order_relaxed); }
+
+ private:
+  std::atomic<std::uint64_t> value_ = 0;
+};
+
+// What the de-multiplexer counts.
+// Thread: written on the session thread, read on any.
+struct FrameStatistics {
+  struct Dropped {
+    Counter unknownType, noConsumer, unregisteredCode, shortMessage, unregisteredData, shortTimestamp,
+        timestampOldFirmware;
+  };
+
+  std::array<Counter, kFrameTypeCount> frames;
+  std::array<Counter, kFrameTypeCount> bytes;
+  Dropped dropped;
+  Counter bytesReceived, bytesDiscarded, markersFound, positionsLost;
+
+  // Counts a whole frame of that data type.
+  void addFrame(std::uint16_t type, std::uint64_t length);
+
+  // Fills in what is counted here and leaves the rest of `into` alone.
+  void copyTo(LinkStatistics& into) const;
+};
+
+// Whether the data type is one that has a consumer.
+constexpr bool isKnownFrameType(std::uint16_t type) { return (type >= 1 && type <= 4) || (type >= 7 && type <= 9); }
+
+}  // namespace zel

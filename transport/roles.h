@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include <ZELTarkaSDK/ZELData.h>
+#include <ZELTarkaSDK/ZELError.h>
+
+#include "transport/wire.h"
+
+// What the transport asks of those above it, one narrow interface each.
+
+namespace zel {
+
+// The accessory object, as the de-multiplexer and the session see it.
+// Thread: session thread, successCreateSession on the thread that opens.
+class AccessoryLink {
+ public:
+  virtual void successCreateSession() = 0;  // a session has opened
+  virtual void receivedData() = 0;          // a frame was routed, or dropped
+  virtual std::int64_t firewareVersion() const = 0;
+  virtual std::int64_t timeOffset() const = 0;  // milliseconds
+  virtual void sendSyncTimeCmd() = 0;
+  virtual void updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveTime) = 0;  // milliseconds since 2001
+  virtual void streamPositionLost() = 0;                                         // an impossible length: reopen
+
+ protected:
+  ~AccessoryLink() = default;
+};
+
+// The de-multiplexer, as the session sees it.
+class InboundStream {
+ public:
+  virtual void appendBytes(const std::uint8_t* bytes, std::size_t length) = 0;  // session thread
+  virtual void parserData() = 0;                                                // session thread
+  virtual void clearData() = 0;                                                 // any thread
+  virtual void setIsNeedDataSynchronism(bool needed) = 0;                       // any thread
+
+ protected:
+  ~InboundStream() = default;
+};
+
+// The preview player: frames of types 1, 2 and 8, and the picture that the resolution code promises.
+// Owner:  the bytes are valid during the call only.
+// Thread: session thread; the three setters on the thread that sets the resolution.
+class PreviewConsumer {
+ public:
+  virtual ~PreviewConsumer() = default;
+  virtual void appendVideoBytes(ByteView bytes) = 0;
+  virtual void appendAudioBytes(ByteView bytes) = 0;
+  virtual void setNextVideoTimestamp(std::int64_t timestamp) = 0;  // phone time, milliseconds
+  virtual void setNextAudioTimestamp(std::int64_t timestamp) = 0;
+  virtual void setImageWidth(std::int32_t width) = 0;
+  virtual void setImageHeight(std::int32_t height) = 0;
+  virtual void setFps(std::int32_t fps) = 0;
+};
+
+// The photo parser: frames of type 3. Thread: session thread. The bytes are valid during the call only.
+class PhotoConsumer {
+ public:
+  virtual ~PhotoConsumer() = default;
+  virtual void parserData(ByteView bytes) = 0;
+};
+
+// The file transfer: frames of type 9. Thread: session thread. The bytes are valid during the call only.
+class FileReplyConsumer {
+ public:
+  virtual ~FileReplyConsumer() = default;
+  virtual void parserUCD(ByteView bytes) = 0;
+};
+
+// The command layer, as far as the marker request needs it.
+class SyncDataRequester {
+ public:
+  using Handler = std::function<void(const std::optional<ZELError>&)>;
+
+  // msgReqSendSyncData:rebackBlock: - asks the camera for the marker, whatever the connection's status. Thread: any
+  // thread.
+  virtual void msgReqSendSyncData(const ZELData& marker, Handler rebackBlock) = 0;
+
+ protected:
+  ~SyncDataRequester() = default;
+};
+
+}  // namespace zel

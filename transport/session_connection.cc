@@ -1,0 +1,139 @@
+#include "transport/session_connection.h"
+
+#include <utility>
+
+#include "transport/frame.h"
+
+namespace zel {
+namespace {
+
+// Reads of one burst before it is parsed. A camera that never pauses must not keep the session thread from parsing.
+constexpr int kReadsPerBurst = 8;
+
+}  // namespace
+
+SessionConnection::SessionConnection(ConnectionOwner& owner, InboundStream& inbound,
+                                     std::unique_ptr<platform::AccessorySession> session)
+    : owner_(owner), inbound_(inbound), session_(std::move(session)) {}
+
+void SessionConnection::start(platform::Threads& threads, bool afterAnother, std::shared_ptr<void> keepAlive) {
+  afterAnother_ = afterAnother;
+  keepAlive_ = std::move(keepAlive);
+  const auto self = shared_from_this();
+  const MutexLock lock(threadMutex_);
+  thread_ =
+      threads.start("session thread", {.begin = [self](platform::RunLoop& runLoop) { self->runSessionThread(runLoop); },
+                                       .end = [self] { self->endSessionThread(); }});
+}
+
+void SessionConnection::runSessionThread(platform::RunLoop& runLoop) {
+  runLoop_ = &runLoop;
+  if (afterAnother_) owner_.threadBeganAfterAnother();
+  for (platform::Stream* stream : streams()) {
+    stream->setDelegate(weak_from_this());
+    stream->scheduleInRunLoop(runLoop);
+    stream->open();
+  }
+}
+
+std::array<platform::Stream*, 2> SessionConnection::streams() {
+  return {&session_->inputStream(), &session_->outputStream()};
+}
+
+void SessionConnection::close() {
+  closed_.store(true);
+  performOnThread(&SessionConnection::closeSesionThread);
+}
+
+void SessionConnection::closeSesionThread() {
+  closeStreams();
+  runLoop_->stop();
+}
+
+void SessionConnection::closeStreams() {
+  for (platform::Stream* stream : streams()) {
+    stream->close();
+    if (runLoop_ != nullptr) stream->removeFromRunLoop(*runLoop_);
+    stream->setDelegate({});
+  }
+}
+
+void SessionConnection::endSessionThread() {
+  closeStreams();  // again, because join() stops the loop without asking for a close
+  const auto kept = std::move(keepAlive_);
+  owner_.threadEnded();
+  join();  // lets go of the handle, which otherwise would keep this object, and this object it, for good
+}
+
+void SessionConnection::join() {
+  std::unique_ptr<platform::Thread> thread;
+  {
+    const MutexLock lock(threadMutex_);
+    thread = std::move(thread_);
+  }
+}
+
+void SessionConnection::performOnThread(void (SessionConnection::*step)()) {
+  const MutexLock lock(threadMutex_);
+  if (thread_) thread_->runLoop().perform([self = shared_from_this(), step] { (*self.*step)(); });
+}
+
+void SessionConnection::streamHandleEvent(platform::Stream&, platform::StreamEvent event) {
+  switch (event) {
+    case platform::StreamEvent::hasBytesAvailable:
+      return readStreamData();
+    case platform::StreamEvent::hasSpaceAvailable:
+      return writeStreamData();
+    case platform::StreamEvent::errorOccurred:
+      return owner_.streamFailed(*this);
+    case platform::StreamEvent::openCompleted:
+    case platform::StreamEvent::endEncountered:
+      return;  // an unplugged camera is announced by its accessory's departure
+  }
+}
+
+void SessionConnection::readStreamData() {
+  platform::InputStream& input = session_->inputStream();
+  const std::span<std::uint8_t> buffer = owner_.readBuffer();
+  for (int reads = 0; reads < kReadsPerBurst && !closed_.load() && input.hasBytesAvailable(); ++reads) {
+    const std::ptrdiff_t count = input.read(buffer);
+    if (count < 1) break;
+    inbound_.appendBytes(buffer.data(), static_cast<std::size_t>(count));
+  }
+  if (!closed_.load()) inbound_.parserData();
+}
+
+void SessionConnection::writeData(ByteView bytes) {
+  {
+    const MutexLock lock(writeDataLock_);
+    writeData_.append(bytes);
+  }
+  if (!writeScheduled_.exchange(true)) performOnThread(&SessionConnection::writeStreamData);
+}
+
+void SessionConnection::writeStreamData() {
+  writeScheduled_.store(false);
+  const MutexLock lock(writeDataLock_);
+  drainWriteData();
+}
+
+void SessionConnection::drainWriteData() {
+  platform::OutputStream& output = session_->outputStream();
+  while (!writeData_.empty() && output.hasSpaceAvailable()) {
+    const std::ptrdiff_t count = output.write(writeData_.view());
+    if (count < 1) return;  // the rest goes out when the stream has space again
+    writeData_.removeFirst(static_cast<std::size_t>(count));
+  }
+}
+
+void SessionConnection::sendSyncTimeCmd() { performOnThread(&SessionConnection::syncCameraSystemTimeOnThread); }
+
+void SessionConnection::syncCameraSystemTimeOnThread() {
+  const MutexLock lock(writeDataLock_);
+  Bytes time;
+  appendLittleEndian(time, static_cast<std::uint64_t>(owner_.stampSyncTime()));
+  writeData_.append(messageFrame(kSyncTimeRequest, time));
+  drainWriteData();
+}
+
+}  // namespace zel

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "platform/accessory.h"
+#include "platform/clock.h"
+#include "platform/mutex.h"
+#include "platform/run_loop.h"
+#include "transport/roles.h"
+#include "transport/wire.h"
+#include "transport/write_queue.h"
+
+namespace zel {
+
+class SessionConnection;
+
+// The session, as its connections see it. Thread: session thread.
+class ConnectionOwner {
+ public:
+  virtual void streamFailed(SessionConnection& connection) = 0;
+  // A session thread has begun after waiting for the one of the connection before.
+  virtual void threadBeganAfterAnother() = 0;
+  // The last that the thread does to its owner.
+  virtual void threadEnded() = 0;
+  // Where reads go: one block, reused by every read of every connection of the session.
+  virtual std::span<std::uint8_t> readBuffer() = 0;
+  // Takes the time of the synchronisation command that is being built and keeps it.
+  virtual std::int64_t stampSyncTime() = 0;
+
+ protected:
+  ~ConnectionOwner() = default;
+};
+
+// One open session with the camera: its streams, its outbound queue and its "session thread".
+// It lives as long as its thread does, which may be a little longer than the session keeps it: a session that closes
+// only asks the thread to end. Owner:  the owner and the inbound stream must outlive the thread. Thread: any thread for
+// the public operations, the session thread for the rest.
+class SessionConnection final : public platform::StreamDelegate,
+                                public std::enable_shared_from_this<SessionConnection> {
+ public:
+  SessionConnection(ConnectionOwner& owner, InboundStream& inbound,
+                    std::unique_ptr<platform::AccessorySession> session);
+  SessionConnection(const SessionConnection&) = delete;
+  SessionConnection& operator=(const SessionConnection&) = delete;
+
+  // Starts the session thread. `afterAnother` tells that it had to wait for an earlier one; `keepAlive` is let go as
+  // the thread's last act.
+  void start(platform::Threads& threads, bool afterAnother, std::shared_ptr<void> keepAlive);
+
+  // Asks the session thread to close the streams and to end. It may still deliver what it is at.
+  void close();
+
+  // Waits for the thread's end; on the session thread itself it returns at once.
+  void join();
+
+  // Queues the bytes as a whole and has the session thread write them.
+  void writeData(ByteView bytes);
+
+  // Has the session thread send the time synchronisation.
+  void sendSyncTimeCmd();
+
+  // stream:handleEvent:
+  void streamHandleEvent(platform::Stream& stream, platform::StreamEvent event) override;
+
+ private:
+  void runSessionThread(platform::RunLoop& runLoop);
+  void closeSesionThread();  // "Sesion" is the interface's spelling
+  void endSessionThread();
+  void closeStreams();
+  std::array<platform::Stream*, 2> streams();
+  void performOnThread(void (SessionConnection::*step)());
+  void readStreamData();
+  void writeStreamData();
+  void drainWriteData() ZEL_REQUIRES(writeDataLock_);
+  void syncCameraSystemTimeOnThread();
+
+  ConnectionOwner& owner_;
+  InboundStream& inbound_;
+  const std::unique_ptr<platform::AccessorySession> session_;
+  platform::RunLoop* runLoop_ = nullptr;  // session thread only
+  bool afterAnother_ = false;             // session thread only, once started
+  std::shared_ptr<void> keepAlive_;       // session thread only, once started
+  std::atomic<bool> closed_ = false;
+  std::atomic<bool> writeScheduled_ = false;  // one request to write is enough for any number of queued frames
+
+  // Held while bytes are written as well, so that no producer sees a half-removed queue.
+  Mutex writeDataLock_;
+  WriteQueue writeData_ ZEL_GUARDED_BY(writeDataLock_);
+
+  Mutex threadMutex_;
+  std::unique_ptr<platform::Thread> thread_ ZEL_GUARDED_BY(threadMutex_);
+};
+
+}  // namespace zel
