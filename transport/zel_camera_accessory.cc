@@ -141,7 +141,10 @@ std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
     std::swap(impl_->connectObservation, connect);
     std::swap(impl_->disconnectObservation, disconnect);
   }
-  if (!connect) impl_->ports.accessories.registerForLocalNotifications();  // once, however often it is opened
+  const bool watching = connect != nullptr;
+  connect.reset();
+  disconnect.reset();
+  if (!watching) impl_->ports.accessories.registerForLocalNotifications();
   for (const auto& accessory : impl_->ports.accessories.connectedAccessories()) {
     if (!connectCamera(accessory)) continue;
     openConnection();
