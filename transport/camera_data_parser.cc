@@ -38,6 +38,7 @@ void CameraDataParser::parserData() {
 }
 
 void CameraDataParser::parseFrames() {
+  if (buffer_.isWaiting()) return;
   ByteView rest = buffer_.view();
   std::uint32_t length = 0;
   while (rest.size() >= zel::kFrameHeader) {
@@ -107,25 +108,25 @@ void CameraDataParser::route(std::int32_t type, ByteView payload) {
 }
 
 void CameraDataParser::routeVideo(ByteView payload) {
-  const auto player = previewPlayer();
+  const auto player = consumers().player.lock();
   if (!player) return statistics_.dropped.noConsumer.add(1);
   player->appendVideoBytes(payload);
 }
 
 void CameraDataParser::routeAudio(ByteView payload) {
-  const auto player = previewPlayer();
+  const auto player = consumers().player.lock();
   if (!player) return statistics_.dropped.noConsumer.add(1);
   player->appendAudioBytes(payload);
 }
 
 void CameraDataParser::routePhoto(ByteView payload) {
-  const auto parser = photoParser();
+  const auto parser = consumers().photo.lock();
   if (!parser) return statistics_.dropped.noConsumer.add(1);
   parser->parserData(payload);
 }
 
 void CameraDataParser::routeFile(ByteView payload) {
-  const auto file = ucdFile();
+  const auto file = consumers().file.lock();
   if (!file) return statistics_.dropped.noConsumer.add(1);
   file->parserUCD(payload);
 }
@@ -149,7 +150,7 @@ void CameraDataParser::routeTimestamp(ByteView payload) {
   if (accessory_ == nullptr || accessory_->firewareVersion() < kFirewareVersion190) {
     return statistics_.dropped.timestampOldFirmware.add(1);
   }
-  const auto player = previewPlayer();
+  const auto player = consumers().player.lock();
   if (!player) return statistics_.dropped.noConsumer.add(1);
   // Added as unsigned numbers, because a hostile time must wrap around and not overflow.
   const auto cameraTime = zel::loadLittleEndian<std::uint64_t>(payload.data() + 1);
@@ -179,9 +180,21 @@ void CameraDataParser::sendSyncData() {
   syncDataRequester_->msgReqSendSyncData(ZELData(ByteView(dataSynchronismValue)), [](const auto&) {});
 }
 
+// The session thread's own copy, renewed when somebody set a consumer: a frame then costs no lock.
+const CameraDataParser::Consumers& CameraDataParser::consumers() {
+  const std::uint64_t version = consumersVersion_.load();
+  if (version != consumersSeen_) {
+    const MutexLock lock(consumersMutex_);
+    consumersCopy_ = {previewPlayer_, photoParser_, ucdFile_};
+    consumersSeen_ = version;
+  }
+  return consumersCopy_;
+}
+
 void CameraDataParser::setPreviewPlayer(std::weak_ptr<zel::PreviewConsumer> player) {
   const MutexLock lock(consumersMutex_);
-  previewPlayer_ = std::move(player);
+  std::swap(previewPlayer_, player);
+  consumersVersion_.fetch_add(1);
 }
 
 std::shared_ptr<zel::PreviewConsumer> CameraDataParser::previewPlayer() const {
@@ -192,6 +205,7 @@ std::shared_ptr<zel::PreviewConsumer> CameraDataParser::previewPlayer() const {
 void CameraDataParser::setPhotoParser(std::shared_ptr<zel::PhotoConsumer> parser) {
   const MutexLock lock(consumersMutex_);
   std::swap(photoParser_, parser);
+  consumersVersion_.fetch_add(1);
 }
 
 std::shared_ptr<zel::PhotoConsumer> CameraDataParser::photoParser() const {
@@ -202,6 +216,7 @@ std::shared_ptr<zel::PhotoConsumer> CameraDataParser::photoParser() const {
 void CameraDataParser::setUcdFile(std::shared_ptr<zel::FileReplyConsumer> file) {
   const MutexLock lock(consumersMutex_);
   std::swap(ucdFile_, file);
+  consumersVersion_.fetch_add(1);
 }
 
 std::shared_ptr<zel::FileReplyConsumer> CameraDataParser::ucdFile() const {

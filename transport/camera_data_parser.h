@@ -95,6 +95,13 @@ class CameraDataParser final : public zel::InboundStream {
   void copyStatistics(zel::LinkStatistics& into) const { statistics_.copyTo(into); }
 
  private:
+  struct Consumers {
+    std::weak_ptr<zel::PreviewConsumer> player;
+    std::weak_ptr<zel::PhotoConsumer> photo;
+    std::weak_ptr<zel::FileReplyConsumer> file;
+  };
+
+  const Consumers& consumers();
   bool wasCleared() const { return clears_.load() != clearsSeen_; }
   void forgetClearedBytes();
   void parseFrames();
@@ -124,6 +131,9 @@ class CameraDataParser final : public zel::InboundStream {
   zel::Registry<CameraMsgParser> msgParserDic_;
   zel::Registry<ZELCameraDataParser> dataParserDic_;
 
+  Consumers consumersCopy_;          // session thread only
+  std::uint64_t consumersSeen_ = 0;  // session thread only
+  std::atomic<std::uint64_t> consumersVersion_ = 0;
   mutable zel::Mutex consumersMutex_;
   std::weak_ptr<zel::PreviewConsumer> previewPlayer_ ZEL_GUARDED_BY(consumersMutex_);
   std::shared_ptr<zel::PhotoConsumer> photoParser_ ZEL_GUARDED_BY(consumersMutex_);

@@ -12,13 +12,6 @@ constexpr std::size_t kShortRest = 1024;        // cheaper to move to the front 
 
 }  // namespace
 
-void ReceiveBuffer::append(ByteView bytes) {
-  if (bytes.empty()) return;
-  if (bytes.size() > capacity_ - end_) makeRoom(bytes.size());
-  std::memcpy(storage_.get() + end_, bytes.data(), bytes.size());
-  end_ += bytes.size();
-}
-
 void ReceiveBuffer::consume(std::size_t count, std::size_t awaited) {
   begin_ += count;
   awaited_ = awaited;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 
 #include "transport/wire.h"
@@ -13,7 +14,12 @@ namespace zel {
 // what is needed, and shrinks again after a large frame. Thread: one.
 class ReceiveBuffer {
  public:
-  void append(ByteView bytes);
+  void append(ByteView bytes) {
+    if (bytes.empty()) return;
+    if (bytes.size() > capacity_ - end_) makeRoom(bytes.size());
+    std::memcpy(storage_.get() + end_, bytes.data(), bytes.size());
+    end_ += bytes.size();
+  }
   ByteView view() const { return {storage_.get() + begin_, end_ - begin_}; }
   std::size_t size() const { return end_ - begin_; }
 
@@ -21,6 +27,9 @@ class ReceiveBuffer {
   // yet).
   void consume(std::size_t count, std::size_t awaited);
   void clear();
+
+  // Whether the frame that the bytes wait for is still incomplete; false when its length is not known yet.
+  bool isWaiting() const { return size() < awaited_; }
 
   std::size_t capacity() const { return capacity_; }
 
