@@ -135,8 +135,7 @@ void demultiplexer(benchmark::State& state) {
   parser.setPreviewPlayer(player);
   for (auto _ : state) {
     forEachRead(stream.bytes, read, [&](const std::uint8_t* bytes, std::size_t length) {
-      parser.appendBytes(bytes, length);
-      parser.parserData();
+      parser.parserData({bytes, length});
     });
     benchmark::DoNotOptimize(player->seen);
   }

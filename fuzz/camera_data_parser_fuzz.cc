@@ -1,5 +1,5 @@
-// The de-multiplexer on hostile bytes: the first byte chooses the mode and the size of the reads, the rest is the
-// stream.
+// The de-multiplexer on hostile bytes: the first byte chooses the mode, the way of parsing and the size of the reads,
+// the rest is the stream.
 
 #include <algorithm>
 #include <cstddef>
@@ -19,11 +19,15 @@ using zel::test::RecordingLink;
 using zel::test::RecordingPhoto;
 using zel::test::RecordingPlayer;
 
-void feed(CameraDataParser& parser, zel::ByteView stream, std::size_t read) {
+void feed(CameraDataParser& parser, zel::ByteView stream, std::size_t read, bool inPlace) {
   while (!stream.empty()) {
     const zel::ByteView chunk = stream.first(std::min(read, stream.size()));
-    parser.appendBytes(chunk.data(), chunk.size());
-    parser.parserData();
+    if (inPlace) {
+      parser.parserData(chunk);
+    } else {
+      parser.appendBytes(chunk.data(), chunk.size());
+      parser.parserData();
+    }
     stream = stream.subspan(chunk.size());
   }
 }
@@ -43,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   parser.setUcdFile(std::make_shared<RecordingFile>(log));
   parser.registerMsgParser(CameraMsgParser(14, [](std::uint64_t, const std::optional<ZELData>&, void*) {}), 0x800B);
   parser.setIsNeedDataSynchronism((data[0] & 1) != 0);
-  feed(parser, {data + 1, size - 1}, 1 + (data[0] >> 1));
+  feed(parser, {data + 1, size - 1}, 1 + (data[0] >> 2), (data[0] & 2) != 0);
   if (parser.data().size() > size) std::abort();
   return 0;
 }

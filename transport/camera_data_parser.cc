@@ -1,5 +1,6 @@
 #include "transport/camera_data_parser.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "transport/frame.h"
@@ -33,33 +34,70 @@ void CameraDataParser::parserData() {
   if (isNeedDataSynchronism()) {
     findSynchronism();
   } else {
-    parseFrames();
+    parseHeld();
   }
 }
 
-void CameraDataParser::parseFrames() {
-  if (buffer_.isWaiting()) return;
+void CameraDataParser::parserData(ByteView lastRead) {
+  forgetClearedBytes();
+  statistics_.bytesReceived.add(lastRead.size());
+  if (isNeedDataSynchronism()) {
+    buffer_.append(lastRead);
+    return findSynchronism();
+  }
+  if (!parseHeld() || !completeHeld(lastRead) || lastRead.empty()) return;
+  std::size_t awaited = 0;
+  if (!walk(lastRead, awaited)) return;
+  buffer_.append(lastRead);
+  buffer_.consume(0, awaited);
+}
+
+bool CameraDataParser::parseHeld() {
+  if (buffer_.size() < buffer_.awaited() || buffer_.size() < zel::kFrameHeader) return true;
   ByteView rest = buffer_.view();
-  std::uint32_t length = 0;
-  while (rest.size() >= zel::kFrameHeader) {
-    length = zel::loadLittleEndian<std::uint32_t>(rest.data());
-    if (length < zel::kFrameHeader || length > zel::kMaxFrameLength) return losePosition();
-    if (rest.size() < length) break;  // not an error: the rest comes with a later read
-    const auto type = zel::loadLittleEndian<std::uint16_t>(rest.data() + 4);
-    statistics_.addFrame(type, length);
-    parserDataWithUCDType(type, rest.data() + zel::kFrameHeader, length - zel::kFrameHeader);
-    if (wasCleared()) return;  // a consumer, or another thread, closed or reopened the session
-    rest = rest.subspan(length);
-    length = 0;
-  }
-  buffer_.consume(buffer_.size() - rest.size(), length);
+  std::size_t awaited = 0;
+  if (!walk(rest, awaited)) return false;
+  buffer_.consume(buffer_.size() - rest.size(), awaited);
+  return true;
 }
 
-void CameraDataParser::losePosition() {
+// Moves no more bytes behind the held beginning of a frame than that frame lacks, so that all others are delivered from
+// where they were read.
+bool CameraDataParser::completeHeld(ByteView& lastRead) {
+  while (buffer_.size() != 0 && !lastRead.empty()) {
+    const std::size_t wanted = std::max(buffer_.awaited(), zel::kFrameHeader);
+    const std::size_t taken = std::min(wanted - buffer_.size(), lastRead.size());
+    buffer_.append(lastRead.first(taken));
+    lastRead = lastRead.subspan(taken);
+    if (!parseHeld()) return false;
+  }
+  return true;
+}
+
+bool CameraDataParser::walk(ByteView& bytes, std::size_t& awaited) {
+  awaited = 0;
+  while (bytes.size() >= zel::kFrameHeader) {
+    const auto length = zel::loadLittleEndian<std::uint32_t>(bytes.data());
+    if (length < zel::kFrameHeader || length > zel::kMaxFrameLength) return losePosition();
+    if (bytes.size() < length) {  // not an error: the rest comes with a later read
+      awaited = length;
+      break;
+    }
+    const auto type = zel::loadLittleEndian<std::uint16_t>(bytes.data() + 4);
+    statistics_.addFrame(type, length);
+    parserDataWithUCDType(type, bytes.data() + zel::kFrameHeader, length - zel::kFrameHeader);
+    if (wasCleared()) return false;  // a consumer, or another thread, closed or reopened the session
+    bytes = bytes.subspan(length);
+  }
+  return true;
+}
+
+bool CameraDataParser::losePosition() {
   statistics_.positionsLost.add(1);
   buffer_.clear();
   setIsNeedDataSynchronism(true);  // nothing more is taken for a frame, even where reopening fails
   if (accessory_ != nullptr) accessory_->streamPositionLost();
+  return false;
 }
 
 void CameraDataParser::findSynchronism() {

@@ -43,7 +43,11 @@ class CameraDataParser final : public zel::InboundStream {
 
   // Delivers every whole frame received, in order; while resynchronising it looks for the marker instead, and what
   // follows the marker is left for the next call.
-  void parserData() override;
+  void parserData();
+
+  // The same as appendBytes() with these bytes and then parserData(), but copies only what the end of the bytes cuts
+  // off: whole frames are delivered from where they lie.
+  void parserData(zel::ByteView lastRead) override;
 
   // parserDataWithUCDType:data:dataLen: - routes one frame's payload, and tells the accessory that data arrived,
   // whatever the type.
@@ -104,10 +108,14 @@ class CameraDataParser final : public zel::InboundStream {
   const Consumers& consumers();
   bool wasCleared() const { return clears_.load() != clearsSeen_; }
   void forgetClearedBytes();
-  void parseFrames();
   void findSynchronism();
   void startAfterMarker(std::size_t markerEnd);
-  void losePosition();
+  // The following return false when the session was closed or reopened, and what was read must not be touched any more.
+  bool parseHeld();
+  bool completeHeld(zel::ByteView& lastRead);
+  // Delivers the whole frames at the front of `bytes` and removes them; `awaited` is the length of the one that is cut.
+  bool walk(zel::ByteView& bytes, std::size_t& awaited);
+  bool losePosition();
   void route(std::int32_t type, zel::ByteView payload);
   void routeVideo(zel::ByteView payload);
   void routeAudio(zel::ByteView payload);

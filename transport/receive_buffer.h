@@ -28,8 +28,8 @@ class ReceiveBuffer {
   void consume(std::size_t count, std::size_t awaited);
   void clear();
 
-  // Whether the frame that the bytes wait for is still incomplete; false when its length is not known yet.
-  bool isWaiting() const { return size() < awaited_; }
+  // Length of the frame whose beginning is held; 0 when that is not known yet.
+  std::size_t awaited() const { return awaited_; }
 
   std::size_t capacity() const { return capacity_; }
 

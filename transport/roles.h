@@ -33,7 +33,7 @@ class AccessoryLink {
 class InboundStream {
  public:
   virtual void appendBytes(const std::uint8_t* bytes, std::size_t length) = 0;  // session thread
-  virtual void parserData() = 0;                                                // session thread
+  virtual void parserData(ByteView lastRead) = 0;                               // appends, then parses; session thread
   virtual void clearData() = 0;                                                 // any thread
   virtual void setIsNeedDataSynchronism(bool needed) = 0;                       // any thread
 

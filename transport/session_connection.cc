@@ -95,12 +95,14 @@ void SessionConnection::streamHandleEvent(platform::Stream&, platform::StreamEve
 void SessionConnection::readStreamData() {
   platform::InputStream& input = session_->inputStream();
   const std::span<std::uint8_t> buffer = owner_.readBuffer();
+  std::size_t held = 0;
   for (int reads = 0; reads < kReadsPerBurst && !closed_.load() && input.hasBytesAvailable(); ++reads) {
+    if (held != 0) inbound_.appendBytes(buffer.data(), held);
     const std::ptrdiff_t count = input.read(buffer);
-    if (count < 1) break;
-    inbound_.appendBytes(buffer.data(), static_cast<std::size_t>(count));
+    held = count < 1 ? 0 : static_cast<std::size_t>(count);
+    if (held == 0) break;
   }
-  if (!closed_.load()) inbound_.parserData();
+  if (!closed_.load()) inbound_.parserData(buffer.first(held));
 }
 
 void SessionConnection::writeData(ByteView bytes) {

@@ -25,6 +25,7 @@ struct Receiver {
   }
 
   void receive(ByteView chunk) {
+    if (inPlace) return parser.parserData(chunk);
     parser.appendBytes(chunk.data(), chunk.size());
     parser.parserData();
   }
@@ -34,6 +35,7 @@ struct Receiver {
     return log;
   }
 
+  bool inPlace = false;
   Log log;
   FixedClock clock;
   RecordingLink link;
@@ -68,17 +70,23 @@ TEST(CameraDataParserPropertyTest, DeliversEveryKindOfFrameOfTheRecordedStream) 
 TEST(CameraDataParserPropertyTest, DeliversTheSameForEverySingleCut) {
   const Log whole = deliveredWhole();
   for (std::size_t cut = 0; cut <= kStream.size(); ++cut) {
-    Receiver receiver;
-    receiver.receive(ByteView(kStream).first(cut));
-    receiver.receive(ByteView(kStream).subspan(cut));
-    EXPECT_EQ(receiver.finished(), whole) << "cut at " << cut;
+    for (const bool inPlace : {false, true}) {
+      Receiver receiver;
+      receiver.inPlace = inPlace;
+      receiver.receive(ByteView(kStream).first(cut));
+      receiver.receive(ByteView(kStream).subspan(cut));
+      EXPECT_EQ(receiver.finished(), whole) << "cut at " << cut << ", in place " << inPlace;
+    }
   }
 }
 
 TEST(CameraDataParserPropertyTest, DeliversTheSameOneByteAtATime) {
-  Receiver receiver;
-  for (std::size_t i = 0; i < kStream.size(); ++i) receiver.receive(ByteView(kStream).subspan(i, 1));
-  EXPECT_EQ(receiver.finished(), deliveredWhole());
+  for (const bool inPlace : {false, true}) {
+    Receiver receiver;
+    receiver.inPlace = inPlace;
+    for (std::size_t i = 0; i < kStream.size(); ++i) receiver.receive(ByteView(kStream).subspan(i, 1));
+    EXPECT_EQ(receiver.finished(), deliveredWhole());
+  }
 }
 
 RC_GTEST_PROP(CameraDataParserPropertyTest, DeliversTheSameForRandomCuts, ()) {
@@ -86,6 +94,7 @@ RC_GTEST_PROP(CameraDataParserPropertyTest, DeliversTheSameForRandomCuts, ()) {
   cuts.push_back(kStream.size());
   std::sort(cuts.begin(), cuts.end());
   Receiver receiver;
+  receiver.inPlace = *rc::gen::arbitrary<bool>();
   std::size_t from = 0;
   for (const std::size_t cut : cuts) {
     receiver.receive(ByteView(kStream).subspan(from, cut - from));
@@ -96,6 +105,7 @@ RC_GTEST_PROP(CameraDataParserPropertyTest, DeliversTheSameForRandomCuts, ()) {
 
 RC_GTEST_PROP(CameraDataParserPropertyTest, NeverDeliversMoreBytesThanItReceived, (const Bytes& noise)) {
   Receiver receiver;
+  receiver.inPlace = *rc::gen::arbitrary<bool>();
   receiver.parser.setIsNeedDataSynchronism(false);
   receiver.receive(noise);
   LinkStatistics statistics;

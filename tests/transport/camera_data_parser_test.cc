@@ -390,6 +390,37 @@ TEST_F(CameraDataParserTest, CallsOnlyTheLastRecordRegisteredForACode) {
   EXPECT_THAT(log, ElementsAre("msg 2 body 1"));
 }
 
+TEST_F(CameraDataParserTest, DeliversWholeFramesFromWhereTheyWereRead) {
+  parser.parserData(join(kVideo, kAudio, bytes({7, 0, 0})));
+  EXPECT_THAT(log, ElementsAre("video 7 9", "audio 5"));
+  EXPECT_EQ(held(), bytes({7, 0, 0}));
+  parser.parserData(join(bytes({0, 3, 0, 4}), kVideo));
+  EXPECT_THAT(log, ElementsAre("video 7 9", "audio 5", "photo 4", "video 7 9"));
+  EXPECT_THAT(held(), IsEmpty());
+}
+
+TEST_F(CameraDataParserTest, DeliversWhatWasAppendedBeforeWhatIsParsedInPlace) {
+  append(join(kPhoto, bytes({8, 0, 0, 0, 1, 0})));
+  parser.parserData(join(bytes({7, 9}), kAudio));
+  EXPECT_THAT(log, ElementsAre("photo 4", "video 7 9", "audio 5"));
+}
+
+TEST_F(CameraDataParserTest, DropsTheRestOfAReadWhenAConsumerClosesTheSession) {
+  parser.registerMsgParser(
+      CameraMsgParser(1, [this](std::uint64_t, const std::optional<ZELData>&, void*) { parser.clearData(); }), 0x800B);
+  parser.parserData(join(kReply800B, kAudio, bytes({1})));
+  EXPECT_THAT(log, IsEmpty());
+  EXPECT_THAT(held(), IsEmpty());
+}
+
+TEST_F(CameraDataParserTest, LosesThePositionBehindACompletedFrame) {
+  append(bytes({8, 0, 0}));
+  parser.parserData(bytes({0, 1, 0, 7, 9, 5, 0, 0, 0, 1, 0, 1}));
+  EXPECT_THAT(log, ElementsAre("video 7 9"));
+  EXPECT_EQ(link.positionsLost, 1);
+  EXPECT_THAT(held(), IsEmpty());
+}
+
 TEST_F(CameraDataParserTest, CountsFramesAndBytesByType) {
   receive(join(kVideo, kVideo, kAudio, bytes({6, 0, 0, 0, 200, 0})));
   EXPECT_EQ(statistics().frames[1], 2u);
