@@ -1,0 +1,167 @@
+#include "platform/simulated/simulated_platform.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace zel::platform {
+namespace {
+
+constexpr double kStart = 700'000'000.0;
+
+class SimulatedClock final : public Clock {
+ public:
+  explicit SimulatedClock(SimulatedScheduler& scheduler) : scheduler_(scheduler) {}
+  double absoluteTime() const override { return scheduler_.now(); }
+  void sleepFor(double seconds) override {
+    if (seconds > 0) scheduler_.setNow(scheduler_.now() + seconds);
+  }
+
+ private:
+  SimulatedScheduler& scheduler_;
+};
+
+// A thread is a run loop whose begin and end are steps of its own.
+class SimulatedThread final : public Thread {
+ public:
+  SimulatedThread(SimulatedScheduler& scheduler, std::shared_ptr<int> live, ThreadBody body)
+      : scheduler_(scheduler), loop_(std::make_shared<SimulatedRunLoop>(scheduler)) {
+    // The loop lives until its end has run, also when the handle is destroyed on the thread itself.
+    ++*live;
+    loop_->whenStopped([live, kept = loop_, end = std::move(body.end)] {
+      if (end) end();
+      --*live;
+    });
+    loop_->perform([loop = loop_.get(), begin = std::move(body.begin)] {
+      if (begin) begin(*loop);
+    });
+  }
+  ~SimulatedThread() override {
+    loop_->stop();
+    if (!isCurrent()) loop_->finish();
+  }
+
+  RunLoop& runLoop() override { return *loop_; }
+  bool isCurrent() const override { return scheduler_.current() == loop_.get(); }
+
+ private:
+  SimulatedScheduler& scheduler_;
+  std::shared_ptr<SimulatedRunLoop> loop_;
+};
+
+class SimulatedThreads final : public Threads {
+ public:
+  SimulatedThreads(SimulatedScheduler& scheduler, SimulatedRunLoop& main) : scheduler_(scheduler), main_(main) {}
+
+  std::unique_ptr<Thread> start(std::string name, ThreadBody body) override {
+    return std::make_unique<SimulatedThread>(scheduler_, counter(name), std::move(body));
+  }
+  RunLoop& currentRunLoop() override { return scheduler_.current() != nullptr ? *scheduler_.current() : main_; }
+
+  std::shared_ptr<int> counter(const std::string& name) {
+    auto& live = live_[name];
+    if (!live) live = std::make_shared<int>(0);
+    return live;
+  }
+
+ private:
+  SimulatedScheduler& scheduler_;
+  SimulatedRunLoop& main_;
+  std::map<std::string, std::shared_ptr<int>> live_;
+};
+
+class SimulatedQueues final : public Queues {
+ public:
+  SimulatedQueues(SimulatedRunLoop& main, SimulatedRunLoop& global) : main_(main), global_(global) {}
+  Queue& mainQueue() override { return main_; }
+  Queue& globalQueue() override { return global_; }
+
+ private:
+  SimulatedRunLoop& main_;
+  SimulatedRunLoop& global_;
+};
+
+class SimulatedAccessoryManager final : public AccessoryManager {
+ public:
+  SimulatedAccessoryManager(Queue& mainQueue, NotificationCenter& notifications)
+      : mainQueue_(mainQueue), notifications_(notifications) {}
+
+  std::vector<std::shared_ptr<Accessory>> connectedAccessories() override {
+    return {attached_.begin(), attached_.end()};
+  }
+  void registerForLocalNotifications() override { ++registrations_; }
+  void unregisterForLocalNotifications() override { registrations_ = std::max(0, registrations_ - 1); }
+
+  std::unique_ptr<AccessorySession> openSession(const std::shared_ptr<Accessory>& accessory,
+                                                std::string_view protocol) override {
+    const auto scripted = std::dynamic_pointer_cast<ScriptedAccessory>(accessory);
+    if (!scripted) return nullptr;
+    const auto& offered = scripted->description().protocolStrings;
+    return std::ranges::find(offered, protocol) != offered.end() ? scripted->openSession() : nullptr;
+  }
+
+  void plug(const std::shared_ptr<ScriptedAccessory>& accessory) {
+    attached_.push_back(accessory);
+    std::ranges::stable_sort(attached_, {}, [](const auto& known) { return known->description().connectionID; });
+    announce(kAccessoryDidConnectNotification, accessory);
+  }
+
+  void unplug(const std::shared_ptr<ScriptedAccessory>& accessory) {
+    if (std::erase(attached_, accessory) == 0) return;
+    accessory->detach();
+    announce(kAccessoryDidDisconnectNotification, accessory);
+  }
+
+ private:
+  void announce(std::string_view name, const std::shared_ptr<Accessory>& accessory) {
+    if (registrations_ == 0) return;
+    mainQueue_.post([this, notification = Notification{std::string(name), {{std::string(kAccessoryKey), accessory}}}] {
+      if (registrations_ != 0) notifications_.post(notification);
+    });
+  }
+
+  Queue& mainQueue_;
+  NotificationCenter& notifications_;
+  std::vector<std::shared_ptr<ScriptedAccessory>> attached_;
+  int registrations_ = 0;
+};
+
+}  // namespace
+
+struct SimulatedPlatform::State {
+  explicit State(std::uint64_t seed) : scheduler(seed) { scheduler.setNow(kStart); }
+
+  SimulatedScheduler scheduler;
+  SimulatedRunLoop main{scheduler};
+  SimulatedRunLoop global{scheduler};
+  SimulatedClock clock{scheduler};
+  SimulatedThreads threads{scheduler, main};
+  SimulatedQueues queues{main, global};
+  InProcessNotificationCenter notifications;
+  SimulatedAccessoryManager accessories{main, notifications};
+  Ports ports{clock, threads, queues, accessories, notifications};
+};
+
+SimulatedPlatform::SimulatedPlatform(std::uint64_t seed) : state_(std::make_unique<State>(seed)) {}
+SimulatedPlatform::~SimulatedPlatform() = default;
+
+const Ports& SimulatedPlatform::ports() { return state_->ports; }
+void SimulatedPlatform::runUntilIdle() { state_->scheduler.runUntilIdle(); }
+void SimulatedPlatform::advance(double seconds) { state_->scheduler.advance(seconds); }
+double SimulatedPlatform::now() const { return state_->scheduler.now(); }
+void SimulatedPlatform::setNow(double seconds) { state_->scheduler.setNow(seconds); }
+
+std::shared_ptr<ScriptedAccessory> SimulatedPlatform::plug(AccessoryDescription description) {
+  auto accessory = std::make_shared<ScriptedAccessory>(std::move(description));
+  state_->accessories.plug(accessory);
+  return accessory;
+}
+
+void SimulatedPlatform::unplug(const std::shared_ptr<ScriptedAccessory>& accessory) {
+  state_->accessories.unplug(accessory);
+}
+
+int SimulatedPlatform::liveThreads(const std::string& name) const { return *state_->threads.counter(name); }
+
+}  // namespace zel::platform

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/in_process_notification_center.h"
+#include "platform/ports.h"
+#include "platform/simulated/scripted_accessory.h"
+#include "platform/simulated/simulated_scheduler.h"
+
+namespace zel::platform {
+
+// A whole platform on one thread, in virtual time: nothing sleeps, and the order in which threads and queues get their
+// turn is drawn by the seed, so that a test is repeatable and may try many orders.
+// Thread: one. The time starts at 700,000,000 seconds after 1 January 2001.
+class SimulatedPlatform {
+ public:
+  explicit SimulatedPlatform(std::uint64_t seed = 1);
+  ~SimulatedPlatform();
+  SimulatedPlatform(const SimulatedPlatform&) = delete;
+  SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
+
+  const Ports& ports();
+
+  void runUntilIdle();
+  void advance(double seconds);
+  double now() const;
+  void setNow(double seconds);
+
+  // Attaches an accessory, detaches one.
+  std::shared_ptr<ScriptedAccessory> plug(AccessoryDescription description);
+  void unplug(const std::shared_ptr<ScriptedAccessory>& accessory);
+
+  // Threads of that name that have not ended.
+  int liveThreads(const std::string& name) const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace zel::platform

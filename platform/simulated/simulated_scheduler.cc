@@ -1,0 +1,163 @@
+#include "platform/simulated/simulated_scheduler.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <utility>
+
+namespace zel::platform {
+namespace {
+
+constexpr double kNever = std::numeric_limits<double>::infinity();
+constexpr int kStepsBeforeLivelock = 10'000'000;
+
+}  // namespace
+
+// A call in progress keeps its task alive, so that a timer may be destroyed from inside it.
+class SimulatedRunLoop::SimulatedTimer final : public Timer {
+ public:
+  SimulatedTimer(SimulatedRunLoop& loop, double period, Task task)
+      : loop_(loop),
+        period_(period),
+        due_(loop.scheduler_.now() + period),
+        task_(std::make_shared<Task>(std::move(task))) {
+    loop_.timers_.push_back(this);
+  }
+  ~SimulatedTimer() override { std::erase(loop_.timers_, this); }
+
+  double due() const { return due_; }
+
+  void fire() {
+    due_ = std::max(due_ + period_, loop_.scheduler_.now());
+    const auto task = task_;
+    (*task)();
+  }
+
+ private:
+  SimulatedRunLoop& loop_;
+  double period_;
+  double due_;
+  std::shared_ptr<Task> task_;
+};
+
+class SimulatedRunLoop::SimulatedSource final : public RunLoopSource {
+ public:
+  SimulatedSource(SimulatedRunLoop& loop, Task task) : loop_(loop), task_(std::make_shared<Task>(std::move(task))) {
+    loop_.sources_.push_back(this);
+  }
+  ~SimulatedSource() override { std::erase(loop_.sources_, this); }
+
+  void signal() override { signalled = true; }
+
+  void fire() {
+    signalled = false;
+    const auto task = task_;
+    (*task)();
+  }
+
+  bool signalled = false;
+
+ private:
+  SimulatedRunLoop& loop_;
+  std::shared_ptr<Task> task_;
+};
+
+void SimulatedRunLoop::perform(Task task) {
+  if (!stopped_) tasks_.push_back(std::move(task));
+}
+
+std::unique_ptr<Timer> SimulatedRunLoop::scheduleRepeating(double seconds, Task task) {
+  return std::make_unique<SimulatedTimer>(*this, seconds, std::move(task));
+}
+
+std::unique_ptr<RunLoopSource> SimulatedRunLoop::addSource(Task task) {
+  return std::make_unique<SimulatedSource>(*this, std::move(task));
+}
+
+bool SimulatedRunLoop::isWaiting() const { return scheduler_.current() != this && tasks_.empty(); }
+
+// A signalled source is looked at whether or not the loop is woken: in one thread nothing sleeps.
+void SimulatedRunLoop::wakeUp() {}
+
+void SimulatedRunLoop::stop() {
+  stopped_ = true;
+  std::exchange(tasks_, {});
+}
+
+void SimulatedRunLoop::finish() {
+  stop();
+  if (const auto end = std::exchange(end_, nullptr)) end();
+}
+
+bool SimulatedRunLoop::isReady() const {
+  if (stopped_) return end_ != nullptr;
+  return !tasks_.empty() || std::ranges::any_of(sources_, &SimulatedSource::signalled) || dueTimer() != nullptr;
+}
+
+SimulatedRunLoop::SimulatedTimer* SimulatedRunLoop::dueTimer() const {
+  const auto found =
+      std::ranges::find_if(timers_, [this](const SimulatedTimer* timer) { return timer->due() <= scheduler_.now(); });
+  return found != timers_.end() ? *found : nullptr;
+}
+
+double SimulatedRunLoop::nextTimer() const {
+  double next = kNever;
+  if (stopped_) return next;
+  for (const SimulatedTimer* timer : timers_) next = std::min(next, timer->due());
+  return next;
+}
+
+void SimulatedRunLoop::step() {
+  if (stopped_) return finish();
+  if (!tasks_.empty()) {
+    const Task task = std::move(tasks_.front());
+    tasks_.pop_front();
+    return task();
+  }
+  const auto source = std::ranges::find_if(sources_, &SimulatedSource::signalled);
+  if (source != sources_.end()) return (*source)->fire();
+  if (SimulatedTimer* timer = dueTimer()) timer->fire();
+}
+
+void SimulatedScheduler::remove(SimulatedRunLoop& loop) {
+  std::erase(loops_, &loop);
+  if (current_ == &loop) current_ = nullptr;
+}
+
+void SimulatedScheduler::setNow(double seconds) { now_ = seconds; }
+
+bool SimulatedScheduler::runOne() {
+  std::vector<SimulatedRunLoop*> ready;
+  std::ranges::copy_if(loops_, std::back_inserter(ready), &SimulatedRunLoop::isReady);
+  if (ready.empty()) return false;
+  SimulatedRunLoop* const chosen = ready[random_() % ready.size()];
+  SimulatedRunLoop* const before = std::exchange(current_, chosen);
+  chosen->step();
+  current_ = before;
+  return true;
+}
+
+void SimulatedScheduler::runUntilIdle() {
+  for (int steps = 0; runOne(); ++steps) {
+    if (steps < kStepsBeforeLivelock) continue;
+    std::fprintf(stderr, "simulated platform: work without end\n");
+    std::abort();
+  }
+}
+
+void SimulatedScheduler::advance(double seconds) {
+  const double until = now_ + seconds;
+  runUntilIdle();
+  for (;;) {
+    double next = kNever;
+    for (const SimulatedRunLoop* loop : loops_) next = std::min(next, loop->nextTimer());
+    if (next > until) break;
+    now_ = std::max(now_, next);
+    runUntilIdle();
+  }
+  now_ = until;
+  runUntilIdle();
+}
+
+}  // namespace zel::platform

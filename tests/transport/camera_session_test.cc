@@ -1,0 +1,231 @@
+#include "transport/camera_session.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/transport/simulated_camera.h"
+
+namespace zel::test {
+namespace {
+
+using platform::StreamEvent;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class CameraSessionTest : public SimulatedCameraTest {
+ protected:
+  void write(const Bytes& bytes) {
+    session().writeData(ZELData(bytes));
+    host.runUntilIdle();
+  }
+};
+
+TEST_F(CameraSessionTest, RunsASessionThreadWhileItIsOpen) {
+  open();
+  EXPECT_EQ(host.liveThreads("session thread"), 1);
+  accessory().closeCamera();
+  host.runUntilIdle();
+  EXPECT_EQ(host.liveThreads("session thread"), 0);
+}
+
+TEST_F(CameraSessionTest, LooksForTheMarkerInAFreshSession) {
+  open();
+  EXPECT_TRUE(stack.parser().isNeedDataSynchronism());
+}
+
+TEST_F(CameraSessionTest, ParsesOnceMoreOnAnEventWithoutBytes) {
+  open();
+  send(join(kMarker, kAudioFrame));  // what follows the marker waits for the next call
+  EXPECT_EQ(stack.statistics().frames[2], 0u);
+  link().fire(StreamEvent::hasBytesAvailable);
+  host.runUntilIdle();
+  EXPECT_EQ(stack.statistics().frames[2], 1u);
+}
+
+TEST_F(CameraSessionTest, ReadsABurstWholeBeforeItParsesOnce) {
+  open();
+  link().setReadLimit(3);
+  send(join(kMarker, kAudioFrame));  // seventeen bytes, six reads
+  EXPECT_FALSE(stack.parser().isNeedDataSynchronism());
+  EXPECT_EQ(stack.statistics().frames[2], 0u);
+}
+
+TEST_F(CameraSessionTest, AppendsNothingOfAFailedRead) {
+  open();
+  link().failReads();
+  link().fire(StreamEvent::hasBytesAvailable);
+  host.runUntilIdle();
+  EXPECT_EQ(stack.statistics().bytesReceived, 0u);
+}
+
+TEST_F(CameraSessionTest, WritesFramesWholeAndInOrder) {
+  openAndSynchronise();
+  session().writeData(ZELData(repeated(1000, 1)));
+  session().writeData(ZELData(repeated(1000, 2)));
+  host.runUntilIdle();
+  EXPECT_EQ(link().written(), join(repeated(1000, 1), repeated(1000, 2)));
+}
+
+TEST_F(CameraSessionTest, WritesNothingInsideTheCall) {
+  openAndSynchronise();
+  session().writeData(ZELData(bytes({1})));
+  EXPECT_THAT(link().written(), IsEmpty());
+}
+
+TEST_F(CameraSessionTest, WritesFromAPointerAndALength) {
+  openAndSynchronise();
+  const Bytes data = bytes({1, 2, 3});
+  session().writeData(data.data(), 2);
+  session().writeData(data.data(), 0);
+  session().writeData(data.data(), -1);
+  host.runUntilIdle();
+  EXPECT_EQ(link().written(), bytes({1, 2}));
+}
+
+TEST_F(CameraSessionTest, KeepsWhatTheStreamDoesNotAcceptForTheNextSpaceEvent) {
+  openAndSynchronise();
+  link().setWriteCapacity(100);
+  write(join(repeated(100, 1), repeated(100, 2), repeated(100, 3)));
+  EXPECT_EQ(link().written(), repeated(100, 1));
+  link().setWriteCapacity(1000);
+  host.runUntilIdle();
+  EXPECT_EQ(link().written(), join(repeated(100, 1), repeated(100, 2), repeated(100, 3)));
+}
+
+TEST_F(CameraSessionTest, LosesWhatIsWrittenWhileClosed) {
+  openAndSynchronise();
+  session().closeSession();
+  session().writeData(ZELData(bytes({1, 2, 3})));
+  session().openSessionWithAccessory(camera, "com.zelcam.ucd");
+  host.runUntilIdle();
+  EXPECT_THAT(link().written(), IsEmpty());
+}
+
+TEST_F(CameraSessionTest, ReopensAtOnceAfterAStreamError) {
+  openAndSynchronise();
+  send(bytes({8, 0, 0}));
+  link().fire(StreamEvent::errorOccurred);
+  host.runUntilIdle();
+  EXPECT_EQ(camera->sessionsOpened(), 2);
+  EXPECT_EQ(accessory().status(), 1u);
+  EXPECT_TRUE(stack.parser().isNeedDataSynchronism());
+  EXPECT_THAT(stack.parser().data(), IsEmpty());
+  EXPECT_EQ(stack.statistics().streamErrors, 1u);
+  EXPECT_EQ(host.liveThreads("session thread"), 1);
+}
+
+TEST_F(CameraSessionTest, AnswersAfterAReopening) {
+  openAndSynchronise();
+  link().fire(StreamEvent::errorOccurred);
+  host.runUntilIdle();
+  send(join(kMarker, kAudioFrame));
+  send(kAudioFrame);
+  EXPECT_EQ(accessory().status(), 2u);
+}
+
+TEST_F(CameraSessionTest, StaysClosedWhenAReopeningIsRefused) {
+  openAndSynchronise();
+  camera->refuseSessions(true);
+  link().fire(StreamEvent::errorOccurred);
+  host.runUntilIdle();
+  EXPECT_FALSE(session().isOpen());
+  EXPECT_EQ(host.liveThreads("session thread"), 0);
+  host.advance(4.5);
+  EXPECT_EQ(accessory().status(), 3u);
+}
+
+TEST_F(CameraSessionTest, IgnoresTheEndOfTheStream) {
+  openAndSynchronise();
+  link().end();
+  host.runUntilIdle();
+  EXPECT_TRUE(session().isOpen());
+  EXPECT_EQ(camera->sessionsOpened(), 1);
+}
+
+TEST_F(CameraSessionTest, ReopensWhenThePositionInTheStreamIsLost) {
+  openAndSynchronise();
+  send(bytes({5, 0, 0, 0, 1, 0, 9, 9}));
+  EXPECT_EQ(camera->sessionsOpened(), 2);
+  EXPECT_EQ(accessory().status(), 1u);
+  EXPECT_EQ(stack.statistics().positionsLost, 1u);
+  EXPECT_TRUE(stack.parser().isNeedDataSynchronism());
+}
+
+TEST_F(CameraSessionTest, SendsSixteenBytesToSynchroniseTheClock) {
+  host.setNow(1000.0);
+  open();
+  send(join(kMarker, bytes({7})));
+  EXPECT_EQ(session().syncTimestamp(), 1000000);
+  EXPECT_EQ(link().written(), bytes({0x10, 0, 0, 0,                       // length 16
+                                     4, 0,                                // data type: message
+                                     0x49, 0x40,                          // code
+                                     0x40, 0x42, 0x0F, 0, 0, 0, 0, 0}));  // 1,000,000 ms
+}
+
+TEST_F(CameraSessionTest, PutsTheClockFrameBehindWhatIsQueued) {
+  openAndSynchronise();
+  link().setWriteCapacity(0);
+  write(bytes({1, 2}));
+  session().sendSyncTimeCmd();
+  host.runUntilIdle();
+  link().setWriteCapacity(100);
+  host.runUntilIdle();
+  ASSERT_EQ(link().written().size(), 18u);
+  EXPECT_EQ(link().written()[0], 1);
+  EXPECT_EQ(link().written()[2], 0x10);
+}
+
+TEST_F(CameraSessionTest, RefusesAnAccessoryThatCannotBeOpenedButClosesTheOneBefore) {
+  openAndSynchronise();
+  const auto other = host.plug(cameraDescription(9));
+  other->refuseSessions(true);
+  EXPECT_FALSE(session().openSessionWithAccessory(other, "com.zelcam.ucd"));
+  EXPECT_FALSE(session().isOpen());
+}
+
+TEST_F(CameraSessionTest, ServesTheSecondOfTwoSessionsOpenedInARow) {
+  attach();
+  accessory().openCamera();
+  session().openSessionWithAccessory(camera, "com.zelcam.ucd");
+  host.runUntilIdle();
+  send(join(kMarker, kAudioFrame));
+  send(kAudioFrame);
+  EXPECT_EQ(accessory().status(), 2u);
+  EXPECT_EQ(host.liveThreads("session thread"), 1);
+}
+
+TEST_F(CameraSessionTest, DoesNothingWhenAnAccessoryReportsItsDeparture) {
+  openAndSynchronise();
+  session().accessoryDidDisconnect(*camera);
+  EXPECT_EQ(accessory().status(), 2u);
+}
+
+TEST_F(CameraSessionTest, LeavesNoThreadBehindWhenTheStackGoesAway) {
+  {
+    CameraStack other(host.ports());
+    host.plug(cameraDescription(20));
+    other.accessory().openCamera();
+    host.runUntilIdle();
+    EXPECT_EQ(host.liveThreads("session thread"), 1);
+  }
+  host.runUntilIdle();
+  EXPECT_EQ(host.liveThreads("session thread"), 0);
+}
+
+TEST_F(CameraSessionTest, LetsAStackBeDestroyedFromInsideItsOwnSessionThread) {
+  auto other = std::make_unique<CameraStack>(host.ports());
+  const auto own = host.plug(cameraDescription(20));
+  other->parser().registerMsgParser(
+      CameraMsgParser(1, [&](std::uint64_t, const std::optional<ZELData>&, void*) { other.reset(); }), 0x800B);
+  other->accessory().openCamera();
+  host.runUntilIdle();
+  own->current()->send(join(kMarker, bytes({8, 0, 0, 0, 4, 0, 0x0B, 0x80}), kAudioFrame));
+  host.runUntilIdle();
+  own->current()->fire(StreamEvent::hasBytesAvailable);
+  host.runUntilIdle();
+  EXPECT_EQ(other, nullptr);
+  EXPECT_EQ(host.liveThreads("session thread"), 0);
+}
+
+}  // namespace
+}  // namespace zel::test
