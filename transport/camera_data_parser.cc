@@ -11,6 +11,12 @@ using zel::ByteView;
 using zel::FrameType;
 using zel::MutexLock;
 
+namespace {
+
+constexpr std::size_t kShortRead = 4096;
+
+}  // namespace
+
 CameraDataParser::CameraDataParser(const zel::platform::Clock& clock) : clock_(clock) {}
 
 void CameraDataParser::appendBytes(const std::uint8_t* bytes, std::size_t length) {
@@ -31,6 +37,10 @@ void CameraDataParser::forgetClearedBytes() {
 
 void CameraDataParser::parserData() {
   forgetClearedBytes();
+  parseAppended();
+}
+
+void CameraDataParser::parseAppended() {
   if (isNeedDataSynchronism()) {
     findSynchronism();
   } else {
@@ -41,9 +51,10 @@ void CameraDataParser::parserData() {
 void CameraDataParser::parserData(ByteView lastRead) {
   forgetClearedBytes();
   statistics_.bytesReceived.add(lastRead.size());
-  if (isNeedDataSynchronism()) {
+  // A short read is cheaper to copy than to take apart.
+  if (lastRead.size() < kShortRead || isNeedDataSynchronism()) {
     buffer_.append(lastRead);
-    return findSynchronism();
+    return parseAppended();
   }
   if (!parseHeld() || !completeHeld(lastRead) || lastRead.empty()) return;
   std::size_t awaited = 0;

@@ -108,6 +108,7 @@ class CameraDataParser final : public zel::InboundStream {
   const Consumers& consumers();
   bool wasCleared() const { return clears_.load() != clearsSeen_; }
   void forgetClearedBytes();
+  void parseAppended();
   void findSynchronism();
   void startAfterMarker(std::size_t markerEnd);
   // The following return false when the session was closed or reopened, and what was read must not be touched any more.
