@@ -31,6 +31,10 @@ if(ZEL_SANITIZE)
   add_link_options(-fsanitize=${ZEL_SANITIZE})
 endif()
 
+if(ZEL_BUILD_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # zel_library(NAME SOURCES a.cc b.cc LINKS targets): one folder's library.
 function(zel_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})

@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""All that ./run lint checks: format, structure, headers that compile alone, clang-tidy."""
+import argparse
+import json
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+FOLDERS = ("include", "platform", "transport", "support", "capture", "media", "command", "live", "stack", "simulator", "apps",
+           "tests", "bench", "fuzz", "examples")
+TIDIED = ("platform/", "transport/", "support/", "capture/", "media/", "command/", "live/", "stack/", "simulator/", "apps/")
+
+
+def run(command):
+    done = subprocess.run(command, cwd=ROOT, capture_output=True, text=True, check=False)
+    return done.returncode, (done.stdout + done.stderr).strip()
+
+
+def files(*suffixes):
+    return [path for folder in FOLDERS for path in sorted((ROOT / folder).rglob("*")) if path.suffix in suffixes]
+
+
+def check_format(pool):
+    command = ["clang-format", "--dry-run", "-Werror"]
+    return [output for code, output in pool.map(lambda path: run([*command, str(path)]), files(".h", ".cc")) if code]
+
+
+def check_headers(pool):
+    command = ["g++", "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", "-DASIO_STANDALONE", "-I.", "-Iinclude",
+               "-x", "c++"]
+
+    def compile_alone(path):
+        code, output = run([*command, "-include", str(path), "/dev/null"])
+        return f"{path.relative_to(ROOT)}:1: does not compile alone\n{output}" if code else None
+
+    return [fault for fault in pool.map(compile_alone, files(".h")) if fault]
+
+
+def check_tidy(pool, build):
+    entries = json.loads((build / "compile_commands.json").read_text())
+    sources = sorted({str(Path(entry["file"]).relative_to(ROOT)) for entry in entries
+                      if Path(entry["file"]).is_relative_to(ROOT)})
+    sources = [source for source in sources if source.startswith(TIDIED)]
+    command = ["clang-tidy", "--quiet", "-p", str(build)]
+    return [output for code, output in pool.map(lambda source: run([*command, source]), sources) if code]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--build", type=Path, required=True, help="a build folder with compile_commands.json of clang")
+    parser.add_argument("--jobs", type=int, default=2)
+    arguments = parser.parse_args()
+    faults = []
+    with ThreadPoolExecutor(arguments.jobs) as pool:
+        for name, check in (("format", lambda: check_format(pool)),
+                            ("structure", lambda: [out for code, out in [run([sys.executable,
+                                                   "cmake/lint/structure.py"])] if code]),
+                            ("headers", lambda: check_headers(pool)),
+                            ("clang-tidy", lambda: check_tidy(pool, ROOT / arguments.build))):
+            found = check()
+            print(f"lint: {name}: {'clean' if not found else f'{len(found)} found'}", flush=True)
+            faults += found
+    print("\n".join(faults))
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,30 @@
+#include "tests/platform/harness.h"
+
+namespace zel::test {
+namespace {
+
+using ClockConformance = Conformance;
+
+TEST_P(ClockConformance, CountsFromTheBeginningOf2001) {
+  const double begin2023 = 694'224'000.0;  // 22 years: 8,035 days
+  EXPECT_GT(ports.clock.absoluteTime(), begin2023);
+  EXPECT_LT(ports.clock.absoluteTime(), 2 * begin2023);
+}
+
+TEST_P(ClockConformance, SleepsForAtLeastTheTimeAsked) {
+  const double before = ports.clock.absoluteTime();
+  ports.clock.sleepFor(0.02);
+  EXPECT_GE(ports.clock.absoluteTime() - before, 0.0199);
+}
+
+TEST_P(ClockConformance, ReturnsAtOnceFromSleepingForNothing) {
+  const double before = ports.clock.absoluteTime();
+  ports.clock.sleepFor(0);
+  ports.clock.sleepFor(-3600);
+  EXPECT_LT(ports.clock.absoluteTime() - before, 60);
+}
+
+ZEL_CONFORMANCE_SUITE(ClockConformance);
+
+}  // namespace
+}  // namespace zel::test

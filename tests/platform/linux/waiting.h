@@ -1,0 +1,63 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace zel::test {
+
+inline constexpr std::chrono::seconds kLimit{30};  // generous: only a test that fails waits that long
+
+// A list that threads add to and a test waits on.
+template <class Value>
+class Recorded {
+ public:
+  void add(Value value) {
+    const std::lock_guard lock(mutex_);
+    values_.push_back(std::move(value));
+    changed_.notify_all();
+  }
+
+  // All values, as soon as there are `count`.
+  std::vector<Value> wait(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    changed_.wait_for(lock, kLimit, [&] { return values_.size() >= count; });
+    return values_;
+  }
+
+  std::vector<Value> now() {
+    const std::lock_guard lock(mutex_);
+    return values_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::vector<Value> values_;
+};
+
+// Something that happens once.
+class Event {
+ public:
+  void set() { happened_.add(true); }
+  bool wait() { return !happened_.wait(1).empty(); }
+  bool happened() { return !happened_.now().empty(); }
+
+ private:
+  Recorded<bool> happened_;
+};
+
+// For what only the kernel tells, such as a thread that is about to be gone: looks until it is so.
+inline bool eventually(const std::function<bool()>& condition) {
+  const auto end = std::chrono::steady_clock::now() + kLimit;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::yield();
+  }
+  return true;
+}
+
+}  // namespace zel::test

@@ -1,0 +1,47 @@
+#include <gtest/gtest.h>
+
+#include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+
+#include "platform/simulated/simulated_platform.h"
+#include "transport/camera_data_parser.h"
+
+namespace zel::test {
+namespace {
+
+// The process-wide stack lives as long as the process, and so each of these runs in a process of its own.
+void exitWith(bool success) { std::_Exit(success ? 0 : 1); }
+
+TEST(DefaultStackDeathTest, GivesTheSameObjectsToEveryCaller) {
+  EXPECT_EXIT(
+      {
+        auto* host = new platform::SimulatedPlatform();
+        setDefaultPorts(host->ports());
+        exitWith(&ZELCameraAccessory::defaultCamera() == &ZELCameraAccessory::defaultCamera() &&
+                 &ZELCameraAccessory::defaultCamera() == &processStack().accessory() &&
+                 &CameraDataParser::shareCameraDataParser() == &processStack().parser());
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST(DefaultStackDeathTest, SaysWhatIsMissingWithoutPorts) {
+  EXPECT_DEATH(ZELCameraAccessory::defaultCamera(), "call setDefaultPorts\\(\\) before the first class operation");
+}
+
+TEST(DefaultStackDeathTest, RefusesPortsThatComeTooLate) {
+  EXPECT_DEATH(
+      {
+        auto* host = new platform::SimulatedPlatform();
+        setDefaultPorts(host->ports());
+        ZELCameraAccessory::defaultCamera();
+        setDefaultPorts(host->ports());
+      },
+      "comes too late");
+}
+
+TEST(DefaultStackDeathTest, HasNothingToSimulateAConnectionWith) {
+  ZELCameraAccessory::simulatorConnectToHost("localhost", 1);
+}
+
+}  // namespace
+}  // namespace zel::test
