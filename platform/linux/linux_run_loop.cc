@@ -1,227 +1,198 @@
 #include "platform/linux/linux_run_loop.h"
 
-#include <asio/error_code.hpp>
-#include <asio/executor_work_guard.hpp>
-#include <asio/post.hpp>
-#include <asio/steady_timer.hpp>
-
-#include <algorithm>
-#include <thread>
 #include <utility>
 
-#include "platform/call_gate.h"
+#include "platform/linux/linux_timer.h"
 
 namespace zel::platform {
 namespace {
 
-thread_local LinuxRunLoop* currentLoop = nullptr;
+thread_local LinuxRunLoop* loopOfThisThread = nullptr;
 
-using SteadySeconds = std::chrono::duration<double>;
-
-std::chrono::steady_clock::duration steadyDuration(double seconds) {
-  return std::chrono::duration_cast<std::chrono::steady_clock::duration>(SteadySeconds(seconds));
-}
+// More than any sensible number of events that are due at once.
+constexpr int kTurnsOfOneDrain = 1000;
 
 }  // namespace
 
-// The thread that serves the main loop where the host runs the calls.
-class LinuxRunLoop::ServiceThread {
- public:
-  explicit ServiceThread(asio::io_context& context)
-      : context_(context), guard_(asio::make_work_guard(context)), thread_([&context] { context.run(); }) {}
-  ~ServiceThread() {
-    guard_.reset();
-    context_.stop();
-    thread_.join();
-  }
-  ServiceThread(const ServiceThread&) = delete;
-  ServiceThread& operator=(const ServiceThread&) = delete;
-
- private:
-  asio::io_context& context_;
-  asio::executor_work_guard<asio::io_context::executor_type> guard_;
-  std::thread thread_;
+struct LinuxRunLoop::SignalledTask {
+  explicit SignalledTask(Task call) : task(std::move(call)) {}
+  GuardedTask task;
+  std::atomic<bool> signalled = false;
 };
 
-class LinuxRunLoop::CurrentScope {
+class LinuxRunLoopSource final : public RunLoopSource {
  public:
-  explicit CurrentScope(LinuxRunLoop& loop) : before_(std::exchange(currentLoop, &loop)) {}
-  ~CurrentScope() { currentLoop = before_; }
-  CurrentScope(const CurrentScope&) = delete;
-  CurrentScope& operator=(const CurrentScope&) = delete;
-
- private:
-  LinuxRunLoop* before_;
-};
-
-// The state is shared with the wait that is under way, so that the handle may go at any moment, on any thread.
-class LinuxRunLoop::LoopTimer final : public Timer {
- public:
-  LoopTimer(std::shared_ptr<LinuxRunLoop> loop, double seconds, Task task)
-      : state_(std::make_shared<State>(std::move(loop), seconds, std::move(task))) {
-    state_->loop->perform([state = state_] { state->arm(); });
-  }
-  ~LoopTimer() override {
-    state_->gate.close();
-    state_->loop->perform([state = state_] { state->timer.cancel(); });
+  LinuxRunLoopSource(std::shared_ptr<LinuxRunLoop> loop, std::shared_ptr<LinuxRunLoop::SignalledTask> source)
+      : loop_(std::move(loop)), source_(std::move(source)) {}
+  ~LinuxRunLoopSource() override {
+    loop_->remove(source_);
+    source_->task.close();
   }
 
- private:
-  struct State : std::enable_shared_from_this<State> {
-    State(std::shared_ptr<LinuxRunLoop> runLoop, double seconds, Task call)
-        : loop(std::move(runLoop)),
-          period(steadyDuration(seconds)),
-          due(std::chrono::steady_clock::now() + period),
-          task(std::move(call)),
-          timer(loop->context()) {}
-
-    void arm() {
-      timer.expires_at(due);
-      timer.async_wait([self = shared_from_this()](const asio::error_code& error) {
-        if (!error) self->loop->invoke([self] { self->fire(); });
-      });
-    }
-    void fire() {
-      bool stopped = true;
-      gate.enter([&] {
-        task();
-        stopped = false;
-      });
-      if (stopped) return;
-      due = std::max(due + period, std::chrono::steady_clock::now());
-      arm();
-    }
-
-    const std::shared_ptr<LinuxRunLoop> loop;
-    const std::chrono::steady_clock::duration period;
-    std::chrono::steady_clock::time_point due;
-    const Task task;
-    CallGate gate;
-    asio::steady_timer timer;
-  };
-
-  std::shared_ptr<State> state_;
-};
-
-class LinuxRunLoop::LoopSource final : public RunLoopSource {
- public:
-  LoopSource(std::weak_ptr<LinuxRunLoop> loop, Task task)
-      : loop_(std::move(loop)), state_(std::make_shared<State>(std::move(task))) {}
-  ~LoopSource() override { state_->gate.close(); }
-
-  // Queued once for any number of signals; the queued call wakes the loop by itself.
   void signal() override {
-    if (state_->signalled.exchange(true)) return;
-    if (const auto loop = loop_.lock()) loop->perform([state = state_] { state->fire(); });
+    source_->signalled.store(true);
+    loop_->signalled_.store(true);
   }
 
  private:
-  struct State {
-    explicit State(Task call) : task(std::move(call)) {}
-    void fire() {
-      signalled.store(false);
-      gate.enter(task);
-    }
-    std::atomic<bool> signalled = false;
-    const Task task;
-    CallGate gate;
-  };
-
-  std::weak_ptr<LinuxRunLoop> loop_;
-  std::shared_ptr<State> state_;
+  const std::shared_ptr<LinuxRunLoop> loop_;
+  const std::shared_ptr<LinuxRunLoop::SignalledTask> source_;
 };
+
+std::shared_ptr<LinuxRunLoop> LinuxRunLoop::create() { return std::shared_ptr<LinuxRunLoop>(new LinuxRunLoop); }
+
+LinuxRunLoop::LinuxRunLoop() : work_(io_.get_executor()) {}
 
 LinuxRunLoop::~LinuxRunLoop() {
-  service_.reset();
-  left_.store(true);
-  dropQueued();
+  stopped_.store(true);  // what dies now cannot queue anything more
+  discard();
 }
 
-LinuxRunLoop* LinuxRunLoop::current() { return currentLoop; }
+LinuxRunLoop* LinuxRunLoop::ofThisThread() { return loopOfThisThread; }
+
+LinuxRunLoop::Scope::Scope(LinuxRunLoop& loop) : outer_(std::exchange(loopOfThisThread, &loop)) {}
+
+LinuxRunLoop::Scope::~Scope() { loopOfThisThread = outer_; }
 
 void LinuxRunLoop::perform(Task task) {
-  if (kind_ == Kind::ofThread && isLeft()) return;
-  asio::post(context_, [this, task = std::move(task)]() mutable { invoke(std::move(task)); });
-}
-
-void LinuxRunLoop::invoke(Task task) {
-  waiting_.store(false);
-  if (kind_ == Kind::ofThread && isLeft()) return;
-  std::function<void(Task)> executor;
   {
-    const MutexLock lock(executorMutex_);
-    executor = executor_;
+    const MutexLock lock(mutex_);
+    if (stopped_.load()) return;  // the task dies with the parameter, after the lock
+    tasks_.push_back(std::move(task));
   }
-  if (!executor) return call(task);
-  executor([weak = weak_from_this(), task = std::move(task)] {
-    if (const auto self = weak.lock()) self->call(task);
+  // One event for each task, so that tasks, timers and streams take turns.
+  if (executor_) return executor_([self = shared_from_this()] { self->runNext(); });
+  asio::post(io_, [this] {
+    waiting_.store(false);
+    runNext();
   });
 }
 
-void LinuxRunLoop::call(const Task& task) {
-  const CurrentScope scope(*this);
+void LinuxRunLoop::runNext() {
+  Task task;
+  {
+    const MutexLock lock(mutex_);
+    if (stopped_.load() || tasks_.empty()) return;
+    task = std::move(tasks_.front());
+    tasks_.pop_front();
+  }
   task();
+  task = nullptr;  // what it holds goes before anything else runs
+  if (executor_) runSources();
 }
 
-void LinuxRunLoop::wakeUp() {
-  asio::post(context_, [] {});
-}
-
-void LinuxRunLoop::stop() {
-  left_.store(true);
-  wakeUp();
+void LinuxRunLoop::handOver(std::function<void()> call) {
+  executor_([self = shared_from_this(), call = std::move(call)] {
+    if (self->stopped_.load()) return;
+    call();
+    self->runSources();
+  });
 }
 
 std::unique_ptr<Timer> LinuxRunLoop::scheduleRepeating(double seconds, Task task) {
-  return std::make_unique<LoopTimer>(shared_from_this(), seconds, std::move(task));
+  return LinuxTimer::start(shared_from_this(), seconds, std::move(task));
 }
 
 std::unique_ptr<RunLoopSource> LinuxRunLoop::addSource(Task task) {
-  return std::make_unique<LoopSource>(weak_from_this(), std::move(task));
+  auto source = std::make_shared<SignalledTask>(std::move(task));
+  const MutexLock lock(mutex_);
+  sources_.push_back(source);
+  return std::make_unique<LinuxRunLoopSource>(shared_from_this(), std::move(source));
 }
 
-void LinuxRunLoop::run() { runUntil(std::chrono::steady_clock::time_point::max()); }
+void LinuxRunLoop::remove(const std::shared_ptr<SignalledTask>& source) {
+  const MutexLock lock(mutex_);
+  std::erase(sources_, source);
+}
 
-bool LinuxRunLoop::runUntil(std::chrono::steady_clock::time_point deadline) {
-  const CurrentScope scope(*this);
-  const auto guard = asio::make_work_guard(context_);
-  context_.restart();
-  const bool forever = deadline == std::chrono::steady_clock::time_point::max();
-  while (!isLeft()) {
-    if (context_.poll_one() != 0) continue;
-    waiting_.store(true);
-    const std::size_t ran = forever ? context_.run_one() : context_.run_one_until(deadline);
+void LinuxRunLoop::runSources() {
+  if (!signalled_.exchange(false)) return;
+  std::vector<std::shared_ptr<SignalledTask>> sources;
+  {
+    const MutexLock lock(mutex_);
+    sources = sources_;
+  }
+  for (const auto& source : sources) {
+    if (!stopped_.load() && source->signalled.exchange(false)) source->task.call();
+  }
+}
+
+// A loop with an executor cannot know whether the host sleeps, and says so, so that nobody leaves out the wake-up.
+bool LinuxRunLoop::isWaiting() const { return executor_ || waiting_.load(); }
+
+void LinuxRunLoop::wakeUp() {
+  if (!isWaiting() || wakingUp_.exchange(true)) return;
+  const auto wake = [this] {
     waiting_.store(false);
-    if (ran == 0 && !forever) return false;
+    wakingUp_.store(false);
+    if (executor_) runSources();
+  };
+  if (executor_) return executor_([self = shared_from_this(), wake] { wake(); });
+  asio::post(io_, wake);
+}
+
+// Ends the sleep also of a loop that has not reported it yet.
+void LinuxRunLoop::nudge() {
+  asio::post(io_, [this] { waiting_.store(false); });
+}
+
+void LinuxRunLoop::stop() {
+  {
+    const MutexLock lock(mutex_);
+    stopped_.store(true);
   }
-  if (kind_ == Kind::ofMain) {
-    left_.store(false);  // it may be run again
-  } else {
-    dropQueued();
-  }
-  return true;
+  nudge();
+}
+
+void LinuxRunLoop::leave() {
+  leaving_.store(true);
+  nudge();
+}
+
+// Announcing the sleep first and looking at the signals afterwards is what loses no wake-up: whoever signals either
+// sees the announcement and wakes the loop, or has signalled before this look.
+void LinuxRunLoop::turn() {
+  runSources();
+  waiting_.store(true);
+  if (!signalled_.load() && !stopped_.load() && !leaving_.load()) io_.run_one();
+  waiting_.store(false);
+}
+
+void LinuxRunLoop::run() {
+  const Scope scope(*this);
+  while (!stopped_.load() && !leaving_.exchange(false)) turn();
+  if (stopped_.load()) discard();
+}
+
+bool LinuxRunLoop::runFor(std::chrono::steady_clock::duration time) {
+  const auto ended = std::make_shared<std::atomic<bool>>(false);
+  asio::steady_timer timer(io_, time);
+  timer.async_wait([this, ended](const std::error_code& error) {
+    waiting_.store(false);
+    if (!error) ended->store(true);
+  });
+  const Scope scope(*this);
+  bool left = false;
+  while (!ended->load() && !(left = stopped_.load() || leaving_.exchange(false))) turn();
+  if (stopped_.load()) discard();
+  return left;
 }
 
 void LinuxRunLoop::drain() {
-  const CurrentScope scope(*this);
-  context_.restart();
-  context_.poll();
-}
-
-// What was queued is let go here, on the thread that leaves, and not when somebody happens to destroy the loop.
-void LinuxRunLoop::dropQueued() {
-  if (kind_ == Kind::ofMain) return;
-  context_.restart();
-  while (context_.poll() != 0) {
+  const Scope scope(*this);
+  for (int turns = 0; turns < kTurnsOfOneDrain && !stopped_.load(); ++turns) {
+    const bool sourceIsDue = signalled_.load();
+    runSources();
+    if (io_.poll_one() == 0 && !sourceIsDue) break;
   }
 }
 
-void LinuxRunLoop::setExecutor(std::function<void(Task)> executor) {
-  {
-    const MutexLock lock(executorMutex_);
-    executor_ = std::move(executor);
-  }
-  if (!service_) service_ = std::make_unique<ServiceThread>(context_);
+void LinuxRunLoop::setExecutor(Executor executor) { executor_ = std::move(executor); }
+
+void LinuxRunLoop::discard() {
+  std::deque<Task> doomed;  // destroyed without the lock: what a task holds may call the loop
+  const MutexLock lock(mutex_);
+  doomed.swap(tasks_);
 }
 
 }  // namespace zel::platform

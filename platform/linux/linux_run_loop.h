@@ -1,72 +1,103 @@
 #pragma once
 
-#include <asio/io_context.hpp>
-
 #include <atomic>
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <vector>
 
+#include "platform/linux/asio.h"
+#include "platform/linux/guarded_task.h"
 #include "platform/mutex.h"
-#include "platform/queues.h"
 #include "platform/run_loop.h"
 
 namespace zel::platform {
 
-// A run loop over one io_context. The thread that runs it sleeps in the kernel while there is nothing to do.
-// A thread's loop stops for good; the main loop may be left and run again.
-class LinuxRunLoop final : public RunLoop, public Queue, public std::enable_shared_from_this<LinuxRunLoop> {
+// A run loop over one io_context. It sleeps in epoll while there is nothing to do.
+// Owner:  always held by shared pointers: timers, sources and streams keep the loop alive that they were put on.
+class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<LinuxRunLoop> {
  public:
-  enum class Kind { ofThread, ofMain };
+  using Executor = std::function<void(std::function<void()>)>;
 
-  explicit LinuxRunLoop(Kind kind) : kind_(kind) {}
+  static std::shared_ptr<LinuxRunLoop> create();
   ~LinuxRunLoop() override;
 
-  void post(Task task) override { perform(std::move(task)); }
   void perform(Task task) override;
   std::unique_ptr<Timer> scheduleRepeating(double seconds, Task task) override;
   std::unique_ptr<RunLoopSource> addSource(Task task) override;
-  bool isWaiting() const override { return waiting_.load(); }
+  bool isWaiting() const override;
   void wakeUp() override;
   void stop() override;
 
-  // Runs until stop(). With a deadline, false when that ended it.
+  // Runs on the calling thread until stop() or leave(). A leave() that came before it ends it at once.
   void run();
-  bool runUntil(std::chrono::steady_clock::time_point deadline);
-  // Runs what is due and returns.
+  // Ends the current or the next run(); everything queued stays queued for the run after it.
+  void leave();
+  // The same as run(), for at most that long. False when the time ended it.
+  bool runFor(std::chrono::steady_clock::duration time);
+  // Runs what is due, without waiting. A task that queues itself again cannot hold the caller for good.
   void drain();
 
-  // Hands every call to the host's executor from now on, and runs the io_context on a thread of its own.
-  void setExecutor(std::function<void(Task)> executor);
+  // From now on every call that the loop makes is handed to the executor, which makes them one after the other; run()
+  // then only watches timers and descriptors. To be set before the loop is used.
+  void setExecutor(Executor executor);
 
-  // Runs a call that the io_context has brought: at once, or through the host's executor. Dropped once a thread's loop
-  // has stopped.
-  void invoke(Task task);
-  // Runs the call at once, as one of this loop's.
-  void call(const Task& task);
+  // Destroys what is still queued.
+  void discard();
 
-  asio::io_context& context() { return context_; }
+  // For whatever waits on descriptors and timers of this loop: wraps what is to happen when Asio reports, so that it
+  // happens as a call of this loop. Such objects are touched from inside calls of the loop only.
+  asio::io_context& context() { return io_; }
+  template <class Call>
+  auto handler(Call call) {
+    return [this, call = std::move(call)](const auto& error) mutable {
+      waiting_.store(false);
+      if (executor_) return handOver([call = std::move(call), error]() mutable { call(error); });
+      if (!stopped_.load()) call(error);
+    };
+  }
 
-  // The loop whose call the current thread is in, or which it runs; null where there is none.
-  static LinuxRunLoop* current();
-  bool isCurrent() const { return current() == this; }
+  // The loop that the calling thread runs, or null.
+  static LinuxRunLoop* ofThisThread();
+
+  // Makes a loop the calling thread's own for a scope.
+  class Scope {
+   public:
+    explicit Scope(LinuxRunLoop& loop);
+    ~Scope();
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+   private:
+    LinuxRunLoop* const outer_;
+  };
 
  private:
-  class CurrentScope;
-  class LoopTimer;
-  class LoopSource;
-  class ServiceThread;
+  friend class LinuxRunLoopSource;
+  struct SignalledTask;
 
-  bool isLeft() const { return left_.load(); }
-  void dropQueued();
+  LinuxRunLoop();
+  void handOver(std::function<void()> call);
+  void turn();
+  void runNext();
+  void runSources();
+  void remove(const std::shared_ptr<SignalledTask>& source);
+  void nudge();
 
-  const Kind kind_;
-  asio::io_context context_{1};
+  asio::io_context io_;
+  asio::executor_work_guard<asio::io_context::executor_type> work_;
+  Executor executor_;  // constant once the loop is in use
+
   std::atomic<bool> waiting_ = false;
-  std::atomic<bool> left_ = false;
-  mutable Mutex executorMutex_;
-  std::function<void(Task)> executor_ ZEL_GUARDED_BY(executorMutex_);
-  std::unique_ptr<ServiceThread> service_;  // runs the io_context where a host's executor runs the calls
+  std::atomic<bool> signalled_ = false;
+  std::atomic<bool> wakingUp_ = false;
+  std::atomic<bool> leaving_ = false;
+  std::atomic<bool> stopped_ = false;
+
+  Mutex mutex_;
+  std::deque<Task> tasks_ ZEL_GUARDED_BY(mutex_);
+  std::vector<std::shared_ptr<SignalledTask>> sources_ ZEL_GUARDED_BY(mutex_);
 };
 
 }  // namespace zel::platform

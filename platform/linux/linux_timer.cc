@@ -1,0 +1,59 @@
+#include "platform/linux/linux_timer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zel::platform {
+namespace {
+
+constexpr double kShortestSeconds = 1e-4;
+constexpr double kLongestSeconds = 1e9;
+
+}  // namespace
+
+std::chrono::steady_clock::duration steadyDuration(double seconds) {
+  const std::chrono::duration<double> bounded(std::clamp(seconds, kShortestSeconds, kLongestSeconds));
+  return std::chrono::duration_cast<std::chrono::steady_clock::duration>(bounded);
+}
+
+// Lives as long as its handle or a pending wait. The Asio timer is touched inside calls of the loop only.
+struct LinuxTimer::State : std::enable_shared_from_this<State> {
+  State(LinuxRunLoop& itsLoop, std::chrono::steady_clock::duration itsPeriod, Task call)
+      : loop(itsLoop), timer(itsLoop.context()), period(itsPeriod), task(std::move(call)) {}
+
+  void wait() {
+    timer.expires_at(due);
+    timer.async_wait(loop.handler([self = shared_from_this()](const std::error_code& error) {
+      if (!error) self->fire();
+    }));
+  }
+
+  void fire() {
+    if (!task.call()) return;
+    const auto late = std::max(std::chrono::steady_clock::now() - due, period.zero());
+    due += period * (1 + late / period);
+    wait();
+  }
+
+  LinuxRunLoop& loop;  // outlives this: the handle holds it, and so does the wait, being part of it
+  asio::steady_timer timer;
+  const std::chrono::steady_clock::duration period;
+  std::chrono::steady_clock::time_point due = std::chrono::steady_clock::now() + period;
+  GuardedTask task;
+};
+
+LinuxTimer::LinuxTimer(std::shared_ptr<LinuxRunLoop> loop, std::shared_ptr<State> state)
+    : loop_(std::move(loop)), state_(std::move(state)) {}
+
+std::unique_ptr<Timer> LinuxTimer::start(const std::shared_ptr<LinuxRunLoop>& loop, double seconds, Task task) {
+  auto state = std::make_shared<State>(*loop, steadyDuration(seconds), std::move(task));
+  loop->perform([state] { state->wait(); });
+  return std::unique_ptr<Timer>(new LinuxTimer(loop, std::move(state)));
+}
+
+LinuxTimer::~LinuxTimer() {
+  state_->task.close();
+  loop_->perform([state = state_] { state->timer.cancel(); });
+}
+
+}  // namespace zel::platform
