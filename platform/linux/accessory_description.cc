@@ -1,105 +1,105 @@
 #include "platform/linux/accessory_description.h"
 
+#include <limits>
 #include <nlohmann/json.hpp>
-
 #include <utility>
 
 namespace zel::platform {
 namespace {
 
-using nlohmann::json;
+using Json = nlohmann::json;
 
-// Reads fields by name and keeps the first fault; what is read after a fault means nothing.
-class FieldReader {
+// Objects and arrays inside each other; a description needs two.
+constexpr int kDeepest = 16;
+
+// Takes fields out of one object. After the first fault it takes nothing more, so that one check at the end is enough.
+class Fields {
  public:
-  FieldReader(const json& object, std::string prefix, std::string& fault)
+  Fields(const Json& object, std::string prefix, std::string& fault)
       : object_(object), prefix_(std::move(prefix)), fault_(fault) {}
 
   std::string text(const char* name) {
-    const json* field = find(name);
+    const Json* field = find(name);
     if (field == nullptr) return {};
-    if (!field->is_string()) return failed(name, "is no text");
-    return field->get<std::string>();
+    const auto* value = field->get_ptr<const std::string*>();
+    if (value == nullptr) return refuse<std::string>(name, "is not a string");
+    if (value->find('\0') != std::string::npos) return refuse<std::string>(name, "holds a zero character");
+    return *value;
   }
 
-  // A text that opens, connects or names something, and so may be neither empty nor cut short by a zero byte.
-  std::string usableText(const char* name) {
+  std::string filledText(const char* name) {
     std::string value = text(name);
-    if (!fault_.empty()) return {};
-    if (value.empty()) return failed(name, "is empty");
-    if (value.find('\0') != std::string::npos) return failed(name, "holds a zero byte");
-    return value;
+    return fault_.empty() && value.empty() ? refuse<std::string>(name, "is empty") : value;
   }
 
-  std::uint64_t number(const char* name, std::uint64_t least, std::uint64_t most) {
-    const json* field = find(name);
+  std::uint64_t number(const char* name, std::uint64_t least, std::uint64_t most, const char* what) {
+    const Json* field = find(name);
     if (field == nullptr) return 0;
-    if (!field->is_number_unsigned() || field->get<std::uint64_t>() < least || field->get<std::uint64_t>() > most) {
-      failed(name, ("is no whole number from " + std::to_string(least) + " to " + std::to_string(most)).c_str());
-      return 0;
-    }
-    return field->get<std::uint64_t>();
+    if (!field->is_number_unsigned()) return refuse<std::uint64_t>(name, what);
+    const auto value = field->get<std::uint64_t>();
+    return value < least || value > most ? refuse<std::uint64_t>(name, what) : value;
   }
 
   std::vector<std::string> texts(const char* name) {
+    const Json* field = find(name);
+    if (field == nullptr) return {};
+    if (!field->is_array()) return refuse<std::vector<std::string>>(name, "is not a list");
     std::vector<std::string> values;
-    const json* field = find(name);
-    if (field == nullptr) return values;
-    if (!field->is_array()) failed(name, "is no list of texts");
-    for (const json& item : *field) {
-      if (!item.is_string()) {
-        failed(name, "is no list of texts");
-        return {};
-      }
-      values.push_back(item.get<std::string>());
+    for (const Json& item : *field) {
+      const auto* value = item.get_ptr<const std::string*>();
+      if (value == nullptr) return refuse<std::vector<std::string>>(name, "holds something that is not a string");
+      values.push_back(*value);
     }
     return values;
   }
 
-  const json* object(const char* name) {
-    const json* field = find(name);
-    if (field == nullptr) return nullptr;
-    if (field->is_object()) return field;
-    failed(name, "is no object");
-    return nullptr;
+  const Json* object(const char* name) {
+    const Json* field = find(name);
+    if (field != nullptr && !field->is_object()) return refuse<const Json*>(name, "is not an object");
+    return field;
   }
 
-  std::string failed(const char* name, const char* what) {
+  template <class Value>
+  Value refuse(const char* name, const std::string& what) {
     if (fault_.empty()) fault_ = "\"" + prefix_ + name + "\" " + what;
-    return {};
+    return Value();
   }
 
  private:
-  const json* find(const char* name) {
+  const Json* find(const char* name) {
+    if (!fault_.empty()) return nullptr;
     const auto found = object_.find(name);
-    if (found != object_.end()) return &*found;
-    failed(name, "is missing");
-    return nullptr;
+    return found != object_.end() ? &*found : refuse<const Json*>(name, "is missing");
   }
 
-  const json& object_;
+  const Json& object_;
   const std::string prefix_;
   std::string& fault_;
 };
 
-Endpoint readEndpoint(const json& object, std::string& fault) {
-  FieldReader fields(object, "endpoint.", fault);
-  const std::string type = fields.usableText("type");
-  if (type == "unix") return UnixEndpoint{fields.usableText("path")};
-  if (type == "device") return DeviceEndpoint{fields.usableText("path")};
-  if (type == "tcp") {
-    std::string host = fields.usableText("host");
-    return TcpEndpoint{std::move(host), static_cast<std::uint16_t>(fields.number("port", 1, 65535))};
+Endpoint readEndpoint(const Json& object, std::string& fault) {
+  Fields fields(object, "endpoint.", fault);
+  const std::string type = fields.text("type");
+  if (type == "unix") {
+    std::string path = fields.filledText("path");
+    if (path.size() > kLongestSocketPath) fields.refuse<int>("path", "is longer than 107 bytes");
+    return UnixEndpoint{std::move(path)};
   }
-  fields.failed("type", "is none of unix, tcp, device");
-  return {};
+  if (type == "tcp") {
+    std::string host = fields.filledText("host");
+    const auto port = fields.number("port", 1, std::numeric_limits<std::uint16_t>::max(), "is not from 1 to 65535");
+    return TcpEndpoint{std::move(host), static_cast<std::uint16_t>(port)};
+  }
+  if (type == "device") return DeviceEndpoint{fields.filledText("path")};
+  return fields.refuse<UnixEndpoint>("type", "is none of unix, tcp, device");
 }
 
-ParsedAccessory readAccessory(const json& object, std::string& fault) {
-  FieldReader fields(object, "", fault);
-  ParsedAccessory parsed;
-  AccessoryDescription& description = parsed.description;
-  description.connectionID = fields.number("connectionID", 0, UINT64_MAX);
+ParsedAccessory readAccessory(const Json& object, std::string& fault) {
+  Fields fields(object, "", fault);
+  ParsedAccessory accessory;
+  AccessoryDescription& description = accessory.description;
+  description.connectionID = fields.number("connectionID", 0, std::numeric_limits<std::uint64_t>::max(),
+                                           "is not a whole number from 0 to 18446744073709551615");
   description.manufacturer = fields.text("manufacturer");
   description.name = fields.text("name");
   description.modelNumber = fields.text("modelNumber");
@@ -108,28 +108,35 @@ ParsedAccessory readAccessory(const json& object, std::string& fault) {
   description.hardwareRevision = fields.text("hardwareRevision");
   description.protocolStrings = fields.texts("protocolStrings");
   description.dockType = fields.text("dockType");
-  if (const json* endpoint = fields.object("endpoint")) parsed.endpoint = readEndpoint(*endpoint, fault);
-  return parsed;
+  if (const Json* endpoint = fields.object("endpoint")) accessory.endpoint = readEndpoint(*endpoint, fault);
+  return accessory;
 }
 
 }  // namespace
 
-std::optional<ParsedAccessory> parseAccessoryDescription(std::string_view text, std::string& fault) {
+std::optional<ParsedAccessory> parseAccessoryDescription(std::string_view json, std::string& fault) {
   fault.clear();
-  if (text.size() > kLongestDescription) {
-    fault = "it is longer than 64 KiB";
+  if (json.size() > kLargestAccessoryFile) {
+    fault = "is larger than 65536 bytes";
     return std::nullopt;
   }
-  const json parsed = json::parse(text, nullptr, /*allow_exceptions=*/false);
-  if (parsed.is_discarded()) {
-    fault = "it is not JSON";
-  } else if (!parsed.is_object()) {
-    fault = "it is no JSON object";
-  } else {
-    ParsedAccessory accessory = readAccessory(parsed, fault);
-    if (fault.empty()) return accessory;
+  bool tooDeep = false;
+  const auto bounded = [&](int depth, Json::parse_event_t, Json&) {
+    tooDeep = tooDeep || depth > kDeepest;
+    return !tooDeep;  // what is refused is not kept
+  };
+  const Json document = Json::parse(json.begin(), json.end(), bounded, false);
+  if (tooDeep) {
+    fault = "is nested deeper than 16 levels";
+  } else if (document.is_discarded()) {
+    fault = "is not JSON";
+  } else if (!document.is_object()) {
+    fault = "is not a JSON object";
   }
-  return std::nullopt;
+  if (!fault.empty()) return std::nullopt;
+  ParsedAccessory accessory = readAccessory(document, fault);
+  if (!fault.empty()) return std::nullopt;
+  return accessory;
 }
 
 }  // namespace zel::platform

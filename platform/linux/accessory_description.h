@@ -10,17 +10,19 @@
 
 namespace zel::platform {
 
-// No description is longer; a longer file is refused unread.
-inline constexpr std::size_t kLongestDescription = 64 * 1024;
-
-// An accessory's file, read.
+// What the file of an attached accessory says.
 struct ParsedAccessory {
   AccessoryDescription description;
   Endpoint endpoint;
 };
 
-// Reads the text of an accessory's file. Fields that are not known are ignored.
-// Errors: nullopt, and what is wrong in `fault`.
+// The most that a file may hold.
+inline constexpr std::size_t kLargestAccessoryFile = 64 * 1024;
+
+// Reads the JSON of an accessory's file. Every field has to be there, with the right type; fields with other names are
+// left to later versions and ignored.
+// Errors: empty; `fault` names the field and what is wrong with it.
+// Thread: any thread.
 std::optional<ParsedAccessory> parseAccessoryDescription(std::string_view json, std::string& fault);
 
 }  // namespace zel::platform

@@ -6,77 +6,134 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <termios.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <system_error>
 
 namespace zel::platform {
 namespace {
 
-constexpr int kConnectMilliseconds = 2000;
+using Deadline = std::chrono::steady_clock::time_point;
 
-int closed(int descriptor) {
-  ::close(descriptor);
-  return -1;
+std::chrono::milliseconds timeLeft(Deadline deadline) {
+  const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+  return std::max(left, std::chrono::milliseconds(0));
 }
 
-// The socket once it is connected, else -1, the socket being closed.
-int connected(int descriptor, const sockaddr* address, socklen_t length) {
-  if (descriptor < 0) return -1;
-  if (::connect(descriptor, address, length) == 0) return descriptor;
-  if (errno != EINPROGRESS) return closed(descriptor);
-  pollfd watched{descriptor, POLLOUT, 0};
-  int fault = 0;
-  socklen_t size = sizeof(fault);
-  const bool ready = ::poll(&watched, 1, kConnectMilliseconds) == 1;
-  if (!ready || ::getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &fault, &size) != 0 || fault != 0) {
-    return closed(descriptor);
-  }
-  return descriptor;
-}
+std::string reason(int code) { return std::generic_category().message(code); }
 
-int connectTo(const UnixEndpoint& endpoint) {
-  sockaddr_un address{};
+// A full queue of connections makes a socket of this kind wait inside connect(), where only a send time-out bounds it.
+int connectUnix(int descriptor, const UnixEndpoint& endpoint, Deadline deadline) {
+  sockaddr_un address = {};
   address.sun_family = AF_UNIX;
-  if (endpoint.path.size() >= sizeof(address.sun_path)) return -1;
   std::memcpy(address.sun_path, endpoint.path.data(), endpoint.path.size());
-  const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-  return connected(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+  int result = -1;
+  do {
+    const auto left = std::max(timeLeft(deadline), std::chrono::milliseconds(1));  // zero would mean for ever
+    const timeval limit = {.tv_sec = left.count() / 1000, .tv_usec = left.count() % 1000 * 1000};
+    setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    result = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  } while (result != 0 && errno == EINTR);
+  return result == 0 ? 0 : errno;
 }
 
-int connectTo(const TcpEndpoint& endpoint) {
-  addrinfo hints{};
+UniqueDescriptor open(const UnixEndpoint& endpoint, Deadline deadline, std::string& fault) {
+  int code = ENAMETOOLONG;
+  if (endpoint.path.size() <= kLongestSocketPath) {
+    UniqueDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    code = socket ? connectUnix(socket.get(), endpoint, deadline) : errno;
+    if (code == 0) return socket;
+    if (code == EAGAIN) code = ETIMEDOUT;
+  }
+  fault = "unix socket " + endpoint.path + ": " + reason(code);
+  return {};
+}
+
+int awaitConnection(int descriptor, Deadline deadline) {
+  pollfd query = {.fd = descriptor, .events = POLLOUT, .revents = 0};
+  int ready = -1;
+  do {
+    ready = poll(&query, 1, static_cast<int>(timeLeft(deadline).count()));
+  } while (ready < 0 && errno == EINTR);
+  if (ready < 0) return errno;
+  if (ready == 0) return ETIMEDOUT;
+  int code = 0;
+  socklen_t size = sizeof code;
+  return getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &code, &size) == 0 ? code : errno;
+}
+
+UniqueDescriptor connectAddress(const addrinfo& address, Deadline deadline, int& code) {
+  UniqueDescriptor socket(::socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  code = socket ? 0 : errno;
+  if (!socket) return {};
+  if (connect(socket.get(), address.ai_addr, address.ai_addrlen) != 0) {
+    const bool begun = errno == EINPROGRESS || errno == EINTR;
+    code = begun ? awaitConnection(socket.get(), deadline) : errno;
+  }
+  if (code != 0) return {};
+  // Requests are small and wait for their replies; held back for more bytes they would only be late.
+  const int on = 1;
+  setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  return socket;
+}
+
+UniqueDescriptor open(const TcpEndpoint& endpoint, Deadline deadline, std::string& fault) {
+  fault = "tcp " + endpoint.host + " port " + std::to_string(endpoint.port) + ": ";
+  addrinfo hints = {};
   hints.ai_socktype = SOCK_STREAM;
   addrinfo* found = nullptr;
-  if (::getaddrinfo(endpoint.host.c_str(), std::to_string(endpoint.port).c_str(), &hints, &found) != 0) return -1;
-  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> addresses(found, &::freeaddrinfo);
-  for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
-    const int descriptor = ::socket(one->ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (connected(descriptor, one->ai_addr, one->ai_addrlen) < 0) continue;
-    const int on = 1;  // requests are small and must not wait for each other
-    ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
-    return descriptor;
+  const int lookup = getaddrinfo(endpoint.host.c_str(), std::to_string(endpoint.port).c_str(), &hints, &found);
+  if (lookup != 0) {
+    fault += gai_strerror(lookup);
+    return {};
   }
-  return -1;
+  const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addresses(found, &freeaddrinfo);
+  int code = ETIMEDOUT;
+  for (const addrinfo* address = found; address != nullptr; address = address->ai_next) {
+    UniqueDescriptor socket = connectAddress(*address, deadline, code);
+    if (socket) return socket;
+  }
+  fault += reason(code);
+  return {};
 }
 
-int connectTo(const DeviceEndpoint& endpoint) {
-  const int descriptor = ::open(endpoint.path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (descriptor < 0) return -1;
-  termios settings{};
-  if (::tcgetattr(descriptor, &settings) != 0) return descriptor;  // no terminal: nothing rewrites the bytes
-  ::cfmakeraw(&settings);
-  return ::tcsetattr(descriptor, TCSANOW, &settings) == 0 ? descriptor : closed(descriptor);
+bool makeRaw(int descriptor) {
+  termios settings = {};
+  if (tcgetattr(descriptor, &settings) != 0) return false;
+  cfmakeraw(&settings);
+  return tcsetattr(descriptor, TCSANOW, &settings) == 0;
+}
+
+UniqueDescriptor open(const DeviceEndpoint& endpoint, Deadline, std::string& fault) {
+  fault = "device " + endpoint.path + ": ";
+  UniqueDescriptor device(::open(endpoint.path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  struct stat kind = {};
+  if (!device || fstat(device.get(), &kind) != 0) {
+    fault += reason(errno);
+    return {};
+  }
+  if (!S_ISCHR(kind.st_mode)) {
+    fault += "not a character device";
+    return {};
+  }
+  if (isatty(device.get()) != 0 && !makeRaw(device.get())) {
+    fault += "cannot be put into raw mode: " + reason(errno);
+    return {};
+  }
+  return device;
 }
 
 }  // namespace
 
-int connectEndpoint(const Endpoint& endpoint) {
-  return std::visit([](const auto& one) { return connectTo(one); }, endpoint);
+UniqueDescriptor connectEndpoint(const Endpoint& endpoint, std::chrono::milliseconds limit, std::string& fault) {
+  const Deadline deadline = std::chrono::steady_clock::now() + limit;
+  return std::visit([&](const auto& kind) { return open(kind, deadline, fault); }, endpoint);
 }
 
 }  // namespace zel::platform

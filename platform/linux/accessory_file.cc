@@ -1,0 +1,74 @@
+#include "platform/linux/accessory_file.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <memory>
+#include <system_error>
+
+#include "platform/linux/accessory_description.h"
+#include "platform/linux/unique_descriptor.h"
+
+namespace zel::platform {
+namespace {
+
+// Reads one byte more than is allowed, so that a file that is too large shows.
+bool readAll(int descriptor, std::string& text) {
+  text.resize(kLargestAccessoryFile + 1);
+  std::size_t held = 0;
+  while (held < text.size()) {
+    const ssize_t count = read(descriptor, text.data() + held, text.size() - held);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return false;
+    if (count == 0) break;
+    held += static_cast<std::size_t>(count);
+  }
+  text.resize(held);
+  return true;
+}
+
+std::string reason(int code) {
+  return code == ELOOP ? "is a symbolic link" : "cannot be read: " + std::generic_category().message(code);
+}
+
+}  // namespace
+
+bool isAccessoryName(std::string_view name) { return name.ends_with(".json") && !name.starts_with('.'); }
+
+std::vector<std::string> accessoryNames(const std::string& folder) {
+  std::vector<std::string> names;
+  const auto closeFolder = [](DIR* open) { closedir(open); };
+  const std::unique_ptr<DIR, decltype(closeFolder)> open(opendir(folder.c_str()), closeFolder);
+  if (!open) return names;
+  while (const dirent* entry = readdir(open.get())) {
+    if (isAccessoryName(entry->d_name)) names.emplace_back(entry->d_name);
+  }
+  return names;
+}
+
+AccessoryFile readAccessoryFile(const std::string& path) {
+  AccessoryFile file;
+  // Non-blocking, lest a pipe of that name stop the caller for good.
+  const UniqueDescriptor open(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+  if (!open && (errno == ENOENT || errno == ENOTDIR)) return file;
+  file.present = true;
+  struct stat found = {};
+  if (!open || fstat(open.get(), &found) != 0) {
+    file.fault = reason(errno);
+    return file;
+  }
+  file.device = found.st_dev;
+  file.node = found.st_ino;
+  file.changedSeconds = found.st_mtim.tv_sec;
+  file.changedNanoseconds = found.st_mtim.tv_nsec;
+  if (!S_ISREG(found.st_mode)) {
+    file.fault = "is not a plain file";
+  } else if (!readAll(open.get(), file.text)) {
+    file.fault = reason(errno);
+  }
+  return file;
+}
+
+}  // namespace zel::platform

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/linux/linux_run_loop.h"
+
+namespace zel::platform {
+
+// What a FolderWatch tells.
+struct FolderChange {
+  enum class Kind {
+    file,  // the file of that name came, went or was written
+    many,  // changes were lost; anything may have changed
+    gone,  // the folder itself was removed or moved away; the last change
+  };
+  Kind kind = Kind::file;
+  std::string name;
+};
+
+// Watches a folder from start() to stop().
+// Thread: start() and stop() on any thread; the observer is called on the run loop and must outlive it.
+class FolderWatch : public std::enable_shared_from_this<FolderWatch> {
+ public:
+  using Observer = std::function<void(const FolderWatch&, const FolderChange&)>;
+
+  // Nothing that happens after it has returned is missed.
+  // Errors: null; `fault` tells why.
+  static std::shared_ptr<FolderWatch> start(LinuxRunLoop& loop, const std::string& folder, Observer observer,
+                                            std::string& fault);
+
+  FolderWatch(LinuxRunLoop& loop, int descriptor, Observer observer);
+
+  void stop();
+
+ private:
+  void wait();
+  void readChanges();
+  void tell(const char* records, std::size_t size);
+
+  LinuxRunLoop& loop_;  // holds this while it waits, and so outlives it
+  asio::posix::stream_descriptor notifications_;
+  const Observer observer_;
+  std::atomic<bool> stopped_ = false;
+};
+
+}  // namespace zel::platform

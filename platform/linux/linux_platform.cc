@@ -1,0 +1,116 @@
+#include <ZELTarkaSDK/LinuxPlatform.h>
+
+#include <cstdio>
+#include <thread>
+#include <utility>
+
+#include "platform/in_process_notification_center.h"
+#include "platform/linux/accessory_folder.h"
+#include "platform/linux/linux_accessory_manager.h"
+#include "platform/linux/linux_clock.h"
+#include "platform/linux/linux_run_loop.h"
+#include "platform/linux/linux_threads.h"
+#include "platform/linux/linux_timer.h"
+#include "platform/linux/signal_mask.h"
+#include "platform/linux/worker_pool.h"
+#include "platform/ports.h"
+
+namespace zel {
+namespace {
+
+using platform::LinuxRunLoop;
+
+class MainQueue final : public platform::Queue {
+ public:
+  explicit MainQueue(LinuxRunLoop& runLoop) : runLoop_(runLoop) {}
+  void post(platform::Task task) override { runLoop_.perform(std::move(task)); }
+
+ private:
+  LinuxRunLoop& runLoop_;
+};
+
+class LinuxQueues final : public platform::Queues {
+ public:
+  explicit LinuxQueues(LinuxRunLoop& mainRunLoop) : mainQueue_(mainRunLoop) {}
+  platform::Queue& mainQueue() override { return mainQueue_; }
+  platform::Queue& globalQueue() override { return globalQueue_; }
+
+ private:
+  MainQueue mainQueue_;
+  platform::WorkerPool globalQueue_;
+};
+
+void warnOnStandardError(const std::string& warning) { std::fprintf(stderr, "%s\n", warning.c_str()); }
+
+platform::LinuxAccessoryManager::Settings settingsOf(LinuxPlatform::Options options) {
+  if (!options.warn) options.warn = warnOnStandardError;
+  return {.folder = std::move(options.accessoriesFolder), .warn = std::move(options.warn)};
+}
+
+}  // namespace
+
+struct LinuxPlatform::State {
+  explicit State(Options options)
+      : queues(*mainRunLoop),
+        threads(mainRunLoop),
+        accessories(settingsOf(std::move(options)), mainRunLoop, notifications) {}
+
+  // Whatever still runs goes first, then what it may have used.
+  ~State() {
+    threads.waitForOrphans();
+    mainRunLoop->stop();
+    if (service.joinable()) service.join();
+    mainRunLoop->discard();
+  }
+
+  const std::shared_ptr<LinuxRunLoop> mainRunLoop = LinuxRunLoop::create();
+  platform::LinuxClock clock;
+  platform::InProcessNotificationCenter notifications;
+  LinuxQueues queues;
+  platform::LinuxThreads threads;
+  platform::LinuxAccessoryManager accessories;
+  std::thread service;  // waits for the main run loop's timers and descriptors, where the host has an executor
+  platform::Ports ports{clock, threads, queues, accessories, notifications};
+};
+
+std::string LinuxPlatform::accessoriesFolder(const std::string& accessoriesFolder) {
+  return platform::accessoryFolderPath(accessoriesFolder);
+}
+
+std::unique_ptr<LinuxPlatform> LinuxPlatform::create(Options options, std::string& error) {
+  options.accessoriesFolder = accessoriesFolder(options.accessoriesFolder);
+  if (!platform::prepareAccessoryFolder(options.accessoriesFolder, error)) return nullptr;
+  return std::unique_ptr<LinuxPlatform>(new LinuxPlatform(std::make_unique<State>(std::move(options))));
+}
+
+LinuxPlatform::LinuxPlatform(std::unique_ptr<State> state) : state_(std::move(state)) {}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+const platform::Ports& LinuxPlatform::ports() { return state_->ports; }
+
+// With an executor the main queue is the host's to run, and none of these four has anything to do.
+void LinuxPlatform::runMainQueue() {
+  if (!state_->service.joinable()) state_->mainRunLoop->run();
+}
+
+bool LinuxPlatform::runMainQueueFor(double seconds) {
+  return !state_->service.joinable() && state_->mainRunLoop->runFor(platform::steadyDuration(seconds));
+}
+
+void LinuxPlatform::stopMainQueue() {
+  if (!state_->service.joinable()) state_->mainRunLoop->leave();
+}
+
+void LinuxPlatform::drainMainQueue() {
+  if (!state_->service.joinable()) state_->mainRunLoop->drain();
+}
+
+void LinuxPlatform::setMainQueueExecutor(std::function<void(std::function<void()>)> executor) {
+  if (!executor || state_->service.joinable()) return;
+  state_->mainRunLoop->setExecutor(std::move(executor));
+  const platform::SignalMask noSignals;
+  state_->service = std::thread([loop = state_->mainRunLoop] { loop->run(); });
+}
+
+}  // namespace zel
