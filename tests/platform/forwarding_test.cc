@@ -80,8 +80,8 @@ TEST(Forwarding, ForgetsADelegateOfWhichTheStreamHasGone) {
     input.scheduleInRunLoop(host.ports().threads.currentRunLoop());
     input.open();
   }
-  accessory->current()->send(std::vector<std::uint8_t>{5});
-  host.advance(0);
+  accessory->current()->fire(StreamEvent::hasBytesAvailable);
+  host.runUntilIdle();
   EXPECT_THAT(delegate->results, ElementsAre());
 }
 

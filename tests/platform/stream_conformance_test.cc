@@ -9,9 +9,7 @@ namespace zel::test {
 namespace {
 
 using platform::StreamEvent;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
 
 // Records the events of one stream; what it does about them is the test's.
 class Recorder final : public platform::StreamDelegate {
@@ -37,6 +35,8 @@ class Recorder final : public platform::StreamDelegate {
 class StreamConformance : public Conformance {
  protected:
   void SetUp() override {
+    Conformance::SetUp();
+    if (IsSkipped()) return;
     harness->plug(camera(7));
     ASSERT_TRUE(runUntil([&] { return ports.accessories.connectedAccessories().size() == 1; }));
     connection = harness->connect(7);
@@ -209,7 +209,10 @@ TEST_P(StreamConformance, DoesNotReportSpaceForEver) {
 TEST_P(StreamConformance, NeverReportsInsideACall) {
   std::atomic<bool> calling = false;
   std::atomic<bool> reentered = false;
-  const auto recorder = std::make_shared<Recorder>([&](StreamEvent) { reentered = reentered || calling; });
+  const auto recorder = std::make_shared<Recorder>([&](StreamEvent event) {
+    reentered = reentered || calling;
+    if (event == StreamEvent::hasBytesAvailable) readOnce(16);
+  });
   far().send({1, 2, 3});
   inside(loop, [&] {
     calling = true;
@@ -230,7 +233,10 @@ TEST_P(StreamConformance, NeverReportsInsideACall) {
 
 TEST_P(StreamConformance, ReportsOnItsRunLoopsThread) {
   std::atomic<bool> elsewhere = false;
-  const auto recorder = std::make_shared<Recorder>([&](StreamEvent) { elsewhere = elsewhere || !thread->isCurrent(); });
+  const auto recorder = std::make_shared<Recorder>([&](StreamEvent event) {
+    elsewhere = elsewhere || !thread->isCurrent();
+    if (event == StreamEvent::hasBytesAvailable) readOnce(16);
+  });
   open(input(), recorder);
   far().send({1});
   ASSERT_TRUE(runUntil([&] { return recorder->count(StreamEvent::hasBytesAvailable) >= 1; }));

@@ -57,32 +57,32 @@ TEST_F(LinuxThreadsTest, BeginsRunsAndEndsOnOneThread) {
 TEST_F(LinuxThreadsTest, ThreadBearsTheFirst15CharactersOfItsName) {
   std::promise<std::string> name;
   const auto thread = threads_.start("0123456789ABCDEFGH", {.begin =
-                                                               [&](RunLoop&) {
-                                                                 char text[32] = {};
-                                                                 pthread_getname_np(pthread_self(), text, sizeof text);
-                                                                 name.set_value(text);
-                                                               },
-                                                           .end = {}});
+                                                                [&](RunLoop&) {
+                                                                  char text[32] = {};
+                                                                  pthread_getname_np(pthread_self(), text, sizeof text);
+                                                                  name.set_value(text);
+                                                                },
+                                                            .end = {}});
   EXPECT_EQ(name.get_future().get(), "0123456789ABCDE");
 }
 
 TEST_F(LinuxThreadsTest, ThreadKeepsTheHostsSignalsOff) {
   std::promise<bool> masked;
-  const auto thread = threads_.start("masked", {.begin =
-                                                    [&](RunLoop&) {
-                                                      sigset_t set;
-                                                      pthread_sigmask(SIG_SETMASK, nullptr, &set);
-                                                      masked.set_value(sigismember(&set, SIGINT) == 1 &&
-                                                                       sigismember(&set, SIGSEGV) == 0);
-                                                    },
-                                                .end = {}});
+  const auto thread = threads_.start(
+      "masked", {.begin =
+                     [&](RunLoop&) {
+                       sigset_t set;
+                       pthread_sigmask(SIG_SETMASK, nullptr, &set);
+                       masked.set_value(sigismember(&set, SIGINT) == 1 && sigismember(&set, SIGSEGV) == 0);
+                     },
+                 .end = {}});
   EXPECT_TRUE(masked.get_future().get());
 }
 
 TEST_F(LinuxThreadsTest, CurrentRunLoopIsTheThreadsOwnElseTheMainOne) {
   std::promise<RunLoop*> inside;
-  const auto thread = threads_.start("own", {.begin = [&](RunLoop&) { inside.set_value(&threads_.currentRunLoop()); },
-                                             .end = {}});
+  const auto thread =
+      threads_.start("own", {.begin = [&](RunLoop&) { inside.set_value(&threads_.currentRunLoop()); }, .end = {}});
   EXPECT_EQ(inside.get_future().get(), &thread->runLoop());
   EXPECT_EQ(&threads_.currentRunLoop(), mainRunLoop_.get());
 }
@@ -124,13 +124,11 @@ TEST_F(LinuxThreadsTest, GoingWaitsForThreadsThatLostTheirHandle) {
     LinuxThreads threads(mainRunLoop_);
     Event begun;
     std::unique_ptr<Thread> thread;
-    thread = threads.start("lost", {.begin = {},
-                                    .end =
-                                        [&] {
-                                          begun.set();
-                                          release.get_future().wait();
-                                          ended.store(true);
-                                        }});
+    thread = threads.start("lost", {.begin = {}, .end = [&] {
+                                      begun.set();
+                                      release.get_future().wait();
+                                      ended.store(true);
+                                    }});
     thread->runLoop().perform([&] { thread.reset(); });
     ASSERT_TRUE(begun.wait());
     release.set_value();

@@ -1,0 +1,156 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/accessory.h"
+#include "platform/clock.h"
+#include "platform/notification_center.h"
+#include "platform/queues.h"
+#include "platform/run_loop.h"
+
+namespace zel::platform {
+
+// Bases for faults: each passes every operation on to the object that it wraps, so that a subclass states only what
+// goes wrong. A base made with a reference does not own the object, which must outlive it.
+// Thread: as the wrapped object.
+
+class ForwardingClock : public Clock {
+ public:
+  explicit ForwardingClock(Clock& wrapped) : wrapped_(wrapped) {}
+
+  double absoluteTime() const override { return wrapped_.absoluteTime(); }
+  void sleepFor(double seconds) override { wrapped_.sleepFor(seconds); }
+
+ private:
+  Clock& wrapped_;
+};
+
+class ForwardingQueue : public Queue {
+ public:
+  explicit ForwardingQueue(Queue& wrapped) : wrapped_(wrapped) {}
+
+  void post(Task task) override { wrapped_.post(std::move(task)); }
+
+ private:
+  Queue& wrapped_;
+};
+
+// Streams know only run loops of their own platform: schedule them on the wrapped one.
+class ForwardingRunLoop : public RunLoop {
+ public:
+  explicit ForwardingRunLoop(RunLoop& wrapped) : wrapped_(wrapped) {}
+
+  void perform(Task task) override { wrapped_.perform(std::move(task)); }
+  std::unique_ptr<Timer> scheduleRepeating(double seconds, Task task) override {
+    return wrapped_.scheduleRepeating(seconds, std::move(task));
+  }
+  std::unique_ptr<RunLoopSource> addSource(Task task) override { return wrapped_.addSource(std::move(task)); }
+  bool isWaiting() const override { return wrapped_.isWaiting(); }
+  void wakeUp() override { wrapped_.wakeUp(); }
+  void stop() override { wrapped_.stop(); }
+
+ private:
+  RunLoop& wrapped_;
+};
+
+class ForwardingNotificationCenter : public NotificationCenter {
+ public:
+  explicit ForwardingNotificationCenter(NotificationCenter& wrapped) : wrapped_(wrapped) {}
+
+  [[nodiscard]] std::unique_ptr<NotificationObservation> observe(std::string_view name, Observer observer) override {
+    return wrapped_.observe(name, std::move(observer));
+  }
+  void post(const Notification& notification) override { wrapped_.post(notification); }
+
+ private:
+  NotificationCenter& wrapped_;
+};
+
+// Delegates are told of the forwarding stream, not of the wrapped one, so that what they do to it is forwarded too.
+// The run loop is passed on untouched.
+template <class Port>
+class ForwardingStream : public Port {
+ public:
+  explicit ForwardingStream(Port& wrapped) : wrapped_(wrapped) {}
+
+  void setDelegate(std::weak_ptr<StreamDelegate> delegate) override {
+    relay_ = delegate.expired() ? nullptr : std::make_shared<Relay>(*this, std::move(delegate));
+    wrapped_.setDelegate(relay_);
+  }
+  void scheduleInRunLoop(RunLoop& runLoop) override { wrapped_.scheduleInRunLoop(runLoop); }
+  void removeFromRunLoop(RunLoop& runLoop) override { wrapped_.removeFromRunLoop(runLoop); }
+  void open() override { wrapped_.open(); }
+  void close() override { wrapped_.close(); }
+
+ protected:
+  // Passes an event on; override it to lose, double or change events.
+  virtual void deliver(StreamDelegate& delegate, StreamEvent event) { delegate.streamHandleEvent(*this, event); }
+
+  Port& wrapped() { return wrapped_; }
+  const Port& wrapped() const { return wrapped_; }
+
+ private:
+  struct Relay final : StreamDelegate {
+    Relay(ForwardingStream& told, std::weak_ptr<StreamDelegate> delegate) : stream(told), target(std::move(delegate)) {}
+    void streamHandleEvent(Stream&, StreamEvent event) override {
+      if (const auto delegate = target.lock()) stream.deliver(*delegate, event);
+    }
+    ForwardingStream& stream;
+    std::weak_ptr<StreamDelegate> target;
+  };
+
+  Port& wrapped_;
+  std::shared_ptr<Relay> relay_;  // goes with this stream, so that a wrapped one that lives longer tells nobody
+};
+
+class ForwardingInputStream : public ForwardingStream<InputStream> {
+ public:
+  using ForwardingStream::ForwardingStream;
+
+  bool hasBytesAvailable() const override { return wrapped().hasBytesAvailable(); }
+  std::ptrdiff_t read(std::span<std::uint8_t> buffer) override { return wrapped().read(buffer); }
+};
+
+class ForwardingOutputStream : public ForwardingStream<OutputStream> {
+ public:
+  using ForwardingStream::ForwardingStream;
+
+  bool hasSpaceAvailable() const override { return wrapped().hasSpaceAvailable(); }
+  std::ptrdiff_t write(std::span<const std::uint8_t> bytes) override { return wrapped().write(bytes); }
+};
+
+// Owner: owns the wrapped session. A subclass returns its own forwarding streams.
+class ForwardingAccessorySession : public AccessorySession {
+ public:
+  explicit ForwardingAccessorySession(std::unique_ptr<AccessorySession> wrapped) : wrapped_(std::move(wrapped)) {}
+
+  InputStream& inputStream() override { return wrapped_->inputStream(); }
+  OutputStream& outputStream() override { return wrapped_->outputStream(); }
+
+ private:
+  std::unique_ptr<AccessorySession> wrapped_;
+};
+
+class ForwardingAccessoryManager : public AccessoryManager {
+ public:
+  explicit ForwardingAccessoryManager(AccessoryManager& wrapped) : wrapped_(wrapped) {}
+
+  std::vector<std::shared_ptr<Accessory>> connectedAccessories() override { return wrapped_.connectedAccessories(); }
+  void registerForLocalNotifications() override { wrapped_.registerForLocalNotifications(); }
+  void unregisterForLocalNotifications() override { wrapped_.unregisterForLocalNotifications(); }
+  std::unique_ptr<AccessorySession> openSession(const std::shared_ptr<Accessory>& accessory,
+                                                std::string_view protocol) override {
+    return wrapped_.openSession(accessory, protocol);
+  }
+
+ private:
+  AccessoryManager& wrapped_;
+};
+
+}  // namespace zel::platform
