@@ -1,0 +1,70 @@
+#include "simulator/accessory_publisher.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "platform/linux/accessory_folder.h"
+
+namespace zel::simulator {
+namespace {
+
+using nlohmann::ordered_json;
+
+// A new number for each attachment, on this machine and among all simulators.
+std::uint64_t newConnectionID() {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(now).count());
+}
+
+std::string fileName(const std::string& serial) {
+  std::string name;
+  for (const char letter : serial) {
+    const bool plain = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+                       (letter >= '0' && letter <= '9') || letter == '-' || letter == '_';
+    name += plain ? letter : '_';
+  }
+  return name;
+}
+
+}  // namespace
+
+AccessoryPublisher::AccessoryPublisher(const std::string& chosenFolder, Identity identity)
+    : identity_(std::move(identity)), folder_(platform::accessoryFolderPath(chosenFolder)) {
+  file_ = folder_ + "/" + fileName(identity_.serial) + ".json";
+  platform::prepareAccessoryFolder(folder_, error_);
+}
+
+bool AccessoryPublisher::publish(const std::string& socketPath) {
+  const ordered_json description = {{"connectionID", newConnectionID()},
+                                    {"manufacturer", "Example"},
+                                    {"name", identity_.name},
+                                    {"modelNumber", "E1"},
+                                    {"serialNumber", identity_.serial},
+                                    {"firmwareRevision", "E1_2.0.1_" + std::to_string(identity_.firmware)},
+                                    {"hardwareRevision", "1.0"},
+                                    {"protocolStrings", {"com.zelcam.ucd"}},
+                                    {"dockType", "usb"},
+                                    {"endpoint", {{"type", "unix"}, {"path", socketPath}}}};
+  const std::string hidden = folder_ + "/." + std::to_string(getpid()) + "-" + fileName(identity_.serial);
+  {
+    std::ofstream out(hidden);
+    out << description.dump(2, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+    published_ = out.good();
+  }
+  published_ = published_ && std::rename(hidden.c_str(), file_.c_str()) == 0;
+  if (!published_) error_ = file_ + " cannot be written: " + std::strerror(errno);
+  return published_;
+}
+
+void AccessoryPublisher::withdraw() {
+  if (std::exchange(published_, false)) unlink(file_.c_str());
+}
+
+}  // namespace zel::simulator

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+
+namespace zel::simulator {
+
+// What the simulated camera says of itself.
+struct Identity {
+  std::string name = "Example 360";
+  std::string serial = "E1A0001";
+  int firmware = 192;
+};
+
+// Puts the accessory's file into the bus folder and takes it away again.
+class AccessoryPublisher {
+ public:
+  // Errors: ok() is false and error() tells why the folder cannot be used.
+  AccessoryPublisher(const std::string& chosenFolder, Identity identity);
+  ~AccessoryPublisher() { withdraw(); }
+  AccessoryPublisher(const AccessoryPublisher&) = delete;
+  AccessoryPublisher& operator=(const AccessoryPublisher&) = delete;
+
+  bool ok() const { return error_.empty(); }
+  const std::string& error() const { return error_; }
+
+  // Writes the file under a hidden name and renames it, with a new connection identifier each time.
+  // Errors: false when it cannot be written; error() tells why.
+  bool publish(const std::string& socketPath);
+  void withdraw();
+
+  const std::string& file() const { return file_; }
+
+ private:
+  Identity identity_;
+  std::string folder_;
+  std::string file_;
+  std::string error_;
+  bool published_ = false;
+};
+
+}  // namespace zel::simulator

@@ -1,0 +1,184 @@
+#include "simulator/camera_connection.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zel::simulator {
+namespace {
+
+constexpr std::size_t kQueueForMedia = 1024 * 1024;     // bytes waiting, above which a picture is dropped
+constexpr std::size_t kQueueForAll = 64 * 1024 * 1024;  // a host that asks and never reads is let go
+constexpr int kFirmwareWithClock = 190;
+constexpr int kPicturesBeforeFault = 20;
+
+std::chrono::steady_clock::duration steady(double seconds) {
+  return std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(seconds));
+}
+
+}  // namespace
+
+CameraConnection::CameraConnection(Socket socket, ConnectionSetup setup)
+    : socket_(std::move(socket)),
+      setup_(std::move(setup)),
+      source_(setup_.resolution, setup_.seed),
+      random_(setup_.seed) {}
+
+void CameraConnection::start() {
+  // The host sees a stream that was already under way: the rest of a frame whose beginning nobody heard.
+  const Bytes picture = source_.nextPicture(0, false);
+  send(Bytes(picture.begin() + static_cast<std::ptrdiff_t>(picture.size() / 2), picture.end()));
+  receive();
+  sendPictureEverySoOften();
+  if (setup_.faults->stall) stallEverySoOften();
+}
+
+void CameraConnection::close() {
+  if (std::exchange(closed_, true)) return;
+  asio::error_code ignored;
+  socket_.close(ignored);
+  setup_.closed();
+}
+
+void CameraConnection::beSilent(double seconds) {
+  silentUntil_ = Clock::now() + steady(seconds);
+  wait(steady(seconds), [this] { write(); });
+}
+
+void CameraConnection::receive() {
+  socket_.async_read_some(asio::buffer(received_),
+                          [self = shared_from_this()](asio::error_code error, std::size_t size) {
+                            if (error || self->closed_) return self->close();
+                            self->requests_.append({self->received_.data(), size});
+                            while (const auto request = self->requests_.next()) self->answer(*request);
+                            if (self->requests_.fault().empty()) return self->receive();
+                            self->setup_.warn(self->requests_.fault() + "; the connection is closed");
+                            self->close();
+                          });
+}
+
+void CameraConnection::answer(const HostMessage& request) {
+  setup_.requestSeen();
+  const Faults& faults = *setup_.faults;
+  if (faults.noReply.contains(request.code)) return;
+  if (faults.refuse.contains(request.code)) return reply(request.code, {0});
+  if (request.code == kSyncData) return answerSyncData(request);
+  if (request.code == kSyncTime && setup_.firmware >= kFirmwareWithClock) return answerSyncTime();
+  reply(request.code, {0});  // a request that this camera does not know is refused
+}
+
+void CameraConnection::answerSyncData(const HostMessage& request) {
+  const Bytes marker(std::begin(kMarkerBytes), std::end(kMarkerBytes));
+  if (request.body != marker) return reply(kSyncData, {0});
+  if (!std::exchange(markerSent_, true)) {
+    Bytes garbage(setup_.faults->garbage);
+    for (auto& byte : garbage) byte = static_cast<std::uint8_t>(random_());
+    send(std::move(garbage));
+    send(marker);
+  }
+  reply(kSyncData, {1});
+}
+
+// The camera counts its media time from here, so that the host's offset is the moment of this exchange.
+void CameraConnection::answerSyncTime() {
+  clockStart_ = Clock::now();
+  const auto answerNow = [this] {
+    Bytes body;
+    put(body, static_cast<std::uint64_t>(cameraTime()));
+    reply(kSyncTime, std::move(body));
+  };
+  if (setup_.faults->slowSync == 0) return answerNow();
+  wait(std::chrono::milliseconds(setup_.faults->slowSync), answerNow);
+}
+
+void CameraConnection::reply(std::uint16_t code, Bytes body) {
+  if (setup_.faults->shortReply) body.clear();
+  const Bytes whole = message(code | kReplyBit, body);
+  send(whole);
+  if (setup_.faults->duplicateReply) send(whole);
+}
+
+std::int64_t CameraConnection::cameraTime() const {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - clockStart_).count();
+}
+
+void CameraConnection::sendPictureEverySoOften() {
+  nextPicture_ = std::max(nextPicture_ + steady(source_.secondsPerPicture()), Clock::now());
+  wait(nextPicture_ - Clock::now(), [this] {
+    sendPicture();
+    sendPictureEverySoOften();
+  });
+}
+
+void CameraConnection::sendPicture() {
+  if (queued_ > kQueueForMedia) return;
+  ++pictures_;
+  send(source_.nextPicture(cameraTime(), setup_.firmware >= kFirmwareWithClock));
+  if (setup_.faults->unknownTypes) send(source_.unknownFrame());
+  if (markerSent_ && pictures_ >= kPicturesBeforeFault) sendImpossibleLengths();
+}
+
+void CameraConnection::sendImpossibleLengths() {
+  Faults& faults = *setup_.faults;
+  if (faults.lengthZero > 0) {
+    --faults.lengthZero;
+    send({0, 0, 0, 0, 1, 0});
+  } else if (faults.length4GiB > 0) {
+    --faults.length4GiB;
+    send({0xFF, 0xFF, 0xFF, 0xFF, 1, 0});
+  }
+}
+
+void CameraConnection::stallEverySoOften() {
+  wait(steady(setup_.faults->stall->every), [this] {
+    beSilent(setup_.faults->stall->seconds);
+    stallEverySoOften();
+  });
+}
+
+void CameraConnection::send(Bytes bytes) {
+  if (bytes.empty() || closed_) return;
+  queued_ += bytes.size();
+  outgoing_.push_back(std::move(bytes));
+  if (queued_ > kQueueForAll) {
+    setup_.warn("the host does not read; the connection is closed");
+    return close();
+  }
+  write();
+}
+
+std::size_t CameraConnection::nextPiece() {
+  const std::size_t left = outgoing_.front().size() - written_;
+  std::size_t piece = left;
+  if (setup_.faults->split) piece = 1 + random_() % left;
+  if (setup_.faults->oneByteWrites) piece = 1;
+  const std::uint64_t end = setup_.faults->disconnect;
+  return end == 0 ? piece : static_cast<std::size_t>(std::min<std::uint64_t>(piece, end - bytesSent_));
+}
+
+void CameraConnection::write() {
+  if (writing_ || closed_ || outgoing_.empty() || Clock::now() < silentUntil_) return;
+  writing_ = true;
+  const auto piece = asio::buffer(outgoing_.front().data() + written_, nextPiece());
+  socket_.async_write_some(piece, [self = shared_from_this()](asio::error_code error, std::size_t size) {
+    self->writing_ = false;
+    if (error || self->closed_) return self->close();
+    self->bytesSent_ += size;
+    self->queued_ -= size;
+    self->written_ += size;
+    if (self->written_ == self->outgoing_.front().size()) {
+      self->outgoing_.pop_front();
+      self->written_ = 0;
+    }
+    if (self->bytesSent_ == self->setup_.faults->disconnect) return self->setup_.unplug();
+    self->write();
+  });
+}
+
+void CameraConnection::wait(Clock::duration time, std::function<void()> then) {
+  const auto timer = std::make_shared<asio::steady_timer>(socket_.get_executor(), time);
+  timer->async_wait([self = shared_from_this(), timer, then = std::move(then)](asio::error_code) {
+    if (!self->closed_) then();
+  });
+}
+
+}  // namespace zel::simulator

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <random>
+
+#include "simulator/asio.h"
+#include "simulator/faults.h"
+#include "simulator/frame_source.h"
+#include "simulator/host_frames.h"
+#include "simulator/wire.h"
+
+namespace zel::simulator {
+
+// What all connections of one simulator share.
+struct ConnectionSetup {
+  int firmware = 192;
+  int resolution = 3;
+  std::uint64_t seed = 1;
+  Faults* faults = nullptr;           // the counted ones are spent
+  std::function<void()> requestSeen;  // for every message of the host
+  std::function<void()> unplug;       // asked for by a fault
+  std::function<void()> closed;       // the connection has ended, once
+  std::function<void(const std::string&)> warn;
+};
+
+// The camera's end of one connection: sends its preview from the moment it is connected, beginning inside a frame, and
+// answers the host's messages. Media is dropped while the host does not read; answers are not. Thread: that of the
+// io_context.
+class CameraConnection : public std::enable_shared_from_this<CameraConnection> {
+ public:
+  using Socket = asio::local::stream_protocol::socket;
+
+  CameraConnection(Socket socket, ConnectionSetup setup);
+
+  void start();
+  void close();
+  // No byte is sent for that long.
+  void beSilent(double seconds);
+
+  std::uint64_t bytesSent() const { return bytesSent_; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void receive();
+  void answer(const HostMessage& request);
+  void answerSyncData(const HostMessage& request);
+  void answerSyncTime();
+  void reply(std::uint16_t code, Bytes body);
+  void sendPictureEverySoOften();
+  void sendPicture();
+  void sendImpossibleLengths();
+  void stallEverySoOften();
+  void send(Bytes bytes);
+  void write();
+  std::size_t nextPiece();
+  void wait(Clock::duration time, std::function<void()> then);
+  std::int64_t cameraTime() const;
+
+  Socket socket_;
+  const ConnectionSetup setup_;
+  FrameSource source_;
+  HostFrames requests_;
+  std::mt19937_64 random_;
+  std::array<std::uint8_t, 65536> received_{};
+  std::deque<Bytes> outgoing_;
+  std::size_t queued_ = 0;
+  std::size_t written_ = 0;  // of the front of outgoing_
+  std::uint64_t bytesSent_ = 0;
+  bool writing_ = false;
+  bool markerSent_ = false;
+  bool closed_ = false;
+  int pictures_ = 0;
+  Clock::time_point silentUntil_ = Clock::time_point::min();
+  Clock::time_point clockStart_ = Clock::now();
+  Clock::time_point nextPicture_ = Clock::now();
+};
+
+}  // namespace zel::simulator

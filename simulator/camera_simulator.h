@@ -1,0 +1,62 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "simulator/accessory_publisher.h"
+#include "simulator/faults.h"
+
+namespace zel::simulator {
+
+struct SimulatorOptions {
+  std::string accessoriesFolder;  // empty: the bus's default
+  Identity identity;
+  int resolution = 3;  // preview resolution code, 0 to 15
+  std::uint64_t seed = 1;
+  Faults faults;
+  bool once = false;                             // ends after the first connection has ended
+  std::function<void(const std::string&)> warn;  // empty: standard error
+};
+
+// A simulated camera on the accessory bus: publishes one accessory with a socket, serves its host on a thread of its
+// own, and takes both away when it ends. Thread: the public operations on any thread.
+class CameraSimulator {
+ public:
+  explicit CameraSimulator(SimulatorOptions options);
+  ~CameraSimulator();
+  CameraSimulator(const CameraSimulator&) = delete;
+  CameraSimulator& operator=(const CameraSimulator&) = delete;
+
+  // Publishes, and serves from now on.
+  // Errors: false; `error` names what cannot be used.
+  bool start(std::string& error);
+
+  // Unplugs for good and waits for the thread.
+  void stop();
+
+  // Waits until the simulator has ended by itself, as with `once`, or was stopped.
+  void wait();
+
+  // Detaches: the file goes, the connection is closed. Attaches again, under a new connection identifier.
+  void unplug();
+  void plug();
+
+  // No byte is sent for that long.
+  void beSilent(double seconds);
+
+  // The accessory's file.
+  std::string accessoryFile() const;
+
+  int connections() const;
+  int requests() const;
+
+ private:
+  struct State;
+  void post(std::function<void(State&)> step);
+  std::shared_ptr<State> state_;
+};
+
+}  // namespace zel::simulator

@@ -1,0 +1,97 @@
+#include "simulator/faults.h"
+
+#include <charconv>
+#include <functional>
+#include <map>
+
+namespace zel::simulator {
+
+const char kFaultHelp[] = R"(Faults:
+  garbage[=BYTES]            bytes before the marker (1000)
+  one-byte-writes            every byte is a write of its own
+  split                      frames are written in random pieces
+  stall[=SECONDS[/EVERY]]    silence of SECONDS (3.5), again every EVERY seconds (10)
+  unknown-types              frames of data types that nobody knows
+  length-zero[=TIMES]        a frame with a length of 0 (once)
+  length-4gib[=TIMES]        a frame with a length of 4 GiB (once)
+  disconnect=BYTES           unplugged after BYTES of each connection, plugged again a second later
+  storm[=COUNT]              unplugged and plugged again COUNT times (20) right after the start
+  slow-sync[=MS]             clock replies MS milliseconds late (50)
+  no-reply=CODE              requests of that code, as 0x402E, are not answered
+  refuse=CODE                requests of that code are refused
+  duplicate-reply            every reply comes twice
+  short-reply                replies come without their body
+)";
+
+namespace {
+
+template <class T>
+bool readNumber(const std::string& text, T least, T most, T& value) {
+  const char* const end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, value);
+  return read.ec == std::errc() && read.ptr == end && value >= least && value <= most;
+}
+
+bool readCode(const std::string& text, std::set<std::uint16_t>& codes) {
+  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  const std::string digits = hexadecimal ? text.substr(2) : text;
+  std::uint16_t code = 0;
+  const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), code, hexadecimal ? 16 : 10);
+  if (digits.empty() || read.ec != std::errc() || read.ptr != digits.data() + digits.size()) return false;
+  codes.insert(code);
+  return true;
+}
+
+bool readStall(const std::string& text, std::optional<Stall>& stall) {
+  stall.emplace();
+  const std::size_t slash = text.find('/');
+  if (text.empty()) return true;
+  if (!readNumber(text.substr(0, slash), 0.0, 3600.0, stall->seconds)) return false;
+  return slash == std::string::npos || readNumber(text.substr(slash + 1), 0.1, 3600.0, stall->every);
+}
+
+// A number that may be left out.
+template <class T>
+bool readOptional(const std::string& text, T otherwise, T most, T& value) {
+  value = otherwise;
+  return text.empty() || readNumber(text, T{1}, most, value);
+}
+
+bool readSwitch(const std::string& text, bool& value) {
+  value = true;
+  return text.empty();
+}
+
+}  // namespace
+
+bool Faults::add(const std::string& spec, std::string& error) {
+  const std::map<std::string, std::function<bool(const std::string&)>> readers = {
+      {"garbage", [this](const auto& v) { return readOptional<std::size_t>(v, 1000, 100'000'000, garbage); }},
+      {"one-byte-writes", [this](const auto& v) { return readSwitch(v, oneByteWrites); }},
+      {"split", [this](const auto& v) { return readSwitch(v, split); }},
+      {"stall", [this](const auto& v) { return readStall(v, stall); }},
+      {"unknown-types", [this](const auto& v) { return readSwitch(v, unknownTypes); }},
+      {"length-zero", [this](const auto& v) { return readOptional(v, 1, 1'000'000, lengthZero); }},
+      {"length-4gib", [this](const auto& v) { return readOptional(v, 1, 1'000'000, length4GiB); }},
+      {"disconnect", [this](const auto& v) { return readNumber<std::uint64_t>(v, 1, UINT64_MAX, disconnect); }},
+      {"storm", [this](const auto& v) { return readOptional(v, 20, 1'000'000, storm); }},
+      {"slow-sync", [this](const auto& v) { return readOptional(v, 50, 3'600'000, slowSync); }},
+      {"no-reply", [this](const auto& v) { return readCode(v, noReply); }},
+      {"refuse", [this](const auto& v) { return readCode(v, refuse); }},
+      {"duplicate-reply", [this](const auto& v) { return readSwitch(v, duplicateReply); }},
+      {"short-reply", [this](const auto& v) { return readSwitch(v, shortReply); }},
+  };
+  const std::size_t equals = spec.find('=');
+  const auto reader = readers.find(spec.substr(0, equals));
+  const std::string value = equals == std::string::npos ? "" : spec.substr(equals + 1);
+  if (reader == readers.end()) {
+    error = "unknown fault \"" + spec + "\"";
+  } else if ((equals != std::string::npos && value.empty()) || !reader->second(value)) {
+    error = "fault \"" + spec + "\" has a value that is missing, malformed or out of range";
+  } else {
+    return true;
+  }
+  return false;
+}
+
+}  // namespace zel::simulator

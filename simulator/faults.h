@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace zel::simulator {
+
+// Silence for `seconds`, again every `every` seconds.
+struct Stall {
+  double seconds = 3.5;
+  double every = 10;
+};
+
+// What goes wrong on purpose.
+struct Faults {
+  std::size_t garbage = 0;  // bytes before the marker
+  bool oneByteWrites = false;
+  bool split = false;  // frames written in random pieces
+  std::optional<Stall> stall;
+  bool unknownTypes = false;
+  int lengthZero = 0;               // times that a frame claims a length of 0
+  int length4GiB = 0;               // times that a frame claims 4 GiB
+  std::uint64_t disconnect = 0;     // bytes of a connection after which the camera is unplugged; 0 never
+  int storm = 0;                    // times that the camera is unplugged and plugged again right after the start
+  int slowSync = 0;                 // milliseconds before a clock reply
+  std::set<std::uint16_t> noReply;  // request codes that are never answered
+  std::set<std::uint16_t> refuse;   // request codes that are refused
+  bool duplicateReply = false;
+  bool shortReply = false;  // replies lose their body
+
+  // Adds one fault as the command line has it, NAME or NAME=VALUE.
+  // Errors: false; `error` then says what is wrong.
+  bool add(const std::string& spec, std::string& error);
+};
+
+// One line for each fault that can be named.
+extern const char kFaultHelp[];
+
+}  // namespace zel::simulator
