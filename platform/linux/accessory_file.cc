@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <memory>
@@ -35,6 +34,13 @@ std::string reason(int code) {
 
 }  // namespace
 
+FileIdentity identityOf(const struct stat& file) {
+  return {.device = file.st_dev,
+          .node = file.st_ino,
+          .changedSeconds = file.st_mtim.tv_sec,
+          .changedNanoseconds = file.st_mtim.tv_nsec};
+}
+
 bool isAccessoryName(std::string_view name) { return name.ends_with(".json") && !name.starts_with('.'); }
 
 std::vector<std::string> accessoryNames(const std::string& folder) {
@@ -59,10 +65,7 @@ AccessoryFile readAccessoryFile(const std::string& path) {
     file.fault = reason(errno);
     return file;
   }
-  file.device = found.st_dev;
-  file.node = found.st_ino;
-  file.changedSeconds = found.st_mtim.tv_sec;
-  file.changedNanoseconds = found.st_mtim.tv_nsec;
+  file.identity = identityOf(found);
   if (!S_ISREG(found.st_mode)) {
     file.fault = "is not a plain file";
   } else if (!readAll(open.get(), file.text)) {

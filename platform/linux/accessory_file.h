@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include <cstdint>
 #include <string>
@@ -9,18 +9,28 @@
 
 namespace zel::platform {
 
+// Which file it is, and since when it has its content. A removed file's node is soon given to another, so the node
+// alone does not tell.
+struct FileIdentity {
+  dev_t device = 0;
+  ino_t node = 0;
+  std::int64_t changedSeconds = 0;
+  std::int64_t changedNanoseconds = 0;
+
+  bool operator==(const FileIdentity&) const = default;
+};
+
 // One file as it was found. Two equal ones are the same attachment.
 struct AccessoryFile {
   bool present = false;
-  dev_t device = 0;
-  ino_t node = 0;
-  std::int64_t changedSeconds = 0;  // when its content was last changed
-  std::int64_t changedNanoseconds = 0;
+  FileIdentity identity;
   std::string text;
   std::string fault;  // why it could not be read; empty when it was
 
   bool operator==(const AccessoryFile&) const = default;
 };
+
+FileIdentity identityOf(const struct stat& file);
 
 // Whether a file of that name stands for an accessory: "NAME.json", where a leading dot marks one in the making.
 bool isAccessoryName(std::string_view name);

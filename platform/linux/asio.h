@@ -5,6 +5,18 @@
 #define ASIO_STANDALONE
 #endif
 
+// ThreadSanitizer does not know bare fences. Asio's are not needed here: its queues are locked.
+#if defined(__SANITIZE_THREAD__)
+#define ZEL_THREAD_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define ZEL_THREAD_SANITIZER
+#endif
+#endif
+#if defined(ZEL_THREAD_SANITIZER) && !defined(ASIO_DISABLE_FENCED_BLOCK)
+#define ASIO_DISABLE_FENCED_BLOCK
+#endif
+
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"
 #pragma GCC diagnostic ignored "-Wsign-conversion"

@@ -1,19 +1,17 @@
 #include "platform/linux/linux_accessory.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <utility>
 
 namespace zel::platform {
 
-LinuxAccessory::LinuxAccessory(std::string path, const AccessoryFile& file, ParsedAccessory parsed)
-    : path_(std::move(path)), device_(file.device), node_(file.node), parsed_(std::move(parsed)) {}
+LinuxAccessory::LinuxAccessory(std::string path, const FileIdentity& identity, ParsedAccessory parsed)
+    : path_(std::move(path)), identity_(identity), parsed_(std::move(parsed)) {}
 
 // Looks at the file as well, since nobody may be watching the folder.
 bool LinuxAccessory::isConnected() const {
   struct stat found = {};
-  return attached_.load() && lstat(path_.c_str(), &found) == 0 && found.st_dev == device_ && found.st_ino == node_;
+  return attached_.load() && lstat(path_.c_str(), &found) == 0 && identityOf(found) == identity_;
 }
 
 bool LinuxAccessory::offers(std::string_view protocol) const {

@@ -12,7 +12,7 @@ namespace zel::platform {
 // One attachment: one file of the bus's folder, from its appearance to its removal or replacement.
 class LinuxAccessory final : public Accessory {
  public:
-  LinuxAccessory(std::string path, const AccessoryFile& file, ParsedAccessory parsed);
+  LinuxAccessory(std::string path, const FileIdentity& identity, ParsedAccessory parsed);
 
   const AccessoryDescription& description() const override { return parsed_.description; }
   bool isConnected() const override;
@@ -30,8 +30,7 @@ class LinuxAccessory final : public Accessory {
 
  private:
   const std::string path_;
-  const dev_t device_;
-  const ino_t node_;
+  const FileIdentity identity_;
   const ParsedAccessory parsed_;
   std::atomic<bool> attached_ = true;
   std::atomic<bool> faultReported_ = false;

@@ -191,7 +191,7 @@ std::shared_ptr<LinuxAccessory> LinuxAccessoryManager::admit(const std::string& 
     warnings_.push_back("accessory file " + path + " skipped: " + fault);
     return nullptr;
   }
-  return std::make_shared<LinuxAccessory>(path, file, std::move(*parsed));
+  return std::make_shared<LinuxAccessory>(path, file.identity, std::move(*parsed));
 }
 
 LinuxAccessoryManager::Shown LinuxAccessoryManager::shown() {

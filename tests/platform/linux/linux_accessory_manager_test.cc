@@ -251,6 +251,7 @@ TEST_F(LinuxAccessoryManagerTest, SessionIsRefusedForAnAccessoryThatHasLeft) {
   plug("a", 1);
   const auto accessory = manager().connectedAccessories()[0];
   EXPECT_NE(manager().openSession(accessory, "com.zelcam.ucd"), nullptr);
+  std::filesystem::create_hard_link(folder_.file("a.json"), folder_.file("kept"));  // its node is not given away again
   unplug("a");
   EXPECT_EQ(manager().openSession(accessory, "com.zelcam.ucd"), nullptr);
   plug("a", 1);
@@ -302,6 +303,8 @@ TEST_F(LinuxAccessoryManagerTest, TwoHundredPlugsLeaveNoDescriptorAndNoThread) {
 }
 
 TEST_F(LinuxAccessoryManagerTest, TwoHundredRegistrationsLeaveNoDescriptor) {
+  manager().registerForLocalNotifications();  // the main run loop begins to wait for descriptors
+  manager().unregisterForLocalNotifications();
   settle();
   const std::size_t descriptors = test::descriptorCount();
   for (int round = 0; round < 200; ++round) {
