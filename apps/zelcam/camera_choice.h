@@ -1,0 +1,22 @@
+#pragma once
+
+#include <ZELTarkaSDK/LinuxPlatform.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "apps/zelcam/settings.h"
+#include "platform/accessory.h"
+
+namespace zel::app {
+
+using Accessories = std::vector<std::shared_ptr<platform::Accessory>>;
+
+// The attached accessories that the settings ask for: all, or the one with the chosen serial number.
+Accessories chosenAccessories(LinuxPlatform& platform, const Settings& settings);
+
+// Says that the chosen camera is not there, and which ones are.
+void sayUnknownCamera(LinuxPlatform& platform, const Settings& settings);
+
+}  // namespace zel::app

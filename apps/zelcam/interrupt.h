@@ -1,0 +1,20 @@
+#pragma once
+
+namespace zel {
+class LinuxPlatform;
+}
+
+namespace zel::app {
+
+// Blocks SIGINT and SIGTERM; to be called before any thread is started.
+void blockInterrupts();
+
+// From now on the first SIGINT or SIGTERM stops the platform's main queue, and a second one ends the program at once.
+// Owner: the platform must outlive the program's use of it; call detachInterrupts() before it goes.
+void stopMainQueueOnInterrupt(LinuxPlatform& platform);
+void detachInterrupts();
+
+// Whether the user has asked to stop.
+bool wasInterrupted();
+
+}  // namespace zel::app

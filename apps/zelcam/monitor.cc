@@ -1,0 +1,185 @@
+#include "apps/zelcam/monitor.h"
+
+#include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+
+#include <fmt/format.h>
+
+#include <atomic>
+#include <chrono>
+#include <utility>
+
+#include "apps/zelcam/camera_choice.h"
+#include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/output.h"
+#include "platform/ports.h"
+
+namespace zel::app {
+namespace {
+
+using nlohmann::ordered_json;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::uint64_t kFlowing = 2;
+
+constexpr std::pair<FrameType, const char*> kTypes[] = {
+    {FrameType::previewVideo, "video"}, {FrameType::previewAudio, "audio"}, {FrameType::photo, "photo"},
+    {FrameType::message, "message"},    {FrameType::registered, "data"},    {FrameType::timestamp, "timestamp"},
+    {FrameType::file, "file"},          {FrameType::other, "other"}};
+
+const char* statusName(std::uint64_t status) {
+  constexpr const char* kNames[] = {"no connection", "session open", "frames arriving", "frames stopped"};
+  return status < 4 ? kNames[status] : "unknown";
+}
+
+std::size_t index(FrameType type) { return static_cast<std::size_t>(type); }
+
+ordered_json framesJson(const LinkStatistics& now, const LinkStatistics& before) {
+  ordered_json frames = ordered_json::object();
+  for (const auto& [type, name] : kTypes) {
+    const std::uint64_t count = now.frames[index(type)] - before.frames[index(type)];
+    if (count != 0) frames[name] = {{"frames", count}, {"bytes", now.bytes[index(type)] - before.bytes[index(type)]}};
+  }
+  return frames;
+}
+
+ordered_json droppedJson(const DroppedFrames& dropped) {
+  return {{"unknownType", dropped.unknownType},
+          {"noConsumer", dropped.noConsumer},
+          {"unregisteredCode", dropped.unregisteredCode},
+          {"shortMessage", dropped.shortMessage},
+          {"unregisteredData", dropped.unregisteredData},
+          {"shortTimestamp", dropped.shortTimestamp},
+          {"timestampOldFirmware", dropped.timestampOldFirmware}};
+}
+
+// One run of the command. Its calls come on the main queue, but for the status, which comes on any thread.
+class Monitor {
+ public:
+  Monitor(LinuxPlatform& platform, const Settings& settings, std::optional<double> seconds)
+      : platform_(platform), settings_(settings), seconds_(seconds), stack_(platform.ports(), settings.camera) {}
+
+  int run() {
+    const auto watch = stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); });
+    stack_.accessory().openCamera();
+    const auto tick = platform_.ports().threads.currentRunLoop().scheduleRepeating(1.0, [this] { secondPassed(); });
+    if (!waitForFrames()) return noFrames();
+    if (seconds_) {
+      platform_.runMainQueueFor(*seconds_);
+    } else if (!wasInterrupted()) {
+      platform_.runMainQueue();
+    }
+    summarise();
+    return kDone;
+  }
+
+ private:
+  double elapsed() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
+
+  void statusChanged(std::uint64_t status) {
+    if (status == kFlowing && !flowed_.exchange(true)) platform_.stopMainQueue();
+    platform_.ports().queues.mainQueue().post([this, status, at = elapsed(), clock = timeOfDay()] {
+      if (settings_.json) {
+        return printJson(
+            {{"event", "status"}, {"time", clock}, {"seconds", at}, {"status", status}, {"name", statusName(status)}});
+      }
+      printLine(fmt::format("{} {:8.3f} s  status {} ({})", clock, at, status, statusName(status)));
+    });
+  }
+
+  // Runs the main queue until frames have arrived; the status change that says so stops it.
+  bool waitForFrames() {
+    platform_.runMainQueueFor(settings_.timeout);
+    return flowed_.load();
+  }
+
+  int noFrames() {
+    platform_.drainMainQueue();
+    if (wasInterrupted()) return kDone;
+    if (!settings_.camera.empty() && chosenAccessories(platform_, settings_).empty()) {
+      sayUnknownCamera(platform_, settings_);
+    } else if (stack_.accessory().accessoryInfo()) {
+      say(fmt::format("zelcam: the camera is attached but sent no frame within {} s", settings_.timeout));
+    } else {
+      say(fmt::format("zelcam: no camera was attached within {} s", settings_.timeout));
+    }
+    return kNoCamera;
+  }
+
+  void secondPassed() {
+    const LinkStatistics now = stack_.statistics();
+    if (settings_.json) {
+      ordered_json object = {{"event", "second"}, {"seconds", elapsed()}, {"status", stack_.accessory().status()}};
+      object["frames"] = framesJson(now, before_);
+      addLink(object, now);
+      printJson(object);
+    } else {
+      printLine(secondLine(now));
+    }
+    before_ = now;
+  }
+
+  std::string secondLine(const LinkStatistics& now) {
+    std::string line = fmt::format("{} {:8.3f} s ", timeOfDay(), elapsed());
+    for (const auto& [type, name] : kTypes) {
+      const std::uint64_t frames = now.frames[index(type)] - before_.frames[index(type)];
+      const std::uint64_t bytes = now.bytes[index(type)] - before_.bytes[index(type)];
+      if (frames != 0) line += fmt::format(" {} {}/s {:.1f} kB/s ", name, frames, static_cast<double>(bytes) / 1000);
+    }
+    return line + fmt::format(" offset {} ms  round trip {} ms", stack_.accessory().timeOffset(), now.roundTrip);
+  }
+
+  void addLink(ordered_json& object, const LinkStatistics& now) {
+    object["dropped"] = droppedJson(now.dropped);
+    object["bytesReceived"] = now.bytesReceived;
+    object["bytesDiscarded"] = now.bytesDiscarded;
+    object["markersFound"] = now.markersFound;
+    object["positionsLost"] = now.positionsLost;
+    object["streamErrors"] = now.streamErrors;
+    object["clockOffset"] = stack_.accessory().timeOffset();
+    object["roundTrip"] = now.roundTrip < 0 ? ordered_json() : ordered_json(now.roundTrip);
+    object["resendsLeft"] = now.resendsLeft;
+  }
+
+  void summarise() {
+    platform_.drainMainQueue();
+    const LinkStatistics now = stack_.statistics();
+    if (settings_.json) {
+      ordered_json object = {{"event", "summary"}, {"seconds", elapsed()}, {"status", stack_.accessory().status()}};
+      object["frames"] = framesJson(now, {});
+      addLink(object, now);
+      return printJson(object);
+    }
+    printLine(fmt::format("\nin {:.1f} s:", elapsed()));
+    for (const auto& [type, name] : kTypes) {
+      if (now.frames[index(type)] == 0) continue;
+      printLine(
+          fmt::format("  {:<12}{:>10} frames {:>14} bytes", name, now.frames[index(type)], now.bytes[index(type)]));
+    }
+    const ordered_json dropped = droppedJson(now.dropped);
+    for (const auto& [cause, count] : dropped.items()) {
+      if (count != 0) printLine(fmt::format("  {:<12}{:>10} frames: {}", "dropped", count.get<std::uint64_t>(), cause));
+    }
+    printLine(fmt::format("  synchronised {} times, position lost {} times, stream errors {}", now.markersFound,
+                          now.positionsLost, now.streamErrors));
+    printLine(fmt::format("  clock offset {} ms, round trip {} ms, {} re-sends left", stack_.accessory().timeOffset(),
+                          now.roundTrip, now.resendsLeft));
+  }
+
+  LinuxPlatform& platform_;
+  const Settings& settings_;
+  const std::optional<double> seconds_;
+  const Clock::time_point start_ = Clock::now();
+  std::atomic<bool> flowed_ = false;
+  LinkStatistics before_;
+  CameraStack stack_;
+};
+
+}  // namespace
+
+int runMonitor(LinuxPlatform& platform, const Settings& settings, std::optional<double> seconds) {
+  Monitor monitor(platform, settings, seconds);
+  return monitor.run();
+}
+
+}  // namespace zel::app

@@ -1,0 +1,38 @@
+#include "apps/zelcam/output.h"
+
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+
+#include <fmt/format.h>
+
+namespace zel::app {
+namespace {
+
+// A reader that has gone, as `head` does, ends the output and not the program.
+void write(std::FILE* file, const std::string& line) {
+  std::fputs((line + '\n').c_str(), file);
+  std::fflush(file);
+}
+
+}  // namespace
+
+void printJson(const nlohmann::ordered_json& object) {
+  write(stdout, object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+}
+
+void printLine(const std::string& line) { write(stdout, line); }
+
+void say(const std::string& line) { write(stderr, line); }
+
+std::string timeOfDay() {
+  const auto now = std::chrono::system_clock::now();
+  const auto milliseconds =
+      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  return fmt::format("{:02}:{:02}:{:02}.{:03}", local.tm_hour, local.tm_min, local.tm_sec, milliseconds);
+}
+
+}  // namespace zel::app

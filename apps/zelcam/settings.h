@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace zel::app {
+
+// What stands before the command on the command line.
+struct Settings {
+  std::string accessories;  // folder of the bus; empty for the default
+  std::string camera;       // serial number; empty for the first
+  double timeout = 10;      // seconds
+  bool json = false;
+  bool verbose = false;
+};
+
+// How the program ends.
+enum ExitStatus { kDone = 0, kRefused = 1, kWrongUsage = 2, kNoCamera = 3 };
+
+}  // namespace zel::app

@@ -1,0 +1,104 @@
+#include "tests/zelcam/process.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <thread>
+
+namespace zel::test {
+namespace {
+
+constexpr std::chrono::seconds kPatience{60};
+
+std::string readAll(const std::string& path) {
+  std::stringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+bool waitUntil(const std::function<bool()>& condition) {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
+int openOutput(const std::string& path) { return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600); }
+
+}  // namespace
+
+Process::Process(const std::string& program, const std::vector<std::string>& arguments, const std::string& folder) {
+  static std::atomic<int> count = 0;
+  const std::string base = folder + "/process" + std::to_string(++count);
+  outputFile_ = base + ".out";
+  errorFile_ = base + ".err";
+  int ends[2];
+  if (::pipe(ends) != 0) return;
+  std::vector<char*> argv{const_cast<char*>(program.c_str())};
+  for (const auto& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+  pid_ = ::fork();
+  if (pid_ == 0) {
+    ::dup2(ends[0], STDIN_FILENO);
+    ::dup2(openOutput(outputFile_), STDOUT_FILENO);
+    ::dup2(openOutput(errorFile_), STDERR_FILENO);
+    ::close(ends[1]);
+    ::execv(program.c_str(), argv.data());
+    ::_exit(127);
+  }
+  ::close(ends[0]);
+  input_ = ends[1];
+  ::fcntl(input_, F_SETFD, FD_CLOEXEC);
+}
+
+Process::~Process() {
+  if (pid_ > 0) {
+    ::kill(pid_, SIGKILL);
+    ::waitpid(pid_, nullptr, 0);
+  }
+  ::close(input_);
+}
+
+void Process::signal(int number) const { ::kill(pid_, number); }
+
+void Process::tell(const std::string& line) const {
+  const std::string text = line + "\n";
+  if (::write(input_, text.data(), text.size()) < 0) std::abort();
+}
+
+int Process::wait() {
+  int status = 0;
+  if (!waitUntil([&] { return ::waitpid(pid_, &status, WNOHANG) == pid_; })) return -1;
+  pid_ = -1;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+bool Process::waitForOutput(const std::string& text) const {
+  return waitUntil([&] { return output().find(text) != std::string::npos; });
+}
+
+std::string Process::output() const { return readAll(outputFile_); }
+std::string Process::errors() const { return readAll(errorFile_); }
+
+TemporaryFolder::TemporaryFolder() {
+  std::string pattern = "/tmp/zel-test-XXXXXX";
+  path_ = ::mkdtemp(pattern.data());
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+}  // namespace zel::test

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace zel::test {
+
+// A program under test, with its standard output and error kept in files.
+class Process {
+ public:
+  Process(const std::string& program, const std::vector<std::string>& arguments, const std::string& folder);
+  ~Process();
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  void signal(int number) const;
+  // Writes a line to its standard input.
+  void tell(const std::string& line) const;
+  // Its exit status, 128 and the signal's number where one ended it; -1 when it runs for longer than a minute.
+  int wait();
+  // Waits until its output holds the text; false after a minute.
+  bool waitForOutput(const std::string& text) const;
+
+  std::string output() const;
+  std::string errors() const;
+
+ private:
+  pid_t pid_ = -1;
+  int input_ = -1;
+  std::string outputFile_;
+  std::string errorFile_;
+};
+
+// A folder of its own for each test, removed afterwards.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace zel::test
