@@ -54,14 +54,16 @@ LinuxRunLoop::Scope::Scope(LinuxRunLoop& loop) : outer_(std::exchange(loopOfThis
 
 LinuxRunLoop::Scope::~Scope() { loopOfThisThread = outer_; }
 
+// The task may let go of the loop before the post that brought it has returned, here and in wakeUp().
 void LinuxRunLoop::perform(Task task) {
+  const auto self = shared_from_this();
   {
     const MutexLock lock(mutex_);
     if (stopped_.load()) return;  // the task dies with the parameter, after the lock
     tasks_.push_back(std::move(task));
   }
   // One event for each task, so that tasks, timers and streams take turns.
-  if (executor_) return executor_([self = shared_from_this()] { self->runNext(); });
+  if (executor_) return executor_([self] { self->runNext(); });
   asio::post(io_, [this] {
     waiting_.store(false);
     runNext();
@@ -121,18 +123,20 @@ void LinuxRunLoop::runSources() {
 bool LinuxRunLoop::isWaiting() const { return executor_ || waiting_.load(); }
 
 void LinuxRunLoop::wakeUp() {
+  const auto self = shared_from_this();
   if (!isWaiting() || wakingUp_.exchange(true)) return;
   const auto wake = [this] {
     waiting_.store(false);
     wakingUp_.store(false);
     if (executor_) runSources();
   };
-  if (executor_) return executor_([self = shared_from_this(), wake] { wake(); });
+  if (executor_) return executor_([self, wake] { wake(); });
   asio::post(io_, wake);
 }
 
 // Ends the sleep also of a loop that has not reported it yet.
 void LinuxRunLoop::nudge() {
+  const auto self = shared_from_this();
   asio::post(io_, [this] { waiting_.store(false); });
 }
 
