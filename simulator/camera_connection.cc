@@ -131,7 +131,7 @@ void CameraConnection::sendImpossibleLengths() {
 void CameraConnection::stallEverySoOften() {
   wait(steady(setup_.faults->stall->every), [this] {
     beSilent(setup_.faults->stall->seconds);
-    stallEverySoOften();
+    wait(steady(setup_.faults->stall->seconds), [this] { stallEverySoOften(); });
   });
 }
 

@@ -10,7 +10,7 @@ const char kFaultHelp[] = R"(Faults:
   garbage[=BYTES]            bytes before the marker (1000)
   one-byte-writes            every byte is a write of its own
   split                      frames are written in random pieces
-  stall[=SECONDS[/EVERY]]    silence of SECONDS (3.5), again every EVERY seconds (10)
+  stall[=SECONDS[/EVERY]]    silence of SECONDS (3.5) after every EVERY seconds (10) of sending
   unknown-types              frames of data types that nobody knows
   length-zero[=TIMES]        a frame with a length of 0 (once)
   length-4gib[=TIMES]        a frame with a length of 4 GiB (once)

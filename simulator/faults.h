@@ -7,7 +7,7 @@
 
 namespace zel::simulator {
 
-// Silence for `seconds`, again every `every` seconds.
+// Silence for `seconds` after every `every` seconds of sending.
 struct Stall {
   double seconds = 3.5;
   double every = 10;

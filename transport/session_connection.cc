@@ -34,6 +34,7 @@ void SessionConnection::runSessionThread(platform::RunLoop& runLoop) {
     stream->scheduleInRunLoop(runLoop);
     stream->open();
   }
+  writeStreamData();  // what was queued before there was a thread to write it
 }
 
 std::array<platform::Stream*, 2> SessionConnection::streams() {

@@ -20,8 +20,6 @@ class ZEL_EXPORT LinuxPlatform {
     // The folder of the accessory bus. Empty: $ZEL_ACCESSORIES, else $XDG_RUNTIME_DIR/zel/accessories,
     // else /tmp/zel-accessories-UID. Made with mode 0700 where it is missing.
     std::string accessoriesFolder;
-    // Only the accessory with this serial number is shown; empty shows all.
-    std::string serialNumber;
     // Hears of accessories that had to be skipped, one line each. Empty: standard error.
     std::function<void(const std::string&)> warn;
   };

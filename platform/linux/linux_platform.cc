@@ -57,7 +57,7 @@ struct LinuxPlatform::State {
 
   // Whatever still runs goes first, then what it may have used.
   ~State() {
-    threads.waitForOrphans();
+    threads.waitForEnds();
     mainRunLoop->stop();
     if (service.joinable()) service.join();
     mainRunLoop->discard();

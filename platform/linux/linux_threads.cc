@@ -2,21 +2,17 @@
 
 #include <pthread.h>
 
-#include <algorithm>
-#include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "platform/linux/signal_mask.h"
-#include "platform/mutex.h"
 
 namespace zel::platform {
 namespace {
 
 constexpr std::size_t kLongestName = 15;  // what the kernel keeps of a thread's name
-
-using Ended = std::shared_ptr<std::atomic<bool>>;
 
 void runThread(const std::string& name, LinuxRunLoop& loop, const ThreadBody& body) {
   pthread_setname_np(pthread_self(), name.substr(0, kLongestName).c_str());
@@ -28,76 +24,52 @@ void runThread(const std::string& name, LinuxRunLoop& loop, const ThreadBody& bo
 
 }  // namespace
 
-// Threads that nobody holds any more.
-class OrphanThreads {
+// Threads that have not ended, whether or not somebody still holds them.
+class LiveThreads {
  public:
-  void adopt(std::thread thread, Ended ended) {
-    const MutexLock lock(mutex_);
-    orphans_.push_back({std::move(thread), std::move(ended)});
+  void enter() {
+    const std::lock_guard lock(mutex_);
+    ++count_;
   }
 
-  // Frees what the kernel keeps of those that have ended.
-  void reap() {
-    waitFor(take([](const Orphan& orphan) { return orphan.ended->load(); }));
+  // Told with the lock held: whoever waits may go on as soon as it is let go.
+  void leave() {
+    const std::lock_guard lock(mutex_);
+    --count_;
+    changed_.notify_all();
   }
 
-  void waitForAll() {
-    // One that ends may leave another behind.
-    for (auto orphans = take(any); !orphans.empty(); orphans = take(any)) waitFor(std::move(orphans));
+  void waitForNone() {
+    std::unique_lock lock(mutex_);
+    while (count_ != 0) changed_.wait(lock);
   }
 
  private:
-  struct Orphan {
-    std::thread thread;
-    Ended ended;
-  };
-
-  static bool any(const Orphan&) { return true; }
-
-  template <class Condition>
-  std::vector<Orphan> take(Condition condition) {
-    const MutexLock lock(mutex_);
-    const auto taken = std::stable_partition(orphans_.begin(), orphans_.end(),
-                                             [&](const Orphan& orphan) { return !condition(orphan); });
-    std::vector<Orphan> result(std::make_move_iterator(taken), std::make_move_iterator(orphans_.end()));
-    orphans_.erase(taken, orphans_.end());
-    return result;
-  }
-
-  static void waitFor(std::vector<Orphan> orphans) {
-    for (Orphan& orphan : orphans) {
-      if (orphan.thread.get_id() == std::this_thread::get_id()) {
-        orphan.thread.detach();
-      } else {
-        orphan.thread.join();
-      }
-    }
-  }
-
-  Mutex mutex_;
-  std::vector<Orphan> orphans_ ZEL_GUARDED_BY(mutex_);
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  int count_ = 0;
 };
 
 namespace {
 
 class LinuxThread final : public Thread {
  public:
-  LinuxThread(std::shared_ptr<OrphanThreads> orphans, const std::string& name, ThreadBody body)
-      : orphans_(std::move(orphans)) {
+  LinuxThread(const std::shared_ptr<LiveThreads>& live, const std::string& name, ThreadBody body) {
     const SignalMask noSignals;
+    live->enter();
     // The thread touches nothing of the handle, which may be gone before it.
-    thread_ = std::thread([name, loop = loop_, ended = ended_, kept = std::move(body)]() mutable {
+    thread_ = std::thread([name, loop = loop_, live, kept = std::move(body)]() mutable {
       runThread(name, *loop, kept);
       kept = {};
       loop = nullptr;
-      ended->store(true);
+      live->leave();
     });
   }
 
   ~LinuxThread() override {
     loop_->stop();
     if (isCurrent()) {
-      orphans_->adopt(std::move(thread_), ended_);
+      thread_.detach();
     } else {
       thread_.join();
     }
@@ -107,24 +79,21 @@ class LinuxThread final : public Thread {
   bool isCurrent() const override { return thread_.get_id() == std::this_thread::get_id(); }
 
  private:
-  const std::shared_ptr<OrphanThreads> orphans_;
   const std::shared_ptr<LinuxRunLoop> loop_ = LinuxRunLoop::create();
-  const Ended ended_ = std::make_shared<std::atomic<bool>>(false);
   std::thread thread_;
 };
 
 }  // namespace
 
 LinuxThreads::LinuxThreads(std::shared_ptr<LinuxRunLoop> mainRunLoop)
-    : mainRunLoop_(std::move(mainRunLoop)), orphans_(std::make_shared<OrphanThreads>()) {}
+    : mainRunLoop_(std::move(mainRunLoop)), live_(std::make_shared<LiveThreads>()) {}
 
-LinuxThreads::~LinuxThreads() { waitForOrphans(); }
+LinuxThreads::~LinuxThreads() { waitForEnds(); }
 
-void LinuxThreads::waitForOrphans() { orphans_->waitForAll(); }
+void LinuxThreads::waitForEnds() { live_->waitForNone(); }
 
 std::unique_ptr<Thread> LinuxThreads::start(std::string name, ThreadBody body) {
-  orphans_->reap();
-  return std::make_unique<LinuxThread>(orphans_, name, std::move(body));
+  return std::make_unique<LinuxThread>(live_, name, std::move(body));
 }
 
 RunLoop& LinuxThreads::currentRunLoop() {

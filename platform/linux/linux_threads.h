@@ -8,23 +8,24 @@
 
 namespace zel::platform {
 
-class OrphanThreads;
+class LiveThreads;
 
-// Starts threads, and keeps those whose handle was destroyed on themselves until they have ended.
+// Starts threads, and knows how many have not ended: one whose handle is destroyed on itself is waited for by nobody
+// else.
 class LinuxThreads final : public Threads {
  public:
   explicit LinuxThreads(std::shared_ptr<LinuxRunLoop> mainRunLoop);
   ~LinuxThreads() override;
 
-  // Waits for the threads that lost their handle.
-  void waitForOrphans();
+  // Waits for every thread that it started.
+  void waitForEnds();
 
   std::unique_ptr<Thread> start(std::string name, ThreadBody body) override;
   RunLoop& currentRunLoop() override;
 
  private:
   const std::shared_ptr<LinuxRunLoop> mainRunLoop_;
-  const std::shared_ptr<OrphanThreads> orphans_;
+  const std::shared_ptr<LiveThreads> live_;
 };
 
 }  // namespace zel::platform
