@@ -1,0 +1,56 @@
+#!/usr/bin/env python3
+"""The structure checks find what they are there for, in small trees made for the purpose."""
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+SCRIPT = Path(__file__).resolve().parents[2] / "cmake/lint/structure.py"
+
+
+class StructureTest(unittest.TestCase):
+    def check(self, name, files, edges="transport:\ncommand: transport\n"):
+        with tempfile.TemporaryDirectory() as root:
+            for path, text in {"cmake/lint/edges.txt": edges, **files}.items():
+                target = Path(root) / path
+                target.parent.mkdir(parents=True, exist_ok=True)
+                target.write_text(text)
+            done = subprocess.run([sys.executable, SCRIPT, "--root", root, name], capture_output=True, text=True, check=False)
+            return done.returncode, done.stdout
+
+    def test_accepts_the_standard_library_ports_and_what_is_below(self):
+        files = {"command/a.cc": '#include <vector>\n#include "platform/clock.h"\n#include "transport/b.h"\n'}
+        self.assertEqual(self.check("include-graph", files)[0], 0)
+
+    def test_finds_an_include_of_what_is_above(self):
+        code, text = self.check("include-graph", {"transport/a.cc": '\n#include "command/b.h"\n'})
+        self.assertEqual(code, 1)
+        self.assertIn("transport/a.cc:2", text)
+
+    def test_finds_an_adapter_in_the_core(self):
+        self.assertEqual(self.check("include-graph", {"transport/a.cc": '#include "platform/linux/b.h"\n'})[0], 1)
+
+    def test_finds_a_system_header_in_the_core(self):
+        self.assertEqual(self.check("include-graph", {"transport/a.cc": "#include <sys/socket.h>\n"})[0], 1)
+        self.assertEqual(self.check("include-graph", {"transport/a.cc": "#include <asio/post.hpp>\n"})[0], 1)
+
+    def test_finds_a_cycle_of_folders(self):
+        self.assertEqual(self.check("include-graph", {}, "transport: command\ncommand: transport\n")[0], 1)
+
+    def test_finds_a_source_without_a_test(self):
+        code, text = self.check("pairs", {"transport/a.cc": "", "transport/a.h": ""})
+        self.assertEqual(code, 1)
+        self.assertIn("tests/transport/a_test.cc", text)
+
+    def test_finds_a_function_that_is_too_long(self):
+        body = "void f() {\n" + "  g();\n" * 61 + "}\n"
+        self.assertEqual(self.check("length", {"transport/a.cc": body})[0], 1)
+        self.assertEqual(self.check("length", {"transport/a.cc": body.replace("  g();\n", "", 1)})[0], 0)
+
+    def test_finds_a_class_operation_in_the_core(self):
+        self.assertEqual(self.check("text", {"command/a.cc": "X::defaultCamera().f();\n"})[0], 1)
+
+
+if __name__ == "__main__":
+    unittest.main()
