@@ -14,7 +14,10 @@ class ScriptedLink::ScriptedStream : public Port {
   void setDelegate(std::weak_ptr<StreamDelegate> delegate) override { delegate_ = std::move(delegate); }
   void scheduleInRunLoop(RunLoop& runLoop) override { runLoop_ = &runLoop; }
   void removeFromRunLoop(RunLoop& runLoop) override {
-    if (runLoop_ == &runLoop) runLoop_ = nullptr;
+    if (runLoop_ != &runLoop) return;
+    runLoop_ = nullptr;
+    // What was posted there must not arrive any more.
+    self_ = std::make_shared<ScriptedStream*>(this);
   }
   void open() override {
     open_ = true;
@@ -26,32 +29,34 @@ class ScriptedLink::ScriptedStream : public Port {
     closed_ = true;
   }
 
-  void post(StreamEvent event) {
-    if (runLoop_ == nullptr || !open_) return;
-    runLoop_->perform([weak = std::weak_ptr(self_), event] {
-      if (const auto self = weak.lock()) (*self)->deliver(event);
+  template <class Step>
+  void perform(Step step) {
+    runLoop_->perform([weak = std::weak_ptr(self_), step] {
+      if (const auto self = weak.lock()) step(**self);
     });
   }
 
+  void post(StreamEvent event) {
+    if (runLoop_ == nullptr || !open_) return;
+    perform([event](ScriptedStream& self) { self.deliver(event); });
+  }
+
+  bool hasRunLoop() const { return runLoop_ != nullptr; }
   bool isOpen() const { return open_; }
   bool isClosed() const { return closed_; }
 
  protected:
   virtual void becameOpen() = 0;
-  virtual void delivered(StreamEvent) {}
-  virtual bool isStale(StreamEvent) const { return false; }
 
   ScriptedLink& link_;
 
- private:
   void deliver(StreamEvent event) {
-    if (!open_ || over_ || isStale(event)) return;
+    if (!open_ || over_) return;
     over_ = event == StreamEvent::errorOccurred || event == StreamEvent::endEncountered;
-    const std::weak_ptr alive(self_);
     if (const auto delegate = delegate_.lock()) delegate->streamHandleEvent(*this, event);
-    if (!alive.expired()) delivered(event);
   }
 
+ private:
   std::shared_ptr<ScriptedStream*> self_;
   std::weak_ptr<StreamDelegate> delegate_;
   RunLoop* runLoop_ = nullptr;
@@ -64,39 +69,50 @@ class ScriptedLink::Input final : public ScriptedStream<InputStream> {
  public:
   using ScriptedStream::ScriptedStream;
 
-  bool hasBytesAvailable() const override { return isOpen() && (!link_.incoming_.empty() || link_.readsFail_); }
+  bool hasBytesAvailable() const override {
+    return isOpen() && !failed_ && (!link_.incoming_.empty() || link_.readsFail_);
+  }
 
   std::ptrdiff_t read(std::span<std::uint8_t> buffer) override {
     if (link_.readsFail_) {
+      failed_ = true;
       post(StreamEvent::errorOccurred);
       return -1;
     }
     const std::size_t count = std::min({buffer.size(), link_.incoming_.size(), link_.readLimit_});
     std::copy_n(link_.incoming_.begin(), count, buffer.begin());
     link_.incoming_.erase(link_.incoming_.begin(), link_.incoming_.begin() + static_cast<std::ptrdiff_t>(count));
+    announce();
     return static_cast<std::ptrdiff_t>(count);
   }
 
-  // One event under way is enough: it is posted again while bytes are left.
+  // One event under way is enough. A read that leaves bytes announces them again; a delegate that does not read
+  // hears no more before new ones come.
   void announce() {
-    if (!isOpen() || announced_) return;
+    if (!isOpen() || announced_ || failed_) return;
     if (hasBytesAvailable()) {
-      announced_ = true;
-      post(StreamEvent::hasBytesAvailable);
+      announceBytes();
     } else if (link_.ended_) {
       post(StreamEvent::endEncountered);
     }
   }
 
  private:
-  void becameOpen() override { announce(); }
-  void delivered(StreamEvent event) override {
-    if (event != StreamEvent::hasBytesAvailable) return;
-    announced_ = false;
-    announce();
+  // Taken back when the bytes have been read by the time that it would be heard.
+  void announceBytes() {
+    if (!hasRunLoop()) return;
+    announced_ = true;
+    perform([](ScriptedStream& stream) {
+      auto& self = static_cast<Input&>(stream);
+      self.announced_ = false;
+      if (self.hasBytesAvailable()) self.deliver(StreamEvent::hasBytesAvailable);
+    });
   }
 
+  void becameOpen() override { announce(); }
+
   bool announced_ = false;
+  bool failed_ = false;
 };
 
 class ScriptedLink::Output final : public ScriptedStream<OutputStream> {

@@ -27,20 +27,15 @@ class SimulatedThread final : public Thread {
  public:
   SimulatedThread(SimulatedScheduler& scheduler, std::shared_ptr<int> live, ThreadBody body)
       : scheduler_(scheduler), loop_(std::make_shared<SimulatedRunLoop>(scheduler)) {
+    loop_->beginWith(std::move(body.begin));
     // The loop lives until its end has run, also when the handle is destroyed on the thread itself.
     ++*live;
     loop_->whenStopped([live, kept = loop_, end = std::move(body.end)] {
       if (end) end();
       --*live;
     });
-    loop_->perform([loop = loop_.get(), begin = std::move(body.begin)] {
-      if (begin) begin(*loop);
-    });
   }
-  ~SimulatedThread() override {
-    loop_->stop();
-    if (!isCurrent()) loop_->finish();
-  }
+  ~SimulatedThread() override { loop_->finish(); }
 
   RunLoop& runLoop() override { return *loop_; }
   bool isCurrent() const override { return scheduler_.current() == loop_.get(); }
@@ -52,12 +47,17 @@ class SimulatedThread final : public Thread {
 
 class SimulatedThreads final : public Threads {
  public:
-  SimulatedThreads(SimulatedScheduler& scheduler, SimulatedRunLoop& main) : scheduler_(scheduler), main_(main) {}
+  SimulatedThreads(SimulatedScheduler& scheduler, SimulatedRunLoop& main, SimulatedRunLoop& global)
+      : scheduler_(scheduler), main_(main), global_(global) {}
 
   std::unique_ptr<Thread> start(std::string name, ThreadBody body) override {
     return std::make_unique<SimulatedThread>(scheduler_, counter(name), std::move(body));
   }
-  RunLoop& currentRunLoop() override { return scheduler_.current() != nullptr ? *scheduler_.current() : main_; }
+  // The threads behind the global queue have no run loop of their own.
+  RunLoop& currentRunLoop() override {
+    SimulatedRunLoop* const current = scheduler_.current();
+    return current != nullptr && current != &global_ ? *current : main_;
+  }
 
   std::shared_ptr<int> counter(const std::string& name) {
     auto& live = live_[name];
@@ -68,6 +68,7 @@ class SimulatedThreads final : public Threads {
  private:
   SimulatedScheduler& scheduler_;
   SimulatedRunLoop& main_;
+  SimulatedRunLoop& global_;
   std::map<std::string, std::shared_ptr<int>> live_;
 };
 
@@ -136,7 +137,7 @@ struct SimulatedPlatform::State {
   SimulatedRunLoop main{scheduler};
   SimulatedRunLoop global{scheduler};
   SimulatedClock clock{scheduler};
-  SimulatedThreads threads{scheduler, main};
+  SimulatedThreads threads{scheduler, main, global};
   SimulatedQueues queues{main, global};
   InProcessNotificationCenter notifications;
   SimulatedAccessoryManager accessories{main, notifications};

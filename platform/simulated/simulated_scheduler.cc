@@ -1,16 +1,15 @@
 #include "platform/simulated/simulated_scheduler.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <limits>
+#include <stdexcept>
 #include <utility>
 
 namespace zel::platform {
 namespace {
 
 constexpr double kNever = std::numeric_limits<double>::infinity();
-constexpr int kStepsBeforeLivelock = 10'000'000;
+constexpr int kStepsBeforeLivelock = 1'000'000;
 
 }  // namespace
 
@@ -64,7 +63,9 @@ class SimulatedRunLoop::SimulatedSource final : public RunLoopSource {
 };
 
 void SimulatedRunLoop::perform(Task task) {
-  if (!stopped_) tasks_.push_back(std::move(task));
+  if (stopped_) return;
+  tasks_.push_back(std::move(task));
+  awake_ = true;
 }
 
 std::unique_ptr<Timer> SimulatedRunLoop::scheduleRepeating(double seconds, Task task) {
@@ -75,10 +76,11 @@ std::unique_ptr<RunLoopSource> SimulatedRunLoop::addSource(Task task) {
   return std::make_unique<SimulatedSource>(*this, std::move(task));
 }
 
-bool SimulatedRunLoop::isWaiting() const { return scheduler_.current() != this && tasks_.empty(); }
+bool SimulatedRunLoop::isWaiting() const {
+  return !stopped_ && !begin_ && !awake_ && dueTimer() == nullptr && !scheduler_.isRunning(*this);
+}
 
-// A signalled source is looked at whether or not the loop is woken: in one thread nothing sleeps.
-void SimulatedRunLoop::wakeUp() {}
+void SimulatedRunLoop::wakeUp() { awake_ = true; }
 
 void SimulatedRunLoop::stop() {
   stopped_ = true;
@@ -87,12 +89,17 @@ void SimulatedRunLoop::stop() {
 
 void SimulatedRunLoop::finish() {
   stop();
-  if (const auto end = std::exchange(end_, nullptr)) end();
+  while (!scheduler_.isRunning(*this) && isReady()) scheduler_.step(*this);
 }
 
 bool SimulatedRunLoop::isReady() const {
+  if (begin_) return true;
   if (stopped_) return end_ != nullptr;
-  return !tasks_.empty() || std::ranges::any_of(sources_, &SimulatedSource::signalled) || dueTimer() != nullptr;
+  return awake_ || dueTimer() != nullptr;
+}
+
+bool SimulatedRunLoop::hasWork() const {
+  return !tasks_.empty() || std::ranges::any_of(sources_, &SimulatedSource::signalled);
 }
 
 SimulatedRunLoop::SimulatedTimer* SimulatedRunLoop::dueTimer() const {
@@ -109,7 +116,18 @@ double SimulatedRunLoop::nextTimer() const {
 }
 
 void SimulatedRunLoop::step() {
-  if (stopped_) return finish();
+  if (const auto begin = std::exchange(begin_, nullptr)) {
+    begin(*this);
+  } else if (!stopped_) {
+    turn();
+  } else if (const auto end = std::exchange(end_, nullptr)) {
+    // The last call; the loop may be gone behind it.
+    return end();
+  }
+  awake_ = hasWork();
+}
+
+void SimulatedRunLoop::turn() {
   if (!tasks_.empty()) {
     const Task task = std::move(tasks_.front());
     tasks_.pop_front();
@@ -120,9 +138,16 @@ void SimulatedRunLoop::step() {
   if (SimulatedTimer* timer = dueTimer()) timer->fire();
 }
 
-void SimulatedScheduler::remove(SimulatedRunLoop& loop) {
-  std::erase(loops_, &loop);
-  if (current_ == &loop) current_ = nullptr;
+void SimulatedScheduler::remove(SimulatedRunLoop& loop) { std::erase(loops_, &loop); }
+
+bool SimulatedScheduler::isRunning(const SimulatedRunLoop& loop) const {
+  return std::ranges::find(running_, &loop) != running_.end();
+}
+
+void SimulatedScheduler::step(SimulatedRunLoop& loop) {
+  running_.push_back(&loop);
+  loop.step();
+  running_.pop_back();
 }
 
 void SimulatedScheduler::setNow(double seconds) { now_ = seconds; }
@@ -131,18 +156,13 @@ bool SimulatedScheduler::runOne() {
   std::vector<SimulatedRunLoop*> ready;
   std::ranges::copy_if(loops_, std::back_inserter(ready), &SimulatedRunLoop::isReady);
   if (ready.empty()) return false;
-  SimulatedRunLoop* const chosen = ready[random_() % ready.size()];
-  SimulatedRunLoop* const before = std::exchange(current_, chosen);
-  chosen->step();
-  current_ = before;
+  step(*ready[random_() % ready.size()]);
   return true;
 }
 
 void SimulatedScheduler::runUntilIdle() {
   for (int steps = 0; runOne(); ++steps) {
-    if (steps < kStepsBeforeLivelock) continue;
-    std::fprintf(stderr, "simulated platform: work without end\n");
-    std::abort();
+    if (steps >= kStepsBeforeLivelock) throw std::runtime_error("simulated platform: work without end");
   }
 }
 

@@ -24,13 +24,16 @@ class SimulatedScheduler {
   double now() const { return now_; }
   void setNow(double seconds);
 
-  // Runs everything that is due now. Ends the process with a message after ten million steps: work that begets itself.
+  // Runs everything that is due now.
+  // Errors: throws std::runtime_error after a million steps, which only work that begets itself makes.
   void runUntilIdle();
 
   // Moves the time on, running everything on the way when it is due.
   void advance(double seconds);
 
-  SimulatedRunLoop* current() const { return current_; }
+  // The loop whose call is in progress, or null; the innermost when the end of one thread runs inside another.
+  SimulatedRunLoop* current() const { return running_.empty() ? nullptr : running_.back(); }
+  bool isRunning(const SimulatedRunLoop& loop) const;
 
  private:
   friend class SimulatedRunLoop;
@@ -38,15 +41,17 @@ class SimulatedScheduler {
   void add(SimulatedRunLoop& loop) { loops_.push_back(&loop); }
   void remove(SimulatedRunLoop& loop);
   bool runOne();
+  void step(SimulatedRunLoop& loop);
   double nextTimer() const;
 
   double now_ = 0;
   std::mt19937_64 random_;
   std::vector<SimulatedRunLoop*> loops_;
-  SimulatedRunLoop* current_ = nullptr;
+  std::vector<SimulatedRunLoop*> running_;
 };
 
 // A run loop that is also a queue. Ready work is its tasks in order, then signalled sources and timers that are due.
+// Like a real one it falls asleep when it finds no work, and then sees a signalled source only after something woke it.
 class SimulatedRunLoop final : public RunLoop, public Queue {
  public:
   explicit SimulatedRunLoop(SimulatedScheduler& scheduler) : scheduler_(scheduler) { scheduler_.add(*this); }
@@ -60,10 +65,11 @@ class SimulatedRunLoop final : public RunLoop, public Queue {
   void wakeUp() override;
   void stop() override;
 
-  bool isStopped() const { return stopped_; }
+  // The first step of a thread, which it takes even when it is stopped before.
+  void beginWith(std::function<void(RunLoop&)> begin) { begin_ = std::move(begin); }
   // Called, as a step of its own, once the loop has been stopped.
   void whenStopped(std::function<void()> end) { end_ = std::move(end); }
-  // Runs the missing end at once.
+  // Stops the loop and takes the steps that are left at once, unless its call is in progress.
   void finish();
 
  private:
@@ -72,7 +78,9 @@ class SimulatedRunLoop final : public RunLoop, public Queue {
   class SimulatedSource;
 
   bool isReady() const;
+  bool hasWork() const;
   void step();
+  void turn();
   double nextTimer() const;
   SimulatedTimer* dueTimer() const;
 
@@ -80,7 +88,9 @@ class SimulatedRunLoop final : public RunLoop, public Queue {
   std::deque<Task> tasks_;
   std::vector<SimulatedTimer*> timers_;
   std::vector<SimulatedSource*> sources_;
+  std::function<void(RunLoop&)> begin_;
   std::function<void()> end_;
+  bool awake_ = false;
   bool stopped_ = false;
 };
 

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -78,8 +77,6 @@ class Harness {
 struct Adapter {
   std::string name;
   std::function<std::unique_ptr<Harness>()> make;
-  // Claims that the adapter is known to break, and how; each is skipped aloud until it is mended.
-  std::map<std::string, std::string> knownFaults = {};
 };
 
 // Every adapter that this build has.
@@ -106,12 +103,6 @@ inline platform::AccessoryDescription camera(std::uint64_t connectionID) {
 // A suite of claims that each adapter must keep.
 class Conformance : public testing::TestWithParam<Adapter> {
  protected:
-  void SetUp() override {
-    const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
-    const auto fault = GetParam().knownFaults.find(test.substr(0, test.find('/')));
-    if (fault != GetParam().knownFaults.end()) GTEST_SKIP() << "known fault: " << fault->second;
-  }
-
   bool runUntil(const std::function<bool()>& condition) { return harness->runUntil(condition); }
 
   // Waits until the loop has made the calls that it has been asked for, and has looked for events again.
