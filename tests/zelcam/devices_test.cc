@@ -63,7 +63,9 @@ TEST_F(DevicesTest, SkipsAMalformedFileWithAWarningThatNamesIt) {
 }
 
 TEST_F(DevicesTest, WatchesComingAndGoing) {
+  const auto there = simulator({"--serial", "THERE"});
   const auto host = zelcam({"devices", "--watch"});
+  EXPECT_TRUE(host->waitForOutput("THERE"));  // listed once the watch has begun
   {
     const auto one = simulator({"--serial", "ONE"});
     EXPECT_TRUE(host->waitForOutput("connected ONE"));
