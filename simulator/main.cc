@@ -42,7 +42,7 @@ bool obey(CameraSimulator& simulator, const std::string& line) {
   return true;
 }
 
-int run(SimulatorOptions options) {
+int run(const SimulatorOptions& options) {
   sigset_t signals;
   blockSignals(signals);
   CameraSimulator simulator(options);
@@ -100,5 +100,5 @@ int main(int argc, char** argv) {
     std::cerr << "zelcam-sim: " << error << '\n' << zel::simulator::kFaultHelp;
     return kWrongUsage;
   }
-  return run(std::move(options));
+  return run(options);
 }

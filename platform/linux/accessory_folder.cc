@@ -60,7 +60,7 @@ std::string faultOf(const std::string& path) {
 
 std::string accessoryFolderPath(const std::string& chosen) {
   if (!chosen.empty()) return chosen;
-  if (const std::string named = variable("ZEL_ACCESSORIES"); !named.empty()) return named;
+  if (std::string named = variable("ZEL_ACCESSORIES"); !named.empty()) return named;
   if (const std::string runtime = variable("XDG_RUNTIME_DIR"); runtime.starts_with('/')) {
     return runtime + "/zel/accessories";
   }

@@ -4,6 +4,8 @@
 
 #include <csignal>
 
+#include <initializer_list>
+
 namespace zel::platform {
 
 // Keeps signals off the threads that are started in a scope, so that the host's handlers run on the host's threads.

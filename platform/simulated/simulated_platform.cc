@@ -25,7 +25,7 @@ class SimulatedClock final : public Clock {
 // A thread is a run loop whose begin and end are steps of its own.
 class SimulatedThread final : public Thread {
  public:
-  SimulatedThread(SimulatedScheduler& scheduler, std::shared_ptr<int> live, ThreadBody body)
+  SimulatedThread(SimulatedScheduler& scheduler, const std::shared_ptr<int>& live, ThreadBody body)
       : scheduler_(scheduler), loop_(std::make_shared<SimulatedRunLoop>(scheduler)) {
     loop_->beginWith(std::move(body.begin));
     // The loop lives until its end has run, also when the handle is destroyed on the thread itself.

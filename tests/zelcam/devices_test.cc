@@ -103,7 +103,7 @@ TEST_F(DevicesTest, LeavesNothingBehindWhenTheSimulatorEnds) {
 }
 
 TEST_F(DevicesTest, TellsTheSimulatorsFaultsForAWrongOne) {
-  Process camera(SIMULATOR_PROGRAM, {"--accessories", bus(), "--fault", "nonsense"}, folder.path());
+  Process camera(simulatorProgram(), {"--accessories", bus(), "--fault", "nonsense"}, folder.path());
   EXPECT_EQ(camera.wait(), 2);
   EXPECT_THAT(camera.errors(), HasSubstr("unknown fault \"nonsense\""));
   EXPECT_THAT(camera.errors(), HasSubstr("one-byte-writes"));

@@ -38,6 +38,9 @@ int openOutput(const std::string& path) { return ::open(path.c_str(), O_WRONLY |
 
 }  // namespace
 
+std::string zelcamProgram() { return ZELCAM_PROGRAM; }
+std::string simulatorProgram() { return SIMULATOR_PROGRAM; }
+
 Process::Process(const std::string& program, const std::vector<std::string>& arguments, const std::string& folder) {
   static std::atomic<int> count = 0;
   const std::string base = folder + "/process" + std::to_string(++count);

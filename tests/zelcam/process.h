@@ -7,6 +7,10 @@
 
 namespace zel::test {
 
+// The programs that were built with the tests.
+std::string zelcamProgram();
+std::string simulatorProgram();
+
 // A program under test, with its standard output and error kept in files.
 class Process {
  public:

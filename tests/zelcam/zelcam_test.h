@@ -22,13 +22,13 @@ class ZelcamTest : public testing::Test {
 
   std::unique_ptr<Process> zelcam(Arguments arguments) const {
     arguments.insert(arguments.begin(), {"--accessories", bus()});
-    return std::make_unique<Process>(ZELCAM_PROGRAM, arguments, folder.path());
+    return std::make_unique<Process>(zelcamProgram(), arguments, folder.path());
   }
 
   // A simulator that is attached when the call returns.
   std::unique_ptr<Process> simulator(Arguments arguments = {}) const {
     arguments.insert(arguments.begin(), {"--accessories", bus()});
-    auto process = std::make_unique<Process>(SIMULATOR_PROGRAM, arguments, folder.path());
+    auto process = std::make_unique<Process>(simulatorProgram(), arguments, folder.path());
     EXPECT_TRUE(process->waitForOutput("is attached")) << process->errors();
     return process;
   }
