@@ -18,13 +18,14 @@ std::atomic<long> allocations = 0;
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined: GCC would see free() called on what "new" gave, and take the pair for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   ++allocations;
   if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
   throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace zel::test {
 namespace {
