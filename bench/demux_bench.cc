@@ -38,6 +38,7 @@ class CountingPlayer final : public PreviewConsumer {
   void setImageWidth(std::int32_t) override {}
   void setImageHeight(std::int32_t) override {}
   void setFps(std::int32_t) override {}
+  void resetPlayer() override {}
   std::uint64_t seen = 0;
 };
 

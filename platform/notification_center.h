@@ -20,6 +20,7 @@ using NotificationUserInfo = std::map<std::string, NotificationValue, std::less<
 struct Notification {
   std::string name;
   NotificationUserInfo userInfo;
+  const void* sender = nullptr;  // who posts it, for comparing only
 
   // The accessory under `key`, or null where the key is absent or holds something else.
   std::shared_ptr<Accessory> accessory(std::string_view key) const {

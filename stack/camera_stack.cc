@@ -1,10 +1,12 @@
 #include <ZELTarkaSDK/CameraStack.h>
 
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELCameraManager.h>
+#include <ZELTarkaSDK/ZELCameraUCD.h>
 
 #include <utility>
 
-#include "command/sync_data_request.h"
+#include "capture/zel_ucd_file.h"
 #include "platform/ports.h"
 #include "transport/camera_data_parser.h"
 #include "transport/camera_session.h"
@@ -16,13 +18,18 @@ struct CameraStack::Graph {
   Graph(const platform::Ports& ports, std::string serialNumber)
       : parser(ports.clock),
         accessory(ports, parser, std::move(serialNumber)),
-        syncDataRequest(parser, accessory, ports.queues.mainQueue()) {
-    parser.setSyncDataRequester(&syncDataRequest);
+        ucdFile(std::make_shared<ZELUCDFile>([this](const ZELData& data) { accessory.writeData(data); },
+                                             ports.queues.mainQueue())),
+        ucd(accessory, parser, *ucdFile, ports.queues.mainQueue()),
+        manager(accessory, ucd, ports.notifications) {
+    parser.setUcdFile(ucdFile);
   }
 
   CameraDataParser parser;
   ZELCameraAccessory accessory;
-  SyncDataRequest syncDataRequest;
+  std::shared_ptr<ZELUCDFile> ucdFile;
+  ZELCameraUCD ucd;
+  ZELCameraManager manager;
 };
 
 CameraStack::CameraStack(const platform::Ports& ports, std::string serialNumber)
@@ -37,6 +44,8 @@ CameraStack::~CameraStack() {
 
 ZELCameraAccessory& CameraStack::accessory() { return graph_->accessory; }
 CameraDataParser& CameraStack::parser() { return graph_->parser; }
+ZELCameraUCD& CameraStack::ucd() { return graph_->ucd; }
+ZELCameraManager& CameraStack::manager() { return graph_->manager; }
 
 LinkStatistics CameraStack::statistics() const {
   LinkStatistics statistics;

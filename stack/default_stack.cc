@@ -2,6 +2,8 @@
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELCameraManager.h>
+#include <ZELTarkaSDK/ZELCameraUCD.h>
 
 #include <atomic>
 #include <cstdio>
@@ -45,3 +47,5 @@ CameraStack& processStack() {
 
 ZELCameraAccessory& ZELCameraAccessory::defaultCamera() { return zel::processStack().accessory(); }
 CameraDataParser& CameraDataParser::shareCameraDataParser() { return zel::processStack().parser(); }
+ZELCameraUCD& ZELCameraUCD::defaultCameraUCD() { return zel::processStack().ucd(); }
+ZELCameraManager& ZELCameraManager::sharedManager() { return zel::processStack().manager(); }

@@ -1,11 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <optional>
 
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELError.h>
+#include <ZELTarkaSDK/ZELHandlers.h>
 
 #include "transport/wire.h"
 
@@ -54,13 +53,16 @@ class PreviewConsumer {
   virtual void setImageWidth(std::int32_t width) = 0;
   virtual void setImageHeight(std::int32_t height) = 0;
   virtual void setFps(std::int32_t fps) = 0;
+  virtual void resetPlayer() = 0;  // main queue: a new stream begins
 };
 
-// The photo parser: frames of type 3. Thread: session thread. The bytes are valid during the call only.
+// The photo parser: frames of type 3, and the failure of the capture that they belong to.
+// Thread: session thread, replyBlockWithError on any thread. The bytes are valid during the call only.
 class PhotoConsumer {
  public:
   virtual ~PhotoConsumer() = default;
   virtual void parserData(ByteView bytes) = 0;
+  virtual void replyBlockWithError(const ZELError& error) = 0;
 };
 
 // The file transfer: frames of type 9. Thread: session thread. The bytes are valid during the call only.
@@ -73,11 +75,9 @@ class FileReplyConsumer {
 // The command layer, as far as the marker request needs it.
 class SyncDataRequester {
  public:
-  using Handler = std::function<void(const std::optional<ZELError>&)>;
-
-  // msgReqSendSyncData:rebackBlock: - asks the camera for the marker, whatever the connection's status. Thread: any
-  // thread.
-  virtual void msgReqSendSyncData(const ZELData& marker, Handler rebackBlock) = 0;
+  // msgReqSendSyncData:rebackBlock: - asks the camera for the marker, whatever the connection's status.
+  // Thread: any thread.
+  virtual void msgReqSendSyncData(const ZELData& marker, RebackDic rebackBlock) = 0;
 
  protected:
   ~SyncDataRequester() = default;

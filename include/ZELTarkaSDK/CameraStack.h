@@ -7,6 +7,8 @@
 #include <ZELTarkaSDK/LinkStatistics.h>
 
 class ZELCameraAccessory;
+class ZELCameraManager;
+class ZELCameraUCD;
 class CameraDataParser;
 class CameraSession;
 
@@ -18,10 +20,11 @@ struct Ports;
 
 // Everything that drives one camera: the accessory object, its session, the de-multiplexer and the commands, wired.
 // A host with one camera uses the class operations (ZELCameraAccessory::defaultCamera() and the like), which reach the
-// one process-wide stack; a host with several cameras builds several stacks. Owner:  the ports must outlive the stack.
+// one process-wide stack; a host with several cameras builds several stacks.
+// Owner:  the ports must outlive the stack.
 // Thread: destroy on any thread, even inside one of its own callbacks. Elsewhere the destructor closes the camera and
-// waits
-//         for the session thread; hold no lock there that an observer takes. No callback comes after it.
+//         waits for the session thread; hold no lock there that an observer takes. No observer or receiver is called
+//         after it; completion handlers are, on the main queue, where they still waited: with error 100.
 class ZEL_EXPORT CameraStack {
  public:
   // serialNumber: the one camera to connect to; empty takes the first.
@@ -32,6 +35,8 @@ class ZEL_EXPORT CameraStack {
 
   ZELCameraAccessory& accessory();
   CameraDataParser& parser();
+  ZELCameraUCD& ucd();
+  ZELCameraManager& manager();
 
   // What the link has seen so far. Thread: any thread.
   LinkStatistics statistics() const;

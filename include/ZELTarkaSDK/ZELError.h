@@ -16,3 +16,12 @@ struct ZEL_EXPORT ZELError {
 
 // Domain of the accessory object's errors; the three c's are the interface's spelling.
 inline constexpr char kZELCameraAccessoryErrorDomain[] = "CameraAcccessoryError";
+
+// Domain of the command layer's, the photo parser's and the file transfer's errors, and its three codes.
+inline constexpr char kZELOSStatusErrorDomain[] = "NSOSStatusErrorDomain";
+inline constexpr int kZELErrorNotConnected = 100;  // no camera, or the connection was lost
+inline constexpr int kZELErrorRefused = 101;       // the camera refused, or what it answered cannot be used
+inline constexpr int kZELErrorOldFirmware = 120;   // the camera's firmware is too old for the feature
+
+// The error of that domain with that code and no description.
+inline ZELError zelOSStatusError(int code) { return {kZELOSStatusErrorDomain, code, std::nullopt}; }

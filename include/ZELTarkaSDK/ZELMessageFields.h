@@ -9,14 +9,20 @@
 #include <variant>
 
 #include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/ZELCameraRecords.h>
 #include <ZELTarkaSDK/ZELData.h>
+#include <ZELTarkaSDK/ZELError.h>
 
-// The fields of a request or a reply under their fixed text keys ("ucharValue", "NSData", ...).
+// The fields of a request, a reply or an event under their fixed text keys ("ucharValue", "NSData", ...).
 // A key that is missing or holds another type reads as absent.
+// Thread: a value, with no lock of its own.
 class ZEL_EXPORT ZELMessageFields {
  public:
   using Value = std::variant<std::uint8_t, std::int16_t, std::uint16_t, std::int32_t, std::uint32_t, std::int64_t,
-                             std::uint64_t, std::string, ZELData>;
+                             std::uint64_t, std::string, ZELData, ZELError, ZELGpsData, ZELGyroData, ZELOrientationData,
+                             aeb_info, ZELIPMEParam, ZELIPAEMMWeight, calib_wb_gain, calib_vignette_luma,
+                             calib_vignette_gain, timelapse_info, ZELOriginOffset, ZELVideoMnd>;
+  using Fields = std::map<std::string, Value, std::less<>>;
 
   ZELMessageFields() = default;
   ZELMessageFields(std::initializer_list<std::pair<const std::string, Value>> fields) : fields_(fields) {}
@@ -25,14 +31,22 @@ class ZEL_EXPORT ZELMessageFields {
 
   template <class T>
   std::optional<T> get(std::string_view key) const {
-    const auto found = fields_.find(key);
-    if (found == fields_.end()) return std::nullopt;
-    const T* value = std::get_if<T>(&found->second);
+    const T* value = find<T>(key);
     return value != nullptr ? std::optional<T>(*value) : std::nullopt;
   }
+
+  // Null where get() gives nothing. The value lives as long as the field is not set anew.
+  template <class T>
+  const T* find(std::string_view key) const {
+    const auto found = fields_.find(key);
+    return found != fields_.end() ? std::get_if<T>(&found->second) : nullptr;
+  }
+
+  // All of them, in the order of their keys.
+  const Fields& all() const { return fields_; }
 
   bool operator==(const ZELMessageFields&) const = default;
 
  private:
-  std::map<std::string, Value, std::less<>> fields_;
+  Fields fields_;
 };

@@ -45,6 +45,7 @@ class SilentPlayer final : public PreviewConsumer {
   void setImageWidth(std::int32_t) override {}
   void setImageHeight(std::int32_t) override {}
   void setFps(std::int32_t) override {}
+  void resetPlayer() override {}
   int frames = 0;
 };
 

@@ -29,6 +29,7 @@ class RecordingPlayer final : public PreviewConsumer {
   void setImageWidth(std::int32_t width) override { log_.push_back("width " + std::to_string(width)); }
   void setImageHeight(std::int32_t height) override { log_.push_back("height " + std::to_string(height)); }
   void setFps(std::int32_t fps) override { log_.push_back("fps " + std::to_string(fps)); }
+  void resetPlayer() override { log_.push_back("reset"); }
 
  private:
   Log& log_;
@@ -38,6 +39,7 @@ class RecordingPhoto final : public PhotoConsumer {
  public:
   explicit RecordingPhoto(Log& log) : log_(log) {}
   void parserData(ByteView bytes) override { log_.push_back(entry("photo", bytes)); }
+  void replyBlockWithError(const ZELError& error) override { log_.push_back("photoError " + std::to_string(error.code)); }
 
  private:
   Log& log_;

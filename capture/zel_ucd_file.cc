@@ -1,0 +1,117 @@
+#include "capture/zel_ucd_file.h"
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include "transport/frame.h"
+#include "transport/text.h"
+
+namespace {
+
+// A file on its way to the camera:
+//
+//   0        4       6           8          10        74
+//   +--------+-------+-----------+----------+---------+-----------
+//   | length | 9     | file type | reserved | path    | the file
+//   +--------+-------+-----------+----------+---------+-----------
+constexpr std::size_t kPathField = 64;
+constexpr std::size_t kFileHeader = zel::kFrameHeader + 2 + 2 + kPathField;  // file type, reserved, path
+
+// The camera's answer:
+//
+//   0        2      4        6
+//   +--------+------+--------+------------------
+//   | unread | kind | status | path, zero-padded
+//   +--------+------+--------+------------------
+constexpr std::size_t kReplyHeader = 2 + 2 + 2;
+constexpr std::uint16_t kUploadReply = 2;
+constexpr std::uint16_t kFailed = 1;
+
+// The first three characters go wherever the drive stands; hosts have come to rely on the name that results.
+std::string normalisedPath(const std::string& path) {
+  for (const std::string_view drive : {"C:\\", "c:\\", "C:/", "c:/"}) {
+    if (path.find(drive) != std::string::npos) return std::string(zel::withoutCharacters(path, 3));
+  }
+  return path;
+}
+
+ZELData fileFrame(std::int64_t type, const std::string& path, zel::ByteView file) {
+  zel::Bytes frame;
+  frame.reserve(kFileHeader + file.size());
+  zel::appendLittleEndian(frame, static_cast<std::uint32_t>(kFileHeader + file.size()));
+  zel::appendLittleEndian(frame, static_cast<std::uint16_t>(zel::FrameType::file));
+  zel::appendLittleEndian(frame, static_cast<std::uint16_t>(type));
+  zel::appendLittleEndian(frame, std::uint16_t{0});
+  frame.insert(frame.end(), path.begin(),
+               path.begin() + static_cast<std::ptrdiff_t>(std::min(path.size(), kPathField)));
+  frame.resize(kFileHeader);
+  frame.insert(frame.end(), file.begin(), file.end());
+  return ZELData(std::move(frame));
+}
+
+std::string repliedPath(zel::ByteView reply) {
+  const auto field = reply.subspan(kReplyHeader, std::min(reply.size() - kReplyHeader, kPathField));
+  return {field.begin(), std::find(field.begin(), field.end(), 0)};
+}
+
+}  // namespace
+
+void ZELUCDFile::sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath,
+                                  const ZELData& fileData, zel::RebackBlock<> rebackBlock) {
+  if (fileData.size() > std::numeric_limits<std::uint32_t>::max() - kFileHeader) {
+    if (rebackBlock) post(rebackBlock, zelOSStatusError(kZELErrorRefused));
+    return;
+  }
+  const std::string path = normalisedPath(filePath.value_or(""));
+  const ZELData frame = fileFrame(type, path, fileData.bytes());
+  const bool waits = filePath && rebackBlock;
+  if (waits) {
+    const zel::MutexLock lock(mutex_);
+    blocks_.announce(path);
+  }
+  writeData_(frame);
+  if (waits) wait(path, std::move(rebackBlock));
+}
+
+void ZELUCDFile::wait(const std::string& path, zel::RebackBlock<> rebackBlock) {
+  std::optional<Answer> answer;
+  {
+    const zel::MutexLock lock(mutex_);
+    answer = blocks_.put(path, rebackBlock);
+  }
+  if (answer) post(rebackBlock, *answer);
+}
+
+void ZELUCDFile::parserUCD(zel::ByteView bytes) {
+  if (bytes.size() < kReplyHeader) return replyAllBlockWithCameraError();
+  if (zel::loadLittleEndian<std::uint16_t>(bytes.data() + 2) != kUploadReply) return;
+  const bool failed = zel::loadLittleEndian<std::uint16_t>(bytes.data() + 4) == kFailed;
+  const Answer answer = failed ? Answer(zelOSStatusError(kZELErrorRefused)) : std::nullopt;
+  const std::string path = repliedPath(bytes);
+  std::optional<zel::RebackBlock<>> block;
+  bool expected = false;
+  {
+    const zel::MutexLock lock(mutex_);
+    expected = blocks_.isExpected(path);
+    block = blocks_.take(path, answer);
+  }
+  // Deliberate: who is named is answered here and at once; an answer that names nobody is everybody's, as a path longer
+  // than the field comes back cut.
+  if (block) return (*block)(answer);
+  if (!expected) replyAllBlockWithError(answer);
+}
+
+void ZELUCDFile::replyAllBlockWithError(const std::optional<ZELError>& error) {
+  std::vector<zel::RebackBlock<>> blocks;
+  {
+    const zel::MutexLock lock(mutex_);
+    blocks = blocks_.takeAll(error);
+  }
+  for (const auto& block : blocks) post(block, error);
+}
+
+void ZELUCDFile::post(const zel::RebackBlock<>& rebackBlock, const Answer& answer) {
+  mainQueue_.post([rebackBlock, answer] { rebackBlock(answer); });
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include <ZELTarkaSDK/ZELData.h>
+#include <ZELTarkaSDK/ZELHandlers.h>
+
+#include "platform/mutex.h"
+#include "platform/queues.h"
+#include "transport/pending_table.h"
+#include "transport/roles.h"
+
+// Sends whole files to the camera, and matches its answers to the callers by the file's path.
+// There is no time-out: a transfer waits until its answer comes, or one that answers everybody.
+// Owner:  mainQueue must outlive the object.
+// Thread: parserUCD on the session thread, the rest on any thread.
+class ZELUCDFile final : public zel::FileReplyConsumer {
+ public:
+  // writeData queues bytes for the camera.
+  ZELUCDFile(std::function<void(const ZELData&)> writeData, zel::platform::Queue& mainQueue)
+      : writeData_(std::move(writeData)), mainQueue_(mainQueue) {}
+
+  // sendFileWithType:filePath:fileData:rebackBlock: - sends the file as one frame. type: its low 16 bits go to the
+  // camera. filePath: what it shall be called there; a drive in it cuts its first three characters, and the camera gets
+  // at most its first 64 bytes. Without a path the answer, if any, goes to everybody.
+  // Thread: the handler runs on the session thread where the answer names the path, and on the main queue where it
+  //         answers everybody or came before the call had returned.
+  // Errors: 100 connection lost; 101 the camera failed, answered nonsense, or the file is larger than a frame can say.
+  void sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath, const ZELData& fileData,
+                        zel::RebackBlock<> rebackBlock);
+
+  // parserUCD:size: - one answer of the camera.
+  void parserUCD(zel::ByteView bytes) override;
+
+  // replyAllBlockWithError:, replyAllBlockWithErrorCode:, replyAllBlockWithCameraError - answer every transfer that
+  // waits.
+  void replyAllBlockWithError(const std::optional<ZELError>& error);
+  void replyAllBlockWithErrorCode(int code) { replyAllBlockWithError(zelOSStatusError(code)); }
+  void replyAllBlockWithCameraError() { replyAllBlockWithErrorCode(kZELErrorRefused); }
+
+ private:
+  using Answer = std::optional<ZELError>;
+
+  void wait(const std::string& path, zel::RebackBlock<> rebackBlock);
+  void post(const zel::RebackBlock<>& rebackBlock, const Answer& answer);
+
+  const std::function<void(const ZELData&)> writeData_;
+  zel::platform::Queue& mainQueue_;
+  zel::Mutex mutex_;
+  zel::PendingTable<std::string, zel::RebackBlock<>, Answer> blocks_ ZEL_GUARDED_BY(mutex_);
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include <ZELTarkaSDK/ZELHandlers.h>
+#include <ZELTarkaSDK/ZELMessageFields.h>
+#include <ZELTarkaSDK/ZELMessageKeys.h>
+
+// Adapters that take a reply dictionary apart for a handler with typed arguments.
+
+namespace zel {
+
+inline std::optional<ZELError> errorIn(const std::optional<ZELMessageFields>& reply) {
+  return reply ? reply->get<ZELError>(key::nsError) : std::nullopt;
+}
+
+// The value that a handler's argument of type T gets: text, bytes and boxed numbers may be absent, others are 0 then.
+template <class T>
+struct ReplyValue {
+  static T in(const std::optional<ZELMessageFields>& reply, std::string_view key) {
+    return reply ? reply->get<T>(key).value_or(T{}) : T{};
+  }
+};
+template <class T>
+struct ReplyValue<std::optional<T>> {
+  static std::optional<T> in(const std::optional<ZELMessageFields>& reply, std::string_view key) {
+    return reply ? reply->get<T>(key) : std::nullopt;
+  }
+};
+
+// keys: one for each of the handler's values, in their order.
+template <class... Values, class... Keys>
+RebackDic takingApart(RebackBlock<Values...> rebackBlock, Keys... keys) {
+  static_assert(sizeof...(Values) == sizeof...(Keys), "a key for each value");
+  if (!rebackBlock) return nullptr;
+  return [rebackBlock = std::move(rebackBlock), keys...](const std::optional<ZELMessageFields>& reply) {
+    rebackBlock(errorIn(reply), ReplyValue<std::remove_cvref_t<Values>>::in(reply, keys)...);
+  };
+}
+
+}  // namespace zel

@@ -1,0 +1,178 @@
+#include "command/request_engine.h"
+
+#include <string>
+#include <utility>
+
+namespace zel {
+namespace {
+
+constexpr std::uint64_t kSessionOpen = 1;
+constexpr std::uint64_t kFlowing = 2;
+constexpr std::uint64_t kStopped = 3;
+
+ZELMessageFields errorFields(int code) { return {{std::string(key::nsError), zelOSStatusError(code)}}; }
+
+ByteView viewOf(const std::optional<ZELData>& body) { return body ? body->bytes() : ByteView(); }
+
+}  // namespace
+
+RequestEngine::RequestEngine(ZELCameraAccessory& accessory, CameraDataParser& parser, ZELUCDFile& ucdFile,
+                             platform::Queue& mainQueue)
+    : accessory_(accessory), parser_(parser), ucdFile_(ucdFile), mainQueue_(mainQueue) {
+  registerFamilies(Registered::beforeTheEvents);
+  for (const CameraEvent& event : kEvents) registerEvent(event);
+  registerFamilies(Registered::afterTheEvents);
+  statusObservation_ = accessory_.observeStatus([this](std::uint64_t status) { statusChanged(status); });
+}
+
+RequestEngine::~RequestEngine() { alive_->close(); }
+
+void RequestEngine::registerFamilies(Registered when) {
+  for (const Family& family : kFamilies) {
+    if (family.registered == when) registerFamily(family);
+  }
+}
+
+void RequestEngine::registerFamily(const Family& family) {
+  const auto type = static_cast<std::int64_t>(family.type);
+  const auto pack = [&family](std::int32_t, const ZELMessageFields& fields, void*) -> std::optional<ZELData> {
+    if (family.body.empty()) return std::nullopt;
+    Bytes body;
+    body.reserve(family.body.size());
+    for (const Field& field : family.body) field.append(body, fields, field.key);
+    return ZELData(std::move(body));
+  };
+  parser_.registerMsgPacket(CameraMsgPacket(static_cast<std::int32_t>(family.request), pack), type);
+  if (family.reply.form == Reply::Form::none) return;
+  const auto read = [this, &family](std::uint64_t msgType, const std::optional<ZELData>& body, void*) {
+    respondTo(family.reply, body, static_cast<std::int64_t>(msgType));
+  };
+  parser_.registerMsgParser(CameraMsgParser(static_cast<std::uint64_t>(type), read),
+                            static_cast<std::int64_t>(replyTo(family.request)));
+}
+
+void RequestEngine::registerEvent(const CameraEvent& event) {
+  const auto read = [this, &event](std::uint64_t type, const std::optional<ZELData>& payload, void*) {
+    notify(static_cast<std::int64_t>(type), decodeEvent(event, viewOf(payload)));
+  };
+  parser_.registerMsgParser(CameraMsgParser(static_cast<std::uint64_t>(event.type), read),
+                            static_cast<std::int64_t>(event.code));
+}
+
+// The request is announced before the status is read: a link that is lost after that fails it, wherever it stands.
+void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock) {
+  if (rebackBlock) announce(msgType);
+  if (isConnected()) {
+    write(msgType, fields);
+    return wait(msgType, rebackBlock);
+  }
+  if (!rebackBlock) return;
+  withdraw(msgType);
+  post(rebackBlock, errorFields(kZELErrorNotConnected));
+}
+
+void RequestEngine::msgReqSendSyncData(const ZELData& data, RebackDic rebackBlock) {
+  constexpr auto msgType = static_cast<std::int64_t>(family("registerMsgReqSendSyncData").type);
+  if (rebackBlock) announce(msgType);
+  write(msgType, {{std::string(key::nsData), data}});
+  wait(msgType, rebackBlock);
+}
+
+bool RequestEngine::isConnected() const { return accessory_.status() > kSessionOpen; }
+
+void RequestEngine::announce(std::int64_t msgType) {
+  const MutexLock lock(mutex_);
+  msgBlockDic_.announce(msgType);
+}
+
+void RequestEngine::withdraw(std::int64_t msgType) {
+  const MutexLock lock(mutex_);
+  msgBlockDic_.withdraw(msgType);
+}
+
+void RequestEngine::write(std::int64_t msgType, const ZELMessageFields& fields) {
+  if (const auto frame = parser_.packetMsgData(msgType, fields)) accessory_.writeData(*frame);
+}
+
+void RequestEngine::wait(std::int64_t msgType, const RebackDic& rebackBlock) {
+  if (!rebackBlock) return;
+  std::optional<Answer> answer;
+  {
+    const MutexLock lock(mutex_);
+    answer = msgBlockDic_.put(msgType, rebackBlock);
+  }
+  if (answer) post(rebackBlock, *answer);
+}
+
+void RequestEngine::respond(std::int64_t msgType, const std::optional<ZELMessageFields>& reply) {
+  std::optional<RebackDic> rebackBlock;
+  {
+    const MutexLock lock(mutex_);
+    rebackBlock = msgBlockDic_.take(msgType, reply);
+  }
+  if (rebackBlock) post(*rebackBlock, reply);
+}
+
+void RequestEngine::respondWithError(std::int64_t msgType) { respond(msgType, errorFields(kZELErrorRefused)); }
+
+void RequestEngine::respondTo(const Reply& reply, const std::optional<ZELData>& body, std::int64_t msgType) {
+  const Decoded decoded = decodeReply(reply, viewOf(body));
+  if (decoded.refused) return respondWithError(msgType);
+  respond(msgType, decoded.fields);
+}
+
+void RequestEngine::respondToAllWithError(int code) {
+  const ZELMessageFields failure = errorFields(code);
+  std::vector<RebackDic> rebackBlocks;
+  {
+    const MutexLock lock(mutex_);
+    rebackBlocks = msgBlockDic_.takeAll(failure);
+  }
+  mainQueue_.post([rebackBlocks = std::move(rebackBlocks), failure, alive = whileAlive(), code] {
+    for (const auto& rebackBlock : rebackBlocks) rebackBlock(failure);
+    alive([code](CameraDataParser& parser) {
+      if (const auto photo = parser.photoParser()) photo->replyBlockWithError(zelOSStatusError(code));
+    });
+  });
+}
+
+void RequestEngine::statusChanged(std::uint64_t status) {
+  if (status > kStopped || status == kFlowing) return;
+  respondToAllWithError(kZELErrorNotConnected);
+  ucdFile_.replyAllBlockWithErrorCode(kZELErrorNotConnected);
+}
+
+void RequestEngine::addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver) {
+  const MutexLock lock(mutex_);
+  if (receiver) notificationReceivers_.push_back(std::move(receiver));
+}
+
+void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver) {
+  decltype(notificationReceivers_) removed;  // they may go with the last reference, and not under the lock
+  const MutexLock lock(mutex_);
+  std::erase_if(notificationReceivers_, [&](const auto& one) {
+    if (one.get() != receiver) return false;
+    removed.push_back(one);
+    return true;
+  });
+}
+
+// Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
+// first, so that a receiver that changes it from inside, which it must not, does no harm.
+void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
+  const MutexLock lock(mutex_);
+  const auto receivers = notificationReceivers_;
+  for (const auto& receiver : receivers) receiver->notificationType(type, value);
+}
+
+void RequestEngine::post(const RebackDic& rebackBlock, const Answer& answer) {
+  mainQueue_.post([rebackBlock, answer] { rebackBlock(answer); });
+}
+
+std::function<void(const std::function<void(CameraDataParser&)>&)> RequestEngine::whileAlive() {
+  return [alive = alive_, &parser = parser_](const std::function<void(CameraDataParser&)>& step) {
+    alive->enter([&] { step(parser); });
+  };
+}
+
+}  // namespace zel

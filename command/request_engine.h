@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
+#include <ZELTarkaSDK/ZELHandlers.h>
+#include <ZELTarkaSDK/ZELMessageFields.h>
+
+#include "capture/zel_ucd_file.h"
+#include "command/camera_events.h"
+#include "command/catalogue.h"
+#include "platform/call_gate.h"
+#include "platform/mutex.h"
+#include "platform/queues.h"
+#include "transport/camera_data_parser.h"
+#include "transport/pending_table.h"
+#include "transport/roles.h"
+
+namespace zel {
+
+// What every request and every event goes through: it sends, matches replies to handlers, fails handlers, and hands
+// events to their receivers.
+// Owner:  the arguments of the constructor must outlive the object, and no frame may arrive once it has gone.
+// Thread: any thread; handlers run on the main queue, each at most once.
+class RequestEngine final : public SyncDataRequester {
+ public:
+  RequestEngine(ZELCameraAccessory& accessory, CameraDataParser& parser, ZELUCDFile& ucdFile,
+                platform::Queue& mainQueue);
+  ~RequestEngine();
+  RequestEngine(const RequestEngine&) = delete;
+  RequestEngine& operator=(const RequestEngine&) = delete;
+
+  // Sends a request where the link is up, and fails it with 100 where it is not. A later request of the same type takes
+  // over the place of one that waits, whose handler is then never called.
+  void send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock);
+
+  // The marker request, which is what brings the first frame and so waits for no status.
+  void msgReqSendSyncData(const ZELData& data, RebackDic rebackBlock) override;
+
+  // Completes the handler that waits under the type.
+  void respond(std::int64_t msgType, const std::optional<ZELMessageFields>& reply);
+  void respondWithError(std::int64_t msgType);
+  // Reads a reply's body, and completes the handler with what it comes to.
+  void respondTo(const Reply& reply, const std::optional<ZELData>& body, std::int64_t msgType);
+
+  // Fails every handler that waits, and then the capture that waits for its photo.
+  void respondToAllWithError(int code);
+
+  void addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver);
+  void removeReceiver(const ZELCameraNotificationProtocol* receiver);
+  // Calls every receiver before it returns, with the lock held.
+  void notify(std::int64_t type, const std::optional<ZELMessageFields>& value);
+
+  // Runs the step now, on this thread, unless the engine has gone meanwhile. For handlers, which may outlive it.
+  std::function<void(const std::function<void(CameraDataParser&)>&)> whileAlive();
+
+  CameraDataParser& parser() { return parser_; }
+  ZELUCDFile& ucdFile() { return ucdFile_; }
+  ZELCameraAccessory& accessory() { return accessory_; }
+  platform::Queue& mainQueue() { return mainQueue_; }
+
+ private:
+  using Answer = std::optional<ZELMessageFields>;
+
+  void registerFamilies(Registered when);
+  void registerFamily(const Family& family);
+  void registerEvent(const CameraEvent& event);
+  void statusChanged(std::uint64_t status);
+  bool isConnected() const;
+  void announce(std::int64_t msgType);
+  void withdraw(std::int64_t msgType);
+  void write(std::int64_t msgType, const ZELMessageFields& fields);
+  void wait(std::int64_t msgType, const RebackDic& rebackBlock);
+  void post(const RebackDic& rebackBlock, const Answer& answer);
+
+  ZELCameraAccessory& accessory_;
+  CameraDataParser& parser_;
+  ZELUCDFile& ucdFile_;
+  platform::Queue& mainQueue_;
+  const std::shared_ptr<CallGate> alive_ = std::make_shared<CallGate>();
+
+  // Recursive, because an event's receiver may send requests while it is called with the lock held.
+  RecursiveMutex mutex_;
+  PendingTable<std::int64_t, RebackDic, Answer> msgBlockDic_ ZEL_GUARDED_BY(mutex_);
+  std::vector<std::shared_ptr<ZELCameraNotificationProtocol>> notificationReceivers_ ZEL_GUARDED_BY(mutex_);
+
+  Observation statusObservation_;  // last: it ends before what it uses
+};
+
+}  // namespace zel

@@ -1,0 +1,83 @@
+// The command layer's engine as hosts see it. Its requests stand in the files beside this one: commands, settings,
+// calibration, files.
+
+#include <ZELTarkaSDK/ZELCameraUCD.h>
+
+#include <utility>
+
+#include "command/request_engine.h"
+
+using zel::RebackDic;
+using zel::RequestEngine;
+using namespace zel::key;
+
+namespace {
+
+constexpr zel::Reply kFlag = zel::flag();
+constexpr zel::Reply kByte = zel::value(zel::field::u8(ucharValue));
+constexpr zel::Reply kFlagAndByte = zel::flag(zel::field::u8(ucharValue));
+constexpr zel::Reply kFlagAndShort = zel::flag(zel::field::s16(shortValue));
+constexpr zel::Reply kFlagAndUint = zel::flag(zel::field::u32(uintValue));
+
+}  // namespace
+
+ZELCameraUCD::ZELCameraUCD(ZELCameraAccessory& accessory, CameraDataParser& parser, ZELUCDFile& ucdFile,
+                           zel::platform::Queue& mainQueue)
+    : engine_(std::make_unique<RequestEngine>(accessory, parser, ucdFile, mainQueue)) {
+  parser.setSyncDataRequester(engine_.get());
+}
+
+ZELCameraUCD::~ZELCameraUCD() { engine_->parser().setSyncDataRequester(nullptr); }
+
+void ZELCameraUCD::sendMsg(std::int64_t msgType, const ZELMessageFields& msgDataDic, RebackDic rebackBlock) {
+  engine_->send(msgType, msgDataDic, std::move(rebackBlock));
+}
+
+void ZELCameraUCD::responseCameraMsg(std::int64_t msgType, const std::optional<ZELMessageFields>& rebackDic) {
+  engine_->respond(msgType, rebackDic);
+}
+
+void ZELCameraUCD::responseCameraErrorMsg(std::int64_t msgType) { engine_->respondWithError(msgType); }
+
+void ZELCameraUCD::responseAllReblackBlockWithErrorCode(int errorCode) { engine_->respondToAllWithError(errorCode); }
+
+void ZELCameraUCD::parserReceiveUint8ResponseData(const Data& data, std::int64_t msgType) {
+  engine_->respondTo(kFlag, data, msgType);
+}
+
+void ZELCameraUCD::parserReceiveUint8ValueData(const Data& data, std::int64_t msgType) {
+  engine_->respondTo(kByte, data, msgType);
+}
+
+void ZELCameraUCD::parserReceiveUint8ResponseAndUint8ValueData(const Data& data, std::int64_t msgType) {
+  engine_->respondTo(kFlagAndByte, data, msgType);
+}
+
+void ZELCameraUCD::parserReceiveUint8ResponseAndInt16ValueData(const Data& data, std::int64_t msgType) {
+  engine_->respondTo(kFlagAndShort, data, msgType);
+}
+
+void ZELCameraUCD::parserReceiveUint8ResponseAndUint32ValueData(const Data& data, std::int64_t msgType) {
+  engine_->respondTo(kFlagAndUint, data, msgType);
+}
+
+void ZELCameraUCD::addCameraNotificationReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver) {
+  engine_->addReceiver(std::move(receiver));
+}
+
+void ZELCameraUCD::removeCameraNotificationReceiver(const ZELCameraNotificationProtocol* receiver) {
+  engine_->removeReceiver(receiver);
+}
+
+void ZELCameraUCD::sendNotification(std::int64_t type, const std::optional<ZELMessageFields>& value) {
+  engine_->notify(type, value);
+}
+
+void ZELCameraUCD::sendFileWithType(std::int64_t type, const Text& filePath, const ZELData& fileData,
+                                    ErrorBlock rebackBlock) {
+  engine_->ucdFile().sendFileWithType(type, filePath, fileData, std::move(rebackBlock));
+}
+
+void ZELCameraUCD::request(const zel::Family& family, const ZELMessageFields& fields, RebackDic rebackBlock) {
+  engine_->send(static_cast<std::int64_t>(family.type), fields, std::move(rebackBlock));
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
+#include <ZELTarkaSDK/ZELHandlers.h>
+
+class ZELCameraAccessory;
+class ZELCameraUCD;
+
+namespace zel::platform {
+class NotificationCenter;
+}
+
+// Notifications of the camera's power, and the keys of their user information.
+inline constexpr std::string_view ZELCameraNotificationBatteryChange = "ZELCameraNotificationBatteryChange";
+inline constexpr std::string_view ZELCameraNotificationBatteryLow = "ZELCameraNotificationBatteryLow";
+inline constexpr std::string_view ZELCameraNotificationPowerOff = "ZELCameraNotificationPowerOff";
+inline constexpr std::string_view kZELPowerTypeKey = "powerType";
+inline constexpr std::string_view kZELBatteryStateKey = "batteryState";
+
+// Tells the host of the camera's power state by notifications, and answers a few questions that need more than a
+// message: the power type, the lens offset, and the audio bitrate, which older cameras do not know.
+// Owner:  the arguments of the constructor must outlive the object.
+// Thread: any thread; handlers run on the main queue but where noted.
+class ZEL_EXPORT ZELCameraManager {
+ public:
+  // The manager of the process-wide stack.
+  static ZELCameraManager& sharedManager();
+
+  ZELCameraManager(ZELCameraAccessory& accessory, ZELCameraUCD& ucd, zel::platform::NotificationCenter& notifications);
+  ~ZELCameraManager();
+  ZELCameraManager(const ZELCameraManager&) = delete;
+  ZELCameraManager& operator=(const ZELCameraManager&) = delete;
+
+  // From now on, and no longer, the camera's battery events are posted as notifications with the manager as sender.
+  // Registered twice, the events are posted twice.
+  void registerForCameraNotifications();
+  void unRegisterForCameraNotifications();
+
+  // notificationType:value: - posts the notification of a battery event; other events post nothing.
+  // Thread: the one that delivers the event; observers must not register or unregister there.
+  void notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value);
+
+  // queryCameraBattery: - power type (1, 2, and 0 for any other) and battery level.
+  void queryCameraBattery(zel::RebackBlock<std::int32_t, std::int32_t> callback);
+
+  // getCameraMediaOffset:callback: - the lens offset's text.
+  void getCameraMediaOffset(std::uint8_t typeInfo, zel::RebackBlock<const std::optional<std::string>&> callback);
+
+  // getCameraAudioBitrateWithRebackBlock:, setCameraAudioBitrate:rebackBlock: - bits a second.
+  // Errors: 120 where the connected camera's firmware is below 190, at once and on the calling thread.
+  void getCameraAudioBitrateWithRebackBlock(zel::RebackBlock<std::uint32_t> rebackBlock);
+  void setCameraAudioBitrate(std::uint32_t bitrate, zel::RebackBlock<> rebackBlock);
+
+  // The error 120 where the connected camera's firmware is too old for the audio bitrate ("checkout" and "Asyn" are the
+  // interface's spelling). Without a connection there is none: the request meets the connection's own check.
+  std::optional<ZELError> checkoutAudioAsynVersion() const;
+
+ private:
+  class Receiver;
+
+  ZELCameraAccessory& accessory_;
+  ZELCameraUCD& ucd_;
+  zel::platform::NotificationCenter& notifications_;
+  const std::shared_ptr<Receiver> receiver_;
+};

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <deque>
+#include <map>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace zel {
+
+// Handlers that wait for an answer, at most one under each key: a later one takes the place of an earlier one.
+//
+// A request is announced, then written, and only then its handler is put here, because that order can be observed: an
+// answer that comes in between belongs to the handler that still waits from before. Where none waits, the answer is the
+// announced request's own, which was faster than its sender; it is kept until the handler is put, so that no completion
+// is lost.
+// Thread: none of its own; the owner guards it with a lock.
+template <class Key, class Handler, class Answer>
+class PendingTable {
+ public:
+  void announce(const Key& key) { ++entries_[key].announced; }
+
+  // The announced request was not sent after all.
+  void withdraw(const Key& key) { leave(entries_.find(key)); }
+
+  // Stores the handler of an announced request, or gives the answer that is already there for it.
+  [[nodiscard]] std::optional<Answer> put(const Key& key, const Handler& handler) {
+    const auto entry = entries_.find(key);
+    std::optional<Answer> answer;
+    if (entry->second.early.empty()) {
+      entry->second.handler = handler;
+    } else {
+      answer = std::move(entry->second.early.front());
+      entry->second.early.pop_front();
+    }
+    leave(entry);
+    return answer;
+  }
+
+  // Takes out the handler that waits. Where only an announced one is to come, the answer is kept for it.
+  [[nodiscard]] std::optional<Handler> take(const Key& key, const Answer& answer) {
+    const auto entry = entries_.find(key);
+    if (entry == entries_.end()) return std::nullopt;
+    auto handler = std::exchange(entry->second.handler, std::nullopt);
+    if (!handler && entry->second.early.size() < entry->second.announced) entry->second.early.push_back(answer);
+    forgetEmpty(entry);
+    return handler;
+  }
+
+  // Takes out every handler, in the order of the keys, and keeps the answer for every announced one.
+  [[nodiscard]] std::vector<Handler> takeAll(const Answer& answer) {
+    std::vector<Handler> handlers;
+    for (auto entry = entries_.begin(); entry != entries_.end();) {
+      if (entry->second.handler) handlers.push_back(*std::exchange(entry->second.handler, std::nullopt));
+      entry->second.early.resize(entry->second.announced, answer);
+      entry = forgetEmpty(entry);
+    }
+    return handlers;
+  }
+
+  // Whether a handler waits under the key, or is announced and has no answer yet.
+  bool isExpected(const Key& key) const {
+    const auto entry = entries_.find(key);
+    return entry != entries_.end() && (entry->second.handler || entry->second.early.size() < entry->second.announced);
+  }
+
+ private:
+  struct Entry {
+    std::size_t announced = 0;
+    std::deque<Answer> early;  // at most one for each announced request
+    std::optional<Handler> handler;
+  };
+  using Entries = std::map<Key, Entry>;
+
+  void leave(typename Entries::iterator entry) {
+    --entry->second.announced;
+    if (entry->second.early.size() > entry->second.announced) entry->second.early.pop_back();
+    forgetEmpty(entry);
+  }
+
+  typename Entries::iterator forgetEmpty(typename Entries::iterator entry) {
+    const bool used = entry->second.announced != 0 || entry->second.handler;
+    return used ? std::next(entry) : entries_.erase(entry);
+  }
+
+  Entries entries_;
+};
+
+}  // namespace zel
