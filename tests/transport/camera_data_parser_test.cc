@@ -432,7 +432,7 @@ TEST_F(CameraDataParserTest, CountsFramesAndBytesByType) {
 
 class RecordingRequester final : public SyncDataRequester {
  public:
-  void msgReqSendSyncData(const ZELData& marker, Handler rebackBlock) override {
+  void msgReqSendSyncData(const ZELData& marker, RebackDic rebackBlock) override {
     markers.push_back(marker);
     rebackBlock(std::nullopt);
   }
