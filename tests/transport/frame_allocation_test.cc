@@ -52,6 +52,7 @@ class SilentPlayer final : public PreviewConsumer {
 class SilentPhoto final : public PhotoConsumer {
  public:
   void parserData(ByteView) override { ++frames; }
+  void replyBlockWithError(const ZELError&) override {}
   int frames = 0;
 };
 
