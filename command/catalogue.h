@@ -71,7 +71,7 @@ inline constexpr Reply anything = custom(decodeAnything, "not read, always a suc
 
 // All families, in the order in which they are registered: the registering operation, message type, request code,
 // request body, reply.
-// clang-format off: a row reads as one row of a table.
+// clang-format off
 inline constexpr Family kFamilies[] = {
     // registering operation               type  request  request body                                  reply
     {"registerMsgCmdStartVideo",               4, 0x0004, {u8(ucharValue)},                              flag(u8(ucharValue))},

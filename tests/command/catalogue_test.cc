@@ -36,8 +36,8 @@ void PrintTo(const Exchange& exchange, std::ostream* out) { *out << exchange.ope
 const ZELGpsData kGps{1.0, -2.0, 0.5};
 const ZELGyroData kGyro{1.f, 2.f, 3.f, 4.f, 5.f, 6.f};
 const ZELOrientationData kOrientation{1, -1, 2, -2};
-#define TRIPLE                                           \
-  "000000000000F03F 00000000000000C0 000000000000E03F "  \
+#define TRIPLE                                             \
+  "000000000000F03F 00000000000000C0 000000000000E03F "    \
   "0000803F 00000040 00004040 00008040 0000A040 0000C040 " \
   "01000000 FFFFFFFF 02000000 FEFFFFFF "
 
@@ -52,6 +52,8 @@ std::shared_ptr<const ZELMediaOrientation> orientation() { return ZELMediaOrient
 const char kCapture[] = "ok 16909060 578437695752307201 \"A.JPG\"";
 const char kNoCapture[] = "error 101 0 0 none";
 
+// Each exchange reads as operation, call, request, reply, results.
+// clang-format off
 #define CALL [](ZELCameraUCD & ucd, Outcome & outcome)
 const Exchange kExchanges[] = {
     {"msgCmdStartVideoWithVideoRes", CALL { ucd.msgCmdStartVideoWithVideoRes(11, outcome); },
@@ -262,6 +264,7 @@ const Exchange kExchanges[] = {
      "08000000 0400 4840", "48C0 01 00F40100", "ok 128000", "error 101 0"},
 };
 #undef CALL
+// clang-format on
 
 class CatalogueExchange : public CommandTest, public testing::WithParamInterface<Exchange> {
  protected:

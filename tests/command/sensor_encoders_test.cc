@@ -34,8 +34,8 @@ TEST(SensorEncodersTest, CutsTheFractionOfAnOrientation) {
 }
 
 TEST(SensorEncodersTest, TakesTheNearestOrientationThatFits) {
-  const auto orientation =
-      ZELMediaOrientation::initWithX(2147483648.0, -2147483649.0, std::numeric_limits<double>::infinity(), std::nan(""));
+  const auto orientation = ZELMediaOrientation::initWithX(2147483648.0, -2147483649.0,
+                                                          std::numeric_limits<double>::infinity(), std::nan(""));
   EXPECT_EQ(orientation->getOrientationData(), (ZELOrientationData{2147483647, -2147483647 - 1, 2147483647, 0}));
 }
 

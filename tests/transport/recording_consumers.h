@@ -39,7 +39,9 @@ class RecordingPhoto final : public PhotoConsumer {
  public:
   explicit RecordingPhoto(Log& log) : log_(log) {}
   void parserData(ByteView bytes) override { log_.push_back(entry("photo", bytes)); }
-  void replyBlockWithError(const ZELError& error) override { log_.push_back("photoError " + std::to_string(error.code)); }
+  void replyBlockWithError(const ZELError& error) override {
+    log_.push_back("photoError " + std::to_string(error.code));
+  }
 
  private:
   Log& log_;

@@ -1,0 +1,112 @@
+#include "transport/pending_table.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace zel::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Table = PendingTable<int, std::string, int>;
+
+class PendingTableTest : public testing::Test {
+ protected:
+  void store(int key, const std::string& handler) {
+    table.announce(key);
+    EXPECT_EQ(table.put(key, handler), std::nullopt);
+  }
+
+  Table table;
+};
+
+TEST_F(PendingTableTest, GivesAHandlerOutOnce) {
+  store(1, "a");
+  EXPECT_EQ(table.take(1, 10), "a");
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+}
+
+TEST_F(PendingTableTest, ReplacesTheHandlerThatWaits) {
+  store(1, "a");
+  store(1, "b");
+  EXPECT_EQ(table.take(1, 10), "b");
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+}
+
+TEST_F(PendingTableTest, KeepsAnAnswerThatOvertakesTheHandler) {
+  table.announce(1);
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+  EXPECT_EQ(table.put(1, "a"), 10);
+  EXPECT_EQ(table.take(1, 11), std::nullopt);
+}
+
+TEST_F(PendingTableTest, KeepsOneAnswerForEachAnnouncedHandler) {
+  table.announce(1);
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+  EXPECT_EQ(table.take(1, 11), std::nullopt);
+  EXPECT_EQ(table.put(1, "a"), 10);
+  store(1, "b");
+  EXPECT_EQ(table.take(1, 12), "b");
+}
+
+TEST_F(PendingTableTest, GivesTheAnswerToTheHandlerThatAlreadyWaits) {
+  store(1, "a");
+  table.announce(1);
+  EXPECT_EQ(table.take(1, 10), "a");
+  EXPECT_EQ(table.put(1, "b"), std::nullopt);
+  EXPECT_EQ(table.take(1, 11), "b");
+}
+
+TEST_F(PendingTableTest, ServesTwoThatAreAnnouncedAtOnce) {
+  table.announce(1);
+  table.announce(1);
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+  EXPECT_EQ(table.put(1, "a"), 10);
+  EXPECT_EQ(table.put(1, "b"), std::nullopt);
+  EXPECT_EQ(table.take(1, 11), "b");
+}
+
+TEST_F(PendingTableTest, ForgetsAnAnswerWhoseRequestWasNotSent) {
+  table.announce(1);
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+  table.withdraw(1);
+  store(1, "a");
+  EXPECT_EQ(table.take(1, 11), "a");
+}
+
+TEST_F(PendingTableTest, DropsAnAnswerThatNobodyExpects) {
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+  store(1, "a");
+  EXPECT_EQ(table.take(1, 11), "a");
+}
+
+TEST_F(PendingTableTest, GivesAllOutInTheOrderOfTheirKeys) {
+  store(3, "c");
+  store(1, "a");
+  store(2, "b");
+  EXPECT_THAT(table.takeAll(10), ElementsAre("a", "b", "c"));
+  EXPECT_THAT(table.takeAll(10), IsEmpty());
+}
+
+TEST_F(PendingTableTest, AnswersTheAnnouncedOnesWithTheRest) {
+  store(1, "a");
+  table.announce(1);
+  table.announce(2);
+  EXPECT_THAT(table.takeAll(10), ElementsAre("a"));
+  EXPECT_EQ(table.put(1, "b"), 10);
+  EXPECT_EQ(table.put(2, "c"), 10);
+}
+
+TEST_F(PendingTableTest, ExpectsWhatHasNoAnswerYet) {
+  EXPECT_FALSE(table.isExpected(1));
+  table.announce(1);
+  EXPECT_TRUE(table.isExpected(1));
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+  EXPECT_FALSE(table.isExpected(1));
+}
+
+}  // namespace
+}  // namespace zel::test
