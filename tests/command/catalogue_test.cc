@@ -330,7 +330,7 @@ TEST_P(CatalogueExchange, IgnoresBytesAfterTheLastField) {
 INSTANTIATE_TEST_SUITE_P(Catalogue, CatalogueExchange, testing::ValuesIn(kExchanges),
                          [](const auto& one) { return std::string(one.param.operation); });
 
-// The rows that need a story of their own stand in odd_requests_test.cc; together they are all.
+// The rows that need a story of their own stand in zel_camera_ucd_test.cc; together they are all.
 TEST(CatalogueTest, HasATestForEveryFamily) {
   std::set<std::uint16_t> requests = {0x4017, 0x4021, 0x4028, 0x402D, 0x402E};
   for (const Exchange& exchange : kExchanges) {

@@ -8,19 +8,19 @@
 namespace zel::test {
 namespace {
 
-TEST(SensorEncodersTest, CopiesThePlaceUnchanged) {
+TEST(ZELExtraJsonInfoTest, CopiesThePlaceUnchanged) {
   const auto gps = ZELMediaGps::initWithLatitude(48.25, -11.5, 519);
   EXPECT_EQ(gps->getGpsData(), (ZELGpsData{48.25, -11.5, 519.0}));
 }
 
-TEST(SensorEncodersTest, RoundsTheGyroToTheNearestFloat) {
+TEST(ZELExtraJsonInfoTest, RoundsTheGyroToTheNearestFloat) {
   ZELMediaGyro gyro;
   gyro.setAx(0.1);
   gyro.setGz(16777217.0);  // halfway between two floats
   EXPECT_EQ(gyro.getGyroData(), (ZELGyroData{0.1f, 0.f, 0.f, 0.f, 0.f, 16777216.f}));
 }
 
-TEST(SensorEncodersTest, MakesAGyroValueBeyondAFloatInfinite) {
+TEST(ZELExtraJsonInfoTest, MakesAGyroValueBeyondAFloatInfinite) {
   ZELMediaGyro gyro;
   gyro.setAy(1e39);
   gyro.setGx(-1e300);
@@ -28,18 +28,18 @@ TEST(SensorEncodersTest, MakesAGyroValueBeyondAFloatInfinite) {
   EXPECT_EQ(float{gyro.getGyroData().gx}, -std::numeric_limits<float>::infinity());
 }
 
-TEST(SensorEncodersTest, CutsTheFractionOfAnOrientation) {
+TEST(ZELExtraJsonInfoTest, CutsTheFractionOfAnOrientation) {
   const auto orientation = ZELMediaOrientation::initWithX(2.9, -2.9, 0.5, -0.5);
   EXPECT_EQ(orientation->getOrientationData(), (ZELOrientationData{2, -2, 0, 0}));
 }
 
-TEST(SensorEncodersTest, TakesTheNearestOrientationThatFits) {
+TEST(ZELExtraJsonInfoTest, TakesTheNearestOrientationThatFits) {
   const auto orientation = ZELMediaOrientation::initWithX(2147483648.0, -2147483649.0,
                                                           std::numeric_limits<double>::infinity(), std::nan(""));
   EXPECT_EQ(orientation->getOrientationData(), (ZELOrientationData{2147483647, -2147483647 - 1, 2147483647, 0}));
 }
 
-TEST(SensorEncodersTest, GivesNothingOfAnEmptyRecordButItsOffsetText) {
+TEST(ZELExtraJsonInfoTest, GivesNothingOfAnEmptyRecordButItsOffsetText) {
   const auto info = ZELExtraJsonInfo::initWithVideoMnd({});
   EXPECT_EQ(info->offset(), "0_(null)_0_0_0");
   EXPECT_EQ(info->gps()->getGpsData(), ZELGpsData{});
@@ -47,7 +47,7 @@ TEST(SensorEncodersTest, GivesNothingOfAnEmptyRecordButItsOffsetText) {
   EXPECT_EQ(info->orientation()->getOrientationData(), ZELOrientationData{});
 }
 
-TEST(SensorEncodersTest, TakesEveryPartOfAVideosRecord) {
+TEST(ZELExtraJsonInfoTest, TakesEveryPartOfAVideosRecord) {
   ZELVideoMnd record;
   record.head[0] = 9;
   record.value = 9;

@@ -1,3 +1,5 @@
+// The media library's object and the three sensor objects that it is made of.
+
 #include <ZELTarkaSDK/ZELExtraJsonInfo.h>
 #include <ZELTarkaSDK/ZELMediaGps.h>
 #include <ZELTarkaSDK/ZELMediaGyro.h>
