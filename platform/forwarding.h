@@ -13,6 +13,7 @@
 #include "platform/notification_center.h"
 #include "platform/queues.h"
 #include "platform/run_loop.h"
+#include "platform/video_decoder.h"
 
 namespace zel::platform {
 
@@ -151,6 +152,30 @@ class ForwardingAccessoryManager : public AccessoryManager {
 
  private:
   AccessoryManager& wrapped_;
+};
+
+// Owner: owns the wrapped session.
+class ForwardingVideoDecoder : public VideoDecoder {
+ public:
+  explicit ForwardingVideoDecoder(std::unique_ptr<VideoDecoder> wrapped) : wrapped_(std::move(wrapped)) {}
+
+  DecodeResult decode(Bytes unit, std::int64_t timestamp) override { return wrapped_->decode(unit, timestamp); }
+  DecodedPicture flush() override { return wrapped_->flush(); }
+
+ private:
+  std::unique_ptr<VideoDecoder> wrapped_;
+};
+
+class ForwardingVideoDecoders : public VideoDecoders {
+ public:
+  explicit ForwardingVideoDecoders(VideoDecoders& wrapped) : wrapped_(wrapped) {}
+
+  DecoderCreation create(VideoDecoder::Bytes sps, VideoDecoder::Bytes pps) override {
+    return wrapped_.create(sps, pps);
+  }
+
+ private:
+  VideoDecoders& wrapped_;
 };
 
 }  // namespace zel::platform

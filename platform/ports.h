@@ -5,6 +5,7 @@
 #include "platform/notification_center.h"
 #include "platform/queues.h"
 #include "platform/run_loop.h"
+#include "platform/video_decoder.h"
 
 namespace zel::platform {
 
@@ -15,6 +16,7 @@ struct Ports {
   Queues& queues;
   AccessoryManager& accessories;
   NotificationCenter& notifications;
+  VideoDecoders* videoDecoders = nullptr;  // null: the host decodes no video
 };
 
 }  // namespace zel::platform
