@@ -51,6 +51,8 @@ LinkStatistics CameraStack::statistics() const {
   LinkStatistics statistics;
   const CameraSession& session = graph_->accessory.cameraSession();
   graph_->parser.copyStatistics(statistics);
+  statistics.bytesWritten = session.bytesWritten();
+  statistics.bytesToWrite = session.bytesToWrite();
   statistics.streamErrors = session.streamErrors();
   statistics.resendsLeft = session.syncTimeCount();
   statistics.roundTrip = graph_->accessory.syncRoundTrip();

@@ -151,6 +151,11 @@ void CameraSession::writeData(const std::uint8_t* bytes, std::int32_t length) {
   if (const auto connection = current()) connection->writeData({bytes, static_cast<std::size_t>(length)});
 }
 
+std::uint64_t CameraSession::bytesToWrite() const {
+  const auto connection = current();
+  return connection ? connection->bytesToWrite() : 0;
+}
+
 void CameraSession::sendSyncTimeCmd() {
   if (const auto connection = current()) connection->sendSyncTimeCmd();
 }

@@ -62,6 +62,10 @@ class CameraSession final : zel::ConnectionOwner {
   // The de-multiplexer lost its position in the stream: reopens as after a stream error. Thread: session thread.
   void reopenAfterLostPosition();
 
+  // Bytes that the streams have taken, of all sessions together, and bytes that the open one has not taken yet.
+  std::uint64_t bytesWritten() const { return bytesWritten_.load(); }
+  std::uint64_t bytesToWrite() const;
+
   // Times that the stream reported an error.
   std::uint64_t streamErrors() const { return streamErrors_.load(); }
 
@@ -79,6 +83,7 @@ class CameraSession final : zel::ConnectionOwner {
   void threadEnded() override;
   std::span<std::uint8_t> readBuffer() override;
   std::int64_t stampSyncTime() override;
+  void bytesWritten(std::size_t count) override { bytesWritten_.fetch_add(count); }
 
   void reopen(const zel::SessionConnection& failed);
   Connection takeCurrent(std::uint64_t& opening) ZEL_REQUIRES(mutex_);
@@ -100,6 +105,7 @@ class CameraSession final : zel::ConnectionOwner {
   std::atomic<std::int64_t> syncTimestamp_ = 0;
   std::atomic<std::int32_t> syncTimeCount_ = 10;
   std::atomic<std::uint64_t> streamErrors_ = 0;
+  std::atomic<std::uint64_t> bytesWritten_ = 0;
 
   mutable zel::Mutex mutex_;
   std::uint64_t openings_ ZEL_GUARDED_BY(mutex_) = 0;  // changes whenever anybody opens or closes

@@ -109,9 +109,14 @@ void SessionConnection::readStreamData() {
 void SessionConnection::writeData(ByteView bytes) {
   {
     const MutexLock lock(writeDataLock_);
-    writeData_.append(bytes);
+    enqueue(bytes);
   }
   if (!writeScheduled_.exchange(true)) performOnThread(&SessionConnection::writeStreamData);
+}
+
+void SessionConnection::enqueue(ByteView bytes) {
+  writeData_.append(bytes);
+  bytesToWrite_.fetch_add(bytes.size());
 }
 
 void SessionConnection::writeStreamData() {
@@ -126,6 +131,8 @@ void SessionConnection::drainWriteData() {
     const std::ptrdiff_t count = output.write(writeData_.view());
     if (count < 1) return;  // the rest goes out when the stream has space again
     writeData_.removeFirst(static_cast<std::size_t>(count));
+    owner_.bytesWritten(static_cast<std::size_t>(count));
+    bytesToWrite_.fetch_sub(static_cast<std::size_t>(count));
   }
 }
 
@@ -135,7 +142,7 @@ void SessionConnection::syncCameraSystemTimeOnThread() {
   const MutexLock lock(writeDataLock_);
   Bytes time;
   appendLittleEndian(time, static_cast<std::uint64_t>(owner_.stampSyncTime()));
-  writeData_.append(messageFrame(kSyncTimeRequest, time));
+  enqueue(messageFrame(kSyncTimeRequest, time));
   drainWriteData();
 }
 

@@ -31,6 +31,8 @@ class ConnectionOwner {
   virtual std::span<std::uint8_t> readBuffer() = 0;
   // Takes the time of the synchronisation command that is being built and keeps it.
   virtual std::int64_t stampSyncTime() = 0;
+  // The stream has taken that many bytes.
+  virtual void bytesWritten(std::size_t count) = 0;
 
  protected:
   ~ConnectionOwner() = default;
@@ -61,6 +63,9 @@ class SessionConnection final : public platform::StreamDelegate,
   // Queues the bytes as a whole and has the session thread write them.
   void writeData(ByteView bytes);
 
+  // Bytes that are queued.
+  std::size_t bytesToWrite() const { return bytesToWrite_.load(); }
+
   // Has the session thread send the time synchronisation.
   void sendSyncTimeCmd();
 
@@ -76,6 +81,7 @@ class SessionConnection final : public platform::StreamDelegate,
   void performOnThread(void (SessionConnection::*step)());
   void readStreamData();
   void writeStreamData();
+  void enqueue(ByteView bytes) ZEL_REQUIRES(writeDataLock_);
   void drainWriteData() ZEL_REQUIRES(writeDataLock_);
   void syncCameraSystemTimeOnThread();
 
@@ -91,6 +97,7 @@ class SessionConnection final : public platform::StreamDelegate,
   // Held while bytes are written as well, so that no producer sees a half-removed queue.
   Mutex writeDataLock_;
   WriteQueue writeData_ ZEL_GUARDED_BY(writeDataLock_);
+  std::atomic<std::size_t> bytesToWrite_ = 0;  // as the queue has it, to be read without its lock
 
   Mutex threadMutex_;
   std::unique_ptr<platform::Thread> thread_ ZEL_GUARDED_BY(threadMutex_);

@@ -41,6 +41,8 @@ struct ZEL_EXPORT LinkStatistics {
   DroppedFrames dropped;
   std::uint64_t bytesReceived = 0;   // all bytes read from the stream
   std::uint64_t bytesDiscarded = 0;  // bytes thrown away while looking for the marker, the marker itself not counted
+  std::uint64_t bytesWritten = 0;    // bytes that the stream to the camera has taken
+  std::uint64_t bytesToWrite = 0;    // bytes queued for the camera that the stream has not taken yet
   std::uint64_t markersFound = 0;    // times that the stream was synchronised
   std::uint64_t positionsLost = 0;   // impossible frame lengths, each of which reopened the session
   std::uint64_t streamErrors = 0;    // stream errors, each of which reopened the session

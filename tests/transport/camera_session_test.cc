@@ -92,6 +92,27 @@ TEST_F(CameraSessionTest, KeepsWhatTheStreamDoesNotAcceptForTheNextSpaceEvent) {
   EXPECT_EQ(link().written(), join(repeated(100, 1), repeated(100, 2), repeated(100, 3)));
 }
 
+TEST_F(CameraSessionTest, CountsWhatIsWrittenAndWhatStillWaits) {
+  openAndSynchronise();
+  const std::uint64_t before = stack.statistics().bytesWritten;
+  link().setWriteCapacity(100);
+  write(repeated(250, 1));
+  EXPECT_EQ(stack.statistics().bytesWritten - before, 100u);
+  EXPECT_EQ(stack.statistics().bytesToWrite, 150u);
+  link().setWriteCapacity(1000);
+  host.runUntilIdle();
+  EXPECT_EQ(stack.statistics().bytesWritten - before, 250u);
+  EXPECT_EQ(stack.statistics().bytesToWrite, 0u);
+}
+
+TEST_F(CameraSessionTest, HasNothingToWriteOnceItIsClosed) {
+  openAndSynchronise();
+  link().setWriteCapacity(100);
+  write(repeated(250, 1));
+  session().closeSession();
+  EXPECT_EQ(stack.statistics().bytesToWrite, 0u);
+}
+
 TEST_F(CameraSessionTest, LosesWhatIsWrittenWhileClosed) {
   openAndSynchronise();
   session().closeSession();

@@ -18,9 +18,11 @@ class RecordingOwner final : public ConnectionOwner {
   void threadEnded() override { ++ended; }
   std::span<std::uint8_t> readBuffer() override { return buffer; }
   std::int64_t stampSyncTime() override { return 0x0102030405060708; }
+  void bytesWritten(std::size_t count) override { written += count; }
 
   Bytes buffer = Bytes(16);
   int failures = 0, waited = 0, ended = 0;
+  std::size_t written = 0;
 };
 
 class RecordingStream final : public InboundStream {
