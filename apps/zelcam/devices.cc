@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_choice.h"
 #include "apps/zelcam/output.h"
 #include "platform/ports.h"
@@ -23,15 +24,6 @@ ordered_json toJson(const AccessoryDescription& description) {
           {"hardwareRevision", description.hardwareRevision},
           {"protocolStrings", description.protocolStrings},
           {"dockType", description.dockType}};
-}
-
-// A terminal must not obey what an accessory calls itself.
-std::string printable(const std::string& text) {
-  std::string safe = text;
-  for (char& letter : safe) {
-    if (static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F) letter = '?';
-  }
-  return safe;
 }
 
 void printForPeople(const AccessoryDescription& description) {
@@ -86,8 +78,12 @@ int watchDevices(LinuxPlatform& platform, const Settings& settings) {
 
 }  // namespace
 
-int runDevices(LinuxPlatform& platform, const Settings& settings, bool watch) {
-  if (watch) return watchDevices(platform, settings);
+int runDevices(const Invocation& invocation) {
+  const Settings& settings = invocation.settings;
+  Bus bus(settings);
+  if (!bus.isThere()) return kNoCamera;
+  LinuxPlatform& platform = bus.platform();
+  if (invocation.values.has("--watch")) return watchDevices(platform, settings);
   const Accessories accessories = chosenAccessories(platform, settings);
   for (const auto& one : accessories) print(one->description(), settings);
   if (accessories.empty() && !settings.camera.empty()) {

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <ZELTarkaSDK/LinuxPlatform.h>
-
-#include "apps/zelcam/settings.h"
+#include "apps/zelcam/command.h"
 
 namespace zel::app {
 
-// `zelcam devices`: the accessories present; with `watch` also those that come and go, until the user stops it.
+// `zelcam devices`: the accessories present; with `--watch` also those that come and go, until the user stops it.
 // Returns the exit status. No accessory at all is an empty list and no failure.
-int runDevices(LinuxPlatform& platform, const Settings& settings, bool watch);
+int runDevices(const Invocation& invocation);
 
 }  // namespace zel::app

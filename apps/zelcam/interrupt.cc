@@ -10,10 +10,10 @@
 #include <mutex>
 #include <thread>
 
+#include "apps/zelcam/settings.h"
+
 namespace zel::app {
 namespace {
-
-constexpr int kForced = 130;  // 128 and the number of SIGINT, as shells have it
 
 std::atomic<bool> interrupted = false;
 std::mutex platformMutex;
@@ -31,7 +31,7 @@ void waitForSignals() {
   const sigset_t signals = stopSignals();
   int signal = 0;
   while (sigwait(&signals, &signal) == 0) {
-    if (interrupted.exchange(true)) std::_Exit(kForced);
+    if (interrupted.exchange(true)) std::_Exit(kInterrupted);
     const std::lock_guard lock(platformMutex);
     if (watchedPlatform != nullptr) watchedPlatform->stopMainQueue();
   }

@@ -9,7 +9,8 @@
 #include <chrono>
 #include <utility>
 
-#include "apps/zelcam/camera_choice.h"
+#include "apps/zelcam/bus.h"
+#include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/output.h"
 #include "platform/ports.h"
@@ -96,14 +97,7 @@ class Monitor {
   int noFrames() {
     platform_.drainMainQueue();
     if (wasInterrupted()) return kDone;
-    if (!settings_.camera.empty() && chosenAccessories(platform_, settings_).empty()) {
-      sayUnknownCamera(platform_, settings_);
-    } else if (stack_.accessory().accessoryInfo()) {
-      say(fmt::format("zelcam: the camera is attached but sent no frame within {} s", settings_.timeout));
-    } else {
-      say(fmt::format("zelcam: no camera was attached within {} s", settings_.timeout));
-    }
-    return kNoCamera;
+    return sayNoFrames(platform_, settings_, stack_);
   }
 
   void secondPassed() {
@@ -177,8 +171,10 @@ class Monitor {
 
 }  // namespace
 
-int runMonitor(LinuxPlatform& platform, const Settings& settings, std::optional<double> seconds) {
-  Monitor monitor(platform, settings, seconds);
+int runMonitor(const Invocation& invocation) {
+  Bus bus(invocation.settings);
+  if (!bus.isThere()) return kNoCamera;
+  Monitor monitor(bus.platform(), invocation.settings, invocation.values.number("--seconds"));
   return monitor.run();
 }
 

@@ -21,9 +21,26 @@ void printJson(const nlohmann::ordered_json& object) {
   write(stdout, object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
 
+nlohmann::ordered_json errorJson(const std::optional<ZELError>& error) {
+  if (!error) return nullptr;
+  return {{"domain", error->domain}, {"code", error->code}};
+}
+
+std::string printable(std::string text) {
+  for (char& letter : text) {
+    if (static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F) letter = '?';
+  }
+  return text;
+}
+
 void printLine(const std::string& line) { write(stdout, line); }
 
 void say(const std::string& line) { write(stderr, line); }
+
+void showProgress(const std::string& line) {
+  std::fprintf(stderr, "\r%s\033[K", line.c_str());
+  std::fflush(stderr);
+}
 
 std::string timeOfDay() {
   const auto now = std::chrono::system_clock::now();

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <ZELTarkaSDK/ZELError.h>
+
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 namespace zel::app {
@@ -8,11 +11,20 @@ namespace zel::app {
 // One JSON object on a line of standard output. Text that is not UTF-8 is shown with replacement characters.
 void printJson(const nlohmann::ordered_json& object);
 
+// An error as an object with its domain and code, and no error as null.
+nlohmann::ordered_json errorJson(const std::optional<ZELError>& error);
+
+// Text from outside with its control characters replaced: a terminal must not obey what a camera calls itself.
+std::string printable(std::string text);
+
 // A line for people on standard output.
 void printLine(const std::string& line);
 
 // A line for people on standard error, as progress and warnings are.
 void say(const std::string& line);
+
+// Writes over the line of progress on standard error, which a line for people then ends.
+void showProgress(const std::string& line);
 
 // The local time of day with milliseconds, "12:34:56.789".
 std::string timeOfDay();

@@ -1,0 +1,25 @@
+#include "apps/zelcam/bus.h"
+
+#include <string>
+
+#include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/output.h"
+
+namespace zel::app {
+
+Bus::Bus(const Settings& settings) {
+  std::string error;
+  platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = {}}, error);
+  if (!platform_) {
+    say("zelcam: " + error);
+    return;
+  }
+  if (settings.verbose) {
+    say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
+  }
+  stopMainQueueOnInterrupt(*platform_);
+}
+
+Bus::~Bus() { detachInterrupts(); }
+
+}  // namespace zel::app

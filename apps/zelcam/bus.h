@@ -1,0 +1,27 @@
+#pragma once
+
+#include <ZELTarkaSDK/LinuxPlatform.h>
+
+#include <memory>
+
+#include "apps/zelcam/settings.h"
+
+namespace zel::app {
+
+// The accessory bus for one command: Ctrl-C stops its main queue for as long as it is there.
+class Bus {
+ public:
+  // A bus whose folder cannot be used says why on standard error and is not there.
+  explicit Bus(const Settings& settings);
+  ~Bus();
+  Bus(const Bus&) = delete;
+  Bus& operator=(const Bus&) = delete;
+
+  bool isThere() const { return platform_ != nullptr; }
+  LinuxPlatform& platform() { return *platform_; }
+
+ private:
+  std::unique_ptr<LinuxPlatform> platform_;
+};
+
+}  // namespace zel::app

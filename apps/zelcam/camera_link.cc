@@ -1,0 +1,92 @@
+#include "apps/zelcam/camera_link.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+
+#include "apps/zelcam/camera_choice.h"
+#include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/output.h"
+
+namespace zel::app {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::uint64_t kNoConnection = 0;
+constexpr std::uint64_t kFramesArrive = 2;
+
+}  // namespace
+
+CameraLink::CameraLink(LinuxPlatform& platform, const Settings& settings)
+    : platform_(platform),
+      settings_(settings),
+      stack_(platform.ports(), settings.camera),
+      watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); })) {}
+
+void CameraLink::statusChanged(std::uint64_t status) {
+  if (status == kFramesArrive) framesArrived_.store(true);
+  if (status == kNoConnection && framesArrived_.load()) lost_.store(true);
+  wake();
+}
+
+int CameraLink::open() {
+  stack_.accessory().openCamera();
+  const Waited end = waitFor([this] { return framesArrived_.load(); }, settings_.timeout);
+  if (end == Waited::done) return kDone;
+  if (end == Waited::interrupted) return kInterrupted;
+  return sayNoFrames(platform_, settings_, stack_);
+}
+
+Waited CameraLink::waitFor(const std::function<bool()>& done, std::optional<double> seconds) {
+  const auto start = Clock::now();
+  while (!done()) {
+    if (wasInterrupted()) return Waited::interrupted;
+    if (lost_.load()) {
+      platform_.drainMainQueue();  // what failed with the connection tells so itself
+      return done() ? Waited::done : Waited::lost;
+    }
+    if (!seconds) {
+      platform_.runMainQueue();
+      continue;
+    }
+    const double left = *seconds - std::chrono::duration<double>(Clock::now() - start).count();
+    if (left <= 0) return Waited::timeOut;
+    platform_.runMainQueueFor(left);
+  }
+  return Waited::done;
+}
+
+void CameraLink::wake() { platform_.stopMainQueue(); }
+
+int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack) {
+  if (!settings.camera.empty() && chosenAccessories(platform, settings).empty()) {
+    sayUnknownCamera(platform, settings);
+  } else if (stack.accessory().accessoryInfo()) {
+    say(fmt::format("zelcam: the camera is attached but sent no frame within {} s", settings.timeout));
+  } else {
+    say(fmt::format("zelcam: no camera was attached within {} s", settings.timeout));
+  }
+  return kNoCamera;
+}
+
+int tellEnd(std::string_view what, Waited end, const std::optional<ZELError>& error, const Settings& settings) {
+  if (end == Waited::interrupted) return kInterrupted;
+  if (end == Waited::lost || (error && error->code == kZELErrorNotConnected)) {
+    say(fmt::format("zelcam: {}: the camera was lost", what));
+    return kNoCamera;
+  }
+  if (end == Waited::timeOut) {
+    say(fmt::format("zelcam: {}: the camera did not answer within {} s", what, settings.timeout));
+    return kNoCamera;
+  }
+  if (!error) return kDone;
+  if (error->code == kZELErrorOldFirmware) {
+    say(fmt::format("zelcam: {}: the camera's firmware is too old ({} {})", what, error->domain, error->code));
+  } else {
+    say(fmt::format("zelcam: {}: the camera refused ({} {})", what, error->domain, error->code));
+  }
+  return kRefused;
+}
+
+}  // namespace zel::app

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/LinuxPlatform.h>
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELError.h>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+#include "apps/zelcam/settings.h"
+
+namespace zel::app {
+
+// How the wait for something that the camera shall do ended.
+enum class Waited { done, timeOut, lost, interrupted };
+
+// The camera of one command: opened, waited for, and closed when the command ends.
+// Thread: main thread, whose main queue it runs while it waits; wake() on any.
+class CameraLink {
+ public:
+  CameraLink(LinuxPlatform& platform, const Settings& settings);
+
+  CameraStack& stack() { return stack_; }
+  LinuxPlatform& platform() { return platform_; }
+
+  // Opens the camera and waits until frames arrive, at most the time-out. Returns kDone then; otherwise says what is
+  // missing and returns the exit status.
+  int open();
+
+  // Waits until `done` holds. It is looked at on the main thread, again after each wake(). Without seconds it waits for
+  // good.
+  Waited waitFor(const std::function<bool()>& done, std::optional<double> seconds);
+  void wake();
+
+ private:
+  void statusChanged(std::uint64_t status);
+
+  LinuxPlatform& platform_;
+  const Settings& settings_;
+  std::atomic<bool> framesArrived_ = false;
+  std::atomic<bool> lost_ = false;
+  CameraStack stack_;
+  const Observation watch_;
+};
+
+// Says what is missing for frames to arrive within the time-out, and returns the exit status.
+int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack);
+
+// Tells in words how `what` ended where it did not end well, and returns the exit status: kDone for done without an
+// error.
+int tellEnd(std::string_view what, Waited end, const std::optional<ZELError>& error, const Settings& settings);
+
+}  // namespace zel::app

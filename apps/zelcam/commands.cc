@@ -1,0 +1,86 @@
+// The one description of the program's commands.
+
+#include "apps/zelcam/call.h"
+#include "apps/zelcam/command.h"
+#include "apps/zelcam/devices.h"
+#include "apps/zelcam/events.h"
+#include "apps/zelcam/info.h"
+#include "apps/zelcam/monitor.h"
+#include "apps/zelcam/offset.h"
+#include "apps/zelcam/photo.h"
+#include "apps/zelcam/record.h"
+#include "apps/zelcam/sensors.h"
+#include "apps/zelcam/upload.h"
+
+namespace zel::app {
+namespace {
+
+std::vector<Command> allCommands() {
+  return {
+      {"devices",
+       "accessories present",
+       "zelcam devices --watch",
+       {},
+       {{"--watch", "", "report plugging and unplugging until stopped", Kind::flag}},
+       runDevices},
+      {"monitor",
+       "the link: status, frames and bytes a second, drops, clock",
+       "zelcam --json monitor --seconds 10",
+       {},
+       {{"--seconds", "S", "end that long after the first frame", Kind::number, 0, 1e9}},
+       runMonitor},
+      {"info",
+       "who the camera is and how it is: identity, battery, card, what is left",
+       "zelcam info",
+       {},
+       {},
+       runInfo},
+      {"call",
+       "any operation of the camera, by its C++ name",
+       "zelcam --json call msgReqSetAEEVBias -3",
+       {{"OPERATION", "the operation; see --list", false}, {"ARG", "its arguments, in order", false, true}},
+       sensorOptionsAnd({{"--list", "", "show every operation with its arguments", Kind::flag}}),
+       runCall},
+      {"events",
+       "camera events as they come",
+       "zelcam --json events --count 1",
+       {},
+       {{"--count", "N", "end after that many", Kind::integer, 1, 1e15}},
+       runEvents},
+      {"photo",
+       "takes a photo and saves it under the camera's name",
+       "zelcam photo -o pictures --bracket -2,0,2",
+       {},
+       sensorOptionsAnd({{"-o,--output", "DIR", "folder to save into; default: this one"},
+                         {"--bracket", "STEPS", "one picture an exposure step"}}),
+       runPhoto},
+      {"record",
+       "recording on the camera; stop tells the file",
+       "zelcam record start",
+       {{"ACTION", "start, stop or cancel", true, false, {"start", "stop", "cancel"}}},
+       sensorOptionsAnd({}),
+       runRecord},
+      {"upload",
+       "sends a file to the camera",
+       "zelcam upload firmware.bin --as /update/firmware.bin",
+       {{"FILE", "the file"}},
+       {{"--as", "PATH", "what the file shall be called there; default: its own name"},
+        {"--type", "N", "the camera's number for the kind of file; default: 0", Kind::integer, 0, 65535}},
+       runUpload},
+      {"offset",
+       "a lens offset's text as a record, and back",
+       "zelcam offset 2_745_760_760_0_0_0_745_2280_760_0_0_0_3040_1520_7",
+       {{"TEXT", "the offset's text", false}},
+       {{"--record", "HEX", "the record's 80 bytes, to be shown as text"}},
+       runOffset},
+  };
+}
+
+}  // namespace
+
+std::span<const Command> commands() {
+  static const std::vector<Command> all = allCommands();
+  return all;
+}
+
+}  // namespace zel::app

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <charconv>
+#include <concepts>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+namespace zel::app {
+
+// The number that the whole text stands for, in decimal; nothing where it is none or out of T's range.
+template <class T>
+requires std::integral<T> || std::floating_point<T> std::optional<T> numberIn(std::string_view text) {
+  T value{};
+  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (fault != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+}  // namespace zel::app

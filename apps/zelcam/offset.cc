@@ -1,0 +1,60 @@
+#include "apps/zelcam/offset.h"
+
+#include <ZELTarkaSDK/ZELMediaOffset.h>
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cstring>
+#include <string>
+
+#include "apps/zelcam/hex.h"
+#include "apps/zelcam/output.h"
+
+namespace zel::app {
+namespace {
+
+std::string recordHex(const ZELMediaOffset& record) {
+  std::array<std::uint8_t, sizeof(ZELMediaOffset)> bytes{};
+  std::memcpy(bytes.data(), &record, bytes.size());
+  return hexOf(bytes);
+}
+
+int show(const Settings& settings, const std::string& text, const std::string& record, const std::string& asked) {
+  if (settings.json) {
+    printJson({{"text", text}, {"record", record}});
+  } else {
+    printLine(asked);
+  }
+  return kDone;
+}
+
+int wrongUsage(const std::string& complaint) {
+  say("zelcam: offset: " + complaint);
+  return kWrongUsage;
+}
+
+}  // namespace
+
+int runOffset(const Invocation& invocation) {
+  const Values& values = invocation.values;
+  if (values.has("TEXT") == values.has("--record")) {
+    return wrongUsage("give either an offset's text or --record and a record in hexadecimal");
+  }
+  if (values.has("TEXT")) {
+    const std::string text = values.text("TEXT");
+    const std::string record = recordHex(getMediaOffsetFromOffset(text));
+    return show(invocation.settings, text, record, record);
+  }
+  const auto bytes = bytesIn(values.text("--record"));
+  if (!bytes || bytes->size() != sizeof(ZELMediaOffset)) {
+    return wrongUsage(fmt::format("a record is {} bytes as {} hexadecimal digits", sizeof(ZELMediaOffset),
+                                  2 * sizeof(ZELMediaOffset)));
+  }
+  ZELMediaOffset record;
+  std::memcpy(&record, bytes->data(), sizeof(record));
+  const std::string text = getOffsetFromZELMediaOffset(record);
+  return show(invocation.settings, text, recordHex(record), text);
+}
+
+}  // namespace zel::app

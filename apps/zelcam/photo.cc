@@ -1,0 +1,142 @@
+#include "apps/zelcam/photo.h"
+
+#include <ZELTarkaSDK/ZELCameraUCD.h>
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "apps/zelcam/answer.h"
+#include "apps/zelcam/bus.h"
+#include "apps/zelcam/camera_link.h"
+#include "apps/zelcam/file.h"
+#include "apps/zelcam/number_text.h"
+#include "apps/zelcam/output.h"
+#include "apps/zelcam/sensors.h"
+
+namespace zel::app {
+namespace {
+
+using Text = std::optional<std::string>;
+using Stored = Answer<std::optional<std::uint32_t>, std::optional<std::uint64_t>, Text>;
+using Photo = Answer<Text, std::optional<ZELData>>;
+using Series = Answer<std::vector<std::string>, std::shared_ptr<const ZELDataArray>>;
+
+// The exposure steps of a bracket. Errors: nothing.
+std::optional<aeb_info> bracketIn(std::string_view text) {
+  aeb_info bracket;
+  std::uint8_t count = 0;
+  for (bool more = true; more; ++count) {
+    const std::size_t end = text.find(',');
+    const auto step = numberIn<std::int8_t>(text.substr(0, end));
+    if (!step || count == bracket.steps.size()) return std::nullopt;
+    bracket.steps[count] = *step;
+    more = end != std::string_view::npos;
+    if (more) text.remove_prefix(end + 1);
+  }
+  bracket.count = count;
+  return bracket;
+}
+
+// One photo or bracket: asks for it, waits for the camera's word and for the pictures, and saves them.
+class Shot {
+ public:
+  Shot(CameraLink& link, const Invocation& invocation) : link_(link), invocation_(invocation) {}
+
+  int single(const Sensors& sensors) {
+    const auto photo = std::make_shared<Photo>();
+    ZELCameraUCD& ucd = link_.stack().ucd();
+    const ZELCameraUCD::CaptureBlock stored = keepIn(stored_, link_.platform());
+    const ZELPhotoBlock photoData = keepIn(photo, link_.platform());
+    if (sensors.extra) {
+      ucd.newMsgCmdShutterExtraWithGps(sensors.gps, sensors.gyro, sensors.orientation, sensors.extra, stored,
+                                       photoData);
+    } else {
+      ucd.newMsgCmdShutterWithGps(sensors.gps, sensors.gyro, sensors.orientation, stored, photoData);
+    }
+    if (const int status = waitFor(*stored_, "photo"); status != kDone) return status;
+    if (const int status = waitFor(*photo, "the picture"); status != kDone) return status;
+    const auto& [name, picture] = photo->values;
+    return save(name.value_or(nameOfStored()), picture.value_or(ZELData()), std::nullopt);
+  }
+
+  int bracket(const Sensors& sensors, const aeb_info& steps) {
+    const auto series = std::make_shared<Series>();
+    link_.stack().ucd().newMsgCmdShutterAEBWithGps(sensors.gps, sensors.gyro, sensors.orientation, steps, sensors.extra,
+                                                   keepIn(stored_, link_.platform()), keepIn(series, link_.platform()));
+    if (const int status = waitFor(*stored_, "photo"); status != kDone) return status;
+    if (const int status = waitFor(*series, "the pictures"); status != kDone) return status;
+    const auto& [names, pictures] = series->values;
+    int status = kDone;
+    for (std::size_t i = 0; i < names.size() && i < steps.count && status == kDone; ++i) {
+      status = save(names[i].empty() ? nameOfStored() : names[i], pictures->at(i), steps.steps[i]);
+    }
+    return status;
+  }
+
+ private:
+  template <class Any>
+  int waitFor(const Any& answer, std::string_view what) {
+    const double timeout = invocation_.settings.timeout;
+    const Waited end = link_.waitFor([&answer] { return answer.done; }, timeout);
+    return tellEnd(what, end, answer.error, invocation_.settings);
+  }
+
+  std::string nameOfStored() const { return std::get<2>(stored_->values).value_or(""); }
+
+  int save(const std::string& name, const ZELData& picture, std::optional<int> step) const {
+    const std::string folder = invocation_.values.has("--output") ? invocation_.values.text("--output") : ".";
+    std::string fault;
+    const auto path = saveFile(folder, plainFileName(name, "photo.jpg"), picture.bytes(), fault);
+    if (!path) {
+      say("zelcam: photo: " + fault);
+      return kRefused;
+    }
+    if (!invocation_.settings.json) {
+      printLine(*path);
+      return kDone;
+    }
+    const auto& [time, size, storedName] = stored_->values;
+    nlohmann::ordered_json object = {{"photo", *path}, {"name", name}, {"bytes", picture.size()}};
+    if (step) object["step"] = *step;
+    object["fileTime"] = time.value_or(0);
+    object["FileSize"] = size.value_or(0);
+    object["fileName"] = storedName ? nlohmann::ordered_json(*storedName) : nlohmann::ordered_json();
+    printJson(object);
+    return kDone;
+  }
+
+  CameraLink& link_;
+  const Invocation& invocation_;
+  const std::shared_ptr<Stored> stored_ = std::make_shared<Stored>();
+};
+
+int wrongUsage(const std::string& complaint) {
+  say("zelcam: photo: " + complaint);
+  return kWrongUsage;
+}
+
+}  // namespace
+
+int runPhoto(const Invocation& invocation) {
+  const Values& values = invocation.values;
+  std::string complaint;
+  const auto sensors = sensorsIn(values, complaint);
+  if (!sensors) return wrongUsage(complaint);
+  std::optional<aeb_info> bracket;
+  if (values.has("--bracket") && !(bracket = bracketIn(values.text("--bracket")))) {
+    return wrongUsage("--bracket takes 1 to 9 exposure steps from -128 to 127 with commas between them");
+  }
+  Bus bus(invocation.settings);
+  if (!bus.isThere()) return kNoCamera;
+  CameraLink link(bus.platform(), invocation.settings);
+  if (const int status = link.open(); status != kDone) return status;
+  Shot shot(link, invocation);
+  return bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);
+}
+
+}  // namespace zel::app
