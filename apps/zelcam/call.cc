@@ -57,9 +57,9 @@ ReadyCall prepared(const Values& values, const Operation*& operation, std::strin
     return nullptr;
   }
   if (arguments.size() != operation->arguments.size()) {
-    complaint =
-        fmt::format("{} takes {} arguments{}{}, not {}", name, operation->arguments.size(),
-                    operation->arguments.empty() ? "" : ": ", fmt::join(operation->arguments, " "), arguments.size());
+    const std::string takes =
+        operation->arguments.empty() ? "no arguments" : fmt::format("{}", fmt::join(operation->arguments, " "));
+    complaint = fmt::format("{} takes {}; {} were given", name, takes, arguments.size());
     return nullptr;
   }
   auto sensors = sensorsIn(values, complaint);
