@@ -10,4 +10,5 @@
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 #include <asio/buffer.hpp>
 #include <asio/local/stream_protocol.hpp>
+#include <asio/thread_pool.hpp>
 #pragma GCC diagnostic pop

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "simulator/camera_answers.h"
+
 namespace zel::simulator {
 namespace {
 
 constexpr std::size_t kQueueForMedia = 1024 * 1024;     // bytes waiting, above which a picture is dropped
 constexpr std::size_t kQueueForAll = 64 * 1024 * 1024;  // a host that asks and never reads is let go
-constexpr int kFirmwareWithClock = 190;
+constexpr double kHeartbeat = 0.5;                      // seconds
+constexpr std::size_t kPhoneTime = 8;                   // bytes, which the camera has no use for
 constexpr int kPicturesBeforeFault = 20;
 
 std::chrono::steady_clock::duration steady(double seconds) {
@@ -20,7 +23,7 @@ std::chrono::steady_clock::duration steady(double seconds) {
 CameraConnection::CameraConnection(Socket socket, ConnectionSetup setup)
     : socket_(std::move(socket)),
       setup_(std::move(setup)),
-      source_(setup_.resolution, setup_.seed),
+      source_(setup_.camera->resolution(), setup_.seed),
       random_(setup_.seed) {}
 
 void CameraConnection::start() {
@@ -49,21 +52,27 @@ void CameraConnection::receive() {
                           [self = shared_from_this()](asio::error_code error, std::size_t size) {
                             if (error || self->closed_) return self->close();
                             self->requests_.append({self->received_.data(), size});
-                            while (const auto request = self->requests_.next()) self->answer(*request);
+                            while (auto frame = self->requests_.next()) self->take(std::move(*frame));
                             if (self->requests_.fault().empty()) return self->receive();
                             self->setup_.warn(self->requests_.fault() + "; the connection is closed");
                             self->close();
                           });
 }
 
+void CameraConnection::take(HostFrame frame) {
+  if (closed_) return;
+  if (const auto* request = std::get_if<HostMessage>(&frame)) return answer(*request);
+  setup_.camera->take(shared_from_this(), std::get<HostFile>(std::move(frame)));
+}
+
 void CameraConnection::answer(const HostMessage& request) {
   setup_.requestSeen();
   const Faults& faults = *setup_.faults;
   if (faults.noReply.contains(request.code)) return;
-  if (faults.refuse.contains(request.code)) return reply(request.code, {0});
+  if (faults.refuse.contains(request.code)) return reply(request.code, refusal(request.code));
   if (request.code == kSyncData) return answerSyncData(request);
-  if (request.code == kSyncTime && setup_.firmware >= kFirmwareWithClock) return answerSyncTime();
-  reply(request.code, {0});  // a request that this camera does not know is refused
+  if (request.code == kSyncTime && setup_.firmware >= kFirmwareWithClock) return answerSyncTime(request);
+  setup_.camera->answer(shared_from_this(), request);
 }
 
 void CameraConnection::answerSyncData(const HostMessage& request) {
@@ -79,11 +88,12 @@ void CameraConnection::answerSyncData(const HostMessage& request) {
 }
 
 // The camera counts its media time from here, so that the host's offset is the moment of this exchange.
-void CameraConnection::answerSyncTime() {
+void CameraConnection::answerSyncTime(const HostMessage& request) {
+  if (request.body.size() != kPhoneTime) return reply(kSyncTime, refusal(kSyncTime));
   clockStart_ = Clock::now();
   const auto answerNow = [this] {
     Bytes body;
-    put(body, static_cast<std::uint64_t>(cameraTime()));
+    put(body, static_cast<std::uint64_t>(mediaTime()));
     reply(kSyncTime, std::move(body));
   };
   if (setup_.faults->slowSync == 0) return answerNow();
@@ -91,18 +101,29 @@ void CameraConnection::answerSyncTime() {
 }
 
 void CameraConnection::reply(std::uint16_t code, Bytes body) {
-  if (setup_.faults->shortReply) body.clear();
-  const Bytes whole = message(code | kReplyBit, body);
-  send(whole);
-  if (setup_.faults->duplicateReply) send(whole);
+  const auto late = setup_.faults->lateReply.find(code);
+  if (late == setup_.faults->lateReply.end()) return sendReply(code, body);
+  wait(std::chrono::milliseconds(late->second), [this, code, body = std::move(body)] { sendReply(code, body); });
 }
 
-std::int64_t CameraConnection::cameraTime() const {
+void CameraConnection::sendReply(std::uint16_t code, const Bytes& body) {
+  const Bytes whole = message(code | kReplyBit, setup_.faults->shortReply.contains(code) ? Bytes() : body);
+  send(whole);
+  if (setup_.faults->duplicateReply.contains(code)) send(whole);
+}
+
+void CameraConnection::startPreview(int resolution) {
+  source_.setCode(resolution);
+  previewing_ = true;
+}
+
+std::int64_t CameraConnection::mediaTime() const {
   return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - clockStart_).count();
 }
 
 void CameraConnection::sendPictureEverySoOften() {
-  nextPicture_ = std::max(nextPicture_ + steady(source_.secondsPerPicture()), Clock::now());
+  const double seconds = previewing_ ? source_.secondsPerPicture() : kHeartbeat;
+  nextPicture_ = std::max(nextPicture_ + steady(seconds), Clock::now());
   wait(nextPicture_ - Clock::now(), [this] {
     sendPicture();
     sendPictureEverySoOften();
@@ -111,8 +132,9 @@ void CameraConnection::sendPictureEverySoOften() {
 
 void CameraConnection::sendPicture() {
   if (queued_ > kQueueForMedia) return;
+  if (!previewing_) return send(source_.heartbeat(mediaTime()));
   ++pictures_;
-  send(source_.nextPicture(cameraTime(), setup_.firmware >= kFirmwareWithClock));
+  send(source_.nextPicture(mediaTime(), setup_.firmware >= kFirmwareWithClock));
   if (setup_.faults->unknownTypes) send(source_.unknownFrame());
   if (markerSent_ && pictures_ >= kPicturesBeforeFault) sendImpossibleLengths();
 }

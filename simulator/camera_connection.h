@@ -9,9 +9,11 @@
 #include <random>
 
 #include "simulator/asio.h"
+#include "simulator/camera_world.h"
 #include "simulator/faults.h"
 #include "simulator/frame_source.h"
 #include "simulator/host_frames.h"
+#include "simulator/simulated_camera.h"
 #include "simulator/wire.h"
 
 namespace zel::simulator {
@@ -19,8 +21,8 @@ namespace zel::simulator {
 // What all connections of one simulator share.
 struct ConnectionSetup {
   int firmware = 192;
-  int resolution = 3;
   std::uint64_t seed = 1;
+  SimulatedCamera* camera = nullptr;
   Faults* faults = nullptr;           // the counted ones are spent
   std::function<void()> requestSeen;  // for every message of the host
   std::function<void()> unplug;       // asked for by a fault
@@ -29,9 +31,9 @@ struct ConnectionSetup {
 };
 
 // The camera's end of one connection: sends its preview from the moment it is connected, beginning inside a frame, and
-// answers the host's messages. Media is dropped while the host does not read; answers are not. Thread: that of the
-// io_context.
-class CameraConnection : public std::enable_shared_from_this<CameraConnection> {
+// brings the host's requests to the camera. Media is dropped while the host does not read; answers are not. While the
+// preview is stopped, a time stamp now and then shows that the camera is there. Thread: that of the io_context.
+class CameraConnection final : public HostLink, public std::enable_shared_from_this<CameraConnection> {
  public:
   using Socket = asio::local::stream_protocol::socket;
 
@@ -44,23 +46,28 @@ class CameraConnection : public std::enable_shared_from_this<CameraConnection> {
 
   std::uint64_t bytesSent() const { return bytesSent_; }
 
+  void reply(std::uint16_t code, Bytes body) override;
+  void send(Bytes frame) override;
+  void startPreview(int resolution) override;
+  void stopPreview() override { previewing_ = false; }
+  std::int64_t mediaTime() const override;
+
  private:
   using Clock = std::chrono::steady_clock;
 
   void receive();
+  void take(HostFrame frame);
   void answer(const HostMessage& request);
   void answerSyncData(const HostMessage& request);
-  void answerSyncTime();
-  void reply(std::uint16_t code, Bytes body);
+  void answerSyncTime(const HostMessage& request);
+  void sendReply(std::uint16_t code, const Bytes& body);
   void sendPictureEverySoOften();
   void sendPicture();
   void sendImpossibleLengths();
   void stallEverySoOften();
-  void send(Bytes bytes);
   void write();
   std::size_t nextPiece();
   void wait(Clock::duration time, std::function<void()> then);
-  std::int64_t cameraTime() const;
 
   Socket socket_;
   const ConnectionSetup setup_;
@@ -75,6 +82,7 @@ class CameraConnection : public std::enable_shared_from_this<CameraConnection> {
   bool writing_ = false;
   bool markerSent_ = false;
   bool closed_ = false;
+  bool previewing_ = true;
   int pictures_ = 0;
   Clock::time_point silentUntil_ = Clock::time_point::min();
   Clock::time_point clockStart_ = Clock::now();

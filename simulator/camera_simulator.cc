@@ -11,6 +11,9 @@
 
 #include "simulator/asio.h"
 #include "simulator/camera_connection.h"
+#include "simulator/event_lines.h"
+#include "simulator/simulated_camera.h"
+#include "simulator/storage.h"
 
 namespace zel::simulator {
 namespace {
@@ -20,6 +23,16 @@ using Protocol = asio::local::stream_protocol;
 constexpr std::chrono::seconds kBackAfterDisconnect{1};
 constexpr std::chrono::milliseconds kStormPause{50};
 
+CameraStart startOf(const SimulatorOptions& options) {
+  CameraStart start;
+  start.serial = options.identity.serial;
+  start.firmware = options.identity.firmware;
+  start.resolution = options.resolution;
+  if (options.cardSize != 0) start.cardSize = options.cardSize;
+  start.now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  return start;
+}
+
 std::string makeSocketFolder() {
   std::string pattern = "/tmp/zelcam-sim-XXXXXX";
   return mkdtemp(pattern.data()) != nullptr ? pattern : std::string();
@@ -28,23 +41,33 @@ std::string makeSocketFolder() {
 }  // namespace
 
 // Everything is touched on the simulator's own thread; what others ask for is posted to it.
-struct CameraSimulator::State : std::enable_shared_from_this<State> {
+struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<State> {
   explicit State(SimulatorOptions given)
-      : options(std::move(given)), publisher(options.accessoriesFolder, options.identity) {}
+      : options(std::move(given)),
+        publisher(options.accessoriesFolder, options.identity),
+        storage(options.storage),
+        camera(*this, startOf(options), storage, options.faults) {}
 
   bool open(std::string& error);
   void plug();
-  void unplug();
+  void unplug() override;
+  void restart() override;
   void accept();
   void serve(Protocol::socket socket);
   void connectionClosed();
   void storm();
-  void later(std::chrono::milliseconds time, std::function<void()> then);
+  std::chrono::milliseconds uptime() const override;
+  void later(std::chrono::milliseconds time, std::function<void()> then) override;
+  void onWorker(std::function<std::function<void()>()> job) override;
+  void tellHost(Bytes frame) override;
   void end();
   void cleanUp();
 
   SimulatorOptions options;
   AccessoryPublisher publisher;
+  Storage storage;
+  SimulatedCamera camera;
+  asio::thread_pool worker{1};
   std::string folder;
   std::string socketPath;
   // Both go when the thread has ended: what still waits in the context holds this state.
@@ -63,6 +86,10 @@ struct CameraSimulator::State : std::enable_shared_from_this<State> {
 bool CameraSimulator::State::open(std::string& error) {
   if (!publisher.ok()) {
     error = publisher.error();
+    return false;
+  }
+  if (!storage.ok()) {
+    error = "the storage folder " + options.storage + " cannot be made";
     return false;
   }
   folder = makeSocketFolder();
@@ -107,18 +134,36 @@ void CameraSimulator::State::serve(Protocol::socket socket) {
   ++connections;
   ConnectionSetup setup;
   setup.firmware = options.identity.firmware;
-  setup.resolution = options.resolution;
+  setup.camera = &camera;
   setup.seed = options.seed;
   setup.faults = &options.faults;
   setup.requestSeen = [this] { ++requests; };
   setup.closed = [this] { connectionClosed(); };
   setup.warn = options.warn;
-  setup.unplug = [this] {
-    unplug();
-    later(kBackAfterDisconnect, [this] { plug(); });
-  };
+  setup.unplug = [this] { restart(); };
   connection = std::make_shared<CameraConnection>(std::move(socket), std::move(setup));
   connection->start();
+}
+
+void CameraSimulator::State::restart() {
+  unplug();
+  later(kBackAfterDisconnect, [this] { plug(); });
+}
+
+std::chrono::milliseconds CameraSimulator::State::uptime() const {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void CameraSimulator::State::onWorker(std::function<std::function<void()>()> job) {
+  asio::post(worker, [this, job = std::move(job)]() mutable {
+    auto done = job();
+    job = nullptr;
+    asio::post(*context, std::move(done));
+  });
+}
+
+void CameraSimulator::State::tellHost(Bytes frame) {
+  if (connection) connection->send(std::move(frame));
 }
 
 void CameraSimulator::State::connectionClosed() {
@@ -150,6 +195,7 @@ void CameraSimulator::State::end() {
 void CameraSimulator::State::cleanUp() {
   publisher.withdraw();
   connection = nullptr;
+  storage.end();
   if (folder.empty()) return;
   unlink(socketPath.c_str());
   rmdir(folder.c_str());
@@ -170,10 +216,13 @@ bool CameraSimulator::start(std::string& error) {
     state_->cleanUp();
     return false;
   }
+  state_->camera.start();
   state_->storm();
   state_->thread = std::thread([state = state_.get()] {
     const auto work = asio::make_work_guard(*state->context);
     state->context->run();
+    state->worker.stop();
+    state->worker.join();
     state->cleanUp();
   });
   return true;
@@ -212,6 +261,18 @@ void CameraSimulator::beSilent(double seconds) {
   });
 }
 
+bool CameraSimulator::tell(const std::string& line, std::string& error) {
+  const CameraHappening happening = readEventLine(line, error);
+  if (!happening) return false;
+  post([happening](State& state) { happening(state.camera); });
+  return true;
+}
+
+void CameraSimulator::sendEvent(std::uint16_t code, std::vector<std::uint8_t> body) {
+  post([whole = message(code, body)](State& state) { state.tellHost(whole); });
+}
+
+std::string CameraSimulator::storageFolder() const { return state_->storage.folder().string(); }
 std::string CameraSimulator::accessoryFile() const { return state_->publisher.file(); }
 int CameraSimulator::connections() const { return state_->connections.load(); }
 int CameraSimulator::requests() const { return state_->requests.load(); }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "simulator/accessory_publisher.h"
 #include "simulator/faults.h"
@@ -14,7 +15,9 @@ namespace zel::simulator {
 struct SimulatorOptions {
   std::string accessoriesFolder;  // empty: the bus's default
   Identity identity;
-  int resolution = 3;  // preview resolution code, 0 to 15
+  int resolution = 3;          // preview resolution code, 0 to 15
+  std::string storage;         // the folder of uploaded files; empty: one of its own, which ends with it
+  std::uint64_t cardSize = 0;  // bytes; 0: the usual card
   std::uint64_t seed = 1;
   Faults faults;
   bool once = false;                             // ends after the first connection has ended
@@ -47,8 +50,16 @@ class CameraSimulator {
   // No byte is sent for that long.
   void beSilent(double seconds);
 
-  // The accessory's file.
+  // Makes something happen to the camera, by a line as "battery 1 40"; kEventHelp of event_lines.h has them all.
+  // Errors: false; `error` then says what is wrong.
+  bool tell(const std::string& line, std::string& error);
+
+  // The camera says something unasked: a message of that code. To the host that is connected, else to nobody.
+  void sendEvent(std::uint16_t code, std::vector<std::uint8_t> body);
+
+  // The accessory's file; the folder of uploaded files, once started.
   std::string accessoryFile() const;
+  std::string storageFolder() const;
 
   int connections() const;
   int requests() const;

@@ -1,8 +1,8 @@
 #include "simulator/faults.h"
 
-#include <charconv>
 #include <functional>
-#include <map>
+
+#include "simulator/numbers.h"
 
 namespace zel::simulator {
 
@@ -19,26 +19,35 @@ const char kFaultHelp[] = R"(Faults:
   slow-sync[=MS]             clock replies MS milliseconds late (50)
   no-reply=CODE              requests of that code, as 0x402E, are not answered
   refuse=CODE                requests of that code are refused
-  duplicate-reply            every reply comes twice
-  short-reply                replies come without their body
+  duplicate-reply[=CODE]     replies come twice: of that request, or all
+  short-reply[=CODE]         replies come without their body: of that request, or all
+  late-reply=CODE/MS         replies to that request come MS milliseconds late, past others
+  no-photo                   photos are announced by the reply, but never come
+  short-photo                photo frames end after the 64 bytes of the name
+  upload-fail                files are refused
 )";
 
 namespace {
 
-template <class T>
-bool readNumber(const std::string& text, T least, T most, T& value) {
-  const char* const end = text.data() + text.size();
-  const auto read = std::from_chars(text.data(), end, value);
-  return read.ec == std::errc() && read.ptr == end && value >= least && value <= most;
+bool readInto(const std::string& text, std::set<std::uint16_t>& codes) {
+  std::uint16_t code = 0;
+  if (!readCode(text, code)) return false;
+  codes.insert(code);
+  return true;
 }
 
-bool readCode(const std::string& text, std::set<std::uint16_t>& codes) {
-  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-  const std::string digits = hexadecimal ? text.substr(2) : text;
+bool readInto(const std::string& text, CodeSet& set) {
+  set.all = set.all || text.empty();
+  return text.empty() || readInto(text, set.codes);
+}
+
+bool readLate(const std::string& text, std::map<std::uint16_t, int>& late) {
+  const std::size_t slash = text.find('/');
   std::uint16_t code = 0;
-  const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), code, hexadecimal ? 16 : 10);
-  if (digits.empty() || read.ec != std::errc() || read.ptr != digits.data() + digits.size()) return false;
-  codes.insert(code);
+  int time = 0;
+  if (slash == std::string::npos || !readCode(text.substr(0, slash), code)) return false;
+  if (!readNumber(text.substr(slash + 1), 1, 3'600'000, time)) return false;
+  late[code] = time;
   return true;
 }
 
@@ -76,10 +85,14 @@ bool Faults::add(const std::string& spec, std::string& error) {
       {"disconnect", [this](const auto& v) { return readNumber<std::uint64_t>(v, 1, UINT64_MAX, disconnect); }},
       {"storm", [this](const auto& v) { return readOptional(v, 20, 1'000'000, storm); }},
       {"slow-sync", [this](const auto& v) { return readOptional(v, 50, 3'600'000, slowSync); }},
-      {"no-reply", [this](const auto& v) { return readCode(v, noReply); }},
-      {"refuse", [this](const auto& v) { return readCode(v, refuse); }},
-      {"duplicate-reply", [this](const auto& v) { return readSwitch(v, duplicateReply); }},
-      {"short-reply", [this](const auto& v) { return readSwitch(v, shortReply); }},
+      {"no-reply", [this](const auto& v) { return readInto(v, noReply); }},
+      {"refuse", [this](const auto& v) { return readInto(v, refuse); }},
+      {"duplicate-reply", [this](const auto& v) { return readInto(v, duplicateReply); }},
+      {"short-reply", [this](const auto& v) { return readInto(v, shortReply); }},
+      {"late-reply", [this](const auto& v) { return readLate(v, lateReply); }},
+      {"no-photo", [this](const auto& v) { return readSwitch(v, noPhoto); }},
+      {"short-photo", [this](const auto& v) { return readSwitch(v, shortPhoto); }},
+      {"upload-fail", [this](const auto& v) { return readSwitch(v, uploadFail); }},
   };
   const std::size_t equals = spec.find('=');
   const auto reader = readers.find(spec.substr(0, equals));

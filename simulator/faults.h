@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -11,6 +12,14 @@ namespace zel::simulator {
 struct Stall {
   double seconds = 3.5;
   double every = 10;
+};
+
+// Requests by their codes, or all of them.
+struct CodeSet {
+  bool all = false;
+  std::set<std::uint16_t> codes;
+
+  bool contains(std::uint16_t code) const { return all || codes.contains(code); }
 };
 
 // What goes wrong on purpose.
@@ -27,8 +36,12 @@ struct Faults {
   int slowSync = 0;                 // milliseconds before a clock reply
   std::set<std::uint16_t> noReply;  // request codes that are never answered
   std::set<std::uint16_t> refuse;   // request codes that are refused
-  bool duplicateReply = false;
-  bool shortReply = false;  // replies lose their body
+  CodeSet duplicateReply;
+  CodeSet shortReply;                      // replies lose their body
+  std::map<std::uint16_t, int> lateReply;  // milliseconds, by request code
+  bool noPhoto = false;                    // a photo is announced and never comes
+  bool shortPhoto = false;                 // photo frames end after the name
+  bool uploadFail = false;                 // files are refused
 
   // Adds one fault as the command line has it, NAME or NAME=VALUE.
   // Errors: false; `error` then says what is wrong.

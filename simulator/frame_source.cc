@@ -12,8 +12,6 @@ Bytes timestamp(std::uint8_t stream, std::int64_t cameraTime) {
   return frame(kTimestamp, payload);
 }
 
-void add(Bytes& into, const Bytes& more) { into.insert(into.end(), more.begin(), more.end()); }
-
 }  // namespace
 
 double FrameSource::secondsPerPicture() const { return 1.0 / kRates[code_ % 4]; }
@@ -27,6 +25,8 @@ Bytes FrameSource::nextPicture(std::int64_t cameraTime, bool withTimestamps) {
   add(frames, frame(kAudio, noise(300, 400)));
   return frames;
 }
+
+Bytes FrameSource::heartbeat(std::int64_t cameraTime) const { return timestamp(0, cameraTime); }
 
 Bytes FrameSource::unknownFrame() {
   constexpr std::uint16_t kUnknown[] = {0, 5, 6, 10, 99, 0xFFFF};

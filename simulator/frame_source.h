@@ -15,9 +15,14 @@ class FrameSource {
 
   double secondsPerPicture() const;
 
+  void setCode(int code) { code_ = code; }
+
   // Frames of the next picture: a time stamp and video, then a time stamp and audio. The bytes are noise of the size
   // that real ones have. cameraTime in milliseconds.
   Bytes nextPicture(std::int64_t cameraTime, bool withTimestamps);
+
+  // What shows that the camera is there while it sends no pictures.
+  Bytes heartbeat(std::int64_t cameraTime) const;
 
   // A frame whose data type nobody knows.
   Bytes unknownFrame();
@@ -25,7 +30,7 @@ class FrameSource {
  private:
   Bytes noise(std::size_t least, std::size_t most);
 
-  const int code_;
+  int code_;
   std::mt19937_64 random_;
 };
 

@@ -1,13 +1,18 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <span>
 #include <string>
+#include <variant>
 
 #include "simulator/wire.h"
 
 namespace zel::simulator {
+
+inline constexpr std::size_t kLargestFile = 256u * 1024 * 1024;  // that a host may send
 
 // One request of the host.
 struct HostMessage {
@@ -15,19 +20,35 @@ struct HostMessage {
   Bytes body;
 };
 
-// Cuts what the host sends into messages, whatever the chunks. Frames of other data types are skipped.
+// A file that the host sends: file type, reserved, 64 bytes of path, the file's bytes. Nothing of it is checked yet.
+struct HostFile {
+  Bytes payload;
+};
+
+using HostFrame = std::variant<HostMessage, HostFile>;
+
+// Cuts what the host sends into frames, whatever the chunks. Frames of other data types are skipped.
 class HostFrames {
  public:
+  // Every byte is copied once or twice, however large its frame; what a frame claims to be is not reserved for it.
   void append(std::span<const std::uint8_t> bytes);
 
-  // The next whole message; nullopt when more bytes are needed, or after a fault.
-  std::optional<HostMessage> next();
+  // The next whole frame; nullopt when more bytes are needed, or after a fault.
+  std::optional<HostFrame> next();
 
-  // What is wrong with the stream; empty while it is well.
+  // What is wrong with the stream; empty while it is well. What comes after it is not read.
   const std::string& fault() const { return fault_; }
 
  private:
-  Bytes held_;
+  std::size_t takeHeader(std::span<const std::uint8_t> bytes);
+  std::size_t takePayload(std::span<const std::uint8_t> bytes);
+  void beginPayload();
+  void endFrame();
+
+  Bytes header_;
+  Bytes payload_;
+  std::size_t left_ = 0;  // of the payload
+  std::deque<HostFrame> ready_;
   std::string fault_;
 };
 

@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "simulator/camera_simulator.h"
+#include "simulator/event_lines.h"
+#include "simulator/numbers.h"
 
 namespace {
 
@@ -27,17 +29,33 @@ void blockSignals(sigset_t& signals) {
   std::signal(SIGPIPE, SIG_IGN);
 }
 
+constexpr char kCommandHelp[] = R"(Commands on standard input:
+  plug, unplug               the accessory is attached, detached
+  silence SECONDS            no byte is sent for that long
+  help                       this list
+  quit                       ends the simulator
+)";
+
+void beSilent(CameraSimulator& simulator, const std::string& text) {
+  double seconds = 0;
+  if (zel::simulator::readNumber(text, 0.0, 86400.0, seconds)) return simulator.beSilent(seconds);
+  std::cerr << "zelcam-sim: \"" << text << "\" is no number of seconds up to a day\n";
+}
+
 // One line of standard input. False when the simulator is to end.
 bool obey(CameraSimulator& simulator, const std::string& line) {
+  std::string error;
   if (line == "quit") return false;
   if (line == "plug") {
     simulator.plug();
   } else if (line == "unplug") {
     simulator.unplug();
   } else if (line.starts_with("silence ")) {
-    simulator.beSilent(std::strtod(line.c_str() + 8, nullptr));
-  } else if (!line.empty()) {
-    std::cerr << "zelcam-sim: unknown command \"" << line << "\"; known are plug, unplug, silence SECONDS, quit\n";
+    beSilent(simulator, line.substr(8));
+  } else if (line == "help") {
+    std::cerr << kCommandHelp << zel::simulator::kEventHelp;
+  } else if (!line.empty() && !simulator.tell(line, error)) {
+    std::cerr << "zelcam-sim: " << error << "; \"help\" lists what is known\n";
   }
   return true;
 }
@@ -78,7 +96,7 @@ int main(int argc, char** argv) {
   SimulatorOptions options;
   std::vector<std::string> faults;
   CLI::App app("A simulated 360-degree camera on the accessory bus.", "zelcam-sim");
-  app.footer(zel::simulator::kFaultHelp);
+  app.footer(std::string(zel::simulator::kFaultHelp) + '\n' + kCommandHelp + '\n' + zel::simulator::kEventHelp);
   app.add_option("--accessories", options.accessoriesFolder, "folder of the accessory bus");
   app.add_option("--name", options.identity.name, "the accessory's name");
   app.add_option("--serial", options.identity.serial, "its serial number")->check([](const std::string& serial) {
@@ -86,6 +104,7 @@ int main(int argc, char** argv) {
   });
   app.add_option("--firmware", options.identity.firmware, "firmware number")->check(CLI::Range(0, 999999));
   app.add_option("--resolution", options.resolution, "preview resolution code")->check(CLI::Range(0, 15));
+  app.add_option("--storage", options.storage, "folder of the files that the host sends (a temporary one)");
   app.add_option("--seed", options.seed, "what is random comes out of it");
   app.add_option("--fault", faults, "what goes wrong on purpose, may be repeated")->allow_extra_args(false);
   app.add_flag("--once", options.once, "end after the first connection has ended");

@@ -3,6 +3,8 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <span>
+#include <string>
 #include <vector>
 
 // The camera's side of the wire. It is written apart from the framework's, so that one mistake cannot hide in both.
@@ -11,7 +13,7 @@ namespace zel::simulator {
 
 using Bytes = std::vector<std::uint8_t>;
 
-inline constexpr std::uint16_t kVideo = 1, kAudio = 2, kMessage = 4, kTimestamp = 8;
+inline constexpr std::uint16_t kVideo = 1, kAudio = 2, kPhoto = 3, kMessage = 4, kTimestamp = 8, kFile = 9;
 inline constexpr std::uint16_t kSyncData = 0x402E, kSyncTime = 0x4049;
 inline constexpr std::uint16_t kReplyBit = 0x8000;
 inline constexpr std::uint8_t kMarkerBytes[] = {0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA};
@@ -22,12 +24,38 @@ void put(Bytes& into, T value) {
     into.push_back(static_cast<std::uint8_t>(value >> shift));
 }
 
+// The number at a place whose bytes are there, little-endian.
+template <std::unsigned_integral T>
+T numberAt(std::span<const std::uint8_t> bytes, std::size_t at) {
+  std::uint64_t value = 0;
+  for (std::size_t i = sizeof(T); i > 0; --i) value = (value << 8) | bytes[at + i - 1];
+  return static_cast<T>(value);
+}
+
+inline Bytes copyOf(std::span<const std::uint8_t> bytes) { return {bytes.begin(), bytes.end()}; }
+
+inline void add(Bytes& into, std::span<const std::uint8_t> more) { into.insert(into.end(), more.begin(), more.end()); }
+
+// A field's text: up to the first zero byte, or all of it.
+inline std::string textIn(std::span<const std::uint8_t> field) {
+  std::string text;
+  for (std::size_t i = 0; i < field.size() && field[i] != 0; ++i) text += static_cast<char>(field[i]);
+  return text;
+}
+
+// Text as a field of that many bytes: zeros behind it, or cut.
+inline Bytes textField(const std::string& text, std::size_t size) {
+  Bytes field(text.begin(), text.end());
+  field.resize(size);
+  return field;
+}
+
 // A whole frame: length with its own six header bytes, data type, payload.
 inline Bytes frame(std::uint16_t type, const Bytes& payload) {
   Bytes whole;
   put(whole, static_cast<std::uint32_t>(6 + payload.size()));
   put(whole, type);
-  whole.insert(whole.end(), payload.begin(), payload.end());
+  add(whole, payload);
   return whole;
 }
 
@@ -35,7 +63,7 @@ inline Bytes frame(std::uint16_t type, const Bytes& payload) {
 inline Bytes message(std::uint16_t code, const Bytes& body) {
   Bytes payload;
   put(payload, code);
-  payload.insert(payload.end(), body.begin(), body.end());
+  add(payload, body);
   return frame(kMessage, payload);
 }
 

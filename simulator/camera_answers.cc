@@ -1,0 +1,208 @@
+#include "simulator/camera_answers.h"
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+
+#include "simulator/text_file.h"
+
+namespace zel::simulator {
+namespace {
+
+constexpr std::size_t kNameField = 64, kLongestName = 255, kAnySize = SIZE_MAX;
+constexpr std::uint8_t kHighestResolution = 15;
+constexpr std::uint32_t kLensIndex = 1;
+constexpr std::uint32_t kExposureIndexAtZero = 12;
+
+const Bytes kDone = {1};
+const Bytes kRefused = {0};
+
+Bytes flag(bool done) { return done ? kDone : kRefused; }
+
+Bytes flagged(std::span<const std::uint8_t> value) {
+  Bytes body = kDone;
+  add(body, value);
+  return body;
+}
+
+Bytes flaggedIfAny(const std::optional<Bytes>& value) { return value ? flagged(*value) : kRefused; }
+
+template <std::unsigned_integral T>
+Bytes flaggedNumber(T number) {
+  Bytes body = kDone;
+  put(body, number);
+  return body;
+}
+
+Bytes textBytes(const std::string& text) { return {text.begin(), text.end()}; }
+
+LensRecords::Key lensKey(const Bytes& body) { return {body[0], body[1]}; }
+
+Bytes setResolution(CameraState& state, const Bytes& body) {
+  if (body[0] <= kHighestResolution) state.modes.recording = body[0];
+  return {state.modes.recording};
+}
+
+Bytes setVideoRate(CameraState& state, const Bytes& body) {
+  if (body[1] != 0) state.modes.videoRate = body[1];
+  return {static_cast<std::uint8_t>(body[1] != 0), state.modes.videoRate};
+}
+
+Bytes battery(CameraState& state, const Bytes&) { return {state.battery.powerType, state.battery.level}; }
+
+Bytes setPhotoSize(CameraState& state, const Bytes& body) {
+  if (body[0] < std::size(kPhotoSizes)) state.modes.photo = body[0];
+  return {state.modes.photo};
+}
+
+Bytes setLocalTime(CameraState& state, const Bytes& body) {
+  state.clock.set(static_cast<std::int32_t>(numberAt<std::uint32_t>(body, 0)),
+                  static_cast<std::int32_t>(numberAt<std::uint32_t>(body, 4)));
+  return kDone;
+}
+
+Bytes cardState(CameraState& state, const Bytes&) {
+  Bytes body{state.cardState()};
+  put(body, state.card.total());
+  put(body, state.card.free());
+  return body;
+}
+
+Bytes mediaOffset(CameraState& state, const Bytes& body) { return flagged(state.lenses.offset(lensKey(body))); }
+
+Bytes setMediaOffset(CameraState& state, const Bytes& body) {
+  return flag(state.lenses.setOffset(lensKey(body), copyOf(std::span(body).subspan(2))));
+}
+
+Bytes originOffset(CameraState& state, const Bytes& body) { return flagged(state.lenses.origin(lensKey(body))); }
+
+Bytes setOriginOffset(CameraState& state, const Bytes& body) {
+  return flag(state.lenses.setOrigin(lensKey(body), copyOf(std::span(body).subspan(2))));
+}
+
+Bytes serial(CameraState& state, const Bytes&) { return flagged(textBytes(state.serial)); }
+
+Bytes setSerial(CameraState& state, const Bytes& body) {
+  const bool printable = std::ranges::all_of(body, [](std::uint8_t letter) { return letter > 0x20 && letter < 0x7F; });
+  if (printable) state.serial = std::string(body.begin(), body.end());
+  return flag(printable);
+}
+
+Bytes exposureIndex(CameraState& state, const Bytes&) {
+  const auto bias = static_cast<std::int16_t>(numberAt<std::uint16_t>(state.settings.value(kExposureBias), 0));
+  return flaggedNumber(static_cast<std::uint16_t>(std::clamp<int>(bias, -12, 12) + int{kExposureIndexAtZero}));
+}
+
+Bytes uuid(CameraState& state, const Bytes&) { return flagged(textBytes(state.uuid)); }
+
+Bytes fileMetadata(CameraState& state, const Bytes& body) { return flaggedIfAny(state.files.of(textIn(body))); }
+
+Bytes setPhotoExtra(CameraState& state, const Bytes& body) {
+  const std::span<const std::uint8_t> all = body;
+  return flag(state.photoExtras.set(textIn(all.first(kNameField)), copyOf(all.subspan(kNameField))));
+}
+
+Bytes setVideoExtra(CameraState& state, const Bytes& body) {
+  const std::span<const std::uint8_t> all = body;
+  return flag(state.videoExtras.set(textIn(all.first(kNameField)), copyOf(all.subspan(kNameField))));
+}
+
+Bytes videoExtra(CameraState& state, const Bytes& body) { return flaggedIfAny(state.videoExtras.of(textIn(body))); }
+
+Bytes whiteBalanceEnable(CameraState& state, const Bytes&) {
+  return {1, static_cast<std::uint8_t>(state.settings.wasSet(kWhiteBalanceGain))};
+}
+
+Bytes vignetteEnable(CameraState& state, const Bytes&) {
+  const bool set = state.settings.wasSet(kVignetteLuma) || state.settings.wasSet(kVignetteGain);
+  return {1, static_cast<std::uint8_t>(set)};
+}
+
+Bytes lensIndex(CameraState&, const Bytes&) { return flaggedNumber(kLensIndex); }
+
+Bytes nothingToDo(CameraState&, const Bytes&) { return kDone; }
+
+std::uint32_t clipped(std::uint64_t number) { return static_cast<std::uint32_t>(std::min<std::uint64_t>(number, ~0u)); }
+
+Bytes secondsLeft(CameraState& state, const Bytes&) {
+  return flaggedNumber(clipped(state.card.free() / (1000 * state.videoBytesPerMs())));
+}
+
+Bytes shotsLeft(CameraState& state, const Bytes&) {
+  return flaggedNumber(clipped(state.card.free() / state.photoSize().room));
+}
+
+struct Question {
+  std::uint16_t code;
+  std::size_t least, most;  // bytes of its body
+  Bytes (*answer)(CameraState&, const Bytes& body);
+};
+
+constexpr Question kQuestions[] = {
+    {0x000A, 1, 1, setResolution},
+    {0x000C, 2, 2, setVideoRate},
+    {0x4001, 0, 0, battery},
+    {0x4002, 1, 1, setPhotoSize},
+    {0x4006, 8, 8, setLocalTime},
+    {0x400E, 0, 0, cardState},
+    {0x400F, 2, 2, mediaOffset},
+    {0x4010, 2 + kOffsetRecord, 2 + kOffsetRecord, setMediaOffset},
+    {0x4012, 0, 0, serial},
+    {0x4013, 1, 64, setSerial},
+    {0x4022, 0, 0, exposureIndex},
+    {0x4025, 0, 0, uuid},
+    {0x4026, 2, 2, originOffset},
+    {0x4027, 2 + kOriginRecord, 2 + kOriginRecord, setOriginOffset},
+    {0x4028, 1, kLongestName, fileMetadata},
+    {0x4033, kNameField, kAnySize, setPhotoExtra},
+    {0x4034, kNameField, kAnySize, setVideoExtra},
+    {0x4035, 1, kLongestName, videoExtra},
+    {0x403A, 0, 0, whiteBalanceEnable},
+    {0x403B, 0, 0, vignetteEnable},
+    {0x403C, 0, 0, lensIndex},
+    {0x4041, 0, 0, nothingToDo},  // deletions of this camera have ended before anybody can cancel them
+    {0x4042, 0, 0, secondsLeft},
+    {0x4043, 0, 0, shotsLeft},
+};
+
+struct Update {
+  std::uint16_t code;
+  std::size_t size;
+  Bytes SensorUpdates::*kept;
+};
+
+constexpr Update kUpdates[] = {
+    {0x400A, 24, &SensorUpdates::gps}, {0x4011, 24, &SensorUpdates::gyro}, {0x4021, 16, &SensorUpdates::orientation}};
+
+constexpr std::uint16_t kWithoutFlag[] = {0x0007, 0x0011, 0x000F, 0x0009, 0x000A, 0x4001, 0x4002, 0x400E};
+
+bool isTooNew(const CameraState& state, std::uint16_t code) {
+  return state.firmware < kFirmwareWithClock && (code == kSetAudioBitrate || code == kGetAudioBitrate);
+}
+
+Bytes answerSetting(CameraState& state, std::uint16_t code, const Bytes& body) {
+  if (const Setting* setting = settingSetBy(code)) return flag(state.settings.set(*setting, body));
+  const Setting* setting = settingReadBy(code);
+  return setting != nullptr && body.empty() ? flagged(state.settings.value(*setting)) : kRefused;
+}
+
+}  // namespace
+
+std::optional<Bytes> answerAtOnce(CameraState& state, const Storage& storage, std::uint16_t code, const Bytes& body) {
+  if (const auto update = std::ranges::find(kUpdates, code, &Update::code); update != std::end(kUpdates)) {
+    if (body.size() == update->size) state.sensors.*(update->kept) = body;
+    return std::nullopt;
+  }
+  if (isTooNew(state, code)) return refusal(code);
+  if (code == kCreateTextFile) return createTextFile(state.card, storage, body);
+  const auto question = std::ranges::find(kQuestions, code, &Question::code);
+  if (question == std::end(kQuestions)) return answerSetting(state, code, body);
+  const bool fits = body.size() >= question->least && body.size() <= question->most;
+  return fits ? question->answer(state, body) : refusal(code);
+}
+
+Bytes refusal(std::uint16_t code) {
+  return std::ranges::find(kWithoutFlag, code) != std::end(kWithoutFlag) ? Bytes() : kRefused;
+}
+
+}  // namespace zel::simulator

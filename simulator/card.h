@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace zel::simulator {
+
+inline constexpr std::uint8_t kCardReady = 0, kCardFull = 2;  // every other state: it cannot be used
+
+// The memory card: how much room it has. Units: bytes.
+class Card {
+ public:
+  explicit Card(std::uint64_t size) : total_(size), free_(size) {}
+
+  std::uint64_t total() const { return total_; }
+  std::uint64_t free() const { return free_; }
+
+  // Full when so many bytes more do not fit.
+  std::uint8_t state(std::uint64_t picture) const;
+
+  bool takes(std::uint64_t size) const { return !trouble_ && size <= free_; }
+  void take(std::uint64_t size) { free_ -= size < free_ ? size : free_; }
+  void give(std::uint64_t size) { free_ += size < total_ - free_ ? size : total_ - free_; }
+
+  // What somebody does to it from outside. Ready after a trouble or on a full one means another, empty card.
+  void setState(std::uint8_t state);
+
+ private:
+  std::uint64_t total_, free_;
+  std::optional<std::uint8_t> trouble_;  // a state that is neither ready nor full
+};
+
+}  // namespace zel::simulator

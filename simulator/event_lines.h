@@ -1,0 +1,19 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "simulator/simulated_camera.h"
+
+namespace zel::simulator {
+
+using CameraHappening = std::function<void(SimulatedCamera&)>;
+
+// A line by which somebody makes something happen to the camera, as "battery 1 40".
+// Errors: an empty function; `error` then says what is wrong.
+CameraHappening readEventLine(const std::string& line, std::string& error);
+
+// One line for each that readEventLine() knows.
+extern const char kEventHelp[];
+
+}  // namespace zel::simulator

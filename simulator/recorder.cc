@@ -1,0 +1,100 @@
+#include "simulator/recorder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zel::simulator {
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenLooks{1000};
+
+}  // namespace
+
+bool Recorder::start(Bytes sensors, Bytes extra) {
+  if (current_ || !state_.card.takes(1)) return false;
+  current_.emplace();
+  current_->sensors = std::move(sensors);
+  current_->extra = std::move(extra);
+  current_->file = {state_.clock.now(), 0, state_.clock.nextFileName("VID", ".mp4")};
+  current_->began = world_.uptime();
+  current_->bytesPerMs = state_.videoBytesPerMs();
+  settleLater();
+  return true;
+}
+
+std::optional<FileEntry> Recorder::stop() {
+  settle();
+  if (!current_) return std::nullopt;
+  return finish();
+}
+
+bool Recorder::cancel() {
+  settle();
+  if (!current_) return false;
+  state_.card.give(current_->file.size);
+  current_.reset();
+  return true;
+}
+
+void Recorder::settle() {
+  if (!current_) return;
+  const Time now = world_.uptime();
+  const auto end = limit();
+  grow(end ? std::min(now, *end) : now);
+  if (!state_.card.takes(1)) {
+    endForCard();
+  } else if (end && now >= *end) {
+    endForTime();
+  }
+}
+
+std::optional<Recorder::Time> Recorder::limit() const {
+  const std::uint8_t seconds = state_.settings.value(kRecordingLimit)[0];
+  if (seconds == 0) return std::nullopt;
+  return current_->began + std::chrono::seconds(seconds);
+}
+
+void Recorder::grow(Time until) {
+  const auto elapsed = std::max<std::int64_t>(0, (until - current_->began).count());
+  const std::uint64_t size = static_cast<std::uint64_t>(elapsed) * current_->bytesPerMs;
+  const std::uint64_t more = std::min(size - std::min(size, current_->file.size), state_.card.free());
+  state_.card.take(more);
+  current_->file.size += more;
+}
+
+void Recorder::settleLater() {
+  const auto end = limit();
+  const Time time = end ? std::min(kBetweenLooks, *end - world_.uptime()) : kBetweenLooks;
+  world_.later(std::max(time, Time(1)), [this, timer = ++timers_] {
+    if (timer != timers_ || !current_) return;
+    settle();
+    if (current_) settleLater();
+  });
+}
+
+FileEntry Recorder::finish() {
+  const Recording done = *std::exchange(current_, std::nullopt);
+  state_.addFile(done.file, done.sensors);
+  if (!done.extra.empty()) state_.videoExtras.set(done.file.name, done.extra);
+  return done.file;
+}
+
+Bytes Recorder::endOfCurrent() { return current_ ? entryBody(finish()) : Bytes(); }
+
+void Recorder::endForCard() {
+  world_.tellHost(cardRunoutEvent(endOfCurrent()));
+  world_.tellHost(cardStateEvent(state_.cardState()));
+}
+
+void Recorder::endForTime() { world_.tellHost(timeRunoutEvent(endOfCurrent())); }
+
+void Recorder::split() {
+  settle();
+  if (!current_) return world_.tellHost(splitEvent({}));
+  const Recording before = *current_;
+  const FileEntry file = finish();
+  start(before.sensors, before.extra);
+  world_.tellHost(splitEvent(entryBody(file)));
+}
+
+}  // namespace zel::simulator

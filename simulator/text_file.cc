@@ -1,0 +1,29 @@
+#include "simulator/text_file.h"
+
+#include <span>
+
+namespace zel::simulator {
+namespace {
+
+constexpr std::size_t kNameField = 32, kHeader = kNameField + 2;
+
+TextFileResult create(Card& card, const Storage& storage, std::span<const std::uint8_t> request) {
+  if (request.size() < kHeader) return TextFileResult::malformed;
+  const auto text = request.subspan(kHeader);
+  if (text.size() != numberAt<std::uint16_t>(request, kNameField)) return TextFileResult::malformed;
+  const std::string name = textIn(request.first(kNameField));
+  if (!safePath(name)) return TextFileResult::badName;
+  if (!card.takes(text.size())) return TextFileResult::cardFull;
+  if (!storage.write(name, text)) return TextFileResult::notWritten;
+  card.take(text.size());
+  return TextFileResult::done;
+}
+
+}  // namespace
+
+Bytes createTextFile(Card& card, const Storage& storage, const Bytes& request) {
+  const TextFileResult result = create(card, storage, request);
+  return {static_cast<std::uint8_t>(result == TextFileResult::done), static_cast<std::uint8_t>(result)};
+}
+
+}  // namespace zel::simulator

@@ -1,0 +1,46 @@
+#include "simulator/uploads.h"
+
+#include <utility>
+
+namespace zel::simulator {
+namespace {
+
+constexpr std::size_t kPathAt = 2 + 2, kPathSize = 64;  // file type, reserved; path
+constexpr std::size_t kFileAt = kPathAt + kPathSize;
+constexpr std::size_t kMostWaiting = 2 * kLargestFile;
+constexpr std::uint16_t kDone = 0, kFailed = 1;
+
+// | 0 | u16      | not used     |
+// | 2 | u16      | kind: 2      |
+// | 4 | u16      | status       |
+// | 6 | u8 x 64  | path as sent |
+Bytes fileReply(const Bytes& path, std::uint16_t status) {
+  Bytes payload(2);
+  put(payload, std::uint16_t{2});
+  put(payload, status);
+  add(payload, path);
+  return frame(kFile, payload);
+}
+
+}  // namespace
+
+void Uploads::take(const std::shared_ptr<HostLink>& host, HostFile file) {
+  if (file.payload.size() < kFileAt) return;
+  const std::span<const std::uint8_t> payload = file.payload;
+  const Bytes path = copyOf(payload.subspan(kPathAt, kPathSize));
+  const std::size_t size = payload.size() - kFileAt;
+  const bool tooMuch = size > kMostWaiting - waiting_ || !state_.card.takes(size);
+  if (faults_.uploadFail || tooMuch) return host->send(fileReply(path, kFailed));
+  waiting_ += size;
+  state_.card.take(size);
+  world_.onWorker([this, host, path, size, file = std::make_shared<HostFile>(std::move(file))] {
+    const bool written = storage_.write(textIn(path), std::span(file->payload).subspan(kFileAt));
+    return [this, host, path, size, written] {
+      waiting_ -= size;
+      if (!written) state_.card.give(size);
+      host->send(fileReply(path, written ? kDone : kFailed));
+    };
+  });
+}
+
+}  // namespace zel::simulator
