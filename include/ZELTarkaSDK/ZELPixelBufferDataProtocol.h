@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+
+#include <ZELTarkaSDK/Export.h>
+
+#include "platform/pixel_buffer.h"
+
+// Receives decoded pictures.
+class ZEL_EXPORT ZELPixelBufferDataProtocol {
+ public:
+  virtual ~ZELPixelBufferDataProtocol() = default;
+
+  // onPixelBuffer:withTimesTamp: ("TimesTamp" is the interface's spelling) - one picture, in display order.
+  // Units:  timestamp in milliseconds.
+  // Owner:  keep the reference to keep the picture; it is not changed any more.
+  // Thread: decode thread, which takes the next unit only after the return. Do not poll the player from inside: its
+  //         queue of pictures is locked during the call.
+  virtual void onPixelBuffer(const zel::platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) = 0;
+};

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <utility>
+
+#include "media/media_buffer.h"
+#include "media/media_pixel_buffer.h"
+#include "media/nal_unit.h"
+
+namespace zel {
+
+// Units that wait to be decoded. From 16 on the oldest is dropped, so that a stall costs little delay; a key unit at
+// the head stays, since everything behind it needs it.
+class DecodeQueue {
+ public:
+  using Unit = std::shared_ptr<orq::MediaBuffer>;
+
+  static constexpr std::size_t kFull = 16;
+  // Only where nothing is decoded for many seconds do the units behind a waiting key unit come to this much; then the
+  // key unit goes too.
+  static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
+
+  void append(Unit unit) {
+    bytes_ += sizeOf(unit);
+    units_.push_back(std::move(unit));
+    if (units_.size() >= kFull && !isIdr(bytesOf(units_.front()))) dropOldest();
+    while (bytes_ > kMostBytes && units_.size() > 1) dropOldest();
+  }
+
+  // The oldest unit, null when there is none.
+  Unit take() {
+    if (units_.empty()) return nullptr;
+    Unit oldest = std::move(units_.front());
+    units_.pop_front();
+    bytes_ -= sizeOf(oldest);
+    return oldest;
+  }
+
+  std::size_t size() const { return units_.size(); }
+  bool empty() const { return units_.empty(); }
+
+ private:
+  static std::size_t sizeOf(const Unit& unit) { return static_cast<std::size_t>(unit->size()); }
+  static ByteView bytesOf(const Unit& unit) { return {unit->data(), sizeOf(unit)}; }
+  void dropOldest() { take(); }
+
+  std::deque<Unit> units_;
+  std::size_t bytes_ = 0;
+};
+
+// Pictures that wait to be polled: the latest five.
+class PictureQueue {
+ public:
+  using Picture = std::shared_ptr<orq::MediaPixelBuffer>;
+
+  static constexpr std::size_t kMost = 5;
+
+  void append(Picture picture) {
+    pictures_.push_back(std::move(picture));
+    if (pictures_.size() > kMost) pictures_.pop_front();
+  }
+
+  // The oldest picture, null when there is none.
+  Picture take() {
+    if (pictures_.empty()) return nullptr;
+    Picture oldest = std::move(pictures_.front());
+    pictures_.pop_front();
+    return oldest;
+  }
+
+  std::size_t size() const { return pictures_.size(); }
+
+ private:
+  std::deque<Picture> pictures_;
+};
+
+}  // namespace zel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include "platform/pixel_buffer.h"
+
+namespace orq {
+
+// A decoded picture and its time, held by shared ownership.
+// Units:  timestamp in milliseconds.
+// Owner:  keeps the picture as long as it lives.
+struct MediaPixelBuffer {
+  MediaPixelBuffer(zel::platform::PixelBufferRef picture, std::int64_t time)
+      : timestamp(time), pixelBuffer(std::move(picture)) {}
+
+  const std::int64_t timestamp;
+  const zel::platform::PixelBufferRef pixelBuffer;
+};
+
+}  // namespace orq

@@ -1,0 +1,111 @@
+#include "media/zel_decode_run_loop.h"
+
+#include <utility>
+
+using zel::MutexLock;
+
+ZELDecodeRunLoop::ZELDecodeRunLoop(zel::platform::Threads& threads, std::unique_ptr<ZELH264Decoder> h264Decoder,
+                                   std::weak_ptr<ZELPixelBufferDataProtocol> delegate)
+    : threads_(threads), h264Decoder_(std::move(h264Decoder)), delegate_(std::move(delegate)) {}
+
+ZELDecodeRunLoop::~ZELDecodeRunLoop() = default;
+
+// The thread keeps the object alive until it has ended; what the caller gets ends the thread when it is let go.
+std::shared_ptr<ZELDecodeRunLoop> ZELDecodeRunLoop::initWidthSps(zel::platform::Threads& threads,
+                                                                 zel::platform::VideoDecoders& decoders,
+                                                                 zel::ByteView sps, zel::ByteView pps,
+                                                                 std::weak_ptr<ZELPixelBufferDataProtocol> delegate) {
+  auto decoder = ZELH264Decoder::initWidthSps(decoders, sps, pps);
+  if (!decoder) return nullptr;
+  const std::shared_ptr<ZELDecodeRunLoop> kept(new ZELDecodeRunLoop(threads, std::move(decoder), std::move(delegate)));
+  return {kept.get(), [kept](ZELDecodeRunLoop* loop) { loop->abandon(); }};
+}
+
+void ZELDecodeRunLoop::start() {
+  const MutexLock lock(threadMutex_);
+  if (thread_) return;
+  const auto kept = shared_from_this();
+  thread_ = threads_.start("preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->publish(runLoop); },
+                                              [kept] { kept->withdraw(); }});
+}
+
+void ZELDecodeRunLoop::stop() {
+  const MutexLock lock(loopMutex_);
+  if (runLoop_ != nullptr) runLoop_->stop();
+}
+
+void ZELDecodeRunLoop::abandon() {
+  const MutexLock lock(loopMutex_);
+  abandoned_ = true;
+  if (runLoop_ != nullptr) runLoop_->stop();
+}
+
+void ZELDecodeRunLoop::publish(zel::platform::RunLoop& runLoop) {
+  const MutexLock lock(loopMutex_);
+  if (abandoned_) return runLoop.stop();
+  source_ = runLoop.addSource([this] { decodeData(); });
+  runLoop_ = &runLoop;
+}
+
+void ZELDecodeRunLoop::withdraw() {
+  const MutexLock lock(loopMutex_);
+  runLoop_ = nullptr;
+  source_.reset();
+}
+
+void ZELDecodeRunLoop::appendDecodeData(Unit unit) {
+  {
+    const MutexLock lock(h264DataMutex_);
+    h264Datas_.append(std::move(unit));
+  }
+  const MutexLock lock(loopMutex_);
+  if (runLoop_ == nullptr) return;
+  // The signal first: a loop that falls asleep after the question has seen it.
+  source_->signal();
+  if (runLoop_->isWaiting()) runLoop_->wakeUp();
+}
+
+void ZELDecodeRunLoop::decodeData() {
+  if (const Unit unit = takeUnit()) {
+    const zel::ByteView bytes(unit->data(), static_cast<std::size_t>(unit->size()));
+    deliver(h264Decoder_->createPixelBufferUseDecodedData(bytes, static_cast<std::int64_t>(unit->timestamp())));
+  }
+  signalIfMoreWaits();
+}
+
+ZELDecodeRunLoop::Unit ZELDecodeRunLoop::takeUnit() {
+  const MutexLock lock(h264DataMutex_);
+  return h264Datas_.take();
+}
+
+// The receiver runs under the lock, as it always has: nobody polls a picture that was not delivered.
+void ZELDecodeRunLoop::deliver(const zel::platform::DecodedPicture& picture) {
+  if (!picture.pixelBuffer) return;
+  const MutexLock lock(pixelBufferMutex_);
+  if (const auto delegate = delegate_.lock()) delegate->onPixelBuffer(picture.pixelBuffer, picture.timestamp);
+  pixelBuffers_.append(std::make_shared<orq::MediaPixelBuffer>(picture.pixelBuffer, picture.timestamp));
+}
+
+// The loop is awake, being in this call, and comes back by itself.
+void ZELDecodeRunLoop::signalIfMoreWaits() {
+  {
+    const MutexLock lock(h264DataMutex_);
+    if (h264Datas_.empty()) return;
+  }
+  const MutexLock lock(loopMutex_);
+  if (source_) source_->signal();
+}
+
+ZELDecodeRunLoop::Picture ZELDecodeRunLoop::getNextMediaPixelBuffer() {
+  const MutexLock lock(pixelBufferMutex_);
+  return pixelBuffers_.take();
+}
+
+void ZELDecodeRunLoop::clearData() {
+  {
+    const MutexLock lock(h264DataMutex_);
+    h264Datas_ = {};
+  }
+  const MutexLock lock(pixelBufferMutex_);
+  pixelBuffers_ = {};
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/mutex.h"
+#include "platform/video_decoder.h"
+
+namespace zel::platform {
+
+// Decoders that do as a test says. Without a script every unit gives a picture: the n-th of all, from 1 on, is filled
+// with luma n (modulo 256) and has the size that was set.
+// Owner:  its sessions keep what they need of it, so that either may go first.
+// Thread: any thread.
+class ScriptedVideoDecoders final : public VideoDecoders {
+ public:
+  using Bytes = std::vector<std::uint8_t>;
+
+  ScriptedVideoDecoders();
+  ~ScriptedVideoDecoders() override;
+
+  DecoderCreation create(VideoDecoder::Bytes sps, VideoDecoder::Bytes pps) override;
+
+  // Puts what the next units give, in order, behind what the script still holds.
+  void script(DecodeStatus status, std::size_t units = 1);
+  // Puts the creation's failure, `times` times, behind those still to come.
+  void failCreations(std::size_t times, DecoderCreationStage failedAt, std::int32_t status);
+  void setPictureSize(std::int32_t width, std::int32_t height);
+  // Called before each unit is decoded, on the thread that decodes.
+  void onDecode(std::function<void()> call);
+  // From now on a unit gives the picture of the unit before it, as a stream with several slices a picture does.
+  void holdBack();
+
+  // Units that reached a session, in order.
+  std::vector<Bytes> units() const;
+  // Successful and failed creations.
+  std::size_t created() const;
+  std::size_t failed() const;
+  // Sessions that have not been released.
+  std::size_t live() const;
+  // Parameter sets of the last creation.
+  Bytes lastSps() const;
+  Bytes lastPps() const;
+
+ private:
+  struct State;
+  class Session;
+  std::shared_ptr<State> state_;
+};
+
+}  // namespace zel::platform
