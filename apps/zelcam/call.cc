@@ -113,6 +113,7 @@ int runCall(const Invocation& invocation) {
   const auto answer = std::make_shared<CallAnswer>();
   std::get<0>(answer->values) = ordered_json::object();
   ready(link.stack(), keepIn(answer, bus.platform()));
+  link.sayAsked();
   const Waited end = waitForEnd(link, operation->doneWhen, *answer, settings.timeout);
   if (end == Waited::done) show(*operation, *answer, settings);
   return tellEnd(operation->name, end, answer->error, settings);

@@ -59,6 +59,10 @@ Waited CameraLink::waitFor(const std::function<bool()>& done, std::optional<doub
 
 void CameraLink::wake() { platform_.stopMainQueue(); }
 
+void CameraLink::sayAsked() const {
+  if (settings_.verbose) say("zelcam: the request is on its way");
+}
+
 int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack) {
   if (!settings.camera.empty() && chosenAccessories(platform, settings).empty()) {
     sayUnknownCamera(platform, settings);

@@ -36,6 +36,9 @@ class CameraLink {
   Waited waitFor(const std::function<bool()>& done, std::optional<double> seconds);
   void wake();
 
+  // Where people want to know more: that the camera is there and was asked.
+  void sayAsked() const;
+
  private:
   void statusChanged(std::uint64_t status);
 

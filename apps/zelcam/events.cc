@@ -117,7 +117,7 @@ int runEvents(const Invocation& invocation) {
   link.stack().ucd().addCameraNotificationReceiver(printer);
   int status = link.open();
   if (status == kDone) {
-    if (!settings.json) say("zelcam: waiting for events; Ctrl-C ends it");
+    if (!settings.json || settings.verbose) say("zelcam: waiting for events; Ctrl-C ends it");
     const Waited end = link.waitFor([&printer] { return printer->isDone(); }, std::nullopt);
     status = end == Waited::interrupted ? kDone : tellEnd("events", end, std::nullopt, settings);
   }

@@ -58,6 +58,7 @@ class Shot {
     } else {
       ucd.newMsgCmdShutterWithGps(sensors.gps, sensors.gyro, sensors.orientation, stored, photoData);
     }
+    link_.sayAsked();
     if (const int status = waitFor(*stored_, "photo"); status != kDone) return status;
     if (const int status = waitFor(*photo, "the picture"); status != kDone) return status;
     const auto& [name, picture] = photo->values;
@@ -68,6 +69,7 @@ class Shot {
     const auto series = std::make_shared<Series>();
     link_.stack().ucd().newMsgCmdShutterAEBWithGps(sensors.gps, sensors.gyro, sensors.orientation, steps, sensors.extra,
                                                    keepIn(stored_, link_.platform()), keepIn(series, link_.platform()));
+    link_.sayAsked();
     if (const int status = waitFor(*stored_, "photo"); status != kDone) return status;
     if (const int status = waitFor(*series, "the pictures"); status != kDone) return status;
     const auto& [names, pictures] = series->values;

@@ -45,6 +45,7 @@ int tellFile(const RecordedFile& answer, const Settings& settings) {
 int stop(CameraLink& link, const Settings& settings) {
   const auto answer = std::make_shared<RecordedFile>();
   link.stack().ucd().msgCmdStopRecordWithRebackBlock(keepIn(answer, link.platform()));
+  link.sayAsked();
   const Waited end = link.waitFor([&answer] { return answer->done; }, settings.timeout);
   const int status = tellEnd("record stop", end, answer->error, settings);
   return status == kDone ? tellFile(*answer, settings) : status;

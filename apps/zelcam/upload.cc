@@ -69,6 +69,7 @@ int upload(CameraLink& link, const Values& values, const ZELData& file, const Se
   const Progress progress(link, file.size());
   link.stack().ucd().sendFileWithType(values.integer("--type").value_or(0), path, file,
                                       keepIn(answer, link.platform()));
+  link.sayAsked();
   const Waited end = waitForAnswer(link, *answer, settings.timeout);
   const int status = tellEnd("upload", end, answer->error, settings);
   if (status != kDone) return status;

@@ -91,6 +91,10 @@ bool Process::waitForOutput(const std::string& text) const {
   return waitUntil([&] { return output().find(text) != std::string::npos; });
 }
 
+bool Process::waitForErrors(const std::string& text) const {
+  return waitUntil([&] { return errors().find(text) != std::string::npos; });
+}
+
 std::string Process::output() const { return readAll(outputFile_); }
 std::string Process::errors() const { return readAll(errorFile_); }
 

@@ -26,6 +26,7 @@ class Process {
   int wait();
   // Waits until its output holds the text; false after a minute.
   bool waitForOutput(const std::string& text) const;
+  bool waitForErrors(const std::string& text) const;
 
   std::string output() const;
   std::string errors() const;
