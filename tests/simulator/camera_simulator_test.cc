@@ -264,8 +264,8 @@ TEST_F(CameraSimulatorTest, RestartsOnOrder) {
 TEST_F(CameraSimulatorTest, EndsInTheMiddleOfACaptureAndLeavesNothing) {
   start();
   synchronise();
-  host->send(shutter());  // of the largest size, which takes a while
-  EXPECT_EQ(host->frame(), reply({0x0C, 0x60, 1}));
+  EXPECT_EQ(answerTo({9, 0, 0, 0, 4, 0, 0x02, 0x40, 1}), reply({0x02, 0xC0, 1}));
+  EXPECT_EQ(answerTo(shutter()), reply({0x0C, 0x60, 1}));  // of a size that takes a while
   const std::string file = simulator->accessoryFile();
   simulator->stop();
   EXPECT_FALSE(std::filesystem::exists(file));

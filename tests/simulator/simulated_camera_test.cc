@@ -105,6 +105,14 @@ TEST_F(SimulatedCameraTest, CountsFromTheSecondOrderOfACommand) {
   EXPECT_EQ(world.unplugged, 1);
 }
 
+TEST_F(SimulatedCameraTest, RefusesOrdersThatComeTooFast) {
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(ask(0x4007, {1, 255}), kDone);
+  EXPECT_EQ(ask(0x4007, {1, 255}), kRefused);
+  EXPECT_EQ(ask(0x4008, {1}), kDone);
+  world.pass(256s);
+  EXPECT_EQ(ask(0x4007, {1, 255}), kDone);
+}
+
 TEST_F(SimulatedCameraTest, RefusesOrdersThatItDoesNotKnow) {
   EXPECT_EQ(ask(0x4007, {0, 0}), kRefused);
   EXPECT_EQ(ask(0x4007, {3, 0}), kRefused);

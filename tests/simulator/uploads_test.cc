@@ -86,6 +86,14 @@ TEST_F(UploadsTest, TakesTheCardsRoomForFilesThatAreWritten) {
   EXPECT_THAT(host->frames, ElementsAre(answer("a", 0), answer("b", 1), answer("../c", 1), answer("d", 0)));
 }
 
+TEST_F(UploadsTest, RefusesFilesThatComeFasterThanTheyAreWritten) {
+  const HostFile empty{joined({7, 0, 0, 0}, textField("a", 64))};
+  for (int i = 0; i < 512 * 1024 * 1024 / 4096; ++i) camera->take(host, empty);
+  EXPECT_THAT(host->frames, IsEmpty());
+  camera->take(host, empty);
+  EXPECT_THAT(host->frames, ElementsAre(answer("a", 1)));
+}
+
 TEST_F(UploadsTest, RefusesEveryFileWhereThatIsTheFault) {
   faults.uploadFail = true;
   upload("a", {1});
