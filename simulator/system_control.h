@@ -15,7 +15,8 @@ class SystemControl {
   // Owner: the world outlives it.
   explicit SystemControl(CameraWorld& world) : world_(world) {}
 
-  // A second order of a command takes the place of the first. Errors: false for an unknown command.
+  // A second order of a command takes the place of the first. Errors: false for an unknown command, and for too
+  // many orders in too short a time.
   bool order(std::uint8_t command, std::uint8_t seconds);
 
   // Errors: false when no such command is waiting.
@@ -27,6 +28,7 @@ class SystemControl {
   CameraWorld& world_;
   std::map<std::uint8_t, std::uint64_t> waiting_;  // the number of each command's order
   std::uint64_t orders_ = 0;
+  int timers_ = 0;
 };
 
 }  // namespace zel::simulator

@@ -8,6 +8,7 @@ namespace {
 constexpr std::size_t kPathAt = 2 + 2, kPathSize = 64;  // file type, reserved; path
 constexpr std::size_t kFileAt = kPathAt + kPathSize;
 constexpr std::size_t kMostWaiting = 2 * kLargestFile;
+constexpr std::size_t kPerFile = 4096;  // what a waiting file costs besides its bytes, generously
 constexpr std::uint16_t kDone = 0, kFailed = 1;
 
 // | 0 | u16      | not used     |
@@ -29,14 +30,15 @@ void Uploads::take(const std::shared_ptr<HostLink>& host, HostFile file) {
   const std::span<const std::uint8_t> payload = file.payload;
   const Bytes path = copyOf(payload.subspan(kPathAt, kPathSize));
   const std::size_t size = payload.size() - kFileAt;
-  const bool tooMuch = size > kMostWaiting - waiting_ || !state_.card.takes(size);
+  const std::size_t held = size + kPerFile;
+  const bool tooMuch = waiting_ + held > kMostWaiting || !state_.card.takes(size);
   if (faults_.uploadFail || tooMuch) return host->send(fileReply(path, kFailed));
-  waiting_ += size;
+  waiting_ += held;
   state_.card.take(size);
-  world_.onWorker([this, host, path, size, file = std::make_shared<HostFile>(std::move(file))] {
+  world_.onWorker([this, host, path, size, held, file = std::make_shared<HostFile>(std::move(file))] {
     const bool written = storage_.write(textIn(path), std::span(file->payload).subspan(kFileAt));
-    return [this, host, path, size, written] {
-      waiting_ -= size;
+    return [this, host, path, size, held, written] {
+      waiting_ -= held;
       if (!written) state_.card.give(size);
       host->send(fileReply(path, written ? kDone : kFailed));
     };

@@ -27,7 +27,7 @@ class Uploads {
   CameraState& state_;
   const Storage& storage_;
   const Faults& faults_;
-  std::size_t waiting_ = 0;  // bytes that the worker has not written yet
+  std::size_t waiting_ = 0;  // what the worker has not written yet, in bytes
 };
 
 }  // namespace zel::simulator
