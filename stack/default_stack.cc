@@ -4,6 +4,7 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include <atomic>
 #include <cstdio>
@@ -49,3 +50,6 @@ ZELCameraAccessory& ZELCameraAccessory::defaultCamera() { return zel::processSta
 CameraDataParser& CameraDataParser::shareCameraDataParser() { return zel::processStack().parser(); }
 ZELCameraUCD& ZELCameraUCD::defaultCameraUCD() { return zel::processStack().ucd(); }
 ZELCameraManager& ZELCameraManager::sharedManager() { return zel::processStack().manager(); }
+std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::suitablePreviewPlayer() {
+  return zel::processStack().suitablePreviewPlayer();
+}
