@@ -49,6 +49,7 @@ ZELCameraAccessory& CameraStack::accessory() { return graph_->accessory; }
 CameraDataParser& CameraStack::parser() { return graph_->parser; }
 ZELCameraUCD& CameraStack::ucd() { return graph_->ucd; }
 ZELCameraManager& CameraStack::manager() { return graph_->manager; }
+const platform::Ports& CameraStack::ports() const { return graph_->ports; }
 
 std::shared_ptr<ZELPreviewPlayer> CameraStack::suitablePreviewPlayer() {
   const auto firewareVersion = [weak = std::weak_ptr<Graph>(graph_)]() -> std::int64_t {

@@ -38,6 +38,8 @@ class ZEL_EXPORT CameraStack {
   CameraDataParser& parser();
   ZELCameraUCD& ucd();
   ZELCameraManager& manager();
+  // What the stack was built on.
+  const platform::Ports& ports() const;
 
   // suitablePreviewPlayer - a new player that receives this camera's preview, at the current resolution, in place of
   // the one before. The caller holds it; it may outlive the stack, and then receives nothing.
