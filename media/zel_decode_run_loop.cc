@@ -48,9 +48,10 @@ void ZELDecodeRunLoop::publish(zel::platform::RunLoop& runLoop) {
 }
 
 void ZELDecodeRunLoop::withdraw() {
+  std::unique_ptr<zel::platform::RunLoopSource> removed;  // destroyed without the lock, which its own task takes
   const MutexLock lock(loopMutex_);
   runLoop_ = nullptr;
-  source_.reset();
+  removed = std::move(source_);
 }
 
 void ZELDecodeRunLoop::appendDecodeData(Unit unit) {

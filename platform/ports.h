@@ -2,6 +2,7 @@
 
 #include "platform/accessory.h"
 #include "platform/clock.h"
+#include "platform/media_library.h"
 #include "platform/notification_center.h"
 #include "platform/queues.h"
 #include "platform/run_loop.h"
@@ -17,6 +18,7 @@ struct Ports {
   AccessoryManager& accessories;
   NotificationCenter& notifications;
   VideoDecoders* videoDecoders = nullptr;  // null: the host decodes no video
+  MediaLibrary* mediaLibrary = nullptr;    // null: the host renders nothing
 };
 
 }  // namespace zel::platform

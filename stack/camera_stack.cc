@@ -3,6 +3,7 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include <utility>
 
@@ -15,8 +16,9 @@ namespace zel {
 
 // Members stand in the order of what they need.
 struct CameraStack::Graph {
-  Graph(const platform::Ports& ports, std::string serialNumber)
-      : parser(ports.clock),
+  Graph(const platform::Ports& given, std::string serialNumber)
+      : ports(given),
+        parser(ports.clock),
         accessory(ports, parser, std::move(serialNumber)),
         ucdFile(std::make_shared<ZELUCDFile>([this](const ZELData& data) { accessory.writeData(data); },
                                              ports.queues.mainQueue())),
@@ -25,6 +27,7 @@ struct CameraStack::Graph {
     parser.setUcdFile(ucdFile);
   }
 
+  const platform::Ports ports;
   CameraDataParser parser;
   ZELCameraAccessory accessory;
   std::shared_ptr<ZELUCDFile> ucdFile;
@@ -46,6 +49,19 @@ ZELCameraAccessory& CameraStack::accessory() { return graph_->accessory; }
 CameraDataParser& CameraStack::parser() { return graph_->parser; }
 ZELCameraUCD& CameraStack::ucd() { return graph_->ucd; }
 ZELCameraManager& CameraStack::manager() { return graph_->manager; }
+const platform::Ports& CameraStack::ports() const { return graph_->ports; }
+
+std::shared_ptr<ZELPreviewPlayer> CameraStack::suitablePreviewPlayer() {
+  const auto firewareVersion = [weak = std::weak_ptr<Graph>(graph_)]() -> std::int64_t {
+    const auto graph = weak.lock();
+    return graph ? graph->accessory.firewareVersion() : 0;
+  };
+  auto player = ZELPreviewPlayer::create(graph_->ports, firewareVersion);
+  CameraDataParser& parser = graph_->parser;
+  parser.setPreviewPlayer(player);
+  parser.setVideoStreamRes(parser.videoStreamRes());
+  return player;
+}
 
 LinkStatistics CameraStack::statistics() const {
   LinkStatistics statistics;

@@ -4,6 +4,8 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELPreviewPlayer.h>
+#include <ZELTarkaSDK/ZELThumbnailRender.h>
 
 #include <atomic>
 #include <cstdio>
@@ -49,3 +51,9 @@ ZELCameraAccessory& ZELCameraAccessory::defaultCamera() { return zel::processSta
 CameraDataParser& CameraDataParser::shareCameraDataParser() { return zel::processStack().parser(); }
 ZELCameraUCD& ZELCameraUCD::defaultCameraUCD() { return zel::processStack().ucd(); }
 ZELCameraManager& ZELCameraManager::sharedManager() { return zel::processStack().manager(); }
+std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::suitablePreviewPlayer() {
+  return zel::processStack().suitablePreviewPlayer();
+}
+std::unique_ptr<ZELThumbnailRender> ZELThumbnailRender::initWithRenderWidth(std::int32_t width, std::int32_t height) {
+  return initWithRenderWidth(zel::processStack().ports(), width, height);
+}

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include <ZELTarkaSDK/PreviewConsumer.h>
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELError.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
@@ -38,22 +39,6 @@ class InboundStream {
 
  protected:
   ~InboundStream() = default;
-};
-
-// The preview player: frames of types 1, 2 and 8, and the picture that the resolution code promises.
-// Owner:  the bytes are valid during the call only.
-// Thread: session thread; the three setters on the thread that sets the resolution.
-class PreviewConsumer {
- public:
-  virtual ~PreviewConsumer() = default;
-  virtual void appendVideoBytes(ByteView bytes) = 0;
-  virtual void appendAudioBytes(ByteView bytes) = 0;
-  virtual void setNextVideoTimestamp(std::int64_t timestamp) = 0;  // phone time, milliseconds
-  virtual void setNextAudioTimestamp(std::int64_t timestamp) = 0;
-  virtual void setImageWidth(std::int32_t width) = 0;
-  virtual void setImageHeight(std::int32_t height) = 0;
-  virtual void setFps(std::int32_t fps) = 0;
-  virtual void resetPlayer() = 0;  // main queue: a new stream begins
 };
 
 // The photo parser: frames of type 3, and the failure of the capture that they belong to.

@@ -9,6 +9,7 @@
 class ZELCameraAccessory;
 class ZELCameraManager;
 class ZELCameraUCD;
+class ZELPreviewPlayer;
 class CameraDataParser;
 class CameraSession;
 
@@ -37,6 +38,12 @@ class ZEL_EXPORT CameraStack {
   CameraDataParser& parser();
   ZELCameraUCD& ucd();
   ZELCameraManager& manager();
+  // What the stack was built on.
+  const platform::Ports& ports() const;
+
+  // suitablePreviewPlayer - a new player that receives this camera's preview, at the current resolution, in place of
+  // the one before. The caller holds it; it may outlive the stack, and then receives nothing.
+  std::shared_ptr<ZELPreviewPlayer> suitablePreviewPlayer();
 
   // What the link has seen so far. Thread: any thread.
   LinkStatistics statistics() const;

@@ -3,8 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <vector>
 
+#include <ZELTarkaSDK/ZELPreviewPlayer.h>
+
+#include "platform/ports.h"
+#include "platform/simulated/scripted_video_decoder.h"
 #include "tests/transport/simulated_camera.h"
 
 namespace zel::test {
@@ -65,6 +70,72 @@ TEST_F(CameraStackTest, GivesBackEverythingOverTwoHundredPluggings) {
     ASSERT_EQ(accessory().status(), 0u) << "cycle " << cycle;
     ASSERT_EQ(host.liveThreads("session thread"), 0) << "cycle " << cycle;
   }
+}
+
+class PreviewTest : public SimulatedCameraTest {
+ protected:
+  PreviewTest() {
+    platform::Ports ports = host.ports();
+    ports.videoDecoders = &decoders;
+    decodingStack.emplace(ports);
+  }
+  void openAndSynchronisePreview() {
+    attach();
+    decodingStack->accessory().openCamera();
+    host.runUntilIdle();
+    send(kMarker);
+  }
+  static Bytes videoFrame(std::initializer_list<int> unit) {
+    return join(bytes({10 + static_cast<int>(unit.size()), 0, 0, 0, 1, 0}), bytes({0, 0, 0, 1}), bytes(unit));
+  }
+  static Bytes videoTimeFrame(int time) { return bytes({15, 0, 0, 0, 8, 0, 0, time, 0, 0, 0, 0, 0, 0, 0}); }
+
+  platform::ScriptedVideoDecoders decoders;
+  std::optional<CameraStack> decodingStack;
+};
+
+TEST_F(PreviewTest, TurnsTheCamerasFramesIntoPicturesWithTheirTimes) {
+  const auto player = decodingStack->suitablePreviewPlayer();
+  openAndSynchronisePreview();
+  for (const Bytes& frame : {videoFrame({0x67, 1}), videoFrame({0x68, 2}), videoFrame({0x65, 3}), videoTimeFrame(40),
+                             videoFrame({0x41, 4}), videoTimeFrame(80), videoFrame({0x41, 5}), videoFrame({0x41, 6})}) {
+    send(frame);
+  }
+  // A unit is decoded when the next one comes, and bears the time of then.
+  std::int64_t time = 0;
+  EXPECT_NE(player->copyNextFrame(&time), nullptr);
+  EXPECT_EQ(time, 40);
+  EXPECT_NE(player->copyNextFrame(&time), nullptr);
+  EXPECT_EQ(time, 80);
+}
+
+TEST_F(PreviewTest, GivesANewPlayerTheResolutionOfTheMoment) {
+  const auto first = decodingStack->suitablePreviewPlayer();
+  EXPECT_EQ(first->imageWidth(), 1440);
+  EXPECT_EQ(first->imageHeight(), 720);
+  EXPECT_EQ(first->fps(), 15);
+  decodingStack->parser().setVideoStreamRes(15);
+  EXPECT_EQ(first->imageWidth(), 3040);
+  const auto second = decodingStack->suitablePreviewPlayer();
+  EXPECT_EQ(second->imageWidth(), 3040);
+  EXPECT_EQ(second->imageHeight(), 1520);
+  EXPECT_EQ(second->fps(), 30);
+}
+
+TEST_F(PreviewTest, GivesThePreviewToTheLatestPlayerOnly) {
+  const auto first = decodingStack->suitablePreviewPlayer();
+  const auto second = decodingStack->suitablePreviewPlayer();
+  EXPECT_EQ(decodingStack->parser().previewPlayer(), second);
+}
+
+TEST_F(PreviewTest, IsOverForThePlayerWhenTheStackGoes) {
+  const auto player = decodingStack->suitablePreviewPlayer();
+  decodingStack.reset();
+  host.runUntilIdle();
+  player->setMediaDataDelegate({});
+  player->appendVideoBytes(bytes({0, 0, 0, 1, 0x65, 1}));
+  player->appendVideoBytes(bytes({0, 0, 0, 1, 0x65, 1}));
+  EXPECT_EQ(player->nextVideoTimestamp(), 66);  // of a camera of no known firmware
 }
 
 // Any order of the threads' turns gives the same statuses.

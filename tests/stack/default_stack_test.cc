@@ -2,6 +2,7 @@
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include "platform/simulated/simulated_platform.h"
 #include "transport/camera_data_parser.h"
@@ -20,6 +21,17 @@ TEST(DefaultStackDeathTest, GivesTheSameObjectsToEveryCaller) {
         exitWith(&ZELCameraAccessory::defaultCamera() == &ZELCameraAccessory::defaultCamera() &&
                  &ZELCameraAccessory::defaultCamera() == &processStack().accessory() &&
                  &CameraDataParser::shareCameraDataParser() == &processStack().parser());
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST(DefaultStackDeathTest, GivesTheProcessesPreviewToTheSuitablePlayer) {
+  EXPECT_EXIT(
+      {
+        auto* host = new platform::SimulatedPlatform();
+        setDefaultPorts(host->ports());
+        const auto player = ZELPreviewPlayer::suitablePreviewPlayer();
+        exitWith(CameraDataParser::shareCameraDataParser().previewPlayer() == player && player->imageWidth() == 1440);
       },
       testing::ExitedWithCode(0), "");
 }

@@ -1,0 +1,63 @@
+#include "media/preview_decoding.h"
+
+#include <utility>
+
+namespace zel {
+
+void PreviewDecoding::offerSps(ByteView unit) {
+  const MutexLock lock(mutex_);
+  sets_.offerSps(unit);
+}
+
+void PreviewDecoding::offerPps(ByteView unit, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate) {
+  ParameterSets used;
+  {
+    const MutexLock lock(mutex_);
+    sets_.offerPps(unit);
+    if (loop_ || decoders_ == nullptr || !sets_.areComplete()) return;
+    used = sets_;
+  }
+  start(used, delegate);
+}
+
+// The decoder is made without the lock, since that takes time. A reset meanwhile makes it useless.
+void PreviewDecoding::start(const ParameterSets& used, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate) {
+  auto made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), delegate);
+  const MutexLock lock(mutex_);
+  if (loop_ || !sets_.areThoseOf(used)) return;
+  if (!made) {
+    sets_ = {};
+    return;
+  }
+  made->start();
+  loop_ = std::move(made);
+}
+
+ParameterSets PreviewDecoding::sets() const {
+  const MutexLock lock(mutex_);
+  return sets_;
+}
+
+std::shared_ptr<ZELDecodeRunLoop> PreviewDecoding::loop() const {
+  const MutexLock lock(mutex_);
+  return loop_;
+}
+
+void PreviewDecoding::append(ZELDecodeRunLoop::Unit unit) {
+  if (const auto decoding = loop()) decoding->appendDecodeData(std::move(unit));
+}
+
+ZELDecodeRunLoop::Picture PreviewDecoding::nextPicture() {
+  const auto decoding = loop();
+  return decoding ? decoding->getNextMediaPixelBuffer() : nullptr;
+}
+
+void PreviewDecoding::reset() {
+  std::shared_ptr<ZELDecodeRunLoop> ended;  // let go after the lock
+  const MutexLock lock(mutex_);
+  sets_ = {};
+  ended.swap(loop_);
+  if (ended) ended->stop();
+}
+
+}  // namespace zel
