@@ -1,0 +1,261 @@
+#include "platform/ffmpeg/h264_decoder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "platform/ffmpeg/h264_headers.h"
+#include "platform/ffmpeg/libav.h"
+#include "platform/ffmpeg/picture_conversion.h"
+
+namespace zel::platform {
+namespace {
+
+using Bytes = VideoDecoder::Bytes;
+
+constexpr std::uint8_t kStartCode[] = {0, 0, 0, 1};
+constexpr std::uint8_t kDelimiter[] = {9, 0xF0};        // an access-unit delimiter before a picture of any kind
+constexpr std::size_t kLargestUnit = 64u << 20;         // bytes
+constexpr std::size_t kLargestParameterSet = 1u << 16;  // bytes
+constexpr std::size_t kPrefix = 4;
+
+// FFmpeg looks for start codes anyway, so that the ones which a cutter left inside of a unit do no harm.
+void appendUnit(std::vector<std::uint8_t>& stream, Bytes unit) {
+  stream.insert(stream.end(), std::begin(kStartCode), std::end(kStartCode));
+  stream.insert(stream.end(), unit.begin(), unit.end());
+}
+
+bool setHeaders(AVCodecContext& context, Bytes sps, Bytes pps) {
+  std::vector<std::uint8_t> headers;
+  appendUnit(headers, sps);
+  appendUnit(headers, pps);
+  context.extradata = static_cast<std::uint8_t*>(av_mallocz(headers.size() + AV_INPUT_BUFFER_PADDING_SIZE));
+  if (context.extradata == nullptr) return false;
+  std::memcpy(context.extradata, headers.data(), headers.size());
+  context.extradata_size = static_cast<int>(headers.size());
+  return true;
+}
+
+std::size_t lengthPrefix(Bytes unit) {
+  return std::size_t{unit[0]} << 24 | std::size_t{unit[1]} << 16 | std::size_t{unit[2]} << 8 | std::size_t{unit[3]};
+}
+
+// The unit behind its length; nothing where the two do not fit.
+std::optional<Bytes> unitIn(Bytes prefixed) {
+  if (prefixed.size() <= kPrefix || prefixed.size() > kLargestUnit) return std::nullopt;
+  const Bytes unit = prefixed.subspan(kPrefix);
+  return lengthPrefix(prefixed) == unit.size() ? std::optional(unit) : std::nullopt;
+}
+
+// A codec context that is fed packets.
+class LibavStream {
+ public:
+  explicit LibavStream(CodecContextPtr context) : context_(std::move(context)) {}
+
+  AVCodecContext& context() { return *context_; }
+
+  // FFmpeg's code for the fault, 0 for none. The picture, if one came out, waits for receive().
+  int send(Bytes stream, std::int64_t timestamp) {
+    const PacketPtr packet(av_packet_alloc());
+    if (!packet || av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0) return AVERROR(ENOMEM);
+    std::memcpy(packet->data, stream.data(), stream.size());
+    packet->pts = timestamp;
+    return avcodec_send_packet(context_.get(), packet.get());
+  }
+
+  int sendEnd() { return avcodec_send_packet(context_.get(), nullptr); }
+
+  FramePtr receive() {
+    FramePtr frame(av_frame_alloc());
+    if (!frame || avcodec_receive_frame(context_.get(), frame.get()) < 0) return nullptr;
+    return frame;
+  }
+
+ private:
+  CodecContextPtr context_;
+};
+
+DecodeResult resultOf(FramePtr frame) {
+  if (!frame) return {};
+  const std::int64_t timestamp = frame->pts;
+  PixelBufferRef pixels = pixelsOf(std::move(frame));
+  if (!pixels) return {};
+  return {DecodeStatus::picture, {std::move(pixels), timestamp}};
+}
+
+bool isDecodable(const H264Sequence& sequence) {
+  const std::int64_t macroblocks = std::int64_t{sequence.widthInMacroblocks} * sequence.heightInMacroblocks;
+  return sequence.chromaFormat <= 1 && sequence.bitDepth == 8 && 256 * macroblocks <= LibavVideoDecoders::kMostPixels;
+}
+
+// How units become packets.
+enum class Feeding {
+  undecided,         // unit by unit; the first key picture tells how to go on
+  unitByUnit,        // each unit at once: FFmpeg gives a picture as soon as its last macroblock has been decoded
+  pictureByPicture,  // all units of a picture together, when the next picture shows that it is whole
+};
+
+class H264Decoder final : public VideoDecoder {
+ public:
+  H264Decoder(CodecContextPtr context, const H264Sequence& sequence, Feeding feeding) : stream_(std::move(context)) {
+    note(sequence);
+    feed(feeding);
+  }
+
+  DecodeResult decode(Bytes prefixed, std::int64_t timestamp) override {
+    if (ended_) return {DecodeStatus::sessionInvalid, {}};
+    const auto unit = unitIn(prefixed);
+    if (!unit) return {};
+    if (typeOf(unit->front()) == H264UnitType::sequence && !followSequence(*unit)) return {};
+    const auto slice = parseH264SliceStart(*unit);
+    if (slice && slice->bidirectional) expectReordering();
+    if (feeding_ == Feeding::pictureByPicture) return collect(*unit, slice, timestamp);
+    return decodeAtOnce(*unit, slice, timestamp);
+  }
+
+  DecodedPicture flush() override {
+    if (!std::exchange(ended_, true)) {
+      if (hasSlice_) stream_.send(packet_, timestamp_);
+      stream_.sendEnd();
+    }
+    while (FramePtr frame = stream_.receive()) {
+      if (DecodeResult result = resultOf(std::move(frame)); result.status == DecodeStatus::picture)
+        return std::move(result.picture);
+    }
+    return {};
+  }
+
+ private:
+  void feed(Feeding feeding) {
+    feeding_ = feeding;
+    int& flags = stream_.context().flags2;
+    flags = feeding == Feeding::pictureByPicture ? flags & ~AV_CODEC_FLAG2_CHUNKS : flags | AV_CODEC_FLAG2_CHUNKS;
+  }
+
+  void note(const H264Sequence& sequence) {
+    heldBackIfReordered_ = mostReorderedPictures(sequence);
+    reorderingIsKnown_ = sequence.reordersNever || sequence.reorderingIsDeclared;
+  }
+
+  // False for a set that makes no sense: FFmpeg might take it and hold pictures back without end.
+  bool followSequence(Bytes unit) {
+    const auto sequence = parseH264Sequence(unit);
+    if (!sequence || !isDecodable(*sequence)) return false;
+    note(*sequence);
+    return true;
+  }
+
+  // FFmpeg would raise this by itself, step by step, and lose a picture at each.
+  void expectReordering() {
+    if (std::exchange(reorderingIsKnown_, true)) return;
+    stream_.context().has_b_frames = std::max(stream_.context().has_b_frames, heldBackIfReordered_);
+  }
+
+  DecodeResult decodeAtOnce(Bytes unit, const std::optional<H264SliceStart>& slice, std::int64_t timestamp) {
+    const bool decides = feeding_ == Feeding::undecided && slice && slice->key;
+    if (decides && !slice->beginsPicture) return collectFromNowOn(unit, slice, timestamp);
+    if (slice && !slice->beginsPicture && !pictureBegun_) return {};  // its first slice is missing
+    if (slice && slice->beginsPicture) beginPicture();
+    const int fault = sendAlone(unit, timestamp);
+    FramePtr frame = stream_.receive();
+    if (slice && (fault < 0 || frame)) pictureBegun_ = false;
+    if (decides && !frame && stream_.context().has_b_frames == 0) return collectFromNowOn(unit, slice, timestamp);
+    if (decides) feed(Feeding::unitByUnit);
+    return resultOf(std::move(frame));
+  }
+
+  // The first key picture consists of several units. It is decoded once more when all of them are there.
+  DecodeResult collectFromNowOn(Bytes unit, const std::optional<H264SliceStart>& slice, std::int64_t timestamp) {
+    avcodec_flush_buffers(&stream_.context());
+    feed(Feeding::pictureByPicture);
+    packet_.clear();
+    return collect(unit, slice, timestamp);
+  }
+
+  DecodeResult collect(Bytes unit, const std::optional<H264SliceStart>& slice, std::int64_t timestamp) {
+    DecodeResult result;
+    if (hasSlice_ && (!slice || slice->beginsPicture)) result = decodeCollected();
+    if (slice && !hasSlice_) timestamp_ = timestamp;
+    if (slice && slice->key && std::exchange(failed_, false)) avcodec_flush_buffers(&stream_.context());
+    hasSlice_ = hasSlice_ || slice;
+    if (packet_.size() + unit.size() <= kLargestUnit) appendUnit(packet_, unit);
+    return result;
+  }
+
+  // Several threads sometimes agree on a list of references that none of them can use; a key picture needs none, but
+  // they are freed from it only by force.
+  DecodeResult decodeCollected() {
+    if (stream_.send(packet_, timestamp_) < 0) failed_ = true;
+    packet_.clear();
+    hasSlice_ = false;
+    return resultOf(stream_.receive());
+  }
+
+  // While FFmpeg waits for units of a picture it takes none of the next one. A packet that is said to be whole ends
+  // that.
+  void beginPicture() {
+    if (std::exchange(pictureBegun_, true)) {
+      int& flags = stream_.context().flags2;
+      flags &= ~AV_CODEC_FLAG2_CHUNKS;
+      sendAlone(kDelimiter, AV_NOPTS_VALUE);
+      flags |= AV_CODEC_FLAG2_CHUNKS;
+    }
+  }
+
+  int sendAlone(Bytes unit, std::int64_t timestamp) {
+    packet_.clear();
+    appendUnit(packet_, unit);
+    const int fault = stream_.send(packet_, timestamp);
+    packet_.clear();
+    return fault;
+  }
+
+  LibavStream stream_;
+  Feeding feeding_ = Feeding::undecided;
+  int heldBackIfReordered_ = 1;
+  bool reorderingIsKnown_ = false;
+  std::vector<std::uint8_t> packet_;  // units of the picture that is being collected
+  std::int64_t timestamp_ = 0;        // of its first slice
+  bool hasSlice_ = false;
+  bool failed_ = false;        // a picture since the last key picture
+  bool pictureBegun_ = false;  // unit by unit: a first slice was decoded, and no picture has come out since
+  bool ended_ = false;
+};
+
+CodecContextPtr makeContext(Bytes sps, Bytes pps, int threads) {
+  const AVCodec* codec = avcodec_find_decoder(AV_CODEC_ID_H264);
+  CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
+  if (!context || !setHeaders(*context, sps, pps)) return nullptr;
+  silence(*context);
+  context->max_pixels = LibavVideoDecoders::kMostPixels;
+  context->thread_count = threads;
+  context->thread_type = FF_THREAD_FRAME;
+  return context;
+}
+
+DecoderCreation refused(DecoderCreationStage stage, int status) { return {nullptr, stage, status}; }
+
+}  // namespace
+
+DecoderCreation LibavVideoDecoders::create(VideoDecoder::Bytes sps, VideoDecoder::Bytes pps) {
+  const auto sequence = parseH264Sequence(sps);
+  const bool plausible = sequence && !pps.empty() && typeOf(pps[0]) == H264UnitType::picture &&
+                         std::max(sps.size(), pps.size()) <= kLargestParameterSet;
+  if (!plausible) return refused(DecoderCreationStage::description, AVERROR_INVALIDDATA);
+  if (!isDecodable(*sequence)) return refused(DecoderCreationStage::session, AVERROR_PATCHWELCOME);
+
+  const int threads = std::clamp(options_.threads, 1, kMostThreads);
+  CodecContextPtr context = makeContext(sps, pps, threads);
+  if (!context) return refused(DecoderCreationStage::session, AVERROR(ENOMEM));
+  context->err_recognition = AV_EF_EXPLODE;  // while the parameter sets are read
+  const int status = avcodec_open2(context.get(), context->codec, nullptr);
+  if (status < 0) return refused(DecoderCreationStage::description, status);
+  context->err_recognition = 0;
+  const Feeding feeding = threads == 1 ? Feeding::undecided : Feeding::pictureByPicture;
+  return {std::make_unique<H264Decoder>(std::move(context), *sequence, feeding), {}, 0};
+}
+
+}  // namespace zel::platform

@@ -1,0 +1,73 @@
+#include "platform/ffmpeg/picture_conversion.h"
+
+#include <libyuv/planar_functions.h>
+
+#include <cstddef>
+#include <utility>
+
+#include "platform/memory_pixel_buffer.h"
+
+namespace zel::platform {
+namespace {
+
+std::size_t half(int side) { return (static_cast<std::size_t>(side) + 1) / 2; }
+
+// The decoder's own memory for luma, and the two planes of chroma merged into one.
+class FramePixelBuffer final : public PixelBuffer {
+ public:
+  explicit FramePixelBuffer(FramePtr frame)
+      : frame_(std::move(frame)),
+        chromaStride_(2 * half(frame_->width)),
+        chroma_(std::make_unique_for_overwrite<std::uint8_t[]>(chromaStride_ * half(frame_->height))) {
+    libyuv::MergeUVPlane(frame_->data[1], frame_->linesize[1], frame_->data[2], frame_->linesize[2], chroma_.get(),
+                         static_cast<int>(chromaStride_), static_cast<int>(chromaStride_ / 2),
+                         static_cast<int>(half(frame_->height)));
+  }
+
+  std::int32_t width() const override { return frame_->width; }
+  std::int32_t height() const override { return frame_->height; }
+  PixelPlane luma() const override {
+    return {frame_->data[0], static_cast<std::size_t>(frame_->linesize[0]), static_cast<std::size_t>(frame_->width),
+            static_cast<std::size_t>(frame_->height)};
+  }
+  PixelPlane chroma() const override { return {chroma_.get(), chromaStride_, chromaStride_, half(frame_->height)}; }
+
+ private:
+  const FramePtr frame_;
+  const std::size_t chromaStride_;
+  const std::unique_ptr<std::uint8_t[]> chroma_;
+};
+
+const std::uint8_t* rowOf(const AVFrame& frame, int plane, std::size_t row) {
+  return frame.data[plane] + static_cast<std::ptrdiff_t>(row) * frame.linesize[plane];
+}
+
+PixelBufferRef stretchedRange(const AVFrame& frame) {
+  const auto picture = MemoryPixelBuffer::create(frame.width, frame.height);
+  if (!picture) return nullptr;
+  for (std::size_t y = 0; y < static_cast<std::size_t>(frame.height); ++y) {
+    const auto row = picture->lumaRow(y);
+    const std::uint8_t* from = rowOf(frame, 0, y);
+    for (std::size_t x = 0; x < row.size(); ++x) row[x] = fullRangeLuma(from[x]);
+  }
+  for (std::size_t y = 0; y < half(frame.height); ++y) {
+    const auto row = picture->chromaRow(y);
+    const std::uint8_t *cb = rowOf(frame, 1, y), *cr = rowOf(frame, 2, y);
+    for (std::size_t x = 0; x < row.size() / 2; ++x) {
+      row[2 * x] = fullRangeChroma(cb[x]);
+      row[2 * x + 1] = fullRangeChroma(cr[x]);
+    }
+  }
+  return picture;
+}
+
+}  // namespace
+
+PixelBufferRef pixelsOf(FramePtr frame) {
+  if (frame->format != AV_PIX_FMT_YUV420P && frame->format != AV_PIX_FMT_YUVJ420P) return nullptr;
+  if (frame->width < 1 || frame->height < 1) return nullptr;
+  if (frame->color_range == AVCOL_RANGE_MPEG) return stretchedRange(*frame);
+  return std::make_shared<FramePixelBuffer>(std::move(frame));
+}
+
+}  // namespace zel::platform

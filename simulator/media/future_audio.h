@@ -1,0 +1,25 @@
+#pragma once
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <utility>
+
+#include "simulator/media/adts.h"
+
+namespace zel::simulator {
+
+// Audio that may still be in the making. One that is not valid() never comes.
+using FutureAudio = std::shared_future<std::shared_ptr<const AudioTrack>>;
+
+inline FutureAudio readyAudio(AudioTrack track) {
+  std::promise<std::shared_ptr<const AudioTrack>> promise;
+  promise.set_value(std::make_shared<const AudioTrack>(std::move(track)));
+  return promise.get_future().share();
+}
+
+inline bool isReady(const FutureAudio& audio) {
+  return audio.valid() && audio.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
+}  // namespace zel::simulator

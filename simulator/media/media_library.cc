@@ -1,0 +1,107 @@
+#include "simulator/media/media_library.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+#include "simulator/media/beep.h"
+#include "simulator/media/scene_film.h"
+
+namespace zel::simulator {
+namespace {
+
+constexpr std::uintmax_t kLargestFile = 1024u << 20;  // bytes
+
+bool readFile(const std::string& path, Bytes& into, std::string& error) {
+  std::error_code fault;
+  const std::uintmax_t size = std::filesystem::file_size(path, fault);
+  std::ifstream file(path, std::ios::binary);
+  if (fault || !file) {
+    error = path + " cannot be read";
+  } else if (size > kLargestFile) {
+    error = path + " is larger than 1 GiB";
+  } else {
+    into.assign(std::istreambuf_iterator<char>(file), {});
+  }
+  return error.empty();
+}
+
+void fill(VideoLoop& loop, std::vector<VideoPicture> pictures) {
+  for (VideoPicture& picture : pictures) loop.add(std::move(picture));
+}
+
+// Runs on a thread of its own.
+void film(const std::stop_token& stop, const PreviewFormat& format, const LoopCache& cache, VideoLoop& loop) {
+  SceneFilm scene(format);
+  VideoPicture first = scene.ok() ? scene.next() : VideoPicture();
+  std::vector<VideoPicture> made = cache.find(format, first, loop.length());
+  if (!made.empty()) return fill(loop, std::move(made));
+  for (VideoPicture picture = std::move(first); !picture.bytes.empty() && !stop.stop_requested();
+       picture = scene.next()) {
+    made.push_back(picture);
+    loop.add(std::move(picture));
+    if (made.size() == loop.length()) return cache.keep(format, made);
+  }
+}
+
+}  // namespace
+
+MediaLibrary::~MediaLibrary() { scenesMaker_.request_stop(); }
+
+bool MediaLibrary::useVideo(const std::string& file, std::string& error) {
+  Bytes stream;
+  if (!readFile(file, stream, error)) return false;
+  std::vector<VideoPicture> pictures = picturesIn(stream);
+  if (pictures.empty()) {
+    error = file + " is no H.264 stream with start codes";
+    return false;
+  }
+  const auto loop = std::make_shared<VideoLoop>(pictures.size());
+  fill(*loop, std::move(pictures));
+  file_ = loop;
+  return true;
+}
+
+bool MediaLibrary::useAudio(const std::string& file, std::string& error) {
+  Bytes stream;
+  if (!readFile(file, stream, error)) return false;
+  AudioTrack track = framesIn(stream);
+  if (track.frames.empty()) {
+    error = file + " is no ADTS stream";
+    return false;
+  }
+  audio_ = readyAudio(std::move(track));
+  return true;
+}
+
+std::shared_ptr<const VideoLoop> MediaLibrary::video(const PreviewFormat& format) {
+  if (file_) return file_;
+  if (!scene_ || format != format_) makePictures(format);
+  return scene_;
+}
+
+void MediaLibrary::makePictures(const PreviewFormat& format) {
+  scenesMaker_.request_stop();
+  scenesMaker_ = {};
+  format_ = format;
+  scene_ = std::make_shared<VideoLoop>(static_cast<std::size_t>(kLoopSeconds * format.rate));
+  makers_.emplace_back([stop = scenesMaker_.get_token(), format, cache = cache_, loop = scene_] {
+    film(stop, format, cache, *loop);
+    loop->end();
+  });
+}
+
+FutureAudio MediaLibrary::audio() {
+  if (!audio_.valid()) makeSound();
+  return audio_;
+}
+
+void MediaLibrary::makeSound() {
+  std::promise<std::shared_ptr<const AudioTrack>> promise;
+  audio_ = promise.get_future().share();
+  makers_.emplace_back(
+      [promise = std::move(promise)]() mutable { promise.set_value(std::make_shared<const AudioTrack>(makeBeeps())); });
+}
+
+}  // namespace zel::simulator

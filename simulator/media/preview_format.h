@@ -1,0 +1,19 @@
+#pragma once
+
+namespace zel::simulator {
+
+// What a preview resolution code asks for. Units: pixels, pictures a second.
+struct PreviewFormat {
+  int width = 0, height = 0, rate = 0;
+
+  bool operator==(const PreviewFormat&) const = default;
+};
+
+// code: 0 to 15; code / 4 is the size, code % 4 the rate.
+constexpr PreviewFormat previewFormat(int code) {
+  constexpr int kWidths[] = {1440, 2160, 2560, 3040};
+  constexpr int kRates[] = {15, 20, 25, 30};
+  return {kWidths[code / 4 % 4], kWidths[code / 4 % 4] / 2, kRates[code % 4]};
+}
+
+}  // namespace zel::simulator

@@ -1,0 +1,79 @@
+#include "simulator/media/scene_film.h"
+
+#include <libyuv/convert.h>
+
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+#include <utility>
+
+namespace zel::simulator {
+namespace {
+
+CodecContextPtr openEncoder(const PreviewFormat& format) {
+  const AVCodec* codec = avcodec_find_encoder_by_name("libx264");
+  CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
+  if (!context) return nullptr;
+  context->log_level_offset = 100;  // above every level that is shown
+  context->width = format.width;
+  context->height = format.height;
+  context->time_base = {1, format.rate};
+  context->framerate = {format.rate, 1};
+  context->gop_size = format.rate;
+  context->pix_fmt = AV_PIX_FMT_YUVJ420P;
+  context->color_range = AVCOL_RANGE_JPEG;
+  context->colorspace = AVCOL_SPC_SMPTE170M;
+  context->thread_count = 1;  // several would cut the picture into slices
+  av_opt_set(context.get(), "preset", "superfast", AV_OPT_SEARCH_CHILDREN);
+  av_opt_set(context.get(), "tune", "zerolatency", AV_OPT_SEARCH_CHILDREN);
+  av_opt_set(context.get(), "qp", "20", AV_OPT_SEARCH_CHILDREN);
+  av_opt_set(context.get(), "forced-idr", "1", AV_OPT_SEARCH_CHILDREN);
+  av_opt_set(context.get(), "x264-params", "scenecut=0:repeat-headers=1:annexb=1", AV_OPT_SEARCH_CHILDREN);
+  return avcodec_open2(context.get(), codec, nullptr) == 0 ? std::move(context) : nullptr;
+}
+
+// libx264 writes start codes of three bytes within a picture; the camera knows those of four bytes alone.
+VideoPicture withLongStartCodes(const AVPacket& packet) {
+  const std::span<const std::uint8_t> stream(packet.data, static_cast<std::size_t>(packet.size));
+  VideoPicture picture;
+  for (const UnitPlace& unit : unitsIn(stream)) {
+    picture.bytes.insert(picture.bytes.end(), {0, 0, 0, 1});
+    picture.bytes.insert(picture.bytes.end(), stream.begin() + static_cast<std::ptrdiff_t>(unit.header),
+                         stream.begin() + static_cast<std::ptrdiff_t>(unit.end));
+  }
+  picture.key = (packet.flags & AV_PKT_FLAG_KEY) != 0;
+  return picture;
+}
+
+}  // namespace
+
+SceneFilm::SceneFilm(const PreviewFormat& format)
+    : format_(format),
+      scene_(format.width, format.height),
+      lenses_(factoryLensOffset(), format.width, format.height, format.width, format.height),
+      encoder_(openEncoder(format)) {}
+
+FramePtr SceneFilm::view() {
+  FramePtr frame(av_frame_alloc());
+  frame->format = AV_PIX_FMT_YUVJ420P;
+  frame->width = format_.width;
+  frame->height = format_.height;
+  frame->pts = number_;
+  if (av_frame_get_buffer(frame.get(), 0) < 0) return nullptr;
+  const Picture seen = lenses_.project(scene_.at(static_cast<double>(number_) / format_.rate));
+  libyuv::RAWToJ420(seen.rgb.data(), 3 * seen.width, frame->data[0], frame->linesize[0], frame->data[1],
+                    frame->linesize[1], frame->data[2], frame->linesize[2], seen.width, seen.height);
+  return frame;
+}
+
+VideoPicture SceneFilm::next() {
+  const PacketPtr packet(av_packet_alloc());
+  const FramePtr frame = view();
+  ++number_;
+  if (!encoder_ || !frame || avcodec_send_frame(encoder_.get(), frame.get()) < 0) return {};
+  if (avcodec_receive_packet(encoder_.get(), packet.get()) < 0) return {};
+  return withLongStartCodes(*packet);
+}
+
+}  // namespace zel::simulator

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+
+#include "simulator/fisheye.h"
+#include "simulator/media/annex_b.h"
+#include "simulator/media/libav.h"
+#include "simulator/media/preview_format.h"
+#include "simulator/scene.h"
+
+namespace zel::simulator {
+
+// The camera's view of the moving scene as H.264: both lenses' circles, full range, a key picture with its parameter
+// sets each second, one slice a picture, start codes of four bytes, no reordering. Thread: one at a time.
+class SceneFilm {
+ public:
+  // The map of the lenses is built here, which takes longer than a picture. The width is a multiple of 4.
+  explicit SceneFilm(const PreviewFormat& format);
+
+  bool ok() const { return encoder_ != nullptr; }  // false where FFmpeg has no libx264
+
+  // The next picture; its time is its number divided by the rate. Errors: a picture without bytes.
+  VideoPicture next();
+
+ private:
+  FramePtr view();
+
+  const PreviewFormat format_;
+  const Scene scene_;
+  const FisheyeProjector lenses_;
+  const CodecContextPtr encoder_;
+  std::int64_t number_ = 0;
+};
+
+}  // namespace zel::simulator

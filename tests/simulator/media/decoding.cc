@@ -1,0 +1,59 @@
+#include "tests/simulator/media/decoding.h"
+
+#include <cstring>
+
+namespace zel::simulator {
+namespace {
+
+CodecContextPtr openDecoder(AVCodecID id) {
+  const AVCodec* codec = avcodec_find_decoder(id);
+  CodecContextPtr context(avcodec_alloc_context3(codec));
+  context->thread_count = 1;
+  avcodec_open2(context.get(), codec, nullptr);
+  return context;
+}
+
+void send(AVCodecContext& decoder, const Bytes& bytes) {
+  const PacketPtr packet(av_packet_alloc());
+  av_new_packet(packet.get(), static_cast<int>(bytes.size()));
+  std::memcpy(packet->data, bytes.data(), bytes.size());
+  avcodec_send_packet(&decoder, packet.get());
+}
+
+DecodedLuma lumaOf(const AVFrame& frame) {
+  DecodedLuma picture{frame.width, frame.height, frame.color_range == AVCOL_RANGE_JPEG, {}};
+  for (int y = 0; y < frame.height; ++y) {
+    const std::uint8_t* row = frame.data[0] + y * frame.linesize[0];
+    picture.luma.insert(picture.luma.end(), row, row + frame.width);
+  }
+  return picture;
+}
+
+}  // namespace
+
+std::vector<DecodedLuma> decodePictures(std::span<const VideoPicture> pictures) {
+  const CodecContextPtr decoder = openDecoder(AV_CODEC_ID_H264);
+  const FramePtr frame(av_frame_alloc());
+  std::vector<DecodedLuma> result;
+  for (const VideoPicture& picture : pictures) {
+    send(*decoder, picture.bytes);
+    while (avcodec_receive_frame(decoder.get(), frame.get()) == 0) result.push_back(lumaOf(*frame));
+  }
+  return result;
+}
+
+std::vector<float> decodeSound(std::span<const Bytes> frames) {
+  const CodecContextPtr decoder = openDecoder(AV_CODEC_ID_AAC);
+  const FramePtr frame(av_frame_alloc());
+  std::vector<float> samples;
+  for (const Bytes& bytes : frames) {
+    send(*decoder, bytes);
+    while (avcodec_receive_frame(decoder.get(), frame.get()) == 0) {
+      const auto* left = reinterpret_cast<const float*>(frame->data[0]);
+      samples.insert(samples.end(), left, left + frame->nb_samples);
+    }
+  }
+  return samples;
+}
+
+}  // namespace zel::simulator

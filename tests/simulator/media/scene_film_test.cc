@@ -1,0 +1,94 @@
+#include "simulator/media/scene_film.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/simulator/media/decoding.h"
+
+namespace zel::simulator {
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+
+constexpr PreviewFormat kSmall{480, 240, 4};
+
+std::vector<VideoPicture> filmed(int count) {
+  SceneFilm film(kSmall);
+  std::vector<VideoPicture> pictures;
+  for (int i = 0; i < count; ++i) pictures.push_back(film.next());
+  return pictures;
+}
+
+std::vector<int> typesIn(const VideoPicture& picture) {
+  std::vector<int> types;
+  for (const UnitPlace& unit : unitsIn(picture.bytes)) types.push_back(unitType(picture.bytes, unit));
+  return types;
+}
+
+TEST(SceneFilmTest, BeginsEachSecondWithAKeyPictureBehindItsParameterSets) {
+  const auto pictures = filmed(9);
+  for (std::size_t i = 0; i < pictures.size(); ++i) {
+    EXPECT_EQ(pictures[i].key, i % 4 == 0) << i;
+    auto types = typesIn(pictures[i]);
+    std::erase(types, 6);  // the encoder's name
+    if (i % 4 == 0) {
+      EXPECT_THAT(types, ElementsAre(7, 8, 5)) << i;
+    } else {
+      EXPECT_THAT(types, ElementsAre(1)) << i;
+    }
+  }
+}
+
+TEST(SceneFilmTest, HasStartCodesOfFourBytesOnly) {
+  for (const VideoPicture& picture : filmed(3)) {
+    for (const UnitPlace& unit : unitsIn(picture.bytes)) EXPECT_EQ(unit.header - unit.begin, 4u);
+  }
+}
+
+TEST(SceneFilmTest, GivesAPictureForEachWithoutDelay) {
+  const auto decoded = decodePictures(filmed(6));
+  ASSERT_EQ(decoded.size(), 6u);
+  EXPECT_EQ(decoded[5].width, 480);
+  EXPECT_EQ(decoded[5].height, 240);
+  EXPECT_TRUE(decoded[5].fullRange);
+}
+
+// Where the front lens shows a direction, in pixels of the small picture.
+Point placeOf(double longitude, double latitude) {
+  const LensOffset offset = factoryLensOffset();
+  const Point at = LensProjection(offset.lenses[0], offset.model).pointOf(directionAt(longitude, latitude));
+  return {at.x * kSmall.width / offset.width, at.y * kSmall.height / offset.height};
+}
+
+int lumaAt(const DecodedLuma& picture, Point at) { return picture.at(static_cast<int>(at.x), static_cast<int>(at.y)); }
+
+TEST(SceneFilmTest, LightsTheLampAtEachFullSecond) {
+  const auto decoded = decodePictures(filmed(5));
+  const Point lamp = placeOf(kLampAside, kClockLatitude);
+  EXPECT_GT(lumaAt(decoded[0], lamp), 90);  // 255, 60, 40: 116
+  EXPECT_LT(lumaAt(decoded[1], lamp), 60);  // 58, 20, 20: 31
+  EXPECT_LT(lumaAt(decoded[3], lamp), 60);
+  EXPECT_GT(lumaAt(decoded[4], lamp), 90);
+}
+
+TEST(SceneFilmTest, MovesTheDisc) {
+  const auto decoded = decodePictures(filmed(5));
+  EXPECT_GT(lumaAt(decoded[0], placeOf(0, 0)), 190);    // 255, 226, 84: 218
+  EXPECT_GT(lumaAt(decoded[4], placeOf(45, 0)), 190);   // an eighth of its round
+  EXPECT_LT(lumaAt(decoded[0], placeOf(4.6, 0)), 120);  // its dark ring
+}
+
+TEST(SceneFilmTest, IsBlackOutsideTheCircles) {
+  const auto decoded = decodePictures(filmed(1));
+  EXPECT_LT(decoded[0].at(2, 2), 6);
+  EXPECT_LT(decoded[0].at(477, 237), 6);
+}
+
+TEST(SceneFilmTest, IsTheSameEachTime) {
+  const auto once = filmed(3), again = filmed(3);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(once[i].bytes, again[i].bytes);
+}
+
+}  // namespace
+}  // namespace zel::simulator
