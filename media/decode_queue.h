@@ -23,11 +23,14 @@ class DecodeQueue {
   // key unit goes too.
   static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 
-  void append(Unit unit) {
+  // Returns how many were dropped.
+  std::size_t append(Unit unit) {
+    const std::size_t before = units_.size() + 1;
     bytes_ += sizeOf(unit);
     units_.push_back(std::move(unit));
     if (units_.size() >= kFull && !isIdr(bytesOf(units_.front()))) dropOldest();
     while (bytes_ > kMostBytes && units_.size() > 1) dropOldest();
+    return before - units_.size();
   }
 
   // The oldest unit, null when there is none.

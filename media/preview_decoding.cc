@@ -3,6 +3,13 @@
 #include <utility>
 
 namespace zel {
+namespace {
+
+PreviewStatistics sum(const PreviewStatistics& a, const PreviewStatistics& b) {
+  return {a.units + b.units, a.dropped + b.dropped, a.withoutPicture + b.withoutPicture, a.pictures + b.pictures};
+}
+
+}  // namespace
 
 void PreviewDecoding::offerSps(ByteView unit) {
   const MutexLock lock(mutex_);
@@ -52,12 +59,19 @@ ZELDecodeRunLoop::Picture PreviewDecoding::nextPicture() {
   return decoding ? decoding->getNextMediaPixelBuffer() : nullptr;
 }
 
+PreviewStatistics PreviewDecoding::statistics() const {
+  const MutexLock lock(mutex_);
+  return loop_ ? sum(before_, loop_->statistics()) : before_;
+}
+
 void PreviewDecoding::reset() {
   std::shared_ptr<ZELDecodeRunLoop> ended;  // let go after the lock
   const MutexLock lock(mutex_);
   sets_ = {};
   ended.swap(loop_);
-  if (ended) ended->stop();
+  if (!ended) return;
+  before_ = sum(before_, ended->statistics());
+  ended->stop();
 }
 
 }  // namespace zel

@@ -32,6 +32,9 @@ class PreviewDecoding {
   // The oldest picture that was not polled; null when there is none.
   ZELDecodeRunLoop::Picture nextPicture();
 
+  // What has become of all units, those before a reset included.
+  PreviewStatistics statistics() const;
+
   // Forgets the sets and ends the decode thread, without waiting for it.
   void reset();
 
@@ -45,6 +48,7 @@ class PreviewDecoding {
   mutable Mutex mutex_;
   ParameterSets sets_ ZEL_GUARDED_BY(mutex_);
   std::shared_ptr<ZELDecodeRunLoop> loop_ ZEL_GUARDED_BY(mutex_);
+  PreviewStatistics before_ ZEL_GUARDED_BY(mutex_);  // of the loops before this one
 };
 
 }  // namespace zel

@@ -57,7 +57,8 @@ void ZELDecodeRunLoop::withdraw() {
 void ZELDecodeRunLoop::appendDecodeData(Unit unit) {
   {
     const MutexLock lock(h264DataMutex_);
-    h264Datas_.append(std::move(unit));
+    units_.fetch_add(1);
+    dropped_.fetch_add(h264Datas_.append(std::move(unit)));
   }
   const MutexLock lock(loopMutex_);
   if (runLoop_ == nullptr) return;
@@ -81,6 +82,7 @@ ZELDecodeRunLoop::Unit ZELDecodeRunLoop::takeUnit() {
 
 // The receiver runs under the lock, as it always has: nobody polls a picture that was not delivered.
 void ZELDecodeRunLoop::deliver(const zel::platform::DecodedPicture& picture) {
+  (picture.pixelBuffer ? pictures_ : withoutPicture_).fetch_add(1);
   if (!picture.pixelBuffer) return;
   const MutexLock lock(pixelBufferMutex_);
   if (const auto delegate = delegate_.lock()) delegate->onPixelBuffer(picture.pixelBuffer, picture.timestamp);
@@ -100,6 +102,10 @@ void ZELDecodeRunLoop::signalIfMoreWaits() {
 ZELDecodeRunLoop::Picture ZELDecodeRunLoop::getNextMediaPixelBuffer() {
   const MutexLock lock(pixelBufferMutex_);
   return pixelBuffers_.take();
+}
+
+zel::PreviewStatistics ZELDecodeRunLoop::statistics() const {
+  return {units_.load(), dropped_.load(), withoutPicture_.load(), pictures_.load()};
 }
 
 void ZELDecodeRunLoop::clearData() {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
+#include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
 
 #include "media/decode_queue.h"
@@ -46,6 +48,9 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   // delegate's call.
   Picture getNextMediaPixelBuffer() ZEL_EXCLUDES(pixelBufferMutex_);
 
+  // What has become of the units. Thread: any thread.
+  zel::PreviewStatistics statistics() const;
+
   // Forgets all units and pictures that wait. Thread: as getNextMediaPixelBuffer.
   void clearData() ZEL_EXCLUDES(h264DataMutex_, pixelBufferMutex_);
 
@@ -64,6 +69,11 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   zel::platform::Threads& threads_;
   const std::unique_ptr<ZELH264Decoder> h264Decoder_;  // decode thread only
   const std::weak_ptr<ZELPixelBufferDataProtocol> delegate_;
+
+  std::atomic<std::uint64_t> units_ = 0;
+  std::atomic<std::uint64_t> dropped_ = 0;
+  std::atomic<std::uint64_t> withoutPicture_ = 0;
+  std::atomic<std::uint64_t> pictures_ = 0;
 
   zel::Mutex h264DataMutex_;
   zel::DecodeQueue h264Datas_ ZEL_GUARDED_BY(h264DataMutex_);

@@ -173,6 +173,8 @@ PixelBufferRef ZELPreviewPlayer::copyNextFrame(std::int64_t* timestamp) {
   return picture->pixelBuffer;
 }
 
+zel::PreviewStatistics ZELPreviewPlayer::statistics() const { return state_->decoding.statistics(); }
+
 void ZELPreviewPlayer::resetPlayer() {
   setImageWidth(0);
   setImageHeight(0);

@@ -20,6 +20,12 @@ Bus::Bus(const Settings& settings) {
   stopMainQueueOnInterrupt(*platform_);
 }
 
+platform::Ports Bus::ports() {
+  platform::Ports ports = platform_->ports();
+  ports.videoDecoders = &videoDecoders_;
+  return ports;
+}
+
 Bus::~Bus() { detachInterrupts(); }
 
 }  // namespace zel::app

@@ -5,6 +5,8 @@
 #include <memory>
 
 #include "apps/zelcam/settings.h"
+#include "platform/ffmpeg/h264_decoder.h"
+#include "platform/ports.h"
 
 namespace zel::app {
 
@@ -19,8 +21,11 @@ class Bus {
 
   bool isThere() const { return platform_ != nullptr; }
   LinuxPlatform& platform() { return *platform_; }
+  // The platform's ports with this program's codecs.
+  platform::Ports ports();
 
  private:
+  platform::LibavVideoDecoders videoDecoders_;
   std::unique_ptr<LinuxPlatform> platform_;
 };
 

@@ -108,7 +108,7 @@ int runCall(const Invocation& invocation) {
 
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus.platform(), settings);
+  CameraLink link(bus, settings);
   if (const int status = link.open(); status != kDone) return status;
   const auto answer = std::make_shared<CallAnswer>();
   std::get<0>(answer->values) = ordered_json::object();

@@ -18,10 +18,10 @@ constexpr std::uint64_t kFramesArrive = 2;
 
 }  // namespace
 
-CameraLink::CameraLink(LinuxPlatform& platform, const Settings& settings)
-    : platform_(platform),
+CameraLink::CameraLink(Bus& bus, const Settings& settings)
+    : platform_(bus.platform()),
       settings_(settings),
-      stack_(platform.ports(), settings.camera),
+      stack_(bus.ports(), settings.camera),
       watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); })) {}
 
 void CameraLink::statusChanged(std::uint64_t status) {

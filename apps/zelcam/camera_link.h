@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 
+#include "apps/zelcam/bus.h"
 #include "apps/zelcam/settings.h"
 
 namespace zel::app {
@@ -22,7 +23,7 @@ enum class Waited { done, timeOut, lost, interrupted };
 // Thread: main thread, whose main queue it runs while it waits; wake() on any.
 class CameraLink {
  public:
-  CameraLink(LinuxPlatform& platform, const Settings& settings);
+  CameraLink(Bus& bus, const Settings& settings);
 
   CameraStack& stack() { return stack_; }
   LinuxPlatform& platform() { return platform_; }

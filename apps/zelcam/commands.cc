@@ -8,8 +8,10 @@
 #include "apps/zelcam/monitor.h"
 #include "apps/zelcam/offset.h"
 #include "apps/zelcam/photo.h"
+#include "apps/zelcam/preview.h"
 #include "apps/zelcam/record.h"
 #include "apps/zelcam/sensors.h"
+#include "apps/zelcam/thumbnail.h"
 #include "apps/zelcam/upload.h"
 
 namespace zel::app {
@@ -67,6 +69,24 @@ std::vector<Command> allCommands() {
        {{"--as", "PATH", "what the file shall be called there; default: its own name"},
         {"--type", "N", "the camera's number for the kind of file; default: 0", Kind::integer, 0, 65535}},
        runUpload},
+      {"preview",
+       "decodes the camera's preview, and saves a picture of it",
+       "zelcam preview --snapshot now.png",
+       {},
+       {{"--snapshot", "FILE.png", "save the last picture"},
+        {"--frames", "N", "end after that many pictures; default: 1 with --snapshot, else until stopped", Kind::integer,
+         1, 1e15},
+        {"--resolution", "CODE", "preview code 0 to 15: code / 4 is the size, code % 4 the rate; default: 3",
+         Kind::integer, 0, 15}},
+       runPreview},
+      {"thumbnail",
+       "one picture out of a key frame in an H.264 file",
+       "zelcam thumbnail clip.h264 -o clip.png",
+       {{"FILE", "H.264 with start codes"}},
+       {{"-o,--output", "FILE.png", "the picture"},
+        {"--offset", "TEXT", "unwrap it by this lens offset"},
+        {"--size", "WxH", "of the unwrapped picture; default: 1440x720"}},
+       runThumbnail},
       {"offset",
        "a lens offset's text as a record, and back",
        "zelcam offset 2_745_760_760_0_0_0_745_2280_760_0_0_0_3040_1520_7",

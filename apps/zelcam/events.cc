@@ -111,7 +111,7 @@ int runEvents(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus.platform(), settings);
+  CameraLink link(bus, settings);
   // Added before the camera is there, so that no event is missed.
   const auto printer = std::make_shared<EventPrinter>(link, settings, invocation.values.integer("--count"));
   link.stack().ucd().addCameraNotificationReceiver(printer);

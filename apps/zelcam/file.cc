@@ -54,6 +54,8 @@ class TemporaryFile {
     return file_ >= 0 && writeAll(file_, bytes) && ::fchmod(file_, kFileMode & ~mask) == 0;
   }
 
+  bool replace(const std::string& path) { return ::rename(path_.c_str(), path.c_str()) == 0; }
+
   // Never replaces a file. Where the file system knows no links, the name is taken by an empty file first.
   bool appearAs(const std::string& path) {
     if (::link(path_.c_str(), path.c_str()) == 0) return true;
@@ -117,6 +119,14 @@ std::optional<std::string> saveFile(const std::string& folder, const std::string
   }
   error = fmt::format("{} has {} files named like {} already", folder, kMostNames, name);
   return std::nullopt;
+}
+
+bool replaceFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  TemporaryFile file(folder.empty() ? "." : folder);
+  if (file.write(bytes) && file.replace(path)) return true;
+  error = faultOf("write", path);
+  return false;
 }
 
 }  // namespace zel::app

@@ -113,7 +113,7 @@ int runInfo(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus.platform(), settings);
+  CameraLink link(bus, settings);
   if (const int status = link.open(); status != kDone) return status;
   const Questions asked(link);
   const Waited end = link.waitFor([&asked] { return asked.areAnswered(); }, settings.timeout);

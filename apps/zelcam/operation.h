@@ -43,7 +43,7 @@ struct Operation {
   DoneWhen doneWhen = DoneWhen::answered;
   bool valueWithError = false;  // a refusal carries the values too
   // Reads the input. Errors: no call; `error` then names the argument and what it takes.
-  ReadyCall (*prepare)(const Operation& operation, const CallInput& input, std::string& error);
+  std::function<ReadyCall(const Operation& operation, const CallInput& input, std::string& error)> prepare;
 };
 
 // Every operation, by class and in the order of its header.

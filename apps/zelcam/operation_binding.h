@@ -206,17 +206,19 @@ class ArgumentReader {
   std::size_t next_ = 0;
 };
 
-template <auto function>
-struct Binding;
-
-template <class Object, class... Parameters, void (Object::*function)(Parameters...)>
-struct Binding<function> {
+// All member functions of the same parameters share one instance of this.
+template <class Object, class... Parameters>
+struct Binding {
+  using Function = void (Object::*)(Parameters...);
   using Arguments = std::tuple<std::remove_cvref_t<Parameters>...>;
 
   // One row. names: of all parameters but the handlers, in their order; the one called jsonData comes from --extra.
-  static Operation row(std::string_view name, std::initializer_list<std::string_view> names,
+  static Operation row(std::string_view name, Function function, std::initializer_list<std::string_view> names,
                        std::initializer_list<std::string_view> resultKeys, DoneWhen doneWhen) {
-    Operation operation{name, {}, {}, resultKeys, doneWhen, false, prepare};
+    Operation operation{name, {}, {}, resultKeys, doneWhen, false, nullptr};
+    operation.prepare = [function](const Operation& called, const CallInput& input, std::string& error) {
+      return prepare(function, called, input, error);
+    };
     auto next = names.begin();
     (describe<std::remove_cvref_t<Parameters>>(operation, next), ...);
     return operation;
@@ -240,19 +242,19 @@ struct Binding<function> {
     }
   }
 
-  static ReadyCall prepare(const Operation& operation, const CallInput& input, std::string& error) {
+  static ReadyCall prepare(Function function, const Operation& operation, const CallInput& input, std::string& error) {
     ArgumentReader reader(operation, input, error);
     // Braces read from left to right.
     Arguments arguments{reader.template next<std::remove_cvref_t<Parameters>>()...};
     if (!error.empty()) return nullptr;
-    return [&operation, arguments = std::move(arguments)](CameraStack& stack, const CallDone& done) mutable {
-      call(stack, operation, done, arguments, std::index_sequence_for<Parameters...>());
+    return [function, &operation, arguments = std::move(arguments)](CameraStack& stack, const CallDone& done) mutable {
+      call(function, stack, operation, done, arguments, std::index_sequence_for<Parameters...>());
     };
   }
 
   template <std::size_t... index>
-  static void call(CameraStack& stack, const Operation& operation, const CallDone& done, Arguments& arguments,
-                   std::index_sequence<index...>) {
+  static void call(Function function, CameraStack& stack, const Operation& operation, const CallDone& done,
+                   Arguments& arguments, std::index_sequence<index...>) {
     (setHandler(std::get<index>(arguments), operation, done), ...);
     Object* const unused = nullptr;
     (object(stack, unused).*function)(std::get<index>(arguments)...);
@@ -267,29 +269,31 @@ struct Binding<function> {
 
 // The rows of each kind of operations.
 
-template <auto function>
-Operation answered(std::string_view name, std::initializer_list<std::string_view> names = {},
-                   std::initializer_list<std::string_view> resultKeys = {}) {
-  return Binding<function>::row(name, names, resultKeys, DoneWhen::answered);
+using Names = std::initializer_list<std::string_view>;
+
+template <class Object, class... Parameters>
+Operation answered(std::string_view name, void (Object::*function)(Parameters...), Names names = {},
+                   Names resultKeys = {}) {
+  return Binding<Object, Parameters...>::row(name, function, names, resultKeys, DoneWhen::answered);
 }
 
 // The camera's answer has values even where it is a refusal.
-template <auto function>
-Operation answeredEvenWithError(std::string_view name, std::initializer_list<std::string_view> names,
-                                std::initializer_list<std::string_view> resultKeys) {
-  Operation operation = answered<function>(name, names, resultKeys);
+template <class Object, class... Parameters>
+Operation answeredEvenWithError(std::string_view name, void (Object::*function)(Parameters...), Names names,
+                                Names resultKeys) {
+  Operation operation = answered(name, function, names, resultKeys);
   operation.valueWithError = true;
   return operation;
 }
 
-template <auto function>
-Operation written(std::string_view name, std::initializer_list<std::string_view> names = {}) {
-  return Binding<function>::row(name, names, {}, DoneWhen::written);
+template <class Object, class... Parameters>
+Operation written(std::string_view name, void (Object::*function)(Parameters...), Names names) {
+  return Binding<Object, Parameters...>::row(name, function, names, {}, DoneWhen::written);
 }
 
-template <auto function>
-Operation doesNothing(std::string_view name, std::initializer_list<std::string_view> names = {}) {
-  return Binding<function>::row(name, names, {}, DoneWhen::called);
+template <class Object, class... Parameters>
+Operation doesNothing(std::string_view name, void (Object::*function)(Parameters...), Names names) {
+  return Binding<Object, Parameters...>::row(name, function, names, {}, DoneWhen::called);
 }
 
 }  // namespace zel::app::binding

@@ -135,7 +135,7 @@ int runPhoto(const Invocation& invocation) {
   }
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus.platform(), invocation.settings);
+  CameraLink link(bus, invocation.settings);
   if (const int status = link.open(); status != kDone) return status;
   Shot shot(link, invocation);
   return bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);

@@ -79,7 +79,7 @@ int runRecord(const Invocation& invocation) {
   }
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus.platform(), settings);
+  CameraLink link(bus, settings);
   if (const int status = link.open(); status != kDone) return status;
   const std::string action = invocation.values.text("ACTION");
   return action == "stop" ? stop(link, settings) : startOrCancel(link, action, *sensors, settings);

@@ -93,7 +93,7 @@ int runUpload(const Invocation& invocation) {
   }
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus.platform(), settings);
+  CameraLink link(bus, settings);
   if (const int status = link.open(); status != kDone) return status;
   return upload(link, invocation.values, *file, settings);
 }

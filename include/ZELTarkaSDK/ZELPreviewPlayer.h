@@ -7,6 +7,7 @@
 
 #include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
+#include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/ZELCameraMediaDataDelegate.h>
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
 
@@ -79,6 +80,9 @@ class ZEL_EXPORT ZELPreviewPlayer final : public zel::PreviewConsumer, public ZE
   // copyNextFrame: - the oldest of the latest five pictures that was not polled yet, and its time where `timestamp` is
   // given; null, and the time untouched, when there is none.
   zel::platform::PixelBufferRef copyNextFrame(std::int64_t* timestamp);
+
+  // What has become of the encoded pictures. Thread: any thread.
+  zel::PreviewStatistics statistics() const;
 
   // onPixelBuffer:withTimesTamp: - a decoded picture. Thread: decode thread.
   void onPixelBuffer(const zel::platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) override;

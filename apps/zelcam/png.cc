@@ -1,0 +1,42 @@
+#include "apps/zelcam/png.h"
+
+#include <libyuv.h>
+#include <png.h>
+
+#include <cstddef>
+
+namespace zel::app {
+namespace {
+
+constexpr std::size_t kBytesAPixel = 4;
+
+// Blue, green, red and an opaque alpha, as libyuv has them and libpng takes them.
+std::vector<std::uint8_t> coloursOf(const platform::PixelBuffer& picture) {
+  const platform::PixelPlane luma = picture.luma();
+  const platform::PixelPlane chroma = picture.chroma();
+  const int width = picture.width();
+  const int height = picture.height();
+  std::vector<std::uint8_t> colours(kBytesAPixel * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  libyuv::NV12ToARGBMatrix(luma.data, static_cast<int>(luma.stride), chroma.data, static_cast<int>(chroma.stride),
+                           colours.data(), static_cast<int>(kBytesAPixel) * width, &libyuv::kYuvJPEGConstants, width,
+                           height);
+  return colours;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::uint8_t>> pngOf(const platform::PixelBuffer& picture) {
+  const std::vector<std::uint8_t> colours = coloursOf(picture);
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = static_cast<png_uint_32>(picture.width());
+  image.height = static_cast<png_uint_32>(picture.height());
+  image.format = PNG_FORMAT_BGRA;
+  png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+  std::vector<std::uint8_t> bytes(size);
+  if (png_image_write_to_memory(&image, bytes.data(), &size, 0, colours.data(), 0, nullptr) == 0) return std::nullopt;
+  bytes.resize(size);
+  return bytes;
+}
+
+}  // namespace zel::app

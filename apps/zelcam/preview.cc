@@ -1,0 +1,199 @@
+#include "apps/zelcam/preview.h"
+
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELPreviewPlayer.h>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "apps/zelcam/answer.h"
+#include "apps/zelcam/bus.h"
+#include "apps/zelcam/camera_link.h"
+#include "apps/zelcam/file.h"
+#include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/output.h"
+#include "apps/zelcam/png.h"
+#include "platform/mutex.h"
+
+namespace zel::app {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr double kLine = 1.0;                            // seconds between two lines of the live report
+constexpr std::int64_t kLate = 200;                      // milliseconds behind its time from which a picture is late
+constexpr int kDefaultResolution = 3;                    // the smallest, at 30 pictures a second
+constexpr std::array<int, 4> kRates = {15, 20, 25, 30};  // pictures a second, by the resolution code's remainder
+constexpr int kFirewareVersion190 = 190;                 // from it on, times are the host's
+
+// What has been decoded so far.
+struct Decoded {
+  std::int64_t pictures = 0;
+  std::int64_t late = 0;
+  platform::PixelBufferRef newest;
+  bool complete = false;  // as many as were asked for
+};
+
+// Counts pictures on the decode thread and keeps the newest.
+class PictureCounter final : public ZELPixelBufferDataProtocol {
+ public:
+  PictureCounter(CameraLink& link, std::optional<std::int64_t> wanted)
+      : platform_(link.platform()),
+        wanted_(wanted),
+        timesAreHosts_(link.stack().accessory().firewareVersion() >= kFirewareVersion190) {}
+
+  void onPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t timestamp) override {
+    const MutexLock lock(mutex_);
+    if (decoded_.complete) return;
+    ++decoded_.pictures;
+    const std::int64_t age = platform::absoluteTimeMilliseconds(platform_.ports().clock) - timestamp;
+    if (timesAreHosts_ && age > kLate) ++decoded_.late;
+    decoded_.newest = picture;
+    decoded_.complete = wanted_ && decoded_.pictures >= *wanted_;
+    if (decoded_.complete) platform_.stopMainQueue();
+  }
+
+  Decoded decoded() const {
+    const MutexLock lock(mutex_);
+    return decoded_;
+  }
+
+ private:
+  LinuxPlatform& platform_;
+  const std::optional<std::int64_t> wanted_;
+  const bool timesAreHosts_;
+  mutable Mutex mutex_;
+  Decoded decoded_ ZEL_GUARDED_BY(mutex_);
+};
+
+// One run of the command.
+class Preview {
+ public:
+  Preview(CameraLink& link, const Invocation& invocation) : link_(link), invocation_(invocation) {}
+
+  int run() {
+    player_ = link_.stack().suitablePreviewPlayer();
+    counter_ = std::make_shared<PictureCounter>(link_, wanted());
+    player_->setPixelBufferDelegate(counter_);
+    if (const int status = startVideo(); status != kDone) return status;
+    const auto tick = link_.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [this] { report(); });
+    const int status = waitForPictures();
+    tellEndOfLine();
+    if (status != kDone) return status;
+    return summarise();
+  }
+
+ private:
+  std::optional<std::int64_t> wanted() const {
+    const auto frames = invocation_.values.integer("--frames");
+    if (frames || !invocation_.values.has("--snapshot")) return frames;
+    return 1;
+  }
+
+  int startVideo() {
+    const auto answer = std::make_shared<Answer<std::uint8_t>>();
+    const auto code = invocation_.values.integer("--resolution").value_or(kDefaultResolution);
+    player_->setFps(kRates[static_cast<std::size_t>(code) % kRates.size()]);
+    link_.stack().ucd().msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(code), keepIn(answer, link_.platform()));
+    link_.sayAsked();
+    const Waited end = link_.waitFor([&answer] { return answer->done; }, invocation_.settings.timeout);
+    start_ = Clock::now();
+    return tellEnd("preview", end, answer->error, invocation_.settings);
+  }
+
+  // Pictures must keep coming: a time-out without one ends the command.
+  int waitForPictures() {
+    while (true) {
+      const std::int64_t before = counter_->decoded().pictures;
+      const Waited end = link_.waitFor([this] { return counter_->decoded().complete; }, invocation_.settings.timeout);
+      if (end == Waited::done) return kDone;
+      const bool some = counter_->decoded().pictures != 0;
+      if (end == Waited::interrupted) return some && !wanted() ? kDone : kInterrupted;
+      if (end == Waited::lost) return tellEnd("preview", end, std::nullopt, invocation_.settings);
+      if (counter_->decoded().pictures != before) continue;
+      say(fmt::format("zelcam: preview: no picture came within {} s", invocation_.settings.timeout));
+      return kNoCamera;
+    }
+  }
+
+  double seconds() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
+
+  nlohmann::ordered_json figures() const {
+    const Decoded decoded = counter_->decoded();
+    const auto statistics = player_->statistics();
+    const auto width = decoded.newest ? decoded.newest->width() : 0;
+    const auto height = decoded.newest ? decoded.newest->height() : 0;
+    return {{"frames", decoded.pictures},
+            {"width", width},
+            {"height", height},
+            {"fps", static_cast<double>(decoded.pictures) / std::max(seconds(), 1e-9)},
+            {"received", statistics.units},
+            {"dropped", statistics.dropped},
+            {"late", decoded.late}};
+  }
+
+  std::string line() const {
+    const auto now = figures();
+    return fmt::format("{:.1f} pictures a second  {} x {}  {} decoded  {} dropped  {} late", now["fps"].get<double>(),
+                       now["width"].get<int>(), now["height"].get<int>(), now["frames"].get<std::int64_t>(),
+                       now["dropped"].get<std::uint64_t>(), now["late"].get<std::int64_t>());
+  }
+
+  void report() {
+    if (::isatty(STDERR_FILENO) != 0) showProgress(line());
+  }
+  void tellEndOfLine() const {
+    if (::isatty(STDERR_FILENO) != 0) say("");
+  }
+
+  int summarise() {
+    nlohmann::ordered_json object = figures();
+    if (const int status = saveSnapshot(object); status != kDone) return status;
+    if (invocation_.settings.json) {
+      printJson(object);
+    } else {
+      printLine(line());
+    }
+    return kDone;
+  }
+
+  int saveSnapshot(nlohmann::ordered_json& object) const {
+    if (!invocation_.values.has("--snapshot")) return kDone;
+    const std::string path = invocation_.values.text("--snapshot");
+    const auto png = pngOf(*counter_->decoded().newest);
+    std::string fault = "the picture does not fit into memory";
+    if (!png || !replaceFile(path, *png, fault)) {
+      say("zelcam: preview: " + fault);
+      return kRefused;
+    }
+    object["snapshot"] = path;
+    return kDone;
+  }
+
+  CameraLink& link_;
+  const Invocation& invocation_;
+  Clock::time_point start_ = Clock::now();
+  std::shared_ptr<PictureCounter> counter_;
+  std::shared_ptr<ZELPreviewPlayer> player_;
+};
+
+}  // namespace
+
+int runPreview(const Invocation& invocation) {
+  Bus bus(invocation.settings);
+  if (!bus.isThere()) return kNoCamera;
+  CameraLink link(bus, invocation.settings);
+  if (const int status = link.open(); status != kDone) return status;
+  Preview preview(link, invocation);
+  return preview.run();
+}
+
+}  // namespace zel::app

@@ -1,0 +1,96 @@
+#include "apps/zelcam/thumbnail.h"
+
+#include <ZELTarkaSDK/ZELThumbnailRender.h>
+
+#include <fmt/format.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/zelcam/bus.h"
+#include "apps/zelcam/file.h"
+#include "apps/zelcam/number_text.h"
+#include "apps/zelcam/output.h"
+#include "apps/zelcam/png.h"
+
+namespace zel::app {
+namespace {
+
+constexpr std::int32_t kLargestSide = 16384;
+
+struct Size {
+  std::int32_t width = 1440;
+  std::int32_t height = 720;
+};
+
+std::optional<Size> sizeIn(std::string_view text) {
+  const std::size_t cross = text.find('x');
+  if (cross == std::string_view::npos) return std::nullopt;
+  const auto width = numberIn<std::int32_t>(text.substr(0, cross));
+  const auto height = numberIn<std::int32_t>(text.substr(cross + 1));
+  const auto fits = [](const std::optional<std::int32_t>& side) { return side && *side >= 2 && *side <= kLargestSide; };
+  if (!fits(width) || !fits(height)) return std::nullopt;
+  return Size{*width, *height};
+}
+
+// Start codes of 3 bytes, as many encoders write them, made into the camera's 4.
+ZELData withLongStartCodes(std::span<const std::uint8_t> stream) {
+  std::vector<std::uint8_t> bytes;
+  bytes.reserve(stream.size() + stream.size() / 64);
+  std::size_t zeros = 0;
+  for (const std::uint8_t byte : stream) {
+    if (byte == 1 && zeros == 2) bytes.push_back(0);
+    zeros = byte == 0 ? zeros + 1 : 0;
+    bytes.push_back(byte);
+  }
+  return ZELData(std::move(bytes));
+}
+
+int wrongUsage(const std::string& complaint) {
+  say("zelcam: thumbnail: " + complaint);
+  return kWrongUsage;
+}
+
+int failed(const std::string& complaint) {
+  say("zelcam: thumbnail: " + complaint);
+  return kRefused;
+}
+
+int save(const platform::PixelBuffer& picture, const Invocation& invocation) {
+  const std::string path = invocation.values.text("--output");
+  std::string fault = "the picture does not fit into memory";
+  const auto png = pngOf(picture);
+  if (!png || !replaceFile(path, *png, fault)) return failed(fault);
+  if (invocation.settings.json) {
+    printJson({{"thumbnail", path}, {"width", picture.width()}, {"height", picture.height()}});
+  } else {
+    printLine(fmt::format("{}: {} x {}", path, picture.width(), picture.height()));
+  }
+  return kDone;
+}
+
+}  // namespace
+
+int runThumbnail(const Invocation& invocation) {
+  const Values& values = invocation.values;
+  if (!values.has("--output")) return wrongUsage("-o FILE.png tells where the picture shall go");
+  const auto size = values.has("--size") ? sizeIn(values.text("--size")) : Size{};
+  if (!size) return wrongUsage(fmt::format("--size takes WIDTHxHEIGHT, each from 2 to {}", kLargestSide));
+  std::string complaint;
+  const auto file = readFile(values.text("FILE"), complaint);
+  if (!file) return wrongUsage(complaint);
+
+  Bus bus(invocation.settings);
+  if (!bus.isThere()) return kNoCamera;
+  const auto render = ZELThumbnailRender::initWithRenderWidth(bus.ports(), size->width, size->height);
+  const ZELData stream = withLongStartCodes(file->bytes());
+  const auto picture = values.has("--offset") ? render->renderWithh264Data(stream, values.text("--offset"))
+                                              : render->copyPixelBufferWithDecodeH264Data(stream);
+  if (!picture) return failed(values.text("FILE") + " has no key frame that can be shown");
+  return save(*picture, invocation);
+}
+
+}  // namespace zel::app
