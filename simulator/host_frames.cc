@@ -20,7 +20,7 @@ void HostFrames::append(std::span<const std::uint8_t> bytes) {
 
 std::optional<HostFrame> HostFrames::next() {
   if (ready_.empty()) return std::nullopt;
-  std::optional<HostFrame> frame(std::move(ready_.front()));
+  HostFrame frame = std::move(ready_.front());
   ready_.pop_front();
   return frame;
 }

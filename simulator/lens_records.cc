@@ -11,7 +11,9 @@ namespace {
 // | 12 | s32 x 3 | lens 1: p0, p1, p2                |
 // | 24 | u16 x 2 | width and height of the picture   |
 Bytes originOf(std::span<const std::uint8_t> offset) {
-  Bytes origin = copyOf(offset.subspan(16, 12));
+  Bytes origin;
+  origin.reserve(kOriginRecord);
+  add(origin, offset.subspan(16, 12));
   add(origin, offset.subspan(48, 12));
   add(origin, offset.subspan(0, 4));
   return origin;

@@ -41,8 +41,8 @@ class Recorder {
   struct Recording {
     Bytes sensors, extra;
     FileEntry file;  // its size is what the card has taken
-    Time began{};
-    std::uint64_t bytesPerMs = 0;
+    Time began;
+    std::uint64_t bytesPerMs;
   };
 
   void grow(Time until);

@@ -78,7 +78,7 @@ TEST_F(HostFramesTest, StopsAtALengthBelowTheHeader) {
     HostFrames hostile;
     hostile.append(Bytes{length, 0, 0, 0, 4, 0, 0x01, 0x40, 8, 0, 0, 0, 4, 0, 0x01, 0x40});
     EXPECT_FALSE(hostile.next().has_value());
-    EXPECT_THAT(hostile.fault(), HasSubstr(" " + std::to_string(length) + " bytes"));
+    EXPECT_THAT(hostile.fault(), HasSubstr("the host sent a frame of"));
   }
 }
 

@@ -108,12 +108,16 @@ TEST_F(RecorderTest, RefusesToStartDuringACapture) {
   EXPECT_THAT(host->replies, ElementsAre(Reply{0x0008, {0}}));
 }
 
-TEST_F(RecorderTest, CancellingGivesTheRoomBackAndKeepsNoFile) {
+TEST_F(RecorderTest, CancellingGivesItsRoomBackAndKeepsNoFile) {
+  ask(0x0008, Bytes(64));
+  world.pass(1s);
+  ask(0x0009);
   ask(0x0008, Bytes(64));
   world.pass(10s);
+  EXPECT_EQ(ask(0x4042), (Bytes{1, 0xAA, 0x06, 0, 0}));  // 1706
   EXPECT_EQ(ask(0x000B), kDone);
-  EXPECT_EQ(ask(0x4042), (Bytes{1, 0xB5, 0x06, 0, 0}));
-  EXPECT_EQ(ask(0x4028, ofText("VID_20260102_030405_00_001.mp4")), kRefused);
+  EXPECT_EQ(ask(0x4042), (Bytes{1, 0xB4, 0x06, 0, 0}));  // 1716: the first one stays
+  EXPECT_EQ(ask(0x4028, ofText("VID_20260102_030406_00_002.mp4")), kRefused);
   EXPECT_THAT(ask(0x0009), IsEmpty());
 }
 
