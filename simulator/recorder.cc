@@ -12,7 +12,7 @@ constexpr std::chrono::milliseconds kBetweenLooks{1000};
 
 bool Recorder::start(Bytes sensors, Bytes extra) {
   if (current_ || !state_.card.takes(1)) return false;
-  current_.emplace();
+  current_ = Recording();
   current_->sensors = std::move(sensors);
   current_->extra = std::move(extra);
   current_->file = {state_.clock.now(), 0, state_.clock.nextFileName("VID", ".mp4")};
