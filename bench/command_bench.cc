@@ -68,6 +68,7 @@ class Host {
   }
 
   double exchangeMedian() {
+    platform_->drainMainQueue();  // the camera's silence since the last batch shows now, and fails no request
     Batch batch;
     exchange(batch);
     platform_->runMainQueue();
@@ -214,9 +215,9 @@ struct Message {
 };
 
 Bytes replyBytes(std::uint16_t code, std::size_t size) {
-  Bytes bytes;
-  appendLittleEndian(bytes, code);
-  bytes.resize(2 + size, 1);
+  Bytes bytes(2 + size, 1);
+  bytes[0] = static_cast<std::uint8_t>(code);
+  bytes[1] = static_cast<std::uint8_t>(code >> 8);
   return bytes;
 }
 
