@@ -13,7 +13,10 @@ using zel::family;
 using zel::fieldsOf;
 using zel::recordOf;
 using zel::takingApart;
-using namespace zel::key;
+using zel::key::intValue;
+using zel::key::nsData;
+using zel::key::nsString;
+using zel::key::nsValue1;
 
 void ZELCameraUCD::msgReqGetFileMnd(const Text& fileName, zel::RebackBlock<const ZELVideoMnd&> rebackBlock) {
   request(family("registerMsgReqGetFileMnd"), fieldsOf(nsString, fileName),

@@ -1,0 +1,190 @@
+#include <ZELTarkaSDK/CameraStack.h>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <random>
+
+#include "tests/stack/simulator_fixture.h"
+
+namespace zel::test {
+namespace {
+
+using CameraStackThread = SimulatorFixture;
+
+constexpr std::uint16_t kBatteryUpdate = 0x6003;
+
+TEST_F(CameraStackThread, DrivesTwoCamerasSideBySide) {
+  const auto one = makeCamera("E1A0001");
+  const auto two = makeCamera("E1A0002");
+  CameraStack first(ports(), "E1A0001");
+  CameraStack second(ports(), "E1A0002");
+  first.accessory().openCamera();
+  second.accessory().openCamera();
+  ASSERT_TRUE(framesArrive(first));
+  ASSERT_TRUE(framesArrive(second));
+  Recorded<int> set, read;
+  first.ucd().msgReqSetFlicker(1, [&](const auto& error) { set.add(error ? error->code : 0); });
+  second.ucd().msgReqSetFlicker(2, [&](const auto& error) { set.add(error ? error->code : 0); });
+  ASSERT_TRUE(runUntil([&] { return set.now().size() == 2; }));
+  EXPECT_EQ(set.now(), (std::vector<int>{0, 0}));
+  first.ucd().msgReqGetFlickerWithRebackBlock([&](const auto&, std::uint8_t value) { read.add(value); });
+  ASSERT_TRUE(runUntil([&] { return read.now().size() == 1; }));
+  second.ucd().msgReqGetFlickerWithRebackBlock([&](const auto&, std::uint8_t value) { read.add(value); });
+  ASSERT_TRUE(runUntil([&] { return read.now().size() == 2; }));
+  EXPECT_EQ(read.now(), (std::vector<int>{1, 2}));
+  one->unplug();
+  ASSERT_TRUE(reaches(first, 0));
+  EXPECT_EQ(second.accessory().status(), 2u);
+}
+
+std::size_t residentKilobytes() {
+  std::size_t pages = 0, resident = 0;
+  std::ifstream("/proc/self/statm") >> pages >> resident;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
+}
+
+constexpr bool kSanitized =
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    true;  // keeps freed memory, and finds leaks by itself
+#else
+    false;
+#endif
+
+TEST_F(CameraStackThread, GivesBackEverythingOverTwoHundredPluggings) {
+  const auto camera = makeCamera("E1A0001");
+  CameraStack stack(ports());
+  stack.accessory().openCamera();
+  std::size_t descriptors = 0, threads = 0, memory = 0;
+  for (int cycle = 0; cycle < 220; ++cycle) {
+    ASSERT_TRUE(framesArrive(stack)) << "cycle " << cycle;
+    camera->unplug();
+    ASSERT_TRUE(reaches(stack, 0)) << "cycle " << cycle;
+    ASSERT_TRUE(eventually([&] { return cycle < 20 || threadCount() <= threads; })) << "cycle " << cycle;
+    if (cycle == 19) {  // everything that is made once has been made
+      descriptors = descriptorCount();
+      threads = threadCount();
+      memory = residentKilobytes();
+    }
+    camera->plug();
+  }
+  camera->unplug();
+  ASSERT_TRUE(reaches(stack, 0));
+  EXPECT_TRUE(runUntil([&] { return descriptorCount() <= descriptors; }));
+  if (!kSanitized) {
+    EXPECT_LT(residentKilobytes(), memory + 2048);
+  }
+}
+
+// Counts events, and does something at one of them.
+class ActingReceiver final : public ZELCameraNotificationProtocol {
+ public:
+  ActingReceiver(int at, std::function<void()> act) : at_(at), act_(std::move(act)) {}
+
+  void notificationType(std::int64_t, const std::optional<ZELMessageFields>&) override {
+    EXPECT_FALSE(gone.load());
+    if (++seen == at_ && act_) act_();
+  }
+
+  std::atomic<int> seen = 0;
+  std::atomic<bool> gone = false;  // nothing may be heard any more
+
+ private:
+  const int at_;
+  const std::function<void()> act_;
+};
+
+// A stack whose camera never stops sending, and which is disturbed at an event that the seed chooses.
+class DisturbedStack : public SimulatorFixture, public testing::WithParamInterface<std::uint64_t> {
+ protected:
+  void connect() {
+    stack_ = std::make_unique<CameraStack>(ports());
+    stack_->accessory().openCamera();
+    ASSERT_TRUE(framesArrive(*stack_));
+  }
+
+  // Has `act` done inside the chosen event, or, where it is null, returns once that event has come.
+  void disturbAt(int event, std::function<void()> act) {
+    const bool inside = act != nullptr;
+    receiver_ = std::make_shared<ActingReceiver>(event, [this, act = std::move(act)] {
+      if (act) act();
+      disturbed_.store(true);
+    });
+    disturbed_.store(false);
+    stack_->ucd().addCameraNotificationReceiver(receiver_);
+    ASSERT_TRUE(runUntil([&] {
+      for (int burst = 0; burst < 8; ++burst) camera_->sendEvent(kBatteryUpdate, {1, 40});
+      return disturbed_.load();
+    })) << (inside ? "inside" : "outside");
+  }
+
+  int drawEvent() { return 1 + static_cast<int>(random_() % 30); }
+
+  std::mt19937_64 random_{GetParam()};
+  std::unique_ptr<simulator::CameraSimulator> camera_ = makeCamera("E1A0001");
+  const std::size_t descriptors_ = descriptorCount();
+  std::unique_ptr<CameraStack> stack_;
+  std::shared_ptr<ActingReceiver> receiver_;
+  std::atomic<bool> disturbed_ = false;
+};
+
+TEST_P(DisturbedStack, ClosesWhileItParses) {
+  for (int round = 0; round < 10; ++round) {
+    connect();
+    disturbAt(drawEvent(), nullptr);
+    stack_->accessory().closeCamera();
+    EXPECT_EQ(stack_->accessory().status(), 0u);
+    stack_->accessory().openCamera();
+    EXPECT_TRUE(framesArrive(*stack_));
+  }
+}
+
+TEST_P(DisturbedStack, ClosesInsideAnEvent) {
+  for (int round = 0; round < 10; ++round) {
+    connect();
+    disturbAt(drawEvent(), [this] { stack_->accessory().closeCamera(); });
+    EXPECT_EQ(stack_->accessory().status(), 0u);
+    stack_->accessory().openCamera();
+    EXPECT_TRUE(framesArrive(*stack_));
+  }
+}
+
+TEST_P(DisturbedStack, ReopensInsideAnEvent) {
+  for (int round = 0; round < 10; ++round) {
+    connect();
+    const int connections = camera_->connections();
+    disturbAt(drawEvent(), [this] { stack_->accessory().cameraSession().reopenAfterLostPosition(); });
+    EXPECT_TRUE(framesArrive(*stack_));
+    EXPECT_GT(camera_->connections(), connections);
+  }
+}
+
+TEST_P(DisturbedStack, GoesWhileItParses) {
+  for (int round = 0; round < 10; ++round) {
+    connect();
+    disturbAt(drawEvent(), nullptr);
+    stack_.reset();
+    receiver_->gone.store(true);
+  }
+  EXPECT_TRUE(runUntil([&] { return descriptorCount() <= descriptors_; }));
+}
+
+TEST_P(DisturbedStack, GoesInsideAnEvent) {
+  for (int round = 0; round < 10; ++round) {
+    connect();
+    disturbAt(drawEvent(), [this] {
+      stack_.reset();
+      receiver_->gone.store(true);
+    });
+  }
+  EXPECT_TRUE(runUntil([&] { return descriptorCount() <= descriptors_; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, DisturbedStack, testing::Range<std::uint64_t>(1, 4));
+
+}  // namespace
+}  // namespace zel::test
