@@ -145,7 +145,7 @@ struct SimulatedPlatform::State {
 };
 
 SimulatedPlatform::SimulatedPlatform(std::uint64_t seed) : state_(std::make_unique<State>(seed)) {}
-SimulatedPlatform::~SimulatedPlatform() = default;
+SimulatedPlatform::~SimulatedPlatform() { state_->scheduler.endStoppedThreads(); }
 
 const Ports& SimulatedPlatform::ports() { return state_->ports; }
 void SimulatedPlatform::runUntilIdle() { state_->scheduler.runUntilIdle(); }

@@ -17,6 +17,7 @@ namespace zel::platform {
 class SimulatedPlatform {
  public:
   explicit SimulatedPlatform(std::uint64_t seed = 1);
+  // Lets threads that have been stopped end, as a real platform waits for them.
   ~SimulatedPlatform();
   SimulatedPlatform(const SimulatedPlatform&) = delete;
   SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;

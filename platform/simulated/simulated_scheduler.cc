@@ -166,6 +166,11 @@ void SimulatedScheduler::runUntilIdle() {
   }
 }
 
+void SimulatedScheduler::endStoppedThreads() {
+  const auto next = [this] { return std::ranges::find_if(loops_, &SimulatedRunLoop::isBeginningOrEnding); };
+  for (auto loop = next(); loop != loops_.end(); loop = next()) step(**loop);
+}
+
 void SimulatedScheduler::advance(double seconds) {
   const double until = now_ + seconds;
   runUntilIdle();

@@ -28,6 +28,9 @@ class SimulatedScheduler {
   // Errors: throws std::runtime_error after a million steps, which only work that begets itself makes.
   void runUntilIdle();
 
+  // Lets threads that have been stopped, or have not begun, take the steps that are left to them. All other work stays.
+  void endStoppedThreads();
+
   // Moves the time on, running everything on the way when it is due.
   void advance(double seconds);
 
@@ -78,6 +81,7 @@ class SimulatedRunLoop final : public RunLoop, public Queue {
   class SimulatedSource;
 
   bool isReady() const;
+  bool isBeginningOrEnding() const { return begin_ != nullptr || (stopped_ && end_ != nullptr); }
   bool hasWork() const;
   void step();
   void turn();
