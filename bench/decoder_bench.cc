@@ -62,6 +62,7 @@ int drain(AVCodecContext& decoder, AVFrame& frame) {
 
 // The limit: nothing is done with the pictures.
 void libavcodec(benchmark::State& state) {
+  const Stream& scene = stream();
   const platform::FramePtr frame(av_frame_alloc());
   int pictures = 0;
   for (auto _ : state) {
@@ -69,7 +70,7 @@ void libavcodec(benchmark::State& state) {
     decoder->thread_count = static_cast<int>(state.range(0));
     decoder->thread_type = FF_THREAD_FRAME;
     avcodec_open2(decoder.get(), nullptr, nullptr);
-    for (const Bytes& picture : stream().pictures) {
+    for (const Bytes& picture : scene.pictures) {
       const platform::PacketPtr packet(av_packet_alloc());
       av_new_packet(packet.get(), static_cast<int>(picture.size()));
       std::memcpy(packet->data, picture.data(), picture.size());
@@ -83,11 +84,12 @@ void libavcodec(benchmark::State& state) {
 }
 
 void adapter(benchmark::State& state) {
+  const Stream& scene = stream();
   platform::LibavVideoDecoders decoders({static_cast<int>(state.range(0))});
   int pictures = 0;
   for (auto _ : state) {
-    const auto decoder = decoders.create(stream().sps, stream().pps).decoder;
-    for (const Bytes& unit : stream().units)
+    const auto decoder = decoders.create(scene.sps, scene.pps).decoder;
+    for (const Bytes& unit : scene.units)
       if (decoder->decode(unit, 0).status == platform::DecodeStatus::picture) ++pictures;
     while (decoder->flush().pixelBuffer) ++pictures;
   }
