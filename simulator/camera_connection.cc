@@ -13,6 +13,7 @@ constexpr std::size_t kQueueForAll = 64 * 1024 * 1024;  // a host that asks and 
 constexpr double kHeartbeat = 0.5;                      // seconds
 constexpr std::size_t kPhoneTime = 8;                   // bytes, which the camera has no use for
 constexpr int kPicturesBeforeFault = 20;
+constexpr double kMakingPause = 0.01;  // seconds, while the next picture is still being made
 
 std::chrono::steady_clock::duration steady(double seconds) {
   return std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(seconds));
@@ -21,17 +22,14 @@ std::chrono::steady_clock::duration steady(double seconds) {
 }  // namespace
 
 CameraConnection::CameraConnection(Socket socket, ConnectionSetup setup)
-    : socket_(std::move(socket)),
-      setup_(std::move(setup)),
-      source_(setup_.camera->resolution(), setup_.seed),
-      random_(setup_.seed) {}
+    : socket_(std::move(socket)), setup_(std::move(setup)), source_(setup_.seed), random_(setup_.seed) {}
 
 void CameraConnection::start() {
   // The host sees a stream that was already under way: the rest of a frame whose beginning nobody heard.
-  const Bytes picture = source_.nextPicture(0, false);
-  send(Bytes(picture.begin() + static_cast<std::ptrdiff_t>(picture.size() / 2), picture.end()));
+  send(source_.tornFrame());
   receive();
-  sendPictureEverySoOften();
+  beginMedia();
+  sendMedia();
   if (setup_.faults->stall) stallEverySoOften();
 }
 
@@ -91,6 +89,7 @@ void CameraConnection::answerSyncData(const HostMessage& request) {
 void CameraConnection::answerSyncTime(const HostMessage& request) {
   if (request.body.size() != kPhoneTime) return reply(kSyncTime, refusal(kSyncTime));
   clockStart_ = Clock::now();
+  media_->startClock(sinceMediaBegan());
   const auto answerNow = [this] {
     Bytes body;
     put(body, static_cast<std::uint64_t>(mediaTime()));
@@ -112,8 +111,8 @@ void CameraConnection::sendReply(std::uint16_t code, const Bytes& body) {
   if (setup_.faults->duplicateReply.contains(code)) send(whole);
 }
 
-void CameraConnection::startPreview(int resolution) {
-  source_.setCode(resolution);
+void CameraConnection::startPreview(int) {
+  beginMedia();
   previewing_ = true;
 }
 
@@ -121,22 +120,46 @@ std::int64_t CameraConnection::mediaTime() const {
   return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - clockStart_).count();
 }
 
-void CameraConnection::sendPictureEverySoOften() {
-  const double seconds = previewing_ ? source_.secondsPerPicture() : kHeartbeat;
-  nextPicture_ = std::max(nextPicture_ + steady(seconds), Clock::now());
-  wait(nextPicture_ - Clock::now(), [this] {
-    sendPicture();
-    sendPictureEverySoOften();
-  });
+// From the loop's first picture on, at the size and rate in force. The camera's clock goes on.
+void CameraConnection::beginMedia() {
+  const PreviewFormat format = previewFormat(setup_.camera->resolution());
+  MediaSetup media;
+  media.video = setup_.media->video(format);
+  media.audio = setup_.media->audio();
+  media.rate = format.rate;
+  media.timestamps = setup_.firmware >= kFirmwareWithClock;
+  media.faults = setup_.faults->media;
+  media.seed = setup_.seed;
+  mediaStart_ = Clock::now();
+  nextFrame_.reset();
+  media_.emplace(std::move(media));
+  media_->startClock(-static_cast<double>(mediaTime()) / 1000);
 }
 
-void CameraConnection::sendPicture() {
+void CameraConnection::sendMedia() {
+  double pause = kHeartbeat;
+  if (previewing_) {
+    const double now = sinceMediaBegan();
+    for (; nextFrame_ && nextFrame_->due <= now; nextFrame_ = media_->next(now)) sendMediaFrame(*nextFrame_);
+    if (!nextFrame_) nextFrame_ = media_->next(now);
+    pause = nextFrame_ ? std::max(0.0, nextFrame_->due - now) : kMakingPause;
+  } else {
+    send(source_.heartbeat(mediaTime()));
+  }
+  wait(steady(pause), [this] { sendMedia(); });
+}
+
+void CameraConnection::sendMediaFrame(const MediaFrame& media) {
   if (queued_ > kQueueForMedia) return;
-  if (!previewing_) return send(source_.heartbeat(mediaTime()));
+  send(frame(media.type, media.payload));
+  if (media.type != kVideo) return;
   ++pictures_;
-  send(source_.nextPicture(mediaTime(), setup_.firmware >= kFirmwareWithClock));
   if (setup_.faults->unknownTypes) send(source_.unknownFrame());
   if (markerSent_ && pictures_ >= kPicturesBeforeFault) sendImpossibleLengths();
+}
+
+double CameraConnection::sinceMediaBegan() const {
+  return std::chrono::duration<double>(Clock::now() - mediaStart_).count();
 }
 
 void CameraConnection::sendImpossibleLengths() {

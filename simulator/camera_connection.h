@@ -6,6 +6,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <random>
 
 #include "simulator/asio.h"
@@ -13,6 +14,8 @@
 #include "simulator/faults.h"
 #include "simulator/frame_source.h"
 #include "simulator/host_frames.h"
+#include "simulator/media/media_library.h"
+#include "simulator/media/media_source.h"
 #include "simulator/simulated_camera.h"
 #include "simulator/wire.h"
 
@@ -23,6 +26,7 @@ struct ConnectionSetup {
   int firmware = 192;
   std::uint64_t seed = 1;
   SimulatedCamera* camera = nullptr;
+  MediaLibrary* media = nullptr;
   Faults* faults = nullptr;           // the counted ones are spent
   std::function<void()> requestSeen;  // for every message of the host
   std::function<void()> unplug;       // asked for by a fault
@@ -61,8 +65,10 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   void answerSyncData(const HostMessage& request);
   void answerSyncTime(const HostMessage& request);
   void sendReply(std::uint16_t code, const Bytes& body);
-  void sendPictureEverySoOften();
-  void sendPicture();
+  void beginMedia();
+  void sendMedia();
+  void sendMediaFrame(const MediaFrame& frame);
+  double sinceMediaBegan() const;
   void sendImpossibleLengths();
   void stallEverySoOften();
   void write();
@@ -72,6 +78,8 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   Socket socket_;
   const ConnectionSetup setup_;
   FrameSource source_;
+  std::optional<MediaSource> media_;
+  std::optional<MediaFrame> nextFrame_;
   HostFrames requests_;
   std::mt19937_64 random_;
   std::array<std::uint8_t, 65536> received_{};
@@ -86,7 +94,7 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   int pictures_ = 0;
   Clock::time_point silentUntil_ = Clock::time_point::min();
   Clock::time_point clockStart_ = Clock::now();
-  Clock::time_point nextPicture_ = Clock::now();
+  Clock::time_point mediaStart_ = Clock::now();
 };
 
 }  // namespace zel::simulator

@@ -67,6 +67,7 @@ struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<
   AccessoryPublisher publisher;
   Storage storage;
   SimulatedCamera camera;
+  MediaLibrary media;
   asio::thread_pool worker{1};
   std::string folder;
   std::string socketPath;
@@ -92,6 +93,10 @@ bool CameraSimulator::State::open(std::string& error) {
     error = "the storage folder " + options.storage + " cannot be made";
     return false;
   }
+  if (!options.video.empty() && !media.useVideo(options.video, error)) return false;
+  if (!options.audio.empty() && !media.useAudio(options.audio, error)) return false;
+  media.video(previewFormat(options.resolution));  // the making begins
+  media.audio();
   folder = makeSocketFolder();
   socketPath = folder + "/camera.sock";
   if (folder.empty()) error = "no folder for the socket can be made in /tmp";
@@ -135,6 +140,7 @@ void CameraSimulator::State::serve(Protocol::socket socket) {
   ConnectionSetup setup;
   setup.firmware = options.identity.firmware;
   setup.camera = &camera;
+  setup.media = &media;
   setup.seed = options.seed;
   setup.faults = &options.faults;
   setup.requestSeen = [this] { ++requests; };

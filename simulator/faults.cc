@@ -25,6 +25,11 @@ const char kFaultHelp[] = R"(Faults:
   no-photo                   photos are announced by the reply, but never come
   short-photo                photo frames end after the 64 bytes of the name
   upload-fail                files are refused
+  corrupt-video[=SHARE]      bits are flipped in that share of the slices (0.1)
+  lost-keys[=SHARE]          that share of the key pictures is not sent (0.5)
+  no-parameter-sets[=COUNT]  the first COUNT key pictures (3) come without parameter sets
+  split-pictures             a picture comes as several frames, cut at any byte
+  bursts[=PICTURES]          so many pictures (10) are held back and then sent at once
 )";
 
 namespace {
@@ -66,6 +71,12 @@ bool readOptional(const std::string& text, T otherwise, T most, T& value) {
   return text.empty() || readNumber(text, T{1}, most, value);
 }
 
+// A share above 0 that may be left out.
+bool readShare(const std::string& text, double otherwise, double& share) {
+  share = otherwise;
+  return text.empty() || (readNumber(text, 0.0, 1.0, share) && share > 0);
+}
+
 bool readSwitch(const std::string& text, bool& value) {
   value = true;
   return text.empty();
@@ -92,6 +103,12 @@ bool Faults::add(const std::string& spec, std::string& error) {
       {"late-reply", [this](const auto& v) { return readLate(v, lateReply); }},
       {"no-photo", [this](const auto& v) { return readSwitch(v, noPhoto); }},
       {"short-photo", [this](const auto& v) { return readSwitch(v, shortPhoto); }},
+      {"corrupt-video", [this](const auto& v) { return readShare(v, 0.1, media.corruptUnits); }},
+      {"lost-keys", [this](const auto& v) { return readShare(v, 0.5, media.lostKeyFrames); }},
+      {"no-parameter-sets",
+       [this](const auto& v) { return readOptional(v, 3, 1'000'000, media.missingParameterSets); }},
+      {"split-pictures", [this](const auto& v) { return readSwitch(v, media.splitAnywhere); }},
+      {"bursts", [this](const auto& v) { return readOptional(v, 10, 10'000, media.burst); }},
       {"upload-fail", [this](const auto& v) { return readSwitch(v, uploadFail); }},
   };
   const std::size_t equals = spec.find('=');

@@ -6,6 +6,8 @@
 #include <set>
 #include <string>
 
+#include "simulator/media/media_faults.h"
+
 namespace zel::simulator {
 
 // Silence for `seconds` after every `every` seconds of sending.
@@ -41,7 +43,8 @@ struct Faults {
   std::map<std::uint16_t, int> lateReply;  // milliseconds, by request code
   bool noPhoto = false;                    // a photo is announced and never comes
   bool shortPhoto = false;                 // photo frames end after the name
-  bool uploadFail = false;                 // files are refused
+  MediaFaults media;
+  bool uploadFail = false;  // files are refused
 
   // Adds one fault as the command line has it, NAME or NAME=VALUE.
   // Errors: false; `error` then says what is wrong.

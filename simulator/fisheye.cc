@@ -12,12 +12,12 @@ std::uint32_t pixelAt(const Picture& scene, int x, int y) {
   return std::uint32_t{rgb[0]} | std::uint32_t{rgb[1]} << 8 | std::uint32_t{rgb[2]} << 16;
 }
 
-// One word a pixel. After the last column comes the first one again, after the last row the same row, so that every
-// pixel has a neighbour to the right and below.
-std::vector<std::uint32_t> continued(const Picture& scene) {
+// One word a pixel, for some rows. After the last column comes the first one again, after the last row the same row, so
+// that every pixel has a neighbour to the right and below.
+std::vector<std::uint32_t> continued(const Picture& scene, FisheyeProjector::Rows rows) {
   std::vector<std::uint32_t> words;
-  words.reserve(static_cast<std::size_t>(scene.width + 1) * static_cast<std::size_t>(scene.height + 1));
-  for (int row = 0; row <= scene.height; ++row) {
+  words.reserve(static_cast<std::size_t>(scene.width + 1) * static_cast<std::size_t>(rows.end - rows.first));
+  for (int row = rows.first; row < rows.end; ++row) {
     const int y = std::min(row, scene.height - 1);
     for (int x = 0; x < scene.width; ++x) words.push_back(pixelAt(scene, x, y));
     words.push_back(pixelAt(scene, 0, y));
@@ -57,22 +57,55 @@ FisheyeProjector::FisheyeProjector(const LensOffset& offset, int outWidth, int o
     : outWidth_(outWidth), outHeight_(outHeight), sceneWidth_(sceneWidth), sceneHeight_(sceneHeight) {
   const LensProjection lenses[] = {{offset.lenses[0], offset.model}, {offset.lenses[1], offset.model}};
   taps_.reserve(static_cast<std::size_t>(outWidth) * static_cast<std::size_t>(outHeight));
-  for (int y = 0; y < outHeight; ++y) addRow(offset, lenses, y);
+  for (int y = 0; y < outHeight; ++y) {
+    spanOfRow_.push_back(spans_.size());
+    tapOfRow_.push_back(taps_.size());
+    addRow(offset, lenses, y);
+  }
+  spanOfRow_.push_back(spans_.size());
+  tapOfRow_.push_back(taps_.size());
   taps_.shrink_to_fit();
 }
 
 Picture FisheyeProjector::project(const Picture& scene) const {
   Picture out = blackPicture(outWidth_, outHeight_);
-  if (scene.width != sceneWidth_ || scene.height != sceneHeight_) return out;
-  const std::vector<std::uint32_t> words = continued(scene);
-  const std::size_t stride = static_cast<std::size_t>(sceneWidth_) + 1;
-  const Tap* tap = taps_.data();
-  for (const Span& span : spans_) {
-    std::uint8_t* rgb = out.rgb.data() + 3 * span.pixel;
-    for (const Tap* end = tap + span.count; tap != end; ++tap, rgb += 3)
-      store(rgb, blend(words.data() + tap->corner, stride, tap->right, tap->down));
-  }
+  renew(scene, {0, outHeight_}, out);
   return out;
+}
+
+FisheyeProjector::Rows FisheyeProjector::rowsShowing(Rows ofScene) const {
+  const auto shows = [&](const Tap& tap) {  // a tap reads its row and the next one
+    return sceneRowOf(tap) + 1 >= ofScene.first && sceneRowOf(tap) < ofScene.end;
+  };
+  Rows rows;
+  for (int y = 0; y < outHeight_; ++y) {
+    const auto row = static_cast<std::size_t>(y);
+    if (!std::any_of(taps_.begin() + static_cast<std::ptrdiff_t>(tapOfRow_[row]),
+                     taps_.begin() + static_cast<std::ptrdiff_t>(tapOfRow_[row + 1]), shows))
+      continue;
+    if (rows.end == 0) rows.first = y;
+    rows.end = y + 1;
+  }
+  return rows;
+}
+
+void FisheyeProjector::renew(const Picture& scene, Rows rows, Picture& out) const {
+  const bool fits = scene.width == sceneWidth_ && scene.height == sceneHeight_ && out.width == outWidth_ &&
+                    out.height == outHeight_ && 0 <= rows.first && rows.first < rows.end && rows.end <= outHeight_;
+  if (!fits) return;
+  const auto first = static_cast<std::size_t>(rows.first), end = static_cast<std::size_t>(rows.end);
+  const Tap *tap = taps_.data() + tapOfRow_[first], *last = taps_.data() + tapOfRow_[end];
+  if (tap == last) return;
+  const auto [lowest, highest] = std::minmax_element(tap, last, [](auto& a, auto& b) { return a.corner < b.corner; });
+  const Rows read{sceneRowOf(*lowest), sceneRowOf(*highest) + 2};
+  const std::vector<std::uint32_t> words = continued(scene, read);
+  const std::size_t stride = static_cast<std::size_t>(sceneWidth_) + 1;
+  const std::size_t left = stride * static_cast<std::size_t>(read.first);
+  for (std::size_t i = spanOfRow_[first]; i < spanOfRow_[end]; ++i) {
+    std::uint8_t* rgb = out.rgb.data() + 3 * spans_[i].pixel;
+    for (const Tap* spanEnd = tap + spans_[i].count; tap != spanEnd; ++tap, rgb += 3)
+      store(rgb, blend(words.data() + (tap->corner - left), stride, tap->right, tap->down));
+  }
 }
 
 void FisheyeProjector::addRow(const LensOffset& offset, const LensProjection (&lenses)[2], int y) {

@@ -20,6 +20,17 @@ class FisheyeProjector {
   // Errors: a scene of another size than the map is for gives a black picture.
   Picture project(const Picture& scene) const;
 
+  // Rows of a picture, from `first` to before `end`.
+  struct Rows {
+    int first = 0, end = 0;
+  };
+
+  // The rows that show any of the scene's rows.
+  Rows rowsShowing(Rows ofScene) const;
+
+  // Shows those rows of the scene anew on a picture of the output's size. Errors: as above, the picture then stays.
+  void renew(const Picture& scene, Rows rows, Picture& out) const;
+
  private:
   // Where a pixel is read: four neighbours in the scene with its edges continued, see continued() in the source.
   struct Tap {
@@ -32,11 +43,13 @@ class FisheyeProjector {
   };
 
   void addRow(const LensOffset& offset, const LensProjection (&lenses)[2], int y);
+  int sceneRowOf(const Tap& tap) const { return static_cast<int>(tap.corner) / (sceneWidth_ + 1); }
   Tap tapAt(Direction direction) const;
 
   const int outWidth_, outHeight_, sceneWidth_, sceneHeight_;
   std::vector<Span> spans_;
-  std::vector<Tap> taps_;  // of all spans, one after the other
+  std::vector<Tap> taps_;                          // of all spans, one after the other
+  std::vector<std::size_t> spanOfRow_, tapOfRow_;  // the first ones of each row, and behind the last
 };
 
 }  // namespace zel::simulator

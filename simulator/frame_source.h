@@ -7,21 +7,15 @@
 
 namespace zel::simulator {
 
-// The preview of one connection: what the camera sends for each picture.
+// What a connection sends beside its media and the camera's answers.
 class FrameSource {
  public:
-  // code: preview resolution code, 0 to 15; code % 4 sets the rate, code / 4 the size.
-  FrameSource(int code, std::uint64_t seed) : code_(code), random_(seed) {}
+  explicit FrameSource(std::uint64_t seed) : random_(seed) {}
 
-  double secondsPerPicture() const;
+  // The rest of a picture whose beginning nobody heard.
+  Bytes tornFrame();
 
-  void setCode(int code) { code_ = code; }
-
-  // Frames of the next picture: a time stamp and video, then a time stamp and audio. The bytes are noise of the size
-  // that real ones have. cameraTime in milliseconds.
-  Bytes nextPicture(std::int64_t cameraTime, bool withTimestamps);
-
-  // What shows that the camera is there while it sends no pictures.
+  // What shows that the camera is there while it sends no pictures. cameraTime in milliseconds.
   Bytes heartbeat(std::int64_t cameraTime) const;
 
   // A frame whose data type nobody knows.
@@ -30,7 +24,6 @@ class FrameSource {
  private:
   Bytes noise(std::size_t least, std::size_t most);
 
-  int code_;
   std::mt19937_64 random_;
 };
 

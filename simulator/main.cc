@@ -104,6 +104,8 @@ int main(int argc, char** argv) {
   });
   app.add_option("--firmware", options.identity.firmware, "firmware number")->check(CLI::Range(0, 999999));
   app.add_option("--resolution", options.resolution, "preview resolution code")->check(CLI::Range(0, 15));
+  app.add_option("--video", options.video, "H.264 file with start codes that is shown instead of the scene");
+  app.add_option("--audio", options.audio, "ADTS AAC file that sounds instead of the beeps");
   app.add_option("--storage", options.storage, "folder of the files that the host sends (a temporary one)");
   app.add_option("--seed", options.seed, "what is random comes out of it");
   app.add_option("--fault", faults, "what goes wrong on purpose, may be repeated")->allow_extra_args(false);

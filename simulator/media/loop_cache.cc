@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace zel::simulator {
 namespace {
@@ -32,27 +31,21 @@ std::string LoopCache::standardFolder() {
   return {};
 }
 
-std::string LoopCache::fileOf(const PreviewFormat& format) const {
-  return folder_ + "/scene-" + std::to_string(format.width) + "x" + std::to_string(format.height) + "-" +
-         std::to_string(format.rate) + ".h264";
+Bytes LoopCache::find(const std::string& name) const {
+  return folder_.empty() ? Bytes() : contentsOf(folder_ + "/" + name);
 }
 
-std::vector<VideoPicture> LoopCache::find(const PreviewFormat& format, const VideoPicture& first,
-                                          std::size_t length) const {
-  if (folder_.empty()) return {};
-  std::vector<VideoPicture> pictures = picturesIn(contentsOf(fileOf(format)));
-  if (pictures.size() != length || pictures.front().bytes != first.bytes) return {};
-  return pictures;
-}
-
-void LoopCache::keep(const PreviewFormat& format, const std::vector<VideoPicture>& pictures) const {
+void LoopCache::keep(const std::string& name, const Bytes& content) const {
   if (folder_.empty()) return;
   std::error_code fault;
   std::filesystem::create_directories(folder_, fault);
-  const std::string whole = fileOf(format), part = whole + "." + std::to_string(getpid());
+  const std::string whole = folder_ + "/" + name;
+  std::string part = whole + ".XXXXXX";
+  const int descriptor = mkstemp(part.data());
+  if (descriptor < 0) return;
+  close(descriptor);
   std::ofstream file(part, std::ios::binary);
-  for (const VideoPicture& picture : pictures)
-    file.write(reinterpret_cast<const char*>(picture.bytes.data()), static_cast<std::streamsize>(picture.bytes.size()));
+  file.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
   file.close();
   if (file) std::filesystem::rename(part, whole, fault);
   if (!file || fault) std::filesystem::remove(part, fault);

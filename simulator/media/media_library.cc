@@ -11,6 +11,8 @@
 namespace zel::simulator {
 namespace {
 
+// To be raised with every change of what is seen or heard, so that nobody is shown what was kept before it.
+constexpr int kMediaVersion = 1;
 constexpr std::uintmax_t kLargestFile = 1024u << 20;  // bytes
 
 bool readFile(const std::string& path, Bytes& into, std::string& error) {
@@ -31,18 +33,36 @@ void fill(VideoLoop& loop, std::vector<VideoPicture> pictures) {
   for (VideoPicture& picture : pictures) loop.add(std::move(picture));
 }
 
+std::string nameOf(const PreviewFormat& format) {
+  return "scene-" + std::to_string(format.width) + "x" + std::to_string(format.height) + "-" +
+         std::to_string(format.rate) + "-v" + std::to_string(kMediaVersion) + ".h264";
+}
+
 // Runs on a thread of its own.
 void film(const std::stop_token& stop, const PreviewFormat& format, const LoopCache& cache, VideoLoop& loop) {
+  std::vector<VideoPicture> kept = picturesIn(cache.find(nameOf(format)));
+  if (kept.size() == loop.length()) return fill(loop, std::move(kept));
   SceneFilm scene(format);
-  VideoPicture first = scene.ok() ? scene.next() : VideoPicture();
-  std::vector<VideoPicture> made = cache.find(format, first, loop.length());
-  if (!made.empty()) return fill(loop, std::move(made));
-  for (VideoPicture picture = std::move(first); !picture.bytes.empty() && !stop.stop_requested();
-       picture = scene.next()) {
-    made.push_back(picture);
+  Bytes stream;
+  for (std::size_t made = 0; made < loop.length(); ++made) {
+    VideoPicture picture = stop.stop_requested() ? VideoPicture() : scene.next();
+    if (picture.bytes.empty()) return;
+    stream.insert(stream.end(), picture.bytes.begin(), picture.bytes.end());
     loop.add(std::move(picture));
-    if (made.size() == loop.length()) return cache.keep(format, made);
   }
+  cache.keep(nameOf(format), stream);
+}
+
+// Likewise.
+AudioTrack record(const LoopCache& cache) {
+  const std::string name = "beeps-v" + std::to_string(kMediaVersion) + ".aac";
+  AudioTrack track = framesIn(cache.find(name));
+  if (static_cast<double>(track.frames.size()) * track.secondsPerFrame() == kLoopSeconds) return track;
+  track = makeBeeps();
+  Bytes stream;
+  for (const Bytes& frame : track.frames) stream.insert(stream.end(), frame.begin(), frame.end());
+  if (!stream.empty()) cache.keep(name, stream);
+  return track;
 }
 
 }  // namespace
@@ -100,8 +120,9 @@ FutureAudio MediaLibrary::audio() {
 void MediaLibrary::makeSound() {
   std::promise<std::shared_ptr<const AudioTrack>> promise;
   audio_ = promise.get_future().share();
-  makers_.emplace_back(
-      [promise = std::move(promise)]() mutable { promise.set_value(std::make_shared<const AudioTrack>(makeBeeps())); });
+  makers_.emplace_back([promise = std::move(promise), cache = cache_]() mutable {
+    promise.set_value(std::make_shared<const AudioTrack>(record(cache)));
+  });
 }
 
 }  // namespace zel::simulator

@@ -6,6 +6,7 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
+#include <cmath>
 #include <utility>
 
 namespace zel::simulator {
@@ -33,6 +34,11 @@ CodecContextPtr openEncoder(const PreviewFormat& format) {
   return avcodec_open2(context.get(), codec, nullptr) == 0 ? std::move(context) : nullptr;
 }
 
+FisheyeProjector::Rows movingRows(int sceneHeight) {
+  const auto row = [sceneHeight](double latitude) { return sceneHeight * (0.5 - latitude / 180); };
+  return {static_cast<int>(std::floor(row(kMovingLatitude))), static_cast<int>(std::ceil(row(-kMovingLatitude)))};
+}
+
 // libx264 writes start codes of three bytes within a picture; the camera knows those of four bytes alone.
 VideoPicture withLongStartCodes(const AVPacket& packet) {
   const std::span<const std::uint8_t> stream(packet.data, static_cast<std::size_t>(packet.size));
@@ -52,22 +58,32 @@ SceneFilm::SceneFilm(const PreviewFormat& format)
     : format_(format),
       scene_(format.width, format.height),
       lenses_(factoryLensOffset(), format.width, format.height, format.width, format.height),
+      moving_(lenses_.rowsShowing(movingRows(format.height))),
       encoder_(openEncoder(format)) {}
 
-FramePtr SceneFilm::view() {
+void SceneFilm::see() {
+  const Picture scene = scene_.at(static_cast<double>(number_) / format_.rate);
+  if (number_ == 0) {
+    seen_ = lenses_.project(scene);
+  } else {
+    lenses_.renew(scene, moving_, seen_);
+  }
+}
+
+FramePtr SceneFilm::view() const {
   FramePtr frame(av_frame_alloc());
   frame->format = AV_PIX_FMT_YUVJ420P;
   frame->width = format_.width;
   frame->height = format_.height;
   frame->pts = number_;
   if (av_frame_get_buffer(frame.get(), 0) < 0) return nullptr;
-  const Picture seen = lenses_.project(scene_.at(static_cast<double>(number_) / format_.rate));
-  libyuv::RAWToJ420(seen.rgb.data(), 3 * seen.width, frame->data[0], frame->linesize[0], frame->data[1],
-                    frame->linesize[1], frame->data[2], frame->linesize[2], seen.width, seen.height);
+  libyuv::RAWToJ420(seen_.rgb.data(), 3 * seen_.width, frame->data[0], frame->linesize[0], frame->data[1],
+                    frame->linesize[1], frame->data[2], frame->linesize[2], seen_.width, seen_.height);
   return frame;
 }
 
 VideoPicture SceneFilm::next() {
+  see();
   const PacketPtr packet(av_packet_alloc());
   const FramePtr frame = view();
   ++number_;

@@ -23,12 +23,15 @@ class SceneFilm {
   VideoPicture next();
 
  private:
-  FramePtr view();
+  void see();
+  FramePtr view() const;
 
   const PreviewFormat format_;
   const Scene scene_;
   const FisheyeProjector lenses_;
+  const FisheyeProjector::Rows moving_;  // the rows of the view in which anything moves
   const CodecContextPtr encoder_;
+  Picture seen_;
   std::int64_t number_ = 0;
 };
 

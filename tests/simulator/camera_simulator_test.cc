@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -34,7 +35,16 @@ Bytes shutter() {
 
 class CameraSimulatorTest : public testing::Test {
  protected:
-  CameraSimulatorTest() { options.accessoriesFolder = (folder.path() / "bus").string(); }
+  // Two seconds of pictures that only look like H.264, and a little sound: what is shown does not matter here.
+  CameraSimulatorTest() {
+    options.accessoriesFolder = (folder.path() / "bus").string();
+    options.video = (folder.path() / "video.h264").string();
+    options.audio = (folder.path() / "audio.aac").string();
+    std::ofstream video(options.video, std::ios::binary);
+    for (int picture = 0; picture < 60; ++picture)
+      video << std::string("\0\0\0\1", 4) << (picture % 30 == 0 ? '\x65' : '\x41') << std::string(20'000, '\x9A');
+    std::ofstream(options.audio, std::ios::binary) << "\xFF\xF1\x4C\x80\x01\x1F\xFC\x21";
+  }
 
   void start(std::vector<std::string> faults = {}) {
     std::string error;

@@ -79,6 +79,21 @@ TEST(SceneFilmTest, MovesTheDisc) {
   EXPECT_LT(lumaAt(decoded[0], placeOf(4.6, 0)), 120);  // its dark ring
 }
 
+// The film renews only the rows in which something moves.
+TEST(SceneFilmTest, RenewsEverythingThatMoves) {
+  const Scene scene(480, 240);
+  const FisheyeProjector lenses(factoryLensOffset(), 480, 240, 480, 240);
+  const int first = 101, end = 139;  // 90 - 14 and 90 + 14 of 180 degrees
+  const FisheyeProjector::Rows moving = lenses.rowsShowing({first, end});
+  EXPECT_GT(moving.first, 60);
+  EXPECT_LT(moving.end, 180);
+  Picture seen = lenses.project(scene.at(0));
+  for (const double seconds : {0.25, 1.0, 2.5, 4.75, 7.0}) {
+    lenses.renew(scene.at(seconds), moving, seen);
+    EXPECT_EQ(seen, lenses.project(scene.at(seconds))) << seconds;
+  }
+}
+
 TEST(SceneFilmTest, IsBlackOutsideTheCircles) {
   const auto decoded = decodePictures(filmed(1));
   EXPECT_LT(decoded[0].at(2, 2), 6);

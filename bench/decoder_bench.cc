@@ -1,0 +1,111 @@
+// How much the decoder adapter adds to libavcodec, called directly on the same stream with the same threads.
+//
+// The stream is the simulated camera's at 3040 x 1520, two seconds of it.
+
+#include <cstring>
+#include <vector>
+
+#include "bench/ratio_report.h"
+#include "platform/ffmpeg/h264_decoder.h"
+#include "platform/ffmpeg/h264_headers.h"
+#include "platform/ffmpeg/libav.h"
+#include "simulator/media/scene_film.h"
+
+namespace zel::bench {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr int kPictures = 60;
+
+struct Stream {
+  std::vector<Bytes> pictures;  // with start codes
+  std::vector<Bytes> units;     // the slices, each behind its length
+  Bytes sps, pps;
+};
+
+void addUnit(Stream& stream, std::span<const std::uint8_t> unit) {
+  const platform::H264UnitType type = platform::typeOf(unit[0]);
+  if (type == platform::H264UnitType::sequence) stream.sps.assign(unit.begin(), unit.end());
+  if (type == platform::H264UnitType::picture) stream.pps.assign(unit.begin(), unit.end());
+  if (type != platform::H264UnitType::slice && type != platform::H264UnitType::keySlice) return;
+  Bytes prefixed;
+  for (int shift = 24; shift >= 0; shift -= 8) prefixed.push_back(static_cast<std::uint8_t>(unit.size() >> shift));
+  prefixed.insert(prefixed.end(), unit.begin(), unit.end());
+  stream.units.push_back(std::move(prefixed));
+}
+
+const Stream& stream() {
+  static const Stream made = [] {
+    Stream result;
+    simulator::SceneFilm film(simulator::previewFormat(15));
+    for (int i = 0; i < kPictures; ++i) {
+      const Bytes picture = film.next().bytes;
+      for (const auto& unit : simulator::unitsIn(picture))
+        addUnit(result, std::span(picture).subspan(unit.header, unit.end - unit.header));
+      result.pictures.push_back(picture);
+    }
+    return result;
+  }();
+  return made;
+}
+
+void report(benchmark::State& state, int pictures) {
+  state.counters["pictures/s"] = benchmark::Counter(static_cast<double>(pictures), benchmark::Counter::kIsRate);
+}
+
+int drain(AVCodecContext& decoder, AVFrame& frame) {
+  int pictures = 0;
+  while (avcodec_receive_frame(&decoder, &frame) == 0) ++pictures;
+  return pictures;
+}
+
+// The limit: nothing is done with the pictures.
+void libavcodec(benchmark::State& state) {
+  const Stream& scene = stream();
+  const platform::FramePtr frame(av_frame_alloc());
+  int pictures = 0;
+  for (auto _ : state) {
+    const platform::CodecContextPtr decoder(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264)));
+    decoder->thread_count = static_cast<int>(state.range(0));
+    decoder->thread_type = FF_THREAD_FRAME;
+    avcodec_open2(decoder.get(), nullptr, nullptr);
+    for (const Bytes& picture : scene.pictures) {
+      const platform::PacketPtr packet(av_packet_alloc());
+      av_new_packet(packet.get(), static_cast<int>(picture.size()));
+      std::memcpy(packet->data, picture.data(), picture.size());
+      avcodec_send_packet(decoder.get(), packet.get());
+      pictures += drain(*decoder, *frame);
+    }
+    avcodec_send_packet(decoder.get(), nullptr);
+    pictures += drain(*decoder, *frame);
+  }
+  report(state, pictures);
+}
+
+void adapter(benchmark::State& state) {
+  const Stream& scene = stream();
+  platform::LibavVideoDecoders decoders({static_cast<int>(state.range(0))});
+  int pictures = 0;
+  for (auto _ : state) {
+    const auto decoder = decoders.create(scene.sps, scene.pps).decoder;
+    for (const Bytes& unit : scene.units)
+      if (decoder->decode(unit, 0).status == platform::DecodeStatus::picture) ++pictures;
+    while (decoder->flush().pixelBuffer) ++pictures;
+  }
+  report(state, pictures);
+}
+
+BENCHMARK(libavcodec)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(adapter)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace zel::bench
+
+int main(int argc, char** argv) {
+  // 0.95 of the bare decoder's pictures a second.
+  return zel::bench::runAndCompare(
+      argc, argv,
+      {{"decoder adapter / libavcodec, 1 thread", "adapter/1/real_time", "libavcodec/1/real_time", 1.053},
+       {"decoder adapter / libavcodec, 2 threads", "adapter/2/real_time", "libavcodec/2/real_time", 1.053}});
+}
