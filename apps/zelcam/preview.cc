@@ -45,15 +45,16 @@ struct Decoded {
 // Counts pictures on the decode thread and keeps the newest.
 class PictureCounter final : public ZELPixelBufferDataProtocol {
  public:
-  PictureCounter(CameraLink& link, std::optional<std::int64_t> wanted)
+  PictureCounter(CameraLink& link, std::optional<std::int64_t> wanted, bool verbose)
       : platform_(link.platform()),
         wanted_(wanted),
+        verbose_(verbose),
         timesAreHosts_(link.stack().accessory().firewareVersion() >= kFirewareVersion190) {}
 
   void onPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t timestamp) override {
     const MutexLock lock(mutex_);
     if (decoded_.complete) return;
-    ++decoded_.pictures;
+    if (++decoded_.pictures == 1 && verbose_) say("zelcam: the first picture is here");
     const std::int64_t age = platform::absoluteTimeMilliseconds(platform_.ports().clock) - timestamp;
     if (timesAreHosts_ && age > kLate) ++decoded_.late;
     decoded_.newest = picture;
@@ -69,6 +70,7 @@ class PictureCounter final : public ZELPixelBufferDataProtocol {
  private:
   LinuxPlatform& platform_;
   const std::optional<std::int64_t> wanted_;
+  const bool verbose_;
   const bool timesAreHosts_;
   mutable Mutex mutex_;
   Decoded decoded_ ZEL_GUARDED_BY(mutex_);
@@ -81,7 +83,7 @@ class Preview {
 
   int run() {
     player_ = link_.stack().suitablePreviewPlayer();
-    counter_ = std::make_shared<PictureCounter>(link_, wanted());
+    counter_ = std::make_shared<PictureCounter>(link_, wanted(), invocation_.settings.verbose);
     player_->setPixelBufferDelegate(counter_);
     if (const int status = startVideo(); status != kDone) return status;
     const auto tick = link_.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [this] { report(); });
