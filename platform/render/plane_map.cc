@@ -64,7 +64,7 @@ std::size_t segmentPixelsFor(std::size_t width, double pixelsPerDegree) {
   return pixels;
 }
 
-BandBuilder::BandBuilder(const std::vector<LensView>& views, double fieldOfView, const PlaneShape& shape)
+TileBuilder::TileBuilder(const std::vector<LensView>& views, double fieldOfView, const PlaneShape& shape)
     : views_(views),
       rim_(fieldOfView / 2 - kRimMargin),
       shape_(shape),
@@ -78,31 +78,42 @@ BandBuilder::BandBuilder(const std::vector<LensView>& views, double fieldOfView,
   }
 }
 
-BandBuilder::Bearing BandBuilder::longitudeOf(double column) const {
+TileBuilder::Bearing TileBuilder::longitudeOf(double column) const {
   const double angle = (column / static_cast<double>(shape_.width) - 0.5) * 2 * std::numbers::pi;
   return {std::sin(angle), std::cos(angle)};
 }
 
-Direction BandBuilder::directionOf(const Bearing& longitude, const Bearing& latitude) const {
+Direction TileBuilder::directionOf(const Bearing& longitude, const Bearing& latitude) const {
   return {longitude.sine * latitude.cosine, -latitude.sine, longitude.cosine * latitude.cosine};
 }
 
-BandBuilder::Margins BandBuilder::marginsAt(const Direction& direction) const {
+TileBuilder::Margins TileBuilder::marginsAt(const Direction& direction) const {
   Margins margins{{-180, -180}};
   for (std::size_t lens = 0; lens < views_.size(); ++lens)
     margins.inside[lens] = rim_ - views_[lens].sightOf(direction).angle;
   return margins;
 }
 
-// One lens alone if that holds for every pixel of the segment: none is farther from its middle than reach_.
-RunKind BandBuilder::kindOf(const Direction& middle) const {
-  const auto [first, second] = marginsAt(middle).inside;
-  if (first > reach_ && (first - second) / 2 > kFeather + reach_) return RunKind::lens0;
-  if (second > reach_ && (second - first) / 2 > kFeather + reach_) return RunKind::lens1;
-  return RunKind::blend;
+TileBuilder::Margins TileBuilder::marginsAt(double column, const Bearing& latitude) const {
+  return marginsAt(directionOf(longitudeOf(column), latitude));
 }
 
-Segment BandBuilder::fit(std::size_t lens, std::size_t segment, const Bearing& latitude) const {
+// One lens alone if it has both ends of the segment to itself: in between, the shares are never farther from that than
+// at the ends, by any number that counts.
+RunKind TileBuilder::kindOf(std::size_t segment, const Bearing& latitude) const {
+  const auto [first, second] = marginsAt(directionOf(nodes_[segment][1], latitude)).inside;
+  if (first > reach_ && (first - second) / 2 > kFeather + reach_) return RunKind::lens0;
+  if (second > reach_ && (second - first) / 2 > kFeather + reach_) return RunKind::lens1;
+  if (std::abs(first - second) / 2 < kFeather - reach_) return RunKind::blend;
+  const double start = static_cast<double>(segment * shape_.segmentPixels) + 0.5;
+  const Margins left = marginsAt(start, latitude);
+  const Margins right = marginsAt(start + static_cast<double>(shape_.segmentPixels - 1), latitude);
+  const auto leftShares = sharesAt(left.inside[0], left.inside[1]);
+  if (leftShares != sharesAt(right.inside[0], right.inside[1])) return RunKind::blend;
+  return leftShares[0] == 128 ? RunKind::lens0 : leftShares[1] == 128 ? RunKind::lens1 : RunKind::blend;
+}
+
+Segment TileBuilder::fit(std::size_t lens, std::size_t segment, const Bearing& latitude) const {
   std::array<double, kNodes> x, y;
   for (std::size_t node = 0; node < kNodes; ++node) {
     const Sight sight = views_[lens].sightOf(directionOf(nodes_[segment][node], latitude));
@@ -115,49 +126,55 @@ Segment BandBuilder::fit(std::size_t lens, std::size_t segment, const Bearing& l
   return {across.start, down.start, across.shape, down.shape};
 }
 
-BlendSegment BandBuilder::blendOf(std::size_t segment, const Bearing& latitude) const {
+BlendSegment TileBuilder::blendOf(std::size_t segment, const Bearing& latitude) const {
   BlendSegment blend;
   for (std::size_t lens = 0; lens < views_.size(); ++lens) blend.lens[lens] = fit(lens, segment, latitude);
   for (std::size_t i = 0; i < shape_.segmentPixels; ++i) {
     const double column = static_cast<double>(segment * shape_.segmentPixels + i) + 0.5;
-    const auto [first, second] = marginsAt(directionOf(longitudeOf(column), latitude)).inside;
+    const auto [first, second] = marginsAt(column, latitude).inside;
     blend.shares[i] = sharesAt(first, second);
   }
   return blend;
 }
 
-void BandBuilder::addRow(Band& band, std::size_t row) const {
+void TileBuilder::addRow(Tile& tile, std::size_t row) const {
   const double angle = (0.5 - (static_cast<double>(row) + 0.5) / static_cast<double>(shape_.height)) * std::numbers::pi;
   const Bearing latitude{std::sin(angle), std::cos(angle)};
-  const std::size_t rowStart = band.runs.size();
-  band.rowRuns.push_back(static_cast<std::uint32_t>(rowStart));
-  for (std::size_t segment = 0; segment < nodes_.size(); ++segment) {
-    const RunKind kind = kindOf(directionOf(nodes_[segment][1], latitude));
+  const std::size_t rowStart = tile.runs.size();
+  tile.rowRuns.push_back(static_cast<std::uint32_t>(rowStart));
+  const std::size_t first = tile.place.firstColumn / shape_.segmentPixels;
+  const std::size_t end = first + segmentsIn(tile.place);
+  for (std::size_t segment = first; segment < end; ++segment) {
+    const RunKind kind = kindOf(segment, latitude);
     const bool blends = kind == RunKind::blend;
-    if (band.runs.size() == rowStart || band.runs.back().kind != kind) {
-      const std::size_t first = blends ? band.blends.size() : band.segments.size();
-      band.runs.push_back({kind, static_cast<std::uint32_t>(first), 0});
+    if (tile.runs.size() == rowStart || tile.runs.back().kind != kind) {
+      const std::size_t next = blends ? tile.blends.size() : tile.segments.size();
+      tile.runs.push_back({kind, static_cast<std::uint32_t>(next), 0});
     }
-    ++band.runs.back().count;
+    ++tile.runs.back().count;
     if (blends) {
-      band.blends.push_back(blendOf(segment, latitude));
+      tile.blends.push_back(blendOf(segment, latitude));
     } else {
-      band.segments.push_back(fit(kind == RunKind::lens0 ? 0 : 1, segment, latitude));
+      tile.segments.push_back(fit(kind == RunKind::lens0 ? 0 : 1, segment, latitude));
     }
   }
 }
 
-Band BandBuilder::build(std::size_t firstRow, std::size_t rows) const {
-  Band band;
-  band.firstRow = firstRow;
-  band.rows = rows;
-  band.rowRuns.reserve(rows + 1);
-  band.segments.reserve(rows * nodes_.size());
-  for (std::size_t row = firstRow; row < firstRow + rows; ++row) addRow(band, row);
-  band.rowRuns.push_back(static_cast<std::uint32_t>(band.runs.size()));
-  band.segments.shrink_to_fit();
-  band.blends.shrink_to_fit();
-  return band;
+std::size_t TileBuilder::segmentsIn(const TilePlace& place) const {
+  return (place.columns + shape_.segmentPixels - 1) / shape_.segmentPixels;
+}
+
+Tile TileBuilder::build(const TilePlace& place) const {
+  Tile tile;
+  tile.place = place;
+  tile.rowRuns.reserve(place.rows + 1);
+  tile.segments.reserve(place.rows * segmentsIn(place));
+  for (std::size_t row = place.firstRow; row < place.firstRow + place.rows; ++row) addRow(tile, row);
+  tile.rowRuns.push_back(static_cast<std::uint32_t>(tile.runs.size()));
+  tile.runs.shrink_to_fit();
+  tile.segments.shrink_to_fit();
+  tile.blends.shrink_to_fit();
+  return tile;
 }
 
 }  // namespace zel::render

@@ -37,13 +37,19 @@ enum class RunKind : std::uint8_t { lens0, lens1, blend };
 // Neighbouring segments of one row and one kind.
 struct Run {
   RunKind kind = RunKind::blend;
-  std::uint32_t first = 0;  // of Band::segments or Band::blends
+  std::uint32_t first = 0;  // of Tile::segments or Tile::blends
   std::uint32_t count = 0;
 };
 
-// Some neighbouring rows of a plane.
-struct Band {
+// A rectangle of a plane.
+struct TilePlace {
   std::size_t firstRow = 0, rows = 0;
+  std::size_t firstColumn = 0, columns = 0;  // the first is a multiple of the plane's segmentPixels
+};
+
+// The map of a rectangle, and the share of the work that one worker takes at a time.
+struct Tile {
+  TilePlace place;
   std::vector<std::uint32_t> rowRuns;  // of each row its first run, and where the last row's end
   std::vector<Run> runs;
   std::vector<Segment> segments;
@@ -69,14 +75,14 @@ std::array<std::uint8_t, 2> sharesAt(double insideFirst, double insideSecond);
 // (16, 8, 4, 2, 1) that leave the parabola less than 1/64 pixel wrong.
 std::size_t segmentPixelsFor(std::size_t width, double pixelsPerDegree);
 
-// Makes the maps of one plane, a band at a time.
+// Makes the maps of one plane, a tile at a time.
 // Thread: any thread after construction, several at a time.
-class BandBuilder {
+class TileBuilder {
  public:
   // views: of 1 or 2 lenses on the source picture, whatever the plane.
-  BandBuilder(const std::vector<LensView>& views, double fieldOfView, const PlaneShape& shape);
+  TileBuilder(const std::vector<LensView>& views, double fieldOfView, const PlaneShape& shape);
 
-  Band build(std::size_t firstRow, std::size_t rows) const;
+  Tile build(const TilePlace& place) const;
 
  private:
   static constexpr std::size_t kNodes = 3;  // of a segment: that the parabola goes through
@@ -90,10 +96,12 @@ class BandBuilder {
   Direction directionOf(const Bearing& longitude, const Bearing& latitude) const;
   Bearing longitudeOf(double column) const;
   Margins marginsAt(const Direction& direction) const;
-  RunKind kindOf(const Direction& middle) const;
+  Margins marginsAt(double column, const Bearing& latitude) const;
+  RunKind kindOf(std::size_t segment, const Bearing& latitude) const;
   Segment fit(std::size_t lens, std::size_t segment, const Bearing& latitude) const;
   BlendSegment blendOf(std::size_t segment, const Bearing& latitude) const;
-  void addRow(Band& band, std::size_t row) const;
+  std::size_t segmentsIn(const TilePlace& place) const;
+  void addRow(Tile& tile, std::size_t row) const;
 
   const std::vector<LensView>& views_;
   const double rim_;  // degrees from the axis at which a lens ends

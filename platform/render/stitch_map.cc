@@ -20,36 +20,44 @@ PlaneShape shapeOf(const std::vector<LensView>& views, PictureSize output, int d
   return shape;
 }
 
-Band buildBand(const BandBuilder& builder, const PlaneShape& shape, std::size_t index, std::size_t rows) {
-  const std::size_t first = index * rows;
-  return builder.build(first, std::min(rows, shape.height - first));
+// Of all tiles in turn, row by row. The tiles of a plane with fewer pixels are smaller by as much.
+TilePlace placeOf(const PlaneShape& shape, std::size_t index) {
+  const auto divisor = static_cast<std::size_t>(shape.sourceDivisor);
+  const std::size_t rows = StitchMap::kTileRows / divisor, columns = StitchMap::kTileColumns / divisor;
+  const std::size_t across = (shape.width + columns - 1) / columns;
+  const std::size_t row = index / across * rows, column = index % across * columns;
+  return {row, std::min(rows, shape.height - row), column, std::min(columns, shape.width - column)};
 }
 
-std::size_t byteCount(const std::vector<Band>& bands) {
+std::size_t tileCount(const PlaneShape& luma) {
+  const std::size_t across = (luma.width + StitchMap::kTileColumns - 1) / StitchMap::kTileColumns;
+  return across * ((luma.height + StitchMap::kTileRows - 1) / StitchMap::kTileRows);
+}
+
+std::size_t byteCount(const std::vector<Tile>& tiles) {
   std::size_t bytes = 0;
-  for (const Band& band : bands) {
-    bytes += sizeof(Band) + band.rowRuns.capacity() * sizeof(std::uint32_t) + band.runs.capacity() * sizeof(Run) +
-             band.segments.capacity() * sizeof(Segment) + band.blends.capacity() * sizeof(BlendSegment);
+  for (const Tile& tile : tiles) {
+    bytes += sizeof(Tile) + tile.rowRuns.capacity() * sizeof(std::uint32_t) + tile.runs.capacity() * sizeof(Run) +
+             tile.segments.capacity() * sizeof(Segment) + tile.blends.capacity() * sizeof(BlendSegment);
   }
   return bytes;
 }
 
 }  // namespace
 
-std::size_t byteCount(const StitchMap& map) { return byteCount(map.lumaBands) + byteCount(map.chromaBands); }
+std::size_t byteCount(const StitchMap& map) { return byteCount(map.lumaTiles) + byteCount(map.chromaTiles); }
 
 StitchMap buildStitchMap(const std::vector<LensView>& views, double fieldOfView, PictureSize output,
                          RowWorkers& workers) {
   StitchMap map;
   map.luma = shapeOf(views, output, 1);
   map.chroma = shapeOf(views, output, 2);
-  const BandBuilder luma(views, fieldOfView, map.luma), chroma(views, fieldOfView, map.chroma);
-  const std::size_t bands = (map.luma.height + StitchMap::kBandRows - 1) / StitchMap::kBandRows;
-  map.lumaBands.resize(bands);
-  map.chromaBands.resize(bands);
-  workers.run(bands, [&](std::size_t index, std::size_t) {
-    map.lumaBands[index] = buildBand(luma, map.luma, index, StitchMap::kBandRows);
-    map.chromaBands[index] = buildBand(chroma, map.chroma, index, StitchMap::kBandRows / 2);
+  const TileBuilder luma(views, fieldOfView, map.luma), chroma(views, fieldOfView, map.chroma);
+  map.lumaTiles.resize(tileCount(map.luma));
+  map.chromaTiles.resize(map.lumaTiles.size());
+  workers.run(map.lumaTiles.size(), [&](std::size_t index, std::size_t) {
+    map.lumaTiles[index] = luma.build(placeOf(map.luma, index));
+    map.chromaTiles[index] = chroma.build(placeOf(map.chroma, index));
   });
   return map;
 }

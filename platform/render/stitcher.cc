@@ -24,6 +24,12 @@ SourcePlane sourceOf(const platform::PixelPlane& plane, int width, int height) {
   return {plane.data, static_cast<std::int32_t>(plane.stride), width, height};
 }
 
+constexpr std::size_t kFilterRows = 16;  // of chroma, in a task
+
+std::size_t filterBands(PictureSize output) {
+  return (static_cast<std::size_t>(output.height) / 2 + kFilterRows - 1) / kFilterRows;
+}
+
 // One row of a plane, run by run.
 struct LumaKernels {
   static constexpr std::size_t kPixelBytes = 1;
@@ -37,22 +43,30 @@ struct ChromaKernels {
 };
 
 template <class Kernels>
-void stitchRow(const Band& band, std::size_t row, const PlaneShape& plane, const SourcePlane& source,
+void stitchRow(const Tile& tile, std::size_t row, std::size_t segmentPixels, const SourcePlane& source,
                const LensGains& gains, std::uint8_t* out) {
   std::size_t column = 0;
-  for (std::size_t index = band.rowRuns[row]; index < band.rowRuns[row + 1]; ++index) {
-    const Run& run = band.runs[index];
-    const std::size_t pixels = std::min(plane.width - column, run.count * plane.segmentPixels);
-    const RunShape shape{plane.segmentPixels, pixels};
+  for (std::size_t index = tile.rowRuns[row]; index < tile.rowRuns[row + 1]; ++index) {
+    const Run& run = tile.runs[index];
+    const std::size_t pixels = std::min(tile.place.columns - column, run.count * segmentPixels);
+    const RunShape shape{segmentPixels, pixels};
     std::uint8_t* at = out + column * Kernels::kPixelBytes;
     if (run.kind == RunKind::blend) {
-      Kernels::kBoth(source, std::span(band.blends).subspan(run.first, run.count), shape, gains, at);
+      Kernels::kBoth(source, std::span(tile.blends).subspan(run.first, run.count), shape, gains, at);
     } else {
       const std::uint16_t gain = gains.lens[run.kind == RunKind::lens0 ? 0 : 1];
-      Kernels::kOne(source, std::span(band.segments).subspan(run.first, run.count), shape, gain, at);
+      Kernels::kOne(source, std::span(tile.segments).subspan(run.first, run.count), shape, gain, at);
     }
     column += pixels;
   }
+}
+
+template <class Kernels>
+void stitchPlane(const Tile& tile, const PlaneShape& plane, const SourcePlane& source, const LensGains& gains,
+                 std::uint8_t* out, std::size_t stride) {
+  std::uint8_t* at = out + tile.place.firstRow * stride + tile.place.firstColumn * Kernels::kPixelBytes;
+  for (std::size_t row = 0; row < tile.place.rows; ++row)
+    stitchRow<Kernels>(tile, row, plane.segmentPixels, source, gains, at + row * stride);
 }
 
 }  // namespace
@@ -95,10 +109,10 @@ bool Stitcher::stitch(const platform::PixelBuffer& source, const OutputPicture& 
   const auto sources = sourcesOf(source);
   if (!sources || !prepare({source.width(), source.height()})) return false;
   const LensGains gains = matchGain_ ? prepared_->gains.next(sources->luma) : LensGains{};
-  const std::size_t bands = prepared_->map.lumaBands.size();
-  workers_.run(bands, [&](std::size_t band, std::size_t) { stitchBand(*sources, gains, band, output); });
+  const std::size_t tiles = prepared_->map.lumaTiles.size();
+  workers_.run(tiles, [&](std::size_t tile, std::size_t) { stitchTile(*sources, gains, tile, output); });
   if (removePurple_.load(std::memory_order_relaxed))
-    workers_.run(bands, [&](std::size_t band, std::size_t worker) { filterBand(band, worker, output); });
+    workers_.run(filterBands(output_), [&](std::size_t band, std::size_t worker) { filterBand(band, worker, output); });
   if (logo_) drawLogo(output);
   return true;
 }
@@ -118,23 +132,18 @@ bool Stitcher::takes(const OutputPicture& output) const {
          output.chromaStride >= rowBytes;
 }
 
-void Stitcher::stitchBand(const Sources& sources, const LensGains& gains, std::size_t band,
+void Stitcher::stitchTile(const Sources& sources, const LensGains& gains, std::size_t tile,
                           const OutputPicture& output) const {
-  const Band& luma = prepared_->map.lumaBands[band];
-  for (std::size_t row = 0; row < luma.rows; ++row) {
-    stitchRow<LumaKernels>(luma, row, prepared_->map.luma, sources.luma, gains,
-                           output.luma + (luma.firstRow + row) * output.lumaStride);
-  }
-  const Band& chroma = prepared_->map.chromaBands[band];
-  for (std::size_t row = 0; row < chroma.rows; ++row) {
-    stitchRow<ChromaKernels>(chroma, row, prepared_->map.chroma, sources.chroma, gains,
-                             output.chroma + (chroma.firstRow + row) * output.chromaStride);
-  }
+  const StitchMap& map = prepared_->map;
+  stitchPlane<LumaKernels>(map.lumaTiles[tile], map.luma, sources.luma, gains, output.luma, output.lumaStride);
+  stitchPlane<ChromaKernels>(map.chromaTiles[tile], map.chroma, sources.chroma, gains, output.chroma,
+                             output.chromaStride);
 }
 
 void Stitcher::filterBand(std::size_t band, std::size_t worker, const OutputPicture& output) {
-  const Band& chroma = prepared_->map.chromaBands[band];
-  for (std::size_t row = 0; row < chroma.rows; ++row) fringes_.filterRow(output, chroma.firstRow + row, worker);
+  const std::size_t first = band * kFilterRows, rows = static_cast<std::size_t>(output_.height) / 2;
+  for (std::size_t row = first; row < std::min(first + kFilterRows, rows); ++row)
+    fringes_.filterRow(output, row, worker);
 }
 
 void Stitcher::drawLogo(const OutputPicture& output) const {

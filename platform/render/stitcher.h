@@ -80,7 +80,7 @@ class Stitcher {
   Stitcher(LensModel model, PictureSize output, const StitcherOptions& options);
   static std::optional<Sources> sourcesOf(const platform::PixelBuffer& picture);
   bool takes(const OutputPicture& output) const;
-  void stitchBand(const Sources& sources, const LensGains& gains, std::size_t band, const OutputPicture& output) const;
+  void stitchTile(const Sources& sources, const LensGains& gains, std::size_t tile, const OutputPicture& output) const;
   void filterBand(std::size_t band, std::size_t worker, const OutputPicture& output);
   void drawLogo(const OutputPicture& output) const;
 

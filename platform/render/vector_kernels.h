@@ -66,16 +66,27 @@ HWY_INLINE V16 sumOfBytePairs(V16 shares, V16 values) {
 #endif
 }
 
-// Four bytes from each place; they need no alignment.
+// Four bytes from each place; they need no alignment. One load a lane is as fast as the instruction for it on
+// processors with AVX2, or faster by a third where that instruction was slowed down to close a leak.
 HWY_INLINE V32 gather(const std::uint8_t* base, V32 offsets) {
   const D32 d;
-#if HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX2
+#if HWY_TARGET == HWY_AVX3
   return hn::GatherOffset(d, reinterpret_cast<const std::int32_t*>(base), offsets);
 #else
-  HWY_ALIGN std::int32_t lanes[kSegmentPixels];
-  hn::Store(offsets, d, lanes);
-  for (std::size_t i = 0; i < hn::Lanes(d); ++i) std::memcpy(&lanes[i], base + lanes[i], sizeof(lanes[i]));
-  return hn::Load(d, lanes);
+  HWY_ALIGN std::int32_t at[kSegmentPixels];
+  hn::Store(offsets, d, at);
+  const auto word = [&](std::size_t lane) HWY_ATTR {
+    std::int32_t value;
+    std::memcpy(&value, base + at[lane], sizeof(value));
+    return value;
+  };
+#if HWY_TARGET == HWY_AVX2
+  return V32{_mm256_setr_epi32(word(0), word(1), word(2), word(3), word(4), word(5), word(6), word(7))};
+#else
+  HWY_ALIGN std::int32_t words[kSegmentPixels];
+  for (std::size_t lane = 0; lane < hn::Lanes(d); ++lane) words[lane] = word(lane);
+  return hn::Load(d, words);
+#endif
 #endif
 }
 

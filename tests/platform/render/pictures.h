@@ -37,7 +37,8 @@ inline PicturePtr nv12Of(const simulator::Picture& rgb) {
     for (int x = 0; x < rgb.width / 2; ++x) {
       double sum[3] = {};
       for (int i = 0; i < 12; ++i)
-        sum[i % 3] += rgb.rgb[simulator::indexOf(rgb, 2 * x + i / 3 % 2, 2 * y + i / 6) + static_cast<std::size_t>(i % 3)] / 4.0;
+        sum[i % 3] +=
+            rgb.rgb[simulator::indexOf(rgb, 2 * x + i / 3 % 2, 2 * y + i / 6) + static_cast<std::size_t>(i % 3)] / 4.0;
       const auto row = picture->chromaRow(static_cast<std::size_t>(y));
       row[static_cast<std::size_t>(2 * x)] = byteOf(128 - 0.168736 * sum[0] - 0.331264 * sum[1] + 0.5 * sum[2]);
       row[static_cast<std::size_t>(2 * x + 1)] = byteOf(128 + 0.5 * sum[0] - 0.418688 * sum[1] - 0.081312 * sum[2]);
