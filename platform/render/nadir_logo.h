@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "platform/render/picture.h"
+
+namespace zel::render {
+
+// A picture with straight (not multiplied) alpha: red, green, blue, alpha in turn, rows from the top without gaps.
+struct LogoImage {
+  static constexpr int kLargestSide = 4096;
+
+  int width = 0, height = 0;
+  std::vector<std::uint8_t> rgba;
+};
+
+// Sides of 1 to kLargestSide, and as many bytes as they ask for.
+bool isUsable(const LogoImage& image);
+
+// A logo below the camera, over the tripod: its longer side is 40 degrees wide and its middle is the nadir. Its top is
+// forward; a positive angle turns it clockwise for whoever looks down. Colours are those of BT.601 in full range, as in
+// a JPEG file.
+// Thread: any thread after construction, several at a time.
+class NadirLogo {
+ public:
+  static constexpr double kHalfSide = 20;  // degrees
+
+  // The logo must be usable, the angle finite and in degrees.
+  NadirLogo(const LogoImage& image, double angle, PictureSize output);
+
+  // The rows that it covers, of a plane with so many fewer of them (1 luma, 2 chroma).
+  std::size_t firstRow(int divisor) const { return planeOf(divisor).firstRow; }
+
+  // Draws one row. row: of the plane, at least its first.
+  void drawLuma(std::size_t row, std::uint8_t* out) const { draw(luma_, row, out); }
+  void drawChroma(std::size_t row, std::uint8_t* out) const { draw(chroma_, row, out); }
+
+ private:
+  // out = value + out * through / 255, for every byte.
+  struct Plane {
+    std::size_t firstRow = 0, rowBytes = 0;
+    std::vector<std::uint8_t> values, through;
+  };
+
+  const Plane& planeOf(int divisor) const { return divisor == 1 ? luma_ : chroma_; }
+  static void draw(const Plane& plane, std::size_t row, std::uint8_t* out);
+
+  Plane luma_, chroma_;
+};
+
+}  // namespace zel::render

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <thread>
+#include <vector>
+
+#include "platform/mutex.h"
+
+namespace zel::render {
+
+// A fixed set of threads that share out the tasks of one job after the other.
+// Owner:  must be destroyed by the thread that runs jobs, or after the last of them.
+// Thread: one job at a time.
+class RowWorkers {
+ public:
+  static constexpr int kMost = 64;
+
+  // threads counts the caller, too; 0 stands for as many as the machine has processors. A host that gives fewer threads
+  // gets slower, not wrong.
+  explicit RowWorkers(int threads);
+  ~RowWorkers();
+  RowWorkers(const RowWorkers&) = delete;
+  RowWorkers& operator=(const RowWorkers&) = delete;
+
+  std::size_t count() const { return threads_.size() + 1; }
+
+  // Calls task(index, worker) for each index below `tasks`, in any order, on the caller and the workers, and returns
+  // when all have returned; worker is below count(), and no two calls at a time have the same. Allocates nothing.
+  template <class Task>
+  void run(std::size_t tasks, const Task& task) {
+    start(tasks, {&task, [](const void* context, std::size_t index, std::size_t worker) {
+                    (*static_cast<const Task*>(context))(index, worker);
+                  }});
+  }
+
+ private:
+  struct Job {
+    const void* context = nullptr;
+    void (*call)(const void* context, std::size_t index, std::size_t worker) = nullptr;
+  };
+
+  void start(std::size_t tasks, Job job) ZEL_EXCLUDES(mutex_);
+  void work(std::size_t worker) ZEL_EXCLUDES(mutex_);
+  void takeTasks(const Job& job, std::size_t tasks, std::size_t worker);
+
+  std::atomic<std::size_t> nextTask_{0};
+  Mutex mutex_;
+  std::condition_variable_any wake_, done_;
+  Job job_ ZEL_GUARDED_BY(mutex_);
+  std::size_t tasks_ ZEL_GUARDED_BY(mutex_) = 0;
+  std::size_t round_ ZEL_GUARDED_BY(mutex_) = 0;  // counts the jobs
+  std::size_t busy_ ZEL_GUARDED_BY(mutex_) = 0;   // threads that have not ended the round
+  bool closed_ ZEL_GUARDED_BY(mutex_) = false;
+  std::vector<std::thread> threads_;  // last: nothing they use dies before them
+};
+
+}  // namespace zel::render
