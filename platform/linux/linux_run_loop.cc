@@ -41,7 +41,7 @@ class LinuxRunLoopSource final : public RunLoopSource {
 
 std::shared_ptr<LinuxRunLoop> LinuxRunLoop::create() { return std::shared_ptr<LinuxRunLoop>(new LinuxRunLoop); }
 
-LinuxRunLoop::LinuxRunLoop() : work_(io_.get_executor()) {}
+LinuxRunLoop::LinuxRunLoop() : alarm_(io_, [this] { runNext(); }), work_(io_.get_executor()) {}
 
 LinuxRunLoop::~LinuxRunLoop() {
   stopped_.store(true);  // what dies now cannot queue anything more
@@ -54,30 +54,40 @@ LinuxRunLoop::Scope::Scope(LinuxRunLoop& loop) : outer_(std::exchange(loopOfThis
 
 LinuxRunLoop::Scope::~Scope() { loopOfThisThread = outer_; }
 
-// The task may let go of the loop before the post that brought it has returned, here and in wakeUp().
+// The task may let go of the loop before the call that brought it has returned, here and in wakeUp().
 void LinuxRunLoop::perform(Task task) {
   const auto self = shared_from_this();
+  bool isFirst = false;
   {
     const MutexLock lock(mutex_);
     if (stopped_.load()) return;  // the task dies with the parameter, after the lock
     tasks_.push_back(std::move(task));
+    isFirst = !std::exchange(nextIsDue_, true);
   }
-  // One event for each task, so that tasks, timers and streams take turns.
   if (executor_) return executor_([self] { self->runNext(); });
-  asio::post(io_, [this] {
-    waiting_.store(false);
-    runNext();
-  });
+  if (isFirst) scheduleNext();
 }
 
+// On the loop's own thread nobody needs to be woken.
+void LinuxRunLoop::scheduleNext() {
+  if (ofThisThread() != this) return alarm_.ring();
+  asio::post(io_, [this] { runNext(); });
+}
+
+// One event for each task, so that tasks, timers and streams take turns. The next one is scheduled first, because the
+// task may run the loop itself.
 void LinuxRunLoop::runNext() {
+  waiting_.store(false);
   Task task;
+  bool more = false;
   {
     const MutexLock lock(mutex_);
+    nextIsDue_ = more = !stopped_.load() && tasks_.size() > 1;
     if (stopped_.load() || tasks_.empty()) return;
     task = std::move(tasks_.front());
     tasks_.pop_front();
   }
+  if (more && !executor_) scheduleNext();
   task();
   task = nullptr;  // what it holds goes before anything else runs
   if (executor_) runSources();

@@ -9,6 +9,7 @@
 
 #include "platform/linux/asio.h"
 #include "platform/linux/guarded_task.h"
+#include "platform/linux/loop_alarm.h"
 #include "platform/mutex.h"
 #include "platform/run_loop.h"
 
@@ -80,12 +81,14 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   LinuxRunLoop();
   void handOver(std::function<void()> call);
   void turn();
+  void scheduleNext();
   void runNext();
   void runSources();
   void remove(const std::shared_ptr<SignalledTask>& source);
   void nudge();
 
   asio::io_context io_;
+  LoopAlarm alarm_;
   asio::executor_work_guard<asio::io_context::executor_type> work_;
   Executor executor_;  // constant once the loop is in use
 
@@ -97,6 +100,7 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
 
   Mutex mutex_;
   std::deque<Task> tasks_ ZEL_GUARDED_BY(mutex_);
+  bool nextIsDue_ ZEL_GUARDED_BY(mutex_) = false;  // an event is on its way that runs the first of them
   std::vector<std::shared_ptr<SignalledTask>> sources_ ZEL_GUARDED_BY(mutex_);
 };
 

@@ -1,0 +1,41 @@
+#include "platform/linux/loop_alarm.h"
+
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace zel::platform {
+namespace {
+
+int makeEvent() {
+  const int event = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+  if (event < 0) throw std::system_error(errno, std::generic_category(), "eventfd");  // as the io_context does
+  return event;
+}
+
+}  // namespace
+
+LoopAlarm::LoopAlarm(asio::io_context& context, std::function<void()> call)
+    : event_(context, makeEvent()), call_(std::move(call)) {
+  wait();
+}
+
+// It cannot fail: the count does not overflow in the life of a machine.
+void LoopAlarm::ring() {
+  const std::uint64_t one = 1;
+  [[maybe_unused]] const ssize_t written = write(event_.native_handle(), &one, sizeof one);
+}
+
+// A read and not a wait: it is taken up again without a call of the kernel to say so.
+void LoopAlarm::wait() {
+  event_.async_read_some(asio::buffer(&rings_, sizeof rings_), [this](const std::error_code& error, std::size_t) {
+    if (error) return;
+    wait();
+    call_();
+  });
+}
+
+}  // namespace zel::platform
