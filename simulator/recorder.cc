@@ -12,11 +12,13 @@ constexpr std::chrono::milliseconds kBetweenLooks{1000};
 
 bool Recorder::start(Bytes sensors, Bytes extra) {
   if (current_ || !state_.card.takes(1)) return false;
-  current_ = Recording{.sensors = std::move(sensors),
-                       .extra = std::move(extra),
-                       .file = {state_.clock.now(), 0, state_.clock.nextFileName("VID", ".mp4")},
-                       .began = world_.uptime(),
-                       .bytesPerMs = state_.videoBytesPerMs()};
+  current_ = Recording();
+  current_->sensors = std::move(sensors);
+  current_->extra = std::move(extra);
+  current_->file.time = state_.clock.now();
+  current_->file.name = state_.clock.nextFileName("VID", ".mp4");
+  current_->began = world_.uptime();
+  current_->bytesPerMs = state_.videoBytesPerMs();
   settleLater();
   return true;
 }
