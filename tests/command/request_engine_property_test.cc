@@ -228,9 +228,16 @@ class Trial {
   int next_ = 0;
 };
 
+// One thread, of which ThreadSanitizer learns nothing more from every further order.
+#if defined(__SANITIZE_THREAD__)
+constexpr std::uint64_t kSeeds = 100;
+#else
+constexpr std::uint64_t kSeeds = 2000;
+#endif
+
 TEST(RequestEngineProperty, CallsEachHandlerAsTheModelDoesWhateverTheOrder) {
   std::size_t calls = 0;
-  for (std::uint64_t seed = 1; seed <= 2000; ++seed) {
+  for (std::uint64_t seed = 1; seed <= kSeeds; ++seed) {
     Trial trial(seed);
     for (int step = 0; step < 30; ++step) trial.step();
     trial.close();
@@ -238,7 +245,7 @@ TEST(RequestEngineProperty, CallsEachHandlerAsTheModelDoesWhateverTheOrder) {
     ASSERT_TRUE(trial.lastHandlersWereCalled()) << "seed " << seed;
     calls += trial.log.size();
   }
-  EXPECT_GT(calls, 10000u);  // or the seeds try nothing
+  EXPECT_GT(calls, 5 * kSeeds);  // or the seeds try nothing
 }
 
 }  // namespace
