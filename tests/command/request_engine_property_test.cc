@@ -29,7 +29,7 @@ struct Kind {
 constexpr Kind kKinds[] = {
     {43, 0x401A, false}, {53, 0x4024, true}, {30, 0x400D, false}, {80, 0x403E, true}, {37, 0x4014, false}};
 
-using Log = std::vector<std::string>;
+using Lines = std::vector<std::string>;
 
 std::string line(int handler, const std::string& outcome) { return std::to_string(handler) + ' ' + outcome; }
 
@@ -63,7 +63,7 @@ class Model {
     }
   }
 
-  Log log;
+  Lines log;
 
  private:
   struct Slot {
@@ -131,7 +131,7 @@ class Trial {
   }
 
   Model model;
-  Log log;
+  Lines log;
 
  private:
   std::size_t draw(std::size_t choices) { return random_() % choices; }
