@@ -143,13 +143,13 @@ void RequestEngine::statusChanged(std::uint64_t status) {
 }
 
 void RequestEngine::addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver) {
-  const MutexLock lock(mutex_);
+  const MutexLock lock(receiversMutex_);
   if (receiver) notificationReceivers_.push_back(std::move(receiver));
 }
 
 void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver) {
   decltype(notificationReceivers_) removed;  // they may go with the last reference, and not under the lock
-  const MutexLock lock(mutex_);
+  const MutexLock lock(receiversMutex_);
   std::erase_if(notificationReceivers_, [&](const auto& one) {
     if (one.get() != receiver) return false;
     removed.push_back(one);
@@ -160,7 +160,7 @@ void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver
 // Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
 // first, so that a receiver that changes it from inside, which it must not, does no harm.
 void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
-  const MutexLock lock(mutex_);
+  const MutexLock lock(receiversMutex_);
   const auto receivers = notificationReceivers_;
   for (const auto& receiver : receivers) receiver->notificationType(type, value);
 }

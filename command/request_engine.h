@@ -53,7 +53,7 @@ class RequestEngine final : public SyncDataRequester {
 
   void addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver);
   void removeReceiver(const ZELCameraNotificationProtocol* receiver);
-  // Calls every receiver before it returns, with the lock held.
+  // Calls every receiver before it returns, with the receivers' lock held.
   void notify(std::int64_t type, const std::optional<ZELMessageFields>& value);
 
   // Runs the step now, on this thread, unless the engine has gone meanwhile. For handlers, which may outlive it.
@@ -84,10 +84,13 @@ class RequestEngine final : public SyncDataRequester {
   platform::Queue& mainQueue_;
   const std::shared_ptr<CallGate> alive_ = std::make_shared<CallGate>();
 
-  // Recursive, because an event's receiver may send requests while it is called with the lock held.
-  RecursiveMutex mutex_;
+  Mutex mutex_;  // nothing is called with it held
   PendingTable<std::int64_t, RebackDic, Answer> msgBlockDic_ ZEL_GUARDED_BY(mutex_);
-  std::vector<std::shared_ptr<ZELCameraNotificationProtocol>> notificationReceivers_ ZEL_GUARDED_BY(mutex_);
+
+  // Held while receivers are called, and so not the table's lock: a receiver that closes the camera waits for those who
+  // hear of the status, one of whom fails what is in the table. Recursive, because a receiver may cause an event.
+  RecursiveMutex receiversMutex_;
+  std::vector<std::shared_ptr<ZELCameraNotificationProtocol>> notificationReceivers_ ZEL_GUARDED_BY(receiversMutex_);
 
   Observation statusObservation_;  // last: it ends before what it uses
 };

@@ -29,7 +29,7 @@ struct Kind {
 constexpr Kind kKinds[] = {
     {43, 0x401A, false}, {53, 0x4024, true}, {30, 0x400D, false}, {80, 0x403E, true}, {37, 0x4014, false}};
 
-using Log = std::vector<std::string>;
+using Lines = std::vector<std::string>;
 
 std::string line(int handler, const std::string& outcome) { return std::to_string(handler) + ' ' + outcome; }
 
@@ -63,7 +63,7 @@ class Model {
     }
   }
 
-  Log log;
+  Lines log;
 
  private:
   struct Slot {
@@ -131,7 +131,7 @@ class Trial {
   }
 
   Model model;
-  Log log;
+  Lines log;
 
  private:
   std::size_t draw(std::size_t choices) { return random_() % choices; }
@@ -228,9 +228,16 @@ class Trial {
   int next_ = 0;
 };
 
+// One thread, of which ThreadSanitizer learns nothing more from every further order.
+#if defined(__SANITIZE_THREAD__)
+constexpr std::uint64_t kSeeds = 100;
+#else
+constexpr std::uint64_t kSeeds = 2000;
+#endif
+
 TEST(RequestEngineProperty, CallsEachHandlerAsTheModelDoesWhateverTheOrder) {
   std::size_t calls = 0;
-  for (std::uint64_t seed = 1; seed <= 2000; ++seed) {
+  for (std::uint64_t seed = 1; seed <= kSeeds; ++seed) {
     Trial trial(seed);
     for (int step = 0; step < 30; ++step) trial.step();
     trial.close();
@@ -238,7 +245,7 @@ TEST(RequestEngineProperty, CallsEachHandlerAsTheModelDoesWhateverTheOrder) {
     ASSERT_TRUE(trial.lastHandlersWereCalled()) << "seed " << seed;
     calls += trial.log.size();
   }
-  EXPECT_GT(calls, 10000u);  // or the seeds try nothing
+  EXPECT_GT(calls, 5 * kSeeds);  // or the seeds try nothing
 }
 
 }  // namespace

@@ -61,6 +61,7 @@ TEST_F(CameraStackThread, GivesBackEverythingOverTwoHundredPluggings) {
   stack.accessory().openCamera();
   std::size_t descriptors = 0, threads = 0, memory = 0;
   for (int cycle = 0; cycle < 220; ++cycle) {
+    if (cycle != 0) camera->plug();
     ASSERT_TRUE(framesArrive(stack)) << "cycle " << cycle;
     camera->unplug();
     ASSERT_TRUE(reaches(stack, 0)) << "cycle " << cycle;
@@ -70,10 +71,7 @@ TEST_F(CameraStackThread, GivesBackEverythingOverTwoHundredPluggings) {
       threads = threadCount();
       memory = residentKilobytes();
     }
-    camera->plug();
   }
-  camera->unplug();
-  ASSERT_TRUE(reaches(stack, 0));
   EXPECT_TRUE(runUntil([&] { return descriptorCount() <= descriptors; }));
   if (!kSanitized) {
     EXPECT_LT(residentKilobytes(), memory + 2048);
@@ -156,10 +154,14 @@ TEST_P(DisturbedStack, ClosesInsideAnEvent) {
 TEST_P(DisturbedStack, ReopensInsideAnEvent) {
   for (int round = 0; round < 10; ++round) {
     connect();
-    const int connections = camera_->connections();
+    const std::uint64_t markers = stack_->statistics().markersFound;
     disturbAt(drawEvent(), [this] { stack_->accessory().cameraSession().reopenAfterLostPosition(); });
-    EXPECT_TRUE(framesArrive(*stack_));
-    EXPECT_GT(camera_->connections(), connections);
+    // The status alone does not tell: the event's own frame still counts as one, until the new session begins.
+    EXPECT_TRUE(runUntil([&] {
+      if (stack_->accessory().status() == 1) stack_->parser().sendSyncData();
+      return stack_->statistics().markersFound > markers;
+    }));
+    EXPECT_TRUE(reaches(*stack_, 2));
   }
 }
 

@@ -8,7 +8,6 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,17 +39,6 @@ inline platform::UniqueDescriptor listenAt(const std::string& path, int backlog 
   if (bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) return {};
   if (listen(listener.get(), backlog) != 0) return {};
   return listener;
-}
-
-inline std::size_t entriesOf(const char* folder) {
-  std::size_t count = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) count += entry.path().empty() ? 0U : 1U;
-  return count;
-}
-inline std::size_t descriptorCount() { return entriesOf("/proc/self/fd"); }
-inline std::size_t threadCount() {
-  std::thread([] {}).join();  // with the first thread, a sanitizer may start one of its own
-  return entriesOf("/proc/self/task");
 }
 
 // A platform on a folder of its own, whose main queue the test runs.

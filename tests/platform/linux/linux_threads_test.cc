@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <filesystem>
 #include <future>
 
 #include "tests/platform/linux/waiting.h"
@@ -15,14 +14,8 @@ namespace {
 using test::Event;
 using test::eventually;
 using test::Recorded;
+using test::threadCount;
 using ::testing::ElementsAre;
-
-std::size_t threadCount() {
-  std::thread([] {}).join();  // with the first thread, a sanitizer may start one of its own
-  std::size_t count = 0;
-  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) count += entry.exists() ? 1U : 0U;
-  return count;
-}
 
 class LinuxThreadsTest : public ::testing::Test {
  protected:

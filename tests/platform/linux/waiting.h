@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -58,6 +60,18 @@ inline bool eventually(const std::function<bool()>& condition) {
     std::this_thread::yield();
   }
   return true;
+}
+
+// What the process has open, and its threads.
+inline std::size_t entriesOf(const char* folder) {
+  std::size_t count = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) count += entry.path().empty() ? 0U : 1U;
+  return count;
+}
+inline std::size_t descriptorCount() { return entriesOf("/proc/self/fd"); }
+inline std::size_t threadCount() {
+  std::thread([] {}).join();  // with the first thread, a sanitizer may start one of its own
+  return entriesOf("/proc/self/task");
 }
 
 }  // namespace zel::test

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <future>
 #include <set>
 #include <thread>
@@ -15,13 +14,7 @@ namespace {
 using test::Event;
 using test::eventually;
 using test::Recorded;
-
-std::size_t threadCount() {
-  std::thread([] {}).join();  // with the first thread, a sanitizer may start one of its own
-  std::size_t count = 0;
-  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) count += entry.exists() ? 1U : 0U;
-  return count;
-}
+using test::threadCount;
 
 TEST(WorkerPoolTest, TaskNeverWaitsBehindABlockedOne) {
   std::promise<void> release;
