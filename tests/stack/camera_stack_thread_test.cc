@@ -73,8 +73,10 @@ TEST_F(CameraStackThread, GivesBackEverythingOverTwoHundredPluggings) {
     }
   }
   EXPECT_TRUE(runUntil([&] { return descriptorCount() <= descriptors; }));
+  // The simulator may still be making its film meanwhile. A connection has a read buffer of 2 MiB, so that one that was
+  // kept in ten would be seen; smaller leaks are the sanitizer's to find.
   if (!kSanitized) {
-    EXPECT_LT(residentKilobytes(), memory + 2048);
+    EXPECT_LT(residentKilobytes(), memory + 40 * 1024);
   }
 }
 
