@@ -81,7 +81,7 @@ void ZELUCDFile::wait(const std::string& path, zel::RebackBlock<> rebackBlock) {
     const zel::MutexLock lock(mutex_);
     answer = blocks_.put(path, rebackBlock);
   }
-  if (answer) post(rebackBlock, *answer);
+  if (answer) post(std::move(rebackBlock), *answer);
 }
 
 void ZELUCDFile::parserUCD(zel::ByteView bytes) {
@@ -112,6 +112,6 @@ void ZELUCDFile::replyAllBlockWithError(const std::optional<ZELError>& error) {
   for (const auto& block : blocks) post(block, error);
 }
 
-void ZELUCDFile::post(const zel::RebackBlock<>& rebackBlock, const Answer& answer) {
-  mainQueue_.post([rebackBlock, answer] { rebackBlock(answer); });
+void ZELUCDFile::post(zel::RebackBlock<> rebackBlock, const Answer& answer) {
+  mainQueue_.post([rebackBlock = std::move(rebackBlock), answer] { rebackBlock(answer); });
 }

@@ -45,7 +45,7 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
   using Answer = std::optional<ZELError>;
 
   void wait(const std::string& path, zel::RebackBlock<> rebackBlock);
-  void post(const zel::RebackBlock<>& rebackBlock, const Answer& answer);
+  void post(zel::RebackBlock<> rebackBlock, const Answer& answer);
 
   const std::function<void(const ZELData&)> writeData_;
   zel::platform::Queue& mainQueue_;

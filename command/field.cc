@@ -71,7 +71,7 @@ void readVideoMnd(ByteReader& body, ZELMessageFields& fields, std::string_view k
   fields.set(key, ByteReader(bytes).read<ZELVideoMnd>());
 }
 
-void neverRead(ByteReader&, ZELMessageFields&, std::string_view) { assert(!"a field of requests only"); }
-void neverAppended(Bytes&, const ZELMessageFields&, std::string_view) { assert(!"a field of replies only"); }
+void neverRead(ByteReader&, ZELMessageFields&, std::string_view) { assert(false && "a field of requests only"); }
+void neverAppended(Bytes&, const ZELMessageFields&, std::string_view) { assert(false && "a field of replies only"); }
 
 }  // namespace zel::field

@@ -64,18 +64,18 @@ void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, R
   if (rebackBlock) announce(msgType);
   if (isConnected()) {
     write(msgType, fields);
-    return wait(msgType, rebackBlock);
+    return wait(msgType, std::move(rebackBlock));
   }
   if (!rebackBlock) return;
   withdraw(msgType);
-  post(rebackBlock, errorFields(kZELErrorNotConnected));
+  post(std::move(rebackBlock), errorFields(kZELErrorNotConnected));
 }
 
 void RequestEngine::msgReqSendSyncData(const ZELData& data, RebackDic rebackBlock) {
   constexpr auto msgType = static_cast<std::int64_t>(family("registerMsgReqSendSyncData").type);
   if (rebackBlock) announce(msgType);
   write(msgType, {{std::string(key::nsData), data}});
-  wait(msgType, rebackBlock);
+  wait(msgType, std::move(rebackBlock));
 }
 
 bool RequestEngine::isConnected() const { return accessory_.status() > kSessionOpen; }
@@ -94,14 +94,14 @@ void RequestEngine::write(std::int64_t msgType, const ZELMessageFields& fields) 
   if (const auto frame = parser_.packetMsgData(msgType, fields)) accessory_.writeData(*frame);
 }
 
-void RequestEngine::wait(std::int64_t msgType, const RebackDic& rebackBlock) {
+void RequestEngine::wait(std::int64_t msgType, RebackDic rebackBlock) {
   if (!rebackBlock) return;
   std::optional<Answer> answer;
   {
     const MutexLock lock(mutex_);
     answer = msgBlockDic_.put(msgType, rebackBlock);
   }
-  if (answer) post(rebackBlock, *answer);
+  if (answer) post(std::move(rebackBlock), *answer);
 }
 
 void RequestEngine::respond(std::int64_t msgType, const std::optional<ZELMessageFields>& reply) {
@@ -110,7 +110,7 @@ void RequestEngine::respond(std::int64_t msgType, const std::optional<ZELMessage
     const MutexLock lock(mutex_);
     rebackBlock = msgBlockDic_.take(msgType, reply);
   }
-  if (rebackBlock) post(*rebackBlock, reply);
+  if (rebackBlock) post(std::move(*rebackBlock), reply);
 }
 
 void RequestEngine::respondWithError(std::int64_t msgType) { respond(msgType, errorFields(kZELErrorRefused)); }
@@ -165,8 +165,8 @@ void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFiel
   for (const auto& receiver : receivers) receiver->notificationType(type, value);
 }
 
-void RequestEngine::post(const RebackDic& rebackBlock, const Answer& answer) {
-  mainQueue_.post([rebackBlock, answer] { rebackBlock(answer); });
+void RequestEngine::post(RebackDic rebackBlock, const Answer& answer) {
+  mainQueue_.post([rebackBlock = std::move(rebackBlock), answer] { rebackBlock(answer); });
 }
 
 std::function<void(const std::function<void(CameraDataParser&)>&)> RequestEngine::whileAlive() {

@@ -75,8 +75,8 @@ class RequestEngine final : public SyncDataRequester {
   void announce(std::int64_t msgType);
   void withdraw(std::int64_t msgType);
   void write(std::int64_t msgType, const ZELMessageFields& fields);
-  void wait(std::int64_t msgType, const RebackDic& rebackBlock);
-  void post(const RebackDic& rebackBlock, const Answer& answer);
+  void wait(std::int64_t msgType, RebackDic rebackBlock);
+  void post(RebackDic rebackBlock, const Answer& answer);
 
   ZELCameraAccessory& accessory_;
   CameraDataParser& parser_;

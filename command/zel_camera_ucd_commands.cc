@@ -106,8 +106,8 @@ void ZELCameraUCD::newMsgCmdShutterAEBWithGps(const Gps& gps, const Gyro& gyro, 
 
 void ZELCameraUCD::msgCmdShutterHDRWithGps(const ZELGpsData& gps, const ZELGyroData& gyro,
                                            const ZELOrientationData& orientation, const Data& jsonData,
-                                           CaptureBlock rebackBlock) {
-  ZELHDRShutter().shutterWithGps(gps, gyro, orientation, jsonData, std::move(rebackBlock));
+                                           CaptureBlock rebackBlock) {  // NOLINT(performance-unnecessary-value-param)
+  ZELHDRShutter().shutterWithGps(gps, gyro, orientation, jsonData, rebackBlock);
 }
 
 void ZELCameraUCD::newMsgCmdShutterHDRWithGps(const Gps& gps, const Gyro& gyro, const Orientation& orientation,

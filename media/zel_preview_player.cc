@@ -60,7 +60,7 @@ struct ZELPreviewPlayer::State {
 
 std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::create(const zel::platform::Ports& ports,
                                                            std::function<std::int64_t()> firewareVersion) {
-  const std::shared_ptr<ZELPreviewPlayer> player(
+  std::shared_ptr<ZELPreviewPlayer> player(
       new ZELPreviewPlayer(std::make_unique<State>(ports, std::move(firewareVersion))));
   player->state_->player = player;
   return player;

@@ -26,7 +26,7 @@ class MemoryPixelBuffer final : public PixelBuffer {
   // The same with one value for each plane's bytes.
   static std::shared_ptr<MemoryPixelBuffer> filled(std::int32_t width, std::int32_t height, std::uint8_t luma,
                                                    std::uint8_t cb, std::uint8_t cr) {
-    const auto picture = create(width, height);
+    auto picture = create(width, height);
     if (!picture) return nullptr;
     std::ranges::fill(picture->luma_, luma);
     for (std::size_t i = 0; i < picture->chroma_.size(); ++i) picture->chroma_[i] = i % 2 == 0 ? cb : cr;
