@@ -85,7 +85,8 @@ int runThumbnail(const Invocation& invocation) {
 
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
-  if (values.has("--offset") && bus.ports().mediaLibrary == nullptr) return failed("no renderer can unwrap the picture");
+  if (values.has("--offset") && bus.ports().mediaLibrary == nullptr)
+    return failed("no renderer can unwrap the picture");
   const auto render = ZELThumbnailRender::initWithRenderWidth(bus.ports(), size->width, size->height);
   const ZELData stream = withLongStartCodes(file->bytes());
   const auto picture = values.has("--offset") ? render->renderWithh264Data(stream, values.text("--offset"))
