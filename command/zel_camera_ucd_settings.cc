@@ -182,9 +182,11 @@ void ZELCameraUCD::msgReqSetGPSTimeout(std::uint16_t timeout, ErrorBlock rebackB
   request(family("registerMsgReqSetGPSTimeout"), fieldsOf(ushortValue, timeout), takingApart(std::move(rebackBlock)));
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): handlers are passed by value everywhere
 void ZELCameraUCD::msgReqGetGPSTimeoutWithRebackBlock(IntBlock rebackBlock) {
-  const auto widened = [rebackBlock = std::move(rebackBlock)](const std::optional<ZELError>& error,
-                                                              std::uint16_t timeout) { rebackBlock(error, timeout); };
+  const auto widened = [rebackBlock](const std::optional<ZELError>& error, std::uint16_t timeout) {
+    rebackBlock(error, timeout);
+  };
   using UshortBlock = zel::RebackBlock<std::uint16_t>;
   request(family("registerMsgReqGetGPSTimeout"), fieldsOf(),
           takingApart(rebackBlock ? UshortBlock(widened) : UshortBlock(), ushortValue));
