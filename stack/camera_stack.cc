@@ -45,6 +45,8 @@ CameraStack::CameraStack(const platform::Ports& ports, std::string serialNumber)
 CameraStack::~CameraStack() {
   graph_->accessory.closeCamera();
   graph_->accessory.cameraSession().waitForThreadEnd();
+  // Nothing comes to be decoded any more. Whoever still holds the player would keep its thread.
+  if (const auto player = graph_->parser.previewPlayer()) player->resetPlayer();
 }
 
 ZELCameraAccessory& CameraStack::accessory() { return graph_->accessory; }

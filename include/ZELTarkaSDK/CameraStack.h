@@ -43,7 +43,7 @@ class ZEL_EXPORT CameraStack {
   const platform::Ports& ports() const;
 
   // suitablePreviewPlayer - a new player that receives this camera's preview, at the current resolution, in place of
-  // the one before. The caller holds it; it may outlive the stack, and then receives nothing.
+  // the one before. The caller holds it; it may outlive the stack, whose end resets it.
   std::shared_ptr<ZELPreviewPlayer> suitablePreviewPlayer();
 
   // What a live data source of this camera works with; it keeps the camera's objects alive.
