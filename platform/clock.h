@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <semaphore>
 
 namespace zel::platform {
 
@@ -16,6 +17,10 @@ class Clock {
 
   // Blocks the calling thread for that many seconds; returns at once for zero or less.
   virtual void sleepFor(double seconds) = 0;
+
+  // Blocks the calling thread until the semaphore can be taken, for good where nobody ever releases it. A platform in
+  // virtual time lets the others go on meanwhile.
+  virtual void acquire(std::binary_semaphore& semaphore) { semaphore.acquire(); }
 };
 
 // The current time in whole milliseconds since 1 January 2001 00:00:00 UTC, truncated toward zero.

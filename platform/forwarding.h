@@ -14,6 +14,7 @@
 #include "platform/queues.h"
 #include "platform/run_loop.h"
 #include "platform/video_decoder.h"
+#include "platform/video_encoder.h"
 
 namespace zel::platform {
 
@@ -27,6 +28,7 @@ class ForwardingClock : public Clock {
 
   double absoluteTime() const override { return wrapped_.absoluteTime(); }
   void sleepFor(double seconds) override { wrapped_.sleepFor(seconds); }
+  void acquire(std::binary_semaphore& semaphore) override { wrapped_.acquire(semaphore); }
 
  private:
   Clock& wrapped_;
@@ -176,6 +178,34 @@ class ForwardingVideoDecoders : public VideoDecoders {
 
  private:
   VideoDecoders& wrapped_;
+};
+
+// Owner: owns the wrapped encoder.
+class ForwardingVideoEncoder : public VideoEncoder {
+ public:
+  explicit ForwardingVideoEncoder(std::unique_ptr<VideoEncoder> wrapped) : wrapped_(std::move(wrapped)) {}
+
+  bool open() override { return wrapped_->open(); }
+  void setSpsPpsCallback(SpsPpsCallback callback) override { wrapped_->setSpsPpsCallback(std::move(callback)); }
+  void setNaluCallback(NaluCallback callback) override { wrapped_->setNaluCallback(std::move(callback)); }
+  bool encodeImage(const PixelBufferRef& picture, MediaTime time) override {
+    return wrapped_->encodeImage(picture, time);
+  }
+
+ private:
+  std::unique_ptr<VideoEncoder> wrapped_;
+};
+
+class ForwardingVideoEncoders : public VideoEncoders {
+ public:
+  explicit ForwardingVideoEncoders(VideoEncoders& wrapped) : wrapped_(wrapped) {}
+
+  std::unique_ptr<VideoEncoder> create(const VideoEncoderSettings& settings) override {
+    return wrapped_.create(settings);
+  }
+
+ private:
+  VideoEncoders& wrapped_;
 };
 
 }  // namespace zel::platform

@@ -7,6 +7,7 @@
 #include "platform/queues.h"
 #include "platform/run_loop.h"
 #include "platform/video_decoder.h"
+#include "platform/video_encoder.h"
 
 namespace zel::platform {
 
@@ -19,6 +20,7 @@ struct Ports {
   NotificationCenter& notifications;
   VideoDecoders* videoDecoders = nullptr;  // null: the host decodes no video
   MediaLibrary* mediaLibrary = nullptr;    // null: the host renders nothing
+  VideoEncoders* videoEncoders = nullptr;  // null: the host encodes no video
 };
 
 }  // namespace zel::platform

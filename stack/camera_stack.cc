@@ -3,11 +3,13 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include <utility>
 
 #include "capture/zel_ucd_file.h"
+#include "live/live_parts.h"
 #include "platform/ports.h"
 #include "transport/camera_data_parser.h"
 #include "transport/camera_session.h"
@@ -43,6 +45,8 @@ CameraStack::CameraStack(const platform::Ports& ports, std::string serialNumber)
 CameraStack::~CameraStack() {
   graph_->accessory.closeCamera();
   graph_->accessory.cameraSession().waitForThreadEnd();
+  // Nothing comes to be decoded any more. Whoever still holds the player would keep its thread.
+  if (const auto player = graph_->parser.previewPlayer()) player->resetPlayer();
 }
 
 ZELCameraAccessory& CameraStack::accessory() { return graph_->accessory; }
@@ -51,16 +55,24 @@ ZELCameraUCD& CameraStack::ucd() { return graph_->ucd; }
 ZELCameraManager& CameraStack::manager() { return graph_->manager; }
 const platform::Ports& CameraStack::ports() const { return graph_->ports; }
 
-std::shared_ptr<ZELPreviewPlayer> CameraStack::suitablePreviewPlayer() {
-  const auto firewareVersion = [weak = std::weak_ptr<Graph>(graph_)]() -> std::int64_t {
+std::shared_ptr<ZELPreviewPlayer> CameraStack::suitablePreviewPlayer() { return suitablePreviewPlayerOf(graph_); }
+
+std::shared_ptr<ZELPreviewPlayer> CameraStack::suitablePreviewPlayerOf(const std::shared_ptr<Graph>& of) {
+  const auto firewareVersion = [weak = std::weak_ptr<Graph>(of)]() -> std::int64_t {
     const auto graph = weak.lock();
     return graph ? graph->accessory.firewareVersion() : 0;
   };
-  auto player = ZELPreviewPlayer::create(graph_->ports, firewareVersion);
-  CameraDataParser& parser = graph_->parser;
+  auto player = ZELPreviewPlayer::create(of->ports, firewareVersion);
+  CameraDataParser& parser = of->parser;
   parser.setPreviewPlayer(player);
   parser.setVideoStreamRes(parser.videoStreamRes());
   return player;
+}
+
+LiveParts CameraStack::liveParts() {
+  return {graph_->ports, {graph_, &graph_->ucd}, {graph_, &graph_->parser}, [graph = graph_] {
+            return suitablePreviewPlayerOf(graph);
+          }};
 }
 
 LinkStatistics CameraStack::statistics() const {
@@ -76,3 +88,9 @@ LinkStatistics CameraStack::statistics() const {
 }
 
 }  // namespace zel
+
+ZELLiveDataSource::Source ZELLiveDataSource::initWitCameraResolution(zel::CameraStack& stack, Number resolution,
+                                                                     Number stitchWidth, Number stitchHeight,
+                                                                     Number bitrate) {
+  return initWitCameraResolution(stack.liveParts(), resolution, stitchWidth, stitchHeight, bitrate);
+}

@@ -4,6 +4,7 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
 
@@ -56,4 +57,8 @@ std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::suitablePreviewPlayer() {
 }
 std::unique_ptr<ZELThumbnailRender> ZELThumbnailRender::initWithRenderWidth(std::int32_t width, std::int32_t height) {
   return initWithRenderWidth(zel::processStack().ports(), width, height);
+}
+ZELLiveDataSource::Source ZELLiveDataSource::initWitCameraResolution(Number resolution, Number stitchWidth,
+                                                                     Number stitchHeight, Number bitrate) {
+  return initWitCameraResolution(zel::processStack(), resolution, stitchWidth, stitchHeight, bitrate);
 }

@@ -18,6 +18,7 @@ namespace zel {
 namespace platform {
 struct Ports;
 }
+struct LiveParts;
 
 // Everything that drives one camera: the accessory object, its session, the de-multiplexer and the commands, wired.
 // A host with one camera uses the class operations (ZELCameraAccessory::defaultCamera() and the like), which reach the
@@ -42,14 +43,18 @@ class ZEL_EXPORT CameraStack {
   const platform::Ports& ports() const;
 
   // suitablePreviewPlayer - a new player that receives this camera's preview, at the current resolution, in place of
-  // the one before. The caller holds it; it may outlive the stack, and then receives nothing.
+  // the one before. The caller holds it; it may outlive the stack, whose end resets it.
   std::shared_ptr<ZELPreviewPlayer> suitablePreviewPlayer();
+
+  // What a live data source of this camera works with; it keeps the camera's objects alive.
+  LiveParts liveParts();
 
   // What the link has seen so far. Thread: any thread.
   LinkStatistics statistics() const;
 
  private:
   struct Graph;
+  static std::shared_ptr<ZELPreviewPlayer> suitablePreviewPlayerOf(const std::shared_ptr<Graph>& of);
   std::shared_ptr<Graph> graph_;
 };
 

@@ -23,5 +23,8 @@ inline constexpr int kZELErrorNotConnected = 100;  // no camera, or the connecti
 inline constexpr int kZELErrorRefused = 101;       // the camera refused, or what it answered cannot be used
 inline constexpr int kZELErrorOldFirmware = 120;   // the camera's firmware is too old for the feature
 
-// The error of that domain with that code and no description.
+// Domain of the live data source's errors, which bear a description.
+inline constexpr char kZELLiveSourceErrorDomain[] = "zelcam.liveSource";
+
+// The error of the command layer's domain with that code and no description.
 inline ZELError zelOSStatusError(int code) { return {kZELOSStatusErrorDomain, code, std::nullopt}; }

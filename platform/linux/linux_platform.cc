@@ -40,6 +40,13 @@ class LinuxQueues final : public platform::Queues {
   platform::WorkerPool globalQueue_;
 };
 
+// Never destroyed: nobody waits for a thread of the global queue, which may still wait through it when the platform has
+// gone.
+platform::Clock& lastingClock() {
+  static auto* const clock = new platform::LinuxClock;
+  return *clock;
+}
+
 void warnOnStandardError(const std::string& warning) { std::fprintf(stderr, "%s\n", warning.c_str()); }
 
 platform::LinuxAccessoryManager::Settings settingsOf(LinuxPlatform::Options options) {
@@ -64,13 +71,12 @@ struct LinuxPlatform::State {
   }
 
   const std::shared_ptr<LinuxRunLoop> mainRunLoop = LinuxRunLoop::create();
-  platform::LinuxClock clock;
   platform::InProcessNotificationCenter notifications;
   LinuxQueues queues;
   platform::LinuxThreads threads;
   platform::LinuxAccessoryManager accessories;
   std::thread service;  // waits for the main run loop's timers and descriptors, where the host has an executor
-  platform::Ports ports{clock, threads, queues, accessories, notifications};
+  platform::Ports ports{lastingClock(), threads, queues, accessories, notifications};
 };
 
 std::string LinuxPlatform::accessoriesFolder(const std::string& accessoriesFolder) {

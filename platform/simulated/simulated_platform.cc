@@ -14,8 +14,9 @@ class SimulatedClock final : public Clock {
  public:
   explicit SimulatedClock(SimulatedScheduler& scheduler) : scheduler_(scheduler) {}
   double absoluteTime() const override { return scheduler_.now(); }
-  void sleepFor(double seconds) override {
-    if (seconds > 0) scheduler_.setNow(scheduler_.now() + seconds);
+  void sleepFor(double seconds) override { scheduler_.sleepFor(seconds); }
+  void acquire(std::binary_semaphore& semaphore) override {
+    scheduler_.waitUntil([&semaphore] { return semaphore.try_acquire(); });
   }
 
  private:
@@ -47,8 +48,7 @@ class SimulatedThread final : public Thread {
 
 class SimulatedThreads final : public Threads {
  public:
-  SimulatedThreads(SimulatedScheduler& scheduler, SimulatedRunLoop& main, SimulatedRunLoop& global)
-      : scheduler_(scheduler), main_(main), global_(global) {}
+  SimulatedThreads(SimulatedScheduler& scheduler, SimulatedRunLoop& main) : scheduler_(scheduler), main_(main) {}
 
   std::unique_ptr<Thread> start(std::string name, ThreadBody body) override {
     return std::make_unique<SimulatedThread>(scheduler_, counter(name), std::move(body));
@@ -56,7 +56,7 @@ class SimulatedThreads final : public Threads {
   // The threads behind the global queue have no run loop of their own.
   RunLoop& currentRunLoop() override {
     SimulatedRunLoop* const current = scheduler_.current();
-    return current != nullptr && current != &global_ ? *current : main_;
+    return current != nullptr ? *current : main_;
   }
 
   std::shared_ptr<int> counter(const std::string& name) {
@@ -68,19 +68,27 @@ class SimulatedThreads final : public Threads {
  private:
   SimulatedScheduler& scheduler_;
   SimulatedRunLoop& main_;
-  SimulatedRunLoop& global_;
   std::map<std::string, std::shared_ptr<int>> live_;
+};
+
+class SimulatedGlobalQueue final : public Queue {
+ public:
+  explicit SimulatedGlobalQueue(SimulatedScheduler& scheduler) : scheduler_(scheduler) {}
+  void post(Task task) override { scheduler_.addTask(std::move(task)); }
+
+ private:
+  SimulatedScheduler& scheduler_;
 };
 
 class SimulatedQueues final : public Queues {
  public:
-  SimulatedQueues(SimulatedRunLoop& main, SimulatedRunLoop& global) : main_(main), global_(global) {}
+  SimulatedQueues(SimulatedScheduler& scheduler, SimulatedRunLoop& main) : main_(main), global_(scheduler) {}
   Queue& mainQueue() override { return main_; }
   Queue& globalQueue() override { return global_; }
 
  private:
   SimulatedRunLoop& main_;
-  SimulatedRunLoop& global_;
+  SimulatedGlobalQueue global_;
 };
 
 class SimulatedAccessoryManager final : public AccessoryManager {
@@ -135,17 +143,19 @@ struct SimulatedPlatform::State {
 
   SimulatedScheduler scheduler;
   SimulatedRunLoop main{scheduler};
-  SimulatedRunLoop global{scheduler};
   SimulatedClock clock{scheduler};
-  SimulatedThreads threads{scheduler, main, global};
-  SimulatedQueues queues{main, global};
+  SimulatedThreads threads{scheduler, main};
+  SimulatedQueues queues{scheduler, main};
   InProcessNotificationCenter notifications;
   SimulatedAccessoryManager accessories{main, notifications};
   Ports ports{clock, threads, queues, accessories, notifications};
 };
 
 SimulatedPlatform::SimulatedPlatform(std::uint64_t seed) : state_(std::make_unique<State>(seed)) {}
-SimulatedPlatform::~SimulatedPlatform() { state_->scheduler.endStoppedThreads(); }
+SimulatedPlatform::~SimulatedPlatform() {
+  state_->scheduler.endStoppedThreads();
+  state_->scheduler.abandonTasks();
+}
 
 const Ports& SimulatedPlatform::ports() { return state_->ports; }
 void SimulatedPlatform::runUntilIdle() { state_->scheduler.runUntilIdle(); }
@@ -164,5 +174,7 @@ void SimulatedPlatform::unplug(const std::shared_ptr<ScriptedAccessory>& accesso
 }
 
 int SimulatedPlatform::liveThreads(const std::string& name) const { return *state_->threads.counter(name); }
+
+std::size_t SimulatedPlatform::liveTasks() const { return state_->scheduler.taskCount(); }
 
 }  // namespace zel::platform

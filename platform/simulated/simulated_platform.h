@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,13 +12,14 @@
 
 namespace zel::platform {
 
-// A whole platform on one thread, in virtual time: nothing sleeps, and the order in which threads and queues get their
-// turn is drawn by the seed, so that a test is repeatable and may try many orders.
+// A whole platform in virtual time, of which one thing at a time runs: nothing sleeps, and the order in which threads,
+// queues and tasks get their turn is drawn by the seed, so that a test is repeatable and may try many orders. A task of
+// the global queue may sleep and wait through the clock, and the others go on meanwhile.
 // Thread: one. The time starts at 700,000,000 seconds after 1 January 2001.
 class SimulatedPlatform {
  public:
   explicit SimulatedPlatform(std::uint64_t seed = 1);
-  // Lets threads that have been stopped end, as a real platform waits for them.
+  // Lets threads that have been stopped end, as a real platform waits for them; tasks of the global queue are left.
   ~SimulatedPlatform();
   SimulatedPlatform(const SimulatedPlatform&) = delete;
   SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
@@ -35,6 +37,8 @@ class SimulatedPlatform {
 
   // Threads of that name that have not ended.
   int liveThreads(const std::string& name) const;
+  // Tasks of the global queue that have not ended.
+  std::size_t liveTasks() const;
 
  private:
   struct State;

@@ -1,6 +1,7 @@
 #include "platform/simulated/simulated_scheduler.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -152,12 +153,67 @@ void SimulatedScheduler::step(SimulatedRunLoop& loop) {
 
 void SimulatedScheduler::setNow(double seconds) { now_ = seconds; }
 
+std::vector<std::shared_ptr<SimulatedTask>> SimulatedScheduler::readyTasks() const {
+  std::vector<std::shared_ptr<SimulatedTask>> ready;
+  std::ranges::copy_if(tasks_, std::back_inserter(ready), [this](const auto& task) { return task->isReady(now_); });
+  return ready;
+}
+
 bool SimulatedScheduler::runOne() {
-  std::vector<SimulatedRunLoop*> ready;
-  std::ranges::copy_if(loops_, std::back_inserter(ready), &SimulatedRunLoop::isReady);
-  if (ready.empty()) return false;
-  step(*ready[random_() % ready.size()]);
+  std::vector<SimulatedRunLoop*> loops;
+  std::ranges::copy_if(loops_, std::back_inserter(loops), &SimulatedRunLoop::isReady);
+  const auto tasks = readyTasks();
+  if (loops.empty() && tasks.empty()) return false;
+  const std::size_t drawn = random_() % (loops.size() + tasks.size());
+  if (drawn < loops.size()) {
+    step(*loops[drawn]);
+  } else {
+    resume(tasks[drawn - loops.size()]);
+  }
   return true;
+}
+
+void SimulatedScheduler::resume(const std::shared_ptr<SimulatedTask>& task) {
+  running_.push_back(nullptr);
+  SimulatedTask* const outer = std::exchange(runningTask_, task.get());
+  task->resume();
+  runningTask_ = outer;
+  running_.pop_back();
+  if (task->hasEnded()) std::erase(tasks_, task);
+}
+
+void SimulatedScheduler::abandonTasks() {
+  const auto abandoned = std::exchange(tasks_, {});
+  for (const auto& task : abandoned) task->abandon();
+}
+
+void SimulatedScheduler::sleepFor(double seconds) {
+  if (seconds <= 0) return;
+  if (runningTask_ == nullptr) return setNow(now_ + seconds);
+  runningTask_->sleepUntil(now_ + seconds);
+}
+
+void SimulatedScheduler::waitUntil(const std::function<bool()>& condition) {
+  if (runningTask_ != nullptr) {
+    if (!condition()) runningTask_->waitUntil(condition);
+    return;
+  }
+  while (!condition()) {
+    const auto ready = readyTasks();
+    if (!ready.empty()) {
+      resume(ready[random_() % ready.size()]);
+      continue;
+    }
+    const double next = nextWakening();
+    if (next == kNever) throw std::runtime_error("simulated platform: waits for good");
+    now_ = next;
+  }
+}
+
+double SimulatedScheduler::nextWakening() const {
+  double next = kNever;
+  for (const auto& task : tasks_) next = std::min(next, task->wakesAt());
+  return next;
 }
 
 void SimulatedScheduler::runUntilIdle() {
@@ -175,7 +231,7 @@ void SimulatedScheduler::advance(double seconds) {
   const double until = now_ + seconds;
   runUntilIdle();
   for (;;) {
-    double next = kNever;
+    double next = nextWakening();
     for (const SimulatedRunLoop* loop : loops_) next = std::min(next, loop->nextTimer());
     if (next > until) break;
     now_ = std::max(now_, next);

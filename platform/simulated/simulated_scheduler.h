@@ -10,16 +10,20 @@
 
 #include "platform/queues.h"
 #include "platform/run_loop.h"
+#include "platform/simulated/simulated_task.h"
 
 namespace zel::platform {
 
 class SimulatedRunLoop;
 
-// Runs every run loop and queue of the simulated platform on one thread, in virtual time. Each loop keeps its own
-// order; which loop goes next is drawn by the seed. Thread: one.
+// Runs every run loop and queue of the simulated platform one at a time, in virtual time. Each loop keeps its own
+// order; which loop or task goes next is drawn by the seed. Thread: one, but for what tasks of the global queue call.
 class SimulatedScheduler {
  public:
   explicit SimulatedScheduler(std::uint64_t seed) : random_(seed) {}
+  ~SimulatedScheduler() { abandonTasks(); }
+  SimulatedScheduler(const SimulatedScheduler&) = delete;
+  SimulatedScheduler& operator=(const SimulatedScheduler&) = delete;
 
   double now() const { return now_; }
   void setNow(double seconds);
@@ -34,6 +38,22 @@ class SimulatedScheduler {
   // Moves the time on, running everything on the way when it is due.
   void advance(double seconds);
 
+  // Adds a task of the global queue, in no order with the others.
+  void addTask(Task task) { tasks_.push_back(std::make_shared<SimulatedTask>(std::move(task))); }
+  // Tasks of the global queue that have not ended.
+  std::size_t taskCount() const { return tasks_.size(); }
+  // Drops tasks that have not begun, and leaves the others where they are for good.
+  void abandonTasks();
+
+  // Lets the caller sleep. A task of the global queue lets the others go on meanwhile; for anybody else the time is
+  // over at once.
+  void sleepFor(double seconds);
+
+  // Lets the caller wait. Outside a task of the global queue only such tasks go on meanwhile, as the caller's loop is
+  // at a call, and the time with them.
+  // Errors: throws std::runtime_error where nobody is left who could bring the condition about.
+  void waitUntil(const std::function<bool()>& condition);
+
   // The loop whose call is in progress, or null; the innermost when the end of one thread runs inside another.
   SimulatedRunLoop* current() const { return running_.empty() ? nullptr : running_.back(); }
   bool isRunning(const SimulatedRunLoop& loop) const;
@@ -45,12 +65,16 @@ class SimulatedScheduler {
   void remove(SimulatedRunLoop& loop);
   bool runOne();
   void step(SimulatedRunLoop& loop);
-  double nextTimer() const;
+  void resume(const std::shared_ptr<SimulatedTask>& task);
+  std::vector<std::shared_ptr<SimulatedTask>> readyTasks() const;
+  double nextWakening() const;
 
   double now_ = 0;
   std::mt19937_64 random_;
   std::vector<SimulatedRunLoop*> loops_;
-  std::vector<SimulatedRunLoop*> running_;
+  std::vector<std::shared_ptr<SimulatedTask>> tasks_;
+  std::vector<SimulatedRunLoop*> running_;  // null where a task of the global queue runs
+  SimulatedTask* runningTask_ = nullptr;
 };
 
 // A run loop that is also a queue. Ready work is its tasks in order, then signalled sources and timers that are due.

@@ -256,11 +256,12 @@ TEST_P(AnyOrder, DecodesEveryUnitOnceAndInOrder) {
   const auto log = std::make_shared<PictureLog>();
   const auto loop = ZELDecodeRunLoop::initWidthSps(host.ports().threads, decoders, bytes({0x67}), bytes({0x68}), log);
   loop->start();
+  const auto feeder = host.ports().threads.start("feeder", {});
   host.runUntilIdle();
   std::vector<std::int64_t> sent;
   for (int i = 0; i < 12; ++i) {
     sent.push_back(i);
-    host.ports().queues.globalQueue().post([&loop, i] {
+    feeder->runLoop().perform([&loop, i] {
       const Bytes data = prefixed({i == 0 ? 0x65 : 0x41, 1});
       loop->appendDecodeData(std::make_shared<orq::MediaBuffer>(data.data(), static_cast<int>(data.size()), i));
     });

@@ -1,3 +1,5 @@
+#include <semaphore>
+
 #include "tests/platform/harness.h"
 
 namespace zel::test {
@@ -22,6 +24,24 @@ TEST_P(ClockConformance, ReturnsAtOnceFromSleepingForNothing) {
   ports.clock.sleepFor(0);
   ports.clock.sleepFor(-3600);
   EXPECT_LT(ports.clock.absoluteTime() - before, 60);
+}
+
+TEST_P(ClockConformance, TakesAFreeSemaphoreAtOnce) {
+  std::binary_semaphore semaphore(1);
+  ports.clock.acquire(semaphore);
+  EXPECT_FALSE(semaphore.try_acquire());
+}
+
+TEST_P(ClockConformance, WaitsForASemaphoreWhileItsHolderGoesOn) {
+  std::binary_semaphore semaphore(0);
+  const double before = ports.clock.absoluteTime();
+  ports.queues.globalQueue().post([&] {
+    ports.clock.sleepFor(0.02);
+    semaphore.release();
+  });
+  ports.clock.acquire(semaphore);
+  EXPECT_GE(ports.clock.absoluteTime() - before, 0.0199);
+  EXPECT_FALSE(semaphore.try_acquire());
 }
 
 ZEL_CONFORMANCE_SUITE(ClockConformance);

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <semaphore>
+
 #include "tests/platform/harness.h"
 
 namespace zel::test {
@@ -47,6 +49,21 @@ TEST_P(QueuesConformance, RunsEveryTaskOfTheGlobalQueueOnce) {
   for (int i = 1; i <= 4; ++i) ports.queues.globalQueue().post([&, i] { ran.add(i); });
   ASSERT_TRUE(runUntil([&] { return ran.size() == 4; }));
   EXPECT_THAT(ran.all(), UnorderedElementsAre(1, 2, 3, 4));
+}
+
+TEST_P(QueuesConformance, LetsATaskOfTheGlobalQueueWaitForALaterOne) {
+  Log<int> ran;
+  std::binary_semaphore semaphore(0);
+  ports.queues.globalQueue().post([&] {
+    ports.clock.acquire(semaphore);
+    ran.add(2);
+  });
+  ports.queues.globalQueue().post([&] {
+    ran.add(1);
+    semaphore.release();
+  });
+  ASSERT_TRUE(runUntil([&] { return ran.size() == 2; }));
+  EXPECT_THAT(ran.all(), ElementsAre(1, 2));
 }
 
 TEST_P(QueuesConformance, GivesAGlobalQueueTaskTheMainRunLoop) {

@@ -138,6 +138,16 @@ TEST_F(PreviewTest, IsOverForThePlayerWhenTheStackGoes) {
   EXPECT_EQ(player->nextVideoTimestamp(), 66);  // of a camera of no known firmware
 }
 
+TEST_F(PreviewTest, EndsTheDecodeThreadWhenTheStackGoes) {
+  const auto player = decodingStack->suitablePreviewPlayer();
+  openAndSynchronisePreview();
+  for (const Bytes& frame : {videoFrame({0x67, 1}), videoFrame({0x68, 2}), videoFrame({0x65, 3})}) send(frame);
+  EXPECT_EQ(host.liveThreads("preview decode"), 1);
+  decodingStack.reset();
+  host.runUntilIdle();
+  EXPECT_EQ(host.liveThreads("preview decode"), 0);
+}
+
 // Any order of the threads' turns gives the same statuses.
 class AnyOrder : public testing::TestWithParam<std::uint64_t> {};
 

@@ -2,6 +2,7 @@
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include "platform/simulated/simulated_platform.h"
@@ -32,6 +33,19 @@ TEST(DefaultStackDeathTest, GivesTheProcessesPreviewToTheSuitablePlayer) {
         setDefaultPorts(host->ports());
         const auto player = ZELPreviewPlayer::suitablePreviewPlayer();
         exitWith(CameraDataParser::shareCameraDataParser().previewPlayer() == player && player->imageWidth() == 1440);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST(DefaultStackDeathTest, MakesALiveDataSourceOfTheProcess) {
+  EXPECT_EXIT(
+      {
+        auto* host = new platform::SimulatedPlatform();
+        setDefaultPorts(host->ports());
+        const auto source = ZELLiveDataSource::initWitCameraResolution(6, 1920, 960, 8'000'000);
+        source->startLiveData();
+        exitWith(source->fps() == 25 && source->player() != nullptr &&
+                 source->player() == CameraDataParser::shareCameraDataParser().previewPlayer());
       },
       testing::ExitedWithCode(0), "");
 }

@@ -1,0 +1,71 @@
+#include "live/encode_stage.h"
+
+#include <utility>
+
+namespace zel {
+namespace {
+
+constexpr double kIdle = 0.01;  // seconds
+constexpr int kAttempts = 1 + 3;
+constexpr std::int32_t kMostFailures = 5;
+constexpr std::int32_t kMilliseconds = 1000;  // a second
+
+}  // namespace
+
+EncodeStage::Encoder EncodeStage::open(const platform::VideoEncoderSettings& settings) {
+  if (encoders_ == nullptr) return nullptr;
+  Encoder made = encoders_->create(settings);
+  return made && made->open() ? made : nullptr;
+}
+
+void EncodeStage::append(LiveFrame frame) {
+  if (!queue_.append(std::move(frame))) dropped_.add(1);
+}
+
+void EncodeStage::run(const std::function<bool()>& isOver, const std::function<void()>& whenFailed) {
+  encodeThreadJoinLock_.lock();
+  while (!isOver()) {
+    if (step()) continue;
+    whenFailed();
+    break;
+  }
+  encodeThreadJoinLock_.unlock();
+}
+
+// False when the fifth picture in a row has failed.
+bool EncodeStage::step() {
+  const LiveFrame frame = queue_.take();
+  if (!frame) {
+    clock_.sleepFor(kIdle);
+    return true;
+  }
+  const bool success = encode(frame);
+  (success ? encoded_ : notEncoded_).add(1);
+  if (!success) return countFailure();
+  encodeFailCount_.set(0);
+  return true;
+}
+
+bool EncodeStage::encode(const LiveFrame& frame) {
+  const Encoder encoder = encoder_.get();
+  if (!encoder) return false;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    if (encoder->encodeImage(frame->pixelBuffer, {frame->timestamp, kMilliseconds})) return true;
+  }
+  return false;
+}
+
+bool EncodeStage::countFailure() {
+  encodeFailCount_.add(1);
+  if (encodeFailCount_.get() < kMostFailures) return true;
+  encodeFailCount_.set(0);
+  return false;
+}
+
+void EncodeStage::copyStatistics(LiveStatistics& into) const {
+  into.droppedBeforeEncoding = dropped_.get();
+  into.notEncoded = notEncoded_.get();
+  into.encoded = encoded_.get();
+}
+
+}  // namespace zel

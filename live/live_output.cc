@@ -1,0 +1,85 @@
+#include "live/live_output.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zel {
+namespace {
+
+constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
+
+// Times come from the camera: a difference beyond 64 bits wraps.
+std::int64_t difference(std::int64_t a, std::int64_t b) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
+}
+
+}  // namespace
+
+void LiveOutput::restart() {
+  firstTimestamp_.set(0);
+  hasVideo_.set(false);
+  hasAudio_.set(false);
+}
+
+std::optional<std::int64_t> LiveOutput::takePicture(std::int64_t timestamp, bool cancelled) {
+  pictures_.add(1);
+  const std::int64_t first = firstTimestamp_.get();
+  if (cancelled || first < 1 || timestamp < first) {
+    notWanted_.add(1);
+    return std::nullopt;
+  }
+  bufferTimestamp_.set(timestamp);
+  return difference(timestamp, first);
+}
+
+void LiveOutput::onAACHeader(Bytes header) {
+  if (hasAudio_.get()) return;
+  if (const auto receiver = delegate()) receiver->sourceOnAACHeader(header);
+  hasAudio_.set(true);
+}
+
+void LiveOutput::onAACAdts(Bytes data, std::int64_t timestamp) {
+  if (firstTimestamp_.get() == 0) firstTimestamp_.set(timestamp);
+  addAACData(data, difference(timestamp, firstTimestamp_.get()));
+}
+
+void LiveOutput::addAACData(Bytes data, std::int64_t timestamp) {
+  const bool delivers = hasAudio_.get() && !waitsForVideo();
+  (delivers ? audioFrames_ : droppedAudio_).add(1);
+  if (!delivers) return;
+  if (const auto receiver = delegate()) receiver->sourceOnAACData(data, timestamp);
+}
+
+bool LiveOutput::waitsForVideo() const {
+  return !hasVideo_.get() && settings_.isStitch.get() && settings_.isEncode.get();
+}
+
+void LiveOutput::addVideoStream(Bytes sps, Bytes pps) {
+  if (hasVideo_.get()) return;
+  if (const auto receiver = delegate()) receiver->sourceOnH264Header(sps, pps);
+  hasVideo_.set(true);
+}
+
+void LiveOutput::addH264Nalu(std::span<std::uint8_t> unit, bool keyframe, std::int64_t timestamp) {
+  const bool delivers = unit.size() > kStartCode.size() && letsThrough(timestamp);
+  if (unit.size() >= kStartCode.size()) std::ranges::copy(kStartCode, unit.begin());
+  (delivers ? units_ : droppedUnits_).add(1);
+  if (!delivers) return;
+  if (const auto receiver = delegate()) receiver->sourceOnH264Nalu(unit, keyframe, timestamp);
+}
+
+// Deliberate: the newest picture's time is the camera's, and the unit's counts from the origin.
+bool LiveOutput::letsThrough(std::int64_t unitsTimestamp) const {
+  return bufferTimestamp_.get() >= unitsTimestamp && hasAudio_.get() && hasVideo_.get();
+}
+
+void LiveOutput::copyStatistics(LiveStatistics& into) const {
+  into.pictures = pictures_.get();
+  into.notWanted = notWanted_.get();
+  into.units = units_.get();
+  into.droppedUnits = droppedUnits_.get();
+  into.audioFrames = audioFrames_.get();
+  into.droppedAudio = droppedAudio_.get();
+}
+
+}  // namespace zel

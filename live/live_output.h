@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include <ZELTarkaSDK/LiveStatistics.h>
+#include <ZELTarkaSDK/ZELLiveDataSourceProtocol.h>
+
+#include "live/live_settings.h"
+#include "live/shared_value.h"
+
+namespace zel {
+
+// The delegate, and what decides which sound and video it gets: the first sound is the origin of all times; the header
+// of each comes first, and once a run; encoded video and its sound wait for each other's header.
+// Units:  milliseconds; timestamps in are the camera's, as phone time, and those out count from the origin.
+// Owner:  the settings must outlive the object.
+// Thread: any thread. The delegate is called without a lock.
+class LiveOutput {
+ public:
+  using Bytes = std::span<const std::uint8_t>;
+  using Delegate = std::shared_ptr<ZELLiveDataSourceProtocol>;
+
+  explicit LiveOutput(const LiveSettings& settings) : settings_(settings) {}
+
+  void setDelegate(std::weak_ptr<ZELLiveDataSourceProtocol> delegate) { delegate_.set(std::move(delegate)); }
+  Delegate delegate() const { return delegate_.get().lock(); }
+
+  // A run begins.
+  void restart();
+
+  // A picture's time from the origin. Nothing where it is not wanted: while cancelled, before the first sound, or from
+  // before it.
+  std::optional<std::int64_t> takePicture(std::int64_t timestamp, bool cancelled);
+
+  // onAACHeader:size:, onAACAdts:size:timestamp: - the camera's sound.
+  void onAACHeader(Bytes header);
+  void onAACAdts(Bytes data, std::int64_t timestamp);
+
+  // addVideoStream:spsSize:pps:ppsSize: - the encoder's parameter sets.
+  void addVideoStream(Bytes sps, Bytes pps);
+  // addH264Nalu:size:keyframe:timestamp: - one unit behind its length of 4 bytes, in whose place the start code is put.
+  // Nobody gets a unit that holds no more than that.
+  void addH264Nalu(std::span<std::uint8_t> unit, bool keyframe, std::int64_t timestamp);
+
+  bool hasVideo() const { return hasVideo_.get(); }
+  bool hasAudio() const { return hasAudio_.get(); }
+  std::int64_t firstTimestamp() const { return firstTimestamp_.get(); }
+  std::int64_t bufferTimestamp() const { return bufferTimestamp_.get(); }
+  void copyStatistics(LiveStatistics& into) const;
+
+ private:
+  void addAACData(Bytes data, std::int64_t timestamp);
+  bool waitsForVideo() const;
+  bool letsThrough(std::int64_t unitsTimestamp) const;
+
+  const LiveSettings& settings_;
+  Guarded<std::weak_ptr<ZELLiveDataSourceProtocol>> delegate_;
+  Relaxed<bool> hasVideo_ = false;
+  Relaxed<bool> hasAudio_ = false;
+  Relaxed<std::int64_t> firstTimestamp_ = 0;   // 0: no sound has come
+  Relaxed<std::int64_t> bufferTimestamp_ = 0;  // the newest picture's, not counted from the origin
+  RelaxedCount pictures_ = 0, notWanted_ = 0, units_ = 0, droppedUnits_ = 0, audioFrames_ = 0, droppedAudio_ = 0;
+};
+
+}  // namespace zel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/ports.h"
+
+class CameraDataParser;
+class ZELCameraUCD;
+class ZELPreviewPlayer;
+
+namespace zel {
+
+// What a live data source works with.
+// Owner: shared, so that a source may outlive the stack that it was made for; the camera is then not connected.
+struct LiveParts {
+  platform::Ports ports;
+  std::shared_ptr<ZELCameraUCD> ucd;
+  std::shared_ptr<CameraDataParser> parser;
+  std::function<std::shared_ptr<ZELPreviewPlayer>()> suitablePreviewPlayer;
+};
+
+}  // namespace zel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "live/shared_value.h"
+#include "platform/media_library.h"
+
+namespace zel {
+
+// Pictures a second of a camera's video resolution code. A code above 15 is deliberately left without any.
+constexpr std::uint64_t framesPerSecond(std::uint64_t resolution) {
+  constexpr std::uint64_t kRates[] = {15, 20, 25, 30};
+  constexpr std::uint64_t kLastCode = 15;
+  return resolution <= kLastCode ? kRates[resolution % 4] : 0;
+}
+
+// What the host sets, and the lens offset that the camera told.
+// Thread: any thread.
+struct LiveSettings {
+  LiveSettings(std::uint64_t resolutionCode, std::uint64_t stitchWidth, std::uint64_t stitchHeight,
+               std::uint64_t encoderBitrate)
+      : resolution(resolutionCode),
+        width(stitchWidth),
+        height(stitchHeight),
+        bitrate(encoderBitrate),
+        fps(framesPerSecond(resolutionCode)) {}
+
+  Relaxed<std::uint64_t> resolution, width, height, bitrate, fps;
+  Relaxed<bool> isStitch = true;
+  Relaxed<bool> isEncode = true;
+  Relaxed<bool> removePurple = false;
+  Relaxed<float> logoAngle = 0;
+  Guarded<std::optional<platform::RgbaImage>> logoImage;
+  Guarded<std::optional<std::string>> offset;
+  Guarded<std::optional<std::string>> url;
+};
+
+}  // namespace zel

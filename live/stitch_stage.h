@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <ZELTarkaSDK/LiveStatistics.h>
+
+#include "live/frame_queue.h"
+#include "live/join_lock.h"
+#include "live/live_settings.h"
+#include "platform/clock.h"
+#include "platform/media_library.h"
+
+namespace zel {
+
+// The camera's pictures that wait to be stitched, and the thread that does it.
+// Owner:  the arguments of the constructor must outlive the object.
+// Thread: any thread, except where an operation says otherwise.
+class StitchStage {
+ public:
+  // library: null stitches nothing.
+  StitchStage(platform::Clock& clock, platform::MediaLibrary* library, LiveSettings& settings)
+      : clock_(clock), library_(library), settings_(settings), renderLock_(clock) {}
+
+  void append(LiveFrame frame);
+
+  // Keeps the setting, and tells the renderer if there is one.
+  void setRemovePurple(bool removePurple) ZEL_EXCLUDES(renderMutex_);
+
+  // The body of the render thread: hands on every stitched picture until the run is over. The renderer goes with it.
+  // Thread: render thread; one that comes while another is at it waits for its end.
+  void run(const std::function<bool()>& isOver, const std::function<void(LiveFrame)>& handOn);
+
+  // Waits until the render thread has left its loop.
+  void join() { renderLock_.join(); }
+
+  // Forgets the pictures that wait.
+  void clear() { queue_.clear(); }
+
+  void copyStatistics(LiveStatistics& into) const;
+
+ private:
+  using Render = std::shared_ptr<platform::FlatOffscreenRender>;
+
+  void step(const std::function<void(LiveFrame)>& handOn);
+  platform::PixelBufferRef stitch(const platform::PixelBufferRef& picture);
+  Render render() ZEL_EXCLUDES(renderMutex_);
+  void dropRender() ZEL_EXCLUDES(renderMutex_);
+  Render createRender() ZEL_EXCLUDES(renderMutex_);
+
+  platform::Clock& clock_;
+  platform::MediaLibrary* const library_;
+  LiveSettings& settings_;
+  FrameQueue queue_;
+  JoinLock renderLock_;
+  RelaxedCount dropped_ = 0, stitched_ = 0, notStitched_ = 0;
+
+  Mutex renderMutex_;
+  Render render_ ZEL_GUARDED_BY(renderMutex_);
+};
+
+}  // namespace zel

@@ -1,0 +1,176 @@
+// Starting and stopping.
+
+#include <ZELTarkaSDK/ZELLiveDataSource.h>
+
+#include <utility>
+
+#include "live/zel_live_data_source_state.h"
+#include "platform/application_events.h"
+
+using zel::MutexLock;
+
+ZELLiveDataSource::Source ZELLiveDataSource::initWitCameraResolution(const zel::LiveParts& parts, Number resolution,
+                                                                     Number stitchWidth, Number stitchHeight,
+                                                                     Number bitrate) {
+  const std::shared_ptr<ZELLiveDataSource> source(
+      new ZELLiveDataSource(std::make_unique<State>(parts, resolution, stitchWidth, stitchHeight, bitrate)));
+  source->observeApplication();
+  return source;
+}
+
+ZELLiveDataSource::ZELLiveDataSource(std::unique_ptr<State> state) : state_(std::move(state)) {}
+
+ZELLiveDataSource::~ZELLiveDataSource() = default;
+
+void ZELLiveDataSource::observeApplication() {
+  const auto observe = [this](std::string_view name, void (ZELLiveDataSource::*handler)()) {
+    return state_->parts.ports.notifications.observe(
+        name, [weak = weak_from_this(), handler](const zel::platform::Notification&) {
+          if (const auto self = weak.lock()) (self.get()->*handler)();
+        });
+  };
+  state_->background =
+      observe(zel::platform::kApplicationDidEnterBackgroundNotification, &ZELLiveDataSource::handleEnterBackground);
+  state_->active = observe(zel::platform::kApplicationDidBecomeActiveNotification, &ZELLiveDataSource::handleDidActive);
+}
+
+void ZELLiveDataSource::choosePlayer() {
+  auto chosen = state_->currentPlayer();
+  if (!chosen) chosen = state_->parts.suitablePreviewPlayer();
+  state_->player.set(std::move(chosen));
+}
+
+// Preview in a view
+
+void ZELLiveDataSource::startPreviewWithFrame(const ZELRect& frame, ViewBlock result) {
+  {
+    const MutexLock lock(state_->statusLock);
+    state_->isPreview.store(true);
+  }
+  choosePlayer();
+  const auto show = [weak = weak_from_this(), frame, result = std::move(result)](
+                        bool success, const std::optional<std::string>& offset) {
+    const auto self = weak.lock();
+    if (!self || !success) return;
+    self->state_->settings.offset.set(offset);
+    auto view = ZELRenderView::initWithFrame(self->state_->parts.ports, frame, 0);
+    if (view) view->playVideoStream(self->player(), offset.value_or(""));
+    if (result) result(std::move(view));
+  };
+  setCameraPreviewOn(true, [weak = weak_from_this(), show](bool success) {
+    const auto self = weak.lock();
+    if (self && success) self->getCameraMediaOffset(show);
+  });
+}
+
+void ZELLiveDataSource::stopPreview() {
+  const MutexLock lock(state_->statusLock);
+  state_->isPreview.store(false);
+  if (!isLive()) releasePlayer();
+}
+
+// The start chain
+
+void ZELLiveDataSource::startLiveData() {
+  {
+    const MutexLock lock(state_->statusLock);
+    state_->isLive.store(true);
+  }
+  state_->output.restart();
+  state_->cancelled.store(false);
+  choosePlayer();
+  setCameraPreviewOn(true, whenStarted(state_->currentRun(), &ZELLiveDataSource::startAudio));
+}
+
+// A failed step has told the delegate; the chain ends there, as it does where the source or the run is over.
+ZELLiveDataSource::ResultBlock ZELLiveDataSource::whenStarted(std::uint64_t run,
+                                                              void (ZELLiveDataSource::*next)(std::uint64_t)) {
+  return [weak = weak_from_this(), run, next](bool success) {
+    const auto self = weak.lock();
+    if (self && success && !self->state_->isOver(run)) (self.get()->*next)(run);
+  };
+}
+
+void ZELLiveDataSource::startAudio(std::uint64_t run) {
+  setCameraAudioOn(true, whenStarted(run, &ZELLiveDataSource::fetchOffset));
+}
+
+void ZELLiveDataSource::fetchOffset(std::uint64_t run) {
+  getCameraMediaOffset([weak = weak_from_this(), run, next = whenStarted(run, &ZELLiveDataSource::postAttach)](
+                           bool success, const std::optional<std::string>& offset) {
+    const auto self = weak.lock();
+    if (self && success && !self->state_->isOver(run)) self->state_->settings.offset.set(offset);
+    next(success);
+  });
+}
+
+void ZELLiveDataSource::postAttach(std::uint64_t run) {
+  state_->parts.ports.queues.globalQueue().post([self = shared_from_this(), run] { self->attach(run); });
+}
+
+void ZELLiveDataSource::attach(std::uint64_t run) {
+  if (!attachToPlayer(run) || !isStitch()) return;
+  state_->parts.ports.queues.globalQueue().post([self = shared_from_this(), run] { self->runRenderThread(run); });
+  if (isEncode()) startEncoding(run);
+}
+
+// The player's setters take no lock but their own, and call nobody.
+bool ZELLiveDataSource::attachToPlayer(std::uint64_t run) {
+  const MutexLock lock(state_->attachMutex);
+  if (state_->isOver(run)) return false;
+  const auto attached = state_->currentPlayer();
+  if (!attached) {
+    failWithErrorCode(1, "failed to get camera demux");
+    return false;
+  }
+  attached->setPixelBufferDelegate(weak_from_this());
+  attached->setMediaDataDelegate(weak_from_this());
+  return true;
+}
+
+// The stop sequence
+
+void ZELLiveDataSource::stopLiveData() {
+  State& state = *state_;
+  {
+    const MutexLock lock(state.attachMutex);
+    if (state.cancelled.exchange(true)) return;
+    state.stops.fetch_add(1);
+  }
+  state.stitching.join();
+  state.encoding.join();
+  zel::EncodeStage::Encoder encoder;  // destroyed without the lock: that waits for its callbacks
+  {
+    const MutexLock lock(state.attachMutex);
+    if (const auto attached = state.currentPlayer()) {
+      attached->setMediaDataDelegate({});
+      attached->setPixelBufferDelegate({});
+    }
+    encoder = state.encoding.install(nullptr);
+  }
+  encoder.reset();
+  state.stitching.clear();
+  state.encoding.clear();
+  const MutexLock lock(state.statusLock);
+  state.isLive.store(false);
+  if (!isPreview()) releasePlayer();
+}
+
+void ZELLiveDataSource::releasePlayer() {
+  state_->player.set(nullptr);
+  setCameraPreviewOn(false, nullptr);
+  setCameraAudioOn(false, nullptr);
+}
+
+// Application events
+
+void ZELLiveDataSource::handleEnterBackground() {
+  setCameraPreviewOn(false, [weak = weak_from_this()](bool) {
+    if (const auto self = weak.lock()) self->setCameraAudioOn(false, [](bool) {});
+  });
+}
+
+void ZELLiveDataSource::handleDidActive() {
+  if (isLive() || isPreview()) setCameraPreviewOn(true, [](bool) {});
+  if (isLive()) setCameraAudioOn(true, [](bool) {});
+}

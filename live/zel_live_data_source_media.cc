@@ -1,0 +1,90 @@
+// The road of pictures and sound.
+
+#include <ZELTarkaSDK/ZELLiveDataSource.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "live/zel_live_data_source_state.h"
+
+using zel::LiveFrame;
+using zel::MutexLock;
+
+namespace {
+
+// A size that an encoder tells.
+std::size_t sizeOf(std::int32_t size) { return static_cast<std::size_t>(std::max(size, 0)); }
+
+}  // namespace
+
+// From the player
+
+void ZELLiveDataSource::onPixelBuffer(const zel::platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) {
+  const auto time = state_->output.takePicture(timestamp, cancelled());
+  if (!time) return;
+  if (const auto delegate = dataSourceDelegate()) delegate->sourceOnRawPixelBuffer(pixelBuffer, *time);
+  state_->stitching.append(std::make_shared<orq::MediaPixelBuffer>(pixelBuffer, *time));
+}
+
+void ZELLiveDataSource::onAACHeader(Bytes header) { state_->output.onAACHeader(header); }
+void ZELLiveDataSource::onAACAdts(Bytes data, std::int64_t timestamp) { state_->output.onAACAdts(data, timestamp); }
+void ZELLiveDataSource::onSps(Bytes, Bytes) {}
+void ZELLiveDataSource::onH264Nalu(Bytes, bool, std::int64_t) {}
+
+// The two threads
+
+void ZELLiveDataSource::runRenderThread(std::uint64_t run) {
+  state_->stitching.run([this, run] { return state_->isOver(run); },
+                        [this](LiveFrame stitched) {
+                          if (const auto delegate = dataSourceDelegate()) {
+                            delegate->sourceOnStitchPixelBuffer(stitched->pixelBuffer, stitched->timestamp);
+                          }
+                          state_->encoding.append(std::move(stitched));
+                        });
+}
+
+// Deliberate: the stop waits for the very thread that asks for it, and so for good. The delegate knows by then, and the
+// render thread ends.
+void ZELLiveDataSource::runEncodeThread(std::uint64_t run) {
+  state_->encoding.run([this, run] { return state_->isOver(run); },
+                       [this] {
+                         failWithErrorCode(7, "encode image error");
+                         stopLiveData();
+                       });
+}
+
+// The encoder
+
+// It keeps the source alive by its callbacks, until the stop destroys it. One that is ready only after the stop is
+// dropped, as no other stop would come.
+void ZELLiveDataSource::startEncoding(std::uint64_t run) {
+  const auto narrow = [](std::uint64_t value) { return static_cast<std::int32_t>(value); };
+  auto encoder = state_->encoding.open({narrow(width()), narrow(height()), narrow(bitrate()), narrow(fps())});
+  if (!encoder) {
+    state_->encoding.install(nullptr);
+    return failWithErrorCode(7, "failed to open encoder");
+  }
+  const auto self = shared_from_this();
+  encoder->setSpsPpsCallback(
+      [self](const std::uint8_t* sps, std::int32_t spsSize, const std::uint8_t* pps, std::int32_t ppsSize) {
+        self->state_->output.addVideoStream({sps, sizeOf(spsSize)}, {pps, sizeOf(ppsSize)});
+      });
+  encoder->setNaluCallback([self](std::uint8_t* data, std::int32_t size, bool keyFrame, zel::platform::MediaTime time) {
+    self->state_->output.addH264Nalu({data, sizeOf(size)}, keyFrame, time.value);
+  });
+  {
+    const MutexLock lock(state_->attachMutex);
+    if (state_->isOver(run)) return;
+    encoder = state_->encoding.install(std::move(encoder));
+  }
+  encoder.reset();
+  state_->parts.ports.queues.globalQueue().post([self, run] { self->runEncodeThread(run); });
+}
+
+zel::LiveStatistics ZELLiveDataSource::statistics() const {
+  zel::LiveStatistics statistics;
+  state_->output.copyStatistics(statistics);
+  state_->stitching.copyStatistics(statistics);
+  state_->encoding.copyStatistics(statistics);
+  return statistics;
+}

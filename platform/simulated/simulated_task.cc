@@ -1,0 +1,55 @@
+#include "platform/simulated/simulated_task.h"
+
+#include <limits>
+#include <utility>
+
+namespace zel::platform {
+namespace {
+
+constexpr double kNever = std::numeric_limits<double>::infinity();
+
+}  // namespace
+
+bool SimulatedTask::isReady(double now) {
+  if (condition_ && condition_()) {
+    condition_ = nullptr;
+    wakesAt_ = now;
+  }
+  return wakesAt_ <= now;
+}
+
+void SimulatedTask::resume() {
+  if (!thread_.joinable()) thread_ = std::thread([self = shared_from_this()] { self->run(); });
+  go_.release();
+  stopped_.acquire();
+  if (ended_) thread_.join();
+}
+
+void SimulatedTask::abandon() {
+  if (thread_.joinable()) thread_.detach();
+}
+
+void SimulatedTask::run() {
+  go_.acquire();
+  std::exchange(task_, nullptr)();
+  ended_ = true;
+  stopped_.release();
+}
+
+void SimulatedTask::sleepUntil(double time) {
+  wakesAt_ = time;
+  yield();
+}
+
+void SimulatedTask::waitUntil(std::function<bool()> condition) {
+  wakesAt_ = kNever;
+  condition_ = std::move(condition);
+  yield();
+}
+
+void SimulatedTask::yield() {
+  stopped_.release();
+  go_.acquire();
+}
+
+}  // namespace zel::platform
