@@ -49,21 +49,11 @@ ZELData withLongStartCodes(std::span<const std::uint8_t> stream) {
   return ZELData(std::move(bytes));
 }
 
-int wrongUsage(const std::string& complaint) {
-  say("zelcam: thumbnail: " + complaint);
-  return kWrongUsage;
-}
-
-int failed(const std::string& complaint) {
-  say("zelcam: thumbnail: " + complaint);
-  return kRefused;
-}
-
 int save(const platform::PixelBuffer& picture, const Invocation& invocation) {
   const std::string path = invocation.values.text("--output");
   std::string fault = "the picture does not fit into memory";
   const auto png = pngOf(picture);
-  if (!png || !replaceFile(path, *png, fault)) return failed(fault);
+  if (!png || !replaceFile(path, *png, fault)) return complain(kRefused, "thumbnail", fault);
   if (invocation.settings.json) {
     printJson({{"thumbnail", path}, {"width", picture.width()}, {"height", picture.height()}});
   } else {
@@ -76,22 +66,25 @@ int save(const platform::PixelBuffer& picture, const Invocation& invocation) {
 
 int runThumbnail(const Invocation& invocation) {
   const Values& values = invocation.values;
-  if (!values.has("--output")) return wrongUsage("-o FILE.png tells where the picture shall go");
+  if (!values.has("--output"))
+    return complain(kWrongUsage, "thumbnail", "-o FILE.png tells where the picture shall go");
   const auto size = values.has("--size") ? sizeIn(values.text("--size")) : Size{};
-  if (!size) return wrongUsage(fmt::format("--size takes WIDTHxHEIGHT, each from 2 to {}", kLargestSide));
+  if (!size)
+    return complain(kWrongUsage, "thumbnail",
+                    fmt::format("--size takes WIDTHxHEIGHT, each from 2 to {}", kLargestSide));
   std::string complaint;
   const auto file = readFile(values.text("FILE"), complaint);
-  if (!file) return wrongUsage(complaint);
+  if (!file) return complain(kWrongUsage, "thumbnail", complaint);
 
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
   if (values.has("--offset") && bus.ports().mediaLibrary == nullptr)
-    return failed("no renderer can unwrap the picture");
+    return complain(kRefused, "thumbnail", "no renderer can unwrap the picture");
   const auto render = ZELThumbnailRender::initWithRenderWidth(bus.ports(), size->width, size->height);
   const ZELData stream = withLongStartCodes(file->bytes());
   const auto picture = values.has("--offset") ? render->renderWithh264Data(stream, values.text("--offset"))
                                               : render->copyPixelBufferWithDecodeH264Data(stream);
-  if (!picture) return failed(values.text("FILE") + " has no key frame that can be shown");
+  if (!picture) return complain(kRefused, "thumbnail", values.text("FILE") + " has no key frame that can be shown");
   return save(*picture, invocation);
 }
 
