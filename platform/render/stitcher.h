@@ -50,6 +50,11 @@ class Stitcher {
   // Any thread; counts from the next picture on. See FringeFilter.
   void setRemovePurple(bool on) { removePurple_.store(on, std::memory_order_relaxed); }
 
+  // The next picture has nothing to do with those before it: what it shows alone tells how bright each lens is.
+  void beginScene() {
+    if (prepared_) prepared_->gains.forget();
+  }
+
   // Shows the logo at the nadir, turned by so many degrees; see NadirLogo.
   // Errors: false for a logo that is not usable or an angle that is no finite number; then there is no logo.
   bool setLogo(const LogoImage& logo, double angle);

@@ -62,6 +62,7 @@ platform::PixelBufferRef StitchingRender::stitched(const platform::PixelBuffer& 
     return nullptr;
   }
   stitcher_->setRemovePurple(removePurple_.load(std::memory_order_relaxed));
+  if (!isVideo_) stitcher_->beginScene();
   if (!std::exchange(logoIsShown_, true)) showLogo();
   if (stitcher_->stitch(picture, outputOf(*image))) return image;
   faults_.tell("stitching: no panorama can be made of a picture of " + sizeText(picture.width(), picture.height()));

@@ -29,6 +29,8 @@ class StitchingRender final : public platform::FlatOffscreenRender {
   StitchingRender(PictureSize output, const StitcherOptions& options, Diagnostics tell);
 
   void setOffset(std::string_view offset) override;
+  // Pictures of a video share the gains of the lenses, which follow slowly; any other picture has its own.
+  void setIsRenderVideo(bool isVideo) override { isVideo_ = isVideo; }
   void setLogoAngle(float angle) override;
   void setLogoImage(const std::optional<platform::RgbaImage>& image) override;
   void setRemovePurple(bool on) override { removePurple_.store(on, std::memory_order_relaxed); }
@@ -44,6 +46,7 @@ class StitchingRender final : public platform::FlatOffscreenRender {
   PicturePool pool_;
   std::string offset_;
   std::unique_ptr<Stitcher> stitcher_;  // null without an offset that makes sense
+  bool isVideo_ = false;
   std::optional<LogoImage> logo_;
   float logoAngle_ = 0;
   bool logoIsShown_ = true;  // whether the stitcher knows logo_ and its angle

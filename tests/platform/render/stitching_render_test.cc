@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <limits>
 #include <set>
@@ -115,6 +116,26 @@ TEST_F(StitchingRenderTest, TakesPicturesOfAnotherSize) {
   const auto plain = render.renderVideo(MemoryPixelBuffer::filled(300, 150, 90, 128, 128));
   ASSERT_NE(plain, nullptr);
   EXPECT_EQ(at(plain->luma(), 100, 60), 90);
+}
+
+// Left 150, right 150 / r: after the first picture the lenses are equal, and then the right one is dimmed.
+TEST_F(StitchingRenderTest, MatchesTheLensesOfAPhotoAtOnceAndThoseOfAVideoSlowly) {
+  const auto world = [](int right) {
+    const auto picture = MemoryPixelBuffer::filled(640, 320, 150, 128, 128);
+    for (std::size_t row = 0; row < 320; ++row)
+      std::fill_n(picture->lumaRow(row).begin() + 320, 320, static_cast<std::uint8_t>(right));
+    return picture;
+  };
+  const auto difference = [&](bool isVideo) {
+    StitchingRender fresh({240, 120}, {.threads = 2}, {});
+    fresh.setOffset(kFactoryOffset);
+    fresh.setIsRenderVideo(isVideo);
+    fresh.renderVideo(world(150));
+    const auto image = fresh.renderVideo(world(120));
+    return at(image->luma(), 120, 60) - at(image->luma(), 0, 60);  // forward and backward
+  };
+  EXPECT_NEAR(difference(false), 0, 1);
+  EXPECT_NEAR(difference(true), 26, 2);  // an eighth of log(150 / 120): 147.9 and 121.7
 }
 
 TEST_F(StitchingRenderTest, UsesItsImagesAgain) {
