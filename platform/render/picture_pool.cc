@@ -12,15 +12,15 @@ using PicturePtr = std::shared_ptr<platform::MemoryPixelBuffer>;
 
 constexpr std::size_t kReferenceBytes = 128;  // more than a shared pointer keeps beside its object
 
-// A picture, and the memory for counting its references.
-struct Slot {
-  PicturePtr picture;
-  alignas(std::max_align_t) std::byte references[kReferenceBytes];
-};
-
 }  // namespace
 
 struct PicturePool::Shelf {
+  // A picture, and the memory for counting its references.
+  struct Slot {
+    PicturePtr picture;
+    alignas(std::max_align_t) std::byte references[kReferenceBytes];
+  };
+
   Shelf(PictureSize pictureSize, std::size_t mostSlots) : size(pictureSize), most(mostSlots) {
     slots.reserve(most);
     free.reserve(most);
@@ -61,6 +61,7 @@ namespace {
 // reference of any kind.
 template <class Any, class Shelf>
 struct SlotAllocator {
+  using Slot = typename Shelf::Slot;
   using value_type = Any;
   template <class Other>
   struct rebind {
@@ -88,7 +89,7 @@ struct SlotAllocator {
 PicturePool::PicturePool(PictureSize size, std::size_t most) : shelf_(std::make_shared<Shelf>(size, most)) {}
 
 PicturePtr PicturePool::take() {
-  Slot* const slot = shelf_->take();
+  Shelf::Slot* const slot = shelf_->take();
   if (slot == nullptr) return nullptr;
   const auto stays = [](platform::MemoryPixelBuffer*) {};
   return {slot->picture.get(), stays, SlotAllocator<std::byte, Shelf>(shelf_, slot)};
