@@ -133,7 +133,8 @@ TEST(H264EncoderTest, GivesOneSliceAPictureInTheCallThatTakesIt) {
     ASSERT_TRUE(recorder.encoder->encodeImage(scene(number), {number, 1000}));
     ASSERT_THAT(recorder.units, SizeIs(static_cast<std::size_t>(number) + 1));
     const Encoded& last = recorder.units.back();
-    const std::size_t length = last.bytes[0] << 24 | last.bytes[1] << 16 | last.bytes[2] << 8 | last.bytes[3];
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < 4; ++i) length = 256 * length + last.bytes[i];
     EXPECT_EQ(length, last.bytes.size() - 4);
     const auto slice = parseH264SliceStart(last.unit());
     ASSERT_TRUE(slice);
