@@ -22,15 +22,21 @@ void CameraClock::set(std::int32_t now, std::int32_t minutesWest) {
 
 std::int64_t CameraClock::seconds() const { return atStart_ + uptimeSeconds(world_); }
 
-std::string CameraClock::nextFileName(const std::string& prefix, const std::string& suffix) {
+std::string CameraClock::localTime(const char* format) const {
   const std::time_t local = seconds() - secondsWest_;
   std::tm time{};
   gmtime_r(&local, &time);
-  char stamp[32];
-  std::strftime(stamp, sizeof stamp, "_%Y%m%d_%H%M%S_00_", &time);
+  char text[32];
+  std::strftime(text, sizeof text, format, &time);
+  return text;
+}
+
+std::string CameraClock::photoTime() const { return localTime("%Y:%m:%d %H:%M:%S"); }
+
+std::string CameraClock::nextFileName(const std::string& prefix, const std::string& suffix) {
   char number[16];
   std::snprintf(number, sizeof number, "%03u", ++files_);
-  return prefix + stamp + number + suffix;
+  return prefix + localTime("_%Y%m%d_%H%M%S_00_") + number + suffix;
 }
 
 }  // namespace zel::simulator

@@ -18,11 +18,15 @@ class CameraClock {
 
   std::uint32_t now() const { return static_cast<std::uint32_t>(seconds()); }
 
+  // Local time as photos tell it, "2026:01:02 03:04:05".
+  std::string photoTime() const;
+
   // PREFIX_20260102_030405_00_001SUFFIX by the local time; the number goes up with each.
   std::string nextFileName(const std::string& prefix, const std::string& suffix);
 
  private:
   std::int64_t seconds() const;
+  std::string localTime(const char* format) const;
 
   const CameraWorld& world_;
   std::int64_t atStart_;  // of the world's clock

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "simulator/exif.h"
+
 namespace zel::simulator {
 namespace {
 
@@ -48,10 +50,13 @@ void Captures::begin(Order order) {
   for (double& stop : order.stops) stop += state_.exposureBias();
   const double seconds = static_cast<double>(order.host->mediaTime()) / 1000;
   world_.tellHost(shutterStateEvent(1));
-  world_.onWorker([this, studio = studio_, size = state_.photoSize(), seconds, order = std::move(order)] {
-    auto files = studio->take(size.width, size.height, seconds, order.stops);
-    return [this, order, files = std::move(files)] { finish(order, files); };
-  });
+  Bytes exif = exifSegment(state_.clock.photoTime(), positionIn(order.sensors));
+  world_.onWorker(
+      [this, studio = studio_, size = state_.photoSize(), seconds, order = std::move(order), exif = std::move(exif)] {
+        auto files = studio->take(size.width, size.height, seconds, order.stops);
+        for (Bytes& file : files) file = withSegment(file, exif);
+        return [this, order, files = std::move(files)] { finish(order, files); };
+      });
 }
 
 void Captures::finish(const Order& order, const std::vector<Bytes>& files) {

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,8 +16,10 @@
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/file.h"
+#include "apps/zelcam/lens_offset.h"
 #include "apps/zelcam/number_text.h"
 #include "apps/zelcam/output.h"
+#include "apps/zelcam/panorama.h"
 #include "apps/zelcam/sensors.h"
 
 namespace zel::app {
@@ -40,6 +44,18 @@ std::optional<aeb_info> bracketIn(std::string_view text) {
   }
   bracket.count = count;
   return bracket;
+}
+
+// A photo's file.
+struct Saved {
+  std::string path;
+  ZELData picture;
+};
+
+// "folder/IMG_1.jpg" becomes "IMG_1-360.jpg".
+std::string panoramaName(const std::filesystem::path& photo) {
+  const std::string extension = photo.extension().string();
+  return photo.stem().string() + "-360" + (extension.empty() ? ".jpg" : extension);
 }
 
 // One photo or bracket: asks for it, waits for the camera's word and for the pictures, and saves them.
@@ -80,6 +96,17 @@ class Shot {
     return status;
   }
 
+  // Makes panoramas of the photos that were saved, beside them. One that fails leaves the others alone.
+  int stitch(platform::MediaLibrary& library) {
+    std::string offset;
+    if (const int status = askLensOffset(link_, invocation_.settings, "photo", 0, offset); status != kDone)
+      return status;
+    PanoramaMaker maker(library, offset);
+    int status = kDone;
+    for (const Saved& photo : saved_) status = std::max(status, stitch(maker, photo));
+    return status;
+  }
+
  private:
   template <class Any>
   int waitFor(const Any& answer, std::string_view what) {
@@ -90,28 +117,47 @@ class Shot {
 
   std::string nameOfStored() const { return std::get<2>(stored_->values).value_or(""); }
 
-  int save(const std::string& name, const ZELData& picture, std::optional<int> step) const {
+  int save(const std::string& name, const ZELData& picture, std::optional<int> step) {
     const std::string folder = invocation_.values.has("--output") ? invocation_.values.text("--output") : ".";
     std::string fault;
     const auto path = saveFile(folder, plainFileName(name, "photo.jpg"), picture.bytes(), fault);
     if (!path) return complain(kRefused, "photo", fault);
-    if (!invocation_.settings.json) {
-      printLine(*path);
-      return kDone;
-    }
+    saved_.push_back({*path, picture});
+    tell(name, picture, step);
+    return kDone;
+  }
+
+  void tell(const std::string& name, const ZELData& picture, std::optional<int> step) const {
+    const std::string& path = saved_.back().path;
+    if (!invocation_.settings.json) return printLine(path);
     const auto& [time, size, storedName] = stored_->values;
-    nlohmann::ordered_json object = {{"photo", *path}, {"name", name}, {"bytes", picture.size()}};
+    nlohmann::ordered_json object = {{"photo", path}, {"name", name}, {"bytes", picture.size()}};
     if (step) object["step"] = *step;
     object["fileTime"] = time.value_or(0);
     object["FileSize"] = size.value_or(0);
     object["fileName"] = storedName ? nlohmann::ordered_json(*storedName) : nlohmann::ordered_json();
     printJson(object);
+  }
+
+  int stitch(PanoramaMaker& maker, const Saved& photo) const {
+    std::string fault;
+    const auto panorama = maker.panoramaOf(photo.picture.bytes(), fault);
+    if (!panorama) return fault.empty() ? kRefused : complain(kRefused, "photo", photo.path + ": " + fault);
+    const std::filesystem::path beside(photo.path);
+    const auto path = saveFile(beside.parent_path().string(), panoramaName(beside), panorama->bytes, fault);
+    if (!path) return complain(kRefused, "photo", fault);
+    if (!invocation_.settings.json) {
+      printLine(*path);
+    } else {
+      printJson({{"panorama", *path}, {"of", photo.path}, {"width", panorama->width}, {"height", panorama->height}});
+    }
     return kDone;
   }
 
   CameraLink& link_;
   const Invocation& invocation_;
   const std::shared_ptr<Stored> stored_ = std::make_shared<Stored>();
+  std::vector<Saved> saved_;
 };
 
 }  // namespace
@@ -131,7 +177,8 @@ int runPhoto(const Invocation& invocation) {
   CameraLink link(bus, invocation.settings);
   if (const int status = link.open(); status != kDone) return status;
   Shot shot(link, invocation);
-  return bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);
+  const int status = bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);
+  return status == kDone && values.has("--stitch") ? shot.stitch(*bus.ports().mediaLibrary) : status;
 }
 
 }  // namespace zel::app

@@ -3,6 +3,7 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
+#include <ZELTarkaSDK/ZELRenderView.h>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -19,6 +20,7 @@
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/file.h"
 #include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/lens_offset.h"
 #include "apps/zelcam/output.h"
 #include "apps/zelcam/png.h"
 #include "platform/mutex.h"
@@ -86,6 +88,7 @@ class Preview {
     counter_ = std::make_shared<PictureCounter>(link_, wanted(), invocation_.settings.verbose);
     player_->setPixelBufferDelegate(counter_);
     if (const int status = startVideo(); status != kDone) return status;
+    if (const int status = readOffset(); status != kDone) return status;
     const auto tick = link_.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [this] { report(); });
     const int status = waitForPictures();
     tellEndOfLine();
@@ -100,15 +103,25 @@ class Preview {
     return 1;
   }
 
+  std::uint8_t resolution() const {
+    return static_cast<std::uint8_t>(invocation_.values.integer("--resolution").value_or(kDefaultResolution));
+  }
+
   int startVideo() {
     const auto answer = std::make_shared<Answer<std::uint8_t>>();
-    const auto code = invocation_.values.integer("--resolution").value_or(kDefaultResolution);
-    player_->setFps(kRates[static_cast<std::size_t>(code) % kRates.size()]);
-    link_.stack().ucd().msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(code), keepIn(answer, link_.platform()));
+    player_->setFps(kRates[resolution() % kRates.size()]);
+    link_.stack().ucd().msgCmdStartVideoWithVideoRes(resolution(), keepIn(answer, link_.platform()));
     link_.sayAsked();
     const Waited end = link_.waitFor([&answer] { return answer->done; }, invocation_.settings.timeout);
     start_ = Clock::now();
     return tellEnd("preview", end, answer->error, invocation_.settings);
+  }
+
+  bool stitches() const { return invocation_.values.has("--stitch"); }
+
+  int readOffset() {
+    if (!stitches()) return kDone;
+    return askLensOffset(link_, invocation_.settings, "preview", resolution(), offset_);
   }
 
   // Pictures must keep coming: a time-out without one ends the command.
@@ -167,10 +180,24 @@ class Preview {
     return kDone;
   }
 
+  // The last picture; null where it cannot be stitched, which the renderer has said.
+  platform::PixelBufferRef snapshot() const {
+    platform::PixelBufferRef newest = counter_->decoded().newest;
+    if (!stitches()) return newest;
+    const int width = newest->width() - newest->width() % 4;  // twice as wide as high, and both even
+    const auto view =
+        ZELRenderView::initWithFrame(link_.stack().ports(), {0, 0, static_cast<double>(width), width / 2.0}, 0);
+    if (!view) return nullptr;
+    view->playVideoStream(player_, offset_);
+    return view->picture();
+  }
+
   int saveSnapshot(nlohmann::ordered_json& object) const {
     if (!invocation_.values.has("--snapshot")) return kDone;
+    const auto picture = snapshot();
+    if (!picture) return kRefused;
     const std::string path = invocation_.values.text("--snapshot");
-    const auto png = pngOf(*counter_->decoded().newest);
+    const auto png = pngOf(*picture);
     std::string fault = "the picture does not fit into memory";
     if (!png || !replaceFile(path, *png, fault)) return complain(kRefused, "preview", fault);
     object["snapshot"] = path;
@@ -180,6 +207,7 @@ class Preview {
   CameraLink& link_;
   const Invocation& invocation_;
   Clock::time_point start_ = Clock::now();
+  std::string offset_;  // of the lenses, where the snapshot is stitched
   std::shared_ptr<PictureCounter> counter_;
   std::shared_ptr<ZELPreviewPlayer> player_;
 };
@@ -187,6 +215,9 @@ class Preview {
 }  // namespace
 
 int runPreview(const Invocation& invocation) {
+  if (invocation.values.has("--stitch") && !invocation.values.has("--snapshot")) {
+    return complain(kWrongUsage, "preview", "--stitch is for the picture that --snapshot saves");
+  }
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
   CameraLink link(bus, invocation.settings);

@@ -23,6 +23,9 @@ class GainMatch {
   // those of the new picture. A picture that is too dark or too bright to tell leaves them as they are.
   LensGains next(const SourcePlane& luma);
 
+  // The next picture's gains count at once, as the first one's do.
+  void forget() { measured_ = false; }
+
  private:
   struct Place {
     std::uint16_t x, y;

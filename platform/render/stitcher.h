@@ -40,12 +40,20 @@ class Stitcher {
  public:
   static constexpr int kLargestSide = 16384;
 
-  // offset: the camera's lens offset text. output: even sides of 2 to kLargestSide.
+  // Even sides of 2 to kLargestSide.
+  static bool canMake(PictureSize output);
+
+  // offset: the camera's lens offset text. output: a size that can be made.
   // Errors: no stitcher for an offset that makes no sense and for other sizes.
   static StitcherCreation create(std::string_view offset, PictureSize output, const StitcherOptions& options = {});
 
   // Any thread; counts from the next picture on. See FringeFilter.
   void setRemovePurple(bool on) { removePurple_.store(on, std::memory_order_relaxed); }
+
+  // The next picture has nothing to do with those before it: what it shows alone tells how bright each lens is.
+  void beginScene() {
+    if (prepared_) prepared_->gains.forget();
+  }
 
   // Shows the logo at the nadir, turned by so many degrees; see NadirLogo.
   // Errors: false for a logo that is not usable or an angle that is no finite number; then there is no logo.

@@ -1,5 +1,8 @@
 #include "simulator/captures.h"
 
+#include <bit>
+
+#include "simulator/exif.h"
 #include "simulator/jpeg.h"
 #include "tests/simulator/camera_test.h"
 
@@ -86,6 +89,18 @@ TEST_F(CapturesTest, NamesFilesByTheTimeThatTheHostSet) {
   const Bytes reply = ask(0x0007, Bytes(64));
   EXPECT_EQ(photos()[0].name, "IMG_20260102_040506_00_001.jpg");
   EXPECT_EQ(Bytes(reply.begin(), reply.begin() + 4), (Bytes{0xE2, 0x35, 0x57, 0x69}));
+}
+
+TEST_F(CapturesTest, TellsInThePhotoWhenAndWhereItWasTaken) {
+  Bytes sensors;
+  for (const double value : {48.5, -11.25, 519.5}) put(sensors, std::bit_cast<std::uint64_t>(value));
+  sensors.resize(64);
+  ask(0x4006, {0xA5, 0x35, 0x57, 0x69, 0xC4, 0xFF, 0xFF, 0xFF});  // an hour east of UTC
+  ask(0x0007, sensors);
+  const Bytes expected = exifSegment("2026:01:02 04:04:05", Position{48.5, -11.25, 519.5});
+  const Bytes photo = photos()[0].jpeg;
+  ASSERT_GT(photo.size(), 2 + expected.size());
+  EXPECT_EQ(Bytes(photo.begin() + 2, photo.begin() + 2 + static_cast<std::ptrdiff_t>(expected.size())), expected);
 }
 
 TEST_F(CapturesTest, KeepsThePhotosSensorData) {
