@@ -1,0 +1,230 @@
+#include "platform/ffmpeg/h264_encoder.h"
+
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+#include <algorithm>
+#include <deque>
+#include <limits>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "platform/ffmpeg/annex_b.h"
+#include "platform/ffmpeg/h264_headers.h"
+#include "platform/ffmpeg/libav.h"
+
+namespace zel::platform {
+namespace {
+
+using Bytes = std::span<std::uint8_t>;
+using Encoders = LibavVideoEncoders;
+
+constexpr std::size_t kPrefix = 4;
+
+const char* nameOf(X264Preset preset) {
+  switch (preset) {
+    case X264Preset::ultrafast:
+      return "ultrafast";
+    case X264Preset::superfast:
+      return "superfast";
+    case X264Preset::veryfast:
+      return "veryfast";
+    case X264Preset::faster:
+      return "faster";
+    case X264Preset::fast:
+      return "fast";
+    case X264Preset::medium:
+      return "medium";
+  }
+  return "ultrafast";
+}
+
+bool isSide(std::int32_t side) {
+  return side >= Encoders::kSmallestSide && side <= Encoders::kLargestSide && side % 2 == 0;
+}
+
+bool canBeMet(const VideoEncoderSettings& settings) {
+  return isSide(settings.width) && isSide(settings.height) &&
+         std::int64_t{settings.width} * settings.height <= Encoders::kMostPixels &&
+         settings.bitrate >= Encoders::kLeastBitrate && settings.fps >= 1 && settings.fps <= Encoders::kMostFps;
+}
+
+void describePictures(AVCodecContext& context, const VideoEncoderSettings& settings) {
+  context.width = settings.width;
+  context.height = settings.height;
+  context.pix_fmt = AV_PIX_FMT_NV12;
+  context.color_range = AVCOL_RANGE_JPEG;
+  context.colorspace = AVCOL_SPC_SMPTE170M;
+  context.framerate = {settings.fps, 1};
+  context.time_base = {1, settings.fps};
+}
+
+// Sliced threads would cut each picture into as many slices.
+void describeStream(AVCodecContext& context, const VideoEncoderSettings& settings, int threads) {
+  context.bit_rate = settings.bitrate;
+  context.rc_max_rate = settings.bitrate;
+  context.rc_buffer_size = settings.bitrate;  // bits: a second of them
+  context.gop_size = settings.fps;
+  context.max_b_frames = 0;
+  context.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+  context.thread_count = threads;
+  context.thread_type = FF_THREAD_FRAME;
+  context.slices = 1;
+}
+
+bool setOption(AVCodecContext& context, const char* name, const char* value) {
+  return av_opt_set(context.priv_data, name, value, 0) >= 0;
+}
+
+CodecContextPtr openContext(const VideoEncoderSettings& settings, const LibavEncoderOptions& options) {
+  const AVCodec* codec = avcodec_find_encoder_by_name("libx264");
+  CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
+  if (!context) return nullptr;
+  silence(*context);
+  describePictures(*context, settings);
+  describeStream(*context, settings, std::clamp(options.threads, 1, Encoders::kMostThreads));
+  const bool isSet =
+      setOption(*context, "preset", nameOf(options.preset)) && setOption(*context, "tune", "zerolatency") &&
+      setOption(*context, "sc_threshold", "0");  // key pictures come with the second, not with what they show
+  if (!isSet || avcodec_open2(context.get(), codec, nullptr) < 0) return nullptr;
+  return context;
+}
+
+// Whether the plane has all that will be read of it.
+bool holds(const PixelPlane& plane, std::size_t rowBytes, std::size_t rows) {
+  return plane.data != nullptr && plane.rowBytes >= rowBytes && plane.rows >= rows && plane.stride >= plane.rowBytes &&
+         plane.stride <= std::numeric_limits<std::int32_t>::max() / rows;
+}
+
+// The plane where it is. The reference keeps the picture; FFmpeg takes the bytes for read-only.
+bool setPlane(AVFrame& frame, std::size_t index, const PixelPlane& plane, const PixelBufferRef& picture) {
+  auto owner = std::make_unique<PixelBufferRef>(picture);
+  const auto letGo = [](void* kept, std::uint8_t*) { delete static_cast<PixelBufferRef*>(kept); };
+  frame.data[index] = const_cast<std::uint8_t*>(plane.data);
+  frame.linesize[index] = static_cast<int>(plane.stride);
+  const std::size_t size = plane.stride * (plane.rows - 1) + plane.rowBytes;
+  frame.buf[index] = av_buffer_create(frame.data[index], size, letGo, owner.get(), AV_BUFFER_FLAG_READONLY);
+  if (frame.buf[index] == nullptr) return false;
+  owner.release();
+  return true;
+}
+
+FramePtr frameOf(const PixelBufferRef& picture, std::int64_t number) {
+  FramePtr frame(av_frame_alloc());
+  if (!frame) return nullptr;
+  frame->format = AV_PIX_FMT_NV12;
+  frame->width = picture->width();
+  frame->height = picture->height();
+  frame->color_range = AVCOL_RANGE_JPEG;
+  frame->pts = number;
+  if (!setPlane(*frame, 0, picture->luma(), picture) || !setPlane(*frame, 1, picture->chroma(), picture))
+    return nullptr;
+  return frame;
+}
+
+class H264Encoder final : public VideoEncoder {
+ public:
+  H264Encoder(const VideoEncoderSettings& settings, const LibavEncoderOptions& options)
+      : settings_(settings), options_(options) {}
+
+  bool open() override {
+    if (context_ || !canBeMet(settings_)) return false;
+    context_ = openContext(settings_, options_);
+    packet_.reset(av_packet_alloc());
+    if (!packet_) context_.reset();
+    return context_ && readParameterSets();
+  }
+
+  void setSpsPpsCallback(SpsPpsCallback callback) override { parameterSets_ = std::move(callback); }
+  void setNaluCallback(NaluCallback callback) override { nalu_ = std::move(callback); }
+
+  bool encodeImage(const PixelBufferRef& picture, MediaTime time) override {
+    if (!context_ || !picture || !fits(*picture)) return false;
+    const std::int64_t number = nextNumber_++;
+    const FramePtr frame = frameOf(picture, number);
+    if (!frame || avcodec_send_frame(context_.get(), frame.get()) < 0) return false;
+    waiting_.push_back({number, time});
+    int status = 0;
+    while ((status = avcodec_receive_packet(context_.get(), packet_.get())) >= 0) {
+      handOn();
+      av_packet_unref(packet_.get());
+    }
+    return status == AVERROR(EAGAIN);
+  }
+
+ private:
+  struct Waiting {
+    std::int64_t number;
+    MediaTime time;
+  };
+
+  bool fits(const PixelBuffer& picture) const {
+    const auto width = static_cast<std::size_t>(settings_.width), height = static_cast<std::size_t>(settings_.height);
+    return picture.width() == settings_.width && picture.height() == settings_.height &&
+           holds(picture.luma(), width, height) && holds(picture.chroma(), width, height / 2);
+  }
+
+  bool readParameterSets() {
+    forEachUnit(Bytes(context_->extradata, static_cast<std::size_t>(context_->extradata_size)), [this](Bytes unit) {
+      if (typeOf(unit[0]) == H264UnitType::sequence) sps_.assign(unit.begin(), unit.end());
+      if (typeOf(unit[0]) == H264UnitType::picture) pps_.assign(unit.begin(), unit.end());
+    });
+    if (sps_.empty() || pps_.empty()) context_.reset();
+    return context_ != nullptr;
+  }
+
+  // The packet is the encoder's until it is unreferenced: its bytes may be written.
+  void handOn() {
+    if (!std::exchange(parameterSetsSent_, true) && parameterSets_) {
+      parameterSets_(sps_.data(), static_cast<std::int32_t>(sps_.size()), pps_.data(),
+                     static_cast<std::int32_t>(pps_.size()));
+    }
+    const MediaTime time = timeOf(packet_->pts);
+    if (!nalu_ || av_packet_make_writable(packet_.get()) < 0) return;
+    const Bytes stream(packet_->data, static_cast<std::size_t>(packet_->size));
+    forEachUnit(stream, [&](Bytes unit) {
+      const H264UnitType type = typeOf(unit[0]);
+      if (type == H264UnitType::slice || type == H264UnitType::keySlice)
+        send(stream, unit, type == H264UnitType::keySlice, time);
+    });
+  }
+
+  // The length takes the start code's place. A start code of three bytes at the packet's begin has not enough of it.
+  void send(Bytes stream, Bytes unit, bool key, MediaTime time) {
+    std::uint8_t* prefixed = unit.data() - kPrefix;
+    if (unit.data() - stream.data() < static_cast<std::ptrdiff_t>(kPrefix)) {
+      moved_.assign(kPrefix, 0);
+      moved_.insert(moved_.end(), unit.begin(), unit.end());
+      prefixed = moved_.data();
+    }
+    for (std::size_t i = 0; i < kPrefix; ++i) prefixed[i] = static_cast<std::uint8_t>(unit.size() >> (24 - 8 * i));
+    nalu_(prefixed, static_cast<std::int32_t>(kPrefix + unit.size()), key, time);
+  }
+
+  // A picture that failed inside of the encoder leaves its time behind.
+  MediaTime timeOf(std::int64_t number) {
+    while (!waiting_.empty() && waiting_.front().number < number) waiting_.pop_front();
+    return waiting_.empty() ? MediaTime() : waiting_.front().time;
+  }
+
+  const VideoEncoderSettings settings_;
+  const LibavEncoderOptions options_;
+  CodecContextPtr context_;
+  PacketPtr packet_;
+  std::vector<std::uint8_t> sps_, pps_, moved_;
+  SpsPpsCallback parameterSets_;
+  NaluCallback nalu_;
+  bool parameterSetsSent_ = false;
+  std::int64_t nextNumber_ = 0;
+  std::deque<Waiting> waiting_;  // pictures inside of the encoder
+};
+
+}  // namespace
+
+std::unique_ptr<VideoEncoder> LibavVideoEncoders::create(const VideoEncoderSettings& settings) {
+  return std::make_unique<H264Encoder>(settings, options_);
+}
+
+}  // namespace zel::platform

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/video_encoder.h"
+
+namespace zel::platform {
+
+// How much time x264 takes for a picture: each step makes better pictures of the same size, and takes longer.
+enum class X264Preset { ultrafast, superfast, veryfast, faster, fast, medium };
+
+struct LibavEncoderOptions {
+  X264Preset preset = X264Preset::ultrafast;
+
+  // 1: every unit comes out in the call that takes its picture.
+  // 2 and more, at most kMostThreads: pictures are encoded side by side, and each comes out as many pictures later as
+  //    there are threads besides the first.
+  int threads = 1;
+};
+
+// H.264 through libavcodec and libx264, for live streams: no picture waits for a later one, none is reordered, each is
+// one slice and so one unit, and each second begins with a key picture. Parameter sets come before the first unit, and
+// not again; delimiters and supplementary information are left out.
+//
+// Pictures are read where they are. They are taken for full range with the matrix of ITU-R BT.601, and declared so.
+// Units:  the bitrate counts bits a second, and is not exceeded for longer than a second.
+// Thread: both callbacks run on the thread that hands over a picture, before encodeImage() returns.
+// Errors: open() is false for odd sides and those below kSmallestSide or above kLargestSide, for more pixels than
+//         kMostPixels, for a bitrate below kLeastBitrate, for pictures a second below 1 or above kMostFps, and where
+//         there is no libx264. encodeImage() is false for no picture and one of another size.
+class LibavVideoEncoders final : public VideoEncoders {
+ public:
+  static constexpr int kMostThreads = 16;
+  static constexpr std::int32_t kSmallestSide = 16;
+  static constexpr std::int32_t kLargestSide = 16384;
+  static constexpr std::int64_t kMostPixels = 139264 * 256;  // of the highest level, 6.2
+  static constexpr std::int32_t kLeastBitrate = 1000;
+  static constexpr std::int32_t kMostFps = 300;
+
+  explicit LibavVideoEncoders(LibavEncoderOptions options = {}) : options_(options) {}
+
+  std::unique_ptr<VideoEncoder> create(const VideoEncoderSettings& settings) override;
+
+ private:
+  const LibavEncoderOptions options_;
+};
+
+}  // namespace zel::platform
