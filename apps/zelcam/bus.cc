@@ -22,7 +22,8 @@ Bus::Bus(const Settings& settings) {
 
 platform::Ports Bus::ports() {
   platform::Ports ports = platform_->ports();
-  ports.videoDecoders = &videoDecoders_;
+  ports.videoDecoders = decodes_ ? &videoDecoders_ : nullptr;
+  ports.videoEncoders = &videoEncoders_;
   return ports;
 }
 

@@ -4,8 +4,10 @@
 
 #include <memory>
 
+#include "apps/zelcam/arrival_clock.h"
 #include "apps/zelcam/settings.h"
 #include "platform/ffmpeg/h264_decoder.h"
+#include "platform/ffmpeg/h264_encoder.h"
 #include "platform/ports.h"
 
 namespace zel::app {
@@ -21,11 +23,18 @@ class Bus {
 
   bool isThere() const { return platform_ != nullptr; }
   LinuxPlatform& platform() { return *platform_; }
-  // The platform's ports with this program's codecs.
+  // The platform's ports with this program's codecs and renderer.
   platform::Ports ports();
+  // Ports made from now on have no decoder, for who passes the camera's video on as it is.
+  void decodeNothing() { decodes_ = false; }
+  const ArrivalClock& arrivals() const { return arrivals_; }
 
  private:
-  platform::LibavVideoDecoders videoDecoders_;
+  platform::LibavVideoDecoders libavDecoders_;
+  ArrivalClock arrivals_;
+  NotingDecoders videoDecoders_{libavDecoders_, arrivals_};
+  platform::LibavVideoEncoders videoEncoders_;
+  bool decodes_ = true;
   std::unique_ptr<LinuxPlatform> platform_;
 };
 

@@ -1,6 +1,9 @@
 #include "apps/zelcam/muxing/libav_sink.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <utility>
@@ -30,9 +33,17 @@ const char* formatOf(OutputKind kind) {
   return "";
 }
 
+// A pipe is opened anew, so that a reader who stands still can be given up without changing the pipe for others.
+std::string standardOutputUrl() {
+  struct stat type {};
+  const bool isPipe = ::fstat(STDOUT_FILENO, &type) == 0 && S_ISFIFO(type.st_mode);
+  const int file = isPipe ? ::open("/proc/self/fd/1", O_WRONLY | O_NONBLOCK | O_CLOEXEC) : -1;
+  return fmt::format("pipe:{}", file >= 0 ? file : STDOUT_FILENO);
+}
+
 // An absolute path, so that nothing of it is taken for a protocol's name.
 std::string urlOf(const OutputAddress& address) {
-  if (address.kind == OutputKind::standardOutput) return "pipe:1";
+  if (address.kind == OutputKind::standardOutput) return standardOutputUrl();
   return address.isServer() ? address.target : std::filesystem::absolute(address.target).string();
 }
 
@@ -75,7 +86,7 @@ Fault LibavSink::open(const StreamHeaders& headers) {
 Fault LibavSink::openTarget() {
   if (address_.isServer()) deadline_.allow(secondsToWait_);
   if (address_.kind == OutputKind::hls) forgetSegments(address_.target);
-  if (!address_.isServer() && isNoFile(address_.target)) {
+  if (address_.isFile() && isNoFile(address_.target)) {
     return fmt::format("cannot write {}: it is no plain file", address_.name());
   }
   if ((muxer_->oformat->flags & AVFMT_NOFILE) != 0) return std::nullopt;
@@ -86,7 +97,7 @@ Fault LibavSink::openTarget() {
 void LibavSink::chooseOptions(Options& options) const {
   switch (address_.kind) {
     case OutputKind::mp4:
-      options.set("movflags", "frag_keyframe+empty_moov+default_base_moof");
+      options.set("movflags", "frag_keyframe+empty_moov+default_base_moof+frag_discont");
       options.set("frag_duration", "1000000");
       break;
     case OutputKind::rtmp:

@@ -12,7 +12,7 @@ namespace zel::app {
 // One output by libavformat. What a server does not take within a while is an error.
 //   .mp4    in fragments, a key picture or a second each, so that it plays wherever it ends
 //   .m3u8   segments of two seconds and more, NAME-00000.ts and so on, of which the newest are kept
-// Files replace what bore their names.
+// Files replace what bore their names. Standard output is given up when its reader stands still at the end.
 class LibavSink final : public Sink {
  public:
   // secondsToWait: for a server, each time.

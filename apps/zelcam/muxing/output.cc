@@ -53,7 +53,7 @@ void Output::finish() {
   const Lock lock(mutex_);
   finishing_ = true;
   // A server that is not there yet is not worth waiting for.
-  if (sink_ && rules_.retry) sink_->endWithin(takes_ ? rules_.secondsToFinish : 0);
+  if (sink_ && rules_.secondsToFinish) sink_->endWithin(takes_ ? *rules_.secondsToFinish : 0);
   changed_.notify_all();
 }
 
@@ -95,7 +95,7 @@ Fault Output::connect(bool retrying) {
   std::shared_ptr<Sink> sink = rules_.makeSink();
   {
     const Lock lock(mutex_);
-    if (finishing_ && rules_.retry) sink->endWithin(0);
+    if (finishing_ && rules_.secondsToFinish) sink->endWithin(0);
     sink_ = sink;
   }
   if (Fault fault = sink->open(*headers_)) return fault;

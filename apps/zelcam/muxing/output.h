@@ -35,7 +35,7 @@ struct OutputRules {
   std::function<void(const std::string&)> tell;
   std::optional<RetryRules> retry;  // nothing: the first fault is the end, as of a file
   QueueLimits limits;
-  double secondsToFinish = 5;  // for a server
+  std::optional<double> secondsToFinish;  // for what somebody else must take
 };
 
 // One output with a thread of its own and a queue of what waits for it, so that however slow or dead it is, nobody

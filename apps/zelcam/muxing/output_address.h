@@ -14,6 +14,7 @@ struct OutputAddress {
   std::string target;  // path or address as it was given
 
   bool isServer() const { return kind == OutputKind::rtmp || kind == OutputKind::srt; }
+  bool isFile() const { return !isServer() && kind != OutputKind::standardOutput; }
   // For people. Of a server the host alone: what stands behind it is often a secret.
   std::string name() const;
 

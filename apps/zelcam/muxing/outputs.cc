@@ -8,11 +8,14 @@
 namespace zel::app {
 namespace {
 
+constexpr double kSecondsToFinish = 5;
+
 OutputRules rulesFor(const OutputAddress& address, const std::function<void(const std::string&)>& tell) {
   OutputRules rules;
   rules.name = address.name();
   rules.tell = tell;
   if (address.isServer()) rules.retry = RetryRules{};
+  if (address.isServer() || address.kind == OutputKind::standardOutput) rules.secondsToFinish = kSecondsToFinish;
   rules.makeSink = [address, tell]() -> std::unique_ptr<Sink> {
     if (address.kind == OutputKind::mp4) return std::make_unique<Mp4Sink>(address, tell);
     return std::make_unique<LibavSink>(address);
