@@ -6,7 +6,9 @@
 
 #include "apps/zelcam/settings.h"
 #include "platform/ffmpeg/h264_decoder.h"
+#include "platform/ffmpeg/h264_encoder.h"
 #include "platform/ports.h"
+#include "platform/render/stitching_library.h"
 
 namespace zel::app {
 
@@ -21,11 +23,14 @@ class Bus {
 
   bool isThere() const { return platform_ != nullptr; }
   LinuxPlatform& platform() { return *platform_; }
-  // The platform's ports with this program's codecs.
+  // The platform's ports with this program's codecs and renderers. Why there is no stitched picture is said on standard
+  // error.
   platform::Ports ports();
 
  private:
   platform::LibavVideoDecoders videoDecoders_;
+  platform::LibavVideoEncoders videoEncoders_;
+  render::StitchingLibrary mediaLibrary_;
   std::unique_ptr<LinuxPlatform> platform_;
 };
 
