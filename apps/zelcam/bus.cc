@@ -7,7 +7,7 @@
 
 namespace zel::app {
 
-Bus::Bus(const Settings& settings) {
+Bus::Bus(const Settings& settings) : mediaLibrary_([](const std::string& fault) { say("zelcam: " + fault); }) {
   std::string error;
   platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = {}}, error);
   if (!platform_) {
@@ -24,6 +24,7 @@ platform::Ports Bus::ports() {
   platform::Ports ports = platform_->ports();
   ports.videoDecoders = decodes_ ? &videoDecoders_ : nullptr;
   ports.videoEncoders = &videoEncoders_;
+  ports.mediaLibrary = &mediaLibrary_;
   return ports;
 }
 

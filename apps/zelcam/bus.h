@@ -9,6 +9,7 @@
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
 #include "platform/ports.h"
+#include "platform/render/stitching_library.h"
 
 namespace zel::app {
 
@@ -23,7 +24,8 @@ class Bus {
 
   bool isThere() const { return platform_ != nullptr; }
   LinuxPlatform& platform() { return *platform_; }
-  // The platform's ports with this program's codecs and renderer.
+  // The platform's ports with this program's codecs and renderers. Why there is no stitched picture is said on standard
+  // error.
   platform::Ports ports();
   // Ports made from now on have no decoder, for who passes the camera's video on as it is.
   void decodeNothing() { decodes_ = false; }
@@ -35,6 +37,7 @@ class Bus {
   NotingDecoders videoDecoders_{libavDecoders_, arrivals_};
   platform::LibavVideoEncoders videoEncoders_;
   bool decodes_ = true;
+  render::StitchingLibrary mediaLibrary_;
   std::unique_ptr<LinuxPlatform> platform_;
 };
 

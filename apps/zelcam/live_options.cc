@@ -13,7 +13,7 @@ namespace {
 std::string complaintOfSize(const Values& values, LiveOptions& options) {
   if (!values.has("--size")) return {};
   const auto size = pictureSizeIn(values.text("--size"));
-  if (!size || size->width % 2 != 0 || size->height % 2 != 0 || size->width < 16 || size->height < 16) {
+  if (!size || size->width < 16 || size->height < 16) {
     return fmt::format("--size takes WIDTHxHEIGHT, both even and each from 16 to {}", kLargestPictureSide);
   }
   options.width = size->width;

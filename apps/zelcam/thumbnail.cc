@@ -61,20 +61,20 @@ int runThumbnail(const Invocation& invocation) {
   const Values& values = invocation.values;
   if (!values.has("--output")) return wrongUsage("-o FILE.png tells where the picture shall go");
   const auto size = values.has("--size") ? pictureSizeIn(values.text("--size")) : PictureSize{1440, 720};
-  if (!size) return wrongUsage(fmt::format("--size takes WIDTHxHEIGHT, each from 2 to {}", kLargestPictureSide));
+  if (!size)
+    return wrongUsage(fmt::format("--size takes WIDTHxHEIGHT, each even and from 2 to {}", kLargestPictureSide));
   std::string complaint;
   const auto file = readFile(values.text("FILE"), complaint);
   if (!file) return wrongUsage(complaint);
 
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
-  if (values.has("--offset") && bus.ports().mediaLibrary == nullptr)
-    return failed("no renderer can unwrap the picture");
   const auto render = ZELThumbnailRender::initWithRenderWidth(bus.ports(), size->width, size->height);
   const ZELData stream = withLongStartCodes(file->bytes());
-  const auto picture = values.has("--offset") ? render->renderWithh264Data(stream, values.text("--offset"))
-                                              : render->copyPixelBufferWithDecodeH264Data(stream);
+  auto picture = render->copyPixelBufferWithDecodeH264Data(stream);
   if (!picture) return failed(values.text("FILE") + " has no key frame that can be shown");
+  if (values.has("--offset")) picture = render->renderWithh264Data(stream, values.text("--offset"));
+  if (!picture) return kRefused;  // the renderer has said why
   return save(*picture, invocation);
 }
 

@@ -71,8 +71,10 @@ void stitchPlane(const Tile& tile, const PlaneShape& plane, const SourcePlane& s
 
 }  // namespace
 
+bool Stitcher::canMake(PictureSize output) { return isOutputSide(output.width) && isOutputSide(output.height); }
+
 StitcherCreation Stitcher::create(std::string_view offset, PictureSize output, const StitcherOptions& options) {
-  if (!isOutputSide(output.width) || !isOutputSide(output.height))
+  if (!canMake(output))
     return {nullptr, "stitching: the picture's sides must be even, from 2 to " + std::to_string(kLargestSide)};
   ParsedLensModel parsed = parseLensModel(offset);
   if (!parsed.model) return {nullptr, parsed.fault};

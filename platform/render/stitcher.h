@@ -40,7 +40,10 @@ class Stitcher {
  public:
   static constexpr int kLargestSide = 16384;
 
-  // offset: the camera's lens offset text. output: even sides of 2 to kLargestSide.
+  // Even sides of 2 to kLargestSide.
+  static bool canMake(PictureSize output);
+
+  // offset: the camera's lens offset text. output: a size that can be made.
   // Errors: no stitcher for an offset that makes no sense and for other sizes.
   static StitcherCreation create(std::string_view offset, PictureSize output, const StitcherOptions& options = {});
 

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "platform/render/stitcher.h"
+#include "platform/render/stitching_render.h"
 #include "tests/platform/render/pictures.h"
 
 namespace {
@@ -41,6 +42,23 @@ TEST(StitcherAllocationTest, TakesNothingForAPictureOnceItIsPrepared) {
   for (int count = 0; count < 20; ++count) stitched &= stitcher.stitch(*source, outputOf(*picture));
   EXPECT_EQ(allocations, before);
   EXPECT_TRUE(stitched);
+}
+
+TEST(StitcherAllocationTest, ARendererTakesNothingForAPictureOnceItHasMadeOne) {
+  StitchingRender render({480, 240}, {.threads = 3}, {});
+  render.setOffset(kFactoryOffset);
+  const platform::PixelBufferRef source = platform::MemoryPixelBuffer::filled(640, 320, 250, 160, 150);
+  auto first = render.renderVideo(source), second = render.renderVideo(source);
+  ASSERT_TRUE(first && second);
+  first.reset();
+  const long before = allocations;
+  bool rendered = true;
+  for (int count = 0; count < 20; ++count) {
+    rendered &= render.renderVideo(source) != nullptr;
+    render.setRemovePurple(count % 2 == 0);
+  }
+  EXPECT_EQ(allocations, before);
+  EXPECT_TRUE(rendered);
 }
 
 }  // namespace

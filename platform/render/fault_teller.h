@@ -1,0 +1,44 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/mutex.h"
+
+namespace zel::render {
+
+// Hears of faults, a sentence each. Thread: any thread, several at a time.
+using Diagnostics = std::function<void(const std::string& fault)>;
+
+// Tells each fault once, since most would come back with every picture; of those that come after the first
+// kMostFaults, none.
+// Thread: any thread.
+class FaultTeller {
+ public:
+  static constexpr std::size_t kMostFaults = 16;
+
+  // tell: none tells nobody.
+  explicit FaultTeller(Diagnostics tell) : tell_(std::move(tell)) {}
+
+  void tell(const std::string& fault) ZEL_EXCLUDES(mutex_) {
+    if (isNew(fault) && tell_) tell_(fault);
+  }
+
+ private:
+  bool isNew(const std::string& fault) ZEL_EXCLUDES(mutex_) {
+    const MutexLock lock(mutex_);
+    if (told_.size() == kMostFaults || std::ranges::count(told_, fault) != 0) return false;
+    told_.push_back(fault);
+    return true;
+  }
+
+  const Diagnostics tell_;
+  Mutex mutex_;
+  std::vector<std::string> told_ ZEL_GUARDED_BY(mutex_);
+};
+
+}  // namespace zel::render

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/media_library.h"
+#include "platform/render/fault_teller.h"
+#include "platform/render/nadir_logo.h"
+#include "platform/render/picture_pool.h"
+#include "platform/render/stitcher.h"
+
+namespace zel::render {
+
+// The stitcher behind the renderer's port. There is no graphics context to make current.
+//
+// Images come from a pool: once it is filled, one costs no allocation. A logo that is not usable is not shown.
+// Units:  at most kMostImages images are in use at a time; where a host keeps more of them, there is none for the next
+//         picture.
+// Errors: no image without an offset that makes sense, for a picture that cannot be stitched (see Stitcher), and where
+//         memory ends. Each of these is told once.
+class StitchingRender final : public platform::FlatOffscreenRender {
+ public:
+  static constexpr std::size_t kMostImages = 16;
+
+  // output must be a size that the stitcher makes.
+  StitchingRender(PictureSize output, const StitcherOptions& options, Diagnostics tell);
+
+  void setOffset(std::string_view offset) override;
+  void setLogoAngle(float angle) override;
+  void setLogoImage(const std::optional<platform::RgbaImage>& image) override;
+  void setRemovePurple(bool on) override { removePurple_.store(on, std::memory_order_relaxed); }
+  platform::PixelBufferRef renderVideo(const platform::PixelBufferRef& picture) override;
+
+ private:
+  platform::PixelBufferRef stitched(const platform::PixelBuffer& picture);
+  void showLogo();
+
+  const PictureSize output_;
+  const StitcherOptions options_;
+  FaultTeller faults_;
+  PicturePool pool_;
+  std::string offset_;
+  std::unique_ptr<Stitcher> stitcher_;  // null without an offset that makes sense
+  std::optional<LogoImage> logo_;
+  float logoAngle_ = 0;
+  bool logoIsShown_ = true;  // whether the stitcher knows logo_ and its angle
+  std::atomic<bool> removePurple_{false};
+};
+
+}  // namespace zel::render
