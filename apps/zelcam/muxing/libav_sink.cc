@@ -97,7 +97,8 @@ Fault LibavSink::openTarget() {
 void LibavSink::chooseOptions(Options& options) const {
   switch (address_.kind) {
     case OutputKind::mp4:
-      options.set("movflags", "frag_keyframe+empty_moov+default_base_moof+frag_discont");
+      // The description waits for the first fragment, so that it can tell how much later the sound begins.
+      options.set("movflags", "frag_keyframe+empty_moov+delay_moov+default_base_moof");
       options.set("frag_duration", "1000000");
       break;
     case OutputKind::rtmp:

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "apps/zelcam/muxing/audio_config.h"
 #include "apps/zelcam/muxing/libav.h"
 #include "apps/zelcam/muxing/mp4_boxes.h"
 #include "apps/zelcam/muxing/stream_setup.h"
@@ -141,6 +142,13 @@ bool addStreamsLike(const AVFormatContext& from, AVFormatContext& to, bool spher
   return true;
 }
 
+// A fragment leaves out how long its last frame sounds; without it the plain file would end before that frame.
+void completeSound(const AVStream& stream, AVPacket& packet) {
+  const AVCodecParameters& sound = *stream.codecpar;
+  if (sound.codec_type != AVMEDIA_TYPE_AUDIO || packet.duration > 0 || sound.sample_rate <= 0) return;
+  packet.duration = av_rescale_q(kSamplesPerFrame, {1, sound.sample_rate}, stream.time_base);
+}
+
 int copyPackets(AVFormatContext& from, AVFormatContext& to) {
   const PacketPtr packet(av_packet_alloc());
   if (!packet) return AVERROR(ENOMEM);
@@ -148,6 +156,7 @@ int copyPackets(AVFormatContext& from, AVFormatContext& to) {
   while ((error = av_read_frame(&from, packet.get())) >= 0) {
     const auto stream = static_cast<unsigned>(packet->stream_index);
     if (stream >= to.nb_streams) continue;
+    completeSound(*from.streams[stream], *packet);
     av_packet_rescale_ts(packet.get(), from.streams[stream]->time_base, to.streams[stream]->time_base);
     packet->pos = -1;
     if ((error = av_interleaved_write_frame(&to, packet.get())) < 0) return error;
