@@ -38,9 +38,20 @@ if(ZEL_BUILD_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# zel_library(NAME SOURCES a.cc b.cc LINKS targets): one folder's library.
+# Several files of a folder are compiled as one, which saves reading their headers again; OFF suits whoever edits them.
+option(ZEL_UNITY "Compile several files of a folder as one" ON)
+
+# zel_unity(TARGET FILES ALONE b.cc): those that stand ALONE are compiled by themselves.
+function(zel_unity target files)
+  cmake_parse_arguments(arg "" "" "ALONE" ${ARGN})
+  set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${ZEL_UNITY} UNITY_BUILD_BATCH_SIZE ${files})
+endfunction()
+
+# zel_library(NAME SOURCES a.cc ALONE b.cc LINKS targets): one folder's library.
 function(zel_library name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
-  add_library(${name} STATIC ${arg_SOURCES})
+  cmake_parse_arguments(arg "" "" "SOURCES;ALONE;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES} ${arg_ALONE})
+  zel_unity(${name} 12 ALONE ${arg_ALONE})
   target_link_libraries(${name} PUBLIC zel_settings ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
 endfunction()

@@ -5,7 +5,6 @@
 namespace zel {
 namespace {
 
-constexpr double kIdle = 0.01;  // seconds
 constexpr int kAttempts = 1 + 3;
 constexpr std::int32_t kMostFailures = 5;
 constexpr std::int32_t kMilliseconds = 1000;  // a second
@@ -36,7 +35,7 @@ void EncodeStage::run(const std::function<bool()>& isOver, const std::function<v
 bool EncodeStage::step() {
   const LiveFrame frame = queue_.take();
   if (!frame) {
-    clock_.sleepFor(kIdle);
+    clock_.sleepFor(FrameQueue::kPollInterval);
     return true;
   }
   const bool success = encode(frame);

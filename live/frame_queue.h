@@ -14,6 +14,7 @@ namespace zel {
 class FrameQueue {
  public:
   static constexpr std::size_t kMost = 5;
+  static constexpr double kPollInterval = 0.01;  // seconds that its reader sleeps when there is none
 
   // Returns false where the oldest had to go for it.
   bool append(LiveFrame frame) {

@@ -19,7 +19,7 @@ using zel::platform::PixelBufferRef;
 
 namespace {
 
-constexpr std::int32_t kShortestUnit = 6;
+constexpr std::int32_t kShortestPreviewUnit = 6;
 // More than a frame of the camera can hold.
 constexpr std::size_t kMostBytes = std::size_t{1} << 30;
 
@@ -80,7 +80,7 @@ void ZELPreviewPlayer::appendVideoBytes(ByteView bytes) {
 }
 
 void ZELPreviewPlayer::State::handle(const Unit& unit) {
-  if (unit->size() < kShortestUnit) return;
+  if (unit->size() < kShortestPreviewUnit) return;
   switch (zel::nalType(unit->data()[zel::kNalHeaderAt])) {
     case NalType::sps:
       return decoding.offerSps(bytesOf(unit));

@@ -9,7 +9,7 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::size_t kNameField = 64, kLongestName = 255, kAnySize = SIZE_MAX;
+constexpr std::size_t kLongestName = 255, kAnySize = SIZE_MAX;
 constexpr std::uint8_t kHighestResolution = 15;
 constexpr std::uint32_t kLensIndex = 1;
 constexpr std::uint32_t kExposureIndexAtZero = 12;

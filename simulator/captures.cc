@@ -7,7 +7,6 @@ namespace zel::simulator {
 namespace {
 
 constexpr std::size_t kSteps = 9, kBracket = 1 + kSteps;  // count, stops of each
-constexpr std::size_t kNameField = 64;
 
 }  // namespace
 

@@ -5,13 +5,13 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::size_t kMostFiles = 1000;
+constexpr std::size_t kMostExtraInfos = 1000;
 
 }  // namespace
 
 bool ExtraInfo::set(const std::string& name, Bytes info) {
   if (name.empty() || info.size() > kMostExtra) return false;
-  if (infos_.size() >= kMostFiles && !infos_.contains(name)) return false;
+  if (infos_.size() >= kMostExtraInfos && !infos_.contains(name)) return false;
   infos_[name] = std::move(info);
   return true;
 }

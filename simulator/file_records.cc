@@ -5,7 +5,7 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::size_t kMostFiles = 1000;
+constexpr std::size_t kMostRecords = 1000;
 
 }  // namespace
 
@@ -19,7 +19,7 @@ Bytes fileRecord(std::uint64_t size, const Bytes& lensOffset, const Bytes& senso
 }
 
 void FileRecords::add(const std::string& name, Bytes record) {
-  if (records_.size() == kMostFiles) records_.pop_front();
+  if (records_.size() == kMostRecords) records_.pop_front();
   records_.emplace_back(name, std::move(record));
 }
 

@@ -6,8 +6,8 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::size_t kHeader = 4 + 2;                                      // length, data type
-constexpr std::size_t kLongestFrame = kHeader + 2 + 2 + 64 + kLargestFile;  // a file's type, reserved, path
+constexpr std::size_t kFrameHeader = 4 + 2;                                      // length, data type
+constexpr std::size_t kLongestFrame = kFrameHeader + 2 + 2 + 64 + kLargestFile;  // a file's type, reserved, path
 
 std::uint16_t typeIn(const Bytes& header) { return numberAt<std::uint16_t>(header, 4); }
 
@@ -15,7 +15,7 @@ std::uint16_t typeIn(const Bytes& header) { return numberAt<std::uint16_t>(heade
 
 void HostFrames::append(std::span<const std::uint8_t> bytes) {
   while (fault_.empty() && !bytes.empty())
-    bytes = bytes.subspan(header_.size() < kHeader ? takeHeader(bytes) : takePayload(bytes));
+    bytes = bytes.subspan(header_.size() < kFrameHeader ? takeHeader(bytes) : takePayload(bytes));
 }
 
 std::optional<HostFrame> HostFrames::next() {
@@ -28,19 +28,19 @@ std::optional<HostFrame> HostFrames::next() {
 // | 0 | u32 | length, with these six bytes |
 // | 4 | u16 | data type                    |
 std::size_t HostFrames::takeHeader(std::span<const std::uint8_t> bytes) {
-  const std::size_t taken = std::min(kHeader - header_.size(), bytes.size());
+  const std::size_t taken = std::min(kFrameHeader - header_.size(), bytes.size());
   add(header_, bytes.first(taken));
-  if (header_.size() == kHeader) beginPayload();
+  if (header_.size() == kFrameHeader) beginPayload();
   return taken;
 }
 
 void HostFrames::beginPayload() {
   const auto length = numberAt<std::uint32_t>(header_, 0);
-  if (length < kHeader || length > kLongestFrame) {
+  if (length < kFrameHeader || length > kLongestFrame) {
     fault_ = "the host sent a frame of " + std::to_string(length) + " bytes";
     return;
   }
-  left_ = length - kHeader;
+  left_ = length - kFrameHeader;
   if (left_ == 0) endFrame();
 }
 

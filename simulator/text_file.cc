@@ -5,13 +5,13 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::size_t kNameField = 32, kHeader = kNameField + 2;
+constexpr std::size_t kTextNameField = 32, kTextHeader = kTextNameField + 2;
 
 TextFileResult create(Card& card, const Storage& storage, std::span<const std::uint8_t> request) {
-  if (request.size() < kHeader) return TextFileResult::malformed;
-  const auto text = request.subspan(kHeader);
-  if (text.size() != numberAt<std::uint16_t>(request, kNameField)) return TextFileResult::malformed;
-  const std::string name = textIn(request.first(kNameField));
+  if (request.size() < kTextHeader) return TextFileResult::malformed;
+  const auto text = request.subspan(kTextHeader);
+  if (text.size() != numberAt<std::uint16_t>(request, kTextNameField)) return TextFileResult::malformed;
+  const std::string name = textIn(request.first(kTextNameField));
   if (!safePath(name)) return TextFileResult::badName;
   if (!card.takes(text.size())) return TextFileResult::cardFull;
   if (!storage.write(name, text)) return TextFileResult::notWritten;

@@ -16,6 +16,7 @@ using Bytes = std::vector<std::uint8_t>;
 inline constexpr std::uint16_t kVideo = 1, kAudio = 2, kPhoto = 3, kMessage = 4, kTimestamp = 8, kFile = 9;
 inline constexpr std::uint16_t kSyncData = 0x402E, kSyncTime = 0x4049;
 inline constexpr std::uint16_t kReplyBit = 0x8000;
+inline constexpr std::size_t kNameField = 64;  // bytes of a file's name
 inline constexpr std::uint8_t kMarkerBytes[] = {0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA};
 
 template <std::unsigned_integral T>

@@ -6,16 +6,16 @@
 namespace zel {
 namespace {
 
-constexpr std::size_t kSmallest = 64 * 1024;    // holds most frames and the reads of most bursts
-constexpr std::size_t kKept = 4 * 1024 * 1024;  // not given back: two full reads
-constexpr std::size_t kShortRest = 1024;        // cheaper to move to the front at once than to let the buffer wander
+constexpr std::size_t kSmallest = 64 * 1024;            // holds most frames and the reads of most bursts
+constexpr std::size_t kKeptCapacity = 4 * 1024 * 1024;  // not given back: two full reads
+constexpr std::size_t kShortRest = 1024;  // cheaper to move to the front at once than to let the buffer wander
 
 }  // namespace
 
 void ReceiveBuffer::consume(std::size_t count, std::size_t awaited) {
   begin_ += count;
   awaited_ = awaited;
-  if (capacity_ > std::max(kKept, 2 * std::max(awaited, size()))) {
+  if (capacity_ > std::max(kKeptCapacity, 2 * std::max(awaited, size()))) {
     reallocate(std::max(kSmallest, size()));
   } else if (begin_ != 0 && size() <= kShortRest) {
     moveToFront();

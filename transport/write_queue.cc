@@ -3,7 +3,7 @@
 namespace zel {
 namespace {
 
-constexpr std::size_t kKept = 1024 * 1024;  // an upload's memory is given back once it is written
+constexpr std::size_t kKeptBytes = 1024 * 1024;  // an upload's memory is given back once it is written
 
 }  // namespace
 
@@ -14,7 +14,7 @@ void WriteQueue::removeFirst(std::size_t count) {
   if (taken_ == bytes_.size()) {
     taken_ = 0;
     bytes_.clear();
-    if (bytes_.capacity() > kKept) bytes_ = Bytes();
+    if (bytes_.capacity() > kKeptBytes) bytes_ = Bytes();
   } else if (taken_ > bytes_.size() / 2) {
     bytes_.erase(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(taken_));
     taken_ = 0;

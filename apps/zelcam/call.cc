@@ -41,11 +41,6 @@ int listOperations(const Settings& settings) {
   return kDone;
 }
 
-int wrongUsage(const std::string& complaint) {
-  say("zelcam: call: " + complaint);
-  return kWrongUsage;
-}
-
 // The call that the command line asks for. Errors: nothing, and the complaint.
 ReadyCall prepared(const Values& values, const Operation*& operation, std::string& complaint) {
   const std::string name = values.text("OPERATION");
@@ -104,7 +99,7 @@ int runCall(const Invocation& invocation) {
   const Operation* operation = nullptr;
   std::string complaint;
   const ReadyCall ready = prepared(invocation.values, operation, complaint);
-  if (!ready) return wrongUsage(complaint);
+  if (!ready) return complain(kWrongUsage, "call", complaint);
 
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;

@@ -29,17 +29,12 @@ int show(const Settings& settings, const std::string& text, const std::string& r
   return kDone;
 }
 
-int wrongUsage(const std::string& complaint) {
-  say("zelcam: offset: " + complaint);
-  return kWrongUsage;
-}
-
 }  // namespace
 
 int runOffset(const Invocation& invocation) {
   const Values& values = invocation.values;
   if (values.has("TEXT") == values.has("--record")) {
-    return wrongUsage("give either an offset's text or --record and a record in hexadecimal");
+    return complain(kWrongUsage, "offset", "give either an offset's text or --record and a record in hexadecimal");
   }
   if (values.has("TEXT")) {
     const std::string text = values.text("TEXT");
@@ -48,8 +43,9 @@ int runOffset(const Invocation& invocation) {
   }
   const auto bytes = bytesIn(values.text("--record"));
   if (!bytes || bytes->size() != sizeof(ZELMediaOffset)) {
-    return wrongUsage(fmt::format("a record is {} bytes as {} hexadecimal digits", sizeof(ZELMediaOffset),
-                                  2 * sizeof(ZELMediaOffset)));
+    return complain(kWrongUsage, "offset",
+                    fmt::format("a record is {} bytes as {} hexadecimal digits", sizeof(ZELMediaOffset),
+                                2 * sizeof(ZELMediaOffset)));
   }
   ZELMediaOffset record;
   std::memcpy(&record, bytes->data(), sizeof(record));

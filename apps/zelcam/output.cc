@@ -37,6 +37,11 @@ void printLine(const std::string& line) { write(stdout, line); }
 
 void say(const std::string& line) { write(stderr, line); }
 
+int complain(int status, std::string_view command, std::string_view complaint) {
+  say(fmt::format("zelcam: {}: {}", command, complaint));
+  return status;
+}
+
 void showProgress(const std::string& line) {
   std::fprintf(stderr, "\r%s\033[K", line.c_str());
   std::fflush(stderr);

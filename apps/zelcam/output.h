@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace zel::app {
 
@@ -22,6 +23,9 @@ void printLine(const std::string& line);
 
 // A line for people on standard error, as progress and warnings are.
 void say(const std::string& line);
+
+// Says why a command ends with that exit status, which is returned.
+int complain(int status, std::string_view command, std::string_view complaint);
 
 // Writes over the line of progress on standard error, which a line for people then ends.
 void showProgress(const std::string& line);

@@ -94,10 +94,7 @@ class Shot {
     const std::string folder = invocation_.values.has("--output") ? invocation_.values.text("--output") : ".";
     std::string fault;
     const auto path = saveFile(folder, plainFileName(name, "photo.jpg"), picture.bytes(), fault);
-    if (!path) {
-      say("zelcam: photo: " + fault);
-      return kRefused;
-    }
+    if (!path) return complain(kRefused, "photo", fault);
     if (!invocation_.settings.json) {
       printLine(*path);
       return kDone;
@@ -117,21 +114,17 @@ class Shot {
   const std::shared_ptr<Stored> stored_ = std::make_shared<Stored>();
 };
 
-int wrongUsage(const std::string& complaint) {
-  say("zelcam: photo: " + complaint);
-  return kWrongUsage;
-}
-
 }  // namespace
 
 int runPhoto(const Invocation& invocation) {
   const Values& values = invocation.values;
   std::string complaint;
   const auto sensors = sensorsIn(values, complaint);
-  if (!sensors) return wrongUsage(complaint);
+  if (!sensors) return complain(kWrongUsage, "photo", complaint);
   std::optional<aeb_info> bracket;
   if (values.has("--bracket") && !(bracket = bracketIn(values.text("--bracket")))) {
-    return wrongUsage("--bracket takes 1 to 9 exposure steps from -128 to 127 with commas between them");
+    return complain(kWrongUsage, "photo",
+                    "--bracket takes 1 to 9 exposure steps from -128 to 127 with commas between them");
   }
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;

@@ -172,10 +172,7 @@ class Preview {
     const std::string path = invocation_.values.text("--snapshot");
     const auto png = pngOf(*counter_->decoded().newest);
     std::string fault = "the picture does not fit into memory";
-    if (!png || !replaceFile(path, *png, fault)) {
-      say("zelcam: preview: " + fault);
-      return kRefused;
-    }
+    if (!png || !replaceFile(path, *png, fault)) return complain(kRefused, "preview", fault);
     object["snapshot"] = path;
     return kDone;
   }

@@ -73,10 +73,7 @@ int runRecord(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
   std::string complaint;
   const auto sensors = sensorsIn(invocation.values, complaint);
-  if (!sensors) {
-    say("zelcam: record: " + complaint);
-    return kWrongUsage;
-  }
+  if (!sensors) return complain(kWrongUsage, "record", complaint);
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;
   CameraLink link(bus, settings);

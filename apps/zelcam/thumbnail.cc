@@ -32,21 +32,11 @@ ZELData withLongStartCodes(std::span<const std::uint8_t> stream) {
   return ZELData(std::move(bytes));
 }
 
-int wrongUsage(const std::string& complaint) {
-  say("zelcam: thumbnail: " + complaint);
-  return kWrongUsage;
-}
-
-int failed(const std::string& complaint) {
-  say("zelcam: thumbnail: " + complaint);
-  return kRefused;
-}
-
 int save(const platform::PixelBuffer& picture, const Invocation& invocation) {
   const std::string path = invocation.values.text("--output");
   std::string fault = "the picture does not fit into memory";
   const auto png = pngOf(picture);
-  if (!png || !replaceFile(path, *png, fault)) return failed(fault);
+  if (!png || !replaceFile(path, *png, fault)) return complain(kRefused, "thumbnail", fault);
   if (invocation.settings.json) {
     printJson({{"thumbnail", path}, {"width", picture.width()}, {"height", picture.height()}});
   } else {
@@ -59,20 +49,22 @@ int save(const platform::PixelBuffer& picture, const Invocation& invocation) {
 
 int runThumbnail(const Invocation& invocation) {
   const Values& values = invocation.values;
-  if (!values.has("--output")) return wrongUsage("-o FILE.png tells where the picture shall go");
+  if (!values.has("--output"))
+    return complain(kWrongUsage, "thumbnail", "-o FILE.png tells where the picture shall go");
   const auto size = values.has("--size") ? pictureSizeIn(values.text("--size")) : PictureSize{1440, 720};
   if (!size)
-    return wrongUsage(fmt::format("--size takes WIDTHxHEIGHT, each even and from 2 to {}", kLargestPictureSide));
+    return complain(kWrongUsage, "thumbnail",
+                    fmt::format("--size takes WIDTHxHEIGHT, each even and from 2 to {}", kLargestPictureSide));
   std::string complaint;
   const auto file = readFile(values.text("FILE"), complaint);
-  if (!file) return wrongUsage(complaint);
+  if (!file) return complain(kWrongUsage, "thumbnail", complaint);
 
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
   const auto render = ZELThumbnailRender::initWithRenderWidth(bus.ports(), size->width, size->height);
   const ZELData stream = withLongStartCodes(file->bytes());
   auto picture = render->copyPixelBufferWithDecodeH264Data(stream);
-  if (!picture) return failed(values.text("FILE") + " has no key frame that can be shown");
+  if (!picture) return complain(kRefused, "thumbnail", values.text("FILE") + " has no key frame that can be shown");
   if (values.has("--offset")) picture = render->renderWithh264Data(stream, values.text("--offset"));
   if (!picture) return kRefused;  // the renderer has said why
   return save(*picture, invocation);

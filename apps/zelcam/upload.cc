@@ -87,10 +87,7 @@ int runUpload(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
   std::string complaint;
   const auto file = readFile(invocation.values.text("FILE"), complaint);
-  if (!file) {
-    say("zelcam: upload: " + complaint);
-    return kWrongUsage;
-  }
+  if (!file) return complain(kWrongUsage, "upload", complaint);
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;
   CameraLink link(bus, settings);

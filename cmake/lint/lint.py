@@ -52,7 +52,9 @@ def check_tidy(pool, build):
     entries = json.loads((build / "compile_commands.json").read_text())
     sources = sorted({str(Path(entry["file"]).relative_to(ROOT)) for entry in entries
                       if Path(entry["file"]).is_relative_to(ROOT)})
-    sources = [source for source in sources if source.startswith(TIDIED)]
+    # A file that the build made of several stands under the folder that they come from.
+    folder = f"{build.relative_to(ROOT)}/"
+    sources = [source for source in sources if source.removeprefix(folder).startswith(TIDIED)]
     command = ["clang-tidy", "--quiet", "-p", str(build)]
     return [output for code, output in pool.map(lambda source: run([*command, source]), sources) if code]
 

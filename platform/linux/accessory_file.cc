@@ -5,9 +5,9 @@
 
 #include <cerrno>
 #include <memory>
-#include <system_error>
 
 #include "platform/linux/accessory_description.h"
+#include "platform/linux/error_text.h"
 #include "platform/linux/unique_descriptor.h"
 
 namespace zel::platform {
@@ -28,8 +28,8 @@ bool readAll(int descriptor, std::string& text) {
   return true;
 }
 
-std::string reason(int code) {
-  return code == ELOOP ? "is a symbolic link" : "cannot be read: " + std::generic_category().message(code);
+std::string whyUnreadable(int code) {
+  return code == ELOOP ? "is a symbolic link" : "cannot be read: " + errorText(code);
 }
 
 }  // namespace
@@ -62,14 +62,14 @@ AccessoryFile readAccessoryFile(const std::string& path) {
   file.present = true;
   struct stat found = {};
   if (!open || fstat(open.get(), &found) != 0) {
-    file.fault = reason(errno);
+    file.fault = whyUnreadable(errno);
     return file;
   }
   file.identity = identityOf(found);
   if (!S_ISREG(found.st_mode)) {
     file.fault = "is not a plain file";
   } else if (!readAll(open.get(), file.text)) {
-    file.fault = reason(errno);
+    file.fault = whyUnreadable(errno);
   }
   return file;
 }

@@ -7,7 +7,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <string_view>
-#include <system_error>
+
+#include "platform/linux/error_text.h"
 
 namespace zel::platform {
 namespace {
@@ -18,8 +19,6 @@ std::string variable(const char* name) {
   const char* value = std::getenv(name);
   return value != nullptr ? value : "";
 }
-
-std::string reason(int code) { return std::generic_category().message(code); }
 
 // "/a/b/" and "/a/b" are one folder, but only the second lets lstat see a link.
 std::string_view withoutTrailingSlashes(std::string_view path) {
@@ -46,7 +45,7 @@ std::string faultOf(const std::string& path) {
   struct stat link = {};
   struct stat folder = {};
   if (lstat(path.c_str(), &link) != 0 || stat(path.c_str(), &folder) != 0) {
-    return "cannot be used: " + reason(errno) + "; choose another folder";
+    return "cannot be used: " + errorText(errno) + "; choose another folder";
   }
   if (!S_ISDIR(folder.st_mode)) return "is not a folder; choose another one or remove it";
   if (link.st_uid != geteuid() || folder.st_uid != geteuid()) {
@@ -71,7 +70,7 @@ bool prepareAccessoryFolder(const std::string& path, std::string& error) {
   const std::string folder(withoutTrailingSlashes(path));
   std::string fault;
   if (const int code = makeFolders(folder); code != 0) {
-    fault = "cannot be made: " + reason(code) + "; choose another folder";
+    fault = "cannot be made: " + errorText(code) + "; choose another folder";
   } else {
     fault = faultOf(folder);
   }

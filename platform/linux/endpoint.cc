@@ -14,7 +14,8 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <system_error>
+
+#include "platform/linux/error_text.h"
 
 namespace zel::platform {
 namespace {
@@ -25,8 +26,6 @@ std::chrono::milliseconds timeLeft(Deadline deadline) {
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
   return std::max(left, std::chrono::milliseconds(0));
 }
-
-std::string reason(int code) { return std::generic_category().message(code); }
 
 // A full queue of connections makes a socket of this kind wait inside connect(), where only a send time-out bounds it.
 int connectUnix(int descriptor, const UnixEndpoint& endpoint, Deadline deadline) {
@@ -51,7 +50,7 @@ UniqueDescriptor open(const UnixEndpoint& endpoint, Deadline deadline, std::stri
     if (code == 0) return socket;
     if (code == EAGAIN) code = ETIMEDOUT;
   }
-  fault = "unix socket " + endpoint.path + ": " + reason(code);
+  fault = "unix socket " + endpoint.path + ": " + errorText(code);
   return {};
 }
 
@@ -99,7 +98,7 @@ UniqueDescriptor open(const TcpEndpoint& endpoint, Deadline deadline, std::strin
     UniqueDescriptor socket = connectAddress(*address, deadline, code);
     if (socket) return socket;
   }
-  fault += reason(code);
+  fault += errorText(code);
   return {};
 }
 
@@ -115,7 +114,7 @@ UniqueDescriptor open(const DeviceEndpoint& endpoint, Deadline, std::string& fau
   UniqueDescriptor device(::open(endpoint.path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   struct stat kind = {};
   if (!device || fstat(device.get(), &kind) != 0) {
-    fault += reason(errno);
+    fault += errorText(errno);
     return {};
   }
   if (!S_ISCHR(kind.st_mode)) {
@@ -123,7 +122,7 @@ UniqueDescriptor open(const DeviceEndpoint& endpoint, Deadline, std::string& fau
     return {};
   }
   if (isatty(device.get()) != 0 && !makeRaw(device.get())) {
-    fault += "cannot be put into raw mode: " + reason(errno);
+    fault += "cannot be put into raw mode: " + errorText(errno);
     return {};
   }
   return device;

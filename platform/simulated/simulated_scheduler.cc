@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <iterator>
-#include <limits>
 #include <stdexcept>
 #include <utility>
 
 namespace zel::platform {
 namespace {
 
-constexpr double kNever = std::numeric_limits<double>::infinity();
 constexpr int kStepsBeforeLivelock = 1'000'000;
 
 }  // namespace

@@ -1,14 +1,8 @@
 #include "platform/simulated/simulated_task.h"
 
-#include <limits>
 #include <utility>
 
 namespace zel::platform {
-namespace {
-
-constexpr double kNever = std::numeric_limits<double>::infinity();
-
-}  // namespace
 
 bool SimulatedTask::isReady(double now) {
   if (condition_ && condition_()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <limits>
 #include <memory>
 #include <semaphore>
 #include <thread>
@@ -8,6 +9,8 @@
 #include "platform/task.h"
 
 namespace zel::platform {
+
+inline constexpr double kNever = std::numeric_limits<double>::infinity();  // seconds
 
 // A task of the simulated global queue. It has a thread of its own, so that it may stop anywhere to sleep or to wait;
 // but that thread runs only while the scheduler waits for it, and so one at a time does.
@@ -21,7 +24,7 @@ class SimulatedTask final : public std::enable_shared_from_this<SimulatedTask> {
 
   // Scheduler: whether it can go on now. What it waits for is taken then.
   bool isReady(double now);
-  // Scheduler: when it wants to go on; infinity while it waits for something else.
+  // Scheduler: when it wants to go on; kNever while it waits for something else.
   double wakesAt() const { return wakesAt_; }
   // Scheduler: lets it run until it sleeps, waits or ends.
   void resume();

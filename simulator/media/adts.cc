@@ -3,11 +3,11 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::size_t kHeader = 7;
+constexpr std::size_t kAdtsHeader = 7;
 constexpr int kRates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
 
 bool isHeader(std::span<const std::uint8_t> bytes) {
-  return bytes.size() >= kHeader && bytes[0] == 0xFF && (bytes[1] & 0xF6) == 0xF0;
+  return bytes.size() >= kAdtsHeader && bytes[0] == 0xFF && (bytes[1] & 0xF6) == 0xF0;
 }
 
 std::size_t frameLength(std::span<const std::uint8_t> header) {
@@ -23,7 +23,7 @@ AudioTrack framesIn(std::span<const std::uint8_t> file) {
   track.sampleRate = kRates[rate];
   while (isHeader(file)) {
     const std::size_t length = frameLength(file);
-    if (length < kHeader || length > file.size()) break;
+    if (length < kAdtsHeader || length > file.size()) break;
     track.frames.emplace_back(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length));
     file = file.subspan(length);
   }
@@ -31,7 +31,7 @@ AudioTrack framesIn(std::span<const std::uint8_t> file) {
 }
 
 Bytes adtsHeader(std::size_t size) {
-  const std::size_t length = size + kHeader;
+  const std::size_t length = size + kAdtsHeader;
   return {0xFF,
           0xF1,                                            // MPEG-4, no check sum
           0x4C,                                            // AAC-LC, 48 kHz

@@ -9,12 +9,12 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::uintmax_t kLargestFile = 512u << 20;  // bytes
+constexpr std::uintmax_t kLargestCachedLoop = 512u << 20;  // bytes
 
 Bytes contentsOf(const std::string& path) {
   std::error_code fault;
   const std::uintmax_t size = std::filesystem::file_size(path, fault);
-  if (fault || size > kLargestFile) return {};
+  if (fault || size > kLargestCachedLoop) return {};
   std::ifstream file(path, std::ios::binary);
   Bytes bytes(static_cast<std::size_t>(size));
   file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size));

@@ -13,7 +13,7 @@ namespace {
 
 // To be raised with every change of what is seen or heard, so that nobody is shown what was kept before it.
 constexpr int kMediaVersion = 1;
-constexpr std::uintmax_t kLargestFile = 1024u << 20;  // bytes
+constexpr std::uintmax_t kLargestMediaFile = 1024u << 20;  // bytes
 
 bool readFile(const std::string& path, Bytes& into, std::string& error) {
   std::error_code fault;
@@ -21,7 +21,7 @@ bool readFile(const std::string& path, Bytes& into, std::string& error) {
   std::ifstream file(path, std::ios::binary);
   if (fault || !file) {
     error = path + " cannot be read";
-  } else if (size > kLargestFile) {
+  } else if (size > kLargestMediaFile) {
     error = path + " is larger than 1 GiB";
   } else {
     into.assign(std::istreambuf_iterator<char>(file), {});
