@@ -238,8 +238,7 @@ int runLive(const Invocation& invocation) {
   bool wrongUsage = false;
   const auto options = liveOptionsIn(invocation.values, complaint, wrongUsage);
   if (!options) {
-    say("zelcam: live: " + complaint);
-    return wrongUsage ? kWrongUsage : kRefused;
+    return complain(wrongUsage ? kWrongUsage : kRefused, "live", complaint);
   }
   av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in our own words
   turnSuspensionIntoEvents();

@@ -1,5 +1,6 @@
 #include "apps/zelcam/passed_feed.h"
 
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
@@ -19,7 +20,10 @@ constexpr std::uint8_t kSoundOff = 0, kSoundOn = 1;
 }  // namespace
 
 PassedFeed::PassedFeed(CameraLink& link, StreamWriter& writer, int resolution)
-    : link_(link), writer_(writer), resolution_(resolution) {}
+    : link_(link),
+      writer_(writer),
+      resolution_(resolution),
+      lag_(pictureLag(link.stack().accessory().firewareVersion(), resolution)) {}
 
 void PassedFeed::start() {
   auto& notifications = link_.stack().ports().notifications;
@@ -77,7 +81,7 @@ void PassedFeed::onSps(Bytes sps, Bytes pps) { writer_.onParameterSets(sps, pps)
 void PassedFeed::onH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) {
   ++units_;
   const auto picture = joiner_.add(nalu, keyFrame, timestamp);
-  if (picture) writer_.onPicture(picture->bytes, picture->key, picture->time, pictureArrival_);
+  if (picture) writer_.onPicture(picture->bytes, picture->key, picture->time - lag_, pictureArrival_);
   pictureArrival_ = std::chrono::steady_clock::now();
 }
 

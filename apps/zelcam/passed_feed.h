@@ -44,6 +44,7 @@ class PassedFeed final : public LiveFeed,
   CameraLink& link_;
   StreamWriter& writer_;
   const int resolution_;
+  const std::int64_t lag_;
   std::optional<std::string> failure_;  // main thread only
   PictureJoiner joiner_;                // session thread only
   StreamWriter::TimePoint pictureArrival_{};

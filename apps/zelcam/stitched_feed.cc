@@ -1,5 +1,6 @@
 #include "apps/zelcam/stitched_feed.h"
 
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include <fmt/format.h>
@@ -13,7 +14,11 @@ constexpr std::size_t kMostArrivals = 64;  // more than the pipeline can hold
 
 StitchedFeed::StitchedFeed(CameraLink& link, StreamWriter& writer, const LiveOptions& options,
                            const ArrivalClock& arrivals)
-    : link_(link), writer_(writer), options_(options), clock_(arrivals) {}
+    : link_(link),
+      writer_(writer),
+      options_(options),
+      clock_(arrivals),
+      lag_(pictureLag(link.stack().accessory().firewareVersion(), options.resolution)) {}
 
 void StitchedFeed::start() {
   const auto number = [](std::int64_t value) { return static_cast<std::uint64_t>(value); };
@@ -62,7 +67,7 @@ void StitchedFeed::sourceOnRawPixelBuffer(const platform::PixelBufferRef&, std::
 void StitchedFeed::sourceOnH264Header(Bytes sps, Bytes pps) { writer_.onParameterSets(sps, pps); }
 
 void StitchedFeed::sourceOnH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) {
-  writer_.onPicture(nalu, keyFrame, timestamp, arrivalOf(timestamp));
+  writer_.onPicture(nalu, keyFrame, timestamp - lag_, arrivalOf(timestamp));
 }
 
 void StitchedFeed::sourceOnAACHeader(Bytes header) { writer_.onAudioConfig(header); }

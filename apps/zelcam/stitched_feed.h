@@ -46,6 +46,7 @@ class StitchedFeed final : public LiveFeed,
   StreamWriter& writer_;
   const LiveOptions& options_;
   const ArrivalClock& clock_;
+  const std::int64_t lag_;
   std::shared_ptr<ZELLiveDataSource> source_;
   std::optional<std::string> failure_;  // main thread only
   FeedFigures atEnd_;                   // likewise
