@@ -77,8 +77,8 @@ OutputReport Output::report() const {
 
 void Output::run() {
   if (!waitForHeaders()) return;
-  for (bool again = false;; again = true) {
-    Fault fault = connect(again);
+  while (true) {
+    Fault fault = connect();
     if (!fault) fault = writeAll();
     if (!fault) return;
     if (!rules_.retry || !waitBeforeRetry(*fault)) return fail(*fault);
@@ -91,7 +91,7 @@ bool Output::waitForHeaders() {
   return headers_.has_value();
 }
 
-Fault Output::connect(bool retrying) {
+Fault Output::connect() {
   std::shared_ptr<Sink> sink = rules_.makeSink();
   {
     const Lock lock(mutex_);
@@ -101,7 +101,8 @@ Fault Output::connect(bool retrying) {
   if (Fault fault = sink->open(*headers_)) return fault;
   connectedAt_ = Clock::now();
   wasConnected_ = true;
-  if (retrying) rules_.tell(fmt::format("{} is connected again", rules_.name));
+  if (rules_.retry)
+    rules_.tell(fmt::format("{} is connected{}", rules_.name, std::exchange(wasEverConnected_, true) ? " again" : ""));
   const Lock lock(mutex_);
   ++report_.connections;
   takes_ = true;

@@ -65,7 +65,7 @@ class Output {
 
   void run();
   bool waitForHeaders();
-  Fault connect(bool retrying);
+  Fault connect();
   Fault writeAll();
   std::optional<MediaPacket> nextPacket();
   void count(const MediaPacket& packet);
@@ -78,6 +78,7 @@ class Output {
   std::minstd_rand random_;                              // likewise
   std::chrono::steady_clock::time_point connectedAt_{};  // likewise
   bool wasConnected_ = false;                            // likewise
+  bool wasEverConnected_ = false;                        // likewise
 
   mutable std::mutex mutex_;  // guards the rest
   std::condition_variable changed_;

@@ -10,9 +10,9 @@
 #include <fstream>
 #include <iterator>
 
-#include "apps/zelcam/muxing/libav.h"
 #include "apps/zelcam/muxing/mp4_boxes.h"
 #include "apps/zelcam/muxing/mp4_sink.h"
+#include "tests/zelcam/muxing/read_back.h"
 #include "tests/zelcam/muxing/test_film.h"
 
 namespace zel::app {
@@ -20,14 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-
-// What can be read back from a file.
-struct ReadBack {
-  int pictures = 0, audioFrames = 0;
-  double firstPicture = -1, firstSound = -1;
-  bool ordered = true;  // time stamps never go backwards
-  bool spherical = false;
-};
 
 class LibavSinkTest : public testing::Test {
  protected:
@@ -57,29 +49,6 @@ class LibavSinkTest : public testing::Test {
   static std::vector<std::uint8_t> bytesOf(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  }
-
-  static ReadBack readBack(const std::string& file) {
-    AVFormatContext* opened = nullptr;
-    ReadBack read;
-    if (avformat_open_input(&opened, file.c_str(), nullptr, nullptr) < 0) return read;
-    const DemuxerPtr demuxer(opened);
-    if (avformat_find_stream_info(demuxer.get(), nullptr) < 0) return read;
-    const PacketPtr packet(av_packet_alloc());
-    std::vector<std::int64_t> last(demuxer->nb_streams, INT64_MIN);
-    while (av_read_frame(demuxer.get(), packet.get()) >= 0) {
-      AVStream& stream = *demuxer->streams[packet->stream_index];
-      const bool video = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
-      std::int64_t& before = last[static_cast<std::size_t>(packet->stream_index)];
-      if (before != INT64_MIN && packet->dts <= before) read.ordered = false;
-      const double time = static_cast<double>(packet->pts) * av_q2d(stream.time_base);
-      if (before == INT64_MIN) (video ? read.firstPicture : read.firstSound) = time;
-      before = packet->dts;
-      ++(video ? read.pictures : read.audioFrames);
-      if (av_stream_get_side_data(&stream, AV_PKT_DATA_SPHERICAL, nullptr) != nullptr) read.spherical = true;
-      av_packet_unref(packet.get());
-    }
-    return read;
   }
 
   const TestFilm film{25};  // 2.5 seconds, a key picture each second; 100 frames of sound

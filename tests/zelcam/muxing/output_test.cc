@@ -174,7 +174,7 @@ TEST_F(OutputTest, AServerThatDropsTheStreamGetsItAgainFromAKeyPictureOn) {
   output.join();
   EXPECT_EQ(written().at(0) % 3, 0);
   EXPECT_EQ(written().at(1) % 3, 0);  // the first of the second connection
-  EXPECT_EQ(everythingTold(), "it broke; trying again in 0.0 s (1 of 20)\nit is connected again\n");
+  EXPECT_EQ(everythingTold(), "it is connected\nit broke; trying again in 0.0 s (1 of 20)\nit is connected again\n");
   EXPECT_EQ(output.report().connections, 2);
   EXPECT_FALSE(output.report().fault);
 }
