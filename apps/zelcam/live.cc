@@ -12,6 +12,7 @@ extern "C" {
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -151,11 +152,11 @@ class Live {
   void letCameraKnow(CameraLink& link, RunEnd end) const {
     if (end == RunEnd::lost) return;
     constexpr double kLongest = 1;
-    const auto answered = std::make_shared<bool>(false);
-    link.stack().ucd().msgReqSwitchAudioStreamType(0, [answered](const auto&) { *answered = true; });
+    const auto answered = std::make_shared<std::atomic<bool>>(false);
+    link.stack().ucd().msgReqSwitchAudioStreamType(0, [answered](const auto&) { answered->store(true); });
     link.platform().runMainQueueFor(0);
     const auto until = Clock::now() + std::chrono::duration<double>(kLongest);
-    while (!*answered && link.stack().accessory().status() != 0 && Clock::now() < until) {
+    while (!answered->load() && link.stack().accessory().status() != 0 && Clock::now() < until) {
       link.platform().runMainQueueFor(0.02);
     }
   }

@@ -143,6 +143,7 @@ Fault LibavSink::finish() {
 
 Fault LibavSink::faultFor(int error) const {
   const std::string name = address_.name();
+  if (address_.kind == OutputKind::standardOutput && error == AVERROR_EXIT) return name + ": its reader stood still";
   if (!address_.isServer()) return fmt::format("cannot write {}: {}", name, wordsFor(error));
   if (error == AVERROR_EXIT && deadline_.isEnding()) return fmt::format("{}: stopped before it was done", name);
   if (error == AVERROR_EXIT) return fmt::format("{}: the server did not answer within {} s", name, secondsToWait_);
