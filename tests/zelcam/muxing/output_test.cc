@@ -97,6 +97,14 @@ class OutputTest : public testing::Test {
     const MutexLock lock(script.mutex);
     return script.written;
   }
+  int finished() {
+    const MutexLock lock(script.mutex);
+    return script.finished;
+  }
+  std::vector<double> ends() {
+    const MutexLock lock(script.mutex);
+    return script.ends;
+  }
   std::string everythingTold() {
     const MutexLock lock(toldMutex);
     std::string all;
@@ -118,7 +126,7 @@ TEST_F(OutputTest, WritesWhatCameAndFinishes) {
   output.finish();
   output.join();
   EXPECT_THAT(written(), ElementsAre(1, 2));
-  EXPECT_EQ(script.finished, 1);
+  EXPECT_EQ(finished(), 1);
   const OutputReport report = output.report();
   EXPECT_EQ(report.pictures, 2u);
   EXPECT_EQ(report.bytes, 20u);
@@ -211,15 +219,15 @@ TEST_F(OutputTest, AConnectedServerGetsSomeSecondsToFinish) {
   while (output.report().connections == 0) std::this_thread::yield();
   output.finish();
   output.join();
-  EXPECT_THAT(script.ends, ElementsAre(5));
-  EXPECT_EQ(script.finished, 1);
+  EXPECT_THAT(ends(), ElementsAre(5));
+  EXPECT_EQ(finished(), 1);
 }
 
 TEST_F(OutputTest, EndsWithoutAnyHeaders) {
   Output output(rules());
   output.finish();
   output.join();
-  EXPECT_EQ(script.finished, 0);
+  EXPECT_EQ(finished(), 0);
   EXPECT_FALSE(output.hasFailed());
 }
 
