@@ -4,7 +4,7 @@ namespace zel::simulator {
 namespace {
 
 constexpr std::size_t kAdtsHeader = 7;
-constexpr int kRates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
+constexpr int kSampleRates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
 
 bool isHeader(std::span<const std::uint8_t> bytes) {
   return bytes.size() >= kAdtsHeader && bytes[0] == 0xFF && (bytes[1] & 0xF6) == 0xF0;
@@ -18,9 +18,9 @@ std::size_t frameLength(std::span<const std::uint8_t> header) {
 
 AudioTrack framesIn(std::span<const std::uint8_t> file) {
   AudioTrack track;
-  const std::size_t rate = isHeader(file) ? file[2] >> 2 & 0x0F : std::size(kRates);
-  if (rate >= std::size(kRates)) return track;
-  track.sampleRate = kRates[rate];
+  const std::size_t rate = isHeader(file) ? file[2] >> 2 & 0x0F : std::size(kSampleRates);
+  if (rate >= std::size(kSampleRates)) return track;
+  track.sampleRate = kSampleRates[rate];
   while (isHeader(file)) {
     const std::size_t length = frameLength(file);
     if (length < kAdtsHeader || length > file.size()) break;

@@ -13,6 +13,7 @@
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
+#include "tests/sanitizers.h"
 #include "tests/transport/connected_camera.h"
 
 // Requests, answers and losses in random order, beside a plain model of what the handlers must be called with.
@@ -229,11 +230,7 @@ class Trial {
 };
 
 // One thread, of which ThreadSanitizer learns nothing more from every further order.
-#if defined(__SANITIZE_THREAD__)
-constexpr std::uint64_t kSeeds = 100;
-#else
-constexpr std::uint64_t kSeeds = 2000;
-#endif
+constexpr std::uint64_t kSeeds = kThreadSanitized ? 100 : 2000;
 
 TEST(RequestEngineProperty, CallsEachHandlerAsTheModelDoesWhateverTheOrder) {
   std::size_t calls = 0;

@@ -1,10 +1,8 @@
 // Real threads, and a simulated camera at the other end of a socket.
 
+#include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <ZELTarkaSDK/ZELLiveDataSource.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -14,6 +12,7 @@
 
 #include "platform/application_events.h"
 #include "tests/live/live_test.h"
+#include "tests/sanitizers.h"
 #include "tests/stack/simulator_fixture.h"
 
 namespace zel::test {
@@ -116,19 +115,6 @@ TEST_F(LiveThreads, SurvivesBackgroundAndUnplugging) {
   stop();
 }
 
-std::size_t residentKilobytes() {
-  std::size_t pages = 0, resident = 0;
-  std::ifstream("/proc/self/statm") >> pages >> resident;
-  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
-}
-
-constexpr bool kSanitized =
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    true;  // keeps freed memory, and finds leaks by itself
-#else
-    false;
-#endif
-
 TEST_F(LiveThreads, GivesBackEverythingOverThreeHundredRuns) {
   std::size_t memory = 0, descriptors = 0, threads = 0;
   for (int cycle = 0; cycle < 300; ++cycle) {
@@ -150,7 +136,7 @@ TEST_F(LiveThreads, GivesBackEverythingOverThreeHundredRuns) {
   expectNothingRuns();
   EXPECT_TRUE(runUntil([&] { return source.use_count() == 1; }));
   EXPECT_TRUE(runUntil([&] { return descriptorCount() <= descriptors && threadCount() <= threads; }));
-  if (!kSanitized) {
+  if (!kKeepsFreedMemory) {
     EXPECT_LT(residentKilobytes(), memory + 2048);
   }
 }

@@ -38,7 +38,7 @@ class EverybodyAtOnce : public testing::TestWithParam<unsigned> {
     player->setPixelBufferDelegate(delegate);
   }
   void run(int times, const std::function<void(int)>& step) {
-    threads.emplace_back([this, times, step, kept = player, seed = GetParam() + threads.size()] {
+    threads.emplace_back([times, step, kept = player, seed = GetParam() + threads.size()] {
       std::mt19937 random(static_cast<unsigned>(seed));
       for (int i = 0; i < times; ++i) {
         step(i);

@@ -1,31 +1,14 @@
-// Counts what the de-multiplexer takes from the heap. A program of its own, because it replaces the global allocator.
+// Counts what the de-multiplexer takes from the heap. A program of its own, because that replaces the global allocator.
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <memory>
-#include <new>
 
 #include "platform/clock.h"
+#include "tests/allocation_count.h"
 #include "tests/transport/bytes.h"
 #include "transport/camera_data_parser.h"
 #include "transport/frame.h"
-
-namespace {
-
-std::atomic<long> allocations = 0;
-
-}  // namespace
-
-// Not inlined: GCC would see free() called on what "new" gave, and take the pair for a mistake.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace zel::test {
 namespace {
@@ -90,13 +73,13 @@ TEST(FrameAllocationTest, TakesNothingFromTheHeapForAFrameOfMediaPhotoTimeOrFile
   parser.setUcdFile(file);
   parser.appendBytes(kFrames.data(), kFrames.size());  // the buffer's own memory
   parser.parserData();
-  const long before = allocations;
+  const long before = allocationCount();
   for (int round = 0; round < 1000; ++round) {
     parser.appendBytes(kFrames.data(), 20);  // cut inside the third frame
     parser.parserData();
     parser.parserData(ByteView(kFrames).subspan(20));
   }
-  EXPECT_EQ(allocations - before, 0);
+  EXPECT_EQ(allocationCount() - before, 0);
   EXPECT_EQ(player->frames + photo->frames + file->frames, 5005);
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -72,6 +75,12 @@ inline std::size_t descriptorCount() { return entriesOf("/proc/self/fd"); }
 inline std::size_t threadCount() {
   std::thread([] {}).join();  // with the first thread, a sanitizer may start one of its own
   return entriesOf("/proc/self/task");
+}
+// Units: KiB in memory.
+inline std::size_t residentKilobytes() {
+  std::size_t pages = 0, resident = 0;
+  std::ifstream("/proc/self/statm") >> pages >> resident;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
 }
 
 }  // namespace zel::test

@@ -1,29 +1,11 @@
-// Counts what the stitcher takes from the heap. A program of its own, because it replaces the global allocator.
+// Counts what the stitcher takes from the heap. A program of its own, because that replaces the global allocator.
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
 #include "platform/render/stitcher.h"
 #include "platform/render/stitching_render.h"
+#include "tests/allocation_count.h"
 #include "tests/platform/render/pictures.h"
-
-namespace {
-
-std::atomic<long> allocations = 0;
-
-}  // namespace
-
-// Not inlined: GCC would see free() called on what "new" gave, and take the pair for a mistake.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace zel::render {
 namespace {
@@ -36,11 +18,11 @@ TEST(StitcherAllocationTest, TakesNothingForAPictureOnceItIsPrepared) {
   ASSERT_TRUE(stitcher.setLogo({1, 1, {255, 255, 255, 255}}, 0));
   stitcher.setRemovePurple(true);
   ASSERT_TRUE(stitcher.prepare({640, 320}));
-  const long before = allocations;
+  const long before = zel::test::allocationCount();
   ASSERT_GT(before, 0);
   bool stitched = true;
   for (int count = 0; count < 20; ++count) stitched &= stitcher.stitch(*source, outputOf(*picture));
-  EXPECT_EQ(allocations, before);
+  EXPECT_EQ(zel::test::allocationCount(), before);
   EXPECT_TRUE(stitched);
 }
 
@@ -51,13 +33,13 @@ TEST(StitcherAllocationTest, ARendererTakesNothingForAPictureOnceItHasMadeOne) {
   auto first = render.renderVideo(source), second = render.renderVideo(source);
   ASSERT_TRUE(first && second);
   first.reset();
-  const long before = allocations;
+  const long before = zel::test::allocationCount();
   bool rendered = true;
   for (int count = 0; count < 20; ++count) {
     rendered &= render.renderVideo(source) != nullptr;
     render.setRemovePurple(count % 2 == 0);
   }
-  EXPECT_EQ(allocations, before);
+  EXPECT_EQ(zel::test::allocationCount(), before);
   EXPECT_TRUE(rendered);
 }
 

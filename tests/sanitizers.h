@@ -1,0 +1,34 @@
+#pragma once
+
+// Which sanitizer the tests are built with. g++ says it with a macro, clang with a feature.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define ZEL_SANITIZED
+#endif
+#if __has_feature(thread_sanitizer)
+#define ZEL_THREAD_SANITIZED
+#endif
+#else
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ZEL_SANITIZED
+#endif
+#if defined(__SANITIZE_THREAD__)
+#define ZEL_THREAD_SANITIZED
+#endif
+#endif
+
+namespace zel::test {
+
+#ifdef ZEL_SANITIZED
+inline constexpr bool kKeepsFreedMemory = true;  // so that a process grows; it finds leaks by itself
+#else
+inline constexpr bool kKeepsFreedMemory = false;
+#endif
+
+#ifdef ZEL_THREAD_SANITIZED
+inline constexpr bool kThreadSanitized = true;
+#else
+inline constexpr bool kThreadSanitized = false;
+#endif
+
+}  // namespace zel::test
