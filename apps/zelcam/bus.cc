@@ -22,7 +22,7 @@ Bus::Bus(const Settings& settings) : mediaLibrary_([](const std::string& fault) 
 
 platform::Ports Bus::ports() {
   platform::Ports ports = platform_->ports();
-  ports.videoDecoders = &videoDecoders_;
+  ports.videoDecoders = decodes_ ? &videoDecoders_ : nullptr;
   ports.videoEncoders = &videoEncoders_;
   ports.mediaLibrary = &mediaLibrary_;
   return ports;

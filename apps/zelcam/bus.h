@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "apps/zelcam/arrival_clock.h"
 #include "apps/zelcam/settings.h"
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
@@ -26,10 +27,16 @@ class Bus {
   // The platform's ports with this program's codecs and renderers. Why there is no stitched picture is said on standard
   // error.
   platform::Ports ports();
+  // Ports made from now on have no decoder, for who passes the camera's video on as it is.
+  void decodeNothing() { decodes_ = false; }
+  const ArrivalClock& arrivals() const { return arrivals_; }
 
  private:
-  platform::LibavVideoDecoders videoDecoders_;
+  platform::LibavVideoDecoders libavDecoders_;
+  ArrivalClock arrivals_;
+  NotingDecoders videoDecoders_{libavDecoders_, arrivals_};
   platform::LibavVideoEncoders videoEncoders_;
+  bool decodes_ = true;
   render::StitchingLibrary mediaLibrary_;
   std::unique_ptr<LinuxPlatform> platform_;
 };

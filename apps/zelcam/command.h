@@ -25,6 +25,7 @@ struct Option {
   Kind kind = Kind::text;
   double least = 0;  // of a number or an integer
   double most = 0;
+  bool repeated = false;  // may be given several times
 };
 
 // One argument of a command. `choices` are all that it may be, where there are any.

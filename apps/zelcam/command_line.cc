@@ -58,6 +58,7 @@ void describeOption(CLI::App& app, const Option& option, std::vector<std::string
     return;
   }
   CLI::Option* const described = app.add_option(name, keepIn(slot), help)->type_name(std::string(option.placeholder));
+  if (option.repeated) described->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   if (option.kind != Kind::text) described->check(numberCheck(option));
 }
 

@@ -5,6 +5,7 @@
 #include "apps/zelcam/devices.h"
 #include "apps/zelcam/events.h"
 #include "apps/zelcam/info.h"
+#include "apps/zelcam/live.h"
 #include "apps/zelcam/monitor.h"
 #include "apps/zelcam/offset.h"
 #include "apps/zelcam/photo.h"
@@ -75,6 +76,23 @@ const Command kCommands[] = {
       {"--resolution", "CODE", "preview code 0 to 15: code / 4 is the size, code % 4 the rate; default: 3",
        Kind::integer, 0, 15}},
      runPreview},
+    {"live",
+     "streams the camera's pictures, stitched, with its sound",
+     "zelcam live -o party.mp4 -o rtmp://server/live/key --duration 60",
+     {},
+     {{"-o,--output", "OUT", "FILE.mp4, .ts, .flv or .m3u8, - for MPEG-TS on standard output, rtmp:// or srt://",
+       Kind::text, 0, 0, true},
+      {"--resolution", "CODE", "preview code 0 to 15, as for preview; default: 3", Kind::integer, 0, 15},
+      {"--size", "WxH", "of the stitched pictures; default: 1920x960"},
+      {"--bitrate", "BPS", "bits a second of the stitched pictures; default: 8000000", Kind::integer, 1000,
+       1'000'000'000},
+      {"--duration", "S", "end when the stream is that long; default: until stopped", Kind::number, 0.001, 1e7},
+      {"--no-stitch", "", "pass the camera's own pictures on as they are", Kind::flag},
+      {"--logo", "FILE.png", "show that picture at the bottom"},
+      {"--logo-angle", "DEG", "turn it by so many degrees", Kind::number, -36000, 36000},
+      {"--remove-purple", "", "remove purple fringes", Kind::flag},
+      {"--reconnect", "S", "wait so long for a camera that was lost, and go on", Kind::number, 0, 86400}},
+     runLive},
     {"thumbnail",
      "one picture out of a key frame in an H.264 file",
      "zelcam thumbnail clip.h264 -o clip.png",

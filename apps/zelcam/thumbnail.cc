@@ -12,31 +12,12 @@
 
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/file.h"
-#include "apps/zelcam/number_text.h"
 #include "apps/zelcam/output.h"
+#include "apps/zelcam/picture_size.h"
 #include "apps/zelcam/png.h"
 
 namespace zel::app {
 namespace {
-
-constexpr std::int32_t kLargestSide = 16384;
-
-struct Size {
-  std::int32_t width = 1440;
-  std::int32_t height = 720;
-};
-
-std::optional<Size> sizeIn(std::string_view text) {
-  const std::size_t cross = text.find('x');
-  if (cross == std::string_view::npos) return std::nullopt;
-  const auto width = numberIn<std::int32_t>(text.substr(0, cross));
-  const auto height = numberIn<std::int32_t>(text.substr(cross + 1));
-  const auto fits = [](const std::optional<std::int32_t>& side) {
-    return side && *side >= 2 && *side <= kLargestSide && *side % 2 == 0;
-  };
-  if (!fits(width) || !fits(height)) return std::nullopt;
-  return Size{*width, *height};
-}
 
 // Start codes of 3 bytes, as many encoders write them, made into the camera's 4.
 ZELData withLongStartCodes(std::span<const std::uint8_t> stream) {
@@ -70,10 +51,10 @@ int runThumbnail(const Invocation& invocation) {
   const Values& values = invocation.values;
   if (!values.has("--output"))
     return complain(kWrongUsage, "thumbnail", "-o FILE.png tells where the picture shall go");
-  const auto size = values.has("--size") ? sizeIn(values.text("--size")) : Size{};
+  const auto size = values.has("--size") ? pictureSizeIn(values.text("--size")) : PictureSize{1440, 720};
   if (!size)
     return complain(kWrongUsage, "thumbnail",
-                    fmt::format("--size takes WIDTHxHEIGHT, each even and from 2 to {}", kLargestSide));
+                    fmt::format("--size takes WIDTHxHEIGHT, each even and from 2 to {}", kLargestPictureSide));
   std::string complaint;
   const auto file = readFile(values.text("FILE"), complaint);
   if (!file) return complain(kWrongUsage, "thumbnail", complaint);

@@ -4,7 +4,8 @@ namespace zel::simulator {
 namespace {
 
 constexpr std::size_t kAdtsHeader = 7;
-constexpr int kSampleRates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
+constexpr int kSampleRates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
+                                22050, 16000, 12000, 11025, 8000,  7350};
 
 bool isHeader(std::span<const std::uint8_t> bytes) {
   return bytes.size() >= kAdtsHeader && bytes[0] == 0xFF && (bytes[1] & 0xF6) == 0xF0;

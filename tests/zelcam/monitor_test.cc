@@ -82,7 +82,7 @@ TEST_F(MonitorTest, ReopensAfterALengthOfFourGiB) {
 }
 
 TEST_F(MonitorTest, ComesBackWhenTheCameraIsPluggedAgain) {
-  const Json summary = summaryWith({"disconnect=300000"}, "7");
+  const Json summary = summaryWith({"disconnect=600000"}, "7");
   EXPECT_THAT(statuses, testing::Contains(0));
   EXPECT_GE(summary["markersFound"], 2);
 }

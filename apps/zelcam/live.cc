@@ -1,0 +1,253 @@
+#include "apps/zelcam/live.h"
+
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELCameraUCD.h>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+#include <fmt/format.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "apps/zelcam/bus.h"
+#include "apps/zelcam/camera_link.h"
+#include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/live_options.h"
+#include "apps/zelcam/muxing/outputs.h"
+#include "apps/zelcam/output.h"
+#include "apps/zelcam/passed_feed.h"
+#include "apps/zelcam/stitched_feed.h"
+#include "platform/application_events.h"
+#include "platform/run_loop.h"
+
+namespace zel::app {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr double kLine = 0.5;  // seconds between two lines of progress
+
+double cpuSeconds() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+  };
+  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+std::int64_t peakMemory() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return std::int64_t{usage.ru_maxrss} * 1024;
+}
+
+// How one connection of the camera ended.
+enum class RunEnd { complete, interrupted, lost, noPicture, failed, outputsFailed };
+
+// One run of the command.
+class Live {
+ public:
+  Live(Bus& bus, const Settings& settings, const LiveOptions& options)
+      : bus_(bus),
+        settings_(settings),
+        options_(options),
+        outputs_(options.outputs, [this](const std::string& line) { tell(line); }),
+        writer_(writerRules()) {}
+
+  int run() {
+    background_ = observe(platform::kApplicationDidEnterBackgroundNotification, true);
+    active_ = observe(platform::kApplicationDidBecomeActiveNotification, false);
+    int status = stream(settings_);
+    while (status == kNoCamera && lost_ && options_.reconnect) status = reconnect();
+    outputs_.finish();
+    endProgress();
+    if (!wasThere_) return status;
+    summarise();
+    return statusWithOutputs(status);
+  }
+
+ private:
+  StreamWriter::Rules writerRules() {
+    StreamWriter::Rules rules;
+    rules.spherical = options_.stitch;
+    if (options_.duration) rules.length = static_cast<std::int64_t>(*options_.duration * 1e6);
+    rules.begin = [this](const StreamHeaders& headers) { outputs_.begin(headers); };
+    rules.put = [this](const MediaPacket& packet) { outputs_.put(packet); };
+    rules.ended = [this] { bus_.platform().stopMainQueue(); };
+    return rules;
+  }
+
+  std::unique_ptr<platform::NotificationObservation> observe(std::string_view name, bool background) {
+    return bus_.platform().ports().notifications.observe(name, [this, background](const platform::Notification&) {
+      inBackground_ = background;
+      if (settings_.verbose) tell(background ? "in the background: the camera rests" : "active again");
+    });
+  }
+
+  int reconnect() {
+    lost_ = false;
+    Settings again = settings_;
+    again.camera = serial_;
+    again.timeout = *options_.reconnect;
+    tell(fmt::format("the camera was lost; waiting up to {} s for {}", *options_.reconnect, serial_));
+    return stream(again);
+  }
+
+  // One connection, from waiting for the camera to its end. Returns the exit status.
+  int stream(const Settings& toOpen) {
+    CameraLink link(bus_, toOpen);
+    if (const int status = link.open(); status != kDone) return status;
+    if (const auto info = link.stack().accessory().accessoryInfo()) serial_ = info->serialNumber();
+    if (!wasThere_) start_ = Clock::now();
+    if (std::exchange(wasThere_, true)) tell("the camera is there again");
+    const std::shared_ptr<LiveFeed> feed = makeFeed(link);
+    writer_.beginRun();
+    feed->start();
+    const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [&] {
+      report(*feed);
+      link.wake();
+    });
+    const RunEnd end = waitForEnd(link, *feed);
+    const std::optional<std::string> failure = feed->failure();
+    feed->stop();
+    letCameraKnow(link, end);
+    figures_.add(feed->figures());
+    return statusOf(end, failure);
+  }
+
+  std::shared_ptr<LiveFeed> makeFeed(CameraLink& link) {
+    if (!options_.stitch) return std::make_shared<PassedFeed>(link, writer_, options_.resolution);
+    return std::make_shared<StitchedFeed>(link, writer_, options_, bus_.arrivals());
+  }
+
+  // Pictures must keep coming, but in the background: a time-out without one ends it.
+  RunEnd waitForEnd(CameraLink& link, const LiveFeed& feed) {
+    const auto isOver = [&] {
+      const WrittenStream written = writer_.written();
+      return written.complete || written.fault || feed.failure() || outputs_.haveAllFailed();
+    };
+    while (true) {
+      const std::uint64_t before = writer_.written().pictures;
+      const Waited end = link.waitFor(isOver, settings_.timeout);
+      if (end == Waited::interrupted) return RunEnd::interrupted;
+      if (end == Waited::lost) return RunEnd::lost;
+      if (end == Waited::timeOut && (inBackground_ || writer_.written().pictures != before)) continue;
+      if (end == Waited::timeOut) return RunEnd::noPicture;
+      if (writer_.written().complete) return RunEnd::complete;
+      return outputs_.haveAllFailed() ? RunEnd::outputsFailed : RunEnd::failed;
+    }
+  }
+
+  // The commands that switch the camera's streams off are on their way: the answer to one more tells that they came.
+  void letCameraKnow(CameraLink& link, RunEnd end) const {
+    if (end == RunEnd::lost) return;
+    constexpr double kLongest = 1;
+    const auto answered = std::make_shared<std::atomic<bool>>(false);
+    link.stack().ucd().msgReqSwitchAudioStreamType(0, [answered](const auto&) { answered->store(true); });
+    link.platform().runMainQueueFor(0);
+    const auto until = Clock::now() + std::chrono::duration<double>(kLongest);
+    while (!answered->load() && link.stack().accessory().status() != 0 && Clock::now() < until) {
+      link.platform().runMainQueueFor(0.02);
+    }
+  }
+
+  int statusOf(RunEnd end, const std::optional<std::string>& failure) {
+    switch (end) {
+      case RunEnd::complete:
+        return kDone;
+      case RunEnd::interrupted:
+        return options_.duration || writer_.written().pictures == 0 ? kInterrupted : kDone;
+      case RunEnd::lost:
+        lost_ = true;
+        if (!options_.reconnect) tell("the camera was lost");
+        return kNoCamera;
+      case RunEnd::noPicture:
+        tell(fmt::format("no picture came within {} s", settings_.timeout));
+        return kNoCamera;
+      case RunEnd::failed:
+        tell(failure.value_or(writer_.written().fault.value_or("failed")));
+        return kRefused;
+      case RunEnd::outputsFailed:
+        tell("no output is left");
+        return kRefused;
+    }
+    return kRefused;
+  }
+
+  int statusWithOutputs(int status) const {
+    const auto reports = outputs_.reports();
+    const bool failed = std::ranges::any_of(reports, [](const auto& report) { return report.fault.has_value(); });
+    return status == kDone && failed ? kRefused : status;
+  }
+
+  LiveFigures figures(const FeedFigures& feed) const {
+    LiveFigures all{feed, writer_.written(), outputs_.reports()};
+    all.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+    all.cpuSeconds = cpuSeconds();
+    all.peakMemory = peakMemory();
+    return all;
+  }
+
+  // Standard output may be one of the outputs.
+  void summarise() const {
+    const LiveFigures all = figures(figures_);
+    if (settings_.json && options_.usesStandardOutput()) return say(jsonOf(all).dump());
+    if (settings_.json) return printJson(jsonOf(all));
+    for (const std::string& line : linesOf(all)) options_.usesStandardOutput() ? say(line) : printLine(line);
+  }
+
+  void report(const LiveFeed& feed) {
+    if (::isatty(STDERR_FILENO) == 0) return;
+    FeedFigures now = figures_;
+    now.add(feed.figures());
+    showProgress(progressOf(figures(now)));
+    showsProgress_ = true;
+  }
+  void endProgress() {
+    if (std::exchange(showsProgress_, false)) say("");
+  }
+
+  // Thread: any thread.
+  void tell(const std::string& line) const { say("zelcam: live: " + line); }
+
+  Bus& bus_;
+  const Settings& settings_;
+  const LiveOptions& options_;
+  Clock::time_point start_ = Clock::now();
+  std::string serial_;
+  bool wasThere_ = false, lost_ = false, inBackground_ = false, showsProgress_ = false;
+  FeedFigures figures_;  // of the connections that have ended
+  Outputs outputs_;
+  StreamWriter writer_;
+  std::unique_ptr<platform::NotificationObservation> background_, active_;
+};
+
+}  // namespace
+
+int runLive(const Invocation& invocation) {
+  std::string complaint;
+  bool wrongUsage = false;
+  const auto options = liveOptionsIn(invocation.values, complaint, wrongUsage);
+  if (!options) {
+    return complain(wrongUsage ? kWrongUsage : kRefused, "live", complaint);
+  }
+  av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in our own words
+  turnSuspensionIntoEvents();
+  Bus bus(invocation.settings);
+  if (!bus.isThere()) return kNoCamera;
+  if (!options->stitch) bus.decodeNothing();
+  Live live(bus, invocation.settings, *options);
+  return live.run();
+}
+
+}  // namespace zel::app

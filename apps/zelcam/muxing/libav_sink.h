@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+
+#include "apps/zelcam/muxing/deadline.h"
+#include "apps/zelcam/muxing/libav.h"
+#include "apps/zelcam/muxing/output_address.h"
+#include "apps/zelcam/muxing/sink.h"
+
+namespace zel::app {
+
+// One output by libavformat. What a server does not take within a while is an error.
+//   .mp4    in fragments, a key picture or a second each, so that it plays wherever it ends
+//   .m3u8   segments of two seconds and more, NAME-00000.ts and so on, of which the newest are kept
+// Files replace what bore their names. Standard output is given up when its reader stands still at the end.
+class LibavSink final : public Sink {
+ public:
+  // secondsToWait: for a server, each time.
+  explicit LibavSink(OutputAddress address, double secondsToWait = 10);
+  ~LibavSink() override;
+  LibavSink(const LibavSink&) = delete;
+  LibavSink& operator=(const LibavSink&) = delete;
+
+  Fault open(const StreamHeaders& headers) override;
+  Fault write(const MediaPacket& packet) override;
+  Fault finish() override;
+  void endWithin(double seconds) override { deadline_.endWithin(seconds); }
+
+ private:
+  Fault openTarget();
+  void chooseOptions(Options& options) const;
+  void chooseSegments(Options& options) const;
+  Fault faultFor(int error) const;
+  static int isOver(void* sink);
+
+  const OutputAddress address_;
+  const double secondsToWait_;
+  Deadline deadline_;
+  bool isConnected_ = false;
+  std::int64_t last_[2] = {INT64_MIN, INT64_MIN};  // time stamps by stream
+  MuxerPtr muxer_;
+};
+
+}  // namespace zel::app

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <ZELTarkaSDK/ZELData.h>
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace zel::app {
+
+// What an output must know before the first packet. Parameter sets without start code; the sound is AAC.
+// Units: pixels.
+struct StreamHeaders {
+  ZELData sps;
+  ZELData pps;
+  ZELData audioConfig;  // AudioSpecificConfig
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  bool spherical = false;  // the pictures are equirectangular, all around
+
+  bool operator==(const StreamHeaders&) const = default;
+};
+
+enum class Track { video, audio };
+
+// One picture with start codes of four bytes, or one AAC frame without header.
+// Units: microseconds since the first picture.
+struct MediaPacket {
+  Track track = Track::video;
+  bool key = false;  // a picture from which decoding can begin
+  std::int64_t time = 0;
+  ZELData data;
+  std::optional<std::chrono::steady_clock::time_point> arrival;  // when the camera's picture came
+};
+
+// What went wrong, as a sentence for people; nothing where it went well.
+using Fault = std::optional<std::string>;
+
+}  // namespace zel::app

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "apps/zelcam/muxing/libav_sink.h"
+#include "apps/zelcam/muxing/sink.h"
+
+namespace zel::app {
+
+// An MP4 file: in fragments while it grows, plain once it is finished.
+class Mp4Sink final : public Sink {
+ public:
+  // tell: hears where the file had to stay in fragments; it plays all the same.
+  Mp4Sink(OutputAddress address, std::function<void(const std::string&)> tell);
+
+  Fault open(const StreamHeaders& headers) override;
+  Fault write(const MediaPacket& packet) override { return fragments_.write(packet); }
+  Fault finish() override;
+
+ private:
+  const std::string path_;
+  const std::function<void(const std::string&)> tell_;
+  bool spherical_ = false;
+  LibavSink fragments_;
+};
+
+}  // namespace zel::app

@@ -1,0 +1,353 @@
+#include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "tests/zelcam/muxing/read_back.h"
+#include "tests/zelcam/tick_and_beep.h"
+#include "tests/zelcam/zelcam_test.h"
+
+namespace zel::test {
+namespace {
+
+namespace fs = std::filesystem;
+using app::ReadBack;
+using app::readBack;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr char kNginx[] = "/usr/sbin/nginx";
+constexpr char kRtmpModule[] = "/usr/lib/nginx/modules/ngx_rtmp_module.so";
+
+class LiveTest : public ZelcamTest {
+ protected:
+  LiveTest() { av_log_set_level(AV_LOG_QUIET); }
+
+  std::string path(const std::string& name) const { return folder.path() + "/" + name; }
+
+  std::unique_ptr<Process> live(Arguments arguments) const {
+    arguments.insert(arguments.begin(), {"--timeout", "30", "--verbose", "live"});
+    return zelcam(std::move(arguments));
+  }
+
+  // Waits until the file has that many bytes.
+  static bool grows(const std::string& file, std::uintmax_t size) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    std::error_code fault;
+    while (std::chrono::steady_clock::now() < end) {
+      const std::uintmax_t now = fs::file_size(file, fault);
+      if (!fault && now >= size) return true;
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;
+  }
+};
+
+// -- what it writes
+
+TEST_F(LiveTest, StreamsStitchedPicturesAndSoundToSeveralFilesAtOnce) {
+  const auto camera = simulator();
+  const auto host = live({"--json", "-o", path("a.mp4"), "-o", path("a.ts"), "-o", path("a.flv"), "-o", path("a.m3u8"),
+                          "--size", "480x240", "--duration", "3"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  const Json told = lines(*host).at(0);
+  for (const char* name : {"a.mp4", "a.ts", "a.flv", "a.m3u8"}) {
+    const ReadBack read = readBack(path(name));
+    EXPECT_EQ(read.pictures, told["pictures"]) << name;
+    EXPECT_GE(read.audioFrames, 100) << name;
+    EXPECT_EQ(std::pair(read.width, read.height), std::pair(480, 240)) << name;
+    EXPECT_TRUE(read.ordered) << name;
+  }
+  EXPECT_TRUE(readBack(path("a.mp4")).spherical);
+}
+
+TEST_F(LiveTest, TellsWhatBecameOfThePictures) {
+  const auto camera = simulator();
+  const auto host = live({"--json", "-o", path("a.mp4"), "--size", "480x240", "--duration", "2"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  const Json told = lines(*host).at(0);
+  EXPECT_GE(told["received"], told["decoded"]);
+  EXPECT_GE(told["decoded"], told["stitched"]);
+  EXPECT_GE(told["stitched"], told["encoded"]);
+  EXPECT_GT(told["encoded"], 10);
+  EXPECT_GT(told["latency"]["median"], 0);
+  EXPECT_GE(told["latency"]["p99"], told["latency"]["median"]);
+  EXPECT_GT(told["cpuSecondsPerPicture"], 0);
+  EXPECT_GT(told["peakMemory"], 1'000'000);
+  EXPECT_LT(std::abs(told["audioVideoDistance"].get<int>()), 1000);
+  EXPECT_EQ(told["outputs"].at(0)["output"], path("a.mp4"));
+  EXPECT_EQ(told["outputs"].at(0)["fault"], nullptr);
+}
+
+TEST_F(LiveTest, TheBeepIsHeardWhenTheTickIsSeen) {
+  const auto camera = simulator();
+  const auto host = live({"-o", path("a.mp4"), "--size", "480x240", "--duration", "6"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  const TicksAndBeeps found = ticksAndBeepsIn(path("a.mp4"));
+  int compared = 0;
+  for (const double tick : found.ticks) {
+    for (const double beep : found.beeps) {
+      if (std::abs(tick - beep) > 0.5) continue;
+      ++compared;
+      EXPECT_LE(std::abs(tick - beep), 1.0 / 30) << "tick at " << tick;
+    }
+  }
+  EXPECT_GE(compared, 1) << found.ticks.size() << " ticks, " << found.beeps.size() << " beeps";
+}
+
+TEST_F(LiveTest, WithoutStitchingTheCamerasOwnPicturesArePassedOn) {
+  const auto camera = simulator();
+  const auto host = live({"--json", "-o", path("a.mp4"), "--no-stitch", "--duration", "2"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_EQ(lines(*host).at(0)["decoded"], 0);
+  const ReadBack read = readBack(path("a.mp4"));
+  EXPECT_EQ(read.pictures, 60);
+  EXPECT_EQ(std::pair(read.width, read.height), std::pair(1440, 720));
+  EXPECT_FALSE(read.spherical);
+}
+
+TEST_F(LiveTest, StandardOutputCarriesTheStreamAlone) {
+  const auto camera = simulator();
+  const auto host = live({"--json", "-o", "-", "--no-stitch", "--duration", "1"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  const std::string stream = host->output();
+  ASSERT_FALSE(stream.empty());
+  EXPECT_EQ(stream.size() % 188, 0u);
+  for (std::size_t at = 0; at < stream.size(); at += 188) ASSERT_EQ(stream[at], 0x47) << at;
+  EXPECT_THAT(host->errors(), HasSubstr("\"pictures\":30"));
+}
+
+// -- how it ends
+
+// The other file grows with every picture, and so tells moments apart; its first 400 kB are more than a second.
+TEST_F(LiveTest, KilledAtAnyMomentItLeavesAFileThatPlays) {
+  const auto camera = simulator();
+  const unsigned seed = std::random_device{}();
+  std::minstd_rand random(seed);
+  std::uniform_int_distribution<std::uintmax_t> moment(400'000, 900'000);
+  for (int i = 0; i < 10; ++i) {
+    const std::string base = path("killed" + std::to_string(i));
+    const auto host = live({"-o", base + ".mp4", "-o", base + ".ts", "--no-stitch"});
+    ASSERT_TRUE(grows(base + ".ts", moment(random))) << host->errors();
+    host->signal(SIGKILL);
+    EXPECT_EQ(host->wait(), 128 + SIGKILL);
+    const ReadBack read = readBack(base + ".mp4");
+    EXPECT_GE(read.pictures, 30) << "round " << i << " with seed " << seed;
+    EXPECT_TRUE(read.ordered) << "round " << i << " with seed " << seed;
+  }
+}
+
+TEST_F(LiveTest, CtrlCEndsItWell) {
+  const auto camera = simulator();
+  const auto host = live({"-o", path("a.mp4"), "-o", path("a.ts"), "--no-stitch"});
+  ASSERT_TRUE(grows(path("a.ts"), 100'000)) << host->errors();
+  host->signal(SIGINT);
+  EXPECT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_EQ(readBack(path("a.mp4")).pictures, readBack(path("a.ts")).pictures);
+}
+
+TEST_F(LiveTest, CtrlCBeforeTheDurationIsOverIsAnInterruption) {
+  const auto camera = simulator();
+  const auto host = live({"-o", path("a.ts"), "--no-stitch", "--duration", "100"});
+  ASSERT_TRUE(grows(path("a.ts"), 1'000)) << host->errors();
+  host->signal(SIGINT);
+  EXPECT_EQ(host->wait(), 130) << host->errors();
+  EXPECT_GT(readBack(path("a.ts")).pictures, 0);
+}
+
+TEST_F(LiveTest, ALostCameraEndsItWithWholeFiles) {
+  const auto camera = simulator();
+  const auto host = live({"-o", path("a.mp4"), "--size", "480x240"});
+  ASSERT_TRUE(grows(path("a.mp4"), 10'000)) << host->errors();
+  camera->signal(SIGTERM);
+  EXPECT_EQ(host->wait(), 3);
+  EXPECT_THAT(host->errors(), HasSubstr("live: the camera was lost"));
+  EXPECT_GT(readBack(path("a.mp4")).pictures, 0);
+}
+
+TEST_F(LiveTest, ALostCameraIsWaitedForAndTheStreamGoesOn) {
+  const auto camera = simulator();
+  const auto host = live({"-o", path("a.ts"), "--size", "480x240", "--reconnect", "30"});
+  ASSERT_TRUE(grows(path("a.ts"), 50'000)) << host->errors();
+  camera->tell("unplug");
+  ASSERT_TRUE(host->waitForErrors("the camera was lost; waiting up to 30 s for"));
+  const std::uintmax_t before = fs::file_size(path("a.ts"));
+  camera->tell("plug");
+  ASSERT_TRUE(host->waitForErrors("the camera is there again"));
+  ASSERT_TRUE(grows(path("a.ts"), before + 100'000)) << host->errors();
+  host->signal(SIGINT);
+  EXPECT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_TRUE(readBack(path("a.ts")).ordered);
+}
+
+TEST_F(LiveTest, ACameraThatDoesNotComeBackEndsIt) {
+  const auto camera = simulator();
+  const auto host = live({"-o", path("a.mp4"), "--no-stitch", "--reconnect", "0.5"});
+  ASSERT_TRUE(grows(path("a.mp4"), 10'000)) << host->errors();
+  camera->signal(SIGTERM);
+  EXPECT_EQ(host->wait(), 3);
+  EXPECT_GE(readBack(path("a.mp4")).pictures, 30);
+}
+
+TEST_F(LiveTest, TheBackgroundLetsTheCameraRest) {
+  const auto camera = simulator();
+  const auto host = live({"-o", path("a.ts"), "--size", "480x240"});
+  ASSERT_TRUE(grows(path("a.ts"), 10'000)) << host->errors();
+  host->signal(SIGTSTP);
+  ASSERT_TRUE(host->waitForErrors("in the background: the camera rests"));
+  host->signal(SIGCONT);
+  ASSERT_TRUE(host->waitForErrors("active again"));
+  ASSERT_TRUE(grows(path("a.ts"), fs::file_size(path("a.ts")) + 100'000)) << host->errors();
+  host->signal(SIGINT);
+  EXPECT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_TRUE(readBack(path("a.ts")).ordered);
+}
+
+TEST_F(LiveTest, ACameraThatRefusesIsTold) {
+  const auto camera = simulator({"--fault", "refuse=0x0004"});
+  const auto stitched = live({"-o", path("a.mp4"), "--size", "480x240"});
+  EXPECT_EQ(stitched->wait(), 1);
+  EXPECT_THAT(stitched->errors(), HasSubstr("live: failed to open camera video stream (zelcam.liveSource 4)"));
+  const auto passed = live({"-o", path("b.mp4"), "--no-stitch"});
+  EXPECT_EQ(passed->wait(), 1);
+  EXPECT_THAT(passed->errors(), HasSubstr("live: failed to open camera video stream"));
+}
+
+// -- outputs that fail
+
+TEST_F(LiveTest, AnOutputThatFailsHarmsNoOther) {
+  const auto camera = simulator();
+  fs::create_symlink("/dev/full", path("full.ts"));
+  const auto host =
+      live({"-o", "/nowhere/a.mp4", "-o", path("full.ts"), "-o", path("b.mp4"), "--no-stitch", "--duration", "2"});
+  EXPECT_EQ(host->wait(), 1);
+  EXPECT_THAT(host->errors(), HasSubstr("live: cannot write /nowhere/a.mp4: No such file or directory"));
+  EXPECT_THAT(host->errors(), HasSubstr("live: cannot write " + path("full.ts") + ": No space left on device"));
+  EXPECT_EQ(readBack(path("b.mp4")).pictures, 60);
+}
+
+TEST_F(LiveTest, WithoutAnyOutputLeftItEnds) {
+  const auto camera = simulator();
+  const auto host = live({"-o", "/nowhere/a.mp4", "--no-stitch"});
+  EXPECT_EQ(host->wait(), 1);
+  EXPECT_THAT(host->errors(), HasSubstr("no output is left"));
+}
+
+TEST_F(LiveTest, WrongUsageIsToldBeforeAnythingIsSent) {
+  const auto refused = [this](Arguments arguments, const char* words) {
+    const auto host = live(std::move(arguments));
+    EXPECT_EQ(host->wait(), 2) << words;
+    EXPECT_THAT(host->errors(), HasSubstr(words));
+  };
+  refused({}, "-o tells where the stream goes");
+  refused({"-o", "a.avi"}, "a.avi is no output; an output is FILE.mp4, FILE.ts, FILE.flv, FILE.m3u8, -");
+  refused({"-o", "a.ts", "-o", "a.ts"}, "-o a.ts is given twice");
+  refused({"-o", "a.ts", "--size", "17x16"}, "--size takes WIDTHxHEIGHT");
+  refused({"-o", "a.ts", "--no-stitch", "--size", "480x240"}, "--no-stitch passes the camera's pictures on");
+  refused({"-o", "a.ts", "--resolution", "16"}, "16 is not a whole number from 0 to 15");
+  refused({"-o", "a.ts", "--logo-angle", "5"}, "--logo-angle needs --logo");
+}
+
+// -- servers
+
+class RtmpTest : public LiveTest {
+ protected:
+  void SetUp() override {
+    if (!fs::exists(kNginx) || !fs::exists(kRtmpModule)) GTEST_SKIP() << "needs nginx and libnginx-mod-rtmp";
+    port_ = freePort();
+    std::ofstream(path("nginx.conf")) << "load_module " << kRtmpModule << ";\n"
+                                      << (::geteuid() == 0 ? "user root;\n" : "")
+                                      << "daemon off;\nworker_processes 1;\n"
+                                      << "pid " << path("nginx.pid") << ";\nerror_log " << path("nginx.log")
+                                      << " notice;\nevents { worker_connections 64; }\n"
+                                      << "rtmp { server { listen 127.0.0.1:" << port_
+                                      << "; application live { live on; record all; record_unique on; record_path "
+                                      << folder.path() << "; } } }\n";
+  }
+
+  std::unique_ptr<Process> server() const {
+    return std::make_unique<Process>(kNginx, std::vector<std::string>{"-p", folder.path(), "-c", path("nginx.conf")},
+                                     folder.path());
+  }
+  std::string address() const { return "rtmp://127.0.0.1:" + std::to_string(port_) + "/live/secret"; }
+
+  std::vector<std::string> recordings() const {
+    std::vector<std::string> all;
+    for (const auto& entry : fs::directory_iterator(folder.path())) {
+      if (entry.path().extension() == ".flv") all.push_back(entry.path().string());
+    }
+    std::ranges::sort(all);
+    return all;
+  }
+
+ private:
+  static int freePort() {
+    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in any{};
+    any.sin_family = AF_INET;
+    any.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof any;
+    ::bind(socket, reinterpret_cast<sockaddr*>(&any), size);
+    ::getsockname(socket, reinterpret_cast<sockaddr*>(&any), &size);
+    ::close(socket);
+    return ntohs(any.sin_port);
+  }
+
+  int port_ = 0;
+};
+
+TEST_F(RtmpTest, AServerGetsTheStream) {
+  const auto camera = simulator();
+  const auto rtmp = server();
+  ASSERT_TRUE(grows(path("nginx.pid"), 1)) << rtmp->errors();
+  const auto host = live({"--json", "-o", address(), "--size", "480x240", "--duration", "4"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  rtmp->signal(SIGTERM);
+  rtmp->wait();
+  ASSERT_EQ(recordings().size(), 1u) << host->errors();
+  const ReadBack read = readBack(recordings()[0]);
+  EXPECT_EQ(read.pictures, lines(*host).at(0)["outputs"].at(0)["pictures"]);
+  EXPECT_GE(read.pictures, 30);
+  EXPECT_GE(read.audioFrames, 90);
+  EXPECT_TRUE(read.ordered);
+  EXPECT_EQ(std::pair(read.width, read.height), std::pair(480, 240));
+}
+
+TEST_F(RtmpTest, AServerThatComesLateIsTriedAgainAndItsKeyIsNotTold) {
+  const auto camera = simulator();
+  const auto host = live({"-o", address(), "-o", path("a.ts"), "--no-stitch"});
+  ASSERT_TRUE(host->waitForErrors("the server cannot be reached: Connection refused; trying again in"));
+  const auto rtmp = server();
+  ASSERT_TRUE(host->waitForErrors("is connected"));
+  host->signal(SIGINT);
+  EXPECT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_THAT(host->errors(), Not(HasSubstr("secret")));
+  EXPECT_GE(readBack(path("a.ts")).pictures, 30);
+}
+
+TEST_F(RtmpTest, AServerThatDropsTheStreamGetsItAgain) {
+  const auto camera = simulator();
+  auto rtmp = server();
+  ASSERT_TRUE(grows(path("nginx.pid"), 1)) << rtmp->errors();
+  const auto host = live({"-o", address(), "-o", path("a.ts"), "--no-stitch"});
+  ASSERT_TRUE(host->waitForErrors("is connected")) << host->errors();
+  rtmp->signal(SIGTERM);
+  rtmp->wait();
+  ASSERT_TRUE(host->waitForErrors("the server ended the stream"));
+  rtmp = server();
+  ASSERT_TRUE(host->waitForErrors("is connected again"));
+  host->signal(SIGINT);
+  EXPECT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_TRUE(readBack(path("a.ts")).ordered);
+}
+
+}  // namespace
+}  // namespace zel::test

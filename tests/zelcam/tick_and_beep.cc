@@ -1,0 +1,90 @@
+#include "tests/zelcam/tick_and_beep.h"
+
+#include <cmath>
+#include <optional>
+
+#include "apps/zelcam/muxing/libav.h"
+
+namespace zel::test {
+namespace {
+
+struct Deleter {
+  void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+};
+using Decoder = std::unique_ptr<AVCodecContext, Deleter>;
+using Frame = std::unique_ptr<AVFrame, Deleter>;
+
+constexpr double kLampLongitude = 24, kLampLatitude = 10.5;  // degrees, of the forward clock
+constexpr int kBetween = 70;                                 // luma: the lamp is 116 when lit, 32 when not
+constexpr float kLoud = 0.2F;                                // the beep has 0.5, all else 0.02
+constexpr double kSilence = 0.3;                             // seconds between two beeps at least
+constexpr double kNext = 0.04;                               // seconds to the next picture where none is missing
+
+class Observer {
+ public:
+  void see(const AVFrame& picture, double time) {
+    const auto column = static_cast<int>((180 + kLampLongitude) / 360 * picture.width);
+    const auto row = static_cast<int>((90 - kLampLatitude) / 180 * picture.height);
+    const bool lit = picture.data[0][row * picture.linesize[0] + column] > kBetween;
+    if (lit && wasLit_ == false && time - lastPicture_ < kNext) found_.ticks.push_back(time);
+    wasLit_ = lit;
+    lastPicture_ = time;
+  }
+
+  void hear(const AVFrame& sound, double time) {
+    const auto* const samples = reinterpret_cast<const float*>(sound.data[0]);
+    for (int i = 0; i < sound.nb_samples; ++i) {
+      if (std::abs(samples[i]) < kLoud) continue;
+      const double now = time + static_cast<double>(i) / sound.sample_rate;
+      if (lastLoud_ && now - *lastLoud_ > kSilence) found_.beeps.push_back(now);
+      lastLoud_ = now;
+    }
+  }
+
+  const TicksAndBeeps& found() const { return found_; }
+
+ private:
+  std::optional<bool> wasLit_;
+  double lastPicture_ = 0;
+  std::optional<double> lastLoud_ = -1.0;
+  TicksAndBeeps found_;
+};
+
+Decoder decoderFor(const AVStream& stream) {
+  const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
+  Decoder decoder(avcodec_alloc_context3(codec));
+  avcodec_parameters_to_context(decoder.get(), stream.codecpar);
+  return avcodec_open2(decoder.get(), codec, nullptr) == 0 ? std::move(decoder) : nullptr;
+}
+
+void receive(AVCodecContext& decoder, const AVStream& stream, Observer& observer) {
+  const Frame frame(av_frame_alloc());
+  while (avcodec_receive_frame(&decoder, frame.get()) == 0) {
+    const double time = static_cast<double>(frame->pts) * av_q2d(stream.time_base);
+    stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO ? observer.see(*frame, time) : observer.hear(*frame, time);
+  }
+}
+
+}  // namespace
+
+TicksAndBeeps ticksAndBeepsIn(const std::string& film) {
+  AVFormatContext* opened = nullptr;
+  if (avformat_open_input(&opened, film.c_str(), nullptr, nullptr) < 0) return {};
+  const app::DemuxerPtr demuxer(opened);
+  if (avformat_find_stream_info(opened, nullptr) < 0) return {};
+  std::vector<Decoder> decoders;
+  for (unsigned i = 0; i < demuxer->nb_streams; ++i) decoders.push_back(decoderFor(*demuxer->streams[i]));
+  Observer observer;
+  const app::PacketPtr packet(av_packet_alloc());
+  while (av_read_frame(opened, packet.get()) >= 0) {
+    const auto stream = static_cast<std::size_t>(packet->stream_index);
+    if (decoders[stream] && avcodec_send_packet(decoders[stream].get(), packet.get()) == 0) {
+      receive(*decoders[stream], *demuxer->streams[stream], observer);
+    }
+    av_packet_unref(packet.get());
+  }
+  return observer.found();
+}
+
+}  // namespace zel::test

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zel::test {
+
+// When the scene's lamp is seen to be lit, and its beep is heard to begin, in a stitched film. Units: seconds.
+struct TicksAndBeeps {
+  std::vector<double> ticks, beeps;
+};
+
+// Decodes the whole film. A lamp counts where the picture before shows it dark and is no more than 40 ms away.
+TicksAndBeeps ticksAndBeepsIn(const std::string& film);
+
+}  // namespace zel::test
