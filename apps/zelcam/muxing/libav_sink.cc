@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <utility>
 
@@ -89,9 +90,15 @@ Fault LibavSink::openTarget() {
   if (address_.isFile() && isNoFile(address_.target)) {
     return fmt::format("cannot write {}: it is no plain file", address_.name());
   }
-  if ((muxer_->oformat->flags & AVFMT_NOFILE) != 0) return std::nullopt;
+  if ((muxer_->oformat->flags & AVFMT_NOFILE) != 0) return folderFault();
   const int error = avio_open2(&muxer_->pb, muxer_->url, AVIO_FLAG_WRITE, &muxer_->interrupt_callback, nullptr);
   return error < 0 ? faultFor(error) : std::nullopt;
+}
+
+// The muxer opens its files by itself, and loses memory where it cannot.
+Fault LibavSink::folderFault() const {
+  const std::string folder = std::filesystem::absolute(address_.target).parent_path().string();
+  return ::access(folder.c_str(), W_OK | X_OK) == 0 ? std::nullopt : Fault(faultFor(AVERROR(errno)));
 }
 
 void LibavSink::chooseOptions(Options& options) const {

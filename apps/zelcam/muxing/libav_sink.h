@@ -28,6 +28,7 @@ class LibavSink final : public Sink {
 
  private:
   Fault openTarget();
+  Fault folderFault() const;
   void chooseOptions(Options& options) const;
   void chooseSegments(Options& options) const;
   Fault faultFor(int error) const;
