@@ -41,7 +41,7 @@ endif()
 # Several files of a folder are compiled as one, which saves reading their headers again; OFF suits whoever edits them.
 option(ZEL_UNITY "Compile several files of a folder as one" ON)
 
-# zel_unity(TARGET FILES ALONE b.cc): those that stand ALONE are compiled by themselves.
+# zel_unity(TARGET FILES ALONE b.cc): so many at once; those that stand ALONE are compiled by themselves.
 function(zel_unity target files)
   cmake_parse_arguments(arg "" "" "ALONE" ${ARGN})
   set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)

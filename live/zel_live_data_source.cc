@@ -12,7 +12,7 @@ using zel::MutexLock;
 ZELLiveDataSource::Source ZELLiveDataSource::initWitCameraResolution(const zel::LiveParts& parts, Number resolution,
                                                                      Number stitchWidth, Number stitchHeight,
                                                                      Number bitrate) {
-  const std::shared_ptr<ZELLiveDataSource> source(
+  std::shared_ptr<ZELLiveDataSource> source(
       new ZELLiveDataSource(std::make_unique<State>(parts, resolution, stitchWidth, stitchHeight, bitrate)));
   source->observeApplication();
   return source;

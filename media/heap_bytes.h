@@ -20,7 +20,7 @@ class HeapBytes {
   // Errors: nothing changes for null, for a count below 1, and where there is no memory for the bytes.
   void append(const void* source, std::int32_t count) {
     if (source == nullptr || count < 1 || count > std::numeric_limits<std::int32_t>::max() - size_) return;
-    void* const grown = std::realloc(data_, static_cast<std::size_t>(size_ + count));
+    void* const grown = std::realloc(data_, static_cast<std::size_t>(size_) + static_cast<std::size_t>(count));
     if (grown == nullptr) return;
     data_ = static_cast<std::uint8_t*>(grown);
     std::memcpy(data_ + size_, source, static_cast<std::size_t>(count));

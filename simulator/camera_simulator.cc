@@ -274,7 +274,7 @@ bool CameraSimulator::tell(const std::string& line, std::string& error) {
   return true;
 }
 
-void CameraSimulator::sendEvent(std::uint16_t code, std::vector<std::uint8_t> body) {
+void CameraSimulator::sendEvent(std::uint16_t code, const std::vector<std::uint8_t>& body) {
   post([whole = message(code, body)](State& state) { state.tellHost(whole); });
 }
 

@@ -56,7 +56,7 @@ class CameraSimulator {
   bool tell(const std::string& line, std::string& error);
 
   // The camera says something unasked: a message of that code. To the host that is connected, else to nobody.
-  void sendEvent(std::uint16_t code, std::vector<std::uint8_t> body);
+  void sendEvent(std::uint16_t code, const std::vector<std::uint8_t>& body);
 
   // The accessory's file; the folder of uploaded files, once started.
   std::string accessoryFile() const;

@@ -38,9 +38,10 @@ void putRational(Bytes& into, double value, std::uint32_t divisor) {
 Entry angleEntry(std::uint16_t tag, double degrees) {
   constexpr std::int64_t kParts = 10'000, kInMinute = 60 * kParts, kInDegree = 60 * kInMinute;
   const std::int64_t parts = std::llround(std::abs(degrees) * kInDegree);
+  const std::int64_t whole = parts / kInDegree, minutes = parts % kInDegree / kInMinute;
   Bytes value;
-  putRational(value, static_cast<double>(parts / kInDegree), 1);
-  putRational(value, static_cast<double>(parts % kInDegree / kInMinute), 1);
+  putRational(value, static_cast<double>(whole), 1);
+  putRational(value, static_cast<double>(minutes), 1);
   putRational(value, static_cast<double>(parts % kInMinute) / kParts, kParts);
   return {tag, kRational, 3, value};
 }

@@ -59,7 +59,7 @@ void HostFrames::endFrame() {
   const std::uint16_t type = typeIn(header_);
   header_.clear();
   Bytes payload = std::exchange(payload_, {});
-  if (type == kFile) ready_.emplace_back(HostFile{std::move(payload)});
+  if (type == kFile) return void(ready_.emplace_back(HostFile{std::move(payload)}));
   if (type != kMessage || payload.size() < 2) return;
   const auto code = numberAt<std::uint16_t>(payload, 0);
   payload.erase(payload.begin(), payload.begin() + 2);

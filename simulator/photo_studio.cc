@@ -14,6 +14,7 @@ std::vector<Bytes> PhotoStudio::take(int width, int height, double seconds, cons
   const Set& set = setOf(width, height);
   const Picture picture = set.projector.project(set.scene.at(seconds));
   std::vector<Bytes> files;
+  files.reserve(stops.size());
   for (const double stop : stops) files.push_back(encodeJpeg(exposed(picture, stop), kQuality));
   return files;
 }
@@ -21,8 +22,8 @@ std::vector<Bytes> PhotoStudio::take(int width, int height, double seconds, cons
 const PhotoStudio::Set& PhotoStudio::setOf(int width, int height) {
   std::unique_ptr<Set>& set = sets_[width];
   if (!set) {
-    set = std::unique_ptr<Set>(
-        new Set{Scene(width, height), FisheyeProjector(factoryLensOffset(), width, height, width, height)});
+    FisheyeProjector projector(factoryLensOffset(), width, height, width, height);
+    set = std::make_unique<Set>(Set{Scene(width, height), std::move(projector)});
   }
   return *set;
 }

@@ -2,6 +2,7 @@
 
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELMessageKeys.h>
 
 #include <fmt/format.h>
 

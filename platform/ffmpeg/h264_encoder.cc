@@ -107,7 +107,7 @@ bool setPlane(AVFrame& frame, std::size_t index, const PixelPlane& plane, const 
   const std::size_t size = plane.stride * (plane.rows - 1) + plane.rowBytes;
   frame.buf[index] = av_buffer_create(frame.data[index], size, letGo, owner.get(), AV_BUFFER_FLAG_READONLY);
   if (frame.buf[index] == nullptr) return false;
-  owner.release();
+  static_cast<void>(owner.release());
   return true;
 }
 

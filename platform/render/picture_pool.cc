@@ -73,7 +73,8 @@ struct SlotAllocator {
   SlotAllocator(const SlotAllocator<Other, Shelf>& other) : shelf(other.shelf), slot(other.slot) {}
 
   Any* allocate(std::size_t) {
-    static_assert(sizeof(Any) <= kReferenceBytes && alignof(Any) <= alignof(std::max_align_t));
+    static_assert(sizeof(Any) <= kReferenceBytes);
+    static_assert(alignof(Any) <= alignof(std::max_align_t));
     return reinterpret_cast<Any*>(slot->references);
   }
   void deallocate(Any*, std::size_t) { shelf->giveBack(slot); }
