@@ -91,7 +91,7 @@ void paintAxis(SceneCanvas& canvas, const Meridian& axis) {
   }
 }
 
-void paintCompass(SceneCanvas& canvas) {
+void paintDirectionSigns(SceneCanvas& canvas) {
   for (int degrees = 0; degrees < 360; degrees += kGridStep) {
     canvas.fill({double(degrees), -8, 4, 1.9}, kLabel);
     canvas.text(degrees, -8.2, kSmallCell, std::to_string(degrees), kGrid);
@@ -136,7 +136,7 @@ Scene::Scene(int width, int height) : still_(blackPicture(width, height)) {
   paintWorld(canvas, width, height);
   paintGrid(canvas);
   for (const Meridian& axis : kAxes) paintAxis(canvas, axis);
-  paintCompass(canvas);
+  paintDirectionSigns(canvas);
 }
 
 Picture Scene::at(double seconds) const {
