@@ -18,11 +18,13 @@ namespace zel::test {
 // Stacks and simulated cameras on a bus of their own: real threads, sockets and files. The test is the main thread.
 class SimulatorFixture : public BusFixture {
  protected:
-  // A camera that answers; it is plugged in.
-  std::unique_ptr<simulator::CameraSimulator> makeCamera(const std::string& serial, simulator::Faults faults = {}) {
+  // A camera that answers; it is plugged in. video: a file that it shows.
+  std::unique_ptr<simulator::CameraSimulator> makeCamera(const std::string& serial, simulator::Faults faults = {},
+                                                         const std::string& video = {}) {
     simulator::SimulatorOptions options;
     options.accessoriesFolder = folder_.path();
     options.identity.serial = serial;
+    options.video = video;
     options.faults = std::move(faults);
     options.warn = [](const std::string&) {};
     auto camera = std::make_unique<simulator::CameraSimulator>(std::move(options));

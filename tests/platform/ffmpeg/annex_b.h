@@ -25,6 +25,16 @@ inline std::vector<Unit> unitsOf(const std::vector<std::uint8_t>& stream) {
   return units;
 }
 
+// The same stream with start codes of four bytes alone.
+inline std::vector<std::uint8_t> withLongStartCodes(const std::vector<std::uint8_t>& stream) {
+  std::vector<std::uint8_t> bytes;
+  for (const Unit& unit : unitsOf(stream)) {
+    bytes.insert(bytes.end(), {0, 0, 0, 1});
+    bytes.insert(bytes.end(), unit.begin(), unit.end());
+  }
+  return bytes;
+}
+
 // As decoders take it: a 4-byte big-endian length before the unit.
 inline std::vector<std::uint8_t> lengthPrefixed(const Unit& unit) {
   std::vector<std::uint8_t> bytes;
