@@ -1,14 +1,27 @@
-// How much the decoder adapter adds to libavcodec, called directly on the same stream with the same threads.
+// How much the decoder adapter and the preview's road add to libavcodec, called directly on the same stream with the
+// same threads. The road is the cutter, the player, the decode thread and the delegate: once with pictures enough on
+// their way to keep the decoder busy, and once picture by picture, where the time of each is its delay from the arrival
+// of the chunk that releases it.
 //
 // The stream is the simulated camera's at 3040 x 1520, two seconds of it.
 
+#include <ZELTarkaSDK/LinuxPlatform.h>
+#include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
+#include <ZELTarkaSDK/ZELPreviewPlayer.h>
+
+#include <condition_variable>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 #include "bench/ratio_report.h"
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
+#include "platform/ports.h"
 #include "simulator/media/scene_film.h"
 
 namespace zel::bench {
@@ -96,6 +109,64 @@ void adapter(benchmark::State& state) {
   report(state, pictures);
 }
 
+// Counts the pictures that come out.
+class Arrivals final : public ZELPixelBufferDataProtocol {
+ public:
+  void onPixelBuffer(const platform::PixelBufferRef&, std::int64_t) override {
+    const std::lock_guard lock(mutex_);
+    ++count_;
+    changed_.notify_one();
+  }
+  void waitFor(int count) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return count_ >= count; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  int count_ = 0;
+};
+
+std::unique_ptr<LinuxPlatform> makePlatform() {
+  std::string folder = (std::filesystem::temp_directory_path() / "zel-bench-XXXXXX").string();
+  if (mkdtemp(folder.data()) == nullptr) std::abort();
+  std::string error;
+  LinuxPlatform::Options options;
+  options.accessoriesFolder = folder;
+  auto platform = LinuxPlatform::create(std::move(options), error);
+  std::filesystem::remove(folder);
+  if (!platform) std::abort();
+  return platform;
+}
+
+// Hands over chunks of one picture each; each but the last releases the picture before it. most: pictures under way.
+void preview(benchmark::State& state, int most) {
+  const Stream& scene = stream();
+  const auto platform = makePlatform();
+  platform::LibavVideoDecoders decoders({static_cast<int>(state.range(0))});
+  platform::Ports ports = platform->ports();
+  ports.videoDecoders = &decoders;
+  const auto arrivals = std::make_shared<Arrivals>();
+  const auto player = ZELPreviewPlayer::create(ports, [] { return 192; });
+  player->setPixelBufferDelegate(arrivals);
+  player->appendVideoBytes(scene.pictures[0]);
+  int given = 0;
+  for (auto _ : state) {
+    for (int i = 0; i < kPictures; ++i) {
+      player->appendVideoBytes(scene.pictures[static_cast<std::size_t>(i + 1) % scene.pictures.size()]);
+      arrivals->waitFor(++given - most + 1);
+    }
+  }
+  arrivals->waitFor(given - most + 1);
+  report(state, given);
+}
+
+void previewRoad(benchmark::State& state) { preview(state, static_cast<int>(state.range(0)) + 3); }
+void previewDelay(benchmark::State& state) { preview(state, 1); }
+
+BENCHMARK(previewRoad)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(previewDelay)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(libavcodec)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(adapter)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 
@@ -107,5 +178,8 @@ int main(int argc, char** argv) {
   return zel::bench::runAndCompare(
       argc, argv,
       {{"decoder adapter / libavcodec, 1 thread", "adapter/1/real_time", "libavcodec/1/real_time", 1.053},
-       {"decoder adapter / libavcodec, 2 threads", "adapter/2/real_time", "libavcodec/2/real_time", 1.053}});
+       {"decoder adapter / libavcodec, 2 threads", "adapter/2/real_time", "libavcodec/2/real_time", 1.053},
+       {"preview / libavcodec, 1 thread", "previewRoad/1/real_time", "libavcodec/1/real_time", 1.053},
+       {"preview / libavcodec, 2 threads", "previewRoad/2/real_time", "libavcodec/2/real_time", 1.053},
+       {"delay of a picture / bare decode call", "previewDelay/1/real_time", "libavcodec/1/real_time", 1.1}});
 }

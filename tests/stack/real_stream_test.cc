@@ -37,8 +37,9 @@ class RealStreamTest : public SimulatorFixture {
     return sums;
   }
 
-  // A camera that sends the file again and again; its pictures from the first one of a round on, a whole round.
-  Sums received(const std::vector<std::uint8_t>& stream, const Sums& wanted) {
+  // Whether a camera that sends the file again and again brings them all, in a row. The camera keeps to its rate, and a
+  // machine that is late loses pictures: then another round counts.
+  bool brings(const Sums& wanted, const std::vector<std::uint8_t>& stream) {
     const std::string path = folder_.path() + "/stream.video";
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(stream.data()), static_cast<std::streamsize>(stream.size()));
@@ -51,17 +52,13 @@ class RealStreamTest : public SimulatorFixture {
     player->setPixelBufferDelegate(keeper);
     stack.accessory().openCamera();
     EXPECT_TRUE(framesArrive(stack));
-    EXPECT_TRUE(runUntil([&] { return round(keeper->sums.now(), wanted).size() == wanted.size(); }));
-    return round(keeper->sums.now(), wanted);
+    return runUntil([&] {
+      const Sums all = keeper->sums.now();
+      return std::search(all.begin(), all.end(), wanted.begin(), wanted.end()) != all.end();
+    });
   }
 
  private:
-  static Sums round(const Sums& all, const Sums& wanted) {
-    const auto first = std::find(all.begin(), all.end(), wanted.front());
-    const auto left = static_cast<std::size_t>(all.end() - first);
-    return {first, first + static_cast<std::ptrdiff_t>(std::min(left, wanted.size()))};
-  }
-
   platform::LibavVideoDecoders decoders_;
 };
 
@@ -69,7 +66,7 @@ TEST_F(RealStreamTest, PicturesOfOneToTenSlicesComeAsFfmpegDecodesThem) {
   ZEL_REAL_MEDIA(stream, "h264/CI1_FT_B.264");
   const Sums wanted = expected(stream);
   ASSERT_EQ(wanted.size(), 291u);
-  EXPECT_EQ(received(stream, wanted), wanted);
+  EXPECT_TRUE(brings(wanted, stream));
 }
 
 // The camera's cutter knows start codes of four bytes alone; the recording's slices have three.
@@ -77,7 +74,7 @@ TEST_F(RealStreamTest, ACamerasPicturesComeAsFfmpegDecodesThem) {
   ZEL_REAL_MEDIA(stream, "h264/kvs-frames-001-060.h264");
   const Sums wanted = expected(stream);
   ASSERT_EQ(wanted.size(), 60u);
-  EXPECT_EQ(received(withLongStartCodes(stream), wanted), wanted);
+  EXPECT_TRUE(brings(wanted, withLongStartCodes(stream)));
 }
 
 }  // namespace

@@ -80,6 +80,21 @@ TEST_F(TimelineTest, AClockThatIsSetBackIsFollowed) {
   EXPECT_EQ(timeline.audio(2'010), 76'000);
 }
 
+TEST_F(TimelineTest, AClockThatIsSetAheadByYearsIsFollowed) {
+  timeline.video(100, true);
+  timeline.video(133, false);
+  timeline.audio(120);
+  EXPECT_EQ(timeline.audio(816'000'000'000), 53'000);
+  EXPECT_EQ(timeline.video(166, false), 66'000);  // a picture is a time behind
+  EXPECT_EQ(timeline.video(816'000'000'013, false), 99'000);
+  EXPECT_EQ(timeline.video(816'000'000'046, false), 132'000);
+}
+
+TEST_F(TimelineTest, APauseOfAnHourStays) {
+  timeline.video(0, true);
+  EXPECT_EQ(timeline.video(3'600'000, true), 3'600'000'000);
+}
+
 TEST_F(TimelineTest, NonsenseIsLeftOut) {
   timeline.video(0, true);
   EXPECT_EQ(timeline.video(INT64_MAX, true), std::nullopt);
