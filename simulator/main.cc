@@ -3,14 +3,12 @@
 #include <pthread.h>
 #include <csignal>
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "simulator/camera_simulator.h"
+#include "simulator/command_line.h"
 #include "simulator/event_lines.h"
 #include "simulator/numbers.h"
 
@@ -29,13 +27,6 @@ void blockSignals(sigset_t& signals) {
   std::signal(SIGPIPE, SIG_IGN);
 }
 
-constexpr char kCommandHelp[] = R"(Commands on standard input:
-  plug, unplug               the accessory is attached, detached
-  silence SECONDS            no byte is sent for that long
-  help                       this list
-  quit                       ends the simulator
-)";
-
 void beSilent(CameraSimulator& simulator, const std::string& text) {
   double seconds = 0;
   if (zel::simulator::readNumber(text, 0.0, 86400.0, seconds)) return simulator.beSilent(seconds);
@@ -53,7 +44,7 @@ bool obey(CameraSimulator& simulator, const std::string& line) {
   } else if (line.starts_with("silence ")) {
     beSilent(simulator, line.substr(8));
   } else if (line == "help") {
-    std::cerr << kCommandHelp << zel::simulator::kEventHelp;
+    std::cerr << zel::simulator::kCommandHelp << zel::simulator::kEventHelp;
   } else if (!line.empty() && !simulator.tell(line, error)) {
     std::cerr << "zelcam-sim: " << error << "; \"help\" lists what is known\n";
   }
@@ -93,33 +84,11 @@ int run(const SimulatorOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  SimulatorOptions options;
-  std::vector<std::string> faults;
-  CLI::App app("A simulated 360-degree camera on the accessory bus.", "zelcam-sim");
-  app.footer(std::string(zel::simulator::kFaultHelp) + '\n' + kCommandHelp + '\n' + zel::simulator::kEventHelp);
-  app.add_option("--accessories", options.accessoriesFolder, "folder of the accessory bus");
-  app.add_option("--name", options.identity.name, "the accessory's name");
-  app.add_option("--serial", options.identity.serial, "its serial number")->check([](const std::string& serial) {
-    return serial.empty() ? std::string("a serial number may not be empty") : std::string();
-  });
-  app.add_option("--firmware", options.identity.firmware, "firmware number")->check(CLI::Range(0, 999999));
-  app.add_option("--resolution", options.resolution, "preview resolution code")->check(CLI::Range(0, 15));
-  app.add_option("--video", options.video, "H.264 file with start codes that is shown instead of the scene");
-  app.add_option("--audio", options.audio, "ADTS AAC file that sounds instead of the beeps");
-  app.add_option("--storage", options.storage, "folder of the files that the host sends (a temporary one)");
-  app.add_option("--seed", options.seed, "what is random comes out of it");
-  app.add_option("--fault", faults, "what goes wrong on purpose, may be repeated")->allow_extra_args(false);
-  app.add_flag("--once", options.once, "end after the first connection has ended");
+  zel::simulator::CommandLine line;
   try {
-    app.parse(argc, argv);
+    line.parser().parse(argc, argv);
   } catch (const CLI::ParseError& fault) {
-    return app.exit(fault) == 0 ? 0 : kWrongUsage;
+    return line.parser().exit(fault) == 0 ? 0 : kWrongUsage;
   }
-  for (const std::string& spec : faults) {
-    std::string error;
-    if (options.faults.add(spec, error)) continue;
-    std::cerr << "zelcam-sim: " << error << '\n' << zel::simulator::kFaultHelp;
-    return kWrongUsage;
-  }
-  return run(options);
+  return run(line.options());
 }

@@ -9,7 +9,7 @@ import sys
 from pathlib import Path
 
 CORE = ("transport", "support", "capture", "media", "command", "live", "stack")
-PROGRAMS = ("simulator", "apps/zelcam")
+PROGRAMS = ("simulator", "apps")
 SOURCES = CORE + ("platform", "include") + PROGRAMS + ("tests", "bench", "fuzz", "examples")
 LONGEST_FUNCTION = 60
 STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, and nothing with a slash or a suffix

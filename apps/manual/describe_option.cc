@@ -1,0 +1,26 @@
+#include "apps/manual/describe_option.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <utility>
+
+#include "apps/manual/bash_completion.h"
+#include "apps/manual/manual_page.h"
+#include "apps/manual/zsh_completion.h"
+
+namespace zel::manual {
+
+void addDescribeOption(CLI::App& app, Words words) {
+  const auto describe = [&app, words = std::move(words)](const std::string& form) {
+    const ProgramText text = describeProgram(app, words);
+    std::cout << (form == "man" ? manualPage(text) : form == "bash" ? bashCompletion(text) : zshCompletion(text));
+    throw CLI::Success();
+  };
+  app.add_option_function<std::string>("--describe", describe,
+                                       "print the manual page, or that shell's completion, and end")
+      ->type_name("FORM")
+      ->check(CLI::IsMember({"man", "bash", "zsh"}));
+}
+
+}  // namespace zel::manual
