@@ -1,0 +1,159 @@
+#!/usr/bin/env python3
+"""Tries what the README and the pages in docs/ say."""
+import json
+import os
+import re
+import shlex
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+from pages import Page, pages
+
+ROOT, BUILD, COMPILER = Path(sys.argv[1]), Path(sys.argv[2]), sys.argv[3]
+del sys.argv[1:]
+PAGES = pages(ROOT)
+LANGUAGES = {"", "sh", "console", "cpp", "json"}
+
+
+def commands_of_run():
+    usage = (ROOT / "run").read_text().split("<<'USAGE'")[1].split("\nUSAGE")[0]
+    return set(re.findall(r"^  (\S+) ", usage, re.MULTILINE))
+
+
+def presets():
+    return {preset["name"] for preset in json.loads((ROOT / "CMakePresets.json").read_text())["configurePresets"]}
+
+
+def is_built(target):
+    lists = [path.read_text() for path in ROOT.rglob("CMakeLists.txt") if BUILD.parent not in path.parents]
+    return any(re.search(rf"(?:zel_test|add_executable|add_custom_target)\({target}\b", text) for text in lists)
+
+
+def complaint(line):
+    """Why a command line cannot be typed as it stands; those of the two programs are read by the programs' own parsers."""
+    words = shlex.split(line, comments=True)
+    if words[0] == "./run":
+        return None if words[1] in commands_of_run() else "no such command of ./run"
+    if words[0] == "cmake" and "--preset" in words:
+        return None if words[words.index("--preset") + 1] in presets() else "no such preset"
+    if words[0] == "cmake" and words[1] == "--build":
+        return None if Path(words[2]).name in presets() and is_built(words[words.index("--target") + 1]) else "builds nothing"
+    if words[0].startswith("build/"):
+        return None if words[0].endswith(("/zelcam", "/zelcam-sim")) or is_built(Path(words[0]).name) else "is built nowhere"
+    return None if words[0] in ("zelcam", "zelcam-sim") else "nobody knows how to try this"
+
+
+def fault_of_program(text):
+    flags = ["-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Wnon-virtual-dtor",
+             "-Werror", f"-I{ROOT}", f"-I{ROOT / 'include'}", "-x", "c++", "-"]
+    return subprocess.run([COMPILER, *flags], input=text, text=True, capture_output=True, check=False).stderr
+
+
+class Camera:
+    """A simulated one on a bus of its own, with a folder to work in."""
+
+    def __enter__(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.environment = {**os.environ, "ZEL_ACCESSORIES": f"{self.folder.name}/bus", "PATH": f"{BUILD}/bin:{os.environ['PATH']}"}
+        self.simulator = subprocess.Popen(["zelcam-sim"], env=self.environment, stdout=subprocess.PIPE, stdin=subprocess.PIPE, text=True)
+        assert "is attached" in self.simulator.stdout.readline()
+        return self
+
+    def __exit__(self, *_):
+        self.simulator.send_signal(signal.SIGTERM)
+        self.simulator.communicate(timeout=60)
+        self.folder.cleanup()
+
+    def run(self, command):
+        return subprocess.run(command, env=self.environment, cwd=self.folder.name, capture_output=True, text=True, timeout=120,
+                              check=False)
+
+
+class Pages(unittest.TestCase):
+    def test_links_lead_somewhere(self):
+        for page in PAGES:
+            for target in page.links():
+                path, _, heading = target.partition("#")
+                linked = page.path.parent / path if path else page.path
+                self.assertTrue(linked.exists(), f"{page.path}: {target}")
+                if heading:
+                    headings = re.findall(r"^#+ (.*)$", linked.read_text(), re.MULTILINE)
+                    self.assertIn(heading, [text.lower().replace(" ", "-") for text in headings], f"{page.path}: {target}")
+
+    def test_blocks_are_of_a_kind_that_is_tried(self):
+        for page in PAGES:
+            self.assertLessEqual(page.languages(), LANGUAGES, page.path)
+
+    def test_programs_compile(self):
+        compiled = [page for page in PAGES if page.program()]
+        self.assertEqual([page.path.name for page in compiled], ["README.md", "porting.md"])
+        for page in compiled:
+            self.assertEqual(fault_of_program(page.program()), "", page.path)
+
+    def test_a_program_that_does_not_compile_would_be_found(self):
+        self.assertIn("gone", fault_of_program("int main() { return gone; }"))
+
+    def test_commands_can_be_typed(self):
+        lines = {line: page.path for page in PAGES for line in page.command_lines()}
+        for line in ("./run test", "zelcam info", "zelcam live -o rtmp://server/live/key", "zelcam record start"):
+            self.assertIn(line, lines)
+        for line, path in lines.items():
+            self.assertIsNone(complaint(line), f"{path}: {line}")
+        own = [line for line in lines if line.split()[0] in ("zelcam", "zelcam-sim")]
+        read = subprocess.run([BUILD / "bin" / "read_command_lines"], input="\n".join(own) + "\n", text=True, capture_output=True,
+                              check=False)
+        self.assertEqual(read.stdout, "")
+
+    def test_a_command_that_cannot_be_typed_would_be_found(self):
+        for line in ("./run everything", "cmake --preset quick", "build/debug/bin/no_tests", "make install"):
+            self.assertIsNotNone(complaint(line), line)
+
+    def test_the_pages_of_the_programs_name_every_option(self):
+        for program, name in (("zelcam", "zelcam.md"), ("zelcam-sim", "simulator.md")):
+            text = (ROOT / "docs" / name).read_text()
+            manual = (BUILD / "man" / f"{program}.1").read_text().replace("\\-", "-")
+            options = [re.findall(r"\\fB(--?[a-z-]+)\\fR", line) for line in re.findall(r"^\.TP\n(\\fB-.*)$", manual, re.MULTILINE)]
+            self.assertIn(["--accessories"], options)
+            for names in options:
+                told = any(option in text for option in names) or names[-1] in ("--help", "--version")
+                self.assertTrue(told, f"{name}: {names}")
+
+    def test_quoted_words_are_those_of_the_programs(self):
+        sources = "".join(path.read_text() for folder in ("apps", "platform", "live") for path in (ROOT / folder).rglob("*.cc"))
+        quotes = re.findall(r'"([^"]+)"', Page(ROOT / "docs/reliability.md").text)
+        self.assertIn("no output is left", quotes)
+        sources = re.sub(r'"\n *"', "", sources)
+        for quote in quotes:
+            for part in re.split(r"\.\.\.|: |NSOSStatusErrorDomain \d+", quote):
+                self.assertTrue(part.strip(" ():;").removeprefix("cannot ") in sources, quote)
+
+
+class Sessions(unittest.TestCase):
+    def test_the_readmes_host_program_asks_the_camera(self):
+        with Camera() as camera:
+            done = camera.run([BUILD / "bin" / "readme_host"])
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "battery: 100 %\n", ""))
+
+    def test_what_is_shown_happens(self):
+        """But for live streams, which the end-to-end tests run, since they last."""
+        tried = 0
+        with Camera() as camera:
+            for page in PAGES:
+                for line, shown in page.sessions():
+                    words = shlex.split(line)
+                    if words[0] != "zelcam" or "live" in words:
+                        continue
+                    done = camera.run(words)
+                    self.assertEqual(done.returncode, 0, f"{page.path}: {line}: {done.stderr}")
+                    for expected in shown:
+                        self.assertIn(expected, done.stdout.splitlines(), f"{page.path}: {line}")
+                    tried += 1
+        self.assertGreaterEqual(tried, 4)
+
+
+if __name__ == "__main__":
+    unittest.main()
