@@ -53,6 +53,28 @@ def fault_of_program(text):
     return subprocess.run([COMPILER, *flags], input=text, text=True, capture_output=True, check=False).stderr
 
 
+class Reference(unittest.TestCase):
+    """How plain comments become what the reference is made of."""
+
+    def filtered(self, header):
+        with tempfile.NamedTemporaryFile("w", suffix=".h") as file:
+            file.write(header)
+            file.flush()
+            done = subprocess.run([sys.executable, ROOT / "cmake/reference/filter.py", file.name], check=True, capture_output=True, text=True)
+        return done.stdout.split("\n")[1:-1]
+
+    def test_a_comment_above_documents_and_its_contract_gets_headings(self):
+        self.assertEqual(self.filtered("  // Opens a <thing>.\n  // Thread: any thread,\n  //         or none.\n  void open();\n"),
+                         ["  /// Opens a \\<thing\\>.", "  /// @par Thread", "  /// any thread,", "  /// or none.", "  void open();"])
+
+    def test_a_comment_behind_documents_what_it_stands_behind(self):
+        self.assertEqual(self.filtered("  int height = 0;  // pixels\n"), ["  int height = 0;  ///< pixels"])
+
+    def test_a_comment_of_nothing_stays(self):
+        self.assertEqual(self.filtered("// -- Photos\nint a;\n// alone\n\nint b;\n}  // namespace\n"),
+                         ["// -- Photos", "int a;", "// alone", "", "int b;", "}  // namespace"])
+
+
 class Camera:
     """A simulated one on a bus of its own, with a folder to work in."""
 
