@@ -90,8 +90,12 @@ class Camera:
         self.simulator.communicate(timeout=60)
         self.folder.cleanup()
 
-    def run(self, command):
-        return subprocess.run(command, env=self.environment, cwd=self.folder.name, capture_output=True, text=True, timeout=120,
+    def socket(self):
+        accessory = next(Path(self.folder.name, "bus").glob("*.json"))
+        return json.loads(accessory.read_text())["endpoint"]["path"]
+
+    def run(self, command, **variables):
+        return subprocess.run(command, env={**self.environment, **variables}, cwd=self.folder.name, capture_output=True, text=True, timeout=120,
                               check=False)
 
 
@@ -159,6 +163,11 @@ class Sessions(unittest.TestCase):
         with Camera() as camera:
             done = camera.run([BUILD / "bin" / "readme_host"])
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "battery: 100 %\n", ""))
+
+    def test_the_phones_skeleton_asks_the_camera(self):
+        with Camera() as camera:
+            done = camera.run([BUILD / "bin" / "phone_host"], PHONE_CAMERA=camera.socket())
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "battery: 100 %, clock offset known\n", ""))
 
     def test_what_is_shown_happens(self):
         """But for live streams, which the end-to-end tests run, since they last."""
