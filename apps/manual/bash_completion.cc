@@ -31,9 +31,12 @@ std::string line(const std::string& text) { return text.empty() ? "" : "      " 
 
 // "photo:-o | photo:--output": an option behind its command; those of the program itself stand behind any.
 std::string pattern(const std::string& command, const std::vector<std::string>& names) {
-  std::vector<std::string> alternatives;
-  for (const std::string& name : names) alternatives.push_back(command + ":" + name);
-  return joined(alternatives, " | ");
+  std::string alternatives;
+  for (const std::string& name : names) {
+    if (!alternatives.empty()) alternatives += " | ";
+    alternatives.append(command).append(":").append(name);
+  }
+  return alternatives;
 }
 
 // Options with the same values stand together, in the order of the first of each kind.

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """Holds the manual pages and the completions against the help that the programs print, and asks bash to complete words."""
+import functools
 import re
 import shutil
 import subprocess
@@ -11,6 +12,7 @@ BUILD = Path(sys.argv.pop()).resolve()
 PROGRAMS = ("zelcam", "zelcam-sim")
 
 
+@functools.cache
 def help_of(program, *command):
     return subprocess.run([BUILD / "bin" / program, *command, "--help"], check=True, capture_output=True, text=True).stdout
 
