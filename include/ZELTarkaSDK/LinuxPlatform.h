@@ -22,6 +22,9 @@ class ZEL_EXPORT LinuxPlatform {
     std::string accessoriesFolder;
     // Hears of accessories that had to be skipped, one line each. Empty: standard error.
     std::function<void(const std::string&)> warn;
+    // Where ZELDateFormatter keeps log.txt. Empty: $XDG_DATA_HOME/zelcam, else ~/.local/share/zelcam. Made with mode
+    // 0700 where it is missing, with the first write.
+    std::string documentsFolder;
   };
 
   // The folder that `accessoriesFolder` stands for (see Options).
