@@ -9,7 +9,8 @@ namespace zel::app {
 
 Bus::Bus(const Settings& settings) : mediaLibrary_([](const std::string& fault) { say("zelcam: " + fault); }) {
   std::string error;
-  platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = {}}, error);
+  platform_ =
+      LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = say, .documentsFolder = {}}, error);
   if (!platform_) {
     say("zelcam: " + error);
     return;

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "apps/zelcam/command.h"
+#include "apps/zelcam/diagnostics.h"
 #include "apps/zelcam/number_text.h"
+#include "apps/zelcam/output.h"
 
 namespace zel::app {
 namespace {
@@ -24,6 +26,8 @@ void describeSettings(CLI::App& app, Settings& settings) {
       ->check(CLI::Range(0.0, 86400.0))
       ->type_name("SECONDS")
       ->capture_default_str();
+  app.add_option("--log", settings.log, "append to FILE what is asked, how the link changes and what goes wrong")
+      ->type_name("FILE");
   app.add_flag("--json", settings.json, "one JSON object a line");
   app.add_flag("--verbose", settings.verbose, "say more on standard error");
 }
@@ -80,6 +84,18 @@ CLI::App* describeCommand(CLI::App& app, const Command& command, Values& values)
   return described;
 }
 
+// The command, between two lines of the log where one is kept.
+int runLogged(const Command& command, const Invocation& invocation, int argc, const char* const* argv) {
+  std::string error;
+  if (!invocation.settings.log.empty() && !keepLog(invocation.settings.log, error)) {
+    return complain(kWrongUsage, "--log", error);
+  }
+  noteCommandLine(argc, argv);
+  const int status = command.run(invocation);
+  note("ended with status " + std::to_string(status));
+  return status;
+}
+
 }  // namespace
 
 int runCommandLine(int argc, const char* const* argv) {
@@ -94,7 +110,7 @@ int runCommandLine(int argc, const char* const* argv) {
     return app.exit(fault) == 0 ? kDone : kWrongUsage;
   }
   for (std::size_t i = 0; i < described.size(); ++i) {
-    if (described[i]->parsed()) return commands()[i].run(invocation);
+    if (described[i]->parsed()) return runLogged(commands()[i], invocation, argc, argv);
   }
   return kWrongUsage;
 }

@@ -9,8 +9,9 @@
 namespace zel {
 
 namespace platform {
+class Clock;
 struct Ports;
-}
+}  // namespace platform
 
 // The ports on Linux: run loops and streams, the accessory bus of a folder, the main queue.
 // Thread: the thread that makes it is the main thread until the main queue is run on another one.
@@ -40,6 +41,9 @@ class ZEL_EXPORT LinuxPlatform {
   LinuxPlatform& operator=(const LinuxPlatform&) = delete;
 
   const platform::Ports& ports();
+
+  // The system's clock, which needs no platform and is there for good.
+  static const platform::Clock& systemClock();
 
   // Runs the main queue on the calling thread until stopMainQueue().
   void runMainQueue();

@@ -97,6 +97,8 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<State> state) : state_(std::move(st
 
 LinuxPlatform::~LinuxPlatform() = default;
 
+const platform::Clock& LinuxPlatform::systemClock() { return lastingClock(); }
+
 const platform::Ports& LinuxPlatform::ports() { return state_->ports; }
 
 // With an executor the main queue is the host's to run, and none of these four has anything to do.
