@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include <CLI/CLI.hpp>
+#include <ZELTarkaSDK/Version.h>
 
 #include <iostream>
 #include <string>
@@ -97,6 +98,7 @@ int main(int argc, char** argv) {
   std::vector<std::string> faults;
   CLI::App app("A simulated 360-degree camera on the accessory bus.", "zelcam-sim");
   app.footer(std::string(zel::simulator::kFaultHelp) + '\n' + kCommandHelp + '\n' + zel::simulator::kEventHelp);
+  app.set_version_flag("--version", std::string("zelcam-sim ") + ZELTarkaSDKVersionString);
   app.add_option("--accessories", options.accessoriesFolder, "folder of the accessory bus");
   app.add_option("--name", options.identity.name, "the accessory's name");
   app.add_option("--serial", options.identity.serial, "its serial number")->check([](const std::string& serial) {

@@ -1,6 +1,7 @@
 #include "apps/zelcam/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <ZELTarkaSDK/Version.h>
 
 #include <cmath>
 #include <string>
@@ -15,7 +16,7 @@ namespace zel::app {
 namespace {
 
 void describeSettings(CLI::App& app, Settings& settings) {
-  app.set_version_flag("--version", "zelcam 0.1.0");
+  app.set_version_flag("--version", std::string("zelcam ") + ZELTarkaSDKVersionString);
   app.require_subcommand(1);
   app.add_option("--accessories", settings.accessories, "folder of the accessory bus (default: $ZEL_ACCESSORIES)")
       ->type_name("DIR");
