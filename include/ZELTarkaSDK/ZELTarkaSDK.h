@@ -5,6 +5,7 @@
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
+#include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
