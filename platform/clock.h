@@ -21,6 +21,9 @@ class Clock {
   // Blocks the calling thread until the semaphore can be taken, for good where nobody ever releases it. A platform in
   // virtual time lets the others go on meanwhile.
   virtual void acquire(std::binary_semaphore& semaphore) { semaphore.acquire(); }
+
+  // How many seconds the local time is ahead of UTC at that time; 0 where the host knows no time zone.
+  virtual std::int64_t localTimeOffset([[maybe_unused]] double absoluteTime) const { return 0; }
 };
 
 // The current time in whole milliseconds since 1 January 2001 00:00:00 UTC, truncated toward zero.

@@ -2,6 +2,7 @@
 
 #include "platform/accessory.h"
 #include "platform/clock.h"
+#include "platform/documents.h"
 #include "platform/media_library.h"
 #include "platform/notification_center.h"
 #include "platform/queues.h"
@@ -21,6 +22,7 @@ struct Ports {
   VideoDecoders* videoDecoders = nullptr;  // null: the host decodes no video
   MediaLibrary* mediaLibrary = nullptr;    // null: the host renders nothing
   VideoEncoders* videoEncoders = nullptr;  // null: the host encodes no video
+  Documents* documents = nullptr;          // null: the host keeps no log file
 };
 
 }  // namespace zel::platform

@@ -1,5 +1,7 @@
 #include "simulator/command_line.h"
 
+#include <ZELTarkaSDK/Version.h>
+
 #include <sstream>
 #include <string>
 #include <vector>
@@ -44,6 +46,7 @@ std::string complaintOfFault(const std::string& spec) {
 CommandLine::CommandLine() {
   app_.footer("Example: zelcam-sim --serial E1A0001 --fault split --fault stall=5/20\n\n" + std::string(kFaultHelp) +
               '\n' + kCommandHelp + '\n' + kEventHelp);
+  app_.set_version_flag("--version", std::string("zelcam-sim ") + ZELTarkaSDKVersionString);
   const auto option = [this](const char* name, auto& value, const char* placeholder, const char* help) {
     return app_.add_option(name, value, help)->type_name(placeholder);
   };

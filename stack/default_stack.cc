@@ -4,6 +4,7 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELDateFormatter.h>
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
@@ -61,4 +62,8 @@ std::unique_ptr<ZELThumbnailRender> ZELThumbnailRender::initWithRenderWidth(std:
 ZELLiveDataSource::Source ZELLiveDataSource::initWitCameraResolution(Number resolution, Number stitchWidth,
                                                                      Number stitchHeight, Number bitrate) {
   return initWitCameraResolution(zel::processStack(), resolution, stitchWidth, stitchHeight, bitrate);
+}
+ZELDateFormatter& ZELDateFormatter::defaultFormatter() {
+  static auto* const formatter = new ZELDateFormatter(zel::processStack().ports());
+  return *formatter;
 }

@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "apps/zelcam/camera_choice.h"
+#include "apps/zelcam/diagnostics.h"
 #include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/output.h"
 
@@ -25,6 +26,7 @@ CameraLink::CameraLink(Bus& bus, const Settings& settings)
       watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); })) {}
 
 void CameraLink::statusChanged(std::uint64_t status) {
+  noteStatus(status);
   if (status == kFramesArrive) framesArrived_.store(true);
   if (status == kNoConnection && framesArrived_.load()) lost_.store(true);
   wake();

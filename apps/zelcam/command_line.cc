@@ -1,8 +1,27 @@
 #include "apps/zelcam/command_line.h"
 
+#include <string>
+
 #include "apps/zelcam/command_tree.h"
+#include "apps/zelcam/diagnostics.h"
+#include "apps/zelcam/output.h"
 
 namespace zel::app {
+namespace {
+
+// The command, between two lines of the log where one is kept.
+int runLogged(const Command& command, const Invocation& invocation, int argc, const char* const* argv) {
+  std::string error;
+  if (!invocation.settings.log.empty() && !keepLog(invocation.settings.log, error)) {
+    return complain(kWrongUsage, "--log", error);
+  }
+  noteCommandLine(argc, argv);
+  const int status = command.run(invocation);
+  note("ended with status " + std::to_string(status));
+  return status;
+}
+
+}  // namespace
 
 int runCommandLine(int argc, const char* const* argv) {
   CommandTree tree;
@@ -12,7 +31,7 @@ int runCommandLine(int argc, const char* const* argv) {
     return tree.parser().exit(fault) == 0 ? kDone : kWrongUsage;
   }
   const Command* const command = tree.chosen();
-  return command != nullptr ? command->run(tree.invocation()) : kWrongUsage;
+  return command != nullptr ? runLogged(*command, tree.invocation(), argc, argv) : kWrongUsage;
 }
 
 }  // namespace zel::app

@@ -1,5 +1,7 @@
 #include "apps/zelcam/command_tree.h"
 
+#include <ZELTarkaSDK/Version.h>
+
 #include <cmath>
 #include <string>
 #include <vector>
@@ -26,7 +28,7 @@ Exit status:
 )";
 
 void describeSettings(CLI::App& app, Settings& settings) {
-  app.set_version_flag("--version", "zelcam 0.1.0");
+  app.set_version_flag("--version", std::string("zelcam ") + ZELTarkaSDKVersionString);
   app.require_subcommand(1);
   app.add_option("--accessories", settings.accessories, "folder of the accessory bus (default: $ZEL_ACCESSORIES)")
       ->type_name("DIR");
@@ -37,6 +39,8 @@ void describeSettings(CLI::App& app, Settings& settings) {
       ->check(CLI::Range(0.0, 86400.0))
       ->type_name("SECONDS")
       ->capture_default_str();
+  app.add_option("--log", settings.log, "append to FILE what is asked, how the link changes and what goes wrong")
+      ->type_name("FILE");
   app.add_flag("--json", settings.json, "one JSON object a line");
   app.add_flag("--verbose", settings.verbose, "say more on standard error");
   app.footer(kNotes);

@@ -11,6 +11,7 @@
 
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
+#include "apps/zelcam/diagnostics.h"
 #include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/output.h"
 #include "platform/ports.h"
@@ -27,11 +28,6 @@ constexpr std::pair<FrameType, const char*> kTypes[] = {
     {FrameType::previewVideo, "video"}, {FrameType::previewAudio, "audio"}, {FrameType::photo, "photo"},
     {FrameType::message, "message"},    {FrameType::registered, "data"},    {FrameType::timestamp, "timestamp"},
     {FrameType::file, "file"},          {FrameType::other, "other"}};
-
-const char* statusName(std::uint64_t status) {
-  constexpr const char* kNames[] = {"no connection", "session open", "frames arriving", "frames stopped"};
-  return status < 4 ? kNames[status] : "unknown";
-}
 
 std::size_t index(FrameType type) { return static_cast<std::size_t>(type); }
 
@@ -78,6 +74,7 @@ class Monitor {
   double elapsed() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
 
   void statusChanged(std::uint64_t status) {
+    noteStatus(status);
     if (status == kFlowing && !flowed_.exchange(true)) platform_.stopMainQueue();
     platform_.ports().queues.mainQueue().post([this, status, at = elapsed(), clock = timeOfDay()] {
       if (settings_.json) {

@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "apps/zelcam/diagnostics.h"
+
 namespace zel::app {
 namespace {
 
@@ -35,7 +37,10 @@ std::string printable(std::string text) {
 
 void printLine(const std::string& line) { write(stdout, line); }
 
-void say(const std::string& line) { write(stderr, line); }
+void say(const std::string& line) {
+  write(stderr, line);
+  note(line);
+}
 
 int complain(int status, std::string_view command, std::string_view complaint) {
   say(fmt::format("zelcam: {}: {}", command, complaint));

@@ -21,7 +21,7 @@ std::string printable(std::string text);
 // A line for people on standard output.
 void printLine(const std::string& line);
 
-// A line for people on standard error, as progress and warnings are.
+// A line for people on standard error, as progress and warnings are, and in the log where one is kept.
 void say(const std::string& line);
 
 // Says why a command ends with that exit status, which is returned.

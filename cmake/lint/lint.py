@@ -8,7 +8,7 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-FOLDERS = ("include", "platform", "transport", "support", "capture", "media", "command", "live", "stack", "simulator", "apps",
+FOLDERS = ("include", "packaging", "platform", "transport", "support", "capture", "media", "command", "live", "stack", "simulator", "apps",
            "tests", "bench", "fuzz", "examples")
 TIDIED = ("platform/", "transport/", "support/", "capture/", "media/", "command/", "live/", "stack/", "simulator/", "apps/")
 

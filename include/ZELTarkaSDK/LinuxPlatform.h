@@ -9,8 +9,9 @@
 namespace zel {
 
 namespace platform {
+class Clock;
 struct Ports;
-}
+}  // namespace platform
 
 // The ports on Linux: run loops and streams, the accessory bus of a folder, the main queue.
 // Thread: the thread that makes it is the main thread until the main queue is run on another one.
@@ -22,6 +23,9 @@ class ZEL_EXPORT LinuxPlatform {
     std::string accessoriesFolder;
     // Hears of accessories that had to be skipped, one line each. Empty: standard error.
     std::function<void(const std::string&)> warn;
+    // Where ZELDateFormatter keeps log.txt. Empty: $XDG_DATA_HOME/zelcam, else ~/.local/share/zelcam. Made with mode
+    // 0700 where it is missing, with the first write.
+    std::string documentsFolder;
   };
 
   // The folder that `accessoriesFolder` stands for (see Options).
@@ -37,6 +41,9 @@ class ZEL_EXPORT LinuxPlatform {
   LinuxPlatform& operator=(const LinuxPlatform&) = delete;
 
   const platform::Ports& ports();
+
+  // The system's clock, which needs no platform and is there for good.
+  static const platform::Clock& systemClock();
 
   // Runs the main queue on the calling thread until stopMainQueue().
   void runMainQueue();

@@ -26,20 +26,6 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
   return path;
 }
 
-// Makes every missing folder on the way, the last one included. Returns 0 or the error's number.
-int makeFolders(std::string_view path) {
-  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
-    const std::string folder(path.substr(0, end));
-    if (mkdir(folder.c_str(), kOwnerOnly) != 0 && errno != EEXIST) {
-      const int code = errno;
-      struct stat known = {};
-      // A folder above may be one where nothing can be made, as long as the next one is there.
-      if (stat(folder.c_str(), &known) != 0) return code;
-    }
-    if (end == std::string_view::npos) return 0;
-  }
-}
-
 // What is wrong with the folder, as the end of a sentence; empty when nothing is.
 std::string faultOf(const std::string& path) {
   struct stat link = {};
@@ -56,6 +42,19 @@ std::string faultOf(const std::string& path) {
 }
 
 }  // namespace
+
+int makeFolders(std::string_view path) {
+  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+    const std::string folder(path.substr(0, end));
+    if (mkdir(folder.c_str(), kOwnerOnly) != 0 && errno != EEXIST) {
+      const int code = errno;
+      struct stat known = {};
+      // A folder above may be one where nothing can be made, as long as the next one is there.
+      if (stat(folder.c_str(), &known) != 0) return code;
+    }
+    if (end == std::string_view::npos) return 0;
+  }
+}
 
 std::string accessoryFolderPath(const std::string& chosen) {
   if (!chosen.empty()) return chosen;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace zel::platform {
 
@@ -14,5 +15,8 @@ std::string accessoryFolderPath(const std::string& chosen);
 // since a stranger's link could be turned elsewhere at any time.
 // Errors: false; `error` names the folder, the fault and the remedy.
 bool prepareAccessoryFolder(const std::string& path, std::string& error);
+
+// Makes the folder and its missing parents with mode 0700. Errors: the error's number, else 0.
+int makeFolders(std::string_view path);
 
 }  // namespace zel::platform

@@ -1,7 +1,11 @@
 #include "platform/linux/linux_clock.h"
 
+#include <time.h>
+
 #include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <ctime>
 #include <thread>
 
 namespace zel::platform {
@@ -19,6 +23,13 @@ double LinuxClock::absoluteTime() const {
 
 void LinuxClock::sleepFor(double seconds) {
   if (seconds > 0) std::this_thread::sleep_for(std::chrono::duration<double>(std::min(seconds, kLongestSleep)));
+}
+
+std::int64_t LinuxClock::localTimeOffset(double absoluteTime) const {
+  const auto time = static_cast<std::time_t>(std::floor(absoluteTime + kEpoch));
+  std::tm local{};
+  ::tzset();  // localtime_r() alone stays with the zone that the process began in
+  return ::localtime_r(&time, &local) != nullptr ? local.tm_gmtoff : 0;
 }
 
 }  // namespace zel::platform

@@ -8,6 +8,7 @@
 #include "platform/linux/accessory_folder.h"
 #include "platform/linux/linux_accessory_manager.h"
 #include "platform/linux/linux_clock.h"
+#include "platform/linux/linux_documents.h"
 #include "platform/linux/linux_run_loop.h"
 #include "platform/linux/linux_threads.h"
 #include "platform/linux/linux_timer.h"
@@ -60,6 +61,7 @@ struct LinuxPlatform::State {
   explicit State(Options options)
       : queues(*mainRunLoop),
         threads(mainRunLoop),
+        documents(options.documentsFolder),
         accessories(settingsOf(std::move(options)), mainRunLoop, notifications) {}
 
   // Whatever still runs goes first, then what it may have used.
@@ -74,9 +76,11 @@ struct LinuxPlatform::State {
   platform::InProcessNotificationCenter notifications;
   LinuxQueues queues;
   platform::LinuxThreads threads;
+  platform::LinuxDocuments documents;
   platform::LinuxAccessoryManager accessories;
   std::thread service;  // waits for the main run loop's timers and descriptors, where the host has an executor
-  platform::Ports ports{lastingClock(), threads, queues, accessories, notifications};
+  platform::Ports ports{lastingClock(), threads, queues,  accessories, notifications,
+                        nullptr,        nullptr, nullptr, &documents};
 };
 
 std::string LinuxPlatform::accessoriesFolder(const std::string& accessoriesFolder) {
@@ -92,6 +96,8 @@ std::unique_ptr<LinuxPlatform> LinuxPlatform::create(Options options, std::strin
 LinuxPlatform::LinuxPlatform(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
 LinuxPlatform::~LinuxPlatform() = default;
+
+const platform::Clock& LinuxPlatform::systemClock() { return lastingClock(); }
 
 const platform::Ports& LinuxPlatform::ports() { return state_->ports; }
 

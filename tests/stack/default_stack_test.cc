@@ -2,8 +2,14 @@
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELDateFormatter.h>
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
+
+#include <algorithm>
+#include <array>
+#include <thread>
+#include <vector>
 
 #include "platform/simulated/simulated_platform.h"
 #include "transport/camera_data_parser.h"
@@ -46,6 +52,39 @@ TEST(DefaultStackDeathTest, MakesALiveDataSourceOfTheProcess) {
         source->startLiveData();
         exitWith(source->fps() == 25 && source->player() != nullptr &&
                  source->player() == CameraDataParser::shareCameraDataParser().previewPlayer());
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+// Four threads ask for it at once.
+bool allSeeOneFormatter() {
+  std::array<const ZELDateFormatter*, 4> seen{};
+  {
+    std::vector<std::jthread> threads;
+    for (auto& formatter : seen) {
+      threads.emplace_back([&formatter] { formatter = &ZELDateFormatter::defaultFormatter(); });
+    }
+  }
+  return std::ranges::count(seen, &ZELDateFormatter::defaultFormatter()) == 4;
+}
+
+TEST(DefaultStackDeathTest, MakesOneDateFormatterHoweverManyAskForItAtOnce) {
+  EXPECT_EXIT(
+      {
+        auto* host = new platform::SimulatedPlatform();
+        setDefaultPorts(host->ports());
+        exitWith(allSeeOneFormatter());
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST(DefaultStackDeathTest, GivesTheDateFormatterTheClockOfTheProcess) {
+  EXPECT_EXIT(
+      {
+        auto* host = new platform::SimulatedPlatform();
+        host->setNow(731'063'103.007);
+        setDefaultPorts(host->ports());
+        exitWith(ZELDateFormatter::defaultFormatter().getCurrentTime() == "2024-03-02 09:05:03:007");
       },
       testing::ExitedWithCode(0), "");
 }

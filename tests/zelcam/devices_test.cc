@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <ZELTarkaSDK/Version.h>
+
 #include "tests/zelcam/zelcam_test.h"
 
 namespace zel::test {
@@ -92,6 +94,15 @@ TEST_F(DevicesTest, EndsWrongUsageWithTwo) {
   EXPECT_EQ(zelcam({"--timeout", "soon", "devices"})->wait(), 2);
   EXPECT_EQ(zelcam({"--help"})->wait(), 0);
   EXPECT_EQ(zelcam({"devices", "--help"})->wait(), 0);
+}
+
+TEST_F(DevicesTest, ComesWithASimulatorOfItsOwnVersion) {
+  const auto host = zelcam({"--version"});
+  EXPECT_EQ(host->wait(), 0);
+  EXPECT_EQ(host->output(), std::string("zelcam ") + ZELTarkaSDKVersionString + "\n");
+  Process camera(simulatorProgram(), {"--version"}, folder.path());
+  EXPECT_EQ(camera.wait(), 0);
+  EXPECT_EQ(camera.output(), std::string("zelcam-sim ") + ZELTarkaSDKVersionString + "\n");
 }
 
 TEST_F(DevicesTest, LeavesNothingBehindWhenTheSimulatorEnds) {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+// Firmware from which the clocks are synchronised and timestamp frames count ("Fireware" is the interface's spelling).
+inline constexpr std::int32_t kFirewareVersion190 = 190;
+
+// Written by the camera where its stream can be picked up, and sent to it to ask for that.
+inline constexpr std::array<std::uint8_t, 10> dataSynchronismValue = {0xAF, 0xFA, 0xAF, 0xFA, 0xAF,
+                                                                      0xFA, 0xAF, 0xFA, 0xAF, 0xFA};

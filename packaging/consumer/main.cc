@@ -1,0 +1,23 @@
+// A host outside the project, with nothing but an installed copy of the library: it looks for cameras in a folder.
+
+#include <ZELTarkaSDK/ZELTarkaSDK.h>
+
+#include <cstdio>
+#include <string>
+
+int main(int argc, char** argv) {
+  if (argc != 2) return std::fprintf(stderr, "usage: consumer FOLDER\n"), 2;
+  std::string fault;
+  const auto platform =
+      zel::LinuxPlatform::create({.accessoriesFolder = argv[1], .warn = {}, .documentsFolder = {}}, fault);
+  if (!platform) return std::fprintf(stderr, "%s\n", fault.c_str()), 1;
+  const zel::LinuxMedia media(platform->ports());
+  zel::CameraStack stack(media.ports());
+  const bool attached = stack.accessory().openCamera() != nullptr;
+  std::printf("ZELTarkaSDK %s (%.1f), %zu accessories, a camera: %s, decodes: %s, offset %s\n",
+              ZELTarkaSDKVersionString, ZELTarkaSDKVersionNumber,
+              platform->ports().accessories.connectedAccessories().size(), attached ? "yes" : "no",
+              media.ports().videoDecoders != nullptr ? "yes" : "no",
+              getOffsetFromZELMediaOffset(getMediaOffsetFromOffset("1_1_2_3_4_5_6_7_8_9")).c_str());
+  return 0;
+}

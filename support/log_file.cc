@@ -1,0 +1,55 @@
+#include "support/log_file.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+namespace zel {
+namespace {
+
+constexpr int kMostNames = 100;  // of temporary files that others are writing, or left when they were ended
+
+struct Closer {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, Closer>;
+
+// False where the bytes did not all reach the file.
+bool writeAndClose(File file, std::span<const std::uint8_t> bytes) {
+  const bool written = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+  return std::fclose(file.release()) == 0 && written;
+}
+
+// A file beside that one, which nobody else has; "x" makes it or fails.
+File makeTemporary(const std::string& path, std::string& name) {
+  for (int number = 0; number < kMostNames; ++number) {
+    name = path + "." + std::to_string(number) + ".part";
+    if (File file{std::fopen(name.c_str(), "wbx")}) return file;
+  }
+  return nullptr;
+}
+
+void replaceFile(const std::string& path, std::span<const std::uint8_t> bytes) {
+  std::string name;
+  File file = makeTemporary(path, name);
+  if (!file) return;
+  std::error_code fault;
+  if (writeAndClose(std::move(file), bytes)) {
+    std::filesystem::rename(name, path, fault);
+    if (!fault) return;
+  }
+  std::filesystem::remove(name, fault);
+}
+
+}  // namespace
+
+void appendToFile(const std::string& path, std::span<const std::uint8_t> bytes) {
+  if (File file{std::fopen(path.c_str(), "r+b")}) {
+    if (std::fseek(file.get(), 0, SEEK_END) == 0) writeAndClose(std::move(file), bytes);
+    return;
+  }
+  replaceFile(path, bytes);
+}
+
+}  // namespace zel

@@ -1,0 +1,113 @@
+#include <ZELTarkaSDK/ZELDateFormatter.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <span>
+#include <utility>
+
+#include "platform/clock.h"
+#include "platform/documents.h"
+#include "platform/ports.h"
+#include "support/log_file.h"
+
+namespace {
+
+constexpr char kTimeStampFormat[] = "yyyy-MM-dd HH:mm:ss:SSS";
+constexpr char kLogName[] = "log.txt";
+constexpr std::chrono::sys_days kEpoch = std::chrono::January / 1 / 2001;
+
+// A moment taken apart.
+struct LocalTime {
+  explicit LocalTime(std::chrono::sys_time<std::chrono::microseconds> moment)
+      : date(std::chrono::floor<std::chrono::days>(moment)),
+        time(moment - std::chrono::floor<std::chrono::days>(moment)) {}
+
+  std::chrono::year_month_day date;
+  std::chrono::hh_mm_ss<std::chrono::microseconds> time;
+};
+
+std::string padded(std::int64_t number, std::size_t digits) {
+  std::string text = std::to_string(number);
+  if (text.size() < digits) text.insert(0, digits - text.size(), '0');
+  return text;
+}
+
+// What a run of so many of the letter stands for.
+std::string fieldText(char letter, std::size_t run, const LocalTime& moment) {
+  switch (letter) {
+    case 'y':
+      return padded(static_cast<int>(moment.date.year()), run);
+    case 'M':
+      return padded(static_cast<unsigned>(moment.date.month()), run);
+    case 'd':
+      return padded(static_cast<unsigned>(moment.date.day()), run);
+    case 'H':
+      return padded(moment.time.hours().count(), run);
+    case 'm':
+      return padded(moment.time.minutes().count(), run);
+    case 's':
+      return padded(moment.time.seconds().count(), run);
+    case 'S': {
+      std::string fraction = padded(moment.time.subseconds().count(), 6);
+      fraction.resize(run, '0');
+      return fraction;
+    }
+    default:
+      return std::string(run, letter);
+  }
+}
+
+std::function<std::string()> logFileOf(zel::platform::Documents* documents) {
+  return [documents]() -> std::string {
+    const std::string folder = documents != nullptr ? documents->folder() : std::string();
+    return folder.empty() ? folder : folder + "/" + kLogName;
+  };
+}
+
+}  // namespace
+
+ZELDateFormatter::ZELDateFormatter(const zel::platform::Ports& ports)
+    : clock_(ports.clock), logFile_(logFileOf(ports.documents)) {}
+
+ZELDateFormatter::ZELDateFormatter(const zel::platform::Clock& clock, std::string logFile)
+    : clock_(clock), logFile_([logFile = std::move(logFile)] { return logFile; }) {}
+
+ZELDateFormatter::~ZELDateFormatter() = default;
+
+std::string ZELDateFormatter::getCurrentTime() {
+  setDateFormat(kTimeStampFormat);
+  return stringFromDate(clock_.absoluteTime());
+}
+
+std::string ZELDateFormatter::dateFormat() const {
+  const zel::MutexLock lock(mutex_);
+  return dateFormat_;
+}
+
+void ZELDateFormatter::setDateFormat(const std::string& dateFormat) {
+  const zel::MutexLock lock(mutex_);
+  dateFormat_ = dateFormat;
+}
+
+std::string ZELDateFormatter::stringFromDate(double date) const {
+  const std::string format = dateFormat();
+  // Microseconds are what the clock's seconds resolve today; their rounding keeps 0.007 s from becoming 6.999 ms.
+  const std::chrono::microseconds sinceEpoch(std::llround(date * 1e6));
+  const LocalTime moment(kEpoch + sinceEpoch + std::chrono::seconds(clock_.localTimeOffset(date)));
+  std::string text;
+  for (std::size_t at = 0; at < format.size();) {
+    const std::size_t end = std::min(format.find_first_not_of(format[at], at), format.size());
+    text += fieldText(format[at], end - at, moment);
+    at = end;
+  }
+  return text;
+}
+
+void ZELDateFormatter::writeLogToFile(const void* bytes, std::uint64_t length) {
+  if (length > std::numeric_limits<std::size_t>::max() || (bytes == nullptr && length > 0)) return;
+  const std::string path = logFile_();
+  if (path.empty()) return;
+  zel::appendToFile(path, {static_cast<const std::uint8_t*>(bytes), static_cast<std::size_t>(length)});
+}

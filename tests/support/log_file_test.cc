@@ -1,0 +1,110 @@
+#include "support/log_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+namespace zel {
+namespace {
+
+class LogFileTest : public testing::Test {
+ protected:
+  LogFileTest() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "zel-log-XXXXXX").string();
+    folder = ::mkdtemp(pattern.data());
+  }
+  ~LogFileTest() override { std::filesystem::remove_all(folder); }
+
+  std::string file(const std::string& name = "log.txt") const { return (folder / name).string(); }
+
+  void append(std::string_view text) const {
+    appendToFile(file(), {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+  }
+
+  static std::string contentOf(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return stream ? std::string(std::istreambuf_iterator<char>(stream), {}) : "no file";
+  }
+
+  std::ptrdiff_t filesThere() const {
+    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+  }
+
+  std::filesystem::path folder;
+};
+
+TEST_F(LogFileTest, AppearsWithTheBytesOfTheFirstWrite) {
+  append(std::string_view("a\0b\n", 4));
+  EXPECT_EQ(contentOf(file()), std::string("a\0b\n", 4));
+  EXPECT_EQ(filesThere(), 1);
+}
+
+TEST_F(LogFileTest, GrowsByTheBytesOfEachFurtherWrite) {
+  append("one");
+  append("two");
+  append("three\n");
+  EXPECT_EQ(contentOf(file()), "onetwothree\n");
+}
+
+TEST_F(LogFileTest, AppearsEmptyAfterAWriteOfNothing) {
+  append("");
+  EXPECT_EQ(contentOf(file()), "");
+  EXPECT_EQ(filesThere(), 1);
+}
+
+TEST_F(LogFileTest, StaysAsItIsAfterAFurtherWriteOfNothing) {
+  append("one");
+  append("");
+  EXPECT_EQ(contentOf(file()), "one");
+}
+
+TEST_F(LogFileTest, TakesTheNextTemporaryNameWhereAnotherWriterHasTheFirst) {
+  std::ofstream(file("log.txt.0.part")) << "another's";
+  append("mine");
+  EXPECT_EQ(contentOf(file()), "mine");
+  EXPECT_EQ(contentOf(file("log.txt.0.part")), "another's");
+}
+
+TEST_F(LogFileTest, ReplacesWhatCannotBeOpened) {
+  std::filesystem::create_symlink("log.txt", file());  // a link that leads to itself
+  append("one");
+  EXPECT_EQ(contentOf(file()), "one");
+  EXPECT_FALSE(std::filesystem::is_symlink(file()));
+}
+
+TEST_F(LogFileTest, LosesTheBytesInSilenceWhereTheFolderIsMissing) {
+  std::filesystem::remove(folder);
+  append("lost");
+  EXPECT_FALSE(std::filesystem::exists(folder));
+}
+
+TEST_F(LogFileTest, LosesTheBytesInSilenceWhereAFolderHasTheName) {
+  std::filesystem::create_directories(file("log.txt/below"));
+  append("lost");
+  EXPECT_TRUE(std::filesystem::is_directory(file()));
+  EXPECT_EQ(filesThere(), 1);
+}
+
+TEST_F(LogFileTest, LosesTheBytesInSilenceWhereNothingCanBePositioned) {
+  ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
+  append("lost");
+  EXPECT_TRUE(std::filesystem::is_fifo(file()));
+  EXPECT_EQ(filesThere(), 1);
+}
+
+TEST_F(LogFileTest, LosesTheBytesInSilenceWhereTheDiskIsFull) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "this machine has no /dev/full";
+  std::filesystem::create_symlink("/dev/full", file());
+  append("lost");
+  EXPECT_TRUE(std::filesystem::is_symlink(file()));
+  EXPECT_EQ(filesThere(), 1);
+}
+
+}  // namespace
+}  // namespace zel
