@@ -40,8 +40,9 @@ def complaint(line):
         return None if words[1] in commands_of_run() else "no such command of ./run"
     if words[0] == "cmake" and "--preset" in words:
         return None if words[words.index("--preset") + 1] in presets() else "no such preset"
-    if words[0] == "cmake" and words[1] == "--build":
-        return None if Path(words[2]).name in presets() and is_built(words[words.index("--target") + 1]) else "builds nothing"
+    if words[0] == "cmake" and words[1] in ("--build", "--install"):
+        target = words[words.index("--target") + 1] if "--target" in words else None
+        return None if Path(words[2]).name in presets() and (target is None or is_built(target)) else "builds nothing"
     if words[0].startswith("build/"):
         return None if words[0].endswith(("/zelcam", "/zelcam-sim")) or is_built(Path(words[0]).name) else "is built nowhere"
     return None if words[0] in ("zelcam", "zelcam-sim") else "nobody knows how to try this"
@@ -135,7 +136,7 @@ class Pages(unittest.TestCase):
         self.assertEqual(read.stdout, "")
 
     def test_a_command_that_cannot_be_typed_would_be_found(self):
-        for line in ("./run everything", "cmake --preset quick", "build/debug/bin/no_tests", "make install"):
+        for line in ("./run everything", "cmake --preset quick", "cmake --build build/debug --target no_tests", "build/debug/bin/no_tests", "make install"):
             self.assertIsNotNone(complaint(line), line)
 
     def test_the_pages_of_the_programs_name_every_option(self):
