@@ -25,6 +25,7 @@ void blockSignals(sigset_t& signals) {
   sigaddset(&signals, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGTTIN, SIG_IGN);  // in a terminal's background it runs without commands, rather than be stopped
 }
 
 void beSilent(CameraSimulator& simulator, const std::string& text) {

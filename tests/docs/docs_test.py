@@ -2,6 +2,7 @@
 """Tries what the README and the pages in docs/ say."""
 import json
 import os
+import pty
 import re
 import shlex
 import signal
@@ -36,6 +37,8 @@ def is_built(target):
 def complaint(line):
     """Why a command line cannot be typed as it stands; those of the two programs are read by the programs' own parsers."""
     words = shlex.split(line, comments=True)
+    if words[0] == "export":
+        return None if words[1:] == ["PATH=$PWD/build/release/bin:$PATH"] else "leads nowhere"
     if words[0] == "./run":
         return None if words[1] in commands_of_run() else "no such command of ./run"
     if words[0] == "cmake" and "--preset" in words:
@@ -169,6 +172,19 @@ class Sessions(unittest.TestCase):
         with Camera() as camera:
             done = camera.run([BUILD / "bin" / "phone_host"], PHONE_CAMERA=camera.socket())
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "battery: 100 %, clock offset known\n", ""))
+
+    def test_a_simulator_in_the_background_of_a_terminal_goes_on(self):
+        """A program that reads the terminal from there is stopped otherwise."""
+        with tempfile.TemporaryDirectory() as folder:
+            script = """zelcam-sim >"$0/out" & for i in {1..600}; do grep -q attached "$0/out" && break; sleep 0.1; done
+                        zelcam info >"$0/info"; kill -CONT $!; kill $!; wait"""
+            shell, terminal = pty.fork()
+            if shell == 0:
+                os.environ.update({"ZEL_ACCESSORIES": f"{folder}/bus", "PATH": f"{BUILD}/bin:{os.environ['PATH']}"})
+                os.execvp("bash", ["bash", "--norc", "-i", "-c", script, folder])
+            os.waitpid(shell, 0)
+            os.close(terminal)
+            self.assertRegex(Path(folder, "info").read_text(), r"serialNumber +E1A0001\n")
 
     def test_what_is_shown_happens(self):
         """But for live streams, which the end-to-end tests run, since they last."""

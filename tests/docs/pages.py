@@ -4,7 +4,7 @@ import re
 import sys
 from pathlib import Path
 
-PROGRAMS = r"(?:zelcam|zelcam-sim|\./run|cmake|build/\w+/bin/\w+)"
+PROGRAMS = r"(?:export|zelcam|zelcam-sim|\./run|cmake|build/\w+/bin/\w+)"
 
 
 class Page:
