@@ -5,6 +5,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tempfile
 import unittest
 from pathlib import Path
 
@@ -101,6 +102,20 @@ class Examples(unittest.TestCase):
     def read(lines):
         return subprocess.run([BUILD / "bin" / "read_command_lines"], input="\n".join(lines) + "\n", text=True,
                               capture_output=True, check=False).stdout
+
+
+class Installation(unittest.TestCase):
+    def test_puts_each_where_man_and_the_shells_look(self):
+        with tempfile.TemporaryDirectory() as prefix:
+            for folder in ("apps/zelcam", "simulator"):
+                script = BUILD / folder / "cmake_install.cmake"
+                subprocess.run(["cmake", f"-DCMAKE_INSTALL_PREFIX={prefix}", "-DCMAKE_INSTALL_COMPONENT=tools", "-P", script], check=True,
+                               capture_output=True)
+            installed = {str(path.relative_to(prefix)) for path in Path(prefix).rglob("*") if path.is_file()}
+        for program in PROGRAMS:
+            self.assertIn(f"share/man/man1/{program}.1", installed)
+            self.assertIn(f"share/bash-completion/completions/{program}", installed)
+            self.assertIn(f"share/zsh/site-functions/_{program}", installed)
 
 
 class BashCompletion(unittest.TestCase):
