@@ -26,7 +26,7 @@ void ZELDecodeRunLoop::start() {
   if (thread_) return;
   const auto kept = shared_from_this();
   thread_ = threads_.start("preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->publish(runLoop); },
-                                              [kept] { kept->withdraw(); }});
+                                              [kept] { kept->end(); }});
 }
 
 void ZELDecodeRunLoop::stop() {
@@ -45,6 +45,12 @@ void ZELDecodeRunLoop::publish(zel::platform::RunLoop& runLoop) {
   if (abandoned_) return runLoop.stop();
   source_ = runLoop.addSource([this] { decodeData(); });
   runLoop_ = &runLoop;
+}
+
+// The last picture of several slices, and those out of order, come only now.
+void ZELDecodeRunLoop::end() {
+  for (auto late = h264Decoder_->flush(); late.pixelBuffer; late = h264Decoder_->flush()) deliver(late);
+  withdraw();
 }
 
 void ZELDecodeRunLoop::withdraw() {

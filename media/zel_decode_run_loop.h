@@ -33,8 +33,8 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   // Starts the thread; only the first call does. Thread: any thread.
   void start();
 
-  // Ends the thread after the unit that it is at, without waiting. Before the thread has begun to run its loop, this
-  // has no effect. Thread: any thread.
+  // Ends the thread after the unit that it is at, without waiting; pictures that the decoder holds back still come.
+  // Before the thread has begun to run its loop, this has no effect. Thread: any thread.
   void stop();
 
   // appendDecodeData: - queues one unit: 4 bytes of length, highest first, then the NAL header and the rest. Units that
@@ -60,8 +60,9 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
 
   void abandon() ZEL_EXCLUDES(loopMutex_);
   void publish(zel::platform::RunLoop& runLoop) ZEL_EXCLUDES(loopMutex_);  // decode thread, before its loop runs
-  void withdraw() ZEL_EXCLUDES(loopMutex_);                                // decode thread, after it
-  void decodeData();                                                       // decode thread: one unit a call
+  void end() ZEL_EXCLUDES(pixelBufferMutex_, loopMutex_);                  // decode thread, after it
+  void withdraw() ZEL_EXCLUDES(loopMutex_);
+  void decodeData();  // decode thread: one unit a call
   Unit takeUnit() ZEL_EXCLUDES(h264DataMutex_);
   void signalIfMoreWaits() ZEL_EXCLUDES(h264DataMutex_, loopMutex_);
   void deliver(const zel::platform::DecodedPicture& picture) ZEL_EXCLUDES(pixelBufferMutex_);

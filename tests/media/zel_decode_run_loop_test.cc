@@ -158,6 +158,17 @@ TEST_F(ZELDecodeRunLoopTest, GivesALatePictureTheTimeOfItsOwnUnit) {
   EXPECT_THAT(log->times, ElementsAre(1));
 }
 
+TEST_F(ZELDecodeRunLoopTest, ShowsWhatTheDecoderHoldsBackWhenItIsStopped) {
+  start();
+  decoders.holdBack();
+  append(0x65, 1);
+  append(0x41, 2);
+  host.runUntilIdle();
+  loop->stop();
+  host.runUntilIdle();
+  EXPECT_THAT(log->times, ElementsAre(1, 2));
+}
+
 TEST_F(ZELDecodeRunLoopTest, EndsItsThreadWhenItIsStopped) {
   start();
   EXPECT_EQ(threads(), 1);

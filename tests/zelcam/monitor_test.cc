@@ -16,7 +16,7 @@ class MonitorTest : public ZelcamTest {
     Arguments arguments;
     for (const auto& fault : faults) arguments.insert(arguments.end(), {"--fault", fault});
     const auto camera = simulator(arguments);
-    const auto host = zelcam({"--json", "monitor", "--seconds", seconds});
+    const auto host = zelcam({"--json", "--timeout", "60", "monitor", "--seconds", seconds});
     EXPECT_EQ(host->wait(), 0) << host->errors();
     statuses.clear();
     for (const Json& line : lines(*host)) {

@@ -89,9 +89,13 @@ std::string md5Of(const std::vector<DecodedPicture>& pictures) {
   return sum.text();
 }
 
-std::vector<std::uint8_t> realMedia(const std::string& name) {
+std::string realMediaPath(const std::string& name) {
   const char* folder = std::getenv("ZEL_TEST_MEDIA");
-  std::ifstream file(std::string(folder != nullptr ? folder : ZEL_TEST_MEDIA) + "/" + name, std::ios::binary);
+  return std::string(folder != nullptr ? folder : ZEL_TEST_MEDIA) + "/" + name;
+}
+
+std::vector<std::uint8_t> realMedia(const std::string& name) {
+  std::ifstream file(realMediaPath(name), std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
 

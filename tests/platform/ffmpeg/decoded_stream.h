@@ -21,7 +21,9 @@ DecodedStream decodeAll(platform::VideoDecoders& decoders, const std::vector<Uni
 // MD5 of the pictures' planes, luma, Cb, Cr, in turn, in hexadecimal.
 std::string md5Of(const std::vector<platform::DecodedPicture>& pictures);
 
-// A file of the folder of real media ($ZEL_TEST_MEDIA, else the one beside the project). Empty where there is none.
+// A file of the folder of real media ($ZEL_TEST_MEDIA, else the one beside the project): its path, and its bytes, none
+// where it is absent.
+std::string realMediaPath(const std::string& name);
 std::vector<std::uint8_t> realMedia(const std::string& name);
 
 }  // namespace zel::test
