@@ -3,8 +3,8 @@
 #include <pthread.h>
 #include <csignal>
 
-#include <CLI/CLI.hpp>
 #include <ZELTarkaSDK/Version.h>
+#include <CLI/CLI.hpp>
 
 #include <iostream>
 #include <string>

@@ -1,7 +1,7 @@
 #include "apps/zelcam/command_line.h"
 
-#include <CLI/CLI.hpp>
 #include <ZELTarkaSDK/Version.h>
+#include <CLI/CLI.hpp>
 
 #include <cmath>
 #include <string>
