@@ -28,15 +28,21 @@ macro(zel_package component name section summary text)
   install(FILES debian/changelog DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} COMPONENT ${component})
 endmacro()
 
-set(what "ZELTarkaSDK drives a small 360-degree camera over one byte stream: it finds the camera, sends commands, takes "
-  "photos and files, decodes the preview, and stitches and encodes live video.")
-list(JOIN what "" what)
+set(what "ZELTarkaSDK drives a small 360-degree camera over one byte stream:
+it finds the camera, sends commands, takes photos and files, decodes the
+preview, and stitches and encodes live video.
+.
+")
 zel_package(runtime libzeltarkasdk${ZEL_SOVERSION} libs "device framework for 360-degree cameras"
-  "${what}\n.\nThis package holds the shared library.")
+  "${what}This package holds the shared library.")
 zel_package(development libzeltarkasdk-dev libdevel "device framework for 360-degree cameras (development files)"
-  "${what}\n.\nThis package holds the headers, the static library, and the files by which CMake and pkg-config find both.")
+  "${what}This package holds the headers, the static library, and the files by which
+CMake and pkg-config find both.")
 zel_package(tools zeltarkasdk-tools utils "command-line host and simulator for 360-degree cameras"
-  "${what}\n.\nThis package holds zelcam, the command-line host, and zelcam-sim, a simulated camera.")
+  "${what}This package holds zelcam, the command-line host, and zelcam-sim, a
+simulated camera.")
+# The shared library's users find it once the linker's cache is made anew.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
   "libzeltarkasdk${ZEL_SOVERSION} (= ${PROJECT_VERSION}), libavcodec-dev, libavutil-dev, libhwy-dev, libyuv-dev")
 include(CPack)

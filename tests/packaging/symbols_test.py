@@ -7,7 +7,9 @@ import xml.etree.ElementTree as ElementTree
 
 def kept_symbols(path):
     root = ElementTree.parse(path).getroot()
-    return {f"{symbol.get('name')}@@{symbol.get('version')}" for symbol in root.iter("elf-symbol")}
+    return {f"{symbol.get('name')}@@{symbol.get('version')}"
+            for kind in ("elf-function-symbols", "elf-variable-symbols") for symbol in root.find(kind)
+            if symbol.get("is-defined") == "yes"}
 
 
 def shown_symbols(library):
