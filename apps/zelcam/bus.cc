@@ -7,7 +7,7 @@
 
 namespace zel::app {
 
-Bus::Bus(const Settings& settings) : mediaLibrary_([](const std::string& fault) { say("zelcam: " + fault); }) {
+Bus::Bus(const Settings& settings) {
   std::string error;
   platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = {}}, error);
   if (!platform_) {
@@ -17,14 +17,15 @@ Bus::Bus(const Settings& settings) : mediaLibrary_([](const std::string& fault) 
   if (settings.verbose) {
     say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
   }
+  media_ = std::make_unique<LinuxMedia>(
+      platform_->ports(), LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }});
+  videoDecoders_ = std::make_unique<NotingDecoders>(*media_->ports().videoDecoders, arrivals_);
   stopMainQueueOnInterrupt(*platform_);
 }
 
 platform::Ports Bus::ports() {
-  platform::Ports ports = platform_->ports();
-  ports.videoDecoders = decodes_ ? &videoDecoders_ : nullptr;
-  ports.videoEncoders = &videoEncoders_;
-  ports.mediaLibrary = &mediaLibrary_;
+  platform::Ports ports = media_->ports();
+  ports.videoDecoders = decodes_ ? videoDecoders_.get() : nullptr;
   return ports;
 }
 

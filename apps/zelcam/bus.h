@@ -1,15 +1,13 @@
 #pragma once
 
+#include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
 #include <memory>
 
 #include "apps/zelcam/arrival_clock.h"
 #include "apps/zelcam/settings.h"
-#include "platform/ffmpeg/h264_decoder.h"
-#include "platform/ffmpeg/h264_encoder.h"
 #include "platform/ports.h"
-#include "platform/render/stitching_library.h"
 
 namespace zel::app {
 
@@ -32,12 +30,11 @@ class Bus {
   const ArrivalClock& arrivals() const { return arrivals_; }
 
  private:
-  platform::LibavVideoDecoders libavDecoders_;
   ArrivalClock arrivals_;
-  NotingDecoders videoDecoders_{libavDecoders_, arrivals_};
-  platform::LibavVideoEncoders videoEncoders_;
   bool decodes_ = true;
-  render::StitchingLibrary mediaLibrary_;
+  // Made after the platform, and gone after its threads, which decode.
+  std::unique_ptr<LinuxMedia> media_;
+  std::unique_ptr<NotingDecoders> videoDecoders_;
   std::unique_ptr<LinuxPlatform> platform_;
 };
 
