@@ -12,6 +12,7 @@ CORE = ("transport", "support", "capture", "media", "command", "live", "stack")
 PROGRAMS = ("simulator", "apps/zelcam")
 SOURCES = CORE + ("platform", "include") + PROGRAMS + ("tests", "bench", "fuzz", "examples")
 LONGEST_FUNCTION = 60
+LONGEST_EXAMPLE = 59
 STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, and nothing with a slash or a suffix
 CLASS_OPERATION = re.compile(r"\b(default[A-Z]\w*|share[A-Z]\w*)\(")
 
@@ -162,11 +163,25 @@ def long_functions(root):
                     break
 
 
+def examples(root):
+    """A small host sees what any host sees: the public headers, the standard library and the system."""
+    for path in sorted((root / "examples").glob("*")):
+        relative = path.relative_to(root).as_posix()
+        if path.suffix == ".cc" and len(path.read_text().splitlines()) > LONGEST_EXAMPLE:
+            yield f"{relative}:1: an example has at most {LONGEST_EXAMPLE} lines"
+        if path.suffix not in (".h", ".cc"):
+            continue
+        for number, quote, include in includes(path):
+            if quote == '"' and include != "connect.h":
+                yield f'{relative}:{number}: an example may not include "{include}"; only public headers, as <ZELTarkaSDK/...>'
+
+
 CHECKS = {
     "include-graph": lambda root: include_graph(root, read_edges(root / "cmake/lint/edges.txt")),
     "pairs": pairs_and_mirrors,
     "text": text_rules,
     "length": long_functions,
+    "examples": examples,
 }
 
 

@@ -51,6 +51,11 @@ class StructureTest(unittest.TestCase):
     def test_finds_a_class_operation_in_the_core(self):
         self.assertEqual(self.check("text", {"command/a.cc": "X::defaultCamera().f();\n"})[0], 1)
 
+    def test_finds_an_example_that_is_too_long_or_sees_more_than_a_host(self):
+        self.assertEqual(self.check("examples", {"examples/a.cc": "#include <ZELTarkaSDK/A.h>\n" + "\n" * 58})[0], 0)
+        self.assertEqual(self.check("examples", {"examples/a.cc": "\n" * 60})[0], 1)
+        self.assertEqual(self.check("examples", {"examples/a.cc": '#include "platform/ports.h"\n'})[0], 1)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -13,6 +13,7 @@
 #include <functional>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 namespace zel::test {
 namespace {
@@ -70,7 +71,11 @@ Process::~Process() {
     ::kill(pid_, SIGKILL);
     ::waitpid(pid_, nullptr, 0);
   }
-  ::close(input_);
+  endInput();
+}
+
+void Process::endInput() {
+  if (input_ >= 0) ::close(std::exchange(input_, -1));
 }
 
 void Process::signal(int number) const { ::kill(pid_, number); }

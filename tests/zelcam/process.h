@@ -22,6 +22,8 @@ class Process {
   void signal(int number) const;
   // Writes a line to its standard input.
   void tell(const std::string& line) const;
+  // Ends its standard input.
+  void endInput();
   // Its exit status, 128 and the signal's number where one ended it; -1 when it runs for longer than a minute.
   int wait();
   // Waits until its output holds the text; false after a minute.

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <ZELTarkaSDK/LinuxPlatform.h>
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+// Opens the camera and waits until its frames arrive; connect_and_print_status.cc shows the same step by step.
+// Errors: false, and says why, where no camera is attached or it sends nothing for ten seconds.
+// Thread: main thread, whose main queue it runs.
+inline bool connect(zel::LinuxPlatform& platform, ZELCameraAccessory& accessory) {
+  const auto watch = accessory.observeStatus([&](std::uint64_t status) {
+    if (status == 2) platform.stopMainQueue();
+  });
+  if (!accessory.openCamera()) return std::cerr << "no camera is attached\n", false;
+  if (!platform.runMainQueueFor(10)) return std::cerr << "the camera sends nothing\n", false;
+  return true;
+}
+
+// The platform on the accessory folder of the environment. Errors: null, and says why.
+inline std::unique_ptr<zel::LinuxPlatform> makePlatform() {
+  std::string fault;
+  auto platform = zel::LinuxPlatform::create({}, fault);
+  if (!platform) std::cerr << fault << '\n';
+  return platform;
+}

@@ -1,0 +1,58 @@
+// Saves the first three pictures of the camera's preview: preview1.ppm, preview2.ppm, preview3.ppm.
+//
+//   preview_to_pictures
+
+#include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/LinuxMedia.h>
+#include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELPreviewPlayer.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "connect.h"
+
+namespace {
+
+// Full-range ITU-R BT.601 to red, green and blue.
+void writePixel(std::ostream& file, double y, double u, double v) {
+  for (const double value : {y + 1.402 * v, y - 0.344136 * u - 0.714136 * v, y + 1.772 * u})
+    file.put(static_cast<char>(static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0))));
+}
+
+struct Saver final : ZELPixelBufferDataProtocol {
+  void onPixelBuffer(const zel::platform::PixelBufferRef& picture, std::int64_t) override {  // decode thread
+    if (saved == 3) return;
+    std::ofstream file("preview" + std::to_string(++saved) + ".ppm", std::ios::binary);
+    file << "P6\n" << picture->width() << ' ' << picture->height() << "\n255\n";
+    const auto luma = picture->luma(), chroma = picture->chroma();
+    for (std::size_t y = 0; y < luma.rows; ++y) {
+      for (std::size_t x = 0; x < luma.rowBytes; ++x) {
+        const auto* uv = chroma.data + y / 2 * chroma.stride + x / 2 * 2;
+        writePixel(file, luma.data[y * luma.stride + x], uv[0] - 128, uv[1] - 128);
+      }
+    }
+    if (saved == 3) done();
+  }
+  std::function<void()> done;
+  int saved = 0;
+};
+
+}  // namespace
+
+int main() {
+  const auto platform = makePlatform();
+  if (!platform) return 1;
+  const zel::LinuxMedia media(platform->ports());
+  zel::CameraStack stack(media.ports());
+  if (!connect(*platform, stack.accessory())) return 1;
+
+  const auto saver = std::make_shared<Saver>();
+  saver->done = [&] { platform->stopMainQueue(); };
+  const auto player = stack.suitablePreviewPlayer();
+  player->setPixelBufferDelegate(saver);
+  stack.ucd().msgCmdStartVideoWithVideoRes(3, {});  // the smallest, 30 a second
+  if (platform->runMainQueueFor(20)) return 0;
+  std::cerr << "no picture came\n";
+  return 1;
+}

@@ -1,0 +1,46 @@
+// Takes a photo and saves the camera's picture.
+//
+//   take_a_photo FILE.jpg
+
+#include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/ZELCameraUCD.h>
+
+#include <fstream>
+#include <string>
+
+#include "connect.h"
+
+namespace {
+
+int fail(const std::string& why) {
+  std::cerr << why << '\n';
+  return 1;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count != 2) return fail("usage: take_a_photo FILE.jpg");
+  const auto platform = makePlatform();
+  if (!platform) return 1;
+  zel::CameraStack stack(platform->ports());
+  if (!connect(*platform, stack.accessory())) return 1;
+
+  std::string failure = "the camera sent no picture";
+  const auto save = [&](const std::optional<ZELError>& error, const auto& name, const std::optional<ZELData>& picture) {
+    platform->stopMainQueue();
+    if (error) {
+      failure = "the photo failed: " + error->domain + " " + std::to_string(error->code);
+      return;
+    }
+    const auto bytes = picture.value_or(ZELData()).bytes();
+    std::ofstream file(arguments[1], std::ios::binary);
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    failure = file.flush() ? "" : "the picture cannot be written";
+    std::cout << name.value_or("a photo") << ": " << bytes.size() << " bytes\n";
+  };
+  // Where the camera is and how it is held may stay unknown.
+  stack.ucd().msgCmdShutterWithGps({}, {}, {}, {}, save);
+  platform->runMainQueueFor(30);
+  return failure.empty() ? 0 : fail(failure);
+}
