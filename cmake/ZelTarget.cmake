@@ -29,6 +29,11 @@ else()
 endif()
 target_link_libraries(zel_settings INTERFACE Threads::Threads)
 
+# What nobody calls can then be left out by the linker, a function at a time.
+if(ZEL_CORE_ONLY)
+  add_compile_options(-ffunction-sections -fdata-sections)
+endif()
+
 if(ZEL_SANITIZE)
   add_compile_options(-fsanitize=${ZEL_SANITIZE} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZEL_SANITIZE})
