@@ -17,8 +17,8 @@ Bus::Bus(const Settings& settings) {
   if (settings.verbose) {
     say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
   }
-  media_ = std::make_unique<LinuxMedia>(
-      platform_->ports(), LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }});
+  media_ = std::make_unique<LinuxMedia>(platform_->ports(),
+                                        LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }});
   videoDecoders_ = std::make_unique<NotingDecoders>(*media_->ports().videoDecoders, arrivals_);
   stopMainQueueOnInterrupt(*platform_);
 }
