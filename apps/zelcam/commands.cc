@@ -2,6 +2,7 @@
 
 #include "apps/zelcam/call.h"
 #include "apps/zelcam/command.h"
+#include "apps/zelcam/demo.h"
 #include "apps/zelcam/devices.h"
 #include "apps/zelcam/events.h"
 #include "apps/zelcam/info.h"
@@ -107,6 +108,13 @@ const Command kCommands[] = {
      {{"TEXT", "the offset's text", false}},
      {{"--record", "HEX", "the record's 80 bytes, to be shown as text"}},
      runOffset},
+    {"demo",
+     "runs a simulated camera and every kind of command against it, and reads back what they made",
+     "zelcam demo -o demo-out",
+     {},
+     {{"-o,--output", "DIR", "folder for what is made; default: demo-out"},
+      {"--duration", "S", "of the live video; default: 10", Kind::number, 1, 3600}},
+     runDemo},
 };
 
 }  // namespace
