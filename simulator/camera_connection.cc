@@ -13,6 +13,7 @@ constexpr std::size_t kQueueForAll = 64 * 1024 * 1024;  // a host that asks and 
 constexpr double kHeartbeat = 0.5;                      // seconds
 constexpr std::size_t kPhoneTime = 8;                   // bytes, which the camera has no use for
 constexpr int kPicturesBeforeFault = 20;
+constexpr double kLook = 0.0005;       // seconds between two looks at a clock that somebody else moves
 constexpr double kMakingPause = 0.01;  // seconds, while the next picture is still being made
 
 std::chrono::steady_clock::duration steady(double seconds) {
@@ -22,7 +23,11 @@ std::chrono::steady_clock::duration steady(double seconds) {
 }  // namespace
 
 CameraConnection::CameraConnection(Socket socket, ConnectionSetup setup)
-    : socket_(std::move(socket)), setup_(std::move(setup)), source_(setup_.seed), random_(setup_.seed) {}
+    : socket_(std::move(socket)),
+      setup_(std::move(setup)),
+      source_(setup_.seed),
+      random_(setup_.seed),
+      clockStart_(mediaSeconds()) {}
 
 void CameraConnection::start() {
   // The host sees a stream that was already under way: the rest of a frame whose beginning nobody heard.
@@ -88,7 +93,7 @@ void CameraConnection::answerSyncData(const HostMessage& request) {
 // The camera counts its media time from here, so that the host's offset is the moment of this exchange.
 void CameraConnection::answerSyncTime(const HostMessage& request) {
   if (request.body.size() != kPhoneTime) return reply(kSyncTime, refusal(kSyncTime));
-  clockStart_ = Clock::now();
+  clockStart_ = mediaSeconds();
   media_->startClock(sinceMediaBegan());
   const auto answerNow = [this] {
     Bytes body;
@@ -117,7 +122,7 @@ void CameraConnection::startPreview(int) {
 }
 
 std::int64_t CameraConnection::mediaTime() const {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - clockStart_).count();
+  return static_cast<std::int64_t>((mediaSeconds() - clockStart_) * 1000);
 }
 
 // From the loop's first picture on, at the size and rate in force. The camera's clock goes on.
@@ -130,7 +135,7 @@ void CameraConnection::beginMedia() {
   media.timestamps = setup_.firmware >= kFirmwareWithClock;
   media.faults = setup_.faults->media;
   media.seed = setup_.seed;
-  mediaStart_ = Clock::now();
+  mediaStart_ = mediaSeconds();
   nextFrame_.reset();
   media_.emplace(std::move(media));
   media_->startClock(-static_cast<double>(mediaTime()) / 1000);
@@ -143,6 +148,7 @@ void CameraConnection::sendMedia() {
     for (; nextFrame_ && nextFrame_->due <= now; nextFrame_ = media_->next(now)) sendMediaFrame(*nextFrame_);
     if (!nextFrame_) nextFrame_ = media_->next(now);
     pause = nextFrame_ ? std::max(0.0, nextFrame_->due - now) : kMakingPause;
+    if (setup_.mediaSeconds) pause = std::min(pause, kLook);
   } else {
     send(source_.heartbeat(mediaTime()));
   }
@@ -158,9 +164,12 @@ void CameraConnection::sendMediaFrame(const MediaFrame& media) {
   if (markerSent_ && pictures_ >= kPicturesBeforeFault) sendImpossibleLengths();
 }
 
-double CameraConnection::sinceMediaBegan() const {
-  return std::chrono::duration<double>(Clock::now() - mediaStart_).count();
+double CameraConnection::mediaSeconds() const {
+  if (setup_.mediaSeconds) return setup_.mediaSeconds();
+  return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
 }
+
+double CameraConnection::sinceMediaBegan() const { return mediaSeconds() - mediaStart_; }
 
 void CameraConnection::sendImpossibleLengths() {
   Faults& faults = *setup_.faults;

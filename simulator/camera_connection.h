@@ -32,6 +32,7 @@ struct ConnectionSetup {
   std::function<void()> unplug;       // asked for by a fault
   std::function<void()> closed;       // the connection has ended, once
   std::function<void(const std::string&)> warn;
+  std::function<double()> mediaSeconds;  // as SimulatorOptions has it
 };
 
 // The camera's end of one connection: sends its preview from the moment it is connected, beginning inside a frame, and
@@ -68,6 +69,7 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   void beginMedia();
   void sendMedia();
   void sendMediaFrame(const MediaFrame& frame);
+  double mediaSeconds() const;
   double sinceMediaBegan() const;
   void sendImpossibleLengths();
   void stallEverySoOften();
@@ -93,8 +95,8 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   bool previewing_ = true;
   int pictures_ = 0;
   Clock::time_point silentUntil_ = Clock::time_point::min();
-  Clock::time_point clockStart_ = Clock::now();
-  Clock::time_point mediaStart_ = Clock::now();
+  double clockStart_ = 0;  // as mediaSeconds() counts
+  double mediaStart_ = 0;  // as mediaSeconds() counts
 };
 
 }  // namespace zel::simulator

@@ -146,6 +146,7 @@ void CameraSimulator::State::serve(Protocol::socket socket) {
   setup.requestSeen = [this] { ++requests; };
   setup.closed = [this] { connectionClosed(); };
   setup.warn = options.warn;
+  setup.mediaSeconds = options.mediaSeconds;
   setup.unplug = [this] { restart(); };
   connection = std::make_shared<CameraConnection>(std::move(socket), std::move(setup));
   connection->start();

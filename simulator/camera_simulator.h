@@ -21,7 +21,8 @@ struct SimulatorOptions {
   std::uint64_t cardSize = 0;  // bytes; 0: the usual card
   std::uint64_t seed = 1;
   Faults faults;
-  bool once = false;                             // ends after the first connection has ended
+  std::function<double()> mediaSeconds;  // the media's time, if it shall not be the real one; it is looked at often
+  bool once = false;                     // ends after the first connection has ended
   std::function<void(const std::string&)> warn;  // empty: standard error
 };
 

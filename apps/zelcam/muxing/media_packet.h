@@ -25,13 +25,14 @@ struct StreamHeaders {
 enum class Track { video, audio };
 
 // One picture with start codes of four bytes, or one AAC frame without header.
-// Units: microseconds since the first picture.
+// Units: microseconds, the time since the first picture.
 struct MediaPacket {
   Track track = Track::video;
   bool key = false;  // a picture from which decoding can begin
   std::int64_t time = 0;
   ZELData data;
   std::optional<std::chrono::steady_clock::time_point> arrival;  // when the camera's picture came
+  std::int64_t length = 0;                                       // until the next picture; 0 where that is not known
 };
 
 // What went wrong, as a sentence for people; nothing where it went well.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "apps/zelcam/muxing/libav_sink.h"
@@ -15,14 +17,18 @@ class Mp4Sink final : public Sink {
   Mp4Sink(OutputAddress address, std::function<void(const std::string&)> tell);
 
   Fault open(const StreamHeaders& headers) override;
-  Fault write(const MediaPacket& packet) override { return fragments_.write(packet); }
+  Fault write(const MediaPacket& packet) override;
   Fault finish() override;
 
  private:
+  Fault writeHeld(std::int64_t length);
+
   const std::string path_;
   const std::function<void(const std::string&)> tell_;
   bool spherical_ = false;
   LibavSink fragments_;
+  std::optional<MediaPacket> held_;  // the newest picture
+  std::int64_t heldLength_ = 0;      // of the one before it
 };
 
 }  // namespace zel::app

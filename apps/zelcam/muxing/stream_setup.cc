@@ -99,6 +99,7 @@ PacketPtr packetFor(const AVFormatContext& muxer, const MediaPacket& packet) {
   const AVRational clock = muxer.streams[made->stream_index]->time_base;
   made->pts = made->dts = av_rescale_q(packet.time, kMicroseconds, clock);
   if (packet.key || packet.track == Track::audio) made->flags |= AV_PKT_FLAG_KEY;
+  if (packet.track == Track::video) made->duration = av_rescale_q(packet.length, kMicroseconds, clock);
   if (packet.track == Track::audio) {
     made->duration = av_rescale_q(kSamplesPerFrame, {1, muxer.streams[kAudioStream]->codecpar->sample_rate}, clock);
   }

@@ -5,6 +5,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -44,6 +46,11 @@ class LibavSinkTest : public testing::Test {
     LibavSink sink(address(path(name)));
     if (Fault fault = writeAll(sink)) return fault;
     return sink.finish();
+  }
+
+  // 0, 190, 260, 450, 520 ms and so on: fragments end after a second of sound, between two key pictures.
+  static std::int64_t unevenTime(std::size_t number) {
+    return static_cast<std::int64_t>(number) * 130'000 + (number % 2 == 1 ? 60'000 : 0);
   }
 
   static std::vector<std::uint8_t> bytesOf(const std::string& file) {
@@ -123,6 +130,29 @@ TEST_F(LibavSinkTest, WhatIsNotSphericalSaysNothingOfIt) {
   EXPECT_FALSE(readBack(path("a.mp4")).spherical);
   const std::vector<std::uint8_t> bytes = bytesOf(path("a.mp4"));
   EXPECT_THAT(std::string(bytes.begin(), bytes.end()), testing::Not(HasSubstr("GSpherical")));
+}
+
+TEST_F(LibavSinkTest, PicturesThatComeUnevenlyKeepTheirTimesInAnMp4File) {
+  std::vector<MediaPacket> packets = film.packets;
+  std::vector<double> wanted;
+  for (MediaPacket& packet : packets) {
+    if (packet.track != Track::video) continue;
+    packet.time = unevenTime(wanted.size());
+    wanted.push_back(static_cast<double>(packet.time) / 1e6);
+  }
+  std::ranges::stable_sort(packets, {}, &MediaPacket::time);
+  for (const bool finished : {false, true}) {
+    Mp4Sink sink(address(path("a.mp4")), [](const std::string&) {});
+    ASSERT_EQ(sink.open(film.headers), std::nullopt);
+    for (const MediaPacket& packet : packets) ASSERT_EQ(sink.write(packet), std::nullopt);
+    ASSERT_EQ(finished ? sink.finish() : std::nullopt, std::nullopt);
+    std::vector<double> times = readBack(path("a.mp4")).pictureTimes;
+    EXPECT_GE(times.size(), finished ? 25u : 10u);
+    times.resize(wanted.size(), 0);
+    std::size_t same = 0;
+    while (same < times.size() && std::abs(times[same] - wanted[same]) < 0.0001) ++same;
+    EXPECT_GE(same, finished ? 25u : 10u);
+  }
 }
 
 TEST_F(LibavSinkTest, SoundThatBeginsLaterDoesSoInTheFile) {

@@ -11,6 +11,7 @@ namespace zel::app {
 // What can be read back from a file; nothing where it cannot be read.
 struct ReadBack {
   int pictures = 0, audioFrames = 0;
+  std::vector<double> pictureTimes;  // seconds
   double firstPicture = -1, firstSound = -1;
   bool ordered = true;  // time stamps never go backwards
   bool spherical = false;
@@ -37,6 +38,7 @@ inline ReadBack readBack(const std::string& file) {
     const double time = static_cast<double>(packet->pts) * av_q2d(stream.time_base);
     if (before == INT64_MIN) (video ? read.firstPicture : read.firstSound) = time;
     before = packet->dts;
+    if (video) read.pictureTimes.push_back(time);
     ++(video ? read.pictures : read.audioFrames);
     if (av_stream_get_side_data(&stream, AV_PKT_DATA_SPHERICAL, nullptr) != nullptr) read.spherical = true;
     av_packet_unref(packet.get());

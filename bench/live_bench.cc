@@ -1,0 +1,277 @@
+// The whole live pipeline, from the camera's socket to an MP4 file, beside one ffmpeg command that decodes, stitches
+// with v360 (linear) and encodes with the same settings of x264; its delay beside the sum of its bare stages; and what
+// each stage costs. The stream is the simulated camera's at 3040 x 1520.
+//
+//   live_bench [ROUNDS]      3 rounds; the table shows the medians
+
+#include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/LinuxPlatform.h>
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELLiveDataSource.h>
+#include <ZELTarkaSDK/ZELLiveDataSourceProtocol.h>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "apps/zelcam/muxing/outputs.h"
+#include "apps/zelcam/muxing/stream_writer.h"
+#include "bench/child_process.h"
+#include "bench/live_stages.h"
+#include "bench/media_clock.h"
+#include "platform/ffmpeg/h264_decoder.h"
+#include "platform/ffmpeg/h264_encoder.h"
+#include "platform/ports.h"
+#include "platform/render/stitching_library.h"
+#include "simulator/camera_simulator.h"
+#include "simulator/media/scene_film.h"
+
+namespace zel::bench {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kLoop = 60;       // pictures of the film
+constexpr int kWarm = 60;       // before the clock runs
+constexpr int kMeasured = 180;  // while it runs
+constexpr int kResolution = 15;
+
+struct Size {
+  int width, bitrate;
+};
+constexpr Size kSizes[] = {{3040, 20'000'000}, {1920, 8'000'000}};
+
+// Milliseconds a picture.
+struct Cost {
+  double time = 0, processor = 0;
+};
+
+double seconds(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }
+
+class Folder {
+ public:
+  Folder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "zel-bench-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) std::abort();
+    path_ = pattern;
+  }
+  ~Folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+ private:
+  std::string path_;
+};
+
+// Takes the pipeline's output to a file.
+class Recorder final : public ZELLiveDataSourceProtocol {
+ public:
+  explicit Recorder(const std::string& file)
+      : outputs_(std::array{*app::parseOutputAddress(file)}, [](const std::string& line) { std::puts(line.c_str()); }),
+        writer_({.spherical = true,
+                 .length = {},
+                 .begin = [this](const auto& headers) { outputs_.begin(headers); },
+                 .put = [this](const auto& packet) { outputs_.put(packet); },
+                 .ended = [] {}}) {
+    writer_.beginRun();
+  }
+  ~Recorder() override { outputs_.finish(); }
+
+  void sourceOnError(const ZELError& error) override { std::puts(error.description.value_or("failed").c_str()); }
+  void sourceOnH264Header(Bytes sps, Bytes pps) override { writer_.onParameterSets(sps, pps); }
+  void sourceOnH264Nalu(Bytes nalu, bool key, std::int64_t time) override {
+    writer_.onPicture(nalu, key, time, Clock::now());
+  }
+  void sourceOnAACHeader(Bytes header) override { writer_.onAudioConfig(header); }
+  void sourceOnAACData(Bytes data, std::int64_t time) override { writer_.onAudio(data, time); }
+
+ private:
+  app::Outputs outputs_;
+  app::StreamWriter writer_;
+};
+
+// Runs the pipeline with so many pictures under way, and says what one costs. Units: pixels, bits a second.
+Cost runPipeline(const std::string& film, const Size& size, std::uint64_t underWay, int decoderThreads) {
+  const Folder folder;
+  MediaClock clock(underWay);
+  simulator::SimulatorOptions camera;
+  camera.accessoriesFolder = folder.file("bus");
+  camera.identity.firmware = 189;  // whose host counts the time by the pictures, since the clocks run apart here
+  camera.resolution = kResolution;
+  camera.video = film;
+  camera.mediaSeconds = [&clock] { return clock.now(); };
+  simulator::CameraSimulator simulator(std::move(camera));
+  std::string error;
+  const auto platform = simulator.start(error) ? LinuxPlatform::create({folder.file("bus"), {}}, error) : nullptr;
+  if (!platform) std::fprintf(stderr, "%s\n", error.c_str()), std::abort();
+
+  platform::LibavVideoDecoders decoders({decoderThreads});
+  platform::LibavVideoEncoders encoders;
+  render::StitchingLibrary library([](const std::string& fault) { std::puts(fault.c_str()); });
+  platform::Ports ports = platform->ports();
+  ports.videoDecoders = &decoders;
+  ports.videoEncoders = &encoders;
+  ports.mediaLibrary = &library;
+  CameraStack stack(ports);
+  stack.accessory().openCamera();
+  const auto wait = [&](const std::function<bool()>& done) {
+    while (!done()) platform->runMainQueueFor(0.002);
+  };
+  wait([&] { return stack.accessory().status() == 2; });
+
+  const auto recorder = std::make_shared<Recorder>(folder.file("live.mp4"));
+  const auto source = ZELLiveDataSource::initWitCameraResolution(
+      stack, kResolution, static_cast<std::uint64_t>(size.width), static_cast<std::uint64_t>(size.width / 2),
+      static_cast<std::uint64_t>(size.bitrate));
+  source->setDataSourceDelegate(recorder);
+  source->startLiveData();
+  clock.follow(source);
+  wait([&] { return source->statistics().encoded >= kWarm; });
+  const std::uint64_t before = source->statistics().encoded, lostBefore = MediaClock::finished(*source) - before;
+  const auto start = Clock::now();
+  const double processor = processorSeconds();
+  wait([&] { return source->statistics().encoded >= before + kMeasured; });
+  const double pictures = static_cast<double>(source->statistics().encoded - before);
+  const Cost cost{1e3 * seconds(Clock::now() - start) / pictures, 1e3 * (processorSeconds() - processor) / pictures};
+  if (const auto lost = MediaClock::finished(*source) - source->statistics().encoded - lostBefore; lost != 0)
+    std::printf("%llu pictures were lost on the way\n", static_cast<unsigned long long>(lost));
+  clock.follow(nullptr);
+  source->stopLiveData();
+  return cost;
+}
+
+// What one picture more costs the ffmpeg command: the difference between a long and a short stream.
+Cost runFfmpeg(const std::string& shortFilm, const std::string& longFilm, const Size& size, int pictures) {
+  const Folder folder;
+  const std::string bitrate = std::to_string(size.bitrate);
+  const auto convert = [&](const std::string& film) {
+    return runChild({"ffmpeg",
+                     "-nostdin",
+                     "-v",
+                     "error",
+                     "-y",
+                     "-framerate",
+                     "30",
+                     "-f",
+                     "h264",
+                     "-i",
+                     film,
+                     "-vf",
+                     "v360=dfisheye:e:ih_fov=195:iv_fov=195:interp=linear:w=" + std::to_string(size.width) +
+                         ":h=" + std::to_string(size.width / 2),
+                     "-c:v",
+                     "libx264",
+                     "-preset",
+                     "ultrafast",
+                     "-tune",
+                     "zerolatency",
+                     "-b:v",
+                     bitrate,
+                     "-maxrate",
+                     bitrate,
+                     "-bufsize",
+                     bitrate,
+                     "-g",
+                     "30",
+                     folder.file("out.mp4")});
+  };
+  const ChildCost little = convert(shortFilm), much = convert(longFilm);
+  return {1e3 * (much.seconds - little.seconds) / pictures,
+          1e3 * (much.processorSeconds - little.processorSeconds) / pictures};
+}
+
+double median(std::vector<double> values) {
+  std::ranges::sort(values);
+  return values[values.size() / 2];
+}
+
+void print(const char* what, double value, double aim) {
+  std::printf("%-66s %8.2f ", what, value);
+  aim > 0 ? std::printf("<= %5.2f\n", aim) : std::printf("%8s\n", "-");
+}
+
+struct Round {
+  Cost ours, oursWithTwo, ffmpeg;
+  double delay = 0, stages = 0;
+};
+
+Round measure(const Size& size, const std::string& film, const std::string& longFilm, const StageInput& input) {
+  Round round;
+  round.ours = runPipeline(film, size, 6, 1);
+  round.ffmpeg = runFfmpeg(film, longFilm, size, kMeasured);
+  round.oursWithTwo = runPipeline(film, size, 7, 2);
+  round.delay = runPipeline(film, size, 2, 1).time;
+  const StageCosts stages = measureStages(input, size.width, size.bitrate);
+  round.stages = stages.decode + stages.stitch + stages.encode;
+  std::printf(
+      "%d wide, ms a picture: pipeline %.1f (processor %.1f), 2 decoder threads %.1f (%.1f), ffmpeg %.1f (%.1f); "
+      "alone %.1f; decode %.1f, stitch %.1f, encode %.1f\n",
+      size.width, round.ours.time, round.ours.processor, round.oursWithTwo.time, round.oursWithTwo.processor,
+      round.ffmpeg.time, round.ffmpeg.processor, round.delay, stages.decode, stages.stitch, stages.encode);
+  return round;
+}
+
+void summarise(const Size& size, const std::vector<Round>& rounds) {
+  const auto ratio = [&](const std::function<double(const Round&)>& of) {
+    std::vector<double> values;
+    for (const Round& round : rounds) values.push_back(of(round));
+    return median(values);
+  };
+  const bool isLarge = size.width > 2000;
+  std::printf("\nto %d x %d, median of the rounds\n", size.width, size.width / 2);
+  print("time a picture / ffmpeg", ratio([](const Round& r) { return r.ours.time / r.ffmpeg.time; }),
+        isLarge ? 0.70 : 0.92);
+  print("the same with 2 decoder threads", ratio([](const Round& r) { return r.oursWithTwo.time / r.ffmpeg.time; }),
+        isLarge ? 0.70 : 0.92);
+  print("processor time a picture / ffmpeg",
+        ratio([](const Round& r) { return r.ours.processor / r.ffmpeg.processor; }), 0.80);
+  print("delay of a picture / sum of the bare stages", ratio([](const Round& r) { return r.delay / r.stages; }), 1.05);
+}
+
+int run(int rounds) {
+  const Folder folder;
+  const std::string film = folder.file("film.h264"), longFilm = folder.file("long.h264");
+  std::string bytes;
+  simulator::SceneFilm scene(simulator::previewFormat(kResolution));
+  for (int i = 0; i < kLoop; ++i) {
+    const auto picture = scene.next().bytes;
+    bytes.append(picture.begin(), picture.end());
+  }
+  std::ofstream(film, std::ios::binary) << bytes;
+  std::ofstream all(longFilm, std::ios::binary);
+  for (int i = 0; i < 1 + kMeasured / kLoop; ++i) all << bytes;
+  all.close();
+  const StageInput input = stageInput(bytes);
+  for (const Size& size : kSizes) {
+    std::vector<Round> results;
+    for (int i = 0; i < rounds; ++i) results.push_back(measure(size, film, longFilm, input));
+    summarise(size, results);
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace zel::bench
+
+int main(int argc, char** argv) {
+  // `./run bench` hands the options of Google Benchmark to every program; they mean nothing here.
+  av_log_set_level(AV_LOG_QUIET);
+  std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  const int rounds = argc > 1 && argv[1][0] != '-' ? std::atoi(argv[1]) : 3;
+  if (rounds < 1) return std::fputs("usage: live_bench [ROUNDS]\n", stderr), 2;
+  return zel::bench::run(rounds);
+}
