@@ -1,5 +1,6 @@
 # Installs the public headers, and the ports below them: there a host's own folder named platform cannot come between.
-file(REMOVE_RECURSE ${staging})
+string(RANDOM LENGTH 12 own)  # two copies may be installed at once
+set(staging ${staging}/${own})
 foreach(folder include/ZELTarkaSDK platform)
   file(GLOB headers ${source}/${folder}/*.h)
   if(folder STREQUAL platform)
@@ -15,3 +16,4 @@ foreach(folder include/ZELTarkaSDK platform)
   endforeach()
 endforeach()
 file(INSTALL ${staging}/ZELTarkaSDK DESTINATION "${CMAKE_INSTALL_PREFIX}/${includes}")
+file(REMOVE_RECURSE ${staging})

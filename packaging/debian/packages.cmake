@@ -1,4 +1,8 @@
 # The Debian packages: the library, what its users compile with, and the two programs.
+file(STRINGS debian/changelog newest LIMIT_COUNT 1)
+if(NOT newest MATCHES "\\(${PROJECT_VERSION}\\)")
+  message(FATAL_ERROR "packaging/debian/changelog does not begin with version ${PROJECT_VERSION}")
+endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zeltarkasdk)
 set(CPACK_PACKAGE_VENDOR ZELTarkaSDK)

@@ -36,6 +36,18 @@ TEST_F(LinuxPlatformTest, ClockSleepsNotForZeroOrLess) {
   EXPECT_GE(ports().clock.absoluteTime() - start, 0.009);
 }
 
+TEST_F(LinuxPlatformTest, ClockIsThereWithoutAPlatform) { EXPECT_EQ(&LinuxPlatform::systemClock(), &ports().clock); }
+
+TEST_F(LinuxPlatformTest, KeepsDocumentsWhereTheHostWantsThem) {
+  std::string error;
+  LinuxPlatform::Options options;
+  options.accessoriesFolder = folder_.path();
+  options.documentsFolder = folder_.file("documents");
+  const auto platform = LinuxPlatform::create(options, error);
+  ASSERT_NE(platform, nullptr) << error;
+  EXPECT_EQ(platform->ports().documents->folder(), folder_.file("documents"));
+}
+
 TEST_F(LinuxPlatformTest, FolderThatCannotBeTrustedGivesNoPlatform) {
   chmod(folder_.path().c_str(), 0777);
   std::string error;
