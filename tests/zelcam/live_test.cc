@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <netinet/in.h>
+#include <png.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -36,6 +37,16 @@ class LiveTest : public ZelcamTest {
   std::unique_ptr<Process> live(Arguments arguments) const {
     arguments.insert(arguments.begin(), {"--timeout", "30", "--verbose", "live"});
     return zelcam(std::move(arguments));
+  }
+
+  static void writeRedPng(const std::string& file) {
+    std::vector<std::uint8_t> rgb;
+    for (int i = 0; i < 64 * 64; ++i) rgb.insert(rgb.end(), {255, 0, 0});
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = image.height = 64;
+    image.format = PNG_FORMAT_RGB;
+    ASSERT_NE(png_image_write_to_file(&image, file.c_str(), 0, rgb.data(), 0, nullptr), 0);
   }
 
   // Waits until the file has that many bytes.
@@ -101,6 +112,19 @@ TEST_F(LiveTest, TheBeepIsHeardWhenTheTickIsSeen) {
     }
   }
   EXPECT_GE(compared, 1) << found.ticks.size() << " ticks, " << found.beeps.size() << " beeps";
+}
+
+TEST_F(LiveTest, ALogoCoversTheNadir) {
+  writeRedPng(path("logo.png"));
+  const auto camera = simulator();
+  for (const char* name : {"plain.mp4", "logo.mp4"}) {
+    Arguments arguments = {"-o", path(name), "--size", "480x240", "--duration", "1", "--remove-purple"};
+    if (name == std::string("logo.mp4")) arguments.insert(arguments.end(), {"--logo", path("logo.png")});
+    const auto host = live(arguments);
+    ASSERT_EQ(host->wait(), 0) << host->errors();
+  }
+  EXPECT_LT(ticksAndBeepsIn(path("plain.mp4")).nadirCr, 150);
+  EXPECT_GT(ticksAndBeepsIn(path("logo.mp4")).nadirCr, 220);
 }
 
 TEST_F(LiveTest, WithoutStitchingTheCamerasOwnPicturesArePassedOn) {

@@ -1,6 +1,7 @@
 #include "tests/zelcam/tick_and_beep.h"
 
 #include <cmath>
+#include <numeric>
 #include <optional>
 
 #include "apps/zelcam/muxing/libav.h"
@@ -30,6 +31,8 @@ class Observer {
     if (lit && wasLit_ == false && time - lastPicture_ < kNext) found_.ticks.push_back(time);
     wasLit_ = lit;
     lastPicture_ = time;
+    const std::uint8_t* const nadir = picture.data[2] + (picture.height / 2 - 1) * picture.linesize[2];
+    found_.nadirCr = std::accumulate(nadir, nadir + picture.width / 2, 0.0) / (picture.width / 2);
   }
 
   void hear(const AVFrame& sound, double time) {
