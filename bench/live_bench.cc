@@ -116,7 +116,8 @@ Cost runPipeline(const std::string& film, const Size& size, std::uint64_t underW
   camera.mediaSeconds = [&clock] { return clock.now(); };
   simulator::CameraSimulator simulator(std::move(camera));
   std::string error;
-  const auto platform = simulator.start(error) ? LinuxPlatform::create({folder.file("bus"), {}}, error) : nullptr;
+  const auto platform =
+      simulator.start(error) ? LinuxPlatform::create({.accessoriesFolder = folder.file("bus")}, error) : nullptr;
   if (!platform) std::fprintf(stderr, "%s\n", error.c_str()), std::abort();
 
   platform::LibavVideoDecoders decoders({decoderThreads});

@@ -9,8 +9,7 @@ namespace zel::app {
 
 Bus::Bus(const Settings& settings) {
   std::string error;
-  platform_ =
-      LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = say, .documentsFolder = {}}, error);
+  platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = say}, error);
   if (!platform_) {
     say("zelcam: " + error);
     return;

@@ -20,12 +20,12 @@ class ZEL_EXPORT LinuxPlatform {
   struct Options {
     // The folder of the accessory bus. Empty: $ZEL_ACCESSORIES, else $XDG_RUNTIME_DIR/zel/accessories,
     // else /tmp/zel-accessories-UID. Made with mode 0700 where it is missing.
-    std::string accessoriesFolder;
+    std::string accessoriesFolder = {};
     // Hears of accessories that had to be skipped, one line each. Empty: standard error.
-    std::function<void(const std::string&)> warn;
+    std::function<void(const std::string&)> warn = {};
     // Where ZELDateFormatter keeps log.txt. Empty: $XDG_DATA_HOME/zelcam, else ~/.local/share/zelcam. Made with mode
     // 0700 where it is missing, with the first write.
-    std::string documentsFolder;
+    std::string documentsFolder = {};
   };
 
   // The folder that `accessoriesFolder` stands for (see Options).

@@ -8,8 +8,7 @@
 int main(int argc, char** argv) {
   if (argc != 2) return std::fprintf(stderr, "usage: consumer FOLDER\n"), 2;
   std::string fault;
-  const auto platform =
-      zel::LinuxPlatform::create({.accessoriesFolder = argv[1], .warn = {}, .documentsFolder = {}}, fault);
+  const auto platform = zel::LinuxPlatform::create({.accessoriesFolder = argv[1]}, fault);
   if (!platform) return std::fprintf(stderr, "%s\n", fault.c_str()), 1;
   const zel::LinuxMedia media(platform->ports());
   zel::CameraStack stack(media.ports());

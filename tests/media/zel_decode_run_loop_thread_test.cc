@@ -41,7 +41,7 @@ class ZELDecodeRunLoopThreadTest : public testing::Test {
   platform::ScriptedVideoDecoders decoders;
   std::shared_ptr<CountingDelegate> delegate = std::make_shared<CountingDelegate>();
   std::string error;
-  std::unique_ptr<LinuxPlatform> host = LinuxPlatform::create({folder.path(), {}}, error);
+  std::unique_ptr<LinuxPlatform> host = LinuxPlatform::create({.accessoriesFolder = folder.path()}, error);
 };
 
 // Each unit follows the picture before it, and so finds the thread awake as well as just falling asleep.

@@ -51,7 +51,7 @@ class EverybodyAtOnce : public testing::TestWithParam<unsigned> {
   platform::ScriptedVideoDecoders decoders;
   std::shared_ptr<CountingDelegate> delegate = std::make_shared<CountingDelegate>();
   std::string error;
-  std::unique_ptr<LinuxPlatform> host = LinuxPlatform::create({folder.path(), {}}, error);
+  std::unique_ptr<LinuxPlatform> host = LinuxPlatform::create({.accessoriesFolder = folder.path()}, error);
   std::shared_ptr<ZELPreviewPlayer> player;
   std::vector<std::thread> threads;
 };

@@ -145,7 +145,7 @@ TEST(StitchedViewThreadTest, PlaysAndShowsOnSeveralThreads) {
   std::string error;
   platform::ScriptedVideoDecoders decoders;
   decoders.setPictureSize(64, 32);
-  const auto host = LinuxPlatform::create({folder.path(), {}}, error);
+  const auto host = LinuxPlatform::create({.accessoriesFolder = folder.path()}, error);
   ASSERT_NE(host, nullptr) << error;
   platform::Ports ports = host->ports();
   ports.videoDecoders = &decoders;
