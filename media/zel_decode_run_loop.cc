@@ -25,8 +25,8 @@ void ZELDecodeRunLoop::start() {
   const MutexLock lock(threadMutex_);
   if (thread_) return;
   const auto kept = shared_from_this();
-  thread_ = threads_.start("preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->publish(runLoop); },
-                                              [kept] { kept->end(); }});
+  thread_ = threads_.start(
+      "preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->publish(runLoop); }, [kept] { kept->end(); }});
 }
 
 void ZELDecodeRunLoop::stop() {
