@@ -101,17 +101,15 @@ int runCall(const Invocation& invocation) {
   const ReadyCall ready = prepared(invocation.values, operation, complaint);
   if (!ready) return complain(kWrongUsage, "call", complaint);
 
-  Bus bus(settings);
-  if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus, settings);
-  if (const int status = link.open(); status != kDone) return status;
-  const auto answer = std::make_shared<CallAnswer>();
-  std::get<0>(answer->values) = ordered_json::object();
-  ready(link.stack(), keepIn(answer, bus.platform()));
-  link.sayAsked();
-  const Waited end = waitForEnd(link, operation->doneWhen, *answer, settings.timeout);
-  if (end == Waited::done) show(*operation, *answer, settings);
-  return tellEnd(operation->name, end, answer->error, settings);
+  return withCamera(settings, [&](CameraLink& link) {
+    const auto answer = std::make_shared<CallAnswer>();
+    std::get<0>(answer->values) = ordered_json::object();
+    ready(link.stack(), keepIn(answer, link.platform()));
+    link.sayAsked();
+    const Waited end = waitForEnd(link, operation->doneWhen, *answer, settings.timeout);
+    if (end == Waited::done) show(*operation, *answer, settings);
+    return tellEnd(operation->name, end, answer->error, settings);
+  });
 }
 
 }  // namespace zel::app

@@ -20,7 +20,8 @@ constexpr std::uint64_t kFramesArrive = 2;
 }  // namespace
 
 CameraLink::CameraLink(Bus& bus, const Settings& settings)
-    : platform_(bus.platform()),
+    : bus_(bus),
+      platform_(bus.platform()),
       settings_(settings),
       stack_(bus.ports(), settings.camera),
       watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); })) {}
@@ -63,6 +64,14 @@ void CameraLink::wake() { platform_.stopMainQueue(); }
 
 void CameraLink::sayAsked() const {
   if (settings_.verbose) say("zelcam: the request is on its way");
+}
+
+int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& command) {
+  Bus bus(settings);
+  if (!bus.isThere()) return kNoCamera;
+  CameraLink link(bus, settings);
+  const int status = link.open();
+  return status == kDone ? command(link) : status;
 }
 
 int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack) {

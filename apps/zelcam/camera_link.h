@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 
+#include "apps/zelcam/answer.h"
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/settings.h"
 
@@ -19,6 +20,10 @@ namespace zel::app {
 // How the wait for something that the camera shall do ended.
 enum class Waited { done, timeOut, lost, interrupted };
 
+// Tells in words how `what` ended where it did not end well, and returns the exit status: kDone for done without an
+// error.
+int tellEnd(std::string_view what, Waited end, const std::optional<ZELError>& error, const Settings& settings);
+
 // The camera of one command: opened, waited for, and closed when the command ends.
 // Thread: main thread, whose main queue it runs while it waits; wake() on any.
 class CameraLink {
@@ -26,6 +31,7 @@ class CameraLink {
   CameraLink(Bus& bus, const Settings& settings);
 
   CameraStack& stack() { return stack_; }
+  Bus& bus() { return bus_; }
   LinuxPlatform& platform() { return platform_; }
 
   // Opens the camera and waits until frames arrive, at most the time-out. Returns kDone then; otherwise says what is
@@ -37,12 +43,21 @@ class CameraLink {
   Waited waitFor(const std::function<bool()>& done, std::optional<double> seconds);
   void wake();
 
+  // Waits for the answer. Returns kDone where it is a good one; otherwise says how `what` ended, and returns the exit
+  // status.
+  template <class... Values>
+  int waitForAnswer(std::string_view what, const Answer<Values...>& answer) {
+    const Waited end = waitFor([&answer] { return answer.done; }, settings_.timeout);
+    return tellEnd(what, end, answer.error, settings_);
+  }
+
   // Where people want to know more: that the camera is there and was asked.
   void sayAsked() const;
 
  private:
   void statusChanged(std::uint64_t status);
 
+  Bus& bus_;
   LinuxPlatform& platform_;
   const Settings& settings_;
   std::atomic<bool> framesArrived_ = false;
@@ -51,11 +66,10 @@ class CameraLink {
   const Observation watch_;
 };
 
+// Opens a camera for a command, and runs it. Returns its exit status, or why there is no camera.
+int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& command);
+
 // Says what is missing for frames to arrive within the time-out, and returns the exit status.
 int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack);
-
-// Tells in words how `what` ended where it did not end well, and returns the exit status: kDone for done without an
-// error.
-int tellEnd(std::string_view what, Waited end, const std::optional<ZELError>& error, const Settings& settings);
 
 }  // namespace zel::app

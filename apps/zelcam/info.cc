@@ -107,14 +107,7 @@ void addIdentity(Table& table, CameraStack& stack) {
   table.add("clockOffset", accessory.timeOffset());
 }
 
-}  // namespace
-
-int runInfo(const Invocation& invocation) {
-  const Settings& settings = invocation.settings;
-  Bus bus(settings);
-  if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus, settings);
-  if (const int status = link.open(); status != kDone) return status;
+int ask(CameraLink& link, const Settings& settings) {
   const Questions asked(link);
   const Waited end = link.waitFor([&asked] { return asked.areAnswered(); }, settings.timeout);
   if (end == Waited::interrupted) return kInterrupted;
@@ -128,6 +121,13 @@ int runInfo(const Invocation& invocation) {
   table.add({"photoShotsRemaining"}, *asked.shots);
   table.print();
   return table.status();
+}
+
+}  // namespace
+
+int runInfo(const Invocation& invocation) {
+  const Settings& settings = invocation.settings;
+  return withCamera(settings, [&](CameraLink& link) { return ask(link, settings); });
 }
 
 }  // namespace zel::app

@@ -12,12 +12,10 @@
 
 namespace zel::app {
 
-int askLensOffset(CameraLink& link, const Settings& settings, std::string_view what, std::uint8_t typeInfo,
-                  std::string& offset) {
+int askLensOffset(CameraLink& link, std::string_view what, std::uint8_t typeInfo, std::string& offset) {
   const auto answer = std::make_shared<Answer<std::optional<std::string>>>();
   link.stack().manager().getCameraMediaOffset(typeInfo, keepIn(answer, link.platform()));
-  const Waited end = link.waitFor([&answer] { return answer->done; }, settings.timeout);
-  const int status = tellEnd(fmt::format("{}: the lens offset", what), end, answer->error, settings);
+  const int status = link.waitForAnswer(fmt::format("{}: the lens offset", what), *answer);
   offset = std::get<0>(answer->values).value_or("");
   return status;
 }

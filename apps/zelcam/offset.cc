@@ -4,8 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <array>
-#include <cstring>
 #include <string>
 
 #include "apps/zelcam/hex.h"
@@ -13,12 +11,6 @@
 
 namespace zel::app {
 namespace {
-
-std::string recordHex(const ZELMediaOffset& record) {
-  std::array<std::uint8_t, sizeof(ZELMediaOffset)> bytes{};
-  std::memcpy(bytes.data(), &record, bytes.size());
-  return hexOf(bytes);
-}
 
 int show(const Settings& settings, const std::string& text, const std::string& record, const std::string& asked) {
   if (settings.json) {
@@ -41,16 +33,14 @@ int runOffset(const Invocation& invocation) {
     const std::string record = recordHex(getMediaOffsetFromOffset(text));
     return show(invocation.settings, text, record, record);
   }
-  const auto bytes = bytesIn(values.text("--record"));
-  if (!bytes || bytes->size() != sizeof(ZELMediaOffset)) {
+  const auto record = recordIn<ZELMediaOffset>(values.text("--record"));
+  if (!record) {
     return complain(kWrongUsage, "offset",
                     fmt::format("a record is {} bytes as {} hexadecimal digits", sizeof(ZELMediaOffset),
                                 2 * sizeof(ZELMediaOffset)));
   }
-  ZELMediaOffset record;
-  std::memcpy(&record, bytes->data(), sizeof(record));
-  const std::string text = getOffsetFromZELMediaOffset(record);
-  return show(invocation.settings, text, recordHex(record), text);
+  const std::string text = getOffsetFromZELMediaOffset(*record);
+  return show(invocation.settings, text, recordHex(*record), text);
 }
 
 }  // namespace zel::app

@@ -7,10 +7,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <concepts>
 #include <cstddef>
-#include <cstring>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -89,13 +87,7 @@ struct Reader<std::optional<ZELData>> {
 template <WireRecord R>
 requires(!std::integral<R>) struct Reader<R> {
   static std::string type() { return fmt::format("hex of {} bytes", sizeof(R)); }
-  static std::optional<R> read(const std::string& text) {
-    const auto bytes = bytesIn(text);
-    if (!bytes || bytes->size() != sizeof(R)) return std::nullopt;
-    R record;
-    std::memcpy(&record, bytes->data(), sizeof(R));
-    return record;
-  }
+  static std::optional<R> read(const std::string& text) { return recordIn<R>(text); }
 };
 
 // -- Results
@@ -115,11 +107,7 @@ nlohmann::ordered_json shown(T number) {
   return number;
 }
 template <WireRecord R>
-requires(!std::integral<R>) nlohmann::ordered_json shown(const R& record) {
-  std::array<std::uint8_t, sizeof(R)> bytes;
-  std::memcpy(bytes.data(), &record, sizeof(R));
-  return hexOf(bytes);
-}
+requires(!std::integral<R>) nlohmann::ordered_json shown(const R& record) { return recordHex(record); }
 
 // The handler that shows a reply's values under the operation's keys. An operation whose refusal carries a value too
 // shows it; others have nothing but the error then.

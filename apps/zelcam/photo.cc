@@ -99,8 +99,7 @@ class Shot {
   // Makes panoramas of the photos that were saved, beside them. One that fails leaves the others alone.
   int stitch(platform::MediaLibrary& library) {
     std::string offset;
-    if (const int status = askLensOffset(link_, invocation_.settings, "photo", 0, offset); status != kDone)
-      return status;
+    if (const int status = askLensOffset(link_, "photo", 0, offset); status != kDone) return status;
     PanoramaMaker maker(library, offset);
     int status = kDone;
     for (const Saved& photo : saved_) status = std::max(status, stitch(maker, photo));
@@ -172,13 +171,11 @@ int runPhoto(const Invocation& invocation) {
     return complain(kWrongUsage, "photo",
                     "--bracket takes 1 to 9 exposure steps from -128 to 127 with commas between them");
   }
-  Bus bus(invocation.settings);
-  if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus, invocation.settings);
-  if (const int status = link.open(); status != kDone) return status;
-  Shot shot(link, invocation);
-  const int status = bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);
-  return status == kDone && values.has("--stitch") ? shot.stitch(*bus.ports().mediaLibrary) : status;
+  return withCamera(invocation.settings, [&](CameraLink& link) {
+    Shot shot(link, invocation);
+    const int status = bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);
+    return status == kDone && values.has("--stitch") ? shot.stitch(*link.bus().ports().mediaLibrary) : status;
+  });
 }
 
 }  // namespace zel::app

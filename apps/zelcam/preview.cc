@@ -112,16 +112,16 @@ class Preview {
     player_->setFps(kRates[resolution() % kRates.size()]);
     link_.stack().ucd().msgCmdStartVideoWithVideoRes(resolution(), keepIn(answer, link_.platform()));
     link_.sayAsked();
-    const Waited end = link_.waitFor([&answer] { return answer->done; }, invocation_.settings.timeout);
+    const int status = link_.waitForAnswer("preview", *answer);
     start_ = Clock::now();
-    return tellEnd("preview", end, answer->error, invocation_.settings);
+    return status;
   }
 
   bool stitches() const { return invocation_.values.has("--stitch"); }
 
   int readOffset() {
     if (!stitches()) return kDone;
-    return askLensOffset(link_, invocation_.settings, "preview", resolution(), offset_);
+    return askLensOffset(link_, "preview", resolution(), offset_);
   }
 
   // Pictures must keep coming: a time-out without one ends the command.
@@ -218,12 +218,7 @@ int runPreview(const Invocation& invocation) {
   if (invocation.values.has("--stitch") && !invocation.values.has("--snapshot")) {
     return complain(kWrongUsage, "preview", "--stitch is for the picture that --snapshot saves");
   }
-  Bus bus(invocation.settings);
-  if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus, invocation.settings);
-  if (const int status = link.open(); status != kDone) return status;
-  Preview preview(link, invocation);
-  return preview.run();
+  return withCamera(invocation.settings, [&](CameraLink& link) { return Preview(link, invocation).run(); });
 }
 
 }  // namespace zel::app

@@ -46,8 +46,7 @@ int stop(CameraLink& link, const Settings& settings) {
   const auto answer = std::make_shared<RecordedFile>();
   link.stack().ucd().msgCmdStopRecordWithRebackBlock(keepIn(answer, link.platform()));
   link.sayAsked();
-  const Waited end = link.waitFor([&answer] { return answer->done; }, settings.timeout);
-  const int status = tellEnd("record stop", end, answer->error, settings);
+  const int status = link.waitForAnswer("record stop", *answer);
   return status == kDone ? tellFile(*answer, settings) : status;
 }
 
@@ -62,8 +61,7 @@ int startOrCancel(CameraLink& link, const std::string& action, const Sensors& se
   } else {
     ucd.newMsgCmdStartRecordWithGps(sensors.gps, sensors.gyro, sensors.orientation, handler);
   }
-  const Waited end = link.waitFor([&answer] { return answer->done; }, settings.timeout);
-  const int status = tellEnd("record " + action, end, answer->error, settings);
+  const int status = link.waitForAnswer("record " + action, *answer);
   return status == kDone ? tellDone(action, settings) : status;
 }
 
@@ -74,12 +72,10 @@ int runRecord(const Invocation& invocation) {
   std::string complaint;
   const auto sensors = sensorsIn(invocation.values, complaint);
   if (!sensors) return complain(kWrongUsage, "record", complaint);
-  Bus bus(settings);
-  if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus, settings);
-  if (const int status = link.open(); status != kDone) return status;
   const std::string action = invocation.values.text("ACTION");
-  return action == "stop" ? stop(link, settings) : startOrCancel(link, action, *sensors, settings);
+  return withCamera(settings, [&](CameraLink& link) {
+    return action == "stop" ? stop(link, settings) : startOrCancel(link, action, *sensors, settings);
+  });
 }
 
 }  // namespace zel::app

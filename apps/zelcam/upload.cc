@@ -88,11 +88,7 @@ int runUpload(const Invocation& invocation) {
   std::string complaint;
   const auto file = readFile(invocation.values.text("FILE"), complaint);
   if (!file) return complain(kWrongUsage, "upload", complaint);
-  Bus bus(settings);
-  if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus, settings);
-  if (const int status = link.open(); status != kDone) return status;
-  return upload(link, invocation.values, *file, settings);
+  return withCamera(settings, [&](CameraLink& link) { return upload(link, invocation.values, *file, settings); });
 }
 
 }  // namespace zel::app

@@ -8,9 +8,14 @@ extern "C" {
 #include <cmath>
 #include <numbers>
 
-#include "simulator/media/libav.h"
+#include "platform/ffmpeg/libav.h"
 
 namespace zel::simulator {
+
+using platform::CodecContextPtr;
+using platform::FramePtr;
+using platform::PacketPtr;
+
 namespace {
 
 constexpr int kRate = 48000, kFrame = 1024;
@@ -26,7 +31,7 @@ CodecContextPtr openEncoder() {
   const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
   CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
   if (!context) return nullptr;
-  context->log_level_offset = 100;  // above every level that is shown
+  platform::silence(*context);
   context->sample_rate = kRate;
   context->sample_fmt = AV_SAMPLE_FMT_FLTP;
   context->bit_rate = 128'000;

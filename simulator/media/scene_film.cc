@@ -10,13 +10,18 @@ extern "C" {
 #include <utility>
 
 namespace zel::simulator {
+
+using platform::CodecContextPtr;
+using platform::FramePtr;
+using platform::PacketPtr;
+
 namespace {
 
 CodecContextPtr openEncoder(const PreviewFormat& format) {
   const AVCodec* codec = avcodec_find_encoder_by_name("libx264");
   CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
   if (!context) return nullptr;
-  context->log_level_offset = 100;  // above every level that is shown
+  platform::silence(*context);
   context->width = format.width;
   context->height = format.height;
   context->time_base = {1, format.rate};

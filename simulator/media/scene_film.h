@@ -2,9 +2,9 @@
 
 #include <cstddef>
 
+#include "platform/ffmpeg/libav.h"
 #include "simulator/fisheye.h"
 #include "simulator/media/annex_b.h"
-#include "simulator/media/libav.h"
 #include "simulator/media/preview_format.h"
 #include "simulator/scene.h"
 
@@ -24,13 +24,13 @@ class SceneFilm {
 
  private:
   void see();
-  FramePtr view() const;
+  platform::FramePtr view() const;
 
   const PreviewFormat format_;
   const Scene scene_;
   const FisheyeProjector lenses_;
   const FisheyeProjector::Rows moving_;  // the rows of the view in which anything moves
-  const CodecContextPtr encoder_;
+  const platform::CodecContextPtr encoder_;
   Picture seen_;
   std::int64_t number_ = 0;
 };
