@@ -3,6 +3,11 @@
 #include <cstring>
 
 namespace zel::simulator {
+
+using platform::CodecContextPtr;
+using platform::FramePtr;
+using platform::PacketPtr;
+
 namespace {
 
 CodecContextPtr openDecoder(AVCodecID id) {

@@ -3,8 +3,8 @@
 #include <span>
 #include <vector>
 
+#include "platform/ffmpeg/libav.h"
 #include "simulator/media/annex_b.h"
-#include "simulator/media/libav.h"
 #include "simulator/wire.h"
 
 namespace zel::simulator {

@@ -64,7 +64,7 @@ TEST_F(FileSummaryTest, CountsThePicturesOfAFilm) {
 TEST_F(FileSummaryTest, FindsNothingInAFilmWhoseKeyPictureIsDamaged) {
   std::vector<std::uint8_t> stream = film(7);
   const std::vector<std::uint8_t> keyUnit = {0, 0, 0, 1, 0x65};
-  const auto key = std::ranges::search(stream, keyUnit).begin();
+  const auto key = std::search(stream.begin(), stream.end(), keyUnit.begin(), keyUnit.end());
   ASSERT_GT(stream.end() - key, 30);
   std::fill(key + 8, key + 30, std::uint8_t{0xA5});
   EXPECT_THAT(fileSummary(write("film.h264", stream)), IsEmpty());
