@@ -21,7 +21,7 @@ class BestTimes final : public benchmark::ConsoleReporter {
 
   // The processor's time, which other programs disturb less, unless the benchmark measures a time of its own.
   static double timeOf(const Run& run) {
-    const bool ownTime = run.run_name.time_type == "manual_time";
+    const bool ownTime = !run.run_name.time_type.empty();  // "manual_time" or "real_time"
     return ownTime ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
   }
 
