@@ -11,20 +11,19 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
+#include "bench/film.h"
 #include "bench/ratio_report.h"
 #include "platform/ffmpeg/h264_decoder.h"
-#include "platform/ffmpeg/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
 #include "platform/ports.h"
-#include "simulator/media/scene_film.h"
+#include "tests/platform/linux/temporary_folder.h"
 
 namespace zel::bench {
 namespace {
@@ -33,35 +32,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr int kPictures = 60;
 
-struct Stream {
-  std::vector<Bytes> pictures;  // with start codes
-  std::vector<Bytes> units;     // the slices, each behind its length
-  Bytes sps, pps;
-};
-
-void addUnit(Stream& stream, std::span<const std::uint8_t> unit) {
-  const platform::H264UnitType type = platform::typeOf(unit[0]);
-  if (type == platform::H264UnitType::sequence) stream.sps.assign(unit.begin(), unit.end());
-  if (type == platform::H264UnitType::picture) stream.pps.assign(unit.begin(), unit.end());
-  if (type != platform::H264UnitType::slice && type != platform::H264UnitType::keySlice) return;
-  Bytes prefixed;
-  for (int shift = 24; shift >= 0; shift -= 8) prefixed.push_back(static_cast<std::uint8_t>(unit.size() >> shift));
-  prefixed.insert(prefixed.end(), unit.begin(), unit.end());
-  stream.units.push_back(std::move(prefixed));
-}
-
-const Stream& stream() {
-  static const Stream made = [] {
-    Stream result;
-    simulator::SceneFilm film(simulator::previewFormat(15));
-    for (int i = 0; i < kPictures; ++i) {
-      const Bytes picture = film.next().bytes;
-      for (const auto& unit : simulator::unitsIn(picture))
-        addUnit(result, std::span(picture).subspan(unit.header, unit.end - unit.header));
-      result.pictures.push_back(picture);
-    }
-    return result;
-  }();
+const Film& stream() {
+  static const Film made = makeFilm(kPictures);
   return made;
 }
 
@@ -77,7 +49,7 @@ int drain(AVCodecContext& decoder, AVFrame& frame) {
 
 // The limit: nothing is done with the pictures.
 void libavcodec(benchmark::State& state) {
-  const Stream& scene = stream();
+  const Film& scene = stream();
   const platform::FramePtr frame(av_frame_alloc());
   int pictures = 0;
   for (auto _ : state) {
@@ -99,12 +71,12 @@ void libavcodec(benchmark::State& state) {
 }
 
 void adapter(benchmark::State& state) {
-  const Stream& scene = stream();
+  const Film& scene = stream();
   platform::LibavVideoDecoders decoders({static_cast<int>(state.range(0))});
   int pictures = 0;
   for (auto _ : state) {
     const auto decoder = decoders.create(scene.sps, scene.pps).decoder;
-    for (const Bytes& unit : scene.units)
+    for (const Bytes& unit : scene.slices)
       if (decoder->decode(unit, 0).status == platform::DecodeStatus::picture) ++pictures;
     while (decoder->flush().pixelBuffer) ++pictures;
   }
@@ -134,22 +106,13 @@ class Arrivals final : public ZELPixelBufferDataProtocol {
   int count_ = 0;
 };
 
-std::unique_ptr<LinuxPlatform> makePlatform() {
-  std::string folder = (std::filesystem::temp_directory_path() / "zel-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) std::abort();
-  std::string error;
-  LinuxPlatform::Options options;
-  options.accessoriesFolder = folder;
-  auto platform = LinuxPlatform::create(std::move(options), error);
-  std::filesystem::remove(folder);
-  if (!platform) std::abort();
-  return platform;
-}
-
 // Hands over chunks of one picture each; each but the last releases the picture before it. most: pictures under way.
 void preview(benchmark::State& state, int most) {
-  const Stream& scene = stream();
-  const auto platform = makePlatform();
+  const Film& scene = stream();
+  const test::TemporaryFolder folder;
+  std::string error;
+  const auto platform = LinuxPlatform::create({.accessoriesFolder = folder.path()}, error);
+  if (!platform) return state.SkipWithError(error.c_str());
   platform::LibavVideoDecoders decoders({static_cast<int>(state.range(0))});
   platform::Ports ports = platform->ports();
   ports.videoDecoders = &decoders;

@@ -19,7 +19,6 @@ extern "C" {
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -29,6 +28,7 @@ extern "C" {
 #include "apps/zelcam/muxing/outputs.h"
 #include "apps/zelcam/muxing/stream_writer.h"
 #include "bench/child_process.h"
+#include "bench/film.h"
 #include "bench/live_stages.h"
 #include "bench/media_clock.h"
 #include "platform/ffmpeg/h264_decoder.h"
@@ -36,7 +36,7 @@ extern "C" {
 #include "platform/ports.h"
 #include "platform/render/stitching_library.h"
 #include "simulator/camera_simulator.h"
-#include "simulator/media/scene_film.h"
+#include "tests/platform/linux/temporary_folder.h"
 
 namespace zel::bench {
 namespace {
@@ -46,7 +46,6 @@ using Clock = std::chrono::steady_clock;
 constexpr int kLoop = 60;       // pictures of the film
 constexpr int kWarm = 60;       // before the clock runs
 constexpr int kMeasured = 180;  // while it runs
-constexpr int kResolution = 15;
 
 struct Size {
   int width, bitrate;
@@ -59,23 +58,6 @@ struct Cost {
 };
 
 double seconds(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }
-
-class Folder {
- public:
-  Folder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "zel-bench-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) std::abort();
-    path_ = pattern;
-  }
-  ~Folder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  std::string file(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
 
 // Takes the pipeline's output to a file.
 class Recorder final : public ZELLiveDataSourceProtocol {
@@ -106,12 +88,12 @@ class Recorder final : public ZELLiveDataSourceProtocol {
 
 // Runs the pipeline with so many pictures under way, and says what one costs. Units: pixels, bits a second.
 Cost runPipeline(const std::string& film, const Size& size, std::uint64_t underWay, int decoderThreads) {
-  const Folder folder;
+  const test::TemporaryFolder folder;
   MediaClock clock(underWay);
   simulator::SimulatorOptions camera;
   camera.accessoriesFolder = folder.file("bus");
   camera.identity.firmware = 189;  // whose host counts the time by the pictures, since the clocks run apart here
-  camera.resolution = kResolution;
+  camera.resolution = kFilmResolution;
   camera.video = film;
   camera.mediaSeconds = [&clock] { return clock.now(); };
   simulator::CameraSimulator simulator(std::move(camera));
@@ -136,7 +118,7 @@ Cost runPipeline(const std::string& film, const Size& size, std::uint64_t underW
 
   const auto recorder = std::make_shared<Recorder>(folder.file("live.mp4"));
   const auto source = ZELLiveDataSource::initWitCameraResolution(
-      stack, kResolution, static_cast<std::uint64_t>(size.width), static_cast<std::uint64_t>(size.width / 2),
+      stack, kFilmResolution, static_cast<std::uint64_t>(size.width), static_cast<std::uint64_t>(size.width / 2),
       static_cast<std::uint64_t>(size.bitrate));
   source->setDataSourceDelegate(recorder);
   source->startLiveData();
@@ -157,7 +139,7 @@ Cost runPipeline(const std::string& film, const Size& size, std::uint64_t underW
 
 // What one picture more costs the ffmpeg command: the difference between a long and a short stream.
 Cost runFfmpeg(const std::string& shortFilm, const std::string& longFilm, const Size& size, int pictures) {
-  const Folder folder;
+  const test::TemporaryFolder folder;
   const std::string bitrate = std::to_string(size.bitrate);
   const auto convert = [&](const std::string& film) {
     return runChild({"ffmpeg",
@@ -210,13 +192,13 @@ struct Round {
   double delay = 0, stages = 0;
 };
 
-Round measure(const Size& size, const std::string& film, const std::string& longFilm, const StageInput& input) {
+Round measure(const Size& size, const std::string& film, const std::string& longFilm, const Film& scene) {
   Round round;
   round.ours = runPipeline(film, size, 6, 1);
   round.ffmpeg = runFfmpeg(film, longFilm, size, kMeasured);
   round.oursWithTwo = runPipeline(film, size, 7, 2);
   round.delay = runPipeline(film, size, 2, 1).time;
-  const StageCosts stages = measureStages(input, size.width, size.bitrate);
+  const StageCosts stages = measureStages(scene, size.width, size.bitrate);
   round.stages = stages.decode + stages.stitch + stages.encode;
   std::printf(
       "%d wide, ms a picture: pipeline %.1f (processor %.1f), 2 decoder threads %.1f (%.1f), ffmpeg %.1f (%.1f); "
@@ -243,23 +225,23 @@ void summarise(const Size& size, const std::vector<Round>& rounds) {
   print("delay of a picture / sum of the bare stages", ratio([](const Round& r) { return r.delay / r.stages; }), 1.05);
 }
 
-int run(int rounds) {
-  const Folder folder;
-  const std::string film = folder.file("film.h264"), longFilm = folder.file("long.h264");
-  std::string bytes;
-  simulator::SceneFilm scene(simulator::previewFormat(kResolution));
-  for (int i = 0; i < kLoop; ++i) {
-    const auto picture = scene.next().bytes;
-    bytes.append(picture.begin(), picture.end());
+void write(const std::string& file, const Film& film, int times) {
+  std::ofstream stream(file, std::ios::binary);
+  for (int i = 0; i < times; ++i) {
+    for (const Film::Bytes& picture : film.pictures)
+      stream.write(reinterpret_cast<const char*>(picture.data()), static_cast<std::streamsize>(picture.size()));
   }
-  std::ofstream(film, std::ios::binary) << bytes;
-  std::ofstream all(longFilm, std::ios::binary);
-  for (int i = 0; i < 1 + kMeasured / kLoop; ++i) all << bytes;
-  all.close();
-  const StageInput input = stageInput(bytes);
+}
+
+int run(int rounds) {
+  const test::TemporaryFolder folder;
+  const std::string film = folder.file("film.h264"), longFilm = folder.file("long.h264");
+  const Film scene = makeFilm(kLoop);
+  write(film, scene, 1);
+  write(longFilm, scene, 1 + kMeasured / kLoop);
   for (const Size& size : kSizes) {
     std::vector<Round> results;
-    for (int i = 0; i < rounds; ++i) results.push_back(measure(size, film, longFilm, input));
+    for (int i = 0; i < rounds; ++i) results.push_back(measure(size, film, longFilm, scene));
     summarise(size, results);
   }
   return 0;

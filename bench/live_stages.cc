@@ -7,31 +7,21 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <span>
+#include <vector>
 
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
-#include "platform/ffmpeg/h264_headers.h"
 #include "platform/render/stitcher.h"
-#include "simulator/media/annex_b.h"
 #include "tests/platform/render/pictures.h"
 
 namespace zel::bench {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
 using Pictures = std::vector<platform::PixelBufferRef>;
 
 // As the simulated camera's, but straight, so that it can be written down.
 constexpr const char* kOffset =
     "2_760.000_760.000_760.000_0.000_0.000_0.000_760.000_2280.000_760.000_180.000_0.000_0.000_3040_1520_7";
-
-Bytes lengthPrefixed(std::span<const std::uint8_t> unit) {
-  Bytes bytes;
-  for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<std::uint8_t>(unit.size() >> shift));
-  bytes.insert(bytes.end(), unit.begin(), unit.end());
-  return bytes;
-}
 
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "%s\n", what);
@@ -48,12 +38,12 @@ double bestOfThree(std::size_t pictures, const std::function<void()>& turn) {
   return 1e3 * best / static_cast<double>(pictures);
 }
 
-Pictures decode(const StageInput& input) {
+Pictures decode(const Film& film) {
   platform::LibavVideoDecoders decoders;
-  const auto decoder = decoders.create(input.sps, input.pps).decoder;
+  const auto decoder = decoders.create(film.sps, film.pps).decoder;
   if (!decoder) fail("the film cannot be decoded");
   Pictures pictures;
-  for (const Bytes& slice : input.slices) pictures.push_back(decoder->decode(slice, 0).picture.pixelBuffer);
+  for (const Film::Bytes& slice : film.slices) pictures.push_back(decoder->decode(slice, 0).picture.pixelBuffer);
   return pictures;
 }
 
@@ -68,24 +58,10 @@ void encode(const Pictures& pictures, int width, int bitrate) {
 
 }  // namespace
 
-StageInput stageInput(const std::string& stream) {
-  const std::span bytes(reinterpret_cast<const std::uint8_t*>(stream.data()), stream.size());
-  StageInput input;
-  for (const auto& place : simulator::unitsIn(bytes)) {
-    const auto unit = bytes.subspan(place.header, place.end - place.header);
-    const platform::H264UnitType type = platform::typeOf(unit[0]);
-    if (type == platform::H264UnitType::sequence) input.sps.assign(unit.begin(), unit.end());
-    if (type == platform::H264UnitType::picture) input.pps.assign(unit.begin(), unit.end());
-    if (type == platform::H264UnitType::slice || type == platform::H264UnitType::keySlice)
-      input.slices.push_back(lengthPrefixed(unit));
-  }
-  return input;
-}
-
-StageCosts measureStages(const StageInput& input, int width, int bitrate) {
+StageCosts measureStages(const Film& film, int width, int bitrate) {
   StageCosts costs;
   Pictures decoded;
-  costs.decode = bestOfThree(input.slices.size(), [&] { decoded = decode(input); });
+  costs.decode = bestOfThree(film.slices.size(), [&] { decoded = decode(film); });
   const auto stitcher = render::Stitcher::create(kOffset, {width, width / 2}).stitcher;
   if (!stitcher || !stitcher->prepare({decoded[0]->width(), decoded[0]->height()})) fail("there is no stitcher");
   std::vector<std::shared_ptr<platform::MemoryPixelBuffer>> stitched;

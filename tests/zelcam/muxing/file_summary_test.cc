@@ -4,33 +4,26 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "apps/zelcam/muxing/libav.h"
+#include "tests/platform/linux/temporary_folder.h"
 #include "tests/zelcam/muxing/test_film.h"
 
 namespace zel::app {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::IsEmpty;
 using testing::SizeIs;
 
 class FileSummaryTest : public testing::Test {
  protected:
-  FileSummaryTest() {
-    std::string pattern = "/tmp/zel-summary-XXXXXX";
-    folder_ = ::mkdtemp(pattern.data());
-    av_log_set_level(AV_LOG_QUIET);
-  }
-  ~FileSummaryTest() override { fs::remove_all(folder_); }
+  FileSummaryTest() { av_log_set_level(AV_LOG_QUIET); }
 
   std::string write(const std::string& name, const std::vector<std::uint8_t>& bytes) const {
-    const std::string path = folder_ + "/" + name;
+    const std::string path = folder_.file(name);
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     return path;
@@ -54,7 +47,7 @@ class FileSummaryTest : public testing::Test {
   }
 
  private:
-  std::string folder_;
+  const test::TemporaryFolder folder_;
 };
 
 TEST_F(FileSummaryTest, CountsThePicturesOfAFilm) {

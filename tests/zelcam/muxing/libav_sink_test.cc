@@ -7,13 +7,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "apps/zelcam/muxing/mp4_boxes.h"
 #include "apps/zelcam/muxing/mp4_sink.h"
+#include "tests/platform/linux/temporary_folder.h"
 #include "tests/zelcam/muxing/read_back.h"
 #include "tests/zelcam/muxing/test_film.h"
 
@@ -25,14 +25,9 @@ using testing::HasSubstr;
 
 class LibavSinkTest : public testing::Test {
  protected:
-  LibavSinkTest() {
-    std::string pattern = "/tmp/zel-sink-XXXXXX";
-    folder = ::mkdtemp(pattern.data());
-    av_log_set_level(AV_LOG_QUIET);
-  }
-  ~LibavSinkTest() override { fs::remove_all(folder); }
+  LibavSinkTest() { av_log_set_level(AV_LOG_QUIET); }
 
-  std::string path(const std::string& name) const { return folder + "/" + name; }
+  std::string path(const std::string& name) const { return folder.file(name); }
   static OutputAddress address(const std::string& text) { return parseOutputAddress(text).value(); }
 
   Fault writeAll(Sink& sink) const {
@@ -59,7 +54,7 @@ class LibavSinkTest : public testing::Test {
   }
 
   const TestFilm film{25};  // 2.5 seconds, a key picture each second; 100 frames of sound
-  std::string folder;
+  const test::TemporaryFolder folder;
 };
 
 TEST_F(LibavSinkTest, WritesEveryKindOfFile) {
@@ -117,7 +112,8 @@ TEST_F(LibavSinkTest, AFinishedMp4FileIsPlainAndBeginsWithItsDescription) {
   EXPECT_EQ(read.audioFrames, 100);
   EXPECT_TRUE(read.spherical);
   EXPECT_THAT(std::string(bytes.begin(), bytes.end()), HasSubstr("<GSpherical:Spherical>true"));
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);  // nothing is left beside it
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()),
+            1);  // nothing is left beside it
 }
 
 TEST_F(LibavSinkTest, WhatIsNotSphericalSaysNothingOfIt) {
@@ -194,7 +190,7 @@ TEST_F(LibavSinkTest, AFolderOrAPipeIsNoFile) {
 
 TEST_F(LibavSinkTest, APathMayLookLikeAProtocol) {
   const fs::path before = fs::current_path();
-  fs::current_path(folder);
+  fs::current_path(folder.path());
   LibavSink sink(address("tcp:a.ts"));
   EXPECT_EQ(writeAll(sink), std::nullopt);
   EXPECT_EQ(sink.finish(), std::nullopt);

@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <set>
+
+#include "tests/platform/linux/temporary_folder.h"
 
 namespace zel::app {
 namespace {
@@ -15,22 +15,16 @@ using testing::ElementsAre;
 
 class SegmentsTest : public testing::Test {
  protected:
-  SegmentsTest() {
-    std::string pattern = "/tmp/zel-segments-XXXXXX";
-    folder_ = ::mkdtemp(pattern.data());
-  }
-  ~SegmentsTest() override { fs::remove_all(folder_); }
-
-  void make(const std::string& name) const { std::ofstream(folder_ / name) << "x"; }
+  void make(const std::string& name) const { folder_.write(name, "x"); }
   std::set<std::string> names() const {
     std::set<std::string> all;
-    for (const auto& entry : fs::directory_iterator(folder_)) all.insert(entry.path().filename().string());
+    for (const auto& entry : fs::directory_iterator(folder_.path())) all.insert(entry.path().filename().string());
     return all;
   }
-  std::string playlist() const { return (folder_ / "a.m3u8").string(); }
+  std::string playlist() const { return folder_.file("a.m3u8"); }
 
  private:
-  fs::path folder_;
+  const test::TemporaryFolder folder_;
 };
 
 TEST_F(SegmentsTest, BearThePlaylistsName) {
