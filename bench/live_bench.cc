@@ -17,12 +17,15 @@ extern "C" {
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "apps/zelcam/muxing/outputs.h"
@@ -49,8 +52,9 @@ constexpr int kMeasured = 180;  // while it runs
 
 struct Size {
   int width, bitrate;
+  double interval;  // seconds between pictures where the delay is measured; two processors hold no 30 a second at 3040
 };
-constexpr Size kSizes[] = {{3040, 20'000'000}, {1920, 8'000'000}};
+constexpr Size kSizes[] = {{3040, 20'000'000, 1.0 / 10}, {1920, 8'000'000, 1.0 / 30}};
 
 // Milliseconds a picture.
 struct Cost {
@@ -58,6 +62,11 @@ struct Cost {
 };
 
 double seconds(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }
+
+double median(std::vector<double> values) {
+  std::ranges::sort(values);
+  return values[values.size() / 2];
+}
 
 // Takes the pipeline's output to a file.
 class Recorder final : public ZELLiveDataSourceProtocol {
@@ -77,64 +86,129 @@ class Recorder final : public ZELLiveDataSourceProtocol {
   void sourceOnH264Header(Bytes sps, Bytes pps) override { writer_.onParameterSets(sps, pps); }
   void sourceOnH264Nalu(Bytes nalu, bool key, std::int64_t time) override {
     writer_.onPicture(nalu, key, time, Clock::now());
+    const std::lock_guard lock(mutex_);
+    ++pictures_;
+    newest_ = Clock::now();
+    changed_.notify_all();
   }
   void sourceOnAACHeader(Bytes header) override { writer_.onAudioConfig(header); }
   void sourceOnAACData(Bytes data, std::int64_t time) override { writer_.onAudio(data, time); }
 
+  // Pictures that have been handed to the output.
+  std::uint64_t pictures() {
+    const std::lock_guard lock(mutex_);
+    return pictures_;
+  }
+  // When the picture of that number was, or the next one after it.
+  Clock::time_point waitForPicture(std::uint64_t number) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return pictures_ > number; });
+    return newest_;
+  }
+
  private:
   app::Outputs outputs_;
   app::StreamWriter writer_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::uint64_t pictures_ = 0;
+  Clock::time_point newest_;
 };
 
-// Runs the pipeline with so many pictures under way, and says what one costs. Units: pixels, bits a second.
+// The pipeline from the camera's socket to an MP4 file, once its first pictures have come.
+class Pipeline {
+ public:
+  // underWay: pictures in it at a time. Units: pixels, bits a second.
+  Pipeline(const std::string& film, const Size& size, std::uint64_t underWay, int decoderThreads)
+      : clock_(underWay), decoders_({decoderThreads}) {
+    simulator::SimulatorOptions camera;
+    camera.accessoriesFolder = folder_.file("bus");
+    camera.identity.firmware = 189;  // whose host counts the time by the pictures, since the clocks run apart here
+    camera.resolution = kFilmResolution;
+    camera.video = film;
+    camera.mediaSeconds = [this] { return clock_.now(); };
+    simulator_ = std::make_unique<simulator::CameraSimulator>(std::move(camera));
+    std::string error;
+    if (simulator_->start(error)) host_ = LinuxPlatform::create({.accessoriesFolder = folder_.file("bus")}, error);
+    if (!host_) std::fprintf(stderr, "%s\n", error.c_str()), std::abort();
+    start(size);
+  }
+  ~Pipeline() {
+    clock_.follow(nullptr);
+    source_->stopLiveData();
+  }
+  Pipeline(const Pipeline&) = delete;
+  Pipeline& operator=(const Pipeline&) = delete;
+
+  // What a picture costs.
+  Cost cost() {
+    const std::uint64_t before = source_->statistics().encoded, lostBefore = lost();
+    const auto start = Clock::now();
+    const double processor = processorSeconds();
+    wait([&] { return source_->statistics().encoded >= before + kMeasured; });
+    const double pictures = static_cast<double>(source_->statistics().encoded - before);
+    const Cost cost{1e3 * seconds(Clock::now() - start) / pictures, 1e3 * (processorSeconds() - processor) / pictures};
+    if (lost() != lostBefore)
+      std::printf("%llu pictures were lost on the way\n", static_cast<unsigned long long>(lost() - lostBefore));
+    return cost;
+  }
+
+  // The median time, in milliseconds, from the chunk that releases a picture until its packet has been handed to the
+  // output; a chunk comes each interval. The camera itself sends no more.
+  double delay(const Film& scene, std::chrono::duration<double> interval) {
+    clock_.stop();
+    const auto player = source_->player();
+    std::vector<double> delays;
+    auto next = Clock::now() + std::chrono::milliseconds(500);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(kMeasured); ++i) {
+      std::this_thread::sleep_until(next);
+      next += std::chrono::duration_cast<Clock::duration>(interval);
+      const auto start = Clock::now();
+      const std::uint64_t number = recorder_->pictures();
+      player->appendVideoBytes(scene.pictures[i % scene.pictures.size()]);
+      delays.push_back(1e3 * seconds(recorder_->waitForPicture(number) - start));
+    }
+    return median(delays);
+  }
+
+ private:
+  void start(const Size& size) {
+    platform::Ports ports = host_->ports();
+    ports.videoDecoders = &decoders_;
+    ports.videoEncoders = &encoders_;
+    ports.mediaLibrary = &library_;
+    stack_ = std::make_unique<CameraStack>(ports);
+    stack_->accessory().openCamera();
+    wait([&] { return stack_->accessory().status() == 2; });
+    source_ = ZELLiveDataSource::initWitCameraResolution(
+        *stack_, kFilmResolution, static_cast<std::uint64_t>(size.width), static_cast<std::uint64_t>(size.width / 2),
+        static_cast<std::uint64_t>(size.bitrate));
+    source_->setDataSourceDelegate(recorder_);
+    source_->startLiveData();
+    clock_.follow(source_);
+    wait([&] { return source_->statistics().encoded >= kWarm; });
+  }
+
+  std::uint64_t lost() const { return MediaClock::finished(*source_) - source_->statistics().encoded; }
+
+  void wait(const std::function<bool()>& done) {
+    while (!done()) host_->runMainQueueFor(0.002);
+  }
+
+  const test::TemporaryFolder folder_;
+  MediaClock clock_;
+  platform::LibavVideoDecoders decoders_;
+  platform::LibavVideoEncoders encoders_;
+  render::StitchingLibrary library_{[](const std::string& fault) { std::puts(fault.c_str()); }};
+  std::unique_ptr<simulator::CameraSimulator> simulator_;
+  std::unique_ptr<LinuxPlatform> host_;
+  std::unique_ptr<CameraStack> stack_;
+  const std::shared_ptr<Recorder> recorder_ = std::make_shared<Recorder>(folder_.file("live.mp4"));
+  std::shared_ptr<ZELLiveDataSource> source_;
+};
+
 Cost runPipeline(const std::string& film, const Size& size, std::uint64_t underWay, int decoderThreads) {
-  const test::TemporaryFolder folder;
-  MediaClock clock(underWay);
-  simulator::SimulatorOptions camera;
-  camera.accessoriesFolder = folder.file("bus");
-  camera.identity.firmware = 189;  // whose host counts the time by the pictures, since the clocks run apart here
-  camera.resolution = kFilmResolution;
-  camera.video = film;
-  camera.mediaSeconds = [&clock] { return clock.now(); };
-  simulator::CameraSimulator simulator(std::move(camera));
-  std::string error;
-  const auto platform =
-      simulator.start(error) ? LinuxPlatform::create({.accessoriesFolder = folder.file("bus")}, error) : nullptr;
-  if (!platform) std::fprintf(stderr, "%s\n", error.c_str()), std::abort();
-
-  platform::LibavVideoDecoders decoders({decoderThreads});
-  platform::LibavVideoEncoders encoders;
-  render::StitchingLibrary library([](const std::string& fault) { std::puts(fault.c_str()); });
-  platform::Ports ports = platform->ports();
-  ports.videoDecoders = &decoders;
-  ports.videoEncoders = &encoders;
-  ports.mediaLibrary = &library;
-  CameraStack stack(ports);
-  stack.accessory().openCamera();
-  const auto wait = [&](const std::function<bool()>& done) {
-    while (!done()) platform->runMainQueueFor(0.002);
-  };
-  wait([&] { return stack.accessory().status() == 2; });
-
-  const auto recorder = std::make_shared<Recorder>(folder.file("live.mp4"));
-  const auto source = ZELLiveDataSource::initWitCameraResolution(
-      stack, kFilmResolution, static_cast<std::uint64_t>(size.width), static_cast<std::uint64_t>(size.width / 2),
-      static_cast<std::uint64_t>(size.bitrate));
-  source->setDataSourceDelegate(recorder);
-  source->startLiveData();
-  clock.follow(source);
-  wait([&] { return source->statistics().encoded >= kWarm; });
-  const std::uint64_t before = source->statistics().encoded, lostBefore = MediaClock::finished(*source) - before;
-  const auto start = Clock::now();
-  const double processor = processorSeconds();
-  wait([&] { return source->statistics().encoded >= before + kMeasured; });
-  const double pictures = static_cast<double>(source->statistics().encoded - before);
-  const Cost cost{1e3 * seconds(Clock::now() - start) / pictures, 1e3 * (processorSeconds() - processor) / pictures};
-  if (const auto lost = MediaClock::finished(*source) - source->statistics().encoded - lostBefore; lost != 0)
-    std::printf("%llu pictures were lost on the way\n", static_cast<unsigned long long>(lost));
-  clock.follow(nullptr);
-  source->stopLiveData();
-  return cost;
+  return Pipeline(film, size, underWay, decoderThreads).cost();
 }
 
 // What one picture more costs the ffmpeg command: the difference between a long and a short stream.
@@ -177,11 +251,6 @@ Cost runFfmpeg(const std::string& shortFilm, const std::string& longFilm, const 
           1e3 * (much.processorSeconds - little.processorSeconds) / pictures};
 }
 
-double median(std::vector<double> values) {
-  std::ranges::sort(values);
-  return values[values.size() / 2];
-}
-
 void print(const char* what, double value, double aim) {
   std::printf("%-66s %8.2f ", what, value);
   aim > 0 ? std::printf("<= %5.2f\n", aim) : std::printf("%8s\n", "-");
@@ -197,14 +266,16 @@ Round measure(const Size& size, const std::string& film, const std::string& long
   round.ours = runPipeline(film, size, 6, 1);
   round.ffmpeg = runFfmpeg(film, longFilm, size, kMeasured);
   round.oursWithTwo = runPipeline(film, size, 7, 2);
-  round.delay = runPipeline(film, size, 2, 1).time;
+  const std::chrono::duration<double> interval(size.interval);
+  round.delay = Pipeline(film, size, 4, 1).delay(scene, interval);
+  round.stages = measurePaced(scene, size.width, size.bitrate, interval);
   const StageCosts stages = measureStages(scene, size.width, size.bitrate);
-  round.stages = stages.decode + stages.stitch + stages.encode;
   std::printf(
       "%d wide, ms a picture: pipeline %.1f (processor %.1f), 2 decoder threads %.1f (%.1f), ffmpeg %.1f (%.1f); "
-      "alone %.1f; decode %.1f, stitch %.1f, encode %.1f\n",
+      "delay %.1f, bare stages %.1f; decode %.1f, stitch %.1f, encode %.1f\n",
       size.width, round.ours.time, round.ours.processor, round.oursWithTwo.time, round.oursWithTwo.processor,
-      round.ffmpeg.time, round.ffmpeg.processor, round.delay, stages.decode, stages.stitch, stages.encode);
+      round.ffmpeg.time, round.ffmpeg.processor, round.delay, round.stages, stages.decode, stages.stitch,
+      stages.encode);
   return round;
 }
 

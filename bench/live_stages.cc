@@ -7,6 +7,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include "platform/ffmpeg/h264_decoder.h"
@@ -38,19 +39,35 @@ double bestOfThree(std::size_t pictures, const std::function<void()>& turn) {
   return 1e3 * best / static_cast<double>(pictures);
 }
 
-Pictures decode(const Film& film) {
+std::unique_ptr<platform::VideoDecoder> openDecoder(const Film& film) {
   platform::LibavVideoDecoders decoders;
-  const auto decoder = decoders.create(film.sps, film.pps).decoder;
+  auto decoder = decoders.create(film.sps, film.pps).decoder;
   if (!decoder) fail("the film cannot be decoded");
+  return decoder;
+}
+
+std::unique_ptr<platform::VideoEncoder> openEncoder(int width, int bitrate) {
+  platform::LibavVideoEncoders encoders;
+  auto encoder = encoders.create({width, width / 2, bitrate, 30});
+  if (!encoder || !encoder->open()) fail("the encoder does not open");
+  return encoder;
+}
+
+std::unique_ptr<render::Stitcher> openStitcher(const platform::PixelBuffer& picture, int width) {
+  auto stitcher = render::Stitcher::create(kOffset, {width, width / 2}).stitcher;
+  if (!stitcher || !stitcher->prepare({picture.width(), picture.height()})) fail("there is no stitcher");
+  return stitcher;
+}
+
+Pictures decode(const Film& film) {
+  const auto decoder = openDecoder(film);
   Pictures pictures;
   for (const Film::Bytes& slice : film.slices) pictures.push_back(decoder->decode(slice, 0).picture.pixelBuffer);
   return pictures;
 }
 
 void encode(const Pictures& pictures, int width, int bitrate) {
-  platform::LibavVideoEncoders encoders;
-  const auto encoder = encoders.create({width, width / 2, bitrate, 30});
-  if (!encoder || !encoder->open()) fail("the encoder does not open");
+  const auto encoder = openEncoder(width, bitrate);
   std::int64_t number = 0;
   for (const auto& picture : pictures)
     if (!encoder->encodeImage(picture, {number++, 30})) fail("a picture was not encoded");
@@ -62,8 +79,7 @@ StageCosts measureStages(const Film& film, int width, int bitrate) {
   StageCosts costs;
   Pictures decoded;
   costs.decode = bestOfThree(film.slices.size(), [&] { decoded = decode(film); });
-  const auto stitcher = render::Stitcher::create(kOffset, {width, width / 2}).stitcher;
-  if (!stitcher || !stitcher->prepare({decoded[0]->width(), decoded[0]->height()})) fail("there is no stitcher");
+  const auto stitcher = openStitcher(*decoded[0], width);
   std::vector<std::shared_ptr<platform::MemoryPixelBuffer>> stitched;
   for (std::size_t i = 0; i < decoded.size(); ++i)
     stitched.push_back(platform::MemoryPixelBuffer::create(width, width / 2));
@@ -74,6 +90,30 @@ StageCosts measureStages(const Film& film, int width, int bitrate) {
   const Pictures toEncode(stitched.begin(), stitched.end());
   costs.encode = bestOfThree(toEncode.size(), [&] { encode(toEncode, width, bitrate); });
   return costs;
+}
+
+double measurePaced(const Film& film, int width, int bitrate, std::chrono::duration<double> interval) {
+  using Clock = std::chrono::steady_clock;
+  const auto decoder = openDecoder(film);
+  const auto encoder = openEncoder(width, bitrate);
+  const auto panorama = platform::MemoryPixelBuffer::create(width, width / 2);
+  std::unique_ptr<render::Stitcher> stitcher;
+  std::vector<double> costs;
+  auto next = Clock::now();
+  for (const Film::Bytes& slice : film.slices) {
+    std::this_thread::sleep_until(next);
+    next += std::chrono::duration_cast<Clock::duration>(interval);
+    const auto start = Clock::now();
+    const auto picture = decoder->decode(slice, 0).picture.pixelBuffer;
+    if (!picture) fail("a picture was not decoded");
+    if (!stitcher) stitcher = openStitcher(*picture, width);
+    if (!stitcher->stitch(*picture, render::outputOf(*panorama))) fail("a picture was not stitched");
+    if (!encoder->encodeImage(panorama, {static_cast<std::int64_t>(costs.size()), 30}))
+      fail("a picture was not encoded");
+    costs.push_back(1e3 * std::chrono::duration<double>(Clock::now() - start).count());
+  }
+  std::ranges::nth_element(costs, costs.begin() + static_cast<std::ptrdiff_t>(costs.size() / 2));
+  return costs[costs.size() / 2];
 }
 
 }  // namespace zel::bench

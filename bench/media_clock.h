@@ -24,10 +24,17 @@ class MediaClock {
     source_ = std::move(source);
   }
 
+  // Lets no more pictures come.
+  void stop() {
+    const MutexLock lock(mutex_);
+    stopped_ = true;
+  }
+
   // Goes on by a picture when there is room for one and the one before has arrived, or seems not to come.
   // Units: seconds.
   double now() {
     const MutexLock lock(mutex_);
+    if (stopped_) return newest_;
     const auto time = Clock::now();
     if (!source_) return newest_ = std::chrono::duration<double>(time - start_).count();
     const auto player = source_->player();
@@ -60,6 +67,7 @@ class MediaClock {
   Clock::time_point sent_ ZEL_GUARDED_BY(mutex_);     // when the latest picture was
   std::uint64_t arrived_ ZEL_GUARDED_BY(mutex_) = 0;  // pictures before it
   double newest_ ZEL_GUARDED_BY(mutex_) = 0;
+  bool stopped_ ZEL_GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zel::bench

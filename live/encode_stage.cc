@@ -35,7 +35,7 @@ void EncodeStage::run(const std::function<bool()>& isOver, const std::function<v
 bool EncodeStage::step() {
   const LiveFrame frame = queue_.take();
   if (!frame) {
-    clock_.sleepFor(FrameQueue::kPollInterval);
+    queue_.waitForOne(clock_);
     return true;
   }
   const bool success = encode(frame);

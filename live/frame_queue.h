@@ -2,19 +2,21 @@
 
 #include <cstddef>
 #include <deque>
+#include <semaphore>
 #include <utility>
 
 #include "live/live_frame.h"
+#include "platform/clock.h"
 #include "platform/mutex.h"
 
 namespace zel {
 
 // Pictures that wait for the next stage: the five newest. A slow stage costs pictures, never memory or delay.
-// Thread: any thread; never waits.
+// Thread: any thread; only waitForOne waits.
 class FrameQueue {
  public:
   static constexpr std::size_t kMost = 5;
-  static constexpr double kPollInterval = 0.01;  // seconds that its reader sleeps when there is none
+  static constexpr double kPollInterval = 0.01;  // seconds that its reader sleeps at most when there is none
 
   // Returns false where the oldest had to go for it.
   bool append(LiveFrame frame) {
@@ -26,6 +28,7 @@ class FrameQueue {
       frames_.pop_front();
     }
     frames_.push_back(std::move(frame));
+    if (!std::exchange(isTold_, true)) told_.release();
     return !full;
   }
 
@@ -36,6 +39,14 @@ class FrameQueue {
     LiveFrame oldest = std::move(frames_.front());
     frames_.pop_front();
     return oldest;
+  }
+
+  // Lets the one reader sleep for as long as it may while there is none: it has a stop to look for. A picture that comes
+  // ends the sleep; two stages that slept on would cost every picture 10 ms.
+  void waitForOne(platform::Clock& clock) {
+    if (!clock.acquireFor(told_, kPollInterval)) return;
+    const MutexLock lock(mutex_);
+    isTold_ = false;
   }
 
   void clear() {
@@ -52,6 +63,8 @@ class FrameQueue {
  private:
   mutable Mutex mutex_;
   std::deque<LiveFrame> frames_ ZEL_GUARDED_BY(mutex_);
+  bool isTold_ ZEL_GUARDED_BY(mutex_) = false;  // the reader, of a picture
+  std::binary_semaphore told_{0};
 };
 
 }  // namespace zel

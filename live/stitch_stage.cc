@@ -34,7 +34,7 @@ void StitchStage::run(const std::function<bool()>& isOver, const std::function<v
 
 void StitchStage::step(const std::function<void(LiveFrame)>& handOn) {
   const LiveFrame frame = queue_.take();
-  if (!frame) return clock_.sleepFor(FrameQueue::kPollInterval);
+  if (!frame) return queue_.waitForOne(clock_);
   auto stitched = stitch(frame->pixelBuffer);
   (stitched ? stitched_ : notStitched_).add(1);
   if (stitched) handOn(std::make_shared<orq::MediaPixelBuffer>(std::move(stitched), frame->timestamp));

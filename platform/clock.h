@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <semaphore>
 
@@ -21,6 +22,11 @@ class Clock {
   // Blocks the calling thread until the semaphore can be taken, for good where nobody ever releases it. A platform in
   // virtual time lets the others go on meanwhile.
   virtual void acquire(std::binary_semaphore& semaphore) { semaphore.acquire(); }
+
+  // The same, but for at most so many seconds; false where the semaphore could not be taken in that time.
+  virtual bool acquireFor(std::binary_semaphore& semaphore, double seconds) {
+    return semaphore.try_acquire_for(std::chrono::duration<double>(seconds));
+  }
 
   // How many seconds the local time is ahead of UTC at that time; 0 where the host knows no time zone.
   virtual std::int64_t localTimeOffset([[maybe_unused]] double absoluteTime) const { return 0; }

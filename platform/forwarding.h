@@ -29,6 +29,9 @@ class ForwardingClock : public Clock {
   double absoluteTime() const override { return wrapped_.absoluteTime(); }
   void sleepFor(double seconds) override { wrapped_.sleepFor(seconds); }
   void acquire(std::binary_semaphore& semaphore) override { wrapped_.acquire(semaphore); }
+  bool acquireFor(std::binary_semaphore& semaphore, double seconds) override {
+    return wrapped_.acquireFor(semaphore, seconds);
+  }
   std::int64_t localTimeOffset(double absoluteTime) const override { return wrapped_.localTimeOffset(absoluteTime); }
 
  private:

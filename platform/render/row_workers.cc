@@ -38,12 +38,13 @@ void RowWorkers::start(std::size_t tasks, Job job) {
     const MutexLock lock(mutex_);
     job_ = job;
     tasks_ = tasks;
-    busy_ = threads_.size();
+    open_ = true;
     ++round_;
     wake_.notify_all();
   }
   takeTasks(job, tasks, 0);
   const MutexLock lock(mutex_);
+  open_ = false;
   while (busy_ != 0) done_.wait(mutex_);
 }
 
@@ -54,9 +55,10 @@ void RowWorkers::work(std::size_t worker) {
     std::size_t tasks = 0;
     {
       const MutexLock lock(mutex_);
-      while (round_ == seen && !closed_) wake_.wait(mutex_);
+      while ((round_ == seen || !open_) && !closed_) wake_.wait(mutex_);
       if (closed_) return;
       seen = round_;
+      ++busy_;
       job = job_;
       tasks = tasks_;
     }

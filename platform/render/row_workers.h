@@ -51,7 +51,9 @@ class RowWorkers {
   Job job_ ZEL_GUARDED_BY(mutex_);
   std::size_t tasks_ ZEL_GUARDED_BY(mutex_) = 0;
   std::size_t round_ ZEL_GUARDED_BY(mutex_) = 0;  // counts the jobs
-  std::size_t busy_ ZEL_GUARDED_BY(mutex_) = 0;   // threads that have not ended the round
+  // On a busy machine a thread may wake when nothing is left to do; nobody waits for it, and it takes no part.
+  bool open_ ZEL_GUARDED_BY(mutex_) = false;     // threads may still join the round
+  std::size_t busy_ ZEL_GUARDED_BY(mutex_) = 0;  // those that have, and have not ended it
   bool closed_ ZEL_GUARDED_BY(mutex_) = false;
   std::vector<std::thread> threads_;  // last: nothing they use dies before them
 };

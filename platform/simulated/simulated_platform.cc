@@ -18,6 +18,9 @@ class SimulatedClock final : public Clock {
   void acquire(std::binary_semaphore& semaphore) override {
     scheduler_.waitUntil([&semaphore] { return semaphore.try_acquire(); });
   }
+  bool acquireFor(std::binary_semaphore& semaphore, double seconds) override {
+    return scheduler_.waitUntil([&semaphore] { return semaphore.try_acquire(); }, scheduler_.now() + seconds);
+  }
 
  private:
   SimulatedScheduler& scheduler_;

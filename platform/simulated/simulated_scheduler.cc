@@ -191,21 +191,25 @@ void SimulatedScheduler::sleepFor(double seconds) {
   runningTask_->sleepUntil(now_ + seconds);
 }
 
-void SimulatedScheduler::waitUntil(const std::function<bool()>& condition) {
+bool SimulatedScheduler::waitUntil(const std::function<bool()>& condition, double deadline) {
+  bool met = condition();
+  if (met) return true;
   if (runningTask_ != nullptr) {
-    if (!condition()) runningTask_->waitUntil(condition);
-    return;
+    runningTask_->waitUntil([&] { return met = condition(); }, deadline);
+    return met;
   }
   while (!condition()) {
+    if (now_ >= deadline) return false;
     const auto ready = readyTasks();
     if (!ready.empty()) {
       resume(ready[random_() % ready.size()]);
       continue;
     }
-    const double next = nextWakening();
+    const double next = std::min(nextWakening(), deadline);
     if (next == kNever) throw std::runtime_error("simulated platform: waits for good");
     now_ = next;
   }
+  return true;
 }
 
 double SimulatedScheduler::nextWakening() const {

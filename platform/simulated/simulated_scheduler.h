@@ -50,9 +50,9 @@ class SimulatedScheduler {
   void sleepFor(double seconds);
 
   // Lets the caller wait. Outside a task of the global queue only such tasks go on meanwhile, as the caller's loop is
-  // at a call, and the time with them.
+  // at a call, and the time with them. False where the deadline came first.
   // Errors: throws std::runtime_error where nobody is left who could bring the condition about.
-  void waitUntil(const std::function<bool()>& condition);
+  bool waitUntil(const std::function<bool()>& condition, double deadline = kNever);
 
   // The loop whose call is in progress, or null; the innermost when the end of one thread runs inside another.
   SimulatedRunLoop* current() const { return running_.empty() ? nullptr : running_.back(); }

@@ -35,10 +35,11 @@ void SimulatedTask::sleepUntil(double time) {
   yield();
 }
 
-void SimulatedTask::waitUntil(std::function<bool()> condition) {
-  wakesAt_ = kNever;
+void SimulatedTask::waitUntil(std::function<bool()> condition, double deadline) {
+  wakesAt_ = deadline;
   condition_ = std::move(condition);
   yield();
+  condition_ = nullptr;
 }
 
 void SimulatedTask::yield() {

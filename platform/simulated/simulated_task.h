@@ -24,7 +24,7 @@ class SimulatedTask final : public std::enable_shared_from_this<SimulatedTask> {
 
   // Scheduler: whether it can go on now. What it waits for is taken then.
   bool isReady(double now);
-  // Scheduler: when it wants to go on; kNever while it waits for something else.
+  // Scheduler: when it wants to go on at the latest; kNever while it waits for something without a deadline.
   double wakesAt() const { return wakesAt_; }
   // Scheduler: lets it run until it sleeps, waits or ends.
   void resume();
@@ -32,9 +32,9 @@ class SimulatedTask final : public std::enable_shared_from_this<SimulatedTask> {
   // Scheduler: leaves it to itself.
   void abandon();
 
-  // The task itself: lets the scheduler go on until that time, or until the condition holds.
+  // The task itself: lets the scheduler go on until that time, or until the condition holds or the deadline has come.
   void sleepUntil(double time);
-  void waitUntil(std::function<bool()> condition);
+  void waitUntil(std::function<bool()> condition, double deadline);
 
  private:
   void run();

@@ -30,13 +30,24 @@ class StitchStageTest : public testing::Test {
   std::vector<std::int64_t> times;
 };
 
-TEST_F(StitchStageTest, LooksAgainEveryTenMilliseconds) {
+TEST_F(StitchStageTest, TakesAPictureAsSoonAsItComes) {
   startThread();
   append(1);
+  append(2);
+  host.runUntilIdle();
+  EXPECT_THAT(times, ElementsAre(1, 2));
+  append(3);
+  host.runUntilIdle();
+  EXPECT_THAT(times, ElementsAre(1, 2, 3));
+}
+
+TEST_F(StitchStageTest, LooksForTheEndEveryTenMilliseconds) {
+  startThread();
+  over = true;
   host.advance(0.009);
-  EXPECT_THAT(times, IsEmpty());
+  EXPECT_EQ(host.liveTasks(), 1u);
   host.advance(0.002);
-  EXPECT_THAT(times, ElementsAre(1));
+  EXPECT_EQ(host.liveTasks(), 0u);
 }
 
 TEST_F(StitchStageTest, MakesTheRendererAtTheFirstPictureAndDropsItAtTheEnd) {

@@ -44,6 +44,27 @@ TEST_P(ClockConformance, WaitsForASemaphoreWhileItsHolderGoesOn) {
   EXPECT_FALSE(semaphore.try_acquire());
 }
 
+TEST_P(ClockConformance, GivesUpASemaphoreThatNobodyReleasesInTime) {
+  std::binary_semaphore semaphore(0);
+  const double before = ports.clock.absoluteTime();
+  EXPECT_FALSE(ports.clock.acquireFor(semaphore, 0.02));
+  EXPECT_GE(ports.clock.absoluteTime() - before, 0.0199);
+  EXPECT_FALSE(ports.clock.acquireFor(semaphore, 0));
+}
+
+TEST_P(ClockConformance, TakesASemaphoreAsSoonAsItIsReleased) {
+  std::binary_semaphore semaphore(0);
+  const double before = ports.clock.absoluteTime();
+  ports.queues.globalQueue().post([&] {
+    ports.clock.sleepFor(0.02);
+    semaphore.release();
+  });
+  EXPECT_TRUE(ports.clock.acquireFor(semaphore, 3600));
+  EXPECT_GE(ports.clock.absoluteTime() - before, 0.0199);
+  EXPECT_LT(ports.clock.absoluteTime() - before, 60);
+  EXPECT_FALSE(semaphore.try_acquire());
+}
+
 ZEL_CONFORMANCE_SUITE(ClockConformance);
 
 }  // namespace
