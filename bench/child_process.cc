@@ -43,4 +43,10 @@ double processorSeconds() {
   return secondsOf(usage);
 }
 
+double threadProcessorSeconds() {
+  rusage usage{};
+  getrusage(RUSAGE_THREAD, &usage);
+  return secondsOf(usage);
+}
+
 }  // namespace zel::bench

@@ -13,7 +13,8 @@ struct ChildCost {
 // Runs a program to its end. Errors: ends this process where it cannot be run or fails.
 ChildCost runChild(const std::vector<std::string>& command);
 
-// What this process has used so far.
+// What this process, and what the calling thread has used so far.
 double processorSeconds();
+double threadProcessorSeconds();
 
 }  // namespace zel::bench

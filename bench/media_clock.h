@@ -8,6 +8,7 @@
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
+#include "bench/child_process.h"
 #include "platform/mutex.h"
 
 namespace zel::bench {
@@ -34,6 +35,7 @@ class MediaClock {
   // Units: seconds.
   double now() {
     const MutexLock lock(mutex_);
+    processorSeconds_ = threadProcessorSeconds();
     if (stopped_) return newest_;
     const auto time = Clock::now();
     if (!source_) return newest_ = std::chrono::duration<double>(time - start_).count();
@@ -44,6 +46,12 @@ class MediaClock {
     arrived_ = arrived;
     sent_ = time;
     return newest_ += 1 / kRate;
+  }
+
+  // The processor time of the thread that looks at the clock, which is the camera's, at its latest look.
+  double processorSeconds() {
+    const MutexLock lock(mutex_);
+    return processorSeconds_;
   }
 
   // Pictures that have left the pipeline, or were lost in it.
@@ -68,6 +76,7 @@ class MediaClock {
   std::uint64_t arrived_ ZEL_GUARDED_BY(mutex_) = 0;  // pictures before it
   double newest_ ZEL_GUARDED_BY(mutex_) = 0;
   bool stopped_ ZEL_GUARDED_BY(mutex_) = false;
+  double processorSeconds_ ZEL_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace zel::bench

@@ -13,7 +13,7 @@ constexpr std::size_t kQueueForAll = 64 * 1024 * 1024;  // a host that asks and 
 constexpr double kHeartbeat = 0.5;                      // seconds
 constexpr std::size_t kPhoneTime = 8;                   // bytes, which the camera has no use for
 constexpr int kPicturesBeforeFault = 20;
-constexpr double kLook = 0.0005;       // seconds between two looks at a clock that somebody else moves
+constexpr double kLook = 0.002;        // seconds between two looks at a clock that somebody else moves
 constexpr double kMakingPause = 0.01;  // seconds, while the next picture is still being made
 
 std::chrono::steady_clock::duration steady(double seconds) {
