@@ -69,7 +69,7 @@ void CameraConnection::take(HostFrame frame) {
 }
 
 void CameraConnection::answer(const HostMessage& request) {
-  setup_.requestSeen();
+  setup_.requestSeen(request.code);
   const Faults& faults = *setup_.faults;
   if (faults.noReply.contains(request.code)) return;
   if (faults.refuse.contains(request.code)) return reply(request.code, refusal(request.code));

@@ -27,10 +27,10 @@ struct ConnectionSetup {
   std::uint64_t seed = 1;
   SimulatedCamera* camera = nullptr;
   MediaLibrary* media = nullptr;
-  Faults* faults = nullptr;           // the counted ones are spent
-  std::function<void()> requestSeen;  // for every message of the host
-  std::function<void()> unplug;       // asked for by a fault
-  std::function<void()> closed;       // the connection has ended, once
+  Faults* faults = nullptr;                        // the counted ones are spent
+  std::function<void(std::uint16_t)> requestSeen;  // for every message of the host, with its code
+  std::function<void()> unplug;                    // asked for by a fault
+  std::function<void()> closed;                    // the connection has ended, once
   std::function<void(const std::string&)> warn;
   std::function<double()> mediaSeconds;  // as SimulatorOptions has it
 };

@@ -54,6 +54,7 @@ struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<
   void restart() override;
   void accept();
   void serve(Protocol::socket socket);
+  void requestSeen(std::uint16_t code);
   void connectionClosed();
   void storm();
   std::chrono::milliseconds uptime() const override;
@@ -143,7 +144,7 @@ void CameraSimulator::State::serve(Protocol::socket socket) {
   setup.media = &media;
   setup.seed = options.seed;
   setup.faults = &options.faults;
-  setup.requestSeen = [this] { ++requests; };
+  setup.requestSeen = [this](std::uint16_t code) { requestSeen(code); };
   setup.closed = [this] { connectionClosed(); };
   setup.warn = options.warn;
   setup.mediaSeconds = options.mediaSeconds;
@@ -171,6 +172,14 @@ void CameraSimulator::State::onWorker(std::function<std::function<void()>()> job
 
 void CameraSimulator::State::tellHost(Bytes frame) {
   if (connection) connection->send(std::move(frame));
+}
+
+void CameraSimulator::State::requestSeen(std::uint16_t code) {
+  ++requests;
+  if (!options.verbose) return;
+  char line[sizeof "request 0x0000"];
+  std::snprintf(line, sizeof line, "request 0x%04X", code);
+  options.warn(line);
 }
 
 void CameraSimulator::State::connectionClosed() {

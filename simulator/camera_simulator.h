@@ -23,6 +23,7 @@ struct SimulatorOptions {
   Faults faults;
   std::function<double()> mediaSeconds;  // the media's time, if it shall not be the real one; it is looked at often
   bool once = false;                     // ends after the first connection has ended
+  bool verbose = false;                  // every request of the host is told, as "request 0x0004"
   std::function<void(const std::string&)> warn;  // empty: standard error
 };
 

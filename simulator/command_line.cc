@@ -73,6 +73,7 @@ CommandLine::CommandLine() {
       ->allow_extra_args(false)
       ->check(complaintOfFault);
   app_.add_flag("--once", options_.once, "end after the first connection has ended");
+  app_.add_flag("--verbose", options_.verbose, "tell every request of the host on standard error");
   manual::addDescribeOption(app_, usualWords());
 }
 

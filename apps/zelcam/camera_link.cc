@@ -62,6 +62,8 @@ Waited CameraLink::waitFor(const std::function<bool()>& done, std::optional<doub
 
 void CameraLink::wake() { platform_.stopMainQueue(); }
 
+bool CameraLink::isLost() { return lost_.load() || stack_.accessory().status() != kFramesArrive; }
+
 void CameraLink::sayAsked() const {
   if (settings_.verbose) say("zelcam: the request is on its way");
 }

@@ -43,6 +43,9 @@ class CameraLink {
   Waited waitFor(const std::function<bool()>& done, std::optional<double> seconds);
   void wake();
 
+  // Whether the camera is gone or silent: what failed then, failed for want of a camera.
+  bool isLost();
+
   // Waits for the answer. Returns kDone where it is a good one; otherwise says how `what` ended, and returns the exit
   // status.
   template <class... Values>

@@ -144,7 +144,8 @@ class Live {
       if (end == Waited::timeOut && (inBackground_ || writer_.written().pictures != before)) continue;
       if (end == Waited::timeOut) return RunEnd::noPicture;
       if (writer_.written().complete) return RunEnd::complete;
-      return outputs_.haveAllFailed() ? RunEnd::outputsFailed : RunEnd::failed;
+      if (outputs_.haveAllFailed()) return RunEnd::outputsFailed;
+      return feed.failure() && link.isLost() ? RunEnd::lost : RunEnd::failed;
     }
   }
 

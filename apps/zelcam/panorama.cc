@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "apps/zelcam/exif_direction.h"
 #include "apps/zelcam/panorama_metadata.h"
 
 namespace zel::app {
@@ -22,10 +23,11 @@ std::optional<PanoramaFile> PanoramaMaker::panoramaOf(std::span<const std::uint8
   if (!image) return std::nullopt;
   error = "the panorama cannot be written as a JPEG file";
   const auto file = jpegOf(*image, kQuality);
-  const auto packet = panoramaPacket(image->width(), image->height());
+  const auto exif = exifSegmentIn(photo);
+  const auto packet = panoramaPacket(image->width(), image->height(), directionIn(exif));
   if (!file || !packet) return std::nullopt;
   const JpegBytes xmp = xmpSegmentOf(*packet);
-  const std::vector<std::span<const std::uint8_t>> segments = {exifSegmentIn(photo), xmp};
+  const std::vector<std::span<const std::uint8_t>> segments = {exif, xmp};
   return PanoramaFile{withSegments(*file, segments), image->width(), image->height()};
 }
 

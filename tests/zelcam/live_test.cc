@@ -1,8 +1,7 @@
+#include "tests/zelcam/live_test.h"
+
 #include <gmock/gmock.h>
-#include <netinet/in.h>
 #include <png.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,9 +11,7 @@
 #include <fstream>
 #include <random>
 
-#include "tests/zelcam/muxing/read_back.h"
 #include "tests/zelcam/tick_and_beep.h"
-#include "tests/zelcam/zelcam_test.h"
 
 namespace zel::test {
 namespace {
@@ -23,44 +20,16 @@ namespace fs = std::filesystem;
 using app::ReadBack;
 using app::readBack;
 using testing::HasSubstr;
-using testing::Not;
 
-constexpr char kNginx[] = "/usr/sbin/nginx";
-constexpr char kRtmpModule[] = "/usr/lib/nginx/modules/ngx_rtmp_module.so";
-
-class LiveTest : public ZelcamTest {
- protected:
-  LiveTest() { av_log_set_level(AV_LOG_QUIET); }
-
-  std::string path(const std::string& name) const { return folder.path() + "/" + name; }
-
-  std::unique_ptr<Process> live(Arguments arguments) const {
-    arguments.insert(arguments.begin(), {"--timeout", "30", "--verbose", "live"});
-    return zelcam(std::move(arguments));
-  }
-
-  static void writeRedPng(const std::string& file) {
-    std::vector<std::uint8_t> rgb;
-    for (int i = 0; i < 64 * 64; ++i) rgb.insert(rgb.end(), {255, 0, 0});
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = image.height = 64;
-    image.format = PNG_FORMAT_RGB;
-    ASSERT_NE(png_image_write_to_file(&image, file.c_str(), 0, rgb.data(), 0, nullptr), 0);
-  }
-
-  // Waits until the file has that many bytes.
-  static bool grows(const std::string& file, std::uintmax_t size) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    std::error_code fault;
-    while (std::chrono::steady_clock::now() < end) {
-      const std::uintmax_t now = fs::file_size(file, fault);
-      if (!fault && now >= size) return true;
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return false;
-  }
-};
+void writeRedPng(const std::string& file) {
+  std::vector<std::uint8_t> rgb;
+  for (int i = 0; i < 64 * 64; ++i) rgb.insert(rgb.end(), {255, 0, 0});
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = image.height = 64;
+  image.format = PNG_FORMAT_RGB;
+  ASSERT_NE(png_image_write_to_file(&image, file.c_str(), 0, rgb.data(), 0, nullptr), 0);
+}
 
 // -- what it writes
 
@@ -235,16 +204,6 @@ TEST_F(LiveTest, TheBackgroundLetsTheCameraRest) {
   EXPECT_TRUE(readBack(path("a.ts")).ordered);
 }
 
-TEST_F(LiveTest, ACameraThatRefusesIsTold) {
-  const auto camera = simulator({"--fault", "refuse=0x0004"});
-  const auto stitched = live({"-o", path("a.mp4"), "--size", "480x240"});
-  EXPECT_EQ(stitched->wait(), 1);
-  EXPECT_THAT(stitched->errors(), HasSubstr("live: failed to open camera video stream (zelcam.liveSource 4)"));
-  const auto passed = live({"-o", path("b.mp4"), "--no-stitch"});
-  EXPECT_EQ(passed->wait(), 1);
-  EXPECT_THAT(passed->errors(), HasSubstr("live: failed to open camera video stream"));
-}
-
 // -- outputs that fail
 
 TEST_F(LiveTest, AnOutputThatFailsHarmsNoOther) {
@@ -278,99 +237,6 @@ TEST_F(LiveTest, WrongUsageIsToldBeforeAnythingIsSent) {
   refused({"-o", "a.ts", "--no-stitch", "--size", "480x240"}, "--no-stitch passes the camera's pictures on");
   refused({"-o", "a.ts", "--resolution", "16"}, "16 is not a whole number from 0 to 15");
   refused({"-o", "a.ts", "--logo-angle", "5"}, "--logo-angle needs --logo");
-}
-
-// -- servers
-
-class RtmpTest : public LiveTest {
- protected:
-  void SetUp() override {
-    if (!fs::exists(kNginx) || !fs::exists(kRtmpModule)) GTEST_SKIP() << "needs nginx and libnginx-mod-rtmp";
-    port_ = freePort();
-    std::ofstream(path("nginx.conf")) << "load_module " << kRtmpModule << ";\n"
-                                      << (::geteuid() == 0 ? "user root;\n" : "")
-                                      << "daemon off;\nworker_processes 1;\n"
-                                      << "pid " << path("nginx.pid") << ";\nerror_log " << path("nginx.log")
-                                      << " notice;\nevents { worker_connections 64; }\n"
-                                      << "rtmp { server { listen 127.0.0.1:" << port_
-                                      << "; application live { live on; record all; record_unique on; record_path "
-                                      << folder.path() << "; } } }\n";
-  }
-
-  std::unique_ptr<Process> server() const {
-    return std::make_unique<Process>(kNginx, std::vector<std::string>{"-p", folder.path(), "-c", path("nginx.conf")},
-                                     folder.path());
-  }
-  std::string address() const { return "rtmp://127.0.0.1:" + std::to_string(port_) + "/live/secret"; }
-
-  std::vector<std::string> recordings() const {
-    std::vector<std::string> all;
-    for (const auto& entry : fs::directory_iterator(folder.path())) {
-      if (entry.path().extension() == ".flv") all.push_back(entry.path().string());
-    }
-    std::ranges::sort(all);
-    return all;
-  }
-
- private:
-  static int freePort() {
-    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in any{};
-    any.sin_family = AF_INET;
-    any.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof any;
-    ::bind(socket, reinterpret_cast<sockaddr*>(&any), size);
-    ::getsockname(socket, reinterpret_cast<sockaddr*>(&any), &size);
-    ::close(socket);
-    return ntohs(any.sin_port);
-  }
-
-  int port_ = 0;
-};
-
-TEST_F(RtmpTest, AServerGetsTheStream) {
-  const auto camera = simulator();
-  const auto rtmp = server();
-  ASSERT_TRUE(grows(path("nginx.pid"), 1)) << rtmp->errors();
-  const auto host = live({"--json", "-o", address(), "--size", "480x240", "--duration", "4"});
-  ASSERT_EQ(host->wait(), 0) << host->errors();
-  rtmp->signal(SIGTERM);
-  rtmp->wait();
-  ASSERT_EQ(recordings().size(), 1u) << host->errors();
-  const ReadBack read = readBack(recordings()[0]);
-  EXPECT_EQ(read.pictures, lines(*host).at(0)["outputs"].at(0)["pictures"]);
-  EXPECT_GE(read.pictures, 10);
-  EXPECT_GE(read.audioFrames, 30);
-  EXPECT_TRUE(read.ordered);
-  EXPECT_EQ(std::pair(read.width, read.height), std::pair(480, 240));
-}
-
-TEST_F(RtmpTest, AServerThatComesLateIsTriedAgainAndItsKeyIsNotTold) {
-  const auto camera = simulator();
-  const auto host = live({"-o", address(), "-o", path("a.ts"), "--no-stitch"});
-  ASSERT_TRUE(host->waitForErrors("the server cannot be reached: Connection refused; trying again in"));
-  const auto rtmp = server();
-  ASSERT_TRUE(host->waitForErrors("is connected"));
-  host->signal(SIGINT);
-  EXPECT_EQ(host->wait(), 0) << host->errors();
-  EXPECT_THAT(host->errors(), Not(HasSubstr("secret")));
-  EXPECT_GE(readBack(path("a.ts")).pictures, 30);
-}
-
-TEST_F(RtmpTest, AServerThatDropsTheStreamGetsItAgain) {
-  const auto camera = simulator();
-  auto rtmp = server();
-  ASSERT_TRUE(grows(path("nginx.pid"), 1)) << rtmp->errors();
-  const auto host = live({"-o", address(), "-o", path("a.ts"), "--no-stitch"});
-  ASSERT_TRUE(host->waitForErrors("is connected")) << host->errors();
-  rtmp->signal(SIGTERM);
-  rtmp->wait();
-  ASSERT_TRUE(host->waitForErrors("the server ended the stream"));
-  rtmp = server();
-  ASSERT_TRUE(host->waitForErrors("is connected again"));
-  host->signal(SIGINT);
-  EXPECT_EQ(host->wait(), 0) << host->errors();
-  EXPECT_TRUE(readBack(path("a.ts")).ordered);
 }
 
 }  // namespace

@@ -7,10 +7,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "apps/zelcam/exif_direction.h"
 #include "apps/zelcam/jpeg_file.h"
 #include "apps/zelcam/panorama_metadata.h"
 #include "platform/memory_pixel_buffer.h"
@@ -181,7 +183,7 @@ TEST(JpegFileTest, AnXmpSegmentIsNamedAndNotTooLong) {
 }
 
 TEST(PanoramaMetadataTest, TellsViewersWhatThePictureIs) {
-  const auto packet = app::panoramaPacket(3040, 1520);
+  const auto packet = app::panoramaPacket(3040, 1520, std::nullopt);
   ASSERT_TRUE(packet);
   for (const char* property :
        {"xmlns:GPano=\"http://ns.google.com/photos/1.0/panorama/\"", "GPano:ProjectionType=\"equirectangular\"",
@@ -189,7 +191,52 @@ TEST(PanoramaMetadataTest, TellsViewersWhatThePictureIs) {
         "GPano:CroppedAreaImageWidthPixels=\"3040\"", "GPano:CroppedAreaImageHeightPixels=\"1520\"",
         "GPano:CroppedAreaLeftPixels=\"0\"", "GPano:CroppedAreaTopPixels=\"0\""})
     EXPECT_THAT(*packet, HasSubstr(property));
-  EXPECT_THAT(*packet, testing::Not(HasSubstr("Pose")));  // nobody knows it
+  EXPECT_THAT(*packet, testing::Not(HasSubstr("Pose")));
+}
+
+TEST(PanoramaMetadataTest, TellsWhereThePictureLooksAndNoTilt) {
+  const auto packet = app::panoramaPacket(3040, 1520, 271.5);
+  ASSERT_TRUE(packet);
+  EXPECT_THAT(*packet, HasSubstr("GPano:PoseHeadingDegrees=\"271.50\""));
+  EXPECT_THAT(*packet, testing::Not(testing::AnyOf(HasSubstr("PosePitch"), HasSubstr("PoseRoll"))));
+}
+
+// 271.5 degrees from true north.
+const JpegBytes littleEndianExif = {
+    0xFF, 0xE1, 0,    72,   'E', 'x', 'i', 'f', 0,   0,                           // 0   marker, length
+    'I',  'I',  42,   0,    8,   0,   0,   0,                                     // 10  directory at 8 from here
+    1,    0,    0x25, 0x88, 4,   0,   1,   0,   0,   0, 26, 0, 0, 0, 0, 0, 0, 0,  // 18  GPS directory at 26
+    2,    0,                                                                      // 36  two entries
+    0x10, 0,    2,    0,    2,   0,   0,   0,   'T', 0, 0,  0,                    // 38  from true north
+    0x11, 0,    5,    0,    1,   0,   0,   0,   56,  0, 0,  0,                    // 50  the direction at 56
+    0,    0,    0,    0,                                                          // 62
+    0x9B, 0x0A, 0,    0,    10,  0,   0,   0};                                    // 66  2715 / 10
+const JpegBytes bigEndianExif = {0xFF, 0xE1, 0,    72, 'E', 'x', 'i', 'f', 0,   0, 'M', 'M',  0,    42,   0, 0, 0, 8, 0,
+                                 1,    0x88, 0x25, 0,  4,   0,   0,   0,   1,   0, 0,   0,    26,   0,    0, 0, 0, 0, 2,
+                                 0,    0x10, 0,    2,  0,   0,   0,   2,   'T', 0, 0,   0,    0,    0x11, 0, 5, 0, 0, 0,
+                                 1,    0,    0,    0,  56,  0,   0,   0,   0,   0, 0,   0x0A, 0x9B, 0,    0, 0, 10};
+
+TEST(ExifDirectionTest, ReadsTheDirectionFromTrueNorth) {
+  EXPECT_EQ(app::directionIn(littleEndianExif), 271.5);
+  EXPECT_EQ(app::directionIn(bigEndianExif), 271.5);
+}
+
+TEST(ExifDirectionTest, WhatIsCutMissingOrOtherwiseCountedTellsNothing) {
+  for (std::size_t size = 0; size < littleEndianExif.size(); ++size) {
+    EXPECT_EQ(app::directionIn(Bytes(littleEndianExif).first(size)), std::nullopt) << size;
+  }
+  const auto changed = [](std::size_t at, std::uint8_t value) {
+    JpegBytes exif = littleEndianExif;
+    exif[at] = value;
+    return app::directionIn(exif);
+  };
+  EXPECT_EQ(changed(12, 43), std::nullopt);    // no EXIF data
+  EXPECT_EQ(changed(14, 0xFF), std::nullopt);  // no directory there
+  EXPECT_EQ(changed(28, 0xFF), std::nullopt);  // no GPS there
+  EXPECT_EQ(changed(46, 'M'), std::nullopt);   // magnetic north
+  EXPECT_EQ(changed(52, 10), std::nullopt);    // a signed number
+  EXPECT_EQ(changed(67, 0x0E), std::nullopt);  // 373.9 degrees
+  EXPECT_EQ(changed(70, 0), std::nullopt);     // nothing divides
 }
 
 // -- panoramas
@@ -227,6 +274,14 @@ TEST_F(PanoramaTest, CarriesTheExifDataOverByteForByte) {
   EXPECT_EQ(JpegBytes(found.begin(), found.end()), exif);
   EXPECT_THAT(textOf(panorama->bytes), HasSubstr("GPano:FullPanoWidthPixels=\"640\""));
   EXPECT_TRUE(simulator::decodeJpeg(panorama->bytes));
+}
+
+TEST_F(PanoramaTest, TellsWhereThePhotoLooks) {
+  const std::vector<Bytes> segments = {littleEndianExif};
+  app::PanoramaMaker maker(library, kOffset);
+  const auto panorama = maker.panoramaOf(app::withSegments(photo(), segments), error);
+  ASSERT_TRUE(panorama) << error;
+  EXPECT_THAT(textOf(panorama->bytes), HasSubstr("GPano:PoseHeadingDegrees=\"271.50\""));
 }
 
 TEST_F(PanoramaTest, ADarkPictureDoesNotChangeTheNextOne) {

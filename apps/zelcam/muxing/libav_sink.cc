@@ -15,6 +15,7 @@
 namespace zel::app {
 namespace {
 
+constexpr char kLinger[] = "5";                 // seconds
 constexpr std::int64_t kMostAhead = 1'000'000;  // microseconds that one track waits for the other
 
 const char* formatOf(OutputKind kind) {
@@ -91,7 +92,10 @@ Fault LibavSink::openTarget() {
     return fmt::format("cannot write {}: it is no plain file", address_.name());
   }
   if ((muxer_->oformat->flags & AVFMT_NOFILE) != 0) return folderFault();
-  const int error = avio_open2(&muxer_->pb, muxer_->url, AVIO_FLAG_WRITE, &muxer_->interrupt_callback, nullptr);
+  Options options;
+  // Otherwise the last pictures go with the connection, before the server has confirmed them.
+  if (address_.kind == OutputKind::srt) options.set("linger", kLinger);
+  const int error = avio_open2(&muxer_->pb, muxer_->url, AVIO_FLAG_WRITE, &muxer_->interrupt_callback, options.get());
   return error < 0 ? faultFor(error) : std::nullopt;
 }
 

@@ -14,7 +14,9 @@ struct ReadBack {
   std::vector<double> pictureTimes;  // seconds
   double firstPicture = -1, firstSound = -1;
   bool ordered = true;  // time stamps never go backwards
+  bool beginsWithKey = false;
   bool spherical = false;
+  AVCodecID videoCodec = AV_CODEC_ID_NONE, audioCodec = AV_CODEC_ID_NONE;
   int width = 0, height = 0;
 };
 
@@ -33,6 +35,8 @@ inline ReadBack readBack(const std::string& file) {
       read.height = stream.codecpar->height;
     }
     const bool video = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+    (video ? read.videoCodec : read.audioCodec) = stream.codecpar->codec_id;
+    if (video && read.pictures == 0) read.beginsWithKey = (packet->flags & AV_PKT_FLAG_KEY) != 0;
     std::int64_t& before = last[static_cast<std::size_t>(packet->stream_index)];
     if (before != INT64_MIN && packet->dts <= before) read.ordered = false;
     const double time = static_cast<double>(packet->pts) * av_q2d(stream.time_base);
