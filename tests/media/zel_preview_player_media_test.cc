@@ -132,6 +132,20 @@ TEST_F(RealPreviewTest, SlicesBehindShortCodesAloneAreNeverSeen) {
   EXPECT_EQ(connected.host.liveThreads("preview decode"), 0);
 }
 
+// Three sequences of two pictures, 352 columns wide, 640 and 352 again; each has sets of its own, and slices that name
+// them. They come in 2, 5 and 3 slices. The decoder has the first sets, so that it can make nothing of the rest.
+TEST_F(RealPreviewTest, KeepsTheFirstParameterSetsOfAStreamThatChangesItsSizeWithoutAReset) {
+  ZEL_REAL_MEDIA(stream, "h264/Error_I_P.264");
+  sendVideo(runsBehindLongCodes(stream));
+  EXPECT_THAT(received->sets, ElementsAre(Pair(9, 4), Pair(9, 4), Pair(9, 4)));
+  EXPECT_EQ(received->slices.size(), 10u);
+  EXPECT_EQ(player->statistics().units, 10u);
+  EXPECT_EQ(player->statistics().withoutPicture, 8u);
+  ASSERT_EQ(received->pictures.size(), 2u);
+  EXPECT_EQ(md5Of(received->pictures), "d29af633158e0a8f7961d021e6d19d5d");
+  EXPECT_EQ(player->imageWidth(), 352);
+}
+
 // AAC-LC, 32 kHz, mono: the container's frame behind the header that a camera puts before it.
 Bytes adts(const Bytes& frame) {
   const int length = 7 + static_cast<int>(frame.size());
