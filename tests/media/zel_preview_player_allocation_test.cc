@@ -19,7 +19,7 @@
 namespace zel::test {
 namespace {
 
-constexpr int kPicturesASecond = 30, kSeconds = 3600;
+constexpr int kPicturesASecond = 30;
 constexpr std::int64_t kOrigin = 1'000'000;  // the camera's clock when it begins
 
 class CountingDelegate final : public ZELCameraMediaDataDelegate, public ZELPixelBufferDataProtocol {

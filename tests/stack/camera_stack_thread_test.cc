@@ -86,7 +86,7 @@ Bytes everythingFrom(int host) {
 Bytes frameOfAThousand(std::uint8_t number) { return join(bytes({0xE8, 3, 0, 0, 4, 0}), repeated(994, number)); }
 
 TEST_F(CameraStackThread, WritesFramesOfTwoThreadsWhole) {
-  constexpr int kFrames = 200;  // more than a socket holds
+  constexpr int kFrames = 1000;
   const platform::UniqueDescriptor listener = listenAt(folder_.file("camera.sock"));
   std::vector<Bytes> heard;
   std::thread camera([&] {
