@@ -84,6 +84,16 @@ TEST_F(ZELUCDFileTest, AnswersALongPathThroughTheReplyThatNamesNobody) {
   EXPECT_THAT(log, ElementsAre("a done"));
 }
 
+// The field of the reply has no zero at its end then.
+TEST_F(ZELUCDFileTest, MatchesAPathOfExactlySixtyFourBytes) {
+  send(std::string(64, 'p'), "a");
+  send("b", "b");
+  file.parserUCD(reply(2, 0, Bytes(64, 'p')));
+  EXPECT_THAT(log, ElementsAre("a done"));
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre("a done"));
+}
+
 TEST_F(ZELUCDFileTest, AnswersAMatchedPathAtOnceOnTheSessionThread) {
   send("a", "a");
   send("b", "b");

@@ -114,6 +114,7 @@ TEST_F(RequestEngineTest, WaitsForGoodForAReplyThatNeverComes) {
 TEST_F(RequestEngineTest, FailsARequestOnceOnTheMainQueueWhileNothingIsConnected) {
   host.unplug(camera);
   host.runUntilIdle();
+  link().takeWritten();
   ask("a");
   EXPECT_THAT(log, IsEmpty());
   host.runUntilIdle();
@@ -121,6 +122,8 @@ TEST_F(RequestEngineTest, FailsARequestOnceOnTheMainQueueWhileNothingIsConnected
   ucd().sendMsg(kWhiteBalance, {}, nullptr);
   host.advance(10);
   EXPECT_THAT(log, ElementsAre("a 100"));
+  attach();  // nothing was kept for the next session either
+  EXPECT_THAT(link().written(), IsEmpty());
 }
 
 TEST_F(RequestEngineTest, FailsARequestBeforeTheFirstFrame) {

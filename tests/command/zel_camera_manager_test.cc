@@ -48,7 +48,8 @@ TEST_F(ZELCameraManagerTest, PostsTheBatteryEvents) {
 
 TEST_F(ZELCameraManagerTest, PostsNothingForOtherEvents) {
   manager().registerForCameraNotifications();
-  for (const char* event : {"0160 01", "0260", "0660 01", "0860 01", "0960", "0A60", "0B60", "0C60 01", "0D60", "0E60"})
+  for (const char* event :
+       {"0160 01", "0260", "0660 01", "0760 01", "0860 01", "0960", "0A60", "0B60", "0C60 01", "0D60", "0E60"})
     answer(event);
   EXPECT_THAT(log, IsEmpty());
 }

@@ -14,7 +14,6 @@ namespace zel::test {
 namespace {
 
 using platform::MediaTime;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -67,7 +66,7 @@ TEST_F(LiveMediaTest, KeepsTheNewestFiveOfSixPictures) {
   log->take();
   letThreadsRun();
   EXPECT_EQ(log->count("stitched"), 5u);
-  EXPECT_THAT(log->take(), Contains("stitched 2 luma 3"));
+  EXPECT_EQ(log->count("stitched 1 "), 0u);
   EXPECT_EQ(source->statistics().droppedBeforeStitching, 1u);
 }
 

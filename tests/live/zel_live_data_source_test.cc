@@ -381,6 +381,8 @@ TEST_F(ZELLiveDataSourceTest, SwitchesTheCameraOffInTheBackgroundAndOnAgain) {
   answer(kPreviewIsOff);
   EXPECT_THAT(written(), ElementsAre(kSoundOff));
   answerSound();
+  host.advance(60);
+  EXPECT_EQ(host.liveTasks(), 2u);
   becomeActive();
   EXPECT_THAT(written(), ElementsAre(kPreviewOn, kSoundOn));
   EXPECT_EQ(host.liveTasks(), 2u);

@@ -1,13 +1,20 @@
 #include <ZELTarkaSDK/CameraStack.h>
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+
+#include <array>
 #include <atomic>
+#include <barrier>
 #include <functional>
 #include <memory>
 #include <random>
+#include <thread>
+#include <vector>
 
 #include "tests/sanitizers.h"
 #include "tests/stack/simulator_fixture.h"
+#include "tests/transport/bytes.h"
 
 namespace zel::test {
 namespace {
@@ -63,6 +70,55 @@ TEST_F(CameraStackThread, GivesBackEverythingOverTwoHundredPluggings) {
   if (!kKeepsFreedMemory) {
     EXPECT_LT(residentKilobytes(), memory + 40 * 1024);
   }
+}
+
+// All that the host writes until it closes.
+Bytes everythingFrom(int host) {
+  Bytes heard;
+  std::array<std::uint8_t, 4096> bytes;
+  for (ssize_t size = 0; (size = recv(host, bytes.data(), bytes.size(), 0)) > 0;) {
+    heard.insert(heard.end(), bytes.begin(), bytes.begin() + size);
+  }
+  return heard;
+}
+
+// A thousand bytes whose code and body are the number, a length and a type before them.
+Bytes frameOfAThousand(std::uint8_t number) { return join(bytes({0xE8, 3, 0, 0, 4, 0}), repeated(994, number)); }
+
+TEST_F(CameraStackThread, WritesFramesOfTwoThreadsWhole) {
+  constexpr int kFrames = 1000;
+  const platform::UniqueDescriptor listener = listenAt(folder_.file("camera.sock"));
+  std::vector<Bytes> heard;
+  std::thread camera([&] {
+    const platform::UniqueDescriptor host(accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    const Bytes all = everythingFrom(host.get());
+    for (auto at = all.begin(); all.end() - at >= 1000; at += 1000) heard.emplace_back(at, at + 1000);
+    EXPECT_EQ(all.size() % 1000, 0u);
+  });
+  CameraStack stack(ports());
+  plug("camera", 1);
+  stack.accessory().openCamera();
+  ASSERT_TRUE(reaches(stack, 1));
+  std::barrier together(2);
+  const auto write = [&](std::uint8_t first) {
+    together.arrive_and_wait();
+    for (int i = 0; i < kFrames; ++i) {
+      stack.accessory().writeData(ZELData(frameOfAThousand(static_cast<std::uint8_t>(first + i % 50))));
+    }
+  };
+  std::thread other(write, std::uint8_t{100});
+  write(0);
+  other.join();
+  EXPECT_TRUE(runUntil([&] { return stack.statistics().bytesWritten == 2 * kFrames * 1000; }));
+  stack.accessory().closeCamera();
+  camera.join();
+  std::array<int, 2> next{};  // each thread's frames in its order
+  for (const Bytes& frame : heard) {
+    const std::size_t thread = frame[6] >= 100 ? 1 : 0;
+    const int number = next[thread]++ % 50 + static_cast<int>(100 * thread);
+    ASSERT_EQ(frame, frameOfAThousand(static_cast<std::uint8_t>(number)));
+  }
+  EXPECT_EQ(next, (std::array{kFrames, kFrames}));
 }
 
 // Counts events, and does something at one of them.

@@ -125,8 +125,11 @@ TEST_F(CameraSessionTest, LosesWhatIsWrittenWhileClosed) {
 TEST_F(CameraSessionTest, ReopensAtOnceAfterAStreamError) {
   openAndSynchronise();
   send(bytes({8, 0, 0}));
+  const auto former = link().shared_from_this();
   link().fire(StreamEvent::errorOccurred);
   host.runUntilIdle();
+  EXPECT_TRUE(former->isClosed());
+  EXPECT_FALSE(link().isClosed());
   EXPECT_EQ(camera->sessionsOpened(), 2);
   EXPECT_EQ(accessory().status(), 1u);
   EXPECT_TRUE(stack.parser().isNeedDataSynchronism());

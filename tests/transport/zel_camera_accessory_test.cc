@@ -138,17 +138,21 @@ TEST_F(ZELCameraAccessoryTest, StopsTellingAnObserverThatHasGone) {
 
 TEST_F(ZELCameraAccessoryTest, GivesAFreshSessionFiveSeconds) {
   open();
-  host.advance(4.5);
+  host.advance(5.0);  // the tick at 5 seconds is not past them
   EXPECT_EQ(accessory().status(), 1u);
-  host.advance(1.6);  // the tick at 6 seconds is the first one past 5
+  host.advance(0.5);
+  EXPECT_EQ(accessory().status(), 1u);
+  accessory().onDetectTimer();
   EXPECT_EQ(accessory().status(), 3u);
 }
 
 TEST_F(ZELCameraAccessoryTest, CallsAFlowingCameraSilentAfterThreeSecondsAndBackWithOneFrame) {
   openAndSynchronise();
-  host.advance(2.9);
+  host.advance(3.0);  // the tick at 3 seconds is not past them
   EXPECT_EQ(accessory().status(), 2u);
-  host.advance(1.2);
+  host.advance(0.5);
+  EXPECT_EQ(accessory().status(), 2u);
+  accessory().onDetectTimer();
   EXPECT_EQ(accessory().status(), 3u);
   send(kAudioFrame);
   EXPECT_EQ(accessory().status(), 2u);

@@ -3,6 +3,7 @@
 extern "C" {
 #include <libavcodec/bsf.h>
 #include <libavformat/avformat.h>
+#include <libavutil/mathematics.h>
 }
 
 #include <memory>
@@ -62,6 +63,25 @@ Bytes realVideo(const std::string& name) {
     av_packet_unref(packet.get());
   }
   return bytes;
+}
+
+RealSound realSound(const std::string& name) {
+  const File file = opened(name);
+  if (!file) return {};
+  const int index = av_find_best_stream(file.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+  if (index < 0) return {};
+  const AVStream& stream = *file->streams[index];
+  RealSound sound;
+  sound.configuration.assign(stream.codecpar->extradata, stream.codecpar->extradata + stream.codecpar->extradata_size);
+  const platform::PacketPtr packet(av_packet_alloc());
+  while (av_read_frame(file.get(), packet.get()) == 0) {
+    if (packet->stream_index == index) {
+      sound.frames.push_back(
+          {Bytes(packet->data, packet->data + packet->size), av_rescale_q(packet->pts, stream.time_base, {1, 1000})});
+    }
+    av_packet_unref(packet.get());
+  }
+  return sound;
 }
 
 }  // namespace zel::test

@@ -10,4 +10,16 @@ namespace zel::test {
 // none.
 std::vector<std::uint8_t> realVideo(const std::string& name);
 
+struct RealSound {
+  struct Frame {
+    std::vector<std::uint8_t> bytes;
+    std::int64_t time = 0;  // milliseconds
+  };
+  std::vector<std::uint8_t> configuration;  // its AudioSpecificConfig
+  std::vector<Frame> frames;
+};
+
+// The AAC of a file of that folder, as the container holds it. Without frames where there is none.
+RealSound realSound(const std::string& name);
+
 }  // namespace zel::test
