@@ -39,10 +39,6 @@ if(ZEL_SANITIZE)
   add_link_options(-fsanitize=${ZEL_SANITIZE})
 endif()
 
-if(ZEL_BUILD_FUZZ)
-  add_compile_options(-fsanitize=fuzzer-no-link)
-endif()
-
 # Several files of a folder are compiled as one, which saves reading their headers again; OFF suits whoever edits them.
 option(ZEL_UNITY "Compile several files of a folder as one" ON)
 
@@ -59,4 +55,7 @@ function(zel_library name)
   add_library(${name} STATIC ${arg_SOURCES} ${arg_ALONE})
   zel_unity(${name} 12 ALONE ${arg_ALONE})
   target_link_libraries(${name} PUBLIC zel_settings ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
+  if(ZEL_BUILD_FUZZ)
+    target_compile_options(${name} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
 endfunction()

@@ -21,6 +21,9 @@ using app::ReadBack;
 using app::readBack;
 using testing::HasSubstr;
 
+// Pictures: the host sets its clock by the camera's again while that streams, and a second may then hold more or fewer.
+constexpr int kClockSteps = 2;
+
 void writeRedPng(const std::string& file) {
   std::vector<std::uint8_t> rgb;
   for (int i = 0; i < 64 * 64; ++i) rgb.insert(rgb.end(), {255, 0, 0});
@@ -102,7 +105,7 @@ TEST_F(LiveTest, WithoutStitchingTheCamerasOwnPicturesArePassedOn) {
   ASSERT_EQ(host->wait(), 0) << host->errors();
   EXPECT_EQ(lines(*host).at(0)["decoded"], 0);
   const ReadBack read = readBack(path("a.mp4"));
-  EXPECT_EQ(read.pictures, 60);
+  EXPECT_NEAR(read.pictures, 60, kClockSteps);
   EXPECT_EQ(std::pair(read.width, read.height), std::pair(1440, 720));
   EXPECT_FALSE(read.spherical);
 }
@@ -115,7 +118,7 @@ TEST_F(LiveTest, StandardOutputCarriesTheStreamAlone) {
   ASSERT_FALSE(stream.empty());
   EXPECT_EQ(stream.size() % 188, 0u);
   for (std::size_t at = 0; at < stream.size(); at += 188) ASSERT_EQ(stream[at], 0x47) << at;
-  EXPECT_THAT(host->errors(), HasSubstr("\"pictures\":30"));
+  EXPECT_THAT(host->errors(), testing::ContainsRegex("\"pictures\":(28|29|30|31|32),"));
 }
 
 // -- how it ends
@@ -214,7 +217,7 @@ TEST_F(LiveTest, AnOutputThatFailsHarmsNoOther) {
   EXPECT_EQ(host->wait(), 1);
   EXPECT_THAT(host->errors(), HasSubstr("live: cannot write /nowhere/a.mp4: No such file or directory"));
   EXPECT_THAT(host->errors(), HasSubstr("live: cannot write " + path("full.ts") + ": No space left on device"));
-  EXPECT_EQ(readBack(path("b.mp4")).pictures, 60);
+  EXPECT_NEAR(readBack(path("b.mp4")).pictures, 60, kClockSteps);
 }
 
 TEST_F(LiveTest, WithoutAnyOutputLeftItEnds) {
