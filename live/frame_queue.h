@@ -41,8 +41,8 @@ class FrameQueue {
     return oldest;
   }
 
-  // Lets the one reader sleep for as long as it may while there is none: it has a stop to look for. A picture that comes
-  // ends the sleep; two stages that slept on would cost every picture 10 ms.
+  // Lets the one reader sleep for as long as it may while there is none: it has a stop to look for. A picture that
+  // comes ends the sleep; two stages that slept on would cost every picture 10 ms.
   void waitForOne(platform::Clock& clock) {
     if (!clock.acquireFor(told_, kPollInterval)) return;
     const MutexLock lock(mutex_);
