@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Names the tests that failed and prints the counts as one line: N passed, N failed, N skipped.
+"""Names the tests that failed and why others were skipped, and prints the counts: N passed, N failed, N skipped.
 
 Takes ctest's report and a folder with those of the programs that ran many tests each."""
+import re
 import sys
 import xml.etree.ElementTree as ElementTree
+from collections import Counter
 from pathlib import Path
 
 
@@ -21,10 +23,20 @@ def cases_of(case, folder):
     return own + [case] if failed and not any(one.find("failure") is not None for one in own) else own
 
 
+def reason_of(case):
+    """What a skipped test says behind the line that names its place."""
+    own = case.find("skipped")
+    texts = [own.get("message", "") if own is not None else "", case.findtext("system-out", "")]
+    found = [re.search(r"\.cc:\d+(?:: Skipped)?\n(.+)", text) for text in texts]
+    return next((one[1] for one in found if one), "it does not say why")
+
+
 folder = Path(sys.argv[2])
 cases = [one for case in ElementTree.parse(sys.argv[1]).getroot().findall("testcase") for one in cases_of(case, folder)]
 failed = [case for case in cases if case.find("failure") is not None]
-skipped = sum(is_skipped(case) for case in cases)
+skipped = [case for case in cases if is_skipped(case)]
 for case in failed:
     print(f"failed: {case.get('classname')}.{case.get('name')}")
-print(f"{len(cases) - skipped - len(failed)} passed, {len(failed)} failed, {skipped} skipped")
+for reason, count in sorted(Counter(map(reason_of, skipped)).items()):
+    print(f"{count} skipped: {reason}")
+print(f"{len(cases) - len(skipped) - len(failed)} passed, {len(failed)} failed, {len(skipped)} skipped")

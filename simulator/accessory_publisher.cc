@@ -1,5 +1,7 @@
 #include "simulator/accessory_publisher.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -33,6 +35,12 @@ std::string fileName(const std::string& serial) {
   return name;
 }
 
+platform::UniqueDescriptor lockOf(const std::string& file) {
+  platform::UniqueDescriptor lock(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (lock && flock(lock.get(), LOCK_EX | LOCK_NB) != 0) lock.reset();
+  return lock;
+}
+
 }  // namespace
 
 AccessoryPublisher::AccessoryPublisher(const std::string& chosenFolder, Identity identity)
@@ -42,6 +50,11 @@ AccessoryPublisher::AccessoryPublisher(const std::string& chosenFolder, Identity
 }
 
 bool AccessoryPublisher::publish(const std::string& socketPath) {
+  lock_.reset();
+  if (access(file_.c_str(), F_OK) == 0 && !lockOf(file_)) {
+    error_ = "a camera " + identity_.serial + " is attached already, by another simulator; choose another --serial";
+    return false;
+  }
   const ordered_json description = {{"connectionID", newConnectionID()},
                                     {"manufacturer", "Example"},
                                     {"name", identity_.name},
@@ -58,6 +71,7 @@ bool AccessoryPublisher::publish(const std::string& socketPath) {
     out << description.dump(2, ' ', false, ordered_json::error_handler_t::replace) << '\n';
     published_ = out.good();
   }
+  if (published_) lock_ = lockOf(hidden);
   published_ = published_ && std::rename(hidden.c_str(), file_.c_str()) == 0;
   if (!published_) error_ = file_ + " cannot be written: " + std::strerror(errno);
   return published_;
@@ -65,6 +79,7 @@ bool AccessoryPublisher::publish(const std::string& socketPath) {
 
 void AccessoryPublisher::withdraw() {
   if (std::exchange(published_, false)) unlink(file_.c_str());
+  lock_.reset();
 }
 
 }  // namespace zel::simulator

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "platform/linux/unique_descriptor.h"
+
 namespace zel::simulator {
 
 // What the simulated camera says of itself.
@@ -24,7 +26,7 @@ class AccessoryPublisher {
   const std::string& error() const { return error_; }
 
   // Writes the file under a hidden name and renames it, with a new connection identifier each time.
-  // Errors: false when it cannot be written; error() tells why.
+  // Errors: false when it cannot be written, or is another simulator's; error() tells why.
   bool publish(const std::string& socketPath);
   void withdraw();
 
@@ -36,6 +38,8 @@ class AccessoryPublisher {
   std::string file_;
   std::string error_;
   bool published_ = false;
+  // The file, locked for as long as it is published: one that was left behind is nobody's.
+  platform::UniqueDescriptor lock_;
 };
 
 }  // namespace zel::simulator

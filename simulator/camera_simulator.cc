@@ -49,6 +49,7 @@ struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<
         camera(*this, startOf(options), storage, options.faults) {}
 
   bool open(std::string& error);
+  bool attach(std::string& error);
   void plug();
   void unplug() override;
   void restart() override;
@@ -104,17 +105,26 @@ bool CameraSimulator::State::open(std::string& error) {
   return error.empty();
 }
 
-void CameraSimulator::State::plug() {
-  if (plugged || ended) return;
+bool CameraSimulator::State::attach(std::string& error) {
+  if (plugged || ended) return true;
   unlink(socketPath.c_str());
-  asio::error_code fault;
+  asio::error_code fault, ignored;
   acceptor->open(Protocol(), fault);
   if (!fault) acceptor->bind(Protocol::endpoint(socketPath), fault);
   if (!fault) acceptor->listen(8, fault);
-  if (fault) return options.warn("socket " + socketPath + " cannot be used: " + fault.message());
-  plugged = publisher.publish(socketPath);
-  if (!plugged) options.warn(publisher.error());
-  accept();
+  plugged = !fault && publisher.publish(socketPath);
+  if (plugged) {
+    accept();
+    return true;
+  }
+  error = fault ? "socket " + socketPath + " cannot be used: " + fault.message() : publisher.error();
+  acceptor->close(ignored);
+  return false;
+}
+
+void CameraSimulator::State::plug() {
+  std::string error;
+  if (!attach(error)) options.warn(error);
 }
 
 void CameraSimulator::State::unplug() {
@@ -226,9 +236,7 @@ CameraSimulator::~CameraSimulator() { stop(); }
 
 bool CameraSimulator::start(std::string& error) {
   if (!state_->open(error)) return false;
-  state_->plug();
-  if (!state_->plugged) {
-    error = state_->publisher.error().empty() ? "the socket cannot be used" : state_->publisher.error();
+  if (!state_->attach(error)) {
     state_->cleanUp();
     return false;
   }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/manual/describe_option.h"
+#include "apps/manual/wrong_usage.h"
 #include "simulator/event_lines.h"
 
 namespace zel::simulator {
@@ -75,6 +76,7 @@ CommandLine::CommandLine() {
   app_.add_flag("--once", options_.once, "end after the first connection has ended");
   app_.add_flag("--verbose", options_.verbose, "tell every request of the host on standard error");
   manual::addDescribeOption(app_, usualWords());
+  manual::explainWrongUsage(app_);
 }
 
 }  // namespace zel::simulator

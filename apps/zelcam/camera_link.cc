@@ -82,7 +82,8 @@ int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& 
   } else if (stack.accessory().accessoryInfo()) {
     say(fmt::format("zelcam: the camera is attached but sent no frame within {} s", settings.timeout));
   } else {
-    say(fmt::format("zelcam: no camera was attached within {} s", settings.timeout));
+    say(fmt::format("zelcam: no camera was attached within {} s; looked in {}, where zelcam-sim would attach one",
+                    settings.timeout, LinuxPlatform::accessoriesFolder(settings.accessories)));
   }
   return kNoCamera;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/manual/describe_option.h"
+#include "apps/manual/wrong_usage.h"
 #include "apps/zelcam/number_text.h"
 #include "apps/zelcam/operation.h"
 
@@ -111,6 +112,7 @@ manual::Words usualWords() {
 CommandTree::CommandTree() {
   describeSettings(app_, invocation_.settings);
   manual::addDescribeOption(app_, usualWords());
+  manual::explainWrongUsage(app_);
   for (const Command& command : commands()) described_.push_back(describeCommand(app_, command, invocation_.values));
 }
 

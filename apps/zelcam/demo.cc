@@ -78,6 +78,7 @@ class Demo {
     std::error_code error;
     fs::create_directories(out_, error);
     require(!error, fmt::format("{} cannot be made: {}", out_.string(), error.message()));
+    require(::access(out_.c_str(), W_OK) == 0, fmt::format("{} cannot be written", out_.string()));
     require(!folder_.path().empty(), "there is no room for temporary files");
     require(::access((programs_ / "zelcam-sim").c_str(), X_OK) == 0,
             fmt::format("the simulator, {}, is missing", (programs_ / "zelcam-sim").string()));

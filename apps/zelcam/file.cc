@@ -101,10 +101,22 @@ std::string plainFileName(std::string_view name, std::string_view otherwise) {
   return plain;
 }
 
-std::optional<std::string> saveFile(const std::string& folder, const std::string& name,
-                                    std::span<const std::uint8_t> bytes, std::string& error) {
+bool prepareFolder(const std::string& folder, std::string& error) {
   std::error_code fault;
   std::filesystem::create_directories(folder, fault);
+  if (fault) {
+    error = fmt::format("cannot write into {}: {}", folder, fault.message());
+  } else if (::access(folder.c_str(), W_OK) != 0) {
+    error = faultOf("write into", folder);
+  } else {
+    return true;
+  }
+  return false;
+}
+
+std::optional<std::string> saveFile(const std::string& folder, const std::string& name,
+                                    std::span<const std::uint8_t> bytes, std::string& error) {
+  if (!prepareFolder(folder, error)) return std::nullopt;
   TemporaryFile file(folder);
   if (!file.write(bytes)) {
     error = faultOf("write into", folder);

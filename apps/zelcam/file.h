@@ -17,6 +17,10 @@ std::optional<ZELData> readFile(const std::string& path, std::string& error);
 // `otherwise` where nothing is left or the rest means a folder.
 std::string plainFileName(std::string_view name, std::string_view otherwise);
 
+// A folder that files can be written into, which is made where it is missing.
+// Errors: false; `error` then names the folder and the fault.
+bool prepareFolder(const std::string& folder, std::string& error);
+
 // Writes the bytes as a file of that plain name into the folder, which is made where it is missing. The file appears
 // under its name when it is whole; a name that is taken gets "-2", "-3" and so on before its extension.
 // Returns the path. Errors: nothing; `error` then names the file and the fault.

@@ -237,11 +237,8 @@ class Live {
 
 int runLive(const Invocation& invocation) {
   std::string complaint;
-  bool wrongUsage = false;
-  const auto options = liveOptionsIn(invocation.values, complaint, wrongUsage);
-  if (!options) {
-    return complain(wrongUsage ? kWrongUsage : kRefused, "live", complaint);
-  }
+  const auto options = liveOptionsIn(invocation.values, complaint);
+  if (!options) return complain(kWrongUsage, "live", complaint);
   av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in our own words
   turnSuspensionIntoEvents();
   Bus bus(invocation.settings);

@@ -48,7 +48,7 @@ bool LiveOptions::usesStandardOutput() const {
   return std::ranges::any_of(outputs, [](const auto& one) { return one.kind == OutputKind::standardOutput; });
 }
 
-std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& complaint, bool& wrongUsage) {
+std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& complaint) {
   LiveOptions options;
   options.resolution = static_cast<int>(values.integer("--resolution").value_or(options.resolution));
   options.bitrate = values.integer("--bitrate").value_or(options.bitrate);
@@ -57,12 +57,10 @@ std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& comp
   options.logoAngle = values.number("--logo-angle").value_or(0);
   options.removePurple = values.has("--remove-purple");
   options.reconnect = values.number("--reconnect");
-  wrongUsage = true;
   complaint = complaintOfOutputs(values, options);
   if (complaint.empty()) complaint = complaintOfSize(values, options);
   if (complaint.empty()) complaint = complaintOfMixture(values, options);
   if (!complaint.empty()) return std::nullopt;
-  wrongUsage = false;
   if (values.has("--logo") && !(options.logo = readPng(values.text("--logo"), complaint))) return std::nullopt;
   return options;
 }

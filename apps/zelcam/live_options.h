@@ -28,7 +28,7 @@ struct LiveOptions {
   bool usesStandardOutput() const;
 };
 
-// Errors: nothing; `complaint` then says what is wrong, and `wrongUsage` whether the command line is.
-std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& complaint, bool& wrongUsage);
+// Errors: nothing; `complaint` then says what is wrong.
+std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& complaint);
 
 }  // namespace zel::app

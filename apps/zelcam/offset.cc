@@ -30,7 +30,9 @@ int runOffset(const Invocation& invocation) {
   }
   if (values.has("TEXT")) {
     const std::string text = values.text("TEXT");
-    const std::string record = recordHex(getMediaOffsetFromOffset(text));
+    const ZELMediaOffset offset = getMediaOffsetFromOffset(text);
+    const std::string record = recordHex(offset);
+    if (offset.lensCount == 0) complain(kDone, "offset", "the text has no lens: nothing can be unwrapped by it");
     return show(invocation.settings, text, record, record);
   }
   const auto record = recordIn<ZELMediaOffset>(values.text("--record"));

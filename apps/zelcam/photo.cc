@@ -46,6 +46,8 @@ std::optional<aeb_info> bracketIn(std::string_view text) {
   return bracket;
 }
 
+std::string folderOf(const Values& values) { return values.has("--output") ? values.text("--output") : "."; }
+
 // A photo's file.
 struct Saved {
   std::string path;
@@ -117,9 +119,8 @@ class Shot {
   std::string nameOfStored() const { return std::get<2>(stored_->values).value_or(""); }
 
   int save(const std::string& name, const ZELData& picture, std::optional<int> step) {
-    const std::string folder = invocation_.values.has("--output") ? invocation_.values.text("--output") : ".";
     std::string fault;
-    const auto path = saveFile(folder, plainFileName(name, "photo.jpg"), picture.bytes(), fault);
+    const auto path = saveFile(folderOf(invocation_.values), plainFileName(name, "photo.jpg"), picture.bytes(), fault);
     if (!path) return complain(kRefused, "photo", fault);
     saved_.push_back({*path, picture});
     tell(name, picture, step);
@@ -172,6 +173,8 @@ int runPhoto(const Invocation& invocation) {
                     "--bracket takes 1 to 9 exposure steps from -128 to 127 with commas between them");
   }
   return withCamera(invocation.settings, [&](CameraLink& link) {
+    // Before the camera takes a photo that would then be lost.
+    if (!prepareFolder(folderOf(values), complaint)) return complain(kRefused, "photo", complaint);
     Shot shot(link, invocation);
     const int status = bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);
     return status == kDone && values.has("--stitch") ? shot.stitch(*link.bus().ports().mediaLibrary) : status;

@@ -9,6 +9,7 @@ namespace zel::app {
 namespace {
 
 constexpr std::size_t kMostArrivals = 64;  // more than the pipeline can hold
+constexpr std::int64_t kEncoderFault = 7;
 
 }  // namespace
 
@@ -55,6 +56,10 @@ std::optional<std::string> StitchedFeed::failure() const {
 
 void StitchedFeed::sourceOnError(const ZELError& error) {
   failure_ = fmt::format("{} ({} {})", error.description.value_or("failed"), error.domain, error.code);
+  if (error.code == kEncoderFault && source_->statistics().encoded == 0) {
+    *failure_ += fmt::format("; pictures of {}x{} may be more than it takes: try a smaller --size", options_.width,
+                             options_.height);
+  }
   link_.wake();
 }
 

@@ -39,6 +39,8 @@ def complaint(line):
     words = shlex.split(line, comments=True)
     if words[0] == "export":
         return None if words[1:] == ["PATH=$PWD/build/release/bin:$PATH"] else "leads nowhere"
+    if words[0] == "kill":
+        return None if words[1:] == ["%1"] else "ends nothing that was started"
     if words[0] == "./run":
         return None if words[1] in commands_of_run() else "no such command of ./run"
     if words[0] == "cmake" and "--preset" in words:

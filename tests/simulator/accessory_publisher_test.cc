@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "tests/simulator/temporary_folder.h"
@@ -54,6 +55,24 @@ TEST_F(AccessoryPublisherTest, ChoosesANewIdentifierEachTime) {
   const json first = read(publisher)["connectionID"];
   ASSERT_TRUE(publisher.publish("/tmp/x.sock"));
   EXPECT_NE(read(publisher)["connectionID"], first);
+}
+
+TEST_F(AccessoryPublisherTest, DoesNotTakeAnothersPlace) {
+  AccessoryPublisher first(bus(), {}), second(bus(), {});
+  ASSERT_TRUE(first.publish("/tmp/x.sock"));
+  EXPECT_FALSE(second.publish("/tmp/y.sock"));
+  EXPECT_EQ(second.error(), "a camera E1A0001 is attached already, by another simulator; choose another --serial");
+  second.withdraw();
+  EXPECT_EQ(read(first)["endpoint"]["path"], "/tmp/x.sock");
+  first.withdraw();
+  EXPECT_TRUE(second.publish("/tmp/y.sock")) << second.error();
+}
+
+TEST_F(AccessoryPublisherTest, TakesThePlaceOfAFileThatWasLeftBehind) {
+  AccessoryPublisher publisher(bus(), {});
+  std::ofstream(publisher.file()) << "{}";
+  ASSERT_TRUE(publisher.publish("/tmp/x.sock")) << publisher.error();
+  EXPECT_EQ(read(publisher)["serialNumber"], "E1A0001");
 }
 
 TEST_F(AccessoryPublisherTest, KeepsTheFileInTheFolderWhateverTheSerialNumber) {

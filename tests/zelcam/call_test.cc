@@ -224,5 +224,12 @@ TEST_F(CallTest, OffsetTurnsTextIntoARecordAndBack) {
   EXPECT_EQ(zelcam({"offset"})->wait(), 2);
 }
 
+TEST_F(CallTest, OffsetWarnsOfATextWithoutALens) {
+  const auto host = zelcam({"offset", "nonsense"});
+  EXPECT_EQ(host->wait(), 0);
+  EXPECT_EQ(host->output(), std::string(160, '0') + "\n");
+  EXPECT_EQ(host->errors(), "zelcam: offset: the text has no lens: nothing can be unwrapped by it\n");
+}
+
 }  // namespace
 }  // namespace zel::test

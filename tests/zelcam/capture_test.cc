@@ -128,6 +128,14 @@ TEST_F(CaptureTest, AFolderThatCannotBeMadeIsNamed) {
   EXPECT_THAT(errors, HasSubstr("cannot write into " + file + "/pictures"));
 }
 
+TEST_F(CaptureTest, NoPhotoIsTakenThatCannotBeSaved) {
+  const auto process = camera();
+  EXPECT_THAT(run({"photo", "-o", "/proc/pictures"}, 1), IsEmpty());
+  EXPECT_THAT(errors, HasSubstr("cannot write into /proc/pictures: No such file or directory"));
+  const std::string name = run({"photo", "-o", pictures()}).at(0)["fileName"];
+  EXPECT_THAT(name, HasSubstr("_001.jpg"));  // the camera's first
+}
+
 TEST_F(CaptureTest, ABracketOfNothingOrOfTooMuchIsWrongUsage) {
   for (const char* steps : {"", "1,", "a", "128", "1,2,3,4,5,6,7,8,9,10"}) {
     const auto host = zelcam({"photo", "--bracket", steps});

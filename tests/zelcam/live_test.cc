@@ -240,6 +240,7 @@ TEST_F(LiveTest, WrongUsageIsToldBeforeAnythingIsSent) {
   refused({"-o", "a.ts", "--no-stitch", "--size", "480x240"}, "--no-stitch passes the camera's pictures on");
   refused({"-o", "a.ts", "--resolution", "16"}, "16 is not a whole number from 0 to 15");
   refused({"-o", "a.ts", "--logo-angle", "5"}, "--logo-angle needs --logo");
+  refused({"-o", "a.ts", "--logo", "/nowhere.png"}, "cannot read /nowhere.png: No such file or directory");
 }
 
 }  // namespace

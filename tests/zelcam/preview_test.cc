@@ -92,8 +92,9 @@ TEST_F(PreviewTest, AFileThatCannotBeWrittenIsNamed) {
 // -- thumbnail
 
 TEST_F(PreviewTest, AThumbnailIsAKeyFramesPicture) {
-  const fs::path stream = media() / "h264/CI1_FT_B.264";
-  if (!fs::exists(stream)) GTEST_SKIP() << "needs the shared media: " << stream;
+  const std::string name = "h264/CI1_FT_B.264";
+  const fs::path stream = media() / name;
+  if (!fs::exists(stream)) GTEST_SKIP() << "$ZEL_TEST_MEDIA, a folder of recordings, has no " << name;
   const auto host = zelcam({"--json", "thumbnail", stream.string(), "-o", png()});
   ASSERT_EQ(host->wait(), 0) << host->errors();
   EXPECT_EQ(lines(*host).at(0), Json({{"thumbnail", png()}, {"width", 352}, {"height", 288}}));
@@ -101,8 +102,9 @@ TEST_F(PreviewTest, AThumbnailIsAKeyFramesPicture) {
 }
 
 TEST_F(PreviewTest, AThumbnailOfAStreamWithShortStartCodes) {
-  const fs::path stream = media() / "h264/kvs-frames-001-060.h264";
-  if (!fs::exists(stream)) GTEST_SKIP() << "needs the shared media: " << stream;
+  const std::string name = "h264/kvs-frames-001-060.h264";
+  const fs::path stream = media() / name;
+  if (!fs::exists(stream)) GTEST_SKIP() << "$ZEL_TEST_MEDIA, a folder of recordings, has no " << name;
   ASSERT_EQ(zelcam({"thumbnail", stream.string(), "-o", png()})->wait(), 0);
   EXPECT_EQ(sizeOf(png()), std::pair(640, 480));
 }

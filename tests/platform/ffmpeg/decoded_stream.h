@@ -30,4 +30,4 @@ std::vector<std::uint8_t> realMedia(const std::string& name);
 
 #define ZEL_REAL_MEDIA(variable, name)              \
   const auto variable = zel::test::realMedia(name); \
-  if (variable.empty()) GTEST_SKIP() << "there is no " << name << " among the real media"
+  if (variable.empty()) GTEST_SKIP() << "$ZEL_TEST_MEDIA, a folder of recordings, has no " << name
