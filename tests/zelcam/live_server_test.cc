@@ -35,7 +35,7 @@ class RtmpTest : public LiveTest {
     port_ = freePort(SOCK_STREAM);
     std::ofstream(path("nginx.conf")) << "load_module " << kRtmpModule << ";\n"
                                       << (::geteuid() == 0 ? "user root;\n" : "")
-                                      << "daemon off;\nworker_processes 1;\n"
+                                      << "daemon off;\nmaster_process off;\n"  // one process, which ends with the test
                                       << "pid " << path("nginx.pid") << ";\nerror_log " << path("nginx.log")
                                       << " notice;\nevents { worker_connections 64; }\n"
                                       << "rtmp { server { listen 127.0.0.1:" << port_
