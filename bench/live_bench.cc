@@ -52,9 +52,11 @@ constexpr int kMeasured = 180;  // while it runs
 
 struct Size {
   int width, bitrate;
-  double interval;  // seconds between pictures where the delay is measured; two processors hold no 30 a second at 3040
 };
-constexpr Size kSizes[] = {{3040, 20'000'000, 1.0 / 10}, {1920, 8'000'000, 1.0 / 30}};
+constexpr Size kSizes[] = {{3040, 20'000'000}, {1920, 8'000'000}};
+// Seconds between pictures where the delay is measured: a camera's slowest rate, at which two processors are done with
+// one picture before the next comes.
+constexpr std::chrono::duration<double> kInterval(1.0 / 15);
 
 // Milliseconds a picture.
 struct Cost {
@@ -155,15 +157,15 @@ class Pipeline {
   }
 
   // The median time, in milliseconds, from the chunk that releases a picture until its packet has been handed to the
-  // output; a chunk comes each interval. The camera itself sends no more.
-  double delay(const Film& scene, std::chrono::duration<double> interval) {
+  // output. The camera itself sends no more.
+  double delay(const Film& scene) {
     clock_.stop();
     const auto player = source_->player();
     std::vector<double> delays;
     auto next = Clock::now() + std::chrono::milliseconds(500);
     for (std::size_t i = 0; i < static_cast<std::size_t>(kMeasured); ++i) {
       std::this_thread::sleep_until(next);
-      next += std::chrono::duration_cast<Clock::duration>(interval);
+      next += std::chrono::duration_cast<Clock::duration>(kInterval);
       const auto start = Clock::now();
       const std::uint64_t number = recorder_->pictures();
       player->appendVideoBytes(scene.pictures[i % scene.pictures.size()]);
@@ -270,9 +272,8 @@ Round measure(const Size& size, const std::string& film, const std::string& long
   round.ours = runPipeline(film, size, 6, 1);
   round.ffmpeg = runFfmpeg(film, longFilm, size, kMeasured);
   round.oursWithTwo = runPipeline(film, size, 7, 2);
-  const std::chrono::duration<double> interval(size.interval);
-  round.delay = Pipeline(film, size, 4, 1).delay(scene, interval);
-  round.stages = measurePaced(scene, size.width, size.bitrate, interval);
+  round.delay = Pipeline(film, size, 4, 1).delay(scene);
+  round.stages = measurePaced(scene, size.width, size.bitrate, kInterval);
   const StageCosts stages = measureStages(scene, size.width, size.bitrate);
   std::printf(
       "%d wide, ms a picture: pipeline %.1f (processor %.1f), 2 decoder threads %.1f (%.1f), ffmpeg %.1f (%.1f); "
