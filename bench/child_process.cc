@@ -18,6 +18,12 @@ double secondsOf(const rusage& usage) {
   return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
+double secondsUsedBy(int who) {
+  rusage usage{};
+  getrusage(who, &usage);
+  return secondsOf(usage);
+}
+
 }  // namespace
 
 ChildCost runChild(const std::vector<std::string>& command) {
@@ -37,16 +43,7 @@ ChildCost runChild(const std::vector<std::string>& command) {
   return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), secondsOf(usage)};
 }
 
-double processorSeconds() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return secondsOf(usage);
-}
-
-double threadProcessorSeconds() {
-  rusage usage{};
-  getrusage(RUSAGE_THREAD, &usage);
-  return secondsOf(usage);
-}
+double processorSeconds() { return secondsUsedBy(RUSAGE_SELF); }
+double threadProcessorSeconds() { return secondsUsedBy(RUSAGE_THREAD); }
 
 }  // namespace zel::bench
