@@ -148,7 +148,7 @@ void CameraConnection::sendMedia() {
     for (; nextFrame_ && nextFrame_->due <= now; nextFrame_ = media_->next(now)) sendMediaFrame(*nextFrame_);
     if (!nextFrame_) nextFrame_ = media_->next(now);
     pause = nextFrame_ ? std::max(0.0, nextFrame_->due - now) : kMakingPause;
-    if (setup_.mediaSeconds) pause = std::min(pause, kLook);
+    if (setup_.mediaSeconds) pause = kLook;  // nobody knows how long that clock takes to the next frame
   } else {
     send(source_.heartbeat(mediaTime()));
   }
