@@ -24,6 +24,7 @@ namespace zel::simulator {
 // What all connections of one simulator share.
 struct ConnectionSetup {
   int firmware = 192;
+  int bitrate = 0;  // as SimulatorOptions has it
   std::uint64_t seed = 1;
   SimulatedCamera* camera = nullptr;
   MediaLibrary* media = nullptr;

@@ -97,7 +97,7 @@ bool CameraSimulator::State::open(std::string& error) {
   }
   if (!options.video.empty() && !media.useVideo(options.video, error)) return false;
   if (!options.audio.empty() && !media.useAudio(options.audio, error)) return false;
-  media.video(previewFormat(options.resolution));  // the making begins
+  media.video(previewFormat(options.resolution, options.bitrate));  // the making begins
   media.audio();
   folder = makeSocketFolder();
   socketPath = folder + "/camera.sock";
@@ -150,6 +150,7 @@ void CameraSimulator::State::serve(Protocol::socket socket) {
   ++connections;
   ConnectionSetup setup;
   setup.firmware = options.identity.firmware;
+  setup.bitrate = options.bitrate;
   setup.camera = &camera;
   setup.media = &media;
   setup.seed = options.seed;

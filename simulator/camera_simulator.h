@@ -16,6 +16,7 @@ struct SimulatorOptions {
   std::string accessoriesFolder;  // empty: the bus's default
   Identity identity;
   int resolution = 3;          // preview resolution code, 0 to 15
+  int bitrate = 0;             // of the scene's pictures, see PreviewFormat
   std::string video, audio;    // files instead of the scene and its beeps, see MediaLibrary
   std::string storage;         // the folder of uploaded files; empty: one of its own, which ends with it
   std::uint64_t cardSize = 0;  // bytes; 0: the usual card

@@ -2,18 +2,19 @@
 
 namespace zel::simulator {
 
-// What a preview resolution code asks for. Units: pixels, pictures a second.
+// What a preview resolution code asks for, and how well it is seen. Units: pixels, pictures a second.
 struct PreviewFormat {
   int width = 0, height = 0, rate = 0;
+  int bitrate = 0;  // bits a second, with the grain of a sensor; 0: without grain, in as many bits as that takes
 
   bool operator==(const PreviewFormat&) const = default;
 };
 
 // code: 0 to 15; code / 4 is the size, code % 4 the rate.
-constexpr PreviewFormat previewFormat(int code) {
+constexpr PreviewFormat previewFormat(int code, int bitrate = 0) {
   constexpr int kWidths[] = {1440, 2160, 2560, 3040};
   constexpr int kRates[] = {15, 20, 25, 30};
-  return {kWidths[code / 4 % 4], kWidths[code / 4 % 4] / 2, kRates[code % 4]};
+  return {kWidths[code / 4 % 4], kWidths[code / 4 % 4] / 2, kRates[code % 4], bitrate};
 }
 
 }  // namespace zel::simulator

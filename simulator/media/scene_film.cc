@@ -33,7 +33,11 @@ CodecContextPtr openEncoder(const PreviewFormat& format) {
   context->thread_count = 1;  // several would cut the picture into slices
   av_opt_set(context.get(), "preset", "superfast", AV_OPT_SEARCH_CHILDREN);
   av_opt_set(context.get(), "tune", "zerolatency", AV_OPT_SEARCH_CHILDREN);
-  av_opt_set(context.get(), "qp", "20", AV_OPT_SEARCH_CHILDREN);
+  if (format.bitrate > 0) {
+    context->bit_rate = context->rc_max_rate = context->rc_buffer_size = format.bitrate;
+  } else {
+    av_opt_set(context.get(), "qp", "20", AV_OPT_SEARCH_CHILDREN);
+  }
   av_opt_set(context.get(), "forced-idr", "1", AV_OPT_SEARCH_CHILDREN);
   av_opt_set(context.get(), "x264-params", "scenecut=0:repeat-headers=1:annexb=1", AV_OPT_SEARCH_CHILDREN);
   return avcodec_open2(context.get(), codec, nullptr) == 0 ? std::move(context) : nullptr;
@@ -64,7 +68,9 @@ SceneFilm::SceneFilm(const PreviewFormat& format)
       scene_(format.width, format.height),
       lenses_(factoryLensOffset(), format.width, format.height, format.width, format.height),
       moving_(lenses_.rowsShowing(movingRows(format.height))),
-      encoder_(openEncoder(format)) {}
+      encoder_(openEncoder(format)) {
+  if (format.bitrate > 0) grain_.emplace();
+}
 
 void SceneFilm::see() {
   const Picture scene = scene_.at(static_cast<double>(number_) / format_.rate);
@@ -72,6 +78,17 @@ void SceneFilm::see() {
     seen_ = lenses_.project(scene);
   } else {
     lenses_.renew(scene, moving_, seen_);
+  }
+}
+
+void SceneFilm::addGrain(AVFrame& frame) const {
+  std::uint64_t row = 0;
+  for (int plane = 0; plane < 3; ++plane) {
+    const int half = plane == 0 ? 1 : 2;
+    for (int y = 0; y < frame.height / half; ++y) {
+      std::uint8_t* const first = frame.data[plane] + std::ptrdiff_t{y} * frame.linesize[plane];
+      grain_->add(static_cast<std::uint64_t>(number_), row++, {first, static_cast<std::size_t>(frame.width / half)});
+    }
   }
 }
 
@@ -84,6 +101,7 @@ FramePtr SceneFilm::view() const {
   if (av_frame_get_buffer(frame.get(), 0) < 0) return nullptr;
   libyuv::RAWToJ420(seen_.rgb.data(), 3 * seen_.width, frame->data[0], frame->linesize[0], frame->data[1],
                     frame->linesize[1], frame->data[2], frame->linesize[2], seen_.width, seen_.height);
+  if (grain_) addGrain(*frame);
   return frame;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
 #include "platform/ffmpeg/libav.h"
 #include "simulator/fisheye.h"
 #include "simulator/media/annex_b.h"
+#include "simulator/media/grain.h"
 #include "simulator/media/preview_format.h"
 #include "simulator/scene.h"
 
@@ -25,12 +27,14 @@ class SceneFilm {
  private:
   void see();
   platform::FramePtr view() const;
+  void addGrain(AVFrame& frame) const;
 
   const PreviewFormat format_;
   const Scene scene_;
   const FisheyeProjector lenses_;
   const FisheyeProjector::Rows moving_;  // the rows of the view in which anything moves
   const platform::CodecContextPtr encoder_;
+  std::optional<Grain> grain_;
   Picture seen_;
   std::int64_t number_ = 0;
 };

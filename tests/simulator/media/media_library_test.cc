@@ -91,6 +91,15 @@ TEST_F(MediaLibraryTest, MakesALoopOncePerFormat) {
   EXPECT_NE(library.video({48, 24, 1}), loop);
 }
 
+TEST_F(MediaLibraryTest, KeepsAGrainyLoopBesideThePlainOne) {
+  const auto plain = made();
+  MediaLibrary library{LoopCache(folder_ + "/cache")};
+  const auto grainy = library.video({96, 48, 1, 200'000});
+  ASSERT_EQ(grainy->waitFor(8), 8u);
+  EXPECT_NE(grainy->picture(0)->bytes, plain[0]);
+  EXPECT_EQ(made(), plain);
+}
+
 TEST_F(MediaLibraryTest, ShowsAFileInsteadOfTheScene) {
   const Bytes stream{0, 0, 0, 1, 0x65, 0x88, 0, 0, 0, 1, 0x41, 0x9A};
   MediaLibrary library{LoopCache("")};

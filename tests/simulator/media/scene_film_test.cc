@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "tests/simulator/media/decoding.h"
 
 namespace zel::simulator {
@@ -13,8 +15,8 @@ using testing::ElementsAre;
 
 constexpr PreviewFormat kSmall{480, 240, 4};
 
-std::vector<VideoPicture> filmed(int count) {
-  SceneFilm film(kSmall);
+std::vector<VideoPicture> filmed(int count, PreviewFormat format = kSmall) {
+  SceneFilm film(format);
   std::vector<VideoPicture> pictures;
   for (int i = 0; i < count; ++i) pictures.push_back(film.next());
   return pictures;
@@ -98,6 +100,36 @@ TEST(SceneFilmTest, IsBlackOutsideTheCircles) {
   const auto decoded = decodePictures(filmed(1));
   EXPECT_LT(decoded[0].at(2, 2), 6);
   EXPECT_LT(decoded[0].at(477, 237), 6);
+}
+
+constexpr PreviewFormat kGrainy{480, 240, 4, 400'000};
+
+TEST(SceneFilmTest, TakesTheAskedBitsWithGrain) {
+  std::size_t bytes = 0;
+  for (const VideoPicture& picture : filmed(32, kGrainy)) bytes += picture.bytes.size();
+  EXPECT_NEAR(static_cast<double>(bytes), 8 * 400'000 / 8, 0.1 * 8 * 400'000 / 8);  // 8 seconds
+}
+
+// The mean difference between two pictures where nothing moves: within the front circle, above the disc.
+double meanDifference(const DecodedLuma& one, const DecodedLuma& other) {
+  int sum = 0;
+  for (int y = 40; y < 60; ++y)
+    for (int x = 90; x < 150; ++x) sum += std::abs(one.at(x, y) - other.at(x, y));
+  return sum / (20.0 * 60);
+}
+
+TEST(SceneFilmTest, HasAnotherGrainInEveryPicture) {
+  const auto plain = decodePictures(filmed(2));
+  const auto grainy = decodePictures(filmed(2, {480, 240, 4, 4'000'000}));
+  EXPECT_LT(meanDifference(plain[0], plain[1]), 0.5);
+  // The mean difference of two normal values of deviation 3 is 3 * 2 / sqrt(pi) = 3.4.
+  EXPECT_NEAR(meanDifference(grainy[0], grainy[1]), 3.4, 0.5);
+  EXPECT_NEAR(meanDifference(grainy[0], plain[0]), 3 * 0.798, 0.5);  // of one of them from its mean
+}
+
+TEST(SceneFilmTest, IsTheSameEachTimeWithItsGrain) {
+  const auto once = filmed(2, kGrainy), again = filmed(2, kGrainy);
+  for (std::size_t i = 0; i < 2; ++i) EXPECT_EQ(once[i].bytes, again[i].bytes);
 }
 
 TEST(SceneFilmTest, IsTheSameEachTime) {
