@@ -1,6 +1,7 @@
 #include "media/h264_nalu_parser.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "media/start_code.h"
@@ -27,6 +28,42 @@ std::int64_t cut(const std::uint8_t* data, std::int64_t size, std::int64_t from,
   return last;
 }
 
+// The unit that begins with the start code at `at`, which moves to where the next one begins, or to the end. It is
+// searched while it is copied, since a camera's chunk is mostly one large unit; its room grows with it.
+std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_t* end) {
+  constexpr std::int32_t kRoom = 120 << 10;
+  const std::uint8_t* const first = std::exchange(at, end);
+  const auto whole = static_cast<std::int32_t>(end - first);
+  std::int32_t room = std::min(whole, kRoom), size = kStartCode;
+  zel::HeapBytes unit;
+  if (!unit.resize(room)) return std::make_shared<MediaBuffer>();
+  std::memcpy(unit.data(), first, kStartCode);
+  while (true) {
+    const std::uint8_t* const stop = first + std::max(std::min(room, whole - kStartCode), size);
+    const std::uint8_t* const found = zel::copyToStartCode(first + size, stop, unit.data() + size);
+    size = static_cast<std::int32_t>(found - first);
+    if (found < stop) break;
+    if (room == whole) {
+      std::memcpy(unit.data() + size, found, static_cast<std::size_t>(whole - size));
+      return std::make_shared<MediaBuffer>(std::move(unit));
+    }
+    room = room > whole / 2 ? whole : 2 * room;
+    if (!unit.resize(room)) return std::make_shared<MediaBuffer>();
+  }
+  at = first + size;
+  unit.resize(size);
+  return std::make_shared<MediaBuffer>(std::move(unit));
+}
+
+// Cuts bytes that begin with a start code; the last unit is apart.
+std::shared_ptr<MediaBuffer> cutAll(const std::uint8_t* at, const std::uint8_t* end, H264NaluParser::Units& units) {
+  while (true) {
+    auto unit = takeUnit(at, end);
+    if (at == end) return unit;
+    units.push_back(std::move(unit));
+  }
+}
+
 }  // namespace
 
 H264NaluParser::Units H264NaluParser::AppendData(const void* data, int size) {
@@ -38,16 +75,38 @@ H264NaluParser::Units H264NaluParser::AppendData(const void* data, int size) {
 // The very first chunk thus gives an empty unit first, which consumers skip by its size.
 H264NaluParser::Units H264NaluParser::cutChunk(const std::uint8_t* data, std::int32_t size) {
   Units units{std::move(pending_)};
-  pending_ = piece(data, size > 2 * kStartCode ? cut(data, size, kStartCode, 0, units) : 0, size);
+  pending_ = cutAll(data, data + size, units);
   return units;
 }
 
 H264NaluParser::Units H264NaluParser::continuePending(const std::uint8_t* data, std::int32_t size) {
   if (pending_->size() > kLargestPending - std::min(size, kLargestPending)) pending_ = std::make_shared<MediaBuffer>();
+  const std::int32_t held = pending_->size();
   // A start code may straddle the seam: its first three bytes may be held already.
-  const std::int32_t lookBack = std::min(pending_->size(), kStartCode - 1) + size;
+  const std::int32_t lookBack = std::min(held, kStartCode - 1) + size;
+  if (held == 0 || pending_->data()[held - 1] != 0) return cutBehindSeam(data, size, lookBack);
   pending_->AppendData(data, size);
   return ProcessBuffer(lookBack);
+}
+
+// What ProcessBuffer() would do, where no start code straddles the seam, without a copy of what it cuts off.
+H264NaluParser::Units H264NaluParser::cutBehindSeam(const std::uint8_t* data, std::int32_t size,
+                                                    std::int32_t lookBack) {
+  const std::int32_t held = pending_->size();
+  const std::int32_t from = std::max(kStartCode - held, 0);
+  const std::uint8_t* const end = data + std::max(size - kStartCode, 0);
+  const std::uint8_t* const found = from < size ? zel::findStartCode(data + from, end) : end;
+  if (found >= end) {
+    pending_->AppendData(data, size);
+    return {};
+  }
+  // Deliberate, as there: the first piece begins at offset lookBack of what is held and the chunk.
+  auto first = piece(pending_->data(), lookBack, held);
+  const std::int32_t skipped = std::max(lookBack - held, 0);
+  first->AppendData(data + std::min(skipped, size), static_cast<int>(found - data) - skipped);
+  Units units{std::move(first)};
+  pending_ = cutAll(found, data + size, units);
+  return units;
 }
 
 H264NaluParser::Units H264NaluParser::ProcessBuffer(int lookBack) {

@@ -35,6 +35,7 @@ class H264NaluParser {
  private:
   Units cutChunk(const std::uint8_t* data, std::int32_t size);
   Units continuePending(const std::uint8_t* data, std::int32_t size);
+  Units cutBehindSeam(const std::uint8_t* data, std::int32_t size, std::int32_t lookBack);
 
   std::shared_ptr<MediaBuffer> pending_ = std::make_shared<MediaBuffer>();
 };

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace zel {
 
@@ -12,6 +13,8 @@ class HeapBytes {
  public:
   HeapBytes() = default;
   ~HeapBytes() { std::free(data_); }
+  HeapBytes(HeapBytes&& other) noexcept
+      : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
   HeapBytes(const HeapBytes&) = delete;
   HeapBytes& operator=(const HeapBytes&) = delete;
 
@@ -19,12 +22,19 @@ class HeapBytes {
   // holds no more memory than its bytes; realloc() can mostly extend the block where it lies.
   // Errors: nothing changes for null, for a count below 1, and where there is no memory for the bytes.
   void append(const void* source, std::int32_t count) {
-    if (source == nullptr || count < 1 || count > std::numeric_limits<std::int32_t>::max() - size_) return;
-    void* const grown = std::realloc(data_, static_cast<std::size_t>(size_) + static_cast<std::size_t>(count));
-    if (grown == nullptr) return;
-    data_ = static_cast<std::uint8_t*>(grown);
-    std::memcpy(data_ + size_, source, static_cast<std::size_t>(count));
-    size_ += count;
+    const std::int32_t before = size_;
+    if (source == nullptr || count < 1 || count > std::numeric_limits<std::int32_t>::max() - before) return;
+    if (resize(before + count)) std::memcpy(data_ + before, source, static_cast<std::size_t>(count));
+  }
+
+  // Cuts bytes off the end, or adds some of any value. size: at least 1.
+  // Errors: false, and nothing changes, where there is no memory.
+  bool resize(std::int32_t size) {
+    void* const resized = std::realloc(data_, static_cast<std::size_t>(size));
+    if (resized == nullptr && size > size_) return false;
+    if (resized != nullptr) data_ = static_cast<std::uint8_t*>(resized);
+    size_ = size;
+    return true;
   }
 
   const std::uint8_t* data() const { return data_; }

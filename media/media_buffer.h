@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "media/heap_bytes.h"
 
@@ -17,6 +18,8 @@ class MediaBuffer {
   MediaBuffer(const void* data, int size, unsigned long long timestamp) : timestamp_(timestamp) {
     bytes_.append(data, size);
   }
+
+  explicit MediaBuffer(zel::HeapBytes bytes) : bytes_(std::move(bytes)) {}
 
   // Copies the bytes, which must not be the buffer's own, behind those held; null or a count below 1 changes nothing.
   void AppendData(const void* data, int size) { bytes_.append(data, size); }

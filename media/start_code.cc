@@ -6,39 +6,55 @@
 namespace zel {
 namespace {
 
-constexpr std::size_t kAlignment = 64;  // a cache line, so that no load straddles two
-constexpr std::ptrdiff_t kLook = 256;   // bytes looked at one by one where a zero word was seen
+constexpr std::size_t kAlignment = 64;   // a cache line, so that no load straddles two
+constexpr std::ptrdiff_t kLook = 256;    // bytes looked at one by one where a zero word was seen
+constexpr std::ptrdiff_t kCopied = 256;  // bytes of a block that is copied too
 
+// The first of the blocks that holds a zero word of 16 bits, or the place where less than a block is left.
 using Skip = const std::uint8_t* (*)(const std::uint8_t* block, const std::uint8_t* end);
+// The same; the blocks up to and with that one are copied.
+using Copy = const std::uint8_t* (*)(const std::uint8_t* block, const std::uint8_t* end, std::uint8_t* to);
 
-// The first of the blocks that holds a zero word of 16 bits, or the place where less than a block is left. Written so
-// that compilers make vector code of it: a load, a compare and an or for each vector.
-template <std::ptrdiff_t kBlock>
-[[gnu::always_inline]] inline const std::uint8_t* skipBlocks(const std::uint8_t* block, const std::uint8_t* end) {
+// Written so that compilers make vector code of it: a load, a compare and an or for each vector, and a store.
+template <std::ptrdiff_t kBlock, bool kCopies>
+[[gnu::always_inline]] inline const std::uint8_t* passBlocks(const std::uint8_t* __restrict block,
+                                                             const std::uint8_t* end, std::uint8_t* __restrict to) {
   for (; end - block >= kBlock; block += kBlock) {
-    std::uint16_t zeros = 0;
+    std::uint16_t least = 0xFFFF;
     for (std::ptrdiff_t at = 0; at < kBlock; at += 2) {
       std::uint16_t word = 0;
       std::memcpy(&word, block + at, sizeof(word));
-      zeros = static_cast<std::uint16_t>(zeros | (word == 0 ? 0xFFFF : 0));
+      if constexpr (kCopies) std::memcpy(to + at, &word, sizeof(word));
+      least = std::min(least, word);
     }
-    if (zeros != 0) break;
+    if (least == 0) break;
+    if constexpr (kCopies) to += kBlock;
   }
   return block;
 }
 
 const std::uint8_t* skipNarrow(const std::uint8_t* block, const std::uint8_t* end) {
-  return skipBlocks<256>(block, end);
+  return passBlocks<256, false>(block, end, nullptr);
+}
+const std::uint8_t* copyNarrow(const std::uint8_t* block, const std::uint8_t* end, std::uint8_t* to) {
+  return passBlocks<kCopied, true>(block, end, to);
 }
 
 #if defined(__x86_64__)
 [[gnu::target("avx2")]] const std::uint8_t* skipWide(const std::uint8_t* block, const std::uint8_t* end) {
-  return skipBlocks<512>(block, end);
+  return passBlocks<512, false>(block, end, nullptr);
+}
+[[gnu::target("avx2")]] const std::uint8_t* copyWide(const std::uint8_t* block, const std::uint8_t* end,
+                                                     std::uint8_t* to) {
+  return passBlocks<kCopied, true>(block, end, to);
 }
 
-Skip widestSkip() { return __builtin_cpu_supports("avx2") ? skipWide : skipNarrow; }
+bool isWide() { return __builtin_cpu_supports("avx2"); }
+Skip widestSkip() { return isWide() ? skipWide : skipNarrow; }
+Copy widestCopy() { return isWide() ? copyWide : copyNarrow; }
 #else
 Skip widestSkip() { return skipNarrow; }
+Copy widestCopy() { return copyNarrow; }
 #endif
 
 const std::uint8_t* findByByte(const std::uint8_t* at, const std::uint8_t* end) {
@@ -64,6 +80,20 @@ const std::uint8_t* findStartCode(const std::uint8_t* first, const std::uint8_t*
   while (block < end) {
     block = skip(block, end);
     const std::uint8_t* const stop = block + std::min(kLook, end - block);
+    const std::uint8_t* const found = findByByte(block > first ? block - 1 : block, stop);
+    if (found < stop) return found;
+    block = stop;
+  }
+  return end;
+}
+
+const std::uint8_t* copyToStartCode(const std::uint8_t* first, const std::uint8_t* end, std::uint8_t* to) {
+  static const Copy copy = widestCopy();
+  const std::uint8_t* block = first;
+  while (block < end) {
+    block = copy(block, end, to + (block - first));
+    const std::uint8_t* const stop = block + std::min(kCopied, end - block);
+    if (stop - block < kCopied) std::memcpy(to + (block - first), block, static_cast<std::size_t>(stop - block));
     const std::uint8_t* const found = findByByte(block > first ? block - 1 : block, stop);
     if (found < stop) return found;
     block = stop;

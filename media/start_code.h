@@ -17,4 +17,8 @@ inline bool isStartCode(const std::uint8_t* bytes) {
 // to three bytes from `end` on.
 const std::uint8_t* findStartCode(const std::uint8_t* first, const std::uint8_t* end);
 
+// The same, and what stands before it is copied on the way, each byte while it is at hand. `to` has room for all bytes
+// up to `end`, elsewhere; what it holds behind the copy is undefined.
+const std::uint8_t* copyToStartCode(const std::uint8_t* first, const std::uint8_t* end, std::uint8_t* to);
+
 }  // namespace zel

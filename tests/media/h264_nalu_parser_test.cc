@@ -69,6 +69,20 @@ TEST_F(H264NaluParserTest, LeavesAStartCodeInAChunksLastFourBytesInsideTheUnit) 
   EXPECT_EQ(pending(), chunk);
 }
 
+// Large units are cut while their room grows: 120 KiB, 240 KiB and so on.
+TEST_F(H264NaluParserTest, CutsUnitsOfAnySizeAroundThoseOfItsRoom) {
+  append(kSps);
+  Bytes last = kSps;
+  for (const std::size_t room : {122'880u, 245'760u, 491'520u}) {
+    for (std::size_t size = room - 6; size <= room + 6; ++size) {
+      const Bytes large = join(unit({0x65}), repeated(size - 5, 7));
+      EXPECT_EQ(append(large), std::vector<Bytes>{last}) << size;
+      EXPECT_EQ(append(join(large, kPps, kSps)), (std::vector<Bytes>{large, large, kPps})) << size;
+      last = kSps;
+    }
+  }
+}
+
 TEST_F(H264NaluParserTest, FindsAStartCodeOneByteBeforeAChunksLastFour) {
   EXPECT_THAT(append(join(unit({0x65, 1, 1, 1}), unit({9}))), ElementsAre(Bytes(), unit({0x65, 1, 1, 1})));
 }

@@ -46,6 +46,30 @@ TEST(StartCodeTest, FindsTheLastZerosOfALongRunOfZeros) {
   EXPECT_EQ(found(data, 0, 997), 900);
 }
 
+// What is copied up to the start code; the room ends where the search does.
+Bytes copied(const Bytes& data, std::size_t first, std::size_t end) {
+  Bytes room(end - first);
+  const std::uint8_t* const stop = copyToStartCode(data.data() + first, data.data() + end, room.data());
+  room.resize(static_cast<std::size_t>(stop - data.data()) - first);
+  return room;
+}
+
+TEST(StartCodeTest, CopiesWhatStandsBeforeOneAtEveryPosition) {
+  for (std::size_t at = 0; at + 4 <= 1200; ++at) {
+    Bytes data(1200);
+    for (std::size_t i = 0; i < data.size(); ++i) data[i] = static_cast<std::uint8_t>(i % 251 + 1);
+    std::ranges::copy(bytes({0, 0, 0, 1}), data.begin() + static_cast<std::ptrdiff_t>(at));
+    EXPECT_EQ(copied(data, 0, 1197), Bytes(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(at)));
+  }
+}
+
+TEST(StartCodeTest, CopiesEverythingWhereThereIsNone) {
+  for (std::size_t size = 0; size <= 1100; ++size) {
+    const Bytes data = repeated(size + 3, 0);
+    EXPECT_EQ(copied(data, 0, size), repeated(size, 0));
+  }
+}
+
 // Streams with few other values than 0 and 1, so that every near miss occurs.
 RC_GTEST_PROP(StartCodeTest, FindsWhatALookAtEveryByteFinds, ()) {
   const auto data =
@@ -59,6 +83,8 @@ RC_GTEST_PROP(StartCodeTest, FindsWhatALookAtEveryByteFinds, ()) {
     ++expected;
   }
   RC_ASSERT(found(data, first, end) == static_cast<std::ptrdiff_t>(expected));
+  const auto at = [&](std::size_t offset) { return data.begin() + static_cast<std::ptrdiff_t>(offset); };
+  RC_ASSERT(copied(data, first, end) == Bytes(at(first), at(expected)));
 }
 
 }  // namespace
