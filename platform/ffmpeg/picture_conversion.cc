@@ -22,6 +22,7 @@ class FramePixelBuffer final : public PixelBuffer {
     libyuv::MergeUVPlane(frame_->data[1], frame_->linesize[1], frame_->data[2], frame_->linesize[2], chroma_.get(),
                          static_cast<int>(chromaStride_), static_cast<int>(chromaStride_ / 2),
                          static_cast<int>(half(frame_->height)));
+    giveBackChroma();
   }
 
   std::int32_t width() const override { return frame_->width; }
@@ -33,6 +34,14 @@ class FramePixelBuffer final : public PixelBuffer {
   PixelPlane chroma() const override { return {chroma_.get(), chromaStride_, chromaStride_, half(frame_->height)}; }
 
  private:
+  // The decoder's planes, where they are not in one piece with luma: a third of what a kept picture would hold.
+  void giveBackChroma() {
+    for (const int plane : {1, 2}) {
+      frame_->data[plane] = nullptr;
+      av_buffer_unref(&frame_->buf[plane]);
+    }
+  }
+
   const FramePtr frame_;
   const std::size_t chromaStride_;
   const std::unique_ptr<std::uint8_t[]> chroma_;
