@@ -1,20 +1,25 @@
 // How much the decoder adapter and the preview's road add to libavcodec, called directly on the same stream with the
 // same threads. The road is the cutter, the player, the decode thread and the delegate: once with pictures enough on
-// their way to keep the decoder busy, and once at a camera's pace, where the time of each picture is its delay from the
-// arrival of the chunk that releases it.
+// their way to keep the decoder busy, and once at a slow camera's pace, where each picture is timed from the arrival of
+// the chunk that releases it.
 //
-// The stream is the simulated camera's at 3040 x 1520, two seconds of it.
+//   decoder_bench [ROUNDS]      9 rounds; the table shows the medians
+//
+// The contestants take turns, a second of the stream each, and are compared turn by turn: on a shared machine the speed
+// changes from one second to the next by more than what is measured.
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
+#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -22,7 +27,7 @@
 #include <vector>
 
 #include "bench/film.h"
-#include "bench/ratio_report.h"
+#include "bench/ratios.h"
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/libav.h"
 #include "platform/ports.h"
@@ -32,20 +37,27 @@ namespace zel::bench {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
+using Clock = std::chrono::steady_clock;
 
-constexpr int kPictures = 60;
+constexpr std::size_t kPictures = 60;
+constexpr std::size_t kSecond = 30;  // pictures; each second begins with a key picture
 
 const Film& stream() {
   static const Film made = makeFilm(kPictures);
   return made;
 }
 
-void report(benchmark::State& state, int pictures) {
-  state.counters["pictures/s"] = benchmark::Counter(static_cast<double>(pictures), benchmark::Counter::kIsRate);
-}
+// Somebody who decodes the film.
+class Contestant {
+ public:
+  virtual ~Contestant() = default;
+  virtual void decode(std::size_t picture) = 0;
+  // Until no more pictures come by themselves.
+  virtual void waitForPictures() {}
+};
 
 // The limit: nothing is done with the pictures; the latest so many are kept, as a preview keeps five for polling.
-class BareDecoder {
+class BareDecoder final : public Contestant {
  public:
   explicit BareDecoder(int threads, std::size_t kept = 0)
       : decoder_(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264))), mostKept_(kept) {
@@ -54,84 +66,37 @@ class BareDecoder {
     avcodec_open2(decoder_.get(), nullptr, nullptr);
   }
 
-  // How many pictures have come out.
-  int decode(const Bytes& picture) {
+  void decode(std::size_t picture) override {
+    const Bytes& bytes = stream().pictures[picture];
     const platform::PacketPtr packet(av_packet_alloc());
-    av_new_packet(packet.get(), static_cast<int>(picture.size()));
-    std::memcpy(packet->data, picture.data(), picture.size());
+    av_new_packet(packet.get(), static_cast<int>(bytes.size()));
+    std::memcpy(packet->data, bytes.data(), bytes.size());
     avcodec_send_packet(decoder_.get(), packet.get());
-    return drain();
-  }
-  int end() {
-    avcodec_send_packet(decoder_.get(), nullptr);
-    return drain();
-  }
-
- private:
-  int drain() {
-    int pictures = 0;
     while (true) {
       platform::FramePtr frame(av_frame_alloc());
-      if (avcodec_receive_frame(decoder_.get(), frame.get()) != 0) return pictures;
-      ++pictures;
+      if (avcodec_receive_frame(decoder_.get(), frame.get()) != 0) return;
       kept_.push_back(std::move(frame));
       if (kept_.size() > mostKept_) kept_.pop_front();
     }
   }
 
+ private:
   const platform::CodecContextPtr decoder_;
   const std::size_t mostKept_;
   std::deque<platform::FramePtr> kept_;
 };
 
-void libavcodec(benchmark::State& state) {
-  const Film& scene = stream();
-  int pictures = 0;
-  for (auto _ : state) {
-    BareDecoder decoder(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
-    for (const Bytes& picture : scene.pictures) pictures += decoder.decode(picture);
-    pictures += decoder.end();
-  }
-  report(state, pictures);
-}
+// The adapter alone; its pictures are let go at once.
+class Adapter final : public Contestant {
+ public:
+  explicit Adapter(int threads)
+      : decoder_(platform::LibavVideoDecoders({threads}).create(stream().sps, stream().pps).decoder) {}
 
-// Calls once an interval; the iteration's time is that which the calls take.
-template <class Call>
-void pace(benchmark::State& state, const Call& call) {
-  using Clock = std::chrono::steady_clock;
-  constexpr auto kInterval = std::chrono::milliseconds(20);
-  std::chrono::duration<double> spent{};
-  auto next = Clock::now();
-  for (int i = 0; i < kPictures; ++i) {
-    std::this_thread::sleep_until(next += kInterval);
-    const auto start = Clock::now();
-    call(i);
-    spent += Clock::now() - start;
-  }
-  state.SetIterationTime(spent.count());
-}
+  void decode(std::size_t picture) override { decoder_->decode(stream().slices[picture], 0); }
 
-void bareCall(benchmark::State& state) {
-  const Film& scene = stream();
-  BareDecoder decoder(1, static_cast<std::size_t>(state.range(0)));
-  int pictures = 0;
-  for (auto _ : state)
-    pace(state, [&](int i) { pictures += decoder.decode(scene.pictures[static_cast<std::size_t>(i)]); });
-  report(state, pictures);
-}
-
-void adapter(benchmark::State& state) {
-  const Film& scene = stream();
-  platform::LibavVideoDecoders decoders({static_cast<int>(state.range(0))});
-  int pictures = 0;
-  for (auto _ : state) {
-    const auto decoder = decoders.create(scene.sps, scene.pps).decoder;
-    for (const Bytes& unit : scene.slices)
-      if (decoder->decode(unit, 0).status == platform::DecodeStatus::picture) ++pictures;
-    while (decoder->flush().pixelBuffer) ++pictures;
-  }
-  report(state, pictures);
-}
+ private:
+  const std::unique_ptr<platform::VideoDecoder> decoder_;
+};
 
 // Counts the pictures that come out.
 class Arrivals final : public ZELPixelBufferDataProtocol {
@@ -156,10 +121,12 @@ class Arrivals final : public ZELPixelBufferDataProtocol {
   int count_ = 0;
 };
 
-// The road, once its decode thread runs.
-class Preview {
+// The road.
+class Preview final : public Contestant {
  public:
-  explicit Preview(int threads) : decoders_({threads}) {
+  // underWay: pictures, at most.
+  explicit Preview(int threads, int underWay)
+      : heldBack_(threads == 1 ? 0 : threads), underWay_(heldBack_ + underWay), decoders_({threads}) {
     std::string error;
     host_ = LinuxPlatform::create({.accessoriesFolder = folder_.path()}, error);
     if (!host_) std::fprintf(stderr, "%s\n", error.c_str()), std::abort();
@@ -173,18 +140,23 @@ class Preview {
       append(0);
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-    waitForAllBut(2 * threads);  // several threads hold some back
   }
 
   // A chunk of one picture: it releases the picture before it.
-  void append(int picture) {
-    player_->appendVideoBytes(stream().pictures[static_cast<std::size_t>(picture)]);
-    ++given_;
+  void decode(std::size_t picture) override {
+    append(picture);
+    arrivals_->waitFor(given_ - underWay_);
   }
-  // Until all but so many have come out.
-  void waitForAllBut(int most) { arrivals_->waitFor(given_ - most); }
+  void waitForPictures() override { arrivals_->waitFor(given_ - heldBack_); }
 
  private:
+  void append(std::size_t picture) {
+    player_->appendVideoBytes(stream().pictures[picture]);
+    ++given_;
+  }
+
+  const int heldBack_;  // several threads hold back a picture each
+  const int underWay_;
   const test::TemporaryFolder folder_;
   platform::LibavVideoDecoders decoders_;
   std::unique_ptr<LinuxPlatform> host_;
@@ -193,48 +165,90 @@ class Preview {
   int given_ = 0;
 };
 
-void previewRoad(benchmark::State& state) {
-  const int threads = static_cast<int>(state.range(0)), underWay = threads + 2;
-  Preview preview(threads);
-  for (auto _ : state) {
-    for (int i = 0; i < kPictures; ++i) {
-      preview.append((i + 1) % kPictures);
-      preview.waitForAllBut(underWay);
+using Entry = std::function<std::unique_ptr<Contestant>()>;
+using Times = std::vector<double>;  // milliseconds
+
+double timeOf(const std::function<void()>& call) {
+  const auto start = Clock::now();
+  call();
+  return 1e3 * std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+double ratio(const Times& measured, const Times& against) {
+  std::vector<double> ratios;
+  for (std::size_t i = 0; i < measured.size(); ++i) ratios.push_back(measured[i] / against[i]);
+  return median(std::move(ratios));
+}
+
+// The film's second second, by one that has just decoded the first.
+double turnOf(const Entry& entry) {
+  const auto contestant = entry();
+  for (std::size_t i = 0; i < kSecond; ++i) contestant->decode(i);
+  contestant->waitForPictures();
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // threads end what they still do
+  const double time = timeOf([&] {
+    for (std::size_t i = kSecond; i < kPictures; ++i) contestant->decode(i);
+    contestant->waitForPictures();
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  return time;
+}
+
+// Each one's times. A round begins with another one each time.
+std::vector<Times> takeTurns(const std::vector<Entry>& entries, int rounds) {
+  std::vector<Times> times(entries.size());
+  for (std::size_t first = 0; first < static_cast<std::size_t>(rounds); ++first) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      const std::size_t turn = (first + i) % entries.size();
+      times[turn].push_back(turnOf(entries[turn]));
     }
   }
-  report(state, kPictures * static_cast<int>(state.iterations()));
+  return times;
 }
 
-void previewDelay(benchmark::State& state) {
-  Preview preview(1);
-  for (auto _ : state) {
-    pace(state, [&](int i) {
-      preview.append((i + 1) % kPictures);
-      preview.waitForAllBut(0);
-    });
+void measureRate(int threads, int rounds) {
+  constexpr int kUnderWay = 3;  // that the decode thread never waits for the next one
+  const auto times = takeTurns(
+      {[=] { return std::make_unique<BareDecoder>(threads); },
+       [=] { return std::make_unique<BareDecoder>(threads, 5); }, [=] { return std::make_unique<Adapter>(threads); },
+       [=] { return std::make_unique<Preview>(threads, kUnderWay); }},
+      rounds);
+  const std::string with = threads == 1 ? ", 1 thread" : ", " + std::to_string(threads) + " threads";
+  std::printf("libavcodec, ms a picture%s: %.1f\n", with.c_str(), median(times[0]) / kSecond);
+  // 0.95 of the bare decoder's pictures a second.
+  printRatio("decoder adapter / libavcodec" + with, ratio(times[2], times[0]), 1.053);
+  printRatio("preview / libavcodec" + with, ratio(times[3], times[0]), 1.053);
+  printRatio("preview / libavcodec whose caller keeps 5 pictures" + with, ratio(times[3], times[1]), 0);
+}
+
+// At a steady pace; each picture is decoded by all.
+void measureDelay(int rounds) {
+  constexpr auto kInterval = std::chrono::milliseconds(60);
+  BareDecoder bare(1), keeping(1, 5);
+  Preview preview(1, 0);
+  const std::array<Contestant*, 3> all{&bare, &keeping, &preview};
+  std::array<Times, all.size()> times;
+  auto next = Clock::now();
+  for (std::size_t picture = 0; picture < static_cast<std::size_t>(rounds) * kSecond / 2; ++picture) {
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      std::this_thread::sleep_until(next += kInterval);
+      times[i].push_back(timeOf([&] { all[i]->decode(picture % kPictures); }));
+    }
   }
-  report(state, kPictures * static_cast<int>(state.iterations()));
+  printRatio("delay of a picture / bare decode call", ratio(times[2], times[0]), 1.1);
+  printRatio("delay of a picture / call whose caller keeps 5 pictures", ratio(times[2], times[1]), 0);
 }
-
-BENCHMARK(previewRoad)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(previewDelay)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(bareCall)->Arg(0)->Arg(5)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(libavcodec)->ArgsProduct({{1, 2}, {0, 5}})->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(adapter)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace zel::bench
 
 int main(int argc, char** argv) {
-  // 0.95 of the bare decoder's pictures a second.
-  return zel::bench::runAndCompare(
-      argc, argv,
-      {{"decoder adapter / libavcodec, 1 thread", "adapter/1/real_time", "libavcodec/1/0/real_time", 1.053},
-       {"decoder adapter / libavcodec, 2 threads", "adapter/2/real_time", "libavcodec/2/0/real_time", 1.053},
-       {"preview / libavcodec, 1 thread", "previewRoad/1/real_time", "libavcodec/1/0/real_time", 1.053},
-       {"preview / libavcodec, 2 threads", "previewRoad/2/real_time", "libavcodec/2/0/real_time", 1.053},
-       {"preview / libavcodec that keeps 5, 1 thread", "previewRoad/1/real_time", "libavcodec/1/5/real_time", 1.053},
-       {"preview / libavcodec that keeps 5, 2 threads", "previewRoad/2/real_time", "libavcodec/2/5/real_time", 1.053},
-       {"delay of a picture / bare decode call", "previewDelay/manual_time", "bareCall/0/manual_time", 1.1},
-       {"delay of a picture / call that keeps 5", "previewDelay/manual_time", "bareCall/5/manual_time", 1.1}});
+  // `./run bench` hands the options of Google Benchmark to every program; they mean nothing here.
+  std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  const int rounds = argc > 1 && argv[1][0] != '-' ? std::atoi(argv[1]) : 9;
+  if (rounds < 1) return std::fputs("usage: decoder_bench [ROUNDS]\n", stderr), 2;
+  zel::bench::measureRate(1, rounds);
+  zel::bench::measureRate(2, rounds);
+  zel::bench::measureDelay(rounds);
+  return 0;
 }

@@ -25,7 +25,7 @@ void addUnit(Film& film, std::span<const std::uint8_t> unit) {
 
 Film makeFilm(int pictures) {
   Film film;
-  simulator::SceneFilm scene(simulator::previewFormat(kFilmResolution));
+  simulator::SceneFilm scene(simulator::previewFormat(kFilmResolution, kFilmBitrate));
   for (int i = 0; i < pictures; ++i) {
     Film::Bytes picture = scene.next().bytes;
     for (const auto& unit : simulator::unitsIn(picture))

@@ -7,7 +7,6 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <thread>
 #include <vector>
 
 #include "platform/ffmpeg/h264_decoder.h"
@@ -92,28 +91,18 @@ StageCosts measureStages(const Film& film, int width, int bitrate) {
   return costs;
 }
 
-double measurePaced(const Film& film, int width, int bitrate, std::chrono::duration<double> interval) {
-  using Clock = std::chrono::steady_clock;
-  const auto decoder = openDecoder(film);
-  const auto encoder = openEncoder(width, bitrate);
-  const auto panorama = platform::MemoryPixelBuffer::create(width, width / 2);
-  std::unique_ptr<render::Stitcher> stitcher;
-  std::vector<double> costs;
-  auto next = Clock::now();
-  for (const Film::Bytes& slice : film.slices) {
-    std::this_thread::sleep_until(next);
-    next += std::chrono::duration_cast<Clock::duration>(interval);
-    const auto start = Clock::now();
-    const auto picture = decoder->decode(slice, 0).picture.pixelBuffer;
-    if (!picture) fail("a picture was not decoded");
-    if (!stitcher) stitcher = openStitcher(*picture, width);
-    if (!stitcher->stitch(*picture, render::outputOf(*panorama))) fail("a picture was not stitched");
-    if (!encoder->encodeImage(panorama, {static_cast<std::int64_t>(costs.size()), 30}))
-      fail("a picture was not encoded");
-    costs.push_back(1e3 * std::chrono::duration<double>(Clock::now() - start).count());
-  }
-  std::ranges::nth_element(costs, costs.begin() + static_cast<std::ptrdiff_t>(costs.size() / 2));
-  return costs[costs.size() / 2];
+BareStages::BareStages(const Film& film, int width, int bitrate)
+    : film_(film),
+      decoder_(openDecoder(film)),
+      encoder_(openEncoder(width, bitrate)),
+      panorama_(platform::MemoryPixelBuffer::create(width, width / 2)) {}
+
+void BareStages::run(std::size_t number) {
+  const auto picture = decoder_->decode(film_.slices[number], 0).picture.pixelBuffer;
+  if (!picture) fail("a picture was not decoded");
+  if (!stitcher_) stitcher_ = openStitcher(*picture, panorama_->width());
+  if (!stitcher_->stitch(*picture, render::outputOf(*panorama_))) fail("a picture was not stitched");
+  if (!encoder_->encodeImage(panorama_, {pictures_++, 30})) fail("a picture was not encoded");
 }
 
 }  // namespace zel::bench

@@ -1,8 +1,13 @@
 #pragma once
 
-#include <chrono>
+#include <cstdint>
+#include <memory>
 
 #include "bench/film.h"
+#include "platform/memory_pixel_buffer.h"
+#include "platform/render/stitcher.h"
+#include "platform/video_decoder.h"
+#include "platform/video_encoder.h"
 
 namespace zel::bench {
 
@@ -13,8 +18,21 @@ struct StageCosts {
 };
 StageCosts measureStages(const Film& film, int width, int bitrate);
 
-// Milliseconds that a picture takes through all stages, called one after the other on one thread, a picture each
-// interval as a camera sends them; the median.
-double measurePaced(const Film& film, int width, int bitrate, std::chrono::duration<double> interval);
+// All stages, called one after the other on one thread.
+class BareStages {
+ public:
+  BareStages(const Film& film, int width, int bitrate);
+
+  // Takes a picture of the film through all of them. The first must be a key picture.
+  void run(std::size_t picture);
+
+ private:
+  const Film& film_;
+  const std::unique_ptr<platform::VideoDecoder> decoder_;
+  const std::unique_ptr<platform::VideoEncoder> encoder_;
+  const std::shared_ptr<platform::MemoryPixelBuffer> panorama_;
+  std::unique_ptr<render::Stitcher> stitcher_;  // made with the first picture
+  std::int64_t pictures_ = 0;
+};
 
 }  // namespace zel::bench

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <limits>
 
+#include "bench/ratios.h"
+
 namespace zel::bench {
 namespace {
 
@@ -51,8 +53,7 @@ int runAndCompare(int argc, char** argv, const std::vector<Ratio>& ratios) {
   std::printf("\n%-66s %8s %8s\n", "best time as a multiple", "x", "aim");
   for (const Ratio& ratio : ratios) {
     const double multiple = times.best(ratio.measured) / times.best(ratio.against);
-    std::printf("%-66s %8.2f ", ratio.what.c_str(), multiple);
-    ratio.aim > 0 ? std::printf("<= %5.2f\n", ratio.aim) : std::printf("%8s\n", "-");
+    printRatio(ratio.what, multiple, ratio.aim);
   }
   return 0;
 }
