@@ -1,24 +1,41 @@
 #pragma once
 
-#include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
 #include <memory>
 #include <utility>
 
 #include "platform/forwarding.h"
+#include "platform/mutex.h"
 
 namespace zel::app {
 
-// When the newest unit was taken for decoding. Thread: any thread.
+// When the units of the latest pictures were taken for decoding, by their timestamps. Thread: any thread.
 class ArrivalClock {
  public:
   using Clock = std::chrono::steady_clock;
 
-  void note() { newest_.store(Clock::now()); }
-  Clock::time_point newest() const { return newest_.load(); }
+  void note(std::int64_t timestamp) {
+    const MutexLock lock(mutex_);
+    arrivals_.emplace_back(timestamp, Clock::now());
+    if (arrivals_.size() > kMost) arrivals_.pop_front();
+  }
+
+  // When that picture's last unit was; now, if it is not known.
+  Clock::time_point of(std::int64_t timestamp) const {
+    const MutexLock lock(mutex_);
+    for (auto arrival = arrivals_.rbegin(); arrival != arrivals_.rend(); ++arrival)
+      if (arrival->first == timestamp) return arrival->second;
+    return Clock::now();
+  }
 
  private:
-  std::atomic<Clock::time_point> newest_{Clock::now()};
+  static constexpr std::size_t kMost = 64;  // units; more than a live pipeline holds
+
+  mutable Mutex mutex_;
+  std::deque<std::pair<std::int64_t, Clock::time_point>> arrivals_ ZEL_GUARDED_BY(mutex_);
 };
 
 // Decoders that note when a unit is taken. Owner: the arguments must outlive them.
@@ -40,7 +57,7 @@ class NotingDecoders final : public platform::ForwardingVideoDecoders {
         : ForwardingVideoDecoder(std::move(wrapped)), clock_(clock) {}
 
     platform::DecodeResult decode(Bytes unit, std::int64_t timestamp) override {
-      clock_.note();
+      clock_.note(timestamp);
       return ForwardingVideoDecoder::decode(unit, timestamp);
     }
 

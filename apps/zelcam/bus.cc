@@ -7,7 +7,7 @@
 
 namespace zel::app {
 
-Bus::Bus(const Settings& settings) {
+Bus::Bus(const Settings& settings, int decoderThreads) {
   std::string error;
   platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = say}, error);
   if (!platform_) {
@@ -17,8 +17,9 @@ Bus::Bus(const Settings& settings) {
   if (settings.verbose) {
     say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
   }
-  media_ = std::make_unique<LinuxMedia>(platform_->ports(),
-                                        LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }});
+  media_ = std::make_unique<LinuxMedia>(
+      platform_->ports(),
+      LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }, decoderThreads});
   videoDecoders_ = std::make_unique<NotingDecoders>(*media_->ports().videoDecoders, arrivals_);
   stopMainQueueOnInterrupt(*platform_);
 }

@@ -15,7 +15,8 @@ namespace zel::app {
 class Bus {
  public:
   // A bus whose folder cannot be used says why on standard error and is not there.
-  explicit Bus(const Settings& settings);
+  // decoderThreads: see LinuxMedia.
+  explicit Bus(const Settings& settings, int decoderThreads = 1);
   ~Bus();
   Bus(const Bus&) = delete;
   Bus& operator=(const Bus&) = delete;

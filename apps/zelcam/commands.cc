@@ -87,6 +87,8 @@ const Command kCommands[] = {
       {"--size", "WxH", "of the stitched pictures; default: 1920x960"},
       {"--bitrate", "BPS", "bits a second of the stitched pictures; default: 8000000", Kind::integer, 1000,
        1'000'000'000},
+      {"--decoder-threads", "N", "decode so many pictures side by side; default: 1, for codes from 8 on 2",
+       Kind::integer, 1, 16},
       {"--duration", "S", "end when the stream is that long; default: until stopped", Kind::number, 0.001, 1e7},
       {"--no-stitch", "", "pass the camera's own pictures on as they are", Kind::flag},
       {"--logo", "FILE.png", "show that picture at the bottom"},

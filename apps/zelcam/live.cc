@@ -241,7 +241,7 @@ int runLive(const Invocation& invocation) {
   if (!options) return complain(kWrongUsage, "live", complaint);
   av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in our own words
   turnSuspensionIntoEvents();
-  Bus bus(invocation.settings);
+  Bus bus(invocation.settings, options->decoderThreads);
   if (!bus.isThere()) return kNoCamera;
   if (!options->stitch) bus.decodeNothing();
   Live live(bus, invocation.settings, *options);

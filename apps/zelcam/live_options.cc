@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <thread>
 
 #include "apps/zelcam/picture_size.h"
 #include "apps/zelcam/png.h"
@@ -33,13 +34,20 @@ std::string complaintOfOutputs(const Values& values, LiveOptions& options) {
 
 std::string complaintOfMixture(const Values& values, const LiveOptions& options) {
   const bool changesPictures = values.has("--size") || values.has("--bitrate") || values.has("--logo") ||
-                               values.has("--logo-angle") || values.has("--remove-purple");
+                               values.has("--logo-angle") || values.has("--remove-purple") ||
+                               values.has("--decoder-threads");
   if (!options.stitch && changesPictures) {
-    return "--no-stitch passes the camera's pictures on as they are: --size, --bitrate, --logo, --logo-angle and "
-           "--remove-purple do not go with it";
+    return "--no-stitch passes the camera's pictures on as they are: --size, --bitrate, --logo, --logo-angle, "
+           "--remove-purple and --decoder-threads do not go with it";
   }
   if (values.has("--logo-angle") && !values.has("--logo")) return "--logo-angle needs --logo";
   return {};
+}
+
+// From 2560x1280 on, one processor can take longer to decode a picture than until the next one comes.
+int usualDecoderThreads(int resolution) {
+  constexpr int kFirstLarge = 8;  // of the preview's codes
+  return resolution >= kFirstLarge && std::thread::hardware_concurrency() > 1 ? 2 : 1;
 }
 
 }  // namespace
@@ -52,6 +60,8 @@ std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& comp
   LiveOptions options;
   options.resolution = static_cast<int>(values.integer("--resolution").value_or(options.resolution));
   options.bitrate = values.integer("--bitrate").value_or(options.bitrate);
+  options.decoderThreads =
+      static_cast<int>(values.integer("--decoder-threads").value_or(usualDecoderThreads(options.resolution)));
   options.duration = values.number("--duration");
   options.stitch = !values.has("--no-stitch");
   options.logoAngle = values.number("--logo-angle").value_or(0);

@@ -19,6 +19,7 @@ struct LiveOptions {
   std::int32_t height = 960;
   std::int64_t bitrate = 8'000'000;
   std::optional<double> duration;
+  int decoderThreads = 1;
   bool stitch = true;
   std::optional<platform::RgbaImage> logo;
   double logoAngle = 0;

@@ -8,7 +8,6 @@
 namespace zel::app {
 namespace {
 
-constexpr std::size_t kMostArrivals = 64;  // more than the pipeline can hold
 constexpr std::int64_t kEncoderFault = 7;
 
 }  // namespace
@@ -18,7 +17,7 @@ StitchedFeed::StitchedFeed(CameraLink& link, StreamWriter& writer, const LiveOpt
     : link_(link),
       writer_(writer),
       options_(options),
-      clock_(arrivals),
+      arrivals_(arrivals),
       lag_(pictureLag(link.stack().accessory().firewareVersion(), options.resolution)) {}
 
 void StitchedFeed::start() {
@@ -63,26 +62,13 @@ void StitchedFeed::sourceOnError(const ZELError& error) {
   link_.wake();
 }
 
-void StitchedFeed::sourceOnRawPixelBuffer(const platform::PixelBufferRef&, std::int64_t timestamp) {
-  const MutexLock lock(arrivalsMutex_);
-  arrivals_.emplace_back(timestamp, clock_.newest());
-  if (arrivals_.size() > kMostArrivals) arrivals_.pop_front();
-}
-
 void StitchedFeed::sourceOnH264Header(Bytes sps, Bytes pps) { writer_.onParameterSets(sps, pps); }
 
 void StitchedFeed::sourceOnH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) {
-  writer_.onPicture(nalu, keyFrame, timestamp - lag_, arrivalOf(timestamp));
+  writer_.onPicture(nalu, keyFrame, timestamp - lag_, arrivals_.of(source_->firstTimestamp() + timestamp));
 }
 
 void StitchedFeed::sourceOnAACHeader(Bytes header) { writer_.onAudioConfig(header); }
 void StitchedFeed::sourceOnAACData(Bytes data, std::int64_t timestamp) { writer_.onAudio(data, timestamp); }
-
-// Pictures come out in the order in which they went in; those before this one were dropped.
-StreamWriter::TimePoint StitchedFeed::arrivalOf(std::int64_t timestamp) {
-  const MutexLock lock(arrivalsMutex_);
-  while (!arrivals_.empty() && arrivals_.front().first < timestamp) arrivals_.pop_front();
-  return arrivals_.empty() ? std::chrono::steady_clock::now() : arrivals_.front().second;
-}
 
 }  // namespace zel::app

@@ -27,11 +27,15 @@ class ZEL_EXPORT LinuxMedia {
   struct Options {
     // Hears why a picture could not be stitched, one sentence each. Empty: standard error. Thread: any thread.
     std::function<void(const std::string&)> warn;
+    // 1: a picture comes out in the call that decodes it. Several, up to 16, decode pictures side by side, and each
+    // comes out so many pictures later: for streams that one processor is too slow for.
+    int decoderThreads = 1;
   };
 
   // ports: what the host has otherwise, normally LinuxPlatform::ports(). They are copied; what they refer to must
   // outlive every use of this object's ports.
-  explicit LinuxMedia(const platform::Ports& ports, Options options = {});
+  explicit LinuxMedia(const platform::Ports& ports);
+  LinuxMedia(const platform::Ports& ports, Options options);
   ~LinuxMedia();
   LinuxMedia(const LinuxMedia&) = delete;
   LinuxMedia& operator=(const LinuxMedia&) = delete;

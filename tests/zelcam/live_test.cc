@@ -86,6 +86,16 @@ TEST_F(LiveTest, TheBeepIsHeardWhenTheTickIsSeen) {
   EXPECT_GE(compared, 1) << found.ticks.size() << " ticks, " << found.beeps.size() << " beeps";
 }
 
+TEST_F(LiveTest, SeveralPicturesAreDecodedSideBySide) {
+  const auto camera = simulator();
+  const auto host =
+      live({"--json", "-o", path("a.mp4"), "--size", "480x240", "--duration", "2", "--decoder-threads", "3"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_NEAR(readBack(path("a.mp4")).pictures, 60, kClockSteps);
+  // Each picture waits for three more, and its way is counted from when it came itself.
+  EXPECT_GE(lines(*host).at(0)["latency"]["median"].get<double>(), 3 * 1000.0 / 30 - 10);
+}
+
 TEST_F(LiveTest, ALogoCoversTheNadir) {
   writeRedPng(path("logo.png"));
   const auto camera = simulator();

@@ -24,7 +24,22 @@ constexpr const char* kOffset = "2_750_760_760_0_0_0_750_2280_760_180_0_0_3040_1
 
 class LinuxMediaTest : public testing::Test {
  protected:
+  void encodeOnePicture() {
+    const auto encoder =
+        media->ports().videoEncoders->create({.width = 64, .height = 32, .bitrate = 100'000, .fps = 10});
+    ASSERT_TRUE(encoder->open());
+    encoder->setSpsPpsCallback(
+        [&](const std::uint8_t* s, std::int32_t sSize, const std::uint8_t* p, std::int32_t pSize) {
+          sps.assign(s, s + sSize);
+          pps.assign(p, p + pSize);
+        });
+    encoder->setNaluCallback(
+        [&](std::uint8_t* data, std::int32_t size, bool, auto) { unit.assign(data, data + size); });
+    ASSERT_TRUE(encoder->encodeImage(MemoryPixelBuffer::filled(64, 32, 77, 90, 200), {.value = 0, .timescale = 10}));
+  }
+
   platform::SimulatedPlatform simulated;
+  Bytes sps, pps, unit;
   std::vector<std::string> warnings;
   std::optional<LinuxMedia> media{std::in_place, simulated.ports(),
                                   LinuxMedia::Options{[this](const std::string& text) { warnings.push_back(text); }}};
@@ -40,15 +55,7 @@ TEST_F(LinuxMediaTest, KeepsThePortsThatItWasGiven) {
 }
 
 TEST_F(LinuxMediaTest, DecodesWhatItEncodes) {
-  Bytes sps, pps, unit;
-  const auto encoder = media->ports().videoEncoders->create({.width = 64, .height = 32, .bitrate = 100'000, .fps = 10});
-  ASSERT_TRUE(encoder->open());
-  encoder->setSpsPpsCallback([&](const std::uint8_t* s, std::int32_t sSize, const std::uint8_t* p, std::int32_t pSize) {
-    sps.assign(s, s + sSize);
-    pps.assign(p, p + pSize);
-  });
-  encoder->setNaluCallback([&](std::uint8_t* data, std::int32_t size, bool, auto) { unit.assign(data, data + size); });
-  ASSERT_TRUE(encoder->encodeImage(MemoryPixelBuffer::filled(64, 32, 77, 90, 200), {.value = 0, .timescale = 10}));
+  encodeOnePicture();
 
   const auto creation = media->ports().videoDecoders->create(sps, pps);
   ASSERT_NE(creation.decoder, nullptr);
@@ -57,6 +64,31 @@ TEST_F(LinuxMediaTest, DecodesWhatItEncodes) {
   EXPECT_EQ(result.picture.timestamp, 1234);
   EXPECT_EQ(result.picture.pixelBuffer->width(), 64);
   EXPECT_NEAR(result.picture.pixelBuffer->luma().data[0], 77, 2);
+}
+
+// Several threads give each picture later, the last one at the end.
+TEST_F(LinuxMediaTest, DecodesWithSeveralThreadsWhereAsked) {
+  const LinuxMedia threaded(simulated.ports(), {.warn = {}, .decoderThreads = 2});
+  encodeOnePicture();
+
+  const auto decoder = threaded.ports().videoDecoders->create(sps, pps).decoder;
+  ASSERT_NE(decoder, nullptr);
+  EXPECT_NE(decoder->decode(unit, 1234).status, platform::DecodeStatus::picture);
+  const auto late = decoder->flush();
+  ASSERT_NE(late.pixelBuffer, nullptr);
+  EXPECT_EQ(late.timestamp, 1234);
+}
+
+TEST_F(LinuxMediaTest, TakesAnyNumberOfThreadsForTheNearestOneThereIs) {
+  encodeOnePicture();
+  for (const int threads : {-7, 0, 17, 1'000'000}) {
+    const LinuxMedia other(simulated.ports(), {.warn = {}, .decoderThreads = threads});
+    const auto decoder = other.ports().videoDecoders->create(sps, pps).decoder;
+    ASSERT_NE(decoder, nullptr) << threads;
+    const bool atOnce = decoder->decode(unit, 0).status == platform::DecodeStatus::picture;
+    EXPECT_EQ(atOnce, threads < 1) << threads;
+    EXPECT_EQ(decoder->flush().pixelBuffer == nullptr, atOnce) << threads;
+  }
 }
 
 TEST_F(LinuxMediaTest, StitchesAndTellsWhyNot) {
