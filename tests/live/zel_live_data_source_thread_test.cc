@@ -65,8 +65,9 @@ class LiveThreads : public SimulatorFixture {
   void stop() {
     std::thread([kept = source] { kept->stopLiveData(); }).join();
   }
+  // The stop does not wait for an encoder that was only getting ready.
   void expectNothingRuns() {
-    EXPECT_EQ(encoders.live(), 0u);
+    EXPECT_TRUE(eventually([&] { return encoders.live() == 0; }));
     EXPECT_TRUE(eventually([&] { return library.live == 0; }));
     EXPECT_FALSE(source->isLive());
   }
@@ -124,7 +125,6 @@ TEST_F(LiveThreads, GivesBackEverythingOverThreeHundredRuns) {
       ASSERT_TRUE(streams()) << "cycle " << cycle;
     }
     source->stopLiveData();
-    // The stop does not wait for an encoder that was only getting ready.
     ASSERT_TRUE(runUntil([&] { return encoders.live() == 0; })) << "cycle " << cycle;
     log->take();
     library.takeCalls();
