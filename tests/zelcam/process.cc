@@ -1,6 +1,7 @@
 #include "tests/zelcam/process.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -54,6 +55,7 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
   argv.push_back(nullptr);
   pid_ = ::fork();
   if (pid_ == 0) {
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);  // a test that dies leaves nobody behind
     ::dup2(ends[0], STDIN_FILENO);
     ::dup2(openOutput(outputFile_), STDOUT_FILENO);
     ::dup2(openOutput(errorFile_), STDERR_FILENO);
