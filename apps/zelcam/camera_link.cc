@@ -68,8 +68,8 @@ void CameraLink::sayAsked() const {
   if (settings_.verbose) say("zelcam: the request is on its way");
 }
 
-int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& command) {
-  Bus bus(settings);
+int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& command, int decoderThreads) {
+  Bus bus(settings, decoderThreads);
   if (!bus.isThere()) return kNoCamera;
   CameraLink link(bus, settings);
   const int status = link.open();

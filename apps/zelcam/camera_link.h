@@ -69,8 +69,9 @@ class CameraLink {
   const Observation watch_;
 };
 
-// Opens a camera for a command, and runs it. Returns its exit status, or why there is no camera.
-int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& command);
+// Opens a camera for a command, and runs it. Returns its exit status, or why there is no camera. decoderThreads: see
+// LinuxMedia.
+int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& command, int decoderThreads = 1);
 
 // Says what is missing for frames to arrive within the time-out, and returns the exit status.
 int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack);

@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <thread>
 
+#include "apps/zelcam/decoder_threads.h"
 #include "apps/zelcam/picture_size.h"
 #include "apps/zelcam/png.h"
 
@@ -44,12 +44,6 @@ std::string complaintOfMixture(const Values& values, const LiveOptions& options)
   return {};
 }
 
-// From 2560x1280 on, one processor can take longer to decode a picture than until the next one comes.
-int usualDecoderThreads(int resolution) {
-  constexpr int kFirstLarge = 8;  // of the preview's codes
-  return resolution >= kFirstLarge && std::thread::hardware_concurrency() > 1 ? 2 : 1;
-}
-
 }  // namespace
 
 bool LiveOptions::usesStandardOutput() const {
@@ -60,8 +54,7 @@ std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& comp
   LiveOptions options;
   options.resolution = static_cast<int>(values.integer("--resolution").value_or(options.resolution));
   options.bitrate = values.integer("--bitrate").value_or(options.bitrate);
-  options.decoderThreads =
-      static_cast<int>(values.integer("--decoder-threads").value_or(usualDecoderThreads(options.resolution)));
+  options.decoderThreads = decoderThreads(values, options.resolution);
   options.duration = values.number("--duration");
   options.stitch = !values.has("--no-stitch");
   options.logoAngle = values.number("--logo-angle").value_or(0);

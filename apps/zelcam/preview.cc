@@ -18,6 +18,7 @@
 #include "apps/zelcam/answer.h"
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
+#include "apps/zelcam/decoder_threads.h"
 #include "apps/zelcam/file.h"
 #include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/lens_offset.h"
@@ -78,6 +79,10 @@ class PictureCounter final : public ZELPixelBufferDataProtocol {
   Decoded decoded_ ZEL_GUARDED_BY(mutex_);
 };
 
+int resolutionIn(const Invocation& invocation) {
+  return static_cast<int>(invocation.values.integer("--resolution").value_or(kDefaultResolution));
+}
+
 // One run of the command.
 class Preview {
  public:
@@ -103,9 +108,7 @@ class Preview {
     return 1;
   }
 
-  std::uint8_t resolution() const {
-    return static_cast<std::uint8_t>(invocation_.values.integer("--resolution").value_or(kDefaultResolution));
-  }
+  std::uint8_t resolution() const { return static_cast<std::uint8_t>(resolutionIn(invocation_)); }
 
   int startVideo() {
     const auto answer = std::make_shared<Answer<std::uint8_t>>();
@@ -218,7 +221,9 @@ int runPreview(const Invocation& invocation) {
   if (invocation.values.has("--stitch") && !invocation.values.has("--snapshot")) {
     return complain(kWrongUsage, "preview", "--stitch is for the picture that --snapshot saves");
   }
-  return withCamera(invocation.settings, [&](CameraLink& link) { return Preview(link, invocation).run(); });
+  const int threads = decoderThreads(invocation.values, resolutionIn(invocation));
+  return withCamera(
+      invocation.settings, [&](CameraLink& link) { return Preview(link, invocation).run(); }, threads);
 }
 
 }  // namespace zel::app

@@ -49,6 +49,16 @@ TEST_F(PreviewTest, SavesAPictureOfTheAskedResolution) {
   EXPECT_EQ(sizeOf(png()), std::pair(1440, 720));
 }
 
+TEST_F(PreviewTest, DecodesPicturesSideBySide) {
+  const auto camera = simulator();
+  const auto host = zelcam({"--json", "--timeout", "30", "preview", "--frames", "5", "--decoder-threads", "2"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  const Json told = lines(*host).at(0);
+  EXPECT_EQ(told["frames"], 5);
+  EXPECT_GE(told["received"], 7);  // each thread has one more
+  EXPECT_EQ(told["width"], 1440);
+}
+
 TEST_F(PreviewTest, RunsUntilItIsStopped) {
   const auto camera = simulator();
   const auto host = zelcam({"--json", "--verbose", "--timeout", "30", "preview"});
