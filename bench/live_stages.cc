@@ -12,7 +12,6 @@
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
 #include "platform/render/stitcher.h"
-#include "tests/platform/render/pictures.h"
 
 namespace zel::bench {
 namespace {

@@ -38,7 +38,9 @@ class MemoryPixelBuffer final : public PixelBuffer {
   PixelPlane luma() const override {
     return {luma_.data(), stride_, static_cast<std::size_t>(width_), static_cast<std::size_t>(height_)};
   }
-  PixelPlane chroma() const override { return {chroma_.data(), stride_, chromaRowBytes(width_), half(height_)}; }
+  PixelPlane chroma() const override {
+    return {chroma_.data(), stride_, chromaRowBytes(width_), chromaSamples(height_)};
+  }
 
   // One row's bytes, to be written. The row must exist.
   std::span<std::uint8_t> lumaRow(std::size_t row) {
@@ -52,15 +54,14 @@ class MemoryPixelBuffer final : public PixelBuffer {
   static constexpr std::size_t kAlignment = 64;  // strides that suit vector code
   static constexpr std::uint8_t kNoColour = 128;
 
-  static std::size_t half(std::int32_t side) { return (static_cast<std::size_t>(side) + 1) / 2; }
-  static std::size_t chromaRowBytes(std::int32_t width) { return 2 * half(width); }
+  static std::size_t chromaRowBytes(std::int32_t width) { return 2 * chromaSamples(width); }
 
   MemoryPixelBuffer(std::int32_t width, std::int32_t height)
       : width_(width),
         height_(height),
         stride_((chromaRowBytes(width) + kAlignment - 1) / kAlignment * kAlignment),
         luma_(stride_ * static_cast<std::size_t>(height)),
-        chroma_(stride_ * half(height), kNoColour) {}
+        chroma_(stride_ * chromaSamples(height), kNoColour) {}
 
   const std::int32_t width_;
   const std::int32_t height_;

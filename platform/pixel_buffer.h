@@ -14,6 +14,9 @@ struct PixelPlane {
   std::size_t rows = 0;
 };
 
+// How many samples of chroma stand along a side of so many pixels, at least 1.
+constexpr std::size_t chromaSamples(std::int32_t side) { return (static_cast<std::size_t>(side) + 1) / 2; }
+
 // A picture in 4:2:0 bi-planar full range (NV12): a plane of luma with a byte a pixel, and a plane of Cb and Cr in turn
 // at half the width and half the height, both rounded up.
 // Owner:  shared; the pixels live until the last owner lets go, also after the decoder that made them has gone.

@@ -13,6 +13,7 @@ namespace zel::app {
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
+using platform::chromaSamples;
 using platform::MemoryPixelBuffer;
 using PicturePtr = std::shared_ptr<MemoryPixelBuffer>;
 
@@ -25,11 +26,10 @@ struct Header {
   int width = 0, height = 0, subsampling = 0, colours = 0;
 };
 
-std::size_t half(int side) { return (static_cast<std::size_t>(side) + 1) / 2; }
-
 // The planes of Cb and Cr, one behind the other, at half the width and height.
 struct ChromaPlanes {
-  ChromaPlanes(int width, int height) : stride(half(width)), rows(half(height)), bytes(2 * stride * rows) {}
+  ChromaPlanes(int width, int height)
+      : stride(chromaSamples(width)), rows(chromaSamples(height)), bytes(2 * stride * rows) {}
   std::uint8_t* cb() { return bytes.data(); }
   std::uint8_t* cr() { return bytes.data() + stride * rows; }
   int step() const { return static_cast<int>(stride); }

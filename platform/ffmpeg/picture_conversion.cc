@@ -10,18 +10,16 @@
 namespace zel::platform {
 namespace {
 
-std::size_t half(int side) { return (static_cast<std::size_t>(side) + 1) / 2; }
-
 // The decoder's own memory for luma, and the two planes of chroma merged into one.
 class FramePixelBuffer final : public PixelBuffer {
  public:
   explicit FramePixelBuffer(FramePtr frame)
       : frame_(std::move(frame)),
-        chromaStride_(2 * half(frame_->width)),
-        chroma_(std::make_unique_for_overwrite<std::uint8_t[]>(chromaStride_ * half(frame_->height))) {
+        chromaStride_(2 * chromaSamples(frame_->width)),
+        chroma_(std::make_unique_for_overwrite<std::uint8_t[]>(chromaStride_ * chromaSamples(frame_->height))) {
     libyuv::MergeUVPlane(frame_->data[1], frame_->linesize[1], frame_->data[2], frame_->linesize[2], chroma_.get(),
                          static_cast<int>(chromaStride_), static_cast<int>(chromaStride_ / 2),
-                         static_cast<int>(half(frame_->height)));
+                         static_cast<int>(chromaSamples(frame_->height)));
     giveBackChroma();
   }
 
@@ -31,7 +29,9 @@ class FramePixelBuffer final : public PixelBuffer {
     return {frame_->data[0], static_cast<std::size_t>(frame_->linesize[0]), static_cast<std::size_t>(frame_->width),
             static_cast<std::size_t>(frame_->height)};
   }
-  PixelPlane chroma() const override { return {chroma_.get(), chromaStride_, chromaStride_, half(frame_->height)}; }
+  PixelPlane chroma() const override {
+    return {chroma_.get(), chromaStride_, chromaStride_, chromaSamples(frame_->height)};
+  }
 
  private:
   // The decoder's planes, where they are not in one piece with luma: a third of what a kept picture would hold.
@@ -59,7 +59,7 @@ PixelBufferRef stretchedRange(const AVFrame& frame) {
     const std::uint8_t* from = rowOf(frame, 0, y);
     for (std::size_t x = 0; x < row.size(); ++x) row[x] = fullRangeLuma(from[x]);
   }
-  for (std::size_t y = 0; y < half(frame.height); ++y) {
+  for (std::size_t y = 0; y < chromaSamples(frame.height); ++y) {
     const auto row = picture->chromaRow(y);
     const std::uint8_t *cb = rowOf(frame, 1, y), *cr = rowOf(frame, 2, y);
     for (std::size_t x = 0; x < row.size() / 2; ++x) {

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/memory_pixel_buffer.h"
+
 namespace zel::render {
 
 // Units: pixels.
@@ -20,5 +22,9 @@ struct OutputPicture {
   std::uint8_t* chroma = nullptr;
   std::size_t chromaStride = 0;
 };
+
+inline OutputPicture outputOf(platform::MemoryPixelBuffer& picture) {
+  return {picture.lumaRow(0).data(), picture.luma().stride, picture.chromaRow(0).data(), picture.chroma().stride};
+}
 
 }  // namespace zel::render

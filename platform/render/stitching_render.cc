@@ -6,10 +6,6 @@
 namespace zel::render {
 namespace {
 
-OutputPicture outputOf(platform::MemoryPixelBuffer& picture) {
-  return {picture.lumaRow(0).data(), picture.luma().stride, picture.chromaRow(0).data(), picture.chroma().stride};
-}
-
 std::string sizeText(int width, int height) { return std::to_string(width) + " x " + std::to_string(height); }
 
 }  // namespace

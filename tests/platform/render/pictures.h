@@ -47,10 +47,6 @@ inline PicturePtr nv12Of(const simulator::Picture& rgb) {
   return picture;
 }
 
-inline OutputPicture outputOf(platform::MemoryPixelBuffer& picture) {
-  return {picture.lumaRow(0).data(), picture.luma().stride, picture.chromaRow(0).data(), picture.chroma().stride};
-}
-
 inline int at(const platform::PixelPlane& plane, std::size_t column, std::size_t row) {
   return plane.data[row * plane.stride + column];
 }
