@@ -12,13 +12,14 @@
 
 namespace zel::app {
 
-// When the units of the latest pictures were taken for decoding, by their timestamps. Thread: any thread.
+// When the last units of the latest pictures were taken for decoding, by their timestamps. Thread: any thread.
 class ArrivalClock {
  public:
   using Clock = std::chrono::steady_clock;
 
   void note(std::int64_t timestamp) {
     const MutexLock lock(mutex_);
+    if (!arrivals_.empty() && arrivals_.back().first == timestamp) arrivals_.pop_back();  // one slice more
     arrivals_.emplace_back(timestamp, Clock::now());
     if (arrivals_.size() > kMost) arrivals_.pop_front();
   }
@@ -32,7 +33,7 @@ class ArrivalClock {
   }
 
  private:
-  static constexpr std::size_t kMost = 64;  // units; more than a live pipeline holds
+  static constexpr std::size_t kMost = 64;  // pictures; more than a live pipeline holds
 
   mutable Mutex mutex_;
   std::deque<std::pair<std::int64_t, Clock::time_point>> arrivals_ ZEL_GUARDED_BY(mutex_);
