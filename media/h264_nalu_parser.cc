@@ -16,20 +16,9 @@ std::shared_ptr<MediaBuffer> piece(const std::uint8_t* data, std::int64_t begin,
   return std::make_shared<MediaBuffer>(data + begin, static_cast<int>(end - begin), 0);
 }
 
-// Cuts at every start code from `from` on, the first piece beginning at `last`; gives where the last cut was.
-// Deliberate: a start code that begins in the last four bytes is not seen. It stays within its unit.
-std::int64_t cut(const std::uint8_t* data, std::int64_t size, std::int64_t from, std::int64_t last,
-                 H264NaluParser::Units& units) {
-  const std::uint8_t* const end = data + size - kStartCode;
-  for (const auto* at = zel::findStartCode(data + from, end); at < end; at = zel::findStartCode(at + 1, end)) {
-    units.push_back(piece(data, last, at - data));
-    last = at - data;
-  }
-  return last;
-}
-
 // The unit that begins with the start code at `at`, which moves to where the next one begins, or to the end. It is
 // searched while it is copied, since a camera's chunk is mostly one large unit; its room grows with it.
+// Deliberate: a start code that begins in the last four bytes is not seen. It stays within its unit.
 std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_t* end) {
   constexpr std::int32_t kRoom = 120 << 10;
   const std::uint8_t* const first = std::exchange(at, end);
@@ -103,7 +92,7 @@ H264NaluParser::Units H264NaluParser::cutBehindSeam(const std::uint8_t* data, st
   // Deliberate, as there: the first piece begins at offset lookBack of what is held and the chunk.
   auto first = piece(pending_->data(), lookBack, held);
   const std::int32_t skipped = std::max(lookBack - held, 0);
-  first->AppendData(data + std::min(skipped, size), static_cast<int>(found - data) - skipped);
+  first->AppendData(data + skipped, static_cast<int>(found - data) - skipped);
   Units units{std::move(first)};
   pending_ = cutAll(found, data + size, units);
   return units;
@@ -113,10 +102,13 @@ H264NaluParser::Units H264NaluParser::ProcessBuffer(int lookBack) {
   const std::int64_t size = pending_->size();
   const std::int64_t start = std::max<std::int64_t>(size - lookBack, kStartCode);
   if (start >= size - kStartCode) return {};
-  Units units;
+  const std::uint8_t* const data = pending_->data();
+  const std::uint8_t* const end = data + size - kStartCode;
+  const std::uint8_t* const found = zel::findStartCode(data + start, end);
+  if (found == end) return {};
   // Deliberate: the first piece begins at the look-back count, as an offset, and not at 0.
-  const std::int64_t last = cut(pending_->data(), size, start, lookBack, units);
-  if (!units.empty()) pending_ = piece(pending_->data(), last, size);
+  Units units{piece(data, lookBack, found - data)};
+  pending_ = cutAll(found, data + size, units);
   return units;
 }
 

@@ -15,7 +15,7 @@ using Skip = const std::uint8_t* (*)(const std::uint8_t* block, const std::uint8
 // The same; the blocks up to and with that one are copied.
 using Copy = const std::uint8_t* (*)(const std::uint8_t* block, const std::uint8_t* end, std::uint8_t* to);
 
-// Written so that compilers make vector code of it: a load, a compare and an or for each vector, and a store.
+// Written so that compilers make vector code of it: a load and a minimum for each vector, and a store where it copies.
 template <std::ptrdiff_t kBlock, bool kCopies>
 [[gnu::always_inline]] inline const std::uint8_t* passBlocks(const std::uint8_t* __restrict block,
                                                              const std::uint8_t* end, std::uint8_t* __restrict to) {
