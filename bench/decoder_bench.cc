@@ -243,9 +243,8 @@ void measureDelay(int rounds) {
 }  // namespace zel::bench
 
 int main(int argc, char** argv) {
-  // `./run bench` hands the options of Google Benchmark to every program; they mean nothing here.
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
-  const int rounds = argc > 1 && argv[1][0] != '-' ? std::atoi(argv[1]) : 9;
+  const int rounds = zel::bench::roundsIn(argc, argv, 9);
   if (rounds < 1) return std::fputs("usage: decoder_bench [ROUNDS]\n", stderr), 2;
   zel::bench::measureRate(1, rounds);
   zel::bench::measureRate(2, rounds);

@@ -332,10 +332,9 @@ int run(int rounds) {
 }  // namespace zel::bench
 
 int main(int argc, char** argv) {
-  // `./run bench` hands the options of Google Benchmark to every program; they mean nothing here.
   av_log_set_level(AV_LOG_QUIET);
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
-  const int rounds = argc > 1 && argv[1][0] != '-' ? std::atoi(argv[1]) : 3;
+  const int rounds = zel::bench::roundsIn(argc, argv, 3);
   if (rounds < 1) return std::fputs("usage: live_bench [ROUNDS]\n", stderr), 2;
   return zel::bench::run(rounds);
 }

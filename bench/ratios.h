@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,12 @@ inline double median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::ranges::nth_element(values, middle);
   return *middle;
+}
+
+// How many rounds the command line asks for; `./run bench` hands the options of Google Benchmark to every program, and
+// they mean nothing here. Errors: below 1.
+inline int roundsIn(int argc, char** argv, int usual) {
+  return argc > 1 && argv[1][0] != '-' ? std::atoi(argv[1]) : usual;
 }
 
 // A line of the closing table. aim: at most; 0 where there is none.
