@@ -24,6 +24,15 @@ using testing::HasSubstr;
 // Pictures: the host sets its clock by the camera's again while that streams, and a second may then hold more or fewer.
 constexpr int kClockSteps = 2;
 
+// Pictures that were handed to the outputs or dropped. A machine that is too slow for all of them tells what it
+// dropped.
+int accountedPictures(const nlohmann::json& told) {
+  int pictures = told["pictures"];
+  for (const auto& [where, count] : told["dropped"].items())
+    if (where != "audioFrames") pictures += count.get<int>();
+  return pictures;
+}
+
 void writeRedPng(const std::string& file) {
   std::vector<std::uint8_t> rgb;
   for (int i = 0; i < 64 * 64; ++i) rgb.insert(rgb.end(), {255, 0, 0});
@@ -42,10 +51,12 @@ TEST_F(LiveTest, StreamsStitchedPicturesAndSoundToSeveralFilesAtOnce) {
                           "--size", "480x240", "--duration", "3"});
   ASSERT_EQ(host->wait(), 0) << host->errors();
   const Json told = lines(*host).at(0);
+  EXPECT_GE(told["audioFrames"].get<int>() + told["dropped"]["audioFrames"].get<int>(), 100);
   for (const char* name : {"a.mp4", "a.ts", "a.flv", "a.m3u8"}) {
     const ReadBack read = readBack(path(name));
     EXPECT_EQ(read.pictures, told["pictures"]) << name;
-    EXPECT_GE(read.audioFrames, 47) << name;  // a second's
+    EXPECT_EQ(read.audioFrames, told["audioFrames"]) << name;
+    EXPECT_GT(read.audioFrames, 0) << name;
     EXPECT_EQ(std::pair(read.width, read.height), std::pair(480, 240)) << name;
     EXPECT_TRUE(read.ordered) << name;
   }
@@ -61,6 +72,7 @@ TEST_F(LiveTest, TellsWhatBecameOfThePictures) {
   EXPECT_GE(told["decoded"], told["stitched"]);
   EXPECT_GE(told["stitched"], told["encoded"]);
   EXPECT_GT(told["encoded"], 0);
+  EXPECT_GE(accountedPictures(told), 90 - kClockSteps);
   EXPECT_GT(told["latency"]["median"], 0);
   EXPECT_GE(told["latency"]["p99"], told["latency"]["median"]);
   EXPECT_GT(told["cpuSecondsPerPicture"], 0);
@@ -93,6 +105,7 @@ TEST_F(LiveTest, SeveralPicturesAreDecodedSideBySide) {
   const Json told = lines(*host).at(0);
   EXPECT_GT(told["pictures"], 0);
   EXPECT_EQ(readBack(path("a.mp4")).pictures, told["pictures"]);
+  EXPECT_GE(accountedPictures(told), 60 - kClockSteps);
   // Each picture waits for three more, and its way is counted from when it came itself.
   EXPECT_GE(told["latency"]["median"].get<double>(), 3 * 1000.0 / 30 - 10);
 }
