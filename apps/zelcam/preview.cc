@@ -8,9 +8,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,13 +21,12 @@
 #include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/lens_offset.h"
 #include "apps/zelcam/output.h"
+#include "apps/zelcam/picture_rate.h"
 #include "apps/zelcam/png.h"
 #include "platform/mutex.h"
 
 namespace zel::app {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr double kLine = 1.0;                            // seconds between two lines of the live report
 constexpr std::int64_t kLate = 200;                      // milliseconds behind its time from which a picture is late
@@ -41,6 +38,7 @@ constexpr int kFirewareVersion190 = 190;                 // from it on, times ar
 struct Decoded {
   std::int64_t pictures = 0;
   std::int64_t late = 0;
+  PictureRate rate;
   platform::PixelBufferRef newest;
   bool complete = false;  // as many as were asked for
 };
@@ -58,6 +56,7 @@ class PictureCounter final : public ZELPixelBufferDataProtocol {
     const MutexLock lock(mutex_);
     if (decoded_.complete) return;
     if (++decoded_.pictures == 1 && verbose_) say("zelcam: the first picture is here");
+    decoded_.rate.note(PictureRate::Clock::now());
     const std::int64_t age = platform::absoluteTimeMilliseconds(platform_.ports().clock) - timestamp;
     if (timesAreHosts_ && age > kLate) ++decoded_.late;
     decoded_.newest = picture;
@@ -115,9 +114,7 @@ class Preview {
     player_->setFps(kRates[resolution() % kRates.size()]);
     link_.stack().ucd().msgCmdStartVideoWithVideoRes(resolution(), keepIn(answer, link_.platform()));
     link_.sayAsked();
-    const int status = link_.waitForAnswer("preview", *answer);
-    start_ = Clock::now();
-    return status;
+    return link_.waitForAnswer("preview", *answer);
   }
 
   bool stitches() const { return invocation_.values.has("--stitch"); }
@@ -142,8 +139,6 @@ class Preview {
     }
   }
 
-  double seconds() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
-
   nlohmann::ordered_json figures() const {
     const Decoded decoded = counter_->decoded();
     const auto statistics = player_->statistics();
@@ -152,7 +147,7 @@ class Preview {
     return {{"frames", decoded.pictures},
             {"width", width},
             {"height", height},
-            {"fps", static_cast<double>(decoded.pictures) / std::max(seconds(), 1e-9)},
+            {"fps", decoded.rate.perSecond()},
             {"received", statistics.units},
             {"dropped", statistics.dropped},
             {"late", decoded.late}};
@@ -209,7 +204,6 @@ class Preview {
 
   CameraLink& link_;
   const Invocation& invocation_;
-  Clock::time_point start_ = Clock::now();
   std::string offset_;  // of the lenses, where the snapshot is stitched
   std::shared_ptr<PictureCounter> counter_;
   std::shared_ptr<ZELPreviewPlayer> player_;

@@ -43,6 +43,7 @@ TEST_F(PreviewTest, SavesAPictureOfTheAskedResolution) {
   ASSERT_EQ(host->wait(), 0) << host->errors();
   const Json told = lines(*host).at(0);
   EXPECT_EQ(told["frames"], 5);
+  EXPECT_GT(told["fps"], 0);
   EXPECT_EQ(told["width"], 1440);
   EXPECT_EQ(told["height"], 720);
   EXPECT_EQ(told["snapshot"], png());

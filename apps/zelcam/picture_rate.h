@@ -1,0 +1,30 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace zel::app {
+
+// How many pictures come a second, from the first to the newest: neither the wait for the first one nor a camera that
+// is silent afterwards counts.
+class PictureRate {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  void note(Clock::time_point arrival) {
+    if (pictures_++ == 0) first_ = arrival;
+    newest_ = arrival;
+  }
+
+  // 0 before the second picture.
+  double perSecond() const {
+    const double seconds = std::chrono::duration<double>(newest_ - first_).count();
+    return seconds > 0 ? static_cast<double>(pictures_ - 1) / seconds : 0;
+  }
+
+ private:
+  std::int64_t pictures_ = 0;
+  Clock::time_point first_, newest_;
+};
+
+}  // namespace zel::app
