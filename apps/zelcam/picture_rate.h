@@ -5,8 +5,8 @@
 
 namespace zel::app {
 
-// How many pictures come a second, from the first to the newest: neither the wait for the first one nor a camera that
-// is silent afterwards counts.
+// How many pictures come, and how many a second from the first to the newest: neither the wait for the first one nor a
+// camera that is silent afterwards counts.
 class PictureRate {
  public:
   using Clock = std::chrono::steady_clock;
@@ -15,6 +15,8 @@ class PictureRate {
     if (pictures_++ == 0) first_ = arrival;
     newest_ = arrival;
   }
+
+  std::int64_t pictures() const { return pictures_; }
 
   // 0 before the second picture.
   double perSecond() const {

@@ -36,9 +36,8 @@ constexpr int kFirewareVersion190 = 190;                 // from it on, times ar
 
 // What has been decoded so far.
 struct Decoded {
-  std::int64_t pictures = 0;
-  std::int64_t late = 0;
   PictureRate rate;
+  std::int64_t late = 0;
   platform::PixelBufferRef newest;
   bool complete = false;  // as many as were asked for
 };
@@ -55,12 +54,12 @@ class PictureCounter final : public ZELPixelBufferDataProtocol {
   void onPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t timestamp) override {
     const MutexLock lock(mutex_);
     if (decoded_.complete) return;
-    if (++decoded_.pictures == 1 && verbose_) say("zelcam: the first picture is here");
     decoded_.rate.note(PictureRate::Clock::now());
+    if (decoded_.rate.pictures() == 1 && verbose_) say("zelcam: the first picture is here");
     const std::int64_t age = platform::absoluteTimeMilliseconds(platform_.ports().clock) - timestamp;
     if (timesAreHosts_ && age > kLate) ++decoded_.late;
     decoded_.newest = picture;
-    decoded_.complete = wanted_ && decoded_.pictures >= *wanted_;
+    decoded_.complete = wanted_ && decoded_.rate.pictures() >= *wanted_;
     if (decoded_.complete) platform_.stopMainQueue();
   }
 
@@ -127,13 +126,13 @@ class Preview {
   // Pictures must keep coming: a time-out without one ends the command.
   int waitForPictures() {
     while (true) {
-      const std::int64_t before = counter_->decoded().pictures;
+      const std::int64_t before = counter_->decoded().rate.pictures();
       const Waited end = link_.waitFor([this] { return counter_->decoded().complete; }, invocation_.settings.timeout);
       if (end == Waited::done) return kDone;
-      const bool some = counter_->decoded().pictures != 0;
+      const bool some = counter_->decoded().rate.pictures() != 0;
       if (end == Waited::interrupted) return some && !wanted() ? kDone : kInterrupted;
       if (end == Waited::lost) return tellEnd("preview", end, std::nullopt, invocation_.settings);
-      if (counter_->decoded().pictures != before) continue;
+      if (counter_->decoded().rate.pictures() != before) continue;
       say(fmt::format("zelcam: preview: no picture came within {} s", invocation_.settings.timeout));
       return kNoCamera;
     }
@@ -144,7 +143,7 @@ class Preview {
     const auto statistics = player_->statistics();
     const auto width = decoded.newest ? decoded.newest->width() : 0;
     const auto height = decoded.newest ? decoded.newest->height() : 0;
-    return {{"frames", decoded.pictures},
+    return {{"frames", decoded.rate.pictures()},
             {"width", width},
             {"height", height},
             {"fps", decoded.rate.perSecond()},

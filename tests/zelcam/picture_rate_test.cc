@@ -13,6 +13,7 @@ PictureRate::Clock::time_point at(int time) { return PictureRate::Clock::time_po
 TEST(PictureRate, CountsFromTheFirstPictureToTheNewest) {
   PictureRate rate;
   for (const int time : {5000, 5040, 5080, 5120}) rate.note(at(time));
+  EXPECT_EQ(rate.pictures(), 4);
   EXPECT_DOUBLE_EQ(rate.perSecond(), 25);
 }
 
