@@ -153,7 +153,7 @@ TEST_P(StoppedAnywhere, LeavesNothingRunning) {
     source->startLiveData();
     ASSERT_TRUE(runUntil([&] { return untilUnits ? units() > 0 : camera->requests() >= requests; }));
     stop();
-    // A stop does not wait for an encoder that is only getting ready. One that has made a unit was ready, and has ended.
+    // A stop does not wait for an encoder that is only getting ready. One that has made a unit was ready, and is gone.
     if (!untilUnits) {
       EXPECT_TRUE(eventually([&] { return encoders.live() == 0; }));
     }
