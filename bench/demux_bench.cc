@@ -23,12 +23,6 @@ namespace {
 constexpr std::int64_t kHot = 1 << 20;
 constexpr std::int64_t kCold = 64 << 20;
 
-class StillClock final : public platform::Clock {
- public:
-  double absoluteTime() const override { return 0; }
-  void sleepFor(double) override {}
-};
-
 class CountingPlayer final : public PreviewConsumer {
  public:
   void appendVideoBytes(ByteView bytes) override { seen += bytes.size(); }
@@ -149,8 +143,7 @@ void lengthWalker(benchmark::State& state) {
 void demultiplexer(benchmark::State& state) {
   const Stream& stream = streamOf(state.range(0));
   const auto read = static_cast<std::size_t>(state.range(1));
-  StillClock clock;
-  CameraDataParser parser(clock);
+  CameraDataParser parser;
   const auto player = std::make_shared<CountingPlayer>();
   parser.setPreviewPlayer(player);
   for (auto _ : state) {

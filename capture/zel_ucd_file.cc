@@ -76,12 +76,13 @@ void ZELUCDFile::sendFileWithType(std::int64_t type, const std::optional<std::st
 }
 
 void ZELUCDFile::wait(const std::string& path, zel::RebackBlock<> rebackBlock) {
+  std::optional<zel::RebackBlock<>> handler(std::move(rebackBlock));
   std::optional<Answer> answer;
   {
     const zel::MutexLock lock(mutex_);
-    answer = blocks_.put(path, rebackBlock);
+    answer = blocks_.put(path, handler);
   }
-  if (answer) post(std::move(rebackBlock), *answer);
+  if (answer) post(std::move(*handler), *answer);
 }
 
 void ZELUCDFile::parserUCD(zel::ByteView bytes) {

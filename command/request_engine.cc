@@ -96,12 +96,13 @@ void RequestEngine::write(std::int64_t msgType, const ZELMessageFields& fields) 
 
 void RequestEngine::wait(std::int64_t msgType, RebackDic rebackBlock) {
   if (!rebackBlock) return;
+  std::optional<RebackDic> handler(std::move(rebackBlock));
   std::optional<Answer> answer;
   {
     const MutexLock lock(mutex_);
-    answer = msgBlockDic_.put(msgType, rebackBlock);
+    answer = msgBlockDic_.put(msgType, handler);
   }
-  if (answer) post(std::move(rebackBlock), *answer);
+  if (answer) post(std::move(*handler), *answer);
 }
 
 void RequestEngine::respond(std::int64_t msgType, const std::optional<ZELMessageFields>& reply) {
@@ -130,10 +131,19 @@ void RequestEngine::respondToAllWithError(int code) {
   }
   mainQueue_.post([rebackBlocks = std::move(rebackBlocks), failure, alive = whileAlive(), code] {
     for (const auto& rebackBlock : rebackBlocks) rebackBlock(failure);
-    alive([code](CameraDataParser& parser) {
-      if (const auto photo = parser.photoParser()) photo->replyBlockWithError(zelOSStatusError(code));
-    });
+    alive([code](CameraDataParser& parser) { failCapture(parser, code); });
   });
+}
+
+void RequestEngine::failCapture(CameraDataParser& parser, int code) {
+  if (const auto photo = parser.photoParser()) photo->replyBlockWithError(zelOSStatusError(code));
+}
+
+// The step that fails the capture does not run any more once the engine has gone, so it is failed here.
+void RequestEngine::failEverything() {
+  respondToAllWithError(kZELErrorNotConnected);
+  failCapture(parser_, kZELErrorNotConnected);
+  ucdFile_.replyAllBlockWithErrorCode(kZELErrorNotConnected);
 }
 
 void RequestEngine::statusChanged(std::uint64_t status) {
@@ -160,6 +170,8 @@ void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver
 // Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
 // first, so that a receiver that changes it from inside, which it must not, does no harm.
 void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
+  const auto held = keepAlive_.hold();
+  const CallbackScope scope;
   const MutexLock lock(receiversMutex_);
   const auto receivers = notificationReceivers_;
   for (const auto& receiver : receivers) receiver->notificationType(type, value);
@@ -170,8 +182,10 @@ void RequestEngine::post(RebackDic rebackBlock, const Answer& answer) {
 }
 
 std::function<void(const std::function<void(CameraDataParser&)>&)> RequestEngine::whileAlive() {
-  return [alive = alive_, &parser = parser_](const std::function<void(CameraDataParser&)>& step) {
-    alive->enter([&] { step(parser); });
+  return [alive = alive_, keepAlive = keepAlive_,
+          &parser = parser_](const std::function<void(CameraDataParser&)>& step) {
+    const auto held = keepAlive.hold();
+    if (held) alive->enter([&] { step(parser); });
   };
 }
 

@@ -18,6 +18,7 @@
 #include "platform/mutex.h"
 #include "platform/queues.h"
 #include "transport/camera_data_parser.h"
+#include "transport/keep_alive.h"
 #include "transport/pending_table.h"
 #include "transport/roles.h"
 
@@ -56,6 +57,13 @@ class RequestEngine final : public SyncDataRequester {
   // Calls every receiver before it returns, with the receivers' lock held.
   void notify(std::int64_t type, const std::optional<ZELMessageFields>& value);
 
+  // The end of the engine's stack: every handler that waits gets 100, of requests, captures and uploads. Uploads wait
+  // whatever the link's status, and so do marker requests.
+  void failEverything();
+
+  // What is held while receivers and steps run. Set before traffic starts.
+  void setKeepAlive(const KeepAlive& keepAlive) { keepAlive_ = keepAlive; }
+
   // Runs the step now, on this thread, unless the engine has gone meanwhile. For handlers, which may outlive it.
   std::function<void(const std::function<void(CameraDataParser&)>&)> whileAlive();
 
@@ -77,11 +85,13 @@ class RequestEngine final : public SyncDataRequester {
   void write(std::int64_t msgType, const ZELMessageFields& fields);
   void wait(std::int64_t msgType, RebackDic rebackBlock);
   void post(RebackDic rebackBlock, const Answer& answer);
+  static void failCapture(CameraDataParser& parser, int code);
 
   ZELCameraAccessory& accessory_;
   CameraDataParser& parser_;
   ZELUCDFile& ucdFile_;
   platform::Queue& mainQueue_;
+  KeepAlive keepAlive_;  // set before traffic starts
   const std::shared_ptr<CallGate> alive_ = std::make_shared<CallGate>();
 
   Mutex mutex_;  // nothing is called with it held

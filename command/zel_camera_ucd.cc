@@ -29,6 +29,10 @@ ZELCameraUCD::ZELCameraUCD(ZELCameraAccessory& accessory, CameraDataParser& pars
 
 ZELCameraUCD::~ZELCameraUCD() { engine_->parser().setSyncDataRequester(nullptr); }
 
+void ZELCameraUCD::setKeepAlive(const zel::KeepAlive& keepAlive) { engine_->setKeepAlive(keepAlive); }
+
+void ZELCameraUCD::failEverything() { engine_->failEverything(); }
+
 void ZELCameraUCD::sendMsg(std::int64_t msgType, const ZELMessageFields& msgDataDic, RebackDic rebackBlock) {
   engine_->send(msgType, msgDataDic, std::move(rebackBlock));
 }

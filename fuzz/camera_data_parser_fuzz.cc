@@ -12,7 +12,6 @@
 
 namespace {
 
-using zel::test::FixedClock;
 using zel::test::Log;
 using zel::test::RecordingFile;
 using zel::test::RecordingLink;
@@ -37,9 +36,8 @@ void feed(CameraDataParser& parser, zel::ByteView stream, std::size_t read, bool
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 1) return 0;
   Log log;
-  FixedClock clock;
   RecordingLink link;
-  CameraDataParser parser(clock);
+  CameraDataParser parser;
   const auto player = std::make_shared<RecordingPlayer>(log);
   parser.setAccessory(&link);
   parser.setPreviewPlayer(player);

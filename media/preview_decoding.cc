@@ -32,11 +32,10 @@ void PreviewDecoding::start(const ParameterSets& used, const std::weak_ptr<ZELPi
   auto made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), delegate);
   const MutexLock lock(mutex_);
   if (loop_ || !sets_.areThoseOf(used)) return;
-  if (!made) {
+  if (!made || !made->start()) {
     sets_ = {};
     return;
   }
-  made->start();
   loop_ = std::move(made);
 }
 

@@ -19,7 +19,8 @@ class PreviewDecoding {
   explicit PreviewDecoding(const platform::Ports& ports) : threads_(ports.threads), decoders_(ports.videoDecoders) {}
 
   // A unit with a parameter set. A PPS with which the sets are complete starts decoding for the delegate, unless it
-  // runs already. Errors: sets that make no decoder are forgotten, so that the next pair is tried.
+  // runs already.
+  // Errors: sets that make no decoder, or for which no thread can be had, are forgotten, so that the next pair is tried.
   void offerSps(ByteView unit);
   void offerPps(ByteView unit, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate);
 

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/call_gate.h"
+
 using zel::MutexLock;
 
 ZELDecodeRunLoop::ZELDecodeRunLoop(zel::platform::Threads& threads, std::unique_ptr<ZELH264Decoder> h264Decoder,
@@ -21,12 +23,13 @@ std::shared_ptr<ZELDecodeRunLoop> ZELDecodeRunLoop::initWidthSps(zel::platform::
   return {kept.get(), [kept](ZELDecodeRunLoop* loop) { loop->abandon(); }};
 }
 
-void ZELDecodeRunLoop::start() {
+bool ZELDecodeRunLoop::start() {
   const MutexLock lock(threadMutex_);
-  if (thread_) return;
+  if (thread_) return true;
   const auto kept = shared_from_this();
   thread_ = threads_.start(
       "preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->publish(runLoop); }, [kept] { kept->end(); }});
+  return thread_ != nullptr;
 }
 
 void ZELDecodeRunLoop::stop() {
@@ -91,7 +94,10 @@ void ZELDecodeRunLoop::deliver(const zel::platform::DecodedPicture& picture) {
   (picture.pixelBuffer ? pictures_ : withoutPicture_).fetch_add(1);
   if (!picture.pixelBuffer) return;
   const MutexLock lock(pixelBufferMutex_);
-  if (const auto delegate = delegate_.lock()) delegate->onPixelBuffer(picture.pixelBuffer, picture.timestamp);
+  {
+    const zel::CallbackScope scope;
+    if (const auto delegate = delegate_.lock()) delegate->onPixelBuffer(picture.pixelBuffer, picture.timestamp);
+  }
   pixelBuffers_.append(std::make_shared<orq::MediaPixelBuffer>(picture.pixelBuffer, picture.timestamp));
 }
 

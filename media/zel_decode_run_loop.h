@@ -30,8 +30,10 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   ZELDecodeRunLoop(const ZELDecodeRunLoop&) = delete;
   ZELDecodeRunLoop& operator=(const ZELDecodeRunLoop&) = delete;
 
-  // Starts the thread; only the first call does. Thread: any thread.
-  void start();
+  // Starts the thread; only the first call does.
+  // Thread: any thread.
+  // Errors: false where no thread can be had.
+  bool start();
 
   // Ends the thread after the unit that it is at, without waiting; pictures that the decoder holds back still come.
   // Before the thread has begun to run its loop, this has no effect. Thread: any thread.

@@ -16,6 +16,10 @@ class Clock {
   // The current time. It may step backwards when the host's clock is corrected.
   virtual double absoluteTime() const = 0;
 
+  // Seconds since a moment of the clock's choice, which no correction of the host's clock changes. The default is for
+  // platforms whose wall clock is never corrected.
+  virtual double steadyTime() const { return absoluteTime(); }
+
   // Blocks the calling thread for that many seconds; returns at once for zero or less.
   virtual void sleepFor(double seconds) = 0;
 
@@ -32,9 +36,10 @@ class Clock {
   virtual std::int64_t localTimeOffset([[maybe_unused]] double absoluteTime) const { return 0; }
 };
 
+// Seconds as whole milliseconds, truncated toward zero.
+inline std::int64_t wholeMilliseconds(double seconds) { return static_cast<std::int64_t>(seconds * 1000.0); }
+
 // The current time in whole milliseconds since 1 January 2001 00:00:00 UTC, truncated toward zero.
-inline std::int64_t absoluteTimeMilliseconds(const Clock& clock) {
-  return static_cast<std::int64_t>(clock.absoluteTime() * 1000.0);
-}
+inline std::int64_t absoluteTimeMilliseconds(const Clock& clock) { return wholeMilliseconds(clock.absoluteTime()); }
 
 }  // namespace zel::platform

@@ -27,6 +27,7 @@ class ForwardingClock : public Clock {
   explicit ForwardingClock(Clock& wrapped) : wrapped_(wrapped) {}
 
   double absoluteTime() const override { return wrapped_.absoluteTime(); }
+  double steadyTime() const override { return wrapped_.steadyTime(); }
   void sleepFor(double seconds) override { wrapped_.sleepFor(seconds); }
   void acquire(std::binary_semaphore& semaphore) override { wrapped_.acquire(semaphore); }
   bool acquireFor(std::binary_semaphore& semaphore, double seconds) override {

@@ -31,8 +31,9 @@ struct Notification {
   }
 };
 
-// Keeps an observer registered. Destroying it removes the observer, which afterwards neither runs nor is running,
-// unless it is destroyed from inside the observer itself, which is allowed.
+// Keeps an observer registered. Destroying it removes the observer, which afterwards neither runs nor is running.
+// Destroyed from inside a callback, the observer itself among them, it does not wait: a call in progress on another
+// thread is then the last.
 class NotificationObservation {
  public:
   virtual ~NotificationObservation() = default;

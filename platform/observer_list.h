@@ -11,7 +11,8 @@
 namespace zel {
 
 // Keeps an observer registered for as long as it lives; movable, may outlive what it observes.
-// Afterwards the observer neither runs nor is running, unless the token is destroyed from inside the observer.
+// Afterwards the observer neither runs nor is running. Destroyed inside a callback, the token waits for nobody: a call
+// of the observer in progress on another thread may then still be running, and is the last.
 class Observation {
  public:
   Observation() = default;
@@ -35,7 +36,9 @@ class Observation {
 };
 
 // Observers called in the order of their addition, on the notifying thread, without the list's lock.
-// Thread: any thread. One observer is never called by two threads at once.
+//
+// Thread: any thread. One observer is never called by two threads at once. A thread that notifies from inside a
+//         callback does not wait for the other one: it leaves the call to it.
 template <class... Args>
 class ObserverList {
  public:
@@ -51,7 +54,12 @@ class ObserverList {
   }
 
   void notify(Args... args) {
-    for (const auto& entry : snapshot()) entry->gate.enter([&] { entry->observer(args...); });
+    for (const auto& entry : snapshot()) {
+      entry->gate.enter([entry, args...] {
+        const CallbackScope scope;
+        entry->observer(args...);
+      });
+    }
   }
 
  private:

@@ -8,9 +8,10 @@
 
 namespace zel::platform {
 
-// A running timer. Destroying it stops it: afterwards its task neither runs nor is running,
-// unless the timer is destroyed from inside the task itself, which is allowed.
-// Thread: destroy on any thread, but not while holding a lock that the task takes.
+// A running timer. Destroying it stops it: afterwards its task neither runs nor is running. Destroyed from inside a
+// callback, the task itself among them, it does not wait: a call in progress on another thread is then the last.
+//
+// Thread: destroy on any thread, but outside a callback not while holding a lock that the task takes.
 class Timer {
  public:
   virtual ~Timer() = default;
@@ -81,6 +82,7 @@ class Threads {
   virtual ~Threads() = default;
 
   // Starts a thread. `name` is what debuggers show.
+  // Errors: null where the host has no thread, descriptor or memory left; nothing of the body runs then.
   virtual std::unique_ptr<Thread> start(std::string name, ThreadBody body) = 0;
 
   // The run loop that the caller runs on. A thread that has none of its own is given the main run loop.

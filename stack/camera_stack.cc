@@ -10,9 +10,11 @@
 
 #include "capture/zel_ucd_file.h"
 #include "live/live_parts.h"
+#include "platform/call_gate.h"
 #include "platform/ports.h"
 #include "transport/camera_data_parser.h"
 #include "transport/camera_session.h"
+#include "transport/keep_alive.h"
 
 namespace zel {
 
@@ -20,7 +22,6 @@ namespace zel {
 struct CameraStack::Graph {
   Graph(const platform::Ports& given, std::string serialNumber)
       : ports(given),
-        parser(ports.clock),
         accessory(ports, parser, std::move(serialNumber)),
         ucdFile(std::make_shared<ZELUCDFile>([this](const ZELData& data) { accessory.writeData(data); },
                                              ports.queues.mainQueue())),
@@ -28,6 +29,9 @@ struct CameraStack::Graph {
         manager(accessory, ucd, ports.notifications) {
     parser.setUcdFile(ucdFile);
   }
+  ~Graph() { ucd.failEverything(); }  // what was sent while the stack went
+  Graph(const Graph&) = delete;
+  Graph& operator=(const Graph&) = delete;
 
   const platform::Ports ports;
   CameraDataParser parser;
@@ -39,12 +43,16 @@ struct CameraStack::Graph {
 
 CameraStack::CameraStack(const platform::Ports& ports, std::string serialNumber)
     : graph_(std::make_shared<Graph>(ports, std::move(serialNumber))) {
-  graph_->accessory.cameraSession().setKeepAlive(graph_);
+  const KeepAlive keepAlive{graph_};
+  graph_->accessory.setKeepAlive(keepAlive);
+  graph_->ucd.setKeepAlive(keepAlive);
 }
 
+// Inside a callback the session thread is not waited for: it may be waiting for that very callback.
 CameraStack::~CameraStack() {
   graph_->accessory.closeCamera();
-  graph_->accessory.cameraSession().waitForThreadEnd();
+  if (!insideCallback()) graph_->accessory.cameraSession().waitForThreadEnd();
+  graph_->ucd.failEverything();
   // Nothing comes to be decoded any more. Whoever still holds the player would keep its thread.
   if (const auto player = graph_->parser.previewPlayer()) player->resetPlayer();
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/call_gate.h"
+#include "platform/clock.h"
 #include "transport/frame.h"
 #include "transport/marker_search.h"
 #include "transport/resolution_table.h"
@@ -16,8 +18,6 @@ namespace {
 constexpr std::size_t kShortRead = 4096;
 
 }  // namespace
-
-CameraDataParser::CameraDataParser(const zel::platform::Clock& clock) : clock_(clock) {}
 
 void CameraDataParser::appendBytes(const std::uint8_t* bytes, std::size_t length) {
   forgetClearedBytes();
@@ -131,7 +131,10 @@ void CameraDataParser::startAfterMarker(std::size_t markerEnd) {
 }
 
 void CameraDataParser::parserDataWithUCDType(std::int32_t type, const std::uint8_t* data, std::size_t dataLen) {
-  route(type, {data, dataLen});
+  {
+    const zel::CallbackScope consumer;
+    route(type, {data, dataLen});
+  }
   if (accessory_ != nullptr) accessory_->receivedData();
 }
 
@@ -212,7 +215,7 @@ void CameraDataParser::parserMsg(const std::uint8_t* data, std::size_t dataLen) 
   if (dataLen < 2) return statistics_.dropped.shortMessage.add(1);
   const auto code = zel::loadLittleEndian<std::uint16_t>(data);
   if (dataLen >= 3 && code == zel::kSyncTimeReply && accessory_ != nullptr) {
-    accessory_->updateReceiveSyncTimeCmdTimestamp(zel::platform::absoluteTimeMilliseconds(clock_));
+    accessory_->updateReceiveSyncTimeCmdTimestamp(zel::platform::wholeMilliseconds(accessory_->absoluteTime()));
   }
   const auto record = msgParserDic_.find(code);
   if (!record) {

@@ -10,7 +10,6 @@
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
 
-#include "platform/clock.h"
 #include "platform/mutex.h"
 #include "transport/camera_msg_packet.h"
 #include "transport/camera_msg_parser.h"
@@ -29,7 +28,7 @@ class CameraDataParser final : public zel::InboundStream {
   // The de-multiplexer of the process-wide stack.
   static CameraDataParser& shareCameraDataParser();
 
-  explicit CameraDataParser(const zel::platform::Clock& clock);
+  CameraDataParser() = default;
   CameraDataParser(const CameraDataParser&) = delete;
   CameraDataParser& operator=(const CameraDataParser&) = delete;
 
@@ -125,7 +124,6 @@ class CameraDataParser final : public zel::InboundStream {
   void routeTimestamp(zel::ByteView payload);
   void routeFile(zel::ByteView payload);
 
-  const zel::platform::Clock& clock_;
   zel::AccessoryLink* accessory_ = nullptr;              // set before traffic starts
   zel::SyncDataRequester* syncDataRequester_ = nullptr;  // set before traffic starts
 

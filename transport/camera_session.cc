@@ -21,7 +21,7 @@ CameraSession::~CameraSession() {
 }
 
 bool CameraSession::openSessionWithAccessory(const std::shared_ptr<zel::platform::Accessory>& accessory,
-                                             std::string_view protocol) {
+                                             std::string_view protocol, const std::function<void()>& accepted) {
   std::uint64_t opening = 0;
   Connection closed;
   {
@@ -29,7 +29,7 @@ bool CameraSession::openSessionWithAccessory(const std::shared_ptr<zel::platform
     closed = takeCurrent(opening);
   }
   finishClosing(closed);
-  return openAs(opening, accessory, protocol);
+  return openAs(opening, accessory, protocol, accepted);
 }
 
 void CameraSession::closeSession() {
@@ -44,7 +44,7 @@ void CameraSession::closeSession() {
 
 CameraSession::Connection CameraSession::takeCurrent(std::uint64_t& opening) {
   opening = ++openings_;
-  mayStart_ = false;
+  mayBegin_ = false;
   return std::exchange(connection_, nullptr);
 }
 
@@ -55,17 +55,26 @@ void CameraSession::finishClosing(const Connection& closed) {
 }
 
 bool CameraSession::openAs(std::uint64_t opening, const std::shared_ptr<zel::platform::Accessory>& accessory,
-                           std::string_view protocol) {
-  if (!accessory) return false;
-  auto session = ports_.accessories.openSession(accessory, protocol);
-  if (!session) return false;
-  zel::ConnectionOwner& owner = *this;
-  const auto connection = std::make_shared<SessionConnection>(owner, parser_, std::move(session));
-  if (!install(opening, connection, accessory)) return false;
+                           std::string_view protocol, const std::function<void()>& accepted) {
+  const Connection connection = connect(accessory, protocol);
+  if (!connection) return false;
+  if (!install(opening, connection, accessory)) {
+    connection->close();
+    return false;
+  }
   accessory_.successCreateSession();
   resetParser();
-  startOrLeaveWaiting(connection);
-  return true;
+  return beginOrLeaveWaiting(connection, accepted);
+}
+
+// The thread is made before anybody hears of the session, so that there is nothing to take back where it cannot be.
+CameraSession::Connection CameraSession::connect(const std::shared_ptr<zel::platform::Accessory>& accessory,
+                                                 std::string_view protocol) {
+  if (!accessory) return nullptr;
+  auto session = ports_.accessories.openSession(accessory, protocol);
+  if (!session) return nullptr;
+  zel::ConnectionOwner& owner = *this;
+  return SessionConnection::create(owner, parser_, std::move(session), ports_.threads, keepAlive_.hold());
 }
 
 bool CameraSession::install(std::uint64_t opening, const Connection& connection,
@@ -77,23 +86,25 @@ bool CameraSession::install(std::uint64_t opening, const Connection& connection,
   return true;
 }
 
-void CameraSession::startOrLeaveWaiting(const Connection& connection) {
+bool CameraSession::beginOrLeaveWaiting(const Connection& connection, const std::function<void()>& accepted) {
   const MutexLock lock(mutex_);
-  if (connection_ != connection) return;
-  mayStart_ = true;
-  if (!running_) start(false);
+  if (connection_ != connection) return false;
+  if (accepted) accepted();
+  mayBegin_ = true;
+  if (!running_) begin(false);
+  return true;
 }
 
-void CameraSession::start(bool afterAnother) {
-  mayStart_ = false;
+void CameraSession::begin(bool afterAnother) {
+  mayBegin_ = false;
   running_ = connection_;
-  running_->start(ports_.threads, afterAnother, keepAlive_.lock());
+  running_->begin(afterAnother);
 }
 
 void CameraSession::threadEnded() {
   const MutexLock lock(mutex_);
   running_ = nullptr;
-  if (connection_ && mayStart_) start(true);
+  if (connection_ && mayBegin_) begin(true);
 }
 
 // The thread before may have delivered a last frame, or a last read, after this session was opened.
@@ -132,7 +143,7 @@ void CameraSession::reopen(const SessionConnection& failed) {
     accessory = sessionAccessory_;
   }
   finishClosing(closed);
-  openAs(opening, accessory, zel::kAccessoryProtocol);
+  openAs(opening, accessory, zel::kAccessoryProtocol, {});
 }
 
 bool CameraSession::isOpen() const { return current() != nullptr; }
@@ -161,7 +172,7 @@ void CameraSession::sendSyncTimeCmd() {
 }
 
 std::int64_t CameraSession::stampSyncTime() {
-  const std::int64_t now = zel::platform::absoluteTimeMilliseconds(ports_.clock);
+  const std::int64_t now = zel::platform::wholeMilliseconds(accessory_.absoluteTime());
   syncTimestamp_.store(now);
   return now;
 }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -12,13 +13,15 @@
 
 #include "platform/mutex.h"
 #include "platform/ports.h"
+#include "transport/keep_alive.h"
 #include "transport/roles.h"
 #include "transport/session_connection.h"
 
 // The byte stream to the camera: opens and closes it, queues what is written, reopens it after a stream error.
-// Each open session is a SessionConnection with a thread of its own; at most one of these threads runs at a time, since
-// a new one starts only when the one before has ended. That is why the de-multiplexer needs no lock. Thread: any
-// thread.
+// Each open session is a SessionConnection with a thread of its own; at most one of these threads reads and parses at a
+// time, since a new one begins only when the one before has ended. That is why the de-multiplexer needs no lock.
+//
+// Thread: any thread.
 class CameraSession final : zel::ConnectionOwner {
  public:
   // Owner: all arguments must outlive the object.
@@ -28,13 +31,15 @@ class CameraSession final : zel::ConnectionOwner {
   CameraSession(const CameraSession&) = delete;
   CameraSession& operator=(const CameraSession&) = delete;
 
-  // What a session thread keeps alive until it has ended. A stack names itself here, so that it may be let go from
-  // inside one of its own callbacks on the session thread. Set before the first opening.
-  void setKeepAlive(std::weak_ptr<void> keepAlive) { keepAlive_ = std::move(keepAlive); }
+  // What a session thread keeps alive until it has ended. Set before the first opening.
+  void setKeepAlive(const zel::KeepAlive& keepAlive) { keepAlive_ = keepAlive; }
 
-  // openSessionWithAccessory:protocol: - closes the current session and opens a new one.
-  // Errors: false when none could be created, or when another thread opened or closed meanwhile.
-  bool openSessionWithAccessory(const std::shared_ptr<zel::platform::Accessory>& accessory, std::string_view protocol);
+  // openSessionWithAccessory:protocol: - closes the current session and opens a new one. `accepted` is called once the
+  // session has been announced and stands, before its first byte is read, with a lock held: it must call nobody.
+  // Errors: false when no session or no thread could be had, when who was told of the session closed it again, or when
+  //         another thread opened or closed meanwhile.
+  bool openSessionWithAccessory(const std::shared_ptr<zel::platform::Accessory>& accessory, std::string_view protocol,
+                                const std::function<void()>& accepted = {});
 
   // Closes the current session, if any. The session thread is asked to end and not waited for; what is written from now
   // until the next opening is lost.
@@ -89,18 +94,19 @@ class CameraSession final : zel::ConnectionOwner {
   Connection takeCurrent(std::uint64_t& opening) ZEL_REQUIRES(mutex_);
   void finishClosing(const Connection& closed);
   bool openAs(std::uint64_t opening, const std::shared_ptr<zel::platform::Accessory>& accessory,
-              std::string_view protocol);
+              std::string_view protocol, const std::function<void()>& accepted);
+  Connection connect(const std::shared_ptr<zel::platform::Accessory>& accessory, std::string_view protocol);
   bool install(std::uint64_t opening, const Connection& connection,
                const std::shared_ptr<zel::platform::Accessory>& accessory);
-  void startOrLeaveWaiting(const Connection& connection);
-  void start(bool afterAnother) ZEL_REQUIRES(mutex_);
+  bool beginOrLeaveWaiting(const Connection& connection, const std::function<void()>& accepted);
+  void begin(bool afterAnother) ZEL_REQUIRES(mutex_);
   void resetParser();
   Connection current() const;
 
   const zel::platform::Ports ports_;
   zel::AccessoryLink& accessory_;
   zel::InboundStream& parser_;
-  std::weak_ptr<void> keepAlive_;         // set before the first opening
+  zel::KeepAlive keepAlive_;              // set before the first opening
   std::vector<std::uint8_t> readBuffer_;  // session thread only
   std::atomic<std::int64_t> syncTimestamp_ = 0;
   std::atomic<std::int32_t> syncTimeCount_ = 10;
@@ -111,6 +117,6 @@ class CameraSession final : zel::ConnectionOwner {
   std::uint64_t openings_ ZEL_GUARDED_BY(mutex_) = 0;  // changes whenever anybody opens or closes
   std::shared_ptr<zel::platform::Accessory> sessionAccessory_ ZEL_GUARDED_BY(mutex_);
   Connection connection_ ZEL_GUARDED_BY(mutex_);  // the open session
-  bool mayStart_ ZEL_GUARDED_BY(mutex_) = false;  // the open session is set up, and waits for the thread before it
-  Connection running_ ZEL_GUARDED_BY(mutex_);     // the one whose thread has not ended
+  bool mayBegin_ ZEL_GUARDED_BY(mutex_) = false;  // the open session is set up, and waits for the thread before it
+  Connection running_ ZEL_GUARDED_BY(mutex_);     // the one whose thread has begun and has not ended
 };

@@ -23,12 +23,13 @@ class PendingTable {
   // The announced request was not sent after all.
   void withdraw(const Key& key) { leave(entries_.find(key)); }
 
-  // Stores the handler of an announced request, or gives the answer that is already there for it.
-  [[nodiscard]] std::optional<Answer> put(const Key& key, const Handler& handler) {
+  // Stores the handler of an announced request, or gives the answer that is already there for it. `handler` is left
+  // with the one that was replaced, if any, for the owner to destroy without its lock.
+  [[nodiscard]] std::optional<Answer> put(const Key& key, std::optional<Handler>& handler) {
     const auto entry = entries_.find(key);
     std::optional<Answer> answer;
     if (entry->second.early.empty()) {
-      entry->second.handler = handler;
+      entry->second.handler.swap(handler);
     } else {
       answer = std::move(entry->second.early.front());
       entry->second.early.pop_front();

@@ -13,25 +13,39 @@ constexpr int kReadsPerBurst = 8;
 }  // namespace
 
 SessionConnection::SessionConnection(ConnectionOwner& owner, InboundStream& inbound,
-                                     std::unique_ptr<platform::AccessorySession> session)
-    : owner_(owner), inbound_(inbound), session_(std::move(session)) {}
+                                     std::unique_ptr<platform::AccessorySession> session,
+                                     std::shared_ptr<void> keepAlive)
+    : owner_(owner), inbound_(inbound), session_(std::move(session)), keepAlive_(std::move(keepAlive)) {}
 
-void SessionConnection::start(platform::Threads& threads, bool afterAnother, std::shared_ptr<void> keepAlive) {
-  afterAnother_ = afterAnother;
-  keepAlive_ = std::move(keepAlive);
-  const auto self = shared_from_this();
-  const MutexLock lock(threadMutex_);
-  thread_ =
-      threads.start("session thread", {.begin = [self](platform::RunLoop& runLoop) { self->runSessionThread(runLoop); },
-                                       .end = [self] { self->endSessionThread(); }});
+std::shared_ptr<SessionConnection> SessionConnection::create(ConnectionOwner& owner, InboundStream& inbound,
+                                                             std::unique_ptr<platform::AccessorySession> session,
+                                                             platform::Threads& threads,
+                                                             std::shared_ptr<void> keepAlive) {
+  const std::shared_ptr<SessionConnection> connection(
+      new SessionConnection(owner, inbound, std::move(session), std::move(keepAlive)));
+  return connection->startThread(threads) ? connection : nullptr;
 }
 
-void SessionConnection::runSessionThread(platform::RunLoop& runLoop) {
-  runLoop_ = &runLoop;
+bool SessionConnection::startThread(platform::Threads& threads) {
+  const auto self = shared_from_this();
+  const MutexLock lock(threadMutex_);
+  thread_ = threads.start("session thread", {.begin = [self](platform::RunLoop& runLoop) { self->runLoop_ = &runLoop; },
+                                             .end = [self] { self->endSessionThread(); }});
+  return thread_ != nullptr;
+}
+
+void SessionConnection::begin(bool afterAnother) {
+  afterAnother_ = afterAnother;
+  begun_.store(true);
+  performOnThread(&SessionConnection::runSessionThread);
+}
+
+void SessionConnection::runSessionThread() {
+  if (closed_.load()) return;  // the order to end follows
   if (afterAnother_) owner_.threadBeganAfterAnother();
   for (platform::Stream* stream : streams()) {
     stream->setDelegate(weak_from_this());
-    stream->scheduleInRunLoop(runLoop);
+    stream->scheduleInRunLoop(*runLoop_);
     stream->open();
   }
   writeStreamData();  // what was queued before there was a thread to write it
@@ -62,7 +76,7 @@ void SessionConnection::closeStreams() {
 void SessionConnection::endSessionThread() {
   closeStreams();  // again, because join() stops the loop without asking for a close
   const auto kept = std::move(keepAlive_);
-  owner_.threadEnded();
+  if (begun_.load()) owner_.threadEnded();
   join();  // lets go of the handle, which otherwise would keep this object, and this object it, for good
 }
 

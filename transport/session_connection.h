@@ -23,7 +23,7 @@ class SessionConnection;
 class ConnectionOwner {
  public:
   virtual void streamFailed(SessionConnection& connection) = 0;
-  // A session thread has begun after waiting for the one of the connection before.
+  // A session thread begins after waiting for the one of the connection before.
   virtual void threadBeganAfterAnother() = 0;
   // The last that the thread does to its owner.
   virtual void threadEnded() = 0;
@@ -40,19 +40,25 @@ class ConnectionOwner {
 
 // One open session with the camera: its streams, its outbound queue and its "session thread".
 // It lives as long as its thread does, which may be a little longer than the session keeps it: a session that closes
-// only asks the thread to end. Owner:  the owner and the inbound stream must outlive the thread. Thread: any thread for
-// the public operations, the session thread for the rest.
+// only asks the thread to end.
+//
+// Owner:  the owner and the inbound stream must outlive the thread.
+// Thread: any thread for the public operations, the session thread for the rest.
 class SessionConnection final : public platform::StreamDelegate,
                                 public std::enable_shared_from_this<SessionConnection> {
  public:
-  SessionConnection(ConnectionOwner& owner, InboundStream& inbound,
-                    std::unique_ptr<platform::AccessorySession> session);
+  // A connection whose thread exists and does nothing until begin(). `keepAlive` is let go as the thread's last act.
+  // Errors: null where no thread can be had.
+  static std::shared_ptr<SessionConnection> create(ConnectionOwner& owner, InboundStream& inbound,
+                                                   std::unique_ptr<platform::AccessorySession> session,
+                                                   platform::Threads& threads, std::shared_ptr<void> keepAlive);
   SessionConnection(const SessionConnection&) = delete;
   SessionConnection& operator=(const SessionConnection&) = delete;
 
-  // Starts the session thread. `afterAnother` tells that it had to wait for an earlier one; `keepAlive` is let go as
-  // the thread's last act.
-  void start(platform::Threads& threads, bool afterAnother, std::shared_ptr<void> keepAlive);
+  // Opens the streams on the session thread: from here on the camera is read. `afterAnother` tells that the thread of
+  // an earlier connection had to be waited for. To be called once at most; the owner hears of the end of a thread that
+  // has begun.
+  void begin(bool afterAnother);
 
   // Asks the session thread to close the streams and to end. It may still deliver what it is at.
   void close();
@@ -73,7 +79,11 @@ class SessionConnection final : public platform::StreamDelegate,
   void streamHandleEvent(platform::Stream& stream, platform::StreamEvent event) override;
 
  private:
-  void runSessionThread(platform::RunLoop& runLoop);
+  SessionConnection(ConnectionOwner& owner, InboundStream& inbound,
+                    std::unique_ptr<platform::AccessorySession> session, std::shared_ptr<void> keepAlive);
+
+  bool startThread(platform::Threads& threads);
+  void runSessionThread();
   void closeSesionThread();  // "Sesion" is the interface's spelling
   void endSessionThread();
   void closeStreams();
@@ -89,8 +99,9 @@ class SessionConnection final : public platform::StreamDelegate,
   InboundStream& inbound_;
   const std::unique_ptr<platform::AccessorySession> session_;
   platform::RunLoop* runLoop_ = nullptr;  // session thread only
-  bool afterAnother_ = false;             // session thread only, once started
-  std::shared_ptr<void> keepAlive_;       // session thread only, once started
+  std::atomic<bool> begun_ = false;
+  bool afterAnother_ = false;        // session thread only, once begun
+  std::shared_ptr<void> keepAlive_;  // session thread only, once the thread exists
   std::atomic<bool> closed_ = false;
   std::atomic<bool> writeScheduled_ = false;  // one request to write is enough for any number of queued frames
 

@@ -9,6 +9,8 @@
 #include "platform/ports.h"
 #include "transport/camera_data_parser.h"
 #include "transport/camera_session.h"
+#include "transport/keep_alive.h"
+#include "transport/link_clock.h"
 #include "transport/zel_tunnel_service.h"
 
 using zel::MutexLock;
@@ -39,6 +41,7 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
        std::string serial)
       : accessory(owner),
         ports(hostPorts),
+        clock(ports.clock),
         parser(cameraParser),
         serialNumber(std::move(serial)),
         session(ports, *this, cameraParser) {}
@@ -47,6 +50,7 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
   void receivedData() override { accessory.receivedData(); }
   std::int64_t firewareVersion() const override { return accessory.firewareVersion(); }
   std::int64_t timeOffset() const override { return accessory.timeOffset(); }
+  double absoluteTime() const override { return clock.absoluteTime(); }
   void sendSyncTimeCmd() override { accessory.sendSyncTimeCmd(); }
   void updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveTime) override {
     accessory.updateReceiveSyncTimeCmdTimestamp(receiveTime);
@@ -55,8 +59,10 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
 
   ZELCameraAccessory& accessory;
   const zel::platform::Ports ports;
+  zel::LinkClock clock;
   CameraDataParser& parser;
   const std::string serialNumber;  // empty: any camera
+  zel::KeepAlive keepAlive;        // set before the object is used
 
   // Read on any thread without a lock; written under linkMutex where two threads write.
   std::atomic<std::uint64_t> status = kClosed;
@@ -78,6 +84,7 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
   std::unique_ptr<zel::platform::Timer> detectTimer ZEL_GUARDED_BY(watchMutex);
   std::unique_ptr<zel::platform::NotificationObservation> connectObservation ZEL_GUARDED_BY(watchMutex);
   std::unique_ptr<zel::platform::NotificationObservation> disconnectObservation ZEL_GUARDED_BY(watchMutex);
+  std::atomic<std::uint64_t> watches = 0;  // changes whenever anybody opens or closes the camera
 
   CameraSession session;  // last but for the service: its thread uses all of the above
   ZELTunnelService tunnelService{session};
@@ -90,9 +97,15 @@ ZELCameraAccessory::ZELCameraAccessory(const zel::platform::Ports& ports, Camera
 }
 
 ZELCameraAccessory::~ZELCameraAccessory() {
+  impl_->keepAlive = {};  // what it was part of is going
   closeCamera();
   impl_->session.waitForThreadEnd();
   impl_->parser.setAccessory(nullptr);
+}
+
+void ZELCameraAccessory::setKeepAlive(const zel::KeepAlive& keepAlive) {
+  impl_->keepAlive = keepAlive;
+  impl_->session.setKeepAlive(keepAlive);
 }
 
 std::uint64_t ZELCameraAccessory::status() const { return impl_->status.load(); }
@@ -131,11 +144,12 @@ std::shared_ptr<ZELCameraAccessoryDelegate> ZELCameraAccessory::delegate() const
 }
 
 std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
-  auto& notifications = impl_->ports.notifications;
-  auto connect = notifications.observe(zel::platform::kAccessoryDidConnectNotification,
-                                       [this](const Notification& n) { accessoryDidConnectNotification(n); });
-  auto disconnect = notifications.observe(zel::platform::kAccessoryDidDisconnectNotification,
-                                          [this](const Notification& n) { accessoryDidDisconnectNotification(n); });
+  const auto held = impl_->keepAlive.hold();
+  auto connect = observe(zel::platform::kAccessoryDidConnectNotification,
+                         &ZELCameraAccessory::accessoryDidConnectNotification);
+  auto disconnect = observe(zel::platform::kAccessoryDidDisconnectNotification,
+                            &ZELCameraAccessory::accessoryDidDisconnectNotification);
+  const std::uint64_t watch = ++impl_->watches;
   {
     const MutexLock lock(impl_->watchMutex);
     std::swap(impl_->connectObservation, connect);
@@ -146,14 +160,24 @@ std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
   disconnect.reset();
   if (!watching) impl_->ports.accessories.registerForLocalNotifications();
   for (const auto& accessory : impl_->ports.accessories.connectedAccessories()) {
-    if (!connectCamera(accessory)) continue;
+    const bool connected = connectCamera(accessory);
+    if (impl_->watches.load() != watch) return nullptr;  // who was told of the session closed the camera
+    if (!connected) continue;
     openConnection();
     return ZELAccessoryInfo::initWithAccessory(*accessory);
   }
   return nullptr;
 }
 
+std::unique_ptr<zel::platform::NotificationObservation> ZELCameraAccessory::observe(
+    std::string_view name, void (ZELCameraAccessory::*handle)(const Notification&)) {
+  return impl_->ports.notifications.observe(
+      name, impl_->keepAlive.during([this, handle](const Notification& n) { (this->*handle)(n); }));
+}
+
 void ZELCameraAccessory::closeCamera() {
+  const auto held = impl_->keepAlive.hold();
+  ++impl_->watches;
   closeConnection();
   std::unique_ptr<zel::platform::NotificationObservation> connect;
   std::unique_ptr<zel::platform::NotificationObservation> disconnect;
@@ -166,15 +190,15 @@ void ZELCameraAccessory::closeCamera() {
 }
 
 bool ZELCameraAccessory::connectCamera(const std::shared_ptr<Accessory>& accessory) {
+  const auto held = impl_->keepAlive.hold();
   if (!accessory || !isWanted(*accessory)) return false;
   bool opened = false;
   // No early exit: an accessory that lists the protocol twice has its session opened twice, the second replacing the
   // first.
   for (const std::string& protocol : accessory->description().protocolStrings) {
     if (protocol != zel::kAccessoryProtocol) continue;
-    if (!impl_->session.openSessionWithAccessory(accessory, zel::kAccessoryProtocol)) continue;
-    setAccessoryInfo(ZELAccessoryInfo::initWithAccessory(*accessory));
-    opened = true;
+    const auto store = [&] { setAccessoryInfo(ZELAccessoryInfo::initWithAccessory(*accessory)); };
+    opened |= impl_->session.openSessionWithAccessory(accessory, zel::kAccessoryProtocol, store);
   }
   return opened;
 }
@@ -184,6 +208,7 @@ bool ZELCameraAccessory::isWanted(const Accessory& accessory) const {
 }
 
 void ZELCameraAccessory::accessoryDidConnectNotification(const Notification& notification) {
+  const auto held = impl_->keepAlive.hold();
   const auto accessory = notification.accessory(zel::platform::kAccessoryKey);
   if (!connectCamera(accessory)) return;
   openConnection();
@@ -192,6 +217,7 @@ void ZELCameraAccessory::accessoryDidConnectNotification(const Notification& not
 }
 
 void ZELCameraAccessory::accessoryDidDisconnectNotification(const Notification& notification) {
+  const auto held = impl_->keepAlive.hold();
   const auto accessory = notification.accessory(zel::platform::kAccessoryKey);
   const auto connected = accessoryInfo();
   if (!connected || !accessory) return;
@@ -213,6 +239,7 @@ void ZELCameraAccessory::openConnection() {
 }
 
 void ZELCameraAccessory::closeConnection() {
+  const auto held = impl_->keepAlive.hold();
   impl_->session.closeSession();
   setAccessoryInfo(nullptr);
   impl_->tunnelService.close();
@@ -229,7 +256,11 @@ void ZELCameraAccessory::closeConnection() {
 void ZELCameraAccessory::writeData(const ZELData& data) { impl_->session.writeData(data); }
 void ZELCameraAccessory::sendSyncTimeCmd() { impl_->session.sendSyncTimeCmd(); }
 
-void ZELCameraAccessory::successCreateSession() { setStatusWhileOpen(kOpen); }
+void ZELCameraAccessory::successCreateSession() {
+  impl_->clock.anchor();
+  setStatusWhileOpen(kOpen);
+}
+
 void ZELCameraAccessory::receivedData() { setStatusWhileOpen(kFlowing); }
 
 // Data has come, or a session has: the clock starts anew.
@@ -237,7 +268,7 @@ void ZELCameraAccessory::setStatusWhileOpen(std::uint64_t status) {
   {
     const MutexLock lock(impl_->linkMutex);
     if (!impl_->session.isOpen()) return;
-    impl_->lastReceivedDataTimer.store(impl_->ports.clock.absoluteTime());
+    impl_->lastReceivedDataTimer.store(impl_->clock.absoluteTime());
     if (impl_->status.exchange(status) == status) return;
   }
   impl_->statusObservers.notify(status);
@@ -245,7 +276,8 @@ void ZELCameraAccessory::setStatusWhileOpen(std::uint64_t status) {
 
 void ZELCameraAccessory::startDetectTimer() {
   stopDetectTimer();
-  auto timer = impl_->ports.threads.currentRunLoop().scheduleRepeating(kDetectPeriod, [this] { onDetectTimer(); });
+  auto timer = impl_->ports.threads.currentRunLoop().scheduleRepeating(
+      kDetectPeriod, impl_->keepAlive.during([this] { onDetectTimer(); }));
   const MutexLock lock(impl_->watchMutex);
   std::swap(impl_->detectTimer, timer);
 }
@@ -257,10 +289,11 @@ void ZELCameraAccessory::stopDetectTimer() {
 }
 
 void ZELCameraAccessory::onDetectTimer() {
+  const auto held = impl_->keepAlive.hold();
   const std::uint64_t seen = impl_->status.load();
   const double last = impl_->lastReceivedDataTimer.load();
   if (last < 0) return;  // closed, and this tick was already under way
-  const double silence = impl_->ports.clock.absoluteTime() - last;
+  const double silence = impl_->clock.absoluteTime() - last;
   if (seen == kOpen) {
     if (impl_->parser.isNeedDataSynchronism()) impl_->parser.sendSyncData();
     if (silence > kFirstFrameTimeout) replaceStatus(seen, kSilent);

@@ -23,10 +23,14 @@ struct LiveParts;
 // Everything that drives one camera: the accessory object, its session, the de-multiplexer and the commands, wired.
 // A host with one camera uses the class operations (ZELCameraAccessory::defaultCamera() and the like), which reach the
 // one process-wide stack; a host with several cameras builds several stacks.
+//
 // Owner:  the ports must outlive the stack.
-// Thread: destroy on any thread, even inside one of its own callbacks. Elsewhere the destructor closes the camera and
-//         waits for the session thread; hold no lock there that an observer takes. No observer or receiver is called
-//         after it; completion handlers are, on the main queue, where they still waited: with error 100.
+// Thread: destroy on any thread. Outside a callback the destructor closes the camera and waits for the session thread;
+//         hold no lock there that an observer takes, and no observer or receiver is called after it. Inside one of its
+//         own callbacks, of any kind and on any thread, it waits for nobody: what another thread is at may still be
+//         finishing.
+// Errors: every completion handler that still waits, of a request, a photo or an upload, is called on the main queue with
+//         error 100, once; a handler that a later one has replaced is not.
 class ZEL_EXPORT CameraStack {
  public:
   // serialNumber: the one camera to connect to; empty takes the first.

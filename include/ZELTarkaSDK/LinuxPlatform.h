@@ -31,11 +31,13 @@ class ZEL_EXPORT LinuxPlatform {
   // The folder that `accessoriesFolder` stands for (see Options).
   static std::string accessoriesFolder(const std::string& accessoriesFolder);
 
-  // Errors: null when the folder cannot be made, belongs to another user or can be written by others; `error` then
-  // names the folder, the fault and the remedy.
+  // Errors: null when the folder cannot be made, belongs to another user or can be written by others, `error` then
+  //         names the folder, the fault and the remedy; null when no descriptor or no memory is left, and `error` says so.
   static std::unique_ptr<LinuxPlatform> create(Options options, std::string& error);
 
-  // Waits for the threads that it started. Every stack built on the ports must be gone.
+  // Waits for the threads that it started.
+  // Owner:  every stack, player and live source built on the ports must be gone. Where one of their threads still runs
+  //         and nobody has told it to end within five seconds, the process ends with a message that names the thread.
   ~LinuxPlatform();
   LinuxPlatform(const LinuxPlatform&) = delete;
   LinuxPlatform& operator=(const LinuxPlatform&) = delete;
@@ -55,7 +57,8 @@ class ZEL_EXPORT LinuxPlatform {
   void drainMainQueue();
   // Hands main-queue work to the host's own executor instead: `executor` is called on any thread with each task and
   // runs it later on the host's main thread, in order. Set it before anything is posted.
-  void setMainQueueExecutor(std::function<void(std::function<void()>)> executor);
+  // Errors: false for an empty executor, where one has been set already, and where no thread can be had.
+  bool setMainQueueExecutor(std::function<void(std::function<void()>)> executor);
 
  private:
   struct State;

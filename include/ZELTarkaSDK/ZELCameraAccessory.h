@@ -18,8 +18,10 @@ class CameraSession;
 class ZELTunnelService;
 
 namespace zel {
+class KeepAlive;
 namespace platform {
 class Accessory;
+class NotificationObservation;
 struct Notification;
 struct Ports;
 }  // namespace platform
@@ -35,10 +37,12 @@ inline constexpr std::string_view kZELCameraDidDisConnectNotification = "ZELCame
 inline constexpr std::string_view kZELCameraConnectAccessoryKey = "ZELCameraConnectAccessoryKey";
 
 // The manager of the camera connection: finds the camera among the accessories, opens its session, watches that data
-// keeps coming and holds the clock offset. Units:  timeOffset in milliseconds; firewareVersion ("fireware" is the
-// interface's spelling) as the camera counts it. Thread: open, close and the accessory notifications on the main
-// thread, or any thread with a running run loop, which then
-//         carries the detect timer; the properties may be read on any thread.
+// keeps coming and holds the clock offset.
+//
+// Units:  timeOffset in milliseconds; firewareVersion ("fireware" is the interface's spelling) as the camera counts it.
+// Owner:  that of a stack may go with its stack inside any callback. One of the host's own is destroyed outside them.
+// Thread: open, close and the accessory notifications on the main thread, or any thread with a running run loop, which
+//         then carries the detect timer; the properties may be read on any thread.
 class ZEL_EXPORT ZELCameraAccessory {
  public:
   using StatusObserver = std::function<void(std::uint64_t)>;
@@ -58,6 +62,9 @@ class ZEL_EXPORT ZELCameraAccessory {
 
   // Calls the observer with each new value of `status`, on the thread that changes it. Two threads may change it at
   // nearly the same time; status() always tells the latest.
+  //
+  // Thread: one observer is never called by two threads at once. Where a change is made inside a callback while another
+  //         thread is in the observer, that thread makes the call, next.
   [[nodiscard]] zel::Observation observeStatus(StatusObserver observer);
 
   // The connected accessory, null when there is none.
@@ -83,7 +90,8 @@ class ZEL_EXPORT ZELCameraAccessory {
   // that is attached later is connected by itself.
   std::shared_ptr<const ZELAccessoryInfo> openCamera();
 
-  // Closes the connection and stops watching.
+  // Closes the connection and stops watching. Inside a callback it waits for nobody: an observer that runs on another
+  // thread may still be finishing.
   void closeCamera();
 
   // connectCamera: - takes the accessory if it speaks the camera's protocol and a session opens.
@@ -116,6 +124,9 @@ class ZEL_EXPORT ZELCameraAccessory {
   // simulatorConnectToHost:port: - does nothing; kept for hosts that call it.
   static void simulatorConnectToHost(std::string_view host, int port);
 
+  // What is held while this object calls out. Set by the stack, before the first opening.
+  void setKeepAlive(const zel::KeepAlive& keepAlive);
+
   CameraSession& cameraSession();
   ZELTunnelService& tunnelService();
 
@@ -125,6 +136,8 @@ class ZEL_EXPORT ZELCameraAccessory {
   void setStatusWhileOpen(std::uint64_t status);
   void replaceStatus(std::uint64_t from, std::uint64_t to);
   bool isWanted(const zel::platform::Accessory& accessory) const;
+  std::unique_ptr<zel::platform::NotificationObservation> observe(
+      std::string_view name, void (ZELCameraAccessory::*handle)(const zel::platform::Notification&));
 
   std::unique_ptr<Impl> impl_;
 };

@@ -20,6 +20,7 @@ class ZELCameraAccessory;
 class ZELUCDFile;
 
 namespace zel {
+class KeepAlive;
 class RequestEngine;
 struct Family;
 namespace platform {
@@ -66,6 +67,11 @@ class ZEL_EXPORT ZELCameraUCD {
   ~ZELCameraUCD();
   ZELCameraUCD(const ZELCameraUCD&) = delete;
   ZELCameraUCD& operator=(const ZELCameraUCD&) = delete;
+
+  // What is held while receivers are called. Set by the stack, before traffic starts.
+  void setKeepAlive(const zel::KeepAlive& keepAlive);
+  // The stack goes: every handler that waits gets 100, of requests, captures and uploads.
+  void failEverything();
 
   // -- The engine
 

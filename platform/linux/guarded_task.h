@@ -1,45 +1,49 @@
 #pragma once
 
+#include <memory>
 #include <utility>
 
 #include "platform/call_gate.h"
+#include "platform/mutex.h"
 #include "platform/task.h"
 
 namespace zel::platform {
 
 // A task that runs any number of times until it is closed. After close() it neither runs nor is running, unless
-// close() is called from inside it, and what it holds is released as soon as that call is over.
-// Thread: any thread; not while holding a lock that the task takes.
+// close() is called from inside a callback, the task itself among them; what it holds is released as soon as a call in
+// progress is over.
+//
+// Thread: any thread; outside a callback not while holding a lock that the task takes.
 class GuardedTask {
  public:
-  explicit GuardedTask(Task task) : task_(std::move(task)) {}
+  explicit GuardedTask(Task task) : task_(std::make_shared<const Task>(std::move(task))) {}
 
   // Returns whether the task may be called again.
   bool call() {
-    Task doomed;  // released outside the gate
-    bool again = false;
-    gate_.enter([&] {
-      running_ = true;
-      if (task_) task_();
-      running_ = false;
-      again = !closed_;
-      if (closed_) doomed = std::exchange(task_, nullptr);
-    });
-    return again;
+    if (const auto task = current()) {
+      gate_.enter([&] {
+        if (*task) (*task)();
+      });
+    }
+    return current() != nullptr;
   }
 
   void close() {
     gate_.close();
-    // From here on no other thread is, or will ever be, inside the gate: if the task still runs, it is the caller.
-    closed_ = true;
-    if (!running_) task_ = nullptr;
+    std::shared_ptr<const Task> doomed;  // released without the lock
+    const MutexLock lock(mutex_);
+    doomed.swap(task_);
   }
 
  private:
-  CallGate gate_;  // orders every access to the members below
-  Task task_;
-  bool running_ = false;
-  bool closed_ = false;
+  std::shared_ptr<const Task> current() {
+    const MutexLock lock(mutex_);
+    return task_;
+  }
+
+  CallGate gate_;
+  Mutex mutex_;
+  std::shared_ptr<const Task> task_ ZEL_GUARDED_BY(mutex_);  // null once it is closed
 };
 
 }  // namespace zel::platform

@@ -21,6 +21,10 @@ double LinuxClock::absoluteTime() const {
   return sinceUnixEpoch.count() - kEpoch;
 }
 
+double LinuxClock::steadyTime() const {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
 void LinuxClock::sleepFor(double seconds) {
   if (seconds > 0) std::this_thread::sleep_for(std::chrono::duration<double>(std::min(seconds, kLongestSleep)));
 }

@@ -8,6 +8,7 @@ namespace zel::platform {
 class LinuxClock final : public Clock {
  public:
   double absoluteTime() const override;
+  double steadyTime() const override;
   void sleepFor(double seconds) override;
   // By $TZ, else the machine's time zone, as they are at the call.
   std::int64_t localTimeOffset(double absoluteTime) const override;

@@ -1,6 +1,10 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -48,6 +52,9 @@ platform::Clock& lastingClock() {
   return *clock;
 }
 
+// How long a stack that went inside its own callback has to end its thread.
+constexpr std::chrono::seconds kPatience{5};
+
 void warnOnStandardError(const std::string& warning) { std::fprintf(stderr, "%s\n", warning.c_str()); }
 
 platform::LinuxAccessoryManager::Settings settingsOf(LinuxPlatform::Options options) {
@@ -66,10 +73,21 @@ struct LinuxPlatform::State {
 
   // Whatever still runs goes first, then what it may have used.
   ~State() {
-    threads.waitForEnds();
+    waitForThreads();
     mainRunLoop->stop();
     if (service.joinable()) service.join();
     mainRunLoop->discard();
+  }
+
+  // The thread of a stack or a player that is still there would be waited for without end.
+  void waitForThreads() {
+    const std::string name = threads.waitForEnds(kPatience);
+    if (name.empty()) return;
+    std::fprintf(stderr,
+                 "ZELTarkaSDK: the LinuxPlatform is destroyed while its thread \"%s\" runs; destroy every CameraStack, "
+                 "player and live source first\n",
+                 name.c_str());
+    std::abort();
   }
 
   const std::shared_ptr<LinuxRunLoop> mainRunLoop = LinuxRunLoop::create();
@@ -90,7 +108,12 @@ std::string LinuxPlatform::accessoriesFolder(const std::string& accessoriesFolde
 std::unique_ptr<LinuxPlatform> LinuxPlatform::create(Options options, std::string& error) {
   options.accessoriesFolder = accessoriesFolder(options.accessoriesFolder);
   if (!platform::prepareAccessoryFolder(options.accessoriesFolder, error)) return nullptr;
-  return std::unique_ptr<LinuxPlatform>(new LinuxPlatform(std::make_unique<State>(std::move(options))));
+  try {
+    return std::unique_ptr<LinuxPlatform>(new LinuxPlatform(std::make_unique<State>(std::move(options))));
+  } catch (const std::exception& fault) {  // no descriptor or no memory left for the main run loop
+    error = std::string("the main run loop cannot be made: ") + fault.what();
+    return nullptr;
+  }
 }
 
 LinuxPlatform::LinuxPlatform(std::unique_ptr<State> state) : state_(std::move(state)) {}
@@ -118,11 +141,17 @@ void LinuxPlatform::drainMainQueue() {
   if (!state_->service.joinable()) state_->mainRunLoop->drain();
 }
 
-void LinuxPlatform::setMainQueueExecutor(std::function<void(std::function<void()>)> executor) {
-  if (!executor || state_->service.joinable()) return;
+bool LinuxPlatform::setMainQueueExecutor(std::function<void(std::function<void()>)> executor) {
+  if (!executor || state_->service.joinable()) return false;
   state_->mainRunLoop->setExecutor(std::move(executor));
-  const platform::SignalMask noSignals;
-  state_->service = std::thread([loop = state_->mainRunLoop] { loop->run(); });
+  try {
+    const platform::SignalMask noSignals;
+    state_->service = std::thread([loop = state_->mainRunLoop] { loop->run(); });
+    return true;
+  } catch (const std::exception&) {
+    state_->mainRunLoop->setExecutor(nullptr);
+    return false;
+  }
 }
 
 }  // namespace zel

@@ -31,6 +31,9 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   void wakeUp() override;
   void stop() override;
 
+  // Whether the loop has been told to end.
+  bool isStopped() const { return stopped_.load(); }
+
   // Runs on the calling thread until stop() or leave(). A leave() that came before it ends it at once.
   void run();
   // Ends the current or the next run(); everything queued stays queued for the run after it.

@@ -2,10 +2,14 @@
 
 #include <pthread.h>
 
+#include <algorithm>
+#include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "platform/linux/signal_mask.h"
 
@@ -27,27 +31,49 @@ void runThread(const std::string& name, LinuxRunLoop& loop, const ThreadBody& bo
 // Threads that have not ended, whether or not somebody still holds them.
 class LiveThreads {
  public:
-  void enter() {
+  // Returns the thread's number.
+  std::uint64_t enter(const std::string& name, const std::shared_ptr<LinuxRunLoop>& loop) {
     const std::lock_guard lock(mutex_);
-    ++count_;
+    threads_.push_back({++entered_, name, loop});
+    return entered_;
   }
 
   // Told with the lock held: whoever waits may go on as soon as it is let go.
-  void leave() {
+  void leave(std::uint64_t number) {
     const std::lock_guard lock(mutex_);
-    --count_;
+    std::erase_if(threads_, [number](const One& one) { return one.number == number; });
     changed_.notify_all();
   }
 
-  void waitForNone() {
+  // A thread whose loop has been stopped ends by itself, however long its last call takes.
+  std::string waitForNone(std::chrono::milliseconds limit) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
     std::unique_lock lock(mutex_);
-    while (count_ != 0) changed_.wait(lock);
+    while (!threads_.empty()) {
+      const bool late = std::chrono::steady_clock::now() >= deadline;
+      const auto running = std::ranges::find_if(threads_, &One::isRunning);
+      if (late && running != threads_.end()) return running->name;
+      changed_.wait_for(lock, late ? limit : deadline - std::chrono::steady_clock::now());
+    }
+    return {};
   }
 
  private:
+  struct One {
+    std::uint64_t number = 0;
+    std::string name;
+    std::weak_ptr<LinuxRunLoop> loop;
+
+    bool isRunning() const {
+      const auto held = loop.lock();
+      return held && !held->isStopped();
+    }
+  };
+
   std::mutex mutex_;
   std::condition_variable changed_;
-  int count_ = 0;
+  std::vector<One> threads_;
+  std::uint64_t entered_ = 0;
 };
 
 namespace {
@@ -56,14 +82,19 @@ class LinuxThread final : public Thread {
  public:
   LinuxThread(const std::shared_ptr<LiveThreads>& live, const std::string& name, ThreadBody body) {
     const SignalMask noSignals;
-    live->enter();
-    // The thread touches nothing of the handle, which may be gone before it.
-    thread_ = std::thread([name, loop = loop_, live, kept = std::move(body)]() mutable {
-      runThread(name, *loop, kept);
-      kept = {};
-      loop = nullptr;
-      live->leave();
-    });
+    const std::uint64_t number = live->enter(name, loop_);
+    try {
+      // The thread touches nothing of the handle, which may be gone before it.
+      thread_ = std::thread([name, number, loop = loop_, live, kept = std::move(body)]() mutable {
+        runThread(name, *loop, kept);
+        kept = {};
+        loop = nullptr;
+        live->leave(number);
+      });
+    } catch (...) {
+      live->leave(number);
+      throw;
+    }
   }
 
   ~LinuxThread() override {
@@ -88,12 +119,19 @@ class LinuxThread final : public Thread {
 LinuxThreads::LinuxThreads(std::shared_ptr<LinuxRunLoop> mainRunLoop)
     : mainRunLoop_(std::move(mainRunLoop)), live_(std::make_shared<LiveThreads>()) {}
 
-LinuxThreads::~LinuxThreads() { waitForEnds(); }
+LinuxThreads::~LinuxThreads() {
+  while (!waitForEnds(std::chrono::hours(1)).empty()) continue;
+}
 
-void LinuxThreads::waitForEnds() { live_->waitForNone(); }
+std::string LinuxThreads::waitForEnds(std::chrono::milliseconds limit) { return live_->waitForNone(limit); }
 
+// A loop needs descriptors, a thread needs memory and a place among the system's threads; what is short throws.
 std::unique_ptr<Thread> LinuxThreads::start(std::string name, ThreadBody body) {
-  return std::make_unique<LinuxThread>(live_, name, std::move(body));
+  try {
+    return std::make_unique<LinuxThread>(live_, name, std::move(body));
+  } catch (const std::exception&) {
+    return nullptr;
+  }
 }
 
 RunLoop& LinuxThreads::currentRunLoop() {

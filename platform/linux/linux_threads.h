@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -10,15 +11,15 @@ namespace zel::platform {
 
 class LiveThreads;
 
-// Starts threads, and knows how many have not ended: one whose handle is destroyed on itself is waited for by nobody
-// else.
+// Starts threads, and knows which have not ended: one whose handle is destroyed on itself is waited for by nobody else.
 class LinuxThreads final : public Threads {
  public:
   explicit LinuxThreads(std::shared_ptr<LinuxRunLoop> mainRunLoop);
   ~LinuxThreads() override;
 
-  // Waits for every thread that it started.
-  void waitForEnds();
+  // Waits for every thread that it started. A thread that nobody has told to end is waited for that long at most.
+  // Errors: the name of one that still runs; empty where all have ended.
+  std::string waitForEnds(std::chrono::milliseconds limit);
 
   std::unique_ptr<Thread> start(std::string name, ThreadBody body) override;
   RunLoop& currentRunLoop() override;

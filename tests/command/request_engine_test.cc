@@ -20,6 +20,9 @@ constexpr char kYes[] = "1AC0 01";
 
 class RequestEngineTest : public CommandTest {
  protected:
+  // The stack, which outlives the log, would tell the photo of its end.
+  ~RequestEngineTest() override { stack.parser().setPhotoParser(nullptr); }
+
   RebackDic into(const std::string& who) {
     return [this, who](const std::optional<ZELMessageFields>& reply) {
       const auto error = reply ? reply->get<ZELError>("NSError") : std::nullopt;

@@ -115,8 +115,7 @@ class PreviewMemoryTest : public testing::Test {
   platform::LibavVideoDecoders decoders;
   RecordingLink link;
   std::shared_ptr<CountingDelegate> seen = std::make_shared<CountingDelegate>();
-  FixedClock clock;
-  CameraDataParser parser{clock};
+  CameraDataParser parser;
   std::shared_ptr<ZELPreviewPlayer> player;
 };
 

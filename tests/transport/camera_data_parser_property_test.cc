@@ -37,10 +37,9 @@ struct Receiver {
 
   bool inPlace = false;
   Log log;
-  FixedClock clock;
   RecordingLink link;
   std::shared_ptr<RecordingPlayer> player = std::make_shared<RecordingPlayer>(log);
-  CameraDataParser parser{clock};
+  CameraDataParser parser;
 };
 
 Bytes frame(std::uint16_t type, const Bytes& payload) {

@@ -45,10 +45,9 @@ class CameraDataParserTest : public testing::Test {
   }
 
   Log log;
-  FixedClock clock;
   RecordingLink link;
   std::shared_ptr<RecordingPlayer> player = std::make_shared<RecordingPlayer>(log);
-  CameraDataParser parser{clock};
+  CameraDataParser parser;
 };
 
 const Bytes kVideo = bytes({8, 0, 0, 0, 1, 0, 7, 9});      // length 8, type 1, payload 7 9
@@ -209,7 +208,7 @@ TEST_F(CameraDataParserTest, DropsAnUnregisteredCode) {
 }
 
 TEST_F(CameraDataParserTest, PassesTheTimeOfAClockReplyOfThreeBytes) {
-  clock.seconds = 123.4569;  // 123456 ms, truncated
+  link.seconds = 123.4569;  // 123456 ms, truncated
   receive(bytes({9, 0, 0, 0, 4, 0, 0x49, 0xC0, 0}));
   EXPECT_THAT(link.syncTimes, ElementsAre(123456));
   EXPECT_EQ(statistics().dropped.unregisteredCode, 0u);

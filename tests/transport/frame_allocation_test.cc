@@ -13,12 +13,6 @@
 namespace zel::test {
 namespace {
 
-class StillClock final : public platform::Clock {
- public:
-  double absoluteTime() const override { return 0; }
-  void sleepFor(double) override {}
-};
-
 class SilentPlayer final : public PreviewConsumer {
  public:
   void appendVideoBytes(ByteView) override { ++frames; }
@@ -51,6 +45,7 @@ class SilentLink final : public AccessoryLink {
   void receivedData() override {}
   std::int64_t firewareVersion() const override { return 192; }
   std::int64_t timeOffset() const override { return 0; }
+  double absoluteTime() const override { return 0; }
   void sendSyncTimeCmd() override {}
   void updateReceiveSyncTimeCmdTimestamp(std::int64_t) override {}
   void streamPositionLost() override {}
@@ -61,9 +56,8 @@ const Bytes kFrames = join(bytes({8, 0, 0, 0, 1, 0, 7, 9}), bytes({7, 0, 0, 0, 2
                            bytes({15, 0, 0, 0, 8, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0}), bytes({8, 0, 0, 0, 9, 0, 1, 2}));
 
 TEST(FrameAllocationTest, TakesNothingFromTheHeapForAFrameOfMediaPhotoTimeOrFile) {
-  StillClock clock;
   SilentLink link;
-  CameraDataParser parser(clock);
+  CameraDataParser parser;
   const auto player = std::make_shared<SilentPlayer>();
   const auto photo = std::make_shared<SilentPhoto>();
   const auto file = std::make_shared<SilentFile>();

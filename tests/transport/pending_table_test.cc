@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace zel::test {
 namespace {
@@ -17,7 +19,12 @@ class PendingTableTest : public testing::Test {
  protected:
   void store(int key, const std::string& handler) {
     table.announce(key);
-    EXPECT_EQ(table.put(key, handler), std::nullopt);
+    EXPECT_EQ(put(key, handler), std::nullopt);
+  }
+
+  std::optional<int> put(int key, std::string handler) {
+    std::optional<std::string> given(std::move(handler));
+    return table.put(key, given);
   }
 
   Table table;
@@ -36,10 +43,19 @@ TEST_F(PendingTableTest, ReplacesTheHandlerThatWaits) {
   EXPECT_EQ(table.take(1, 10), std::nullopt);
 }
 
+TEST_F(PendingTableTest, GivesBackTheHandlerThatIsReplaced) {
+  store(1, "a");
+  table.announce(1);
+  std::optional<std::string> handler("b");
+  EXPECT_EQ(table.put(1, handler), std::nullopt);
+  EXPECT_EQ(handler, "a");
+  EXPECT_EQ(table.take(1, 10), "b");
+}
+
 TEST_F(PendingTableTest, KeepsAnAnswerThatOvertakesTheHandler) {
   table.announce(1);
   EXPECT_EQ(table.take(1, 10), std::nullopt);
-  EXPECT_EQ(table.put(1, "a"), 10);
+  EXPECT_EQ(put(1, "a"), 10);
   EXPECT_EQ(table.take(1, 11), std::nullopt);
 }
 
@@ -47,7 +63,7 @@ TEST_F(PendingTableTest, KeepsOneAnswerForEachAnnouncedHandler) {
   table.announce(1);
   EXPECT_EQ(table.take(1, 10), std::nullopt);
   EXPECT_EQ(table.take(1, 11), std::nullopt);
-  EXPECT_EQ(table.put(1, "a"), 10);
+  EXPECT_EQ(put(1, "a"), 10);
   store(1, "b");
   EXPECT_EQ(table.take(1, 12), "b");
 }
@@ -56,7 +72,7 @@ TEST_F(PendingTableTest, GivesTheAnswerToTheHandlerThatAlreadyWaits) {
   store(1, "a");
   table.announce(1);
   EXPECT_EQ(table.take(1, 10), "a");
-  EXPECT_EQ(table.put(1, "b"), std::nullopt);
+  EXPECT_EQ(put(1, "b"), std::nullopt);
   EXPECT_EQ(table.take(1, 11), "b");
 }
 
@@ -64,8 +80,8 @@ TEST_F(PendingTableTest, ServesTwoThatAreAnnouncedAtOnce) {
   table.announce(1);
   table.announce(1);
   EXPECT_EQ(table.take(1, 10), std::nullopt);
-  EXPECT_EQ(table.put(1, "a"), 10);
-  EXPECT_EQ(table.put(1, "b"), std::nullopt);
+  EXPECT_EQ(put(1, "a"), 10);
+  EXPECT_EQ(put(1, "b"), std::nullopt);
   EXPECT_EQ(table.take(1, 11), "b");
 }
 
@@ -96,8 +112,8 @@ TEST_F(PendingTableTest, AnswersTheAnnouncedOnesWithTheRest) {
   table.announce(1);
   table.announce(2);
   EXPECT_THAT(table.takeAll(10), ElementsAre("a"));
-  EXPECT_EQ(table.put(1, "b"), 10);
-  EXPECT_EQ(table.put(2, "c"), 10);
+  EXPECT_EQ(put(1, "b"), 10);
+  EXPECT_EQ(put(2, "c"), 10);
 }
 
 TEST_F(PendingTableTest, ExpectsWhatHasNoAnswerYet) {

@@ -63,21 +63,16 @@ class RecordingLink final : public AccessoryLink {
   void receivedData() override { ++received; }
   std::int64_t firewareVersion() const override { return firmware; }
   std::int64_t timeOffset() const override { return offset; }
+  double absoluteTime() const override { return seconds; }
   void sendSyncTimeCmd() override { ++syncTimeCommands; }
   void updateReceiveSyncTimeCmdTimestamp(std::int64_t time) override { syncTimes.push_back(time); }
   void streamPositionLost() override { ++positionsLost; }
 
   std::int64_t firmware = 192;
   std::int64_t offset = 0;
+  double seconds = 0;
   int sessions = 0, received = 0, syncTimeCommands = 0, positionsLost = 0;
   std::vector<std::int64_t> syncTimes;
-};
-
-class FixedClock final : public platform::Clock {
- public:
-  double absoluteTime() const override { return seconds; }
-  void sleepFor(double) override {}
-  double seconds = 0;
 };
 
 }  // namespace zel::test

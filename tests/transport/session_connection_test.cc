@@ -47,14 +47,17 @@ class SessionConnectionTest : public testing::Test {
     platform::AccessoryDescription description;
     description.protocolStrings = {"com.zelcam.ucd"};
     camera = host.plug(description);
-    auto session = host.ports().accessories.openSession(camera, "com.zelcam.ucd");
-    connection = std::make_shared<SessionConnection>(owner, inbound, std::move(session));
+    connection = make(nullptr);
   }
 
   ~SessionConnectionTest() override { connection->join(); }
 
+  std::shared_ptr<SessionConnection> make(std::shared_ptr<void> keepAlive) {
+    auto session = host.ports().accessories.openSession(camera, "com.zelcam.ucd");
+    return SessionConnection::create(owner, inbound, std::move(session), host.ports().threads, std::move(keepAlive));
+  }
   void start(bool afterAnother = false) {
-    connection->start(host.ports().threads, afterAnother, nullptr);
+    connection->begin(afterAnother);
     host.runUntilIdle();
   }
   platform::ScriptedLink& link() { return *camera->current(); }
@@ -104,6 +107,39 @@ TEST_F(SessionConnectionTest, WritesWhatWasQueuedBeforeItsThreadBegan) {
   EXPECT_EQ(link().written(), bytes({1, 2}));
 }
 
+TEST_F(SessionConnectionTest, ReadsNothingBeforeItBegins) {
+  link().send(bytes({1, 2}));
+  host.runUntilIdle();
+  EXPECT_EQ(host.liveThreads("session thread"), 1);
+  EXPECT_THAT(inbound.parsed, testing::IsEmpty());
+  start();
+  EXPECT_EQ(inbound.received, bytes({1, 2}));
+}
+
+TEST_F(SessionConnectionTest, EndsAThreadThatNeverBeganWithoutTellingItsOwner) {
+  connection->close();
+  host.runUntilIdle();
+  EXPECT_EQ(host.liveThreads("session thread"), 0);
+  EXPECT_TRUE(link().isClosed());
+  EXPECT_EQ(owner.ended, 0);
+}
+
+class NoThreads final : public platform::Threads {
+ public:
+  explicit NoThreads(platform::Threads& platform) : platform_(platform) {}
+  std::unique_ptr<platform::Thread> start(std::string, platform::ThreadBody) override { return nullptr; }
+  platform::RunLoop& currentRunLoop() override { return platform_.currentRunLoop(); }
+
+ private:
+  platform::Threads& platform_;
+};
+
+TEST_F(SessionConnectionTest, IsNotMadeWhereThereIsNoThread) {
+  NoThreads none(host.ports().threads);
+  auto session = host.ports().accessories.openSession(camera, "com.zelcam.ucd");
+  EXPECT_EQ(SessionConnection::create(owner, inbound, std::move(session), none, nullptr), nullptr);
+}
+
 TEST_F(SessionConnectionTest, ReportsAStreamErrorOnce) {
   start();
   link().failReads();
@@ -134,8 +170,8 @@ TEST_F(SessionConnectionTest, ClosesItsStreamsWhenItIsJoinedWithoutAClose) {
 TEST_F(SessionConnectionTest, LetsGoOfWhatItKeptAliveWhenItsThreadEnds) {
   auto kept = std::make_shared<int>(1);
   const std::weak_ptr<int> watched = kept;
-  connection->start(host.ports().threads, false, std::move(kept));
-  host.runUntilIdle();
+  connection = make(std::move(kept));
+  start();
   EXPECT_FALSE(watched.expired());
   connection->close();
   host.runUntilIdle();
