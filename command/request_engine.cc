@@ -153,18 +153,26 @@ void RequestEngine::statusChanged(std::uint64_t status) {
 }
 
 void RequestEngine::addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver) {
+  if (!receiver) return;
+  auto added = std::make_shared<Receiver>();
+  added->object = std::move(receiver);
   const MutexLock lock(receiversMutex_);
-  if (receiver) notificationReceivers_.push_back(std::move(receiver));
+  notificationReceivers_.push_back(std::move(added));
 }
 
 void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver) {
-  decltype(notificationReceivers_) removed;  // they may go with the last reference, and not under the lock
-  const MutexLock lock(receiversMutex_);
-  std::erase_if(notificationReceivers_, [&](const auto& one) {
-    if (one.get() != receiver) return false;
-    removed.push_back(one);
-    return true;
-  });
+  decltype(notificationReceivers_) removed;  // they may go with the last reference, and not under a lock
+  {
+    const MutexLock lock(receiversMutex_);
+    std::erase_if(notificationReceivers_, [&](const auto& one) {
+      if (one->object.get() != receiver) return false;
+      one->removed.store(true);
+      removed.push_back(one);
+      return true;
+    });
+  }
+  if (insideCallback()) return;  // the receiver's call may wait for this very thread
+  const MutexLock delivered(deliveryMutex_);
 }
 
 // Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
@@ -172,9 +180,15 @@ void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver
 void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
   const auto held = keepAlive_.hold();
   const CallbackScope scope;
+  const MutexLock delivery(deliveryMutex_);
+  for (const auto& receiver : receivers()) {
+    if (!receiver->removed.load()) receiver->object->notificationType(type, value);
+  }
+}
+
+std::vector<std::shared_ptr<RequestEngine::Receiver>> RequestEngine::receivers() {
   const MutexLock lock(receiversMutex_);
-  const auto receivers = notificationReceivers_;
-  for (const auto& receiver : receivers) receiver->notificationType(type, value);
+  return notificationReceivers_;
 }
 
 void RequestEngine::post(RebackDic rebackBlock, const Answer& answer) {
@@ -182,11 +196,11 @@ void RequestEngine::post(RebackDic rebackBlock, const Answer& answer) {
 }
 
 std::function<void(const std::function<void(CameraDataParser&)>&)> RequestEngine::whileAlive() {
-  return [alive = alive_, keepAlive = keepAlive_,
-          &parser = parser_](const std::function<void(CameraDataParser&)>& step) {
-    const auto held = keepAlive.hold();
-    if (held) alive->enter([&] { step(parser); });
-  };
+  return
+      [alive = alive_, keepAlive = keepAlive_, &parser = parser_](const std::function<void(CameraDataParser&)>& step) {
+        const auto held = keepAlive.hold();
+        if (held) alive->enter([&] { step(parser); });
+      };
 }
 
 }  // namespace zel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -75,6 +76,8 @@ class RequestEngine final : public SyncDataRequester {
  private:
   using Answer = std::optional<ZELMessageFields>;
 
+  struct Receiver;
+
   void registerFamilies(Registered when);
   void registerFamily(const Family& family);
   void registerEvent(const CameraEvent& event);
@@ -86,6 +89,7 @@ class RequestEngine final : public SyncDataRequester {
   void wait(std::int64_t msgType, RebackDic rebackBlock);
   void post(RebackDic rebackBlock, const Answer& answer);
   static void failCapture(CameraDataParser& parser, int code);
+  std::vector<std::shared_ptr<Receiver>> receivers();
 
   ZELCameraAccessory& accessory_;
   CameraDataParser& parser_;
@@ -97,10 +101,16 @@ class RequestEngine final : public SyncDataRequester {
   Mutex mutex_;  // nothing is called with it held
   PendingTable<std::int64_t, RebackDic, Answer> msgBlockDic_ ZEL_GUARDED_BY(mutex_);
 
-  // Held while receivers are called, and so not the table's lock: a receiver that closes the camera waits for those who
-  // hear of the status, one of whom fails what is in the table. Recursive, because a receiver may cause an event.
-  RecursiveMutex receiversMutex_;
-  std::vector<std::shared_ptr<ZELCameraNotificationProtocol>> notificationReceivers_ ZEL_GUARDED_BY(receiversMutex_);
+  struct Receiver {
+    std::shared_ptr<ZELCameraNotificationProtocol> object;
+    std::atomic<bool> removed = false;  // hears nothing more
+  };
+
+  // Held while receivers are called, so that whoever removes one can wait for its call. Recursive, because a receiver
+  // may cause an event.
+  RecursiveMutex deliveryMutex_;
+  Mutex receiversMutex_;  // nothing is called with it held
+  std::vector<std::shared_ptr<Receiver>> notificationReceivers_ ZEL_GUARDED_BY(receiversMutex_);
 
   Observation statusObservation_;  // last: it ends before what it uses
 };

@@ -47,8 +47,8 @@ class ZEL_EXPORT CallGate {
 
   Mutex mutex_;
   std::condition_variable_any changed_;
-  int calls_ ZEL_GUARDED_BY(mutex_) = 0;             // in progress, one inside the other
-  std::thread::id caller_ ZEL_GUARDED_BY(mutex_);    // on this thread
+  int calls_ ZEL_GUARDED_BY(mutex_) = 0;           // in progress, one inside the other
+  std::thread::id caller_ ZEL_GUARDED_BY(mutex_);  // on this thread
   std::deque<std::function<void()>> handedOver_ ZEL_GUARDED_BY(mutex_);
   bool closed_ ZEL_GUARDED_BY(mutex_) = false;
 };

@@ -5,8 +5,9 @@
 
 namespace zel {
 
-// Whom an object is part of, to be held while the object calls out: the host may let go of the whole inside such a call.
-// A stack names itself to its parts. An object that belongs to nobody is destroyed by its owner, outside its calls.
+// Whom an object is part of, to be held while the object calls out: the host may let go of the whole inside such a
+// call. A stack names itself to its parts. An object that belongs to nobody is destroyed by its owner, outside its
+// calls.
 //
 // Thread: hold() on any thread; set before the object is used.
 class KeepAlive {

@@ -6,8 +6,8 @@
 
 namespace zel {
 
-// The time that a link lives by: the host's wall clock as it stood when the session was opened, carried on by the steady
-// clock. Setting the host's clock meanwhile neither hides a silence nor makes one.
+// The time that a link lives by: the host's wall clock as it stood when the session was opened, carried on by the
+// steady clock. Setting the host's clock meanwhile neither hides a silence nor makes one.
 //
 // Units:  seconds since 1 January 2001 UTC.
 // Thread: any thread.

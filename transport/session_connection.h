@@ -79,8 +79,8 @@ class SessionConnection final : public platform::StreamDelegate,
   void streamHandleEvent(platform::Stream& stream, platform::StreamEvent event) override;
 
  private:
-  SessionConnection(ConnectionOwner& owner, InboundStream& inbound,
-                    std::unique_ptr<platform::AccessorySession> session, std::shared_ptr<void> keepAlive);
+  SessionConnection(ConnectionOwner& owner, InboundStream& inbound, std::unique_ptr<platform::AccessorySession> session,
+                    std::shared_ptr<void> keepAlive);
 
   bool startThread(platform::Threads& threads);
   void runSessionThread();

@@ -145,8 +145,8 @@ std::shared_ptr<ZELCameraAccessoryDelegate> ZELCameraAccessory::delegate() const
 
 std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
   const auto held = impl_->keepAlive.hold();
-  auto connect = observe(zel::platform::kAccessoryDidConnectNotification,
-                         &ZELCameraAccessory::accessoryDidConnectNotification);
+  auto connect =
+      observe(zel::platform::kAccessoryDidConnectNotification, &ZELCameraAccessory::accessoryDidConnectNotification);
   auto disconnect = observe(zel::platform::kAccessoryDidDisconnectNotification,
                             &ZELCameraAccessory::accessoryDidDisconnectNotification);
   const std::uint64_t watch = ++impl_->watches;

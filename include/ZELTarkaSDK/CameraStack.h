@@ -29,7 +29,8 @@ struct LiveParts;
 //         hold no lock there that an observer takes, and no observer or receiver is called after it. Inside one of its
 //         own callbacks, of any kind and on any thread, it waits for nobody: what another thread is at may still be
 //         finishing.
-// Errors: every completion handler that still waits, of a request, a photo or an upload, is called on the main queue with
+// Errors: every completion handler that still waits, of a request, a photo or an upload, is called on the main queue
+// with
 //         error 100, once; a handler that a later one has replaced is not.
 class ZEL_EXPORT CameraStack {
  public:

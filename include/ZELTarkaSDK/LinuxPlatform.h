@@ -32,7 +32,8 @@ class ZEL_EXPORT LinuxPlatform {
   static std::string accessoriesFolder(const std::string& accessoriesFolder);
 
   // Errors: null when the folder cannot be made, belongs to another user or can be written by others, `error` then
-  //         names the folder, the fault and the remedy; null when no descriptor or no memory is left, and `error` says so.
+  //         names the folder, the fault and the remedy; null when no descriptor or no memory is left, and `error` says
+  //         so.
   static std::unique_ptr<LinuxPlatform> create(Options options, std::string& error);
 
   // Waits for the threads that it started.

@@ -100,7 +100,8 @@ class ZEL_EXPORT ZELCameraUCD {
   // addCameraNotificationReceiver: - the receiver hears of every event; one that is added twice hears twice.
   // Owner: held until it is removed.
   void addCameraNotificationReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver);
-  // removeCameraNotificationReceiver: - every addition of it. Afterwards it hears nothing and is not being called.
+  // removeCameraNotificationReceiver: - every addition of it. Afterwards it hears nothing and is not being called;
+  // inside a callback nobody is waited for, and a call in progress on another thread is the last.
   void removeCameraNotificationReceiver(const ZELCameraNotificationProtocol* receiver);
   // sendNotification:value: - hands an event to every receiver before it returns, in the order of their addition.
   void sendNotification(std::int64_t type, const std::optional<ZELMessageFields>& value);

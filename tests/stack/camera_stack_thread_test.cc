@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <barrier>
@@ -119,6 +120,34 @@ TEST_F(CameraStackThread, WritesFramesOfTwoThreadsWhole) {
     ASSERT_EQ(frame, frameOfAThousand(static_cast<std::uint8_t>(number)));
   }
   EXPECT_EQ(next, (std::array{kFrames, kFrames}));
+}
+
+// The clock can be measured only by who knows the firmware, and this camera's marker may be read before the opening has
+// returned.
+TEST_F(CameraStackThread, MeasuresTheClockOfACameraThatSendsItsMarkerAtOnce) {
+  constexpr int kConnections = 300;
+  const Bytes atOnce = join(kMarker, bytes({7, 0, 0, 0, 2, 0, 5}));
+  const Bytes exchange = bytes({0x10, 0, 0, 0, 4, 0, 0x49, 0x40});
+  const platform::UniqueDescriptor listener = listenAt(folder_.file("camera.sock"));
+  std::atomic<int> measured = 0;
+  std::thread camera([&] {
+    for (int connection = 0; connection < kConnections; ++connection) {
+      const platform::UniqueDescriptor host(accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+      send(host.get(), atOnce.data(), atOnce.size(), MSG_NOSIGNAL);
+      const Bytes heard = everythingFrom(host.get());
+      measured += std::search(heard.begin(), heard.end(), exchange.begin(), exchange.end()) != heard.end() ? 1 : 0;
+    }
+  });
+  plug("camera", 1);
+  CameraStack stack(ports());
+  for (std::uint64_t connection = 1; connection <= kConnections && !HasFailure(); ++connection) {
+    EXPECT_NE(stack.accessory().openCamera(), nullptr);
+    EXPECT_TRUE(eventually([&] { return stack.statistics().bytesWritten >= 16 * connection; })) << connection;
+    stack.accessory().closeCamera();
+  }
+  shutdown(listener.get(), SHUT_RDWR);  // where it has failed, nobody connects any more
+  camera.join();
+  EXPECT_EQ(measured.load(), kConnections);
 }
 
 // Counts events, and does something at one of them.

@@ -29,9 +29,9 @@ using testing::UnorderedElementsAre;
 const Bytes kFrame = bytes({7, 0, 0, 0, 2, 0, 5});
 const Bytes kBatteryEvent = bytes({10, 0, 0, 0, 4, 0, 0x03, 0x60, 1, 40});
 
-class Receiver final : public ZELCameraNotificationProtocol {
+class DestroyingReceiver final : public ZELCameraNotificationProtocol {
  public:
-  explicit Receiver(std::function<void()> act) : act_(std::move(act)) {}
+  explicit DestroyingReceiver(std::function<void()> act) : act_(std::move(act)) {}
   void notificationType(std::int64_t, const std::optional<ZELMessageFields>&) override { act_(); }
 
  private:
@@ -199,14 +199,14 @@ TEST_F(DestructionTest, InsideThePlatformsDepartureBeforeItIsHeard) {
 
 TEST_F(DestructionTest, InsideAnEvent) {
   openAndSynchronise();
-  stack->ucd().addCameraNotificationReceiver(std::make_shared<Receiver>(destroy));
+  stack->ucd().addCameraNotificationReceiver(std::make_shared<DestroyingReceiver>(destroy));
   send(kBatteryEvent);
   expectGone();
 }
 
 TEST_F(DestructionTest, InsideAnEventThatTheHostSendsItself) {
   openAndSynchronise();
-  stack->ucd().addCameraNotificationReceiver(std::make_shared<Receiver>(destroy));
+  stack->ucd().addCameraNotificationReceiver(std::make_shared<DestroyingReceiver>(destroy));
   stack->ucd().sendNotification(2, std::nullopt);
   expectGone();
 }
@@ -287,7 +287,8 @@ TEST_F(DestructionTest, InsideAMediaDelegate) {
   });
   player->setMediaDataDelegate(listener);
   openAndSynchronise();
-  for (const Bytes& frame : {videoFrame({0x67, 1}), videoFrame({0x68, 2}), videoFrame({0x65, 3}), videoFrame({0x41, 4})}) {
+  for (const Bytes& frame :
+       {videoFrame({0x67, 1}), videoFrame({0x68, 2}), videoFrame({0x65, 3}), videoFrame({0x41, 4})}) {
     send(frame);
   }
   expectGone();
@@ -297,7 +298,8 @@ TEST_F(DestructionTest, InsideASnapshotOnTheDecodeThread) {
   const auto player = stack->suitablePreviewPlayer();
   player->createSnapshot([this](const auto&) { destroy(); });
   openAndSynchronise();
-  for (const Bytes& frame : {videoFrame({0x67, 1}), videoFrame({0x68, 2}), videoFrame({0x65, 3}), videoFrame({0x41, 4})}) {
+  for (const Bytes& frame :
+       {videoFrame({0x67, 1}), videoFrame({0x68, 2}), videoFrame({0x65, 3}), videoFrame({0x41, 4})}) {
     send(frame);
   }
   expectGone();

@@ -130,6 +130,28 @@ TEST_F(LinuxThreadsTest, GoingWaitsForThreadsThatLostTheirHandle) {
   EXPECT_TRUE(ended.load());
 }
 
+TEST_F(LinuxThreadsTest, NamesAThreadThatNobodyTellsToEnd) {
+  EXPECT_EQ(threads_.waitForEnds(std::chrono::milliseconds(0)), "");
+  const auto kept = threads_.start("kept", {});
+  EXPECT_EQ(threads_.waitForEnds(std::chrono::milliseconds(0)), "kept");
+}
+
+TEST_F(LinuxThreadsTest, WaitsLongerForAThreadThatHasBeenToldToEnd) {
+  Event inside, release;
+  std::thread releasing;
+  {
+    const auto slow = threads_.start("slow", {.begin = {}, .end = [&] {
+                                                inside.set();
+                                                release.wait();
+                                              }});
+    slow->runLoop().stop();
+    ASSERT_TRUE(inside.wait());
+    releasing = std::thread([&] { release.set(); });
+    EXPECT_EQ(threads_.waitForEnds(std::chrono::milliseconds(0)), "");
+  }
+  releasing.join();
+}
+
 TEST_F(LinuxThreadsTest, ThreadsThatLostTheirHandleLeaveNothingBehind) {
   const std::size_t before = threadCount();
   for (int round = 0; round < 100; ++round) {

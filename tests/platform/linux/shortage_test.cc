@@ -1,0 +1,67 @@
+// What is left where the process has no descriptor more.
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <string>
+
+#include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/LinuxPlatform.h>
+
+#include "platform/linux/unique_descriptor.h"
+#include "tests/platform/linux/bus_fixture.h"
+
+namespace zel::test {
+namespace {
+
+// Lets the process open no further descriptor.
+class NoDescriptors {
+ public:
+  NoDescriptors() {
+    getrlimit(RLIMIT_NOFILE, &before_);
+    const platform::UniqueDescriptor next(dup(0));
+    rlimit none = before_;
+    none.rlim_cur = static_cast<rlim_t>(next.get());
+    setrlimit(RLIMIT_NOFILE, &none);
+  }
+  ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
+  NoDescriptors(const NoDescriptors&) = delete;
+  NoDescriptors& operator=(const NoDescriptors&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+using ShortageTest = BusFixture;
+
+TEST_F(ShortageTest, NoThreadIsMadeWithoutDescriptors) {
+  {
+    const NoDescriptors none;
+    EXPECT_EQ(ports().threads.start("late", {}), nullptr);
+  }
+  EXPECT_NE(ports().threads.start("in time", {}), nullptr);
+}
+
+TEST_F(ShortageTest, APlatformThatHasNoDescriptorSaysSo) {
+  const NoDescriptors none;
+  std::string error;
+  EXPECT_EQ(LinuxPlatform::create({.accessoriesFolder = folder_.path()}, error), nullptr);
+  EXPECT_EQ(error.rfind("the main run loop cannot be made: ", 0), 0u) << error;
+}
+
+// The platform's destructor waits for this thread, which nobody ends.
+TEST(LinuxPlatformDeathTest, NamesTheThreadThatIsLeftBehind) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  TemporaryFolder folder;
+  EXPECT_DEATH(
+      {
+        std::string error;
+        auto platform = LinuxPlatform::create({.accessoriesFolder = folder.path()}, error);
+        const auto thread = platform->ports().threads.start("session thread", {});
+        platform = nullptr;
+      },
+      "the LinuxPlatform is destroyed while its thread \"session thread\" runs; destroy every CameraStack");
+}
+
+}  // namespace
+}  // namespace zel::test
