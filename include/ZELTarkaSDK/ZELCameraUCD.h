@@ -169,7 +169,8 @@ class ZEL_EXPORT ZELCameraUCD {
 
   // msgReqBatteryWithRebackBlock: - power type, battery level.
   void msgReqBatteryWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint8_t> rebackBlock);
-  // msgReqGetCardStateWithRebackBlock: - state, and the camera's two 64-bit numbers, its free and whole space.
+  // msgReqGetCardStateWithRebackBlock: - state, then the card's whole and free space.
+  // Units: bytes.
   void msgReqGetCardStateWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint64_t, std::uint64_t> rebackBlock);
   // msgReqGetSerialNumber: - the text is absent where the camera's is not ASCII.
   void msgReqGetSerialNumber(TextBlock rebackBlock);
