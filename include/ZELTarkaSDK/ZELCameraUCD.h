@@ -100,10 +100,18 @@ class ZEL_EXPORT ZELCameraUCD {
   void sendNotification(std::int64_t type, const std::optional<ZELMessageFields>& value);
 
   // sendFileWithType:filePath:fileData:rebackBlock: - uploads a file. type: the camera's; filePath: its name there.
+  // A drive in it ("C:/") cuts its first three characters; where nothing is left of it, the handler is not kept.
   // Thread: the handler runs on the session thread where the camera's answer names the path, else on the main queue.
   void sendFileWithType(std::int64_t type, const Text& filePath, const ZELData& fileData, ErrorBlock rebackBlock);
 
-  // -- Preview and photos. photoData gets the picture, or the error that the command ended with.
+  // -- Preview and photos
+  //
+  // photoData gets the picture, or 100 where the link is lost before it comes. What the command itself ends with, it
+  // gets only where there is a rebackBlock: without one, a capture that is refused waits for a picture that never
+  // comes.
+  //
+  // The error goes to the capture in force once rebackBlock has returned. A capture that rebackBlock begins, as a
+  // retry, is that one: it is failed with the old error, and loses its picture. Begin it when photoData is called.
 
   // msgCmdStartVideoWithVideoRes:rebackBlock: - starts the preview stream of that resolution; the camera answers with
   // the one it chose. The preview player is reset before the handler is called.
