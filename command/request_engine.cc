@@ -157,6 +157,12 @@ void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver
   });
 }
 
+void RequestEngine::removeAllReceivers() {
+  decltype(notificationReceivers_) removed;  // as above
+  const MutexLock lock(receiversMutex_);
+  removed.swap(notificationReceivers_);
+}
+
 // Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
 // first, so that a receiver that changes it from inside, which it must not, does no harm.
 void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
