@@ -1,5 +1,6 @@
 #include "command/request_engine.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -164,11 +165,15 @@ void RequestEngine::removeAllReceivers() {
 }
 
 // Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
-// first, so that a receiver that changes it from inside, which it must not, does no harm.
+// first, so that a receiver that changes it from inside, which it must not, does no harm; one that it removed may be
+// gone, where nobody holds it.
 void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
   const MutexLock lock(receiversMutex_);
   const auto receivers = notificationReceivers_;
-  for (const auto& receiver : receivers) receiver->notificationType(type, value);
+  for (const auto& receiver : receivers) {
+    const bool isThere = std::ranges::find(notificationReceivers_, receiver) != notificationReceivers_.end();
+    if (isThere) receiver->notificationType(type, value);
+  }
 }
 
 void RequestEngine::post(RebackDic rebackBlock, const Answer& answer) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -120,6 +121,20 @@ TEST_F(AddedManagerTest, GoesWithTheCommandLayerThatHoldsIt) {
     own.addCameraNotificationReceiver(manager);
   }
   EXPECT_TRUE(seen.expired());
+}
+
+struct Acting final : ZELCameraNotificationProtocol {
+  explicit Acting(std::function<void()> given) : act(std::move(given)) {}
+  void notificationType(std::int64_t, const std::optional<ZELMessageFields>&) override { act(); }
+  const std::function<void()> act;
+};
+
+TEST_F(AddedManagerTest, HearsNothingOfTheEventInWhichItGoes) {
+  auto manager = made();
+  ucd().addCameraNotificationReceiver(std::make_shared<Acting>([&] { manager.reset(); }));
+  manager->registerForCameraNotifications();
+  answer("0460 0A");
+  EXPECT_EQ(posted, 0);
 }
 
 TEST_F(AddedManagerTest, EndsRegistrationsAndAdditionsAtOnce) {
