@@ -113,6 +113,8 @@ class ZEL_EXPORT ZELCameraUCD {
   // The error goes to the capture in force once rebackBlock has returned. A capture that rebackBlock begins, as a
   // retry, is that one: it is failed with the old error, and loses its picture. Begin it when photoData is called.
 
+  // setDemuxVideoRes: - has the de-multiplexer expect the preview of that resolution; starting it does so by itself.
+  void setDemuxVideoRes(std::uint64_t videoRes);
   // msgCmdStartVideoWithVideoRes:rebackBlock: - starts the preview stream of that resolution; the camera answers with
   // the one it chose. The preview player is reset before the handler is called.
   void msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackBlock);

@@ -170,6 +170,12 @@ TEST_F(OddRequestsTest, TakesNoHdrPhoto) {
   EXPECT_EQ(outcome.calls, 0);
 }
 
+TEST_F(OddRequestsTest, HasTheDemultiplexerExpectAResolutionWithoutAskingTheCamera) {
+  ucd().setDemuxVideoRes(14);
+  EXPECT_EQ(stack.parser().videoStreamRes(), 14u);
+  EXPECT_THAT(written(), IsEmpty());
+}
+
 TEST_F(OddRequestsTest, TellsTheDemultiplexerOfThePreviewsResolutionBeforeItAsks) {
   Log log;
   const auto player = std::make_shared<RecordingPlayer>(log);
