@@ -21,7 +21,7 @@ void SessionConnection::start(platform::Threads& threads, bool afterAnother, std
   keepAlive_ = std::move(keepAlive);
   const auto self = shared_from_this();
   const MutexLock lock(threadMutex_);
-  thread_ =
+  sessionThread_ =
       threads.start("session thread", {.begin = [self](platform::RunLoop& runLoop) { self->runSessionThread(runLoop); },
                                        .end = [self] { self->endSessionThread(); }});
 }
@@ -70,13 +70,13 @@ void SessionConnection::join() {
   std::unique_ptr<platform::Thread> thread;
   {
     const MutexLock lock(threadMutex_);
-    thread = std::move(thread_);
+    thread = std::move(sessionThread_);
   }
 }
 
 void SessionConnection::performOnThread(void (SessionConnection::*step)()) {
   const MutexLock lock(threadMutex_);
-  if (thread_) thread_->runLoop().perform([self = shared_from_this(), step] { (*self.*step)(); });
+  if (sessionThread_) sessionThread_->runLoop().perform([self = shared_from_this(), step] { (*self.*step)(); });
 }
 
 void SessionConnection::streamHandleEvent(platform::Stream&, platform::StreamEvent event) {
