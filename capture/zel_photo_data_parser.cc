@@ -23,13 +23,13 @@ constexpr std::size_t kShortestPayload = kNameField + 1;  // and one byte of ima
 // A camera that goes on sending after its series was answered does not fill the memory.
 constexpr std::size_t kPicturesAfterTheAnswer = 16;
 
-std::optional<std::string> fileName(zel::ByteView payload) {
+std::optional<std::string> nameIn(zel::ByteView payload) {
   const std::string_view field = zel::asText(payload.first(kNameField - 1));
   const std::string_view name = field.substr(0, field.find('\0'));
   return zel::isAscii(name) ? std::optional<std::string>(name) : std::nullopt;
 }
 
-ZELData image(zel::ByteView payload) { return ZELData(payload.subspan(kNameField)); }
+ZELData imageIn(zel::ByteView payload) { return ZELData(payload.subspan(kNameField)); }
 
 }  // namespace
 
@@ -46,44 +46,69 @@ std::unique_ptr<ZELPhotoDataParser> ZELPhotoDataParser::initWithAEBShutterCount(
 }
 
 void ZELPhotoDataParser::parserData(zel::ByteView bytes) {
-  const zel::MutexLock lock(mutex_);
-  if (auto* single = std::get_if<Single>(&capture_)) return parse(*single, bytes);
-  parse(std::get<Series>(capture_), bytes);
+  Answer answer;
+  {
+    const zel::MutexLock lock(mutex_);
+    if (auto* single = std::get_if<Single>(&capture_)) {
+      answer = parserShutterData(*single, bytes);
+    } else {
+      answer = parserShutterAEBData(std::get<Series>(capture_), bytes);
+    }
+  }
+  post(std::move(answer));
 }
 
 void ZELPhotoDataParser::replyBlockWithError(const ZELError& error) {
-  const zel::MutexLock lock(mutex_);
-  if (auto* single = std::get_if<Single>(&capture_)) return reply(*single, error, std::nullopt, std::nullopt);
-  reply(std::get<Series>(capture_), error);
-}
-
-void ZELPhotoDataParser::parse(Single& single, zel::ByteView bytes) {
-  if (!single.block) return;
-  if (bytes.size() < kShortestPayload) {
-    return reply(single, zelOSStatusError(kZELErrorRefused), std::nullopt, std::nullopt);
+  Answer answer;
+  {
+    const zel::MutexLock lock(mutex_);
+    if (auto* single = std::get_if<Single>(&capture_)) {
+      answer = replyShutterBlockWithError(*single, error, std::nullopt, std::nullopt);
+    } else {
+      answer = replyShutterAEBBlockWithError(std::get<Series>(capture_), error);
+    }
   }
-  reply(single, std::nullopt, fileName(bytes), image(bytes));
+  post(std::move(answer));
 }
 
-void ZELPhotoDataParser::parse(Series& series, zel::ByteView bytes) {
+void ZELPhotoDataParser::post(Answer answer) {
+  if (answer) mainQueue_.post(std::move(answer));
+}
+
+ZELPhotoDataParser::Answer ZELPhotoDataParser::parserShutterData(Single& single, zel::ByteView bytes) {
+  if (!single.shutterBlock) return nullptr;
   if (bytes.size() < kShortestPayload) {
-    reply(series, zelOSStatusError(kZELErrorRefused));
-  } else if (series.block || series.names.size() < series.count + kPicturesAfterTheAnswer) {
-    series.names.push_back(fileName(bytes).value_or(""));
-    series.images->append(image(bytes));
+    return replyShutterBlockWithError(single, zelOSStatusError(kZELErrorRefused), std::nullopt, std::nullopt);
   }
-  if (series.names.size() >= series.count) reply(series, std::nullopt);
+  return replyShutterBlockWithError(single, std::nullopt, nameIn(bytes), imageIn(bytes));
 }
 
-void ZELPhotoDataParser::reply(Single& single, const std::optional<ZELError>& error,
-                               const std::optional<std::string>& name, const std::optional<ZELData>& data) {
-  if (!single.block) return;
-  mainQueue_.post([block = std::exchange(single.block, nullptr), error, name, data] { block(error, name, data); });
+ZELPhotoDataParser::Answer ZELPhotoDataParser::parserShutterAEBData(Series& series, zel::ByteView bytes) {
+  if (bytes.size() < kShortestPayload) {
+    return replyShutterAEBBlockWithError(series, zelOSStatusError(kZELErrorRefused));
+  }
+  if (series.shutterAEBBlock || series.AEBFileNames.size() < series.aebPhotoCount + kPicturesAfterTheAnswer) {
+    series.AEBFileNames.push_back(nameIn(bytes).value_or(""));
+    series.AEBImageDatas->append(imageIn(bytes));
+  }
+  const bool complete = series.AEBFileNames.size() >= series.aebPhotoCount;
+  return complete ? replyShutterAEBBlockWithError(series, std::nullopt) : nullptr;
 }
 
-void ZELPhotoDataParser::reply(Series& series, const std::optional<ZELError>& error) {
-  if (!series.block) return;
-  mainQueue_.post([block = std::exchange(series.block, nullptr), error,
-                   names = error ? std::vector<std::string>() : series.names,
-                   images = error ? nullptr : series.images] { block(error, names, images); });
+ZELPhotoDataParser::Answer ZELPhotoDataParser::replyShutterBlockWithError(Single& single,
+                                                                          const std::optional<ZELError>& error,
+                                                                          const std::optional<std::string>& fileName,
+                                                                          const std::optional<ZELData>& imageData) {
+  if (!single.shutterBlock) return nullptr;
+  return [block = std::exchange(single.shutterBlock, nullptr), error, fileName, imageData] {
+    block(error, fileName, imageData);
+  };
+}
+
+ZELPhotoDataParser::Answer ZELPhotoDataParser::replyShutterAEBBlockWithError(Series& series,
+                                                                             const std::optional<ZELError>& error) {
+  if (!series.shutterAEBBlock) return nullptr;
+  return [block = std::exchange(series.shutterAEBBlock, nullptr), error,
+          names = error ? std::vector<std::string>() : series.AEBFileNames,
+          images = error ? nullptr : series.AEBImageDatas] { block(error, names, images); };
 }

@@ -33,25 +33,30 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
   void replyBlockWithError(const ZELError& error) override;
 
  private:
+  // `type` 0 and 1 of the interface.
   struct Single {
-    ZELPhotoBlock block;  // empty once it has been called
+    ZELPhotoBlock shutterBlock;  // empty once it has been called
   };
   struct Series {
-    std::size_t count = 0;
-    ZELPhotoSeriesBlock block;  // empty once it has been called
-    std::vector<std::string> names;
-    std::shared_ptr<ZELDataArray> images;
+    std::size_t aebPhotoCount = 0;
+    ZELPhotoSeriesBlock shutterAEBBlock;  // empty once it has been called
+    std::vector<std::string> AEBFileNames;
+    std::shared_ptr<ZELDataArray> AEBImageDatas;
   };
 
   ZELPhotoDataParser(zel::platform::Queue& mainQueue, std::variant<Single, Series> capture)
       : mainQueue_(mainQueue), capture_(std::move(capture)) {}
 
-  void parse(Single& single, zel::ByteView bytes) ZEL_REQUIRES(mutex_);
-  void parse(Series& series, zel::ByteView bytes) ZEL_REQUIRES(mutex_);
-  // Take the handler and schedule its one call.
-  void reply(Single& single, const std::optional<ZELError>& error, const std::optional<std::string>& name,
-             const std::optional<ZELData>& image) ZEL_REQUIRES(mutex_);
-  void reply(Series& series, const std::optional<ZELError>& error) ZEL_REQUIRES(mutex_);
+  // The one call of a handler, for the main queue; null where there is nothing to call.
+  using Answer = zel::platform::Task;
+  // Each takes the handler out where it answers. The answer is posted once the lock is let go.
+  static Answer parserShutterData(Single& single, zel::ByteView bytes);
+  static Answer parserShutterAEBData(Series& series, zel::ByteView bytes);
+  static Answer replyShutterBlockWithError(Single& single, const std::optional<ZELError>& error,
+                                           const std::optional<std::string>& fileName,
+                                           const std::optional<ZELData>& imageData);
+  static Answer replyShutterAEBBlockWithError(Series& series, const std::optional<ZELError>& error);
+  void post(Answer answer);
 
   zel::platform::Queue& mainQueue_;
   zel::Mutex mutex_;

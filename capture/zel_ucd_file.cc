@@ -66,7 +66,7 @@ void ZELUCDFile::sendFileWithType(std::int64_t type, const std::optional<std::st
   }
   const std::string path = normalisedPath(filePath.value_or(""));
   const ZELData frame = fileFrame(type, path, fileData.bytes());
-  const bool waits = filePath && rebackBlock;
+  const bool waits = !path.empty() && rebackBlock;  // an answer that names nothing is everybody's
   if (waits) {
     const zel::MutexLock lock(mutex_);
     blocks_.announce(path);

@@ -24,8 +24,9 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
       : writeData_(std::move(writeData)), mainQueue_(mainQueue) {}
 
   // sendFileWithType:filePath:fileData:rebackBlock: - sends the file as one frame. type: its low 16 bits go to the
-  // camera. filePath: what it shall be called there; a drive in it cuts its first three characters, and the camera gets
-  // at most its first 64 bytes. Without a path the answer, if any, goes to everybody.
+  // camera. filePath: what it shall be called there. A drive in it cuts its first three characters, wherever the drive
+  // stands: "C:/a" becomes "a", and "x/C:/a" becomes ":/a". The camera gets at most its first 64 bytes. Where nothing
+  // is left of the path, the handler is not kept and so never called; the answer, if any, goes to everybody who waits.
   // Thread: the handler runs on the session thread where the answer names the path, and on the main queue where it
   //         answers everybody or came before the call had returned.
   // Errors: 100 connection lost; 101 the camera failed, answered nonsense, or the file is larger than a frame can say.

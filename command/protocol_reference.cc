@@ -50,7 +50,7 @@ stream is lost.
 |---|---|---|
 | 1 | preview video: H.264 with start codes, cut anywhere | |
 | 2 | preview audio: AAC in ADTS | |
-| 3 | photo: UTF-8 name, zero-filled (64), then the image file | |
+| 3 | photo: ASCII name of at most 63 bytes, zero-filled (64), then the image file | |
 | 4 | message: code (2), then the body | the same |
 | 7 | data that was registered for | |
 | 8 | time stamp: stream (1: 0 video, any other audio), camera time in ms (8); from firmware 190 on | |

@@ -1,5 +1,6 @@
 #include "command/request_engine.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -175,8 +176,16 @@ void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver
   const MutexLock delivered(deliveryMutex_);
 }
 
+void RequestEngine::removeAllReceivers() {
+  decltype(notificationReceivers_) removed;  // as above
+  const MutexLock lock(receiversMutex_);
+  removed.swap(notificationReceivers_);
+  for (const auto& one : removed) one->removed.store(true);
+}
+
 // Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
-// first, so that a receiver that changes it from inside, which it must not, does no harm.
+// first, so that a receiver that changes it from inside, which it must not, does no harm; one that it removed may be
+// gone, where nobody holds it.
 void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
   const auto held = keepAlive_.hold();
   const CallbackScope scope;

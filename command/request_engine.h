@@ -55,6 +55,7 @@ class RequestEngine final : public SyncDataRequester {
 
   void addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver);
   void removeReceiver(const ZELCameraNotificationProtocol* receiver);
+  void removeAllReceivers();
   // Calls every receiver before it returns, with the receivers' lock held.
   void notify(std::int64_t type, const std::optional<ZELMessageFields>& value);
 

@@ -4,6 +4,7 @@
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELMessageKeys.h>
 
+#include <memory>
 #include <utility>
 
 #include "platform/notification_center.h"
@@ -21,27 +22,18 @@ std::int32_t powerType(std::uint8_t reported) { return reported == 1 || reported
 
 }  // namespace
 
-// What the command layer holds in the manager's stead, so that it does not keep the manager alive.
-class ZELCameraManager::Receiver final : public ZELCameraNotificationProtocol {
- public:
-  explicit Receiver(ZELCameraManager& manager) : manager_(manager) {}
-  void notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value) override {
-    manager_.notificationType(type, value);
-  }
-
- private:
-  ZELCameraManager& manager_;
-};
-
 ZELCameraManager::ZELCameraManager(ZELCameraAccessory& accessory, ZELCameraUCD& ucd,
                                    zel::platform::NotificationCenter& notifications)
-    : accessory_(accessory), ucd_(ucd), notifications_(notifications), receiver_(std::make_shared<Receiver>(*this)) {}
+    : accessory_(accessory), ucd_(ucd), notifications_(notifications) {}
 
 ZELCameraManager::~ZELCameraManager() { unRegisterForCameraNotifications(); }
 
-void ZELCameraManager::registerForCameraNotifications() { ucd_.addCameraNotificationReceiver(receiver_); }
+// The pointer owns nothing: what the command layer holds must not keep the manager, which removes itself as it goes.
+void ZELCameraManager::registerForCameraNotifications() {
+  ucd_.addCameraNotificationReceiver({std::shared_ptr<void>(), this});
+}
 
-void ZELCameraManager::unRegisterForCameraNotifications() { ucd_.removeCameraNotificationReceiver(receiver_.get()); }
+void ZELCameraManager::unRegisterForCameraNotifications() { ucd_.removeCameraNotificationReceiver(this); }
 
 void ZELCameraManager::notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value) {
   const auto post = [this](std::string_view name, zel::platform::NotificationUserInfo userInfo) {

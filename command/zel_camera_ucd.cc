@@ -27,7 +27,11 @@ ZELCameraUCD::ZELCameraUCD(ZELCameraAccessory& accessory, CameraDataParser& pars
   parser.setSyncDataRequester(engine_.get());
 }
 
-ZELCameraUCD::~ZELCameraUCD() { engine_->parser().setSyncDataRequester(nullptr); }
+// Receivers that are let go with it may remove themselves as they go: the engine is still whole then.
+ZELCameraUCD::~ZELCameraUCD() {
+  engine_->parser().setSyncDataRequester(nullptr);
+  engine_->removeAllReceivers();
+}
 
 void ZELCameraUCD::setKeepAlive(const zel::KeepAlive& keepAlive) { engine_->setKeepAlive(keepAlive); }
 

@@ -27,8 +27,10 @@ ZELMessageFields sensorFields(const ZELGpsData& gps, const ZELGyroData& gyro, co
 
 }  // namespace
 
+void ZELCameraUCD::setDemuxVideoRes(std::uint64_t videoRes) { engine_->parser().setVideoStreamRes(videoRes); }
+
 void ZELCameraUCD::msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackBlock) {
-  engine_->parser().setVideoStreamRes(videoRes);
+  setDemuxVideoRes(videoRes);
   // Even without a handler: the player must not mix the old stream with the new one.
   const auto resetting = [alive = engine_->whileAlive(), answer = takingApart(std::move(rebackBlock), ucharValue)](
                              const std::optional<ZELMessageFields>& reply) {

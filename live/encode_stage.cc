@@ -18,7 +18,7 @@ EncodeStage::Encoder EncodeStage::open(const platform::VideoEncoderSettings& set
 }
 
 void EncodeStage::append(LiveFrame frame) {
-  if (!queue_.append(std::move(frame))) dropped_.add(1);
+  if (!pixel_queue_.append(std::move(frame))) dropped_.add(1);
 }
 
 void EncodeStage::run(const std::function<bool()>& isOver, const std::function<void()>& whenFailed) {
@@ -33,9 +33,9 @@ void EncodeStage::run(const std::function<bool()>& isOver, const std::function<v
 
 // False when the fifth picture in a row has failed.
 bool EncodeStage::step() {
-  const LiveFrame frame = queue_.take();
+  const LiveFrame frame = pixel_queue_.take();
   if (!frame) {
-    queue_.waitForOne(clock_);
+    pixel_queue_.waitForOne(clock_);
     return true;
   }
   const bool success = encode(frame);

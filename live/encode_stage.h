@@ -42,7 +42,7 @@ class EncodeStage {
   void join() { encodeThreadJoinLock_.join(); }
 
   // Forgets the pictures that wait.
-  void clear() { queue_.clear(); }
+  void clear() { pixel_queue_.clear(); }
 
   // Pictures in a row, over all runs.
   std::int32_t encodeFailCount() const { return encodeFailCount_.get(); }
@@ -55,7 +55,7 @@ class EncodeStage {
 
   platform::Clock& clock_;
   platform::VideoEncoders* const encoders_;
-  FrameQueue queue_;
+  FrameQueue pixel_queue_;  // the interface's spelling
   Guarded<Encoder> encoder_;
   Relaxed<std::int32_t> encodeFailCount_ = 0;
   RelaxedCount dropped_ = 0, encoded_ = 0, notEncoded_ = 0;

@@ -22,7 +22,7 @@ class CurrentContext {
 }  // namespace
 
 void StitchStage::append(LiveFrame frame) {
-  if (!queue_.append(std::move(frame))) dropped_.add(1);
+  if (!pixel_render_queue_.append(std::move(frame))) dropped_.add(1);
 }
 
 void StitchStage::run(const std::function<bool()>& isOver, const std::function<void(LiveFrame)>& handOn) {
@@ -33,8 +33,8 @@ void StitchStage::run(const std::function<bool()>& isOver, const std::function<v
 }
 
 void StitchStage::step(const std::function<void(LiveFrame)>& handOn) {
-  const LiveFrame frame = queue_.take();
-  if (!frame) return queue_.waitForOne(clock_);
+  const LiveFrame frame = pixel_render_queue_.take();
+  if (!frame) return pixel_render_queue_.waitForOne(clock_);
   auto stitched = stitch(frame->pixelBuffer);
   (stitched ? stitched_ : notStitched_).add(1);
   if (stitched) handOn(std::make_shared<orq::MediaPixelBuffer>(std::move(stitched), frame->timestamp));

@@ -35,7 +35,7 @@ class StitchStage {
   void join() { renderLock_.join(); }
 
   // Forgets the pictures that wait.
-  void clear() { queue_.clear(); }
+  void clear() { pixel_render_queue_.clear(); }
 
   void copyStatistics(LiveStatistics& into) const;
 
@@ -51,7 +51,7 @@ class StitchStage {
   platform::Clock& clock_;
   platform::MediaLibrary* const library_;
   LiveSettings& settings_;
-  FrameQueue queue_;
+  FrameQueue pixel_render_queue_;  // the interface's spelling
   JoinLock renderLock_;
   RelaxedCount dropped_ = 0, stitched_ = 0, notStitched_ = 0;
 

@@ -21,7 +21,7 @@ void PreviewDecoding::offerPps(ByteView unit, const std::weak_ptr<ZELPixelBuffer
   {
     const MutexLock lock(mutex_);
     sets_.offerPps(unit);
-    if (loop_ || decoders_ == nullptr || !sets_.areComplete()) return;
+    if (decodeRunLoop_ || decoders_ == nullptr || !sets_.areComplete()) return;
     used = sets_;
   }
   start(used, delegate);
@@ -31,12 +31,12 @@ void PreviewDecoding::offerPps(ByteView unit, const std::weak_ptr<ZELPixelBuffer
 void PreviewDecoding::start(const ParameterSets& used, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate) {
   auto made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), delegate);
   const MutexLock lock(mutex_);
-  if (loop_ || !sets_.areThoseOf(used)) return;
+  if (decodeRunLoop_ || !sets_.areThoseOf(used)) return;
   if (!made || !made->start()) {
     sets_ = {};
     return;
   }
-  loop_ = std::move(made);
+  decodeRunLoop_ = std::move(made);
 }
 
 ParameterSets PreviewDecoding::sets() const {
@@ -44,30 +44,30 @@ ParameterSets PreviewDecoding::sets() const {
   return sets_;
 }
 
-std::shared_ptr<ZELDecodeRunLoop> PreviewDecoding::loop() const {
+std::shared_ptr<ZELDecodeRunLoop> PreviewDecoding::decodeRunLoop() const {
   const MutexLock lock(mutex_);
-  return loop_;
+  return decodeRunLoop_;
 }
 
 void PreviewDecoding::append(ZELDecodeRunLoop::Unit unit) {
-  if (const auto decoding = loop()) decoding->appendDecodeData(std::move(unit));
+  if (const auto decoding = decodeRunLoop()) decoding->appendDecodeData(std::move(unit));
 }
 
 ZELDecodeRunLoop::Picture PreviewDecoding::nextPicture() {
-  const auto decoding = loop();
+  const auto decoding = decodeRunLoop();
   return decoding ? decoding->getNextMediaPixelBuffer() : nullptr;
 }
 
 PreviewStatistics PreviewDecoding::statistics() const {
   const MutexLock lock(mutex_);
-  return loop_ ? sum(before_, loop_->statistics()) : before_;
+  return decodeRunLoop_ ? sum(before_, decodeRunLoop_->statistics()) : before_;
 }
 
 void PreviewDecoding::reset() {
   std::shared_ptr<ZELDecodeRunLoop> ended;  // let go after the lock
   const MutexLock lock(mutex_);
   sets_ = {};
-  ended.swap(loop_);
+  ended.swap(decodeRunLoop_);
   if (!ended) return;
   before_ = sum(before_, ended->statistics());
   ended->stop();

@@ -42,14 +42,14 @@ class PreviewDecoding {
 
  private:
   void start(const ParameterSets& used, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate);
-  std::shared_ptr<ZELDecodeRunLoop> loop() const;
+  std::shared_ptr<ZELDecodeRunLoop> decodeRunLoop() const;
 
   platform::Threads& threads_;
   platform::VideoDecoders* const decoders_;
 
   mutable Mutex mutex_;
   ParameterSets sets_ ZEL_GUARDED_BY(mutex_);
-  std::shared_ptr<ZELDecodeRunLoop> loop_ ZEL_GUARDED_BY(mutex_);
+  std::shared_ptr<ZELDecodeRunLoop> decodeRunLoop_ ZEL_GUARDED_BY(mutex_);
   PreviewStatistics before_ ZEL_GUARDED_BY(mutex_);  // of the loops before this one
 };
 

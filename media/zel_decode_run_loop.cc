@@ -34,12 +34,16 @@ bool ZELDecodeRunLoop::start() {
 
 void ZELDecodeRunLoop::stop() {
   const MutexLock lock(loopMutex_);
-  if (runLoop_ != nullptr) runLoop_->stop();
+  stopRunLoop();
 }
 
 void ZELDecodeRunLoop::abandon() {
   const MutexLock lock(loopMutex_);
   abandoned_ = true;
+  stopRunLoop();
+}
+
+void ZELDecodeRunLoop::stopRunLoop() {
   if (runLoop_ != nullptr) runLoop_->stop();
 }
 

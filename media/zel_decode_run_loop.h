@@ -61,6 +61,7 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
                    std::weak_ptr<ZELPixelBufferDataProtocol> delegate);
 
   void abandon() ZEL_EXCLUDES(loopMutex_);
+  void stopRunLoop() ZEL_REQUIRES(loopMutex_);
   void publish(zel::platform::RunLoop& runLoop) ZEL_EXCLUDES(loopMutex_);  // decode thread, before its loop runs
   void end() ZEL_EXCLUDES(pixelBufferMutex_, loopMutex_);                  // decode thread, after it
   void withdraw() ZEL_EXCLUDES(loopMutex_);

@@ -34,10 +34,10 @@ ZELH264Decoder::ZELH264Decoder(zel::platform::VideoDecoders& decoders, zel::Byte
 std::unique_ptr<ZELH264Decoder> ZELH264Decoder::initWidthSps(zel::platform::VideoDecoders& decoders, zel::ByteView sps,
                                                              zel::ByteView pps) {
   std::unique_ptr<ZELH264Decoder> decoder(new ZELH264Decoder(decoders, sps, pps));
-  return decoder->createDecompressionSession(decoder->sps_, decoder->pps_) ? std::move(decoder) : nullptr;
+  return decoder->createDecompressionSessionWithSps(decoder->sps_, decoder->pps_) ? std::move(decoder) : nullptr;
 }
 
-bool ZELH264Decoder::createDecompressionSession(zel::ByteView sps, zel::ByteView pps) {
+bool ZELH264Decoder::createDecompressionSessionWithSps(zel::ByteView sps, zel::ByteView pps) {
   DecoderCreation creation = decoders_.create(sps, pps);
   session_ = std::move(creation.decoder);
   if (!session_) printFailure(creation);
@@ -46,7 +46,7 @@ bool ZELH264Decoder::createDecompressionSession(zel::ByteView sps, zel::ByteView
 
 void ZELH264Decoder::recreateSession() {
   releaseDecompressionSession();
-  createDecompressionSession(sps_, pps_);
+  createDecompressionSessionWithSps(sps_, pps_);
 }
 
 DecodedPicture ZELH264Decoder::createPixelBufferUseDecodedData(zel::ByteView unit, std::int64_t timestamp) {

@@ -21,7 +21,7 @@ class ZELH264Decoder {
   ZELH264Decoder& operator=(const ZELH264Decoder&) = delete;
 
   // createDecompressionSessionWithSps:spsSize:pps:ppsSize: - false, and a line on standard error, where there is none.
-  bool createDecompressionSession(zel::ByteView sps, zel::ByteView pps);
+  bool createDecompressionSessionWithSps(zel::ByteView sps, zel::ByteView pps);
   void releaseDecompressionSession() { session_.reset(); }
 
   // createPixelBufferUseDecodedData:size: - as decodeFrame, but a unit below 4 bytes gives no picture and counts for

@@ -34,9 +34,9 @@ struct ZELPreviewPlayer::State {
       : firewareVersion(std::move(version)), decoding(ports) {}
 
   bool clocksRunByFrames() const { return firewareVersion() < kFirewareVersion190; }
-  void handle(const Unit& unit);
+  void decoderVideo(const Unit& unit);
   void handleSlice(const Unit& unit, bool keyFrame);
-  void handleAudio(ByteView frame);
+  void decoderAudioData(ByteView frame);
   void sendParameterSets();
   std::int64_t timeOfNextSlice();
   std::shared_ptr<ZELCameraMediaDataDelegate> mediaDelegate() const;
@@ -75,11 +75,11 @@ ZELPreviewPlayer::~ZELPreviewPlayer() { ZELPreviewPlayer::resetPlayer(); }
 void ZELPreviewPlayer::appendVideoBytes(ByteView bytes) {
   if (bytes.size() > kMostBytes) return;
   for (const Unit& unit : state_->h264NaluParser.AppendData(bytes.data(), static_cast<int>(bytes.size()))) {
-    state_->handle(unit);
+    state_->decoderVideo(unit);
   }
 }
 
-void ZELPreviewPlayer::State::handle(const Unit& unit) {
+void ZELPreviewPlayer::State::decoderVideo(const Unit& unit) {
   if (unit->size() < kShortestPreviewUnit) return;
   switch (zel::nalType(unit->data()[zel::kNalHeaderAt])) {
     case NalType::sps:
@@ -125,10 +125,10 @@ std::int64_t ZELPreviewPlayer::State::timeOfNextSlice() {
 // Audio
 
 void ZELPreviewPlayer::appendAudioBytes(ByteView bytes) {
-  zel::forEachAdtsFrame(bytes, [this](ByteView frame) { state_->handleAudio(frame); });
+  zel::forEachAdtsFrame(bytes, [this](ByteView frame) { state_->decoderAudioData(frame); });
 }
 
-void ZELPreviewPlayer::State::handleAudio(ByteView frame) {
+void ZELPreviewPlayer::State::decoderAudioData(ByteView frame) {
   const auto delegate = mediaDelegate();
   if (frame.size() < zel::kAdtsHeader || !delegate) return;
   delegate->onAACHeader(zel::audioSpecificConfig(frame));

@@ -176,6 +176,10 @@ constexpr Update kUpdates[] = {
 
 constexpr std::uint16_t kWithoutFlag[] = {0x0007, 0x0011, 0x000F, 0x0009, 0x000A, 0x4001, 0x4002, 0x400E};
 
+bool isIn(std::span<const std::uint16_t> codes, std::uint16_t code) {
+  return std::ranges::find(codes, code) != codes.end();
+}
+
 bool isTooNew(const CameraState& state, std::uint16_t code) {
   return state.firmware < kFirmwareWithClock && (code == kSetAudioBitrate || code == kGetAudioBitrate);
 }
@@ -201,8 +205,9 @@ std::optional<Bytes> answerAtOnce(CameraState& state, const Storage& storage, st
   return fits ? question->answer(state, body) : refusal(code);
 }
 
-Bytes refusal(std::uint16_t code) {
-  return std::ranges::find(kWithoutFlag, code) != std::end(kWithoutFlag) ? Bytes() : kRefused;
-}
+// The clock's answer is a time. Only a refusal of it is a flag.
+bool hasFlag(std::uint16_t code) { return code != kSyncTime && !isIn(kWithoutFlag, code); }
+
+Bytes refusal(std::uint16_t code) { return isIn(kWithoutFlag, code) ? Bytes() : kRefused; }
 
 }  // namespace zel::simulator

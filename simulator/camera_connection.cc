@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "simulator/camera_answers.h"
+#include "simulator/reply_faults.h"
 
 namespace zel::simulator {
 namespace {
@@ -11,6 +12,7 @@ namespace {
 constexpr std::size_t kQueueForMedia = 1024 * 1024;     // bytes waiting, above which a picture is dropped
 constexpr std::size_t kQueueForAll = 64 * 1024 * 1024;  // a host that asks and never reads is let go
 constexpr double kHeartbeat = 0.5;                      // seconds
+constexpr double kToFirstPicture = 0.1;                 // seconds that the camera's encoder takes
 constexpr std::size_t kPhoneTime = 8;                   // bytes, which the camera has no use for
 constexpr int kPicturesBeforeFault = 20;
 constexpr double kLook = 0.002;        // seconds between two looks at a clock that somebody else moves
@@ -32,9 +34,9 @@ CameraConnection::CameraConnection(Socket socket, ConnectionSetup setup)
 void CameraConnection::start() {
   // The host sees a stream that was already under way: the rest of a frame whose beginning nobody heard.
   send(source_.tornFrame());
+  if (setup_.faults->earlyMarker) sendMarker();
   receive();
-  beginMedia();
-  sendMedia();
+  sendHeartbeats();
   if (setup_.faults->stall) stallEverySoOften();
 }
 
@@ -79,22 +81,24 @@ void CameraConnection::answer(const HostMessage& request) {
 }
 
 void CameraConnection::answerSyncData(const HostMessage& request) {
-  const Bytes marker(std::begin(kMarkerBytes), std::end(kMarkerBytes));
-  if (request.body != marker) return reply(kSyncData, {0});
-  if (!std::exchange(markerSent_, true)) {
-    Bytes garbage(setup_.faults->garbage);
-    for (auto& byte : garbage) byte = static_cast<std::uint8_t>(random_());
-    send(std::move(garbage));
-    send(marker);
-  }
+  if (!std::ranges::equal(request.body, kMarkerBytes)) return reply(kSyncData, {0});
+  if (!markerSent_) sendMarker();
   reply(kSyncData, {1});
+}
+
+void CameraConnection::sendMarker() {
+  markerSent_ = true;
+  Bytes garbage(setup_.faults->garbage);
+  for (auto& byte : garbage) byte = static_cast<std::uint8_t>(random_());
+  send(std::move(garbage));
+  send(copyOf(kMarkerBytes));
 }
 
 // The camera counts its media time from here, so that the host's offset is the moment of this exchange.
 void CameraConnection::answerSyncTime(const HostMessage& request) {
   if (request.body.size() != kPhoneTime) return reply(kSyncTime, refusal(kSyncTime));
   clockStart_ = mediaSeconds();
-  media_->startClock(sinceMediaBegan());
+  if (media_) media_->startClock(sinceMediaBegan());
   const auto answerNow = [this] {
     Bytes body;
     put(body, static_cast<std::uint64_t>(mediaTime()));
@@ -111,14 +115,24 @@ void CameraConnection::reply(std::uint16_t code, Bytes body) {
 }
 
 void CameraConnection::sendReply(std::uint16_t code, const Bytes& body) {
-  const Bytes whole = message(code | kReplyBit, setup_.faults->shortReply.contains(code) ? Bytes() : body);
+  const Bytes whole = message(code | kReplyBit, replyAfterFaults(*setup_.faults, code, body, random_));
   send(whole);
   if (setup_.faults->duplicateReply.contains(code)) send(whole);
 }
 
 void CameraConnection::startPreview(int) {
-  beginMedia();
-  previewing_ = true;
+  stopPreview();
+  wait(steady(kToFirstPicture), [this, preview = preview_] {
+    if (preview != preview_) return;
+    beginMedia();
+    sendMedia(preview);
+  });
+}
+
+void CameraConnection::stopPreview() {
+  ++preview_;
+  media_.reset();
+  nextFrame_.reset();
 }
 
 std::int64_t CameraConnection::mediaTime() const {
@@ -136,27 +150,22 @@ void CameraConnection::beginMedia() {
   media.faults = setup_.faults->media;
   media.seed = setup_.seed;
   mediaStart_ = mediaSeconds();
-  nextFrame_.reset();
   media_.emplace(std::move(media));
   media_->startClock(-static_cast<double>(mediaTime()) / 1000);
 }
 
-void CameraConnection::sendMedia() {
-  double pause = kHeartbeat;
-  if (previewing_) {
-    const double now = sinceMediaBegan();
-    for (; nextFrame_ && nextFrame_->due <= now; nextFrame_ = media_->next(now)) sendMediaFrame(*nextFrame_);
-    if (!nextFrame_) nextFrame_ = media_->next(now);
-    pause = nextFrame_ ? std::max(0.0, nextFrame_->due - now) : kMakingPause;
-    if (setup_.mediaSeconds) pause = kLook;  // nobody knows how long that clock takes to the next frame
-  } else {
-    send(source_.heartbeat(mediaTime()));
-  }
-  wait(steady(pause), [this] { sendMedia(); });
+void CameraConnection::sendMedia(std::uint64_t preview) {
+  if (preview != preview_) return;
+  const double now = sinceMediaBegan();
+  for (; nextFrame_ && nextFrame_->due <= now; nextFrame_ = media_->next(now)) sendMediaFrame(*nextFrame_);
+  if (!nextFrame_) nextFrame_ = media_->next(now);
+  double pause = nextFrame_ ? std::max(0.0, nextFrame_->due - now) : kMakingPause;
+  if (setup_.mediaSeconds) pause = kLook;  // nobody knows how long that clock takes to the next frame
+  wait(steady(pause), [this, preview] { sendMedia(preview); });
 }
 
 void CameraConnection::sendMediaFrame(const MediaFrame& media) {
-  if (queued_ > kQueueForMedia) return;
+  if (queued_ > kQueueForMedia || (media.sound && !sound_)) return;
   send(frame(media.type, media.payload));
   if (media.type != kVideo) return;
   ++pictures_;
@@ -180,6 +189,14 @@ void CameraConnection::sendImpossibleLengths() {
     --faults.length4GiB;
     send({0xFF, 0xFF, 0xFF, 0xFF, 1, 0});
   }
+}
+
+void CameraConnection::sendHeartbeats() {
+  if (!nextFrame_) {
+    send(source_.heartbeat(mediaTime()));
+    if (setup_.faults->unknownTypes) send(source_.unknownFrame());
+  }
+  wait(steady(kHeartbeat), [this] { sendHeartbeats(); });
 }
 
 void CameraConnection::stallEverySoOften() {

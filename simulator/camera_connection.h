@@ -36,9 +36,11 @@ struct ConnectionSetup {
   std::function<double()> mediaSeconds;  // as SimulatorOptions has it
 };
 
-// The camera's end of one connection: sends its preview from the moment it is connected, beginning inside a frame, and
-// brings the host's requests to the camera. Media is dropped while the host does not read; answers are not. While the
-// preview is stopped, a time stamp now and then shows that the camera is there. Thread: that of the io_context.
+// The camera's end of one connection: begins inside a frame, and brings the host's requests to the camera. Pictures are
+// sent from the preview's start to its stop, sound with them while it is switched on; both are off at first. Otherwise
+// a time stamp now and then shows that the camera is there. Media is dropped while the host does not read; answers are
+// not.
+// Thread: that of the io_context.
 class CameraConnection final : public HostLink, public std::enable_shared_from_this<CameraConnection> {
  public:
   using Socket = asio::local::stream_protocol::socket;
@@ -55,7 +57,8 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   void reply(std::uint16_t code, Bytes body) override;
   void send(Bytes frame) override;
   void startPreview(int resolution) override;
-  void stopPreview() override { previewing_ = false; }
+  void stopPreview() override;
+  void switchSound(bool on) override { sound_ = on; }
   std::int64_t mediaTime() const override;
 
  private:
@@ -65,14 +68,16 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   void take(HostFrame frame);
   void answer(const HostMessage& request);
   void answerSyncData(const HostMessage& request);
+  void sendMarker();
   void answerSyncTime(const HostMessage& request);
   void sendReply(std::uint16_t code, const Bytes& body);
   void beginMedia();
-  void sendMedia();
+  void sendMedia(std::uint64_t preview);
   void sendMediaFrame(const MediaFrame& frame);
   double mediaSeconds() const;
   double sinceMediaBegan() const;
   void sendImpossibleLengths();
+  void sendHeartbeats();
   void stallEverySoOften();
   void write();
   std::size_t nextPiece();
@@ -81,7 +86,7 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   Socket socket_;
   const ConnectionSetup setup_;
   FrameSource source_;
-  std::optional<MediaSource> media_;
+  std::optional<MediaSource> media_;  // while pictures are sent
   std::optional<MediaFrame> nextFrame_;
   HostFrames requests_;
   std::mt19937_64 random_;
@@ -93,7 +98,8 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   bool writing_ = false;
   bool markerSent_ = false;
   bool closed_ = false;
-  bool previewing_ = true;
+  bool sound_ = false;
+  std::uint64_t preview_ = 0;  // counts starts and stops; only the last is heard
   int pictures_ = 0;
   Clock::time_point silentUntil_ = Clock::time_point::min();
   double clockStart_ = 0;  // as mediaSeconds() counts

@@ -38,6 +38,7 @@ class HostLink {
 
   virtual void startPreview(int resolution) = 0;
   virtual void stopPreview() = 0;
+  virtual void switchSound(bool on) = 0;  // of the preview
 
   // Units: milliseconds of the connection's media clock.
   virtual std::int64_t mediaTime() const = 0;

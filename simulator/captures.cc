@@ -46,7 +46,8 @@ void Captures::begin(Order order) {
   busy_ = true;
   state_.card.take(order.stops.size() * state_.photoSize().room);
   order.time = state_.clock.now();
-  for (std::size_t i = 0; i < order.stops.size(); ++i) order.names.push_back(state_.clock.nextFileName("IMG", ".jpg"));
+  for (std::size_t i = 0; i < order.stops.size(); ++i)
+    order.names.push_back(state_.clock.nextFileName("IMG", faults_.nameLetters + ".jpg"));
   for (double& stop : order.stops) stop += state_.exposureBias();
   const double seconds = static_cast<double>(order.host->mediaTime()) / 1000;
   world_.tellHost(shutterStateEvent(1));

@@ -8,6 +8,7 @@ namespace zel::simulator {
 
 const char kFaultHelp[] = R"(Faults:
   garbage[=BYTES]            bytes before the marker (1000)
+  early-marker               the marker is sent on connection, unasked, and not again
   one-byte-writes            every byte is a write of its own
   split                      frames are written in random pieces
   stall[=SECONDS[/EVERY]]    silence of SECONDS (3.5) after every EVERY seconds (10) of sending
@@ -22,9 +23,15 @@ const char kFaultHelp[] = R"(Faults:
   duplicate-reply[=CODE]     replies come twice: of that request, or all
   short-reply[=CODE]         replies come without their body: of that request, or all
   late-reply=CODE/MS         replies to that request come MS milliseconds late, past others
+  high-flags[=CODE]          replies say yes by a flag of 2 to 255: of that request, or all
+  trailing-bytes[=CODE]      replies end with 1 to 16 bytes that are not theirs: of that request, or all
   no-photo                   photos are announced by the reply, but never come
   short-photo                photo frames end after the 64 bytes of the name
+  utf8-names                 files are named with letters outside ASCII
+  latin1-names               files are named in bytes that are no UTF-8
   upload-fail                files are refused
+  file-kinds                 replies of kinds that nobody knows come before that of a file, and say no
+  unmatched-paths            replies to files name a path that nobody sent
   corrupt-video[=SHARE]      bits are flipped in that share of the slices (0.1)
   lost-keys[=SHARE]          that share of the key pictures is not sent (0.5)
   no-parameter-sets[=COUNT]  the first COUNT key pictures (3) come without parameter sets
@@ -33,6 +40,9 @@ const char kFaultHelp[] = R"(Faults:
 )";
 
 namespace {
+
+constexpr char kUtf8Letters[] = "_\xC3\xA9\xE5\x8C\x97";  // of two and of three bytes
+constexpr char kLatin1Letters[] = "_\xE9";
 
 bool readInto(const std::string& text, std::set<std::uint16_t>& codes) {
   std::uint16_t code = 0;
@@ -82,11 +92,17 @@ bool readSwitch(const std::string& text, bool& value) {
   return text.empty();
 }
 
+bool readLetters(const std::string& text, const char* letters, std::string& value) {
+  value = letters;
+  return text.empty();
+}
+
 }  // namespace
 
 bool Faults::add(const std::string& spec, std::string& error) {
   const std::map<std::string, std::function<bool(const std::string&)>> readers = {
       {"garbage", [this](const auto& v) { return readOptional<std::size_t>(v, 1000, 100'000'000, garbage); }},
+      {"early-marker", [this](const auto& v) { return readSwitch(v, earlyMarker); }},
       {"one-byte-writes", [this](const auto& v) { return readSwitch(v, oneByteWrites); }},
       {"split", [this](const auto& v) { return readSwitch(v, split); }},
       {"stall", [this](const auto& v) { return readStall(v, stall); }},
@@ -101,6 +117,10 @@ bool Faults::add(const std::string& spec, std::string& error) {
       {"duplicate-reply", [this](const auto& v) { return readInto(v, duplicateReply); }},
       {"short-reply", [this](const auto& v) { return readInto(v, shortReply); }},
       {"late-reply", [this](const auto& v) { return readLate(v, lateReply); }},
+      {"high-flags", [this](const auto& v) { return readInto(v, highFlags); }},
+      {"trailing-bytes", [this](const auto& v) { return readInto(v, trailingBytes); }},
+      {"utf8-names", [this](const auto& v) { return readLetters(v, kUtf8Letters, nameLetters); }},
+      {"latin1-names", [this](const auto& v) { return readLetters(v, kLatin1Letters, nameLetters); }},
       {"no-photo", [this](const auto& v) { return readSwitch(v, noPhoto); }},
       {"short-photo", [this](const auto& v) { return readSwitch(v, shortPhoto); }},
       {"corrupt-video", [this](const auto& v) { return readShare(v, 0.1, media.corruptUnits); }},
@@ -110,6 +130,8 @@ bool Faults::add(const std::string& spec, std::string& error) {
       {"split-pictures", [this](const auto& v) { return readSwitch(v, media.splitAnywhere); }},
       {"bursts", [this](const auto& v) { return readOptional(v, 10, 10'000, media.burst); }},
       {"upload-fail", [this](const auto& v) { return readSwitch(v, uploadFail); }},
+      {"file-kinds", [this](const auto& v) { return readSwitch(v, fileKinds); }},
+      {"unmatched-paths", [this](const auto& v) { return readSwitch(v, unmatchedPaths); }},
   };
   const std::size_t equals = spec.find('=');
   const auto reader = readers.find(spec.substr(0, equals));

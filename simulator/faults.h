@@ -40,11 +40,17 @@ struct Faults {
   std::set<std::uint16_t> refuse;   // request codes that are refused
   CodeSet duplicateReply;
   CodeSet shortReply;                      // replies lose their body
+  CodeSet highFlags;                       // replies say yes by a flag above 1
+  CodeSet trailingBytes;                   // replies end with bytes that are not theirs
   std::map<std::uint16_t, int> lateReply;  // milliseconds, by request code
   bool noPhoto = false;                    // a photo is announced and never comes
   bool shortPhoto = false;                 // photo frames end after the name
   MediaFaults media;
-  bool uploadFail = false;  // files are refused
+  std::string nameLetters;      // what the names of photos and recordings end with
+  bool uploadFail = false;      // files are refused
+  bool fileKinds = false;       // replies of other kinds come before that of a file
+  bool unmatchedPaths = false;  // replies to files name a path that nobody sent
+  bool earlyMarker = false;     // the marker comes with the connection, and not when it is asked for
 
   // Adds one fault as the command line has it, NAME or NAME=VALUE.
   // Errors: false; `error` then says what is wrong.

@@ -16,7 +16,7 @@ bool Recorder::start(Bytes sensors, Bytes extra) {
   current_->sensors = std::move(sensors);
   current_->extra = std::move(extra);
   current_->file.time = state_.clock.now();
-  current_->file.name = state_.clock.nextFileName("VID", ".mp4");
+  current_->file.name = state_.clock.nextFileName("VID", faults_.nameLetters + ".mp4");
   current_->began = world_.uptime();
   current_->bytesPerMs = state_.videoBytesPerMs();
   settleLater();

@@ -6,6 +6,7 @@
 
 #include "simulator/camera_state.h"
 #include "simulator/camera_world.h"
+#include "simulator/faults.h"
 
 namespace zel::simulator {
 
@@ -13,8 +14,9 @@ namespace zel::simulator {
 // limit or the end of the card ends itself and says so. Thread: the simulator's.
 class Recorder {
  public:
-  // Owner: both outlive it and the world's timers.
-  Recorder(CameraWorld& world, CameraState& state) : world_(world), state_(state) {}
+  // Owner: all outlive it and the world's timers.
+  Recorder(CameraWorld& world, CameraState& state, const Faults& faults)
+      : world_(world), state_(state), faults_(faults) {}
 
   bool recording() const { return current_.has_value(); }
 
@@ -53,6 +55,7 @@ class Recorder {
 
   CameraWorld& world_;
   CameraState& state_;
+  const Faults& faults_;
   std::optional<Recording> current_;
   std::uint64_t timers_ = 0;  // only the youngest is heard
 };

@@ -20,7 +20,6 @@ inline constexpr std::uint16_t kWhiteBalanceGain = 0x4036, kVignetteLuma = 0x403
 inline constexpr std::uint16_t kSetAudioBitrate = 0x0013, kGetAudioBitrate = 0x4048;
 
 inline constexpr Setting kSettings[] = {
-    {0x000E, 0, 1},                           // audio stream type
     {kSetAudioBitrate, kGetAudioBitrate, 4},  //
     {0x400C, 0, 1},                           // key function
     {0x400D, 0, 1},                           // mute

@@ -7,7 +7,7 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::uint16_t kStartPreview = 0x0004, kStopPreview = 0x0006;
+constexpr std::uint16_t kStartPreview = 0x0004, kStopPreview = 0x0006, kSwitchSound = 0x000E;
 constexpr std::uint16_t kStartRecord = 0x0008, kStartRecordExtra = 0x0012, kStartRecordTime = 0x0014;
 constexpr std::uint16_t kStopRecord = 0x0009, kCancelRecord = 0x000B;
 constexpr std::uint16_t kSystemControl = 0x4007, kCancelControl = 0x4008;
@@ -23,7 +23,7 @@ SimulatedCamera::SimulatedCamera(CameraWorld& world, const CameraStart& start, c
       state_(world, start),
       storage_(storage),
       captures_(world, state_, faults),
-      recorder_(world, state_),
+      recorder_(world, state_, faults),
       uploads_(world, state_, storage, faults),
       control_(world) {}
 
@@ -53,6 +53,8 @@ void SimulatedCamera::answer(const std::shared_ptr<HostLink>& host, const HostMe
     case kStartPreview:
     case kStopPreview:
       return host->reply(request.code, answerPreview(*host, request));
+    case kSwitchSound:
+      return host->reply(request.code, answerSound(*host, request));
     case kSystemControl:
     case kCancelControl:
       return host->reply(request.code, answerControl(request));
@@ -95,6 +97,13 @@ Bytes SimulatedCamera::answerPreview(HostLink& host, const HostMessage& request)
   if (request.body[0] <= 15) state_.modes.preview = request.body[0];
   host.startPreview(resolution());
   return {1, state_.modes.preview};
+}
+
+// 0 off, 1 on.
+Bytes SimulatedCamera::answerSound(HostLink& host, const HostMessage& request) {
+  if (request.body.size() != 1 || request.body[0] > 1) return flag(false);
+  host.switchSound(request.body[0] == 1);
+  return flag(true);
 }
 
 Bytes SimulatedCamera::answerControl(const HostMessage& request) {

@@ -46,6 +46,7 @@ class SimulatedCamera {
   Bytes startRecording(const HostLink& host, const HostMessage& request);
   Bytes endRecording(const HostMessage& request);
   Bytes answerPreview(HostLink& host, const HostMessage& request);
+  static Bytes answerSound(HostLink& host, const HostMessage& request);
   Bytes answerControl(const HostMessage& request);
   void drainBattery();
 

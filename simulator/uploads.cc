@@ -10,14 +10,16 @@ constexpr std::size_t kFileAt = kPathAt + kPathSize;
 constexpr std::size_t kMostWaiting = 2 * kLargestFile;
 constexpr std::size_t kPerFile = 4096;  // what a waiting file costs besides its bytes, generously
 constexpr std::uint16_t kDone = 0, kFailed = 1;
+constexpr std::uint16_t kUploaded = 2, kOtherKinds[] = {0, 1, 3, 0x0102, 0xFFFF};
+constexpr char kNobodysPath[] = "nobody/sent/this";
 
 // | 0 | u16      | not used     |
-// | 2 | u16      | kind: 2      |
+// | 2 | u16      | kind         |
 // | 4 | u16      | status       |
 // | 6 | u8 x 64  | path as sent |
-Bytes fileReply(const Bytes& path, std::uint16_t status) {
+Bytes fileReply(std::uint16_t kind, const Bytes& path, std::uint16_t status) {
   Bytes payload(2);
-  put(payload, std::uint16_t{2});
+  put(payload, kind);
   put(payload, status);
   add(payload, path);
   return frame(kFile, payload);
@@ -32,7 +34,7 @@ void Uploads::take(const std::shared_ptr<HostLink>& host, HostFile file) {
   const std::size_t size = payload.size() - kFileAt;
   const std::size_t held = size + kPerFile;
   const bool tooMuch = waiting_ + held > kMostWaiting || !state_.card.takes(size);
-  if (faults_.uploadFail || tooMuch) return host->send(fileReply(path, kFailed));
+  if (faults_.uploadFail || tooMuch) return answer(*host, path, kFailed);
   waiting_ += held;
   state_.card.take(size);
   world_.onWorker([this, host, path, size, held, file = std::make_shared<HostFile>(std::move(file))] {
@@ -40,9 +42,16 @@ void Uploads::take(const std::shared_ptr<HostLink>& host, HostFile file) {
     return [this, host, path, size, held, written] {
       waiting_ -= held;
       if (!written) state_.card.give(size);
-      host->send(fileReply(path, written ? kDone : kFailed));
+      answer(*host, path, written ? kDone : kFailed);
     };
   });
+}
+
+void Uploads::answer(HostLink& host, const Bytes& path, std::uint16_t status) const {
+  if (faults_.fileKinds) {
+    for (const std::uint16_t kind : kOtherKinds) host.send(fileReply(kind, path, kFailed));
+  }
+  host.send(fileReply(kUploaded, faults_.unmatchedPaths ? textField(kNobodysPath, kPathSize) : path, status));
 }
 
 }  // namespace zel::simulator

@@ -23,6 +23,8 @@ class Uploads {
   void take(const std::shared_ptr<HostLink>& host, HostFile file);
 
  private:
+  void answer(HostLink& host, const Bytes& path, std::uint16_t status) const;
+
   CameraWorld& world_;
   CameraState& state_;
   const Storage& storage_;

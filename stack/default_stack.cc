@@ -10,11 +10,15 @@
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 
+#include "platform/mutex.h"
 #include "platform/ports.h"
 #include "transport/camera_data_parser.h"
+#include "transport/zel_camera_data_writer.h"
 
 namespace zel {
 namespace {
@@ -27,6 +31,23 @@ std::atomic<bool> stackMade = false;
   std::abort();
 }
 
+// The clock of the default ports. A host may log before it has any: the time is then the system's, in UTC.
+class DefaultClock final : public platform::Clock {
+ public:
+  double absoluteTime() const override {
+    constexpr std::chrono::sys_days kEpoch = std::chrono::January / 1 / 2001;
+    if (const auto* ports = defaultPorts.load()) return ports->clock.absoluteTime();
+    return std::chrono::duration<double>(std::chrono::system_clock::now() - kEpoch).count();
+  }
+  void sleepFor(double seconds) override {
+    if (const auto* ports = defaultPorts.load()) ports->clock.sleepFor(seconds);
+  }
+  std::int64_t localTimeOffset(double absoluteTime) const override {
+    const auto* ports = defaultPorts.load();
+    return ports != nullptr ? ports->clock.localTimeOffset(absoluteTime) : 0;
+  }
+};
+
 CameraStack* makeProcessStack() {
   const platform::Ports* ports = defaultPorts.load();
   if (ports == nullptr) misused("call setDefaultPorts() before the first class operation");
@@ -38,7 +59,12 @@ CameraStack* makeProcessStack() {
 
 void setDefaultPorts(const platform::Ports& ports) {
   if (stackMade.load()) misused("setDefaultPorts() comes too late: a class operation has been used already");
-  delete defaultPorts.exchange(new platform::Ports(ports));
+  // Those that are replaced stay: a log line of another thread may be on its way with them.
+  static Mutex mutex;
+  static auto* const named = new std::deque<platform::Ports>();
+  const MutexLock lock(mutex);
+  named->push_back(ports);
+  defaultPorts.store(&named->back());
 }
 
 // Never destroyed: session threads and the host's statics may still use it while the process ends.
@@ -63,7 +89,15 @@ ZELLiveDataSource::Source ZELLiveDataSource::initWitCameraResolution(Number reso
                                                                      Number stitchHeight, Number bitrate) {
   return initWitCameraResolution(zel::processStack(), resolution, stitchWidth, stitchHeight, bitrate);
 }
+ZELCameraDataWriter& ZELCameraDataWriter::defaultWriter() {
+  static auto* const writer = new ZELCameraDataWriter();
+  return *writer;
+}
+// Needs no stack: diagnostics may be the first thing that a host does.
 ZELDateFormatter& ZELDateFormatter::defaultFormatter() {
-  static auto* const formatter = new ZELDateFormatter(zel::processStack().ports());
+  static auto* const formatter = new ZELDateFormatter(*new zel::DefaultClock(), []() -> std::string {
+    const auto* ports = zel::defaultPorts.load();
+    return ports != nullptr ? logFileOf(*ports) : std::string();
+  });
   return *formatter;
 }

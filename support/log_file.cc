@@ -30,6 +30,14 @@ File makeTemporary(const std::string& path, std::string& name) {
   return nullptr;
 }
 
+// A file is opened for appending alone, which needs no right to read it. Whatever else has the name is opened to be
+// read as well, since a pipe would else be waited for.
+File openExisting(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_regular_file(path, ignored)) return File{std::fopen(path.c_str(), "ab")};
+  return File{std::fopen(path.c_str(), "r+b")};
+}
+
 void replaceFile(const std::string& path, std::span<const std::uint8_t> bytes) {
   std::string name;
   File file = makeTemporary(path, name);
@@ -45,7 +53,7 @@ void replaceFile(const std::string& path, std::span<const std::uint8_t> bytes) {
 }  // namespace
 
 void appendToFile(const std::string& path, std::span<const std::uint8_t> bytes) {
-  if (File file{std::fopen(path.c_str(), "r+b")}) {
+  if (File file = openExisting(path)) {
     if (std::fseek(file.get(), 0, SEEK_END) == 0) writeAndClose(std::move(file), bytes);
     return;
   }

@@ -59,22 +59,23 @@ std::string fieldText(char letter, std::size_t run, const LocalTime& moment) {
   }
 }
 
-std::function<std::string()> logFileOf(zel::platform::Documents* documents) {
-  return [documents]() -> std::string {
-    const std::string folder = documents != nullptr ? documents->folder() : std::string();
-    return folder.empty() ? folder : folder + "/" + kLogName;
-  };
-}
-
 }  // namespace
 
 ZELDateFormatter::ZELDateFormatter(const zel::platform::Ports& ports)
-    : clock_(ports.clock), logFile_(logFileOf(ports.documents)) {}
+    : ZELDateFormatter(ports.clock, [ports] { return logFileOf(ports); }) {}
 
 ZELDateFormatter::ZELDateFormatter(const zel::platform::Clock& clock, std::string logFile)
-    : clock_(clock), logFile_([logFile = std::move(logFile)] { return logFile; }) {}
+    : ZELDateFormatter(clock, [logFile = std::move(logFile)] { return logFile; }) {}
+
+ZELDateFormatter::ZELDateFormatter(const zel::platform::Clock& clock, std::function<std::string()> logFile)
+    : clock_(clock), logFile_(std::move(logFile)) {}
 
 ZELDateFormatter::~ZELDateFormatter() = default;
+
+std::string ZELDateFormatter::logFileOf(const zel::platform::Ports& ports) {
+  const std::string folder = ports.documents != nullptr ? ports.documents->folder() : std::string();
+  return folder.empty() ? folder : folder + "/" + kLogName;
+}
 
 std::string ZELDateFormatter::getCurrentTime() {
   setDateFormat(kTimeStampFormat);

@@ -18,11 +18,13 @@ std::string_view withoutLeadingSpace(std::string_view text) {
   return start == std::string_view::npos ? std::string_view() : text.substr(start);
 }
 
-// The number's text without a plus sign, which the standard's readers do not take; empty where no number begins.
+// The number's text without a plus sign, which the standard's readers do not take; empty where no number begins. A
+// number has one sign at most.
 std::string_view numberText(std::string_view text) {
   text = withoutLeadingSpace(text);
-  if (text.starts_with('+')) text.remove_prefix(1);
-  const std::string_view unsignedText = text.starts_with('-') ? text.substr(1) : text;
+  const bool plus = text.starts_with('+');
+  if (plus) text.remove_prefix(1);
+  const std::string_view unsignedText = !plus && text.starts_with('-') ? text.substr(1) : text;
   const bool begins =
       !unsignedText.empty() && (unsignedText[0] == '.' || (unsignedText[0] >= '0' && unsignedText[0] <= '9'));
   return begins ? text : std::string_view();

@@ -29,9 +29,9 @@ std::shared_ptr<SessionConnection> SessionConnection::create(ConnectionOwner& ow
 bool SessionConnection::startThread(platform::Threads& threads) {
   const auto self = shared_from_this();
   const MutexLock lock(threadMutex_);
-  thread_ = threads.start("session thread", {.begin = [self](platform::RunLoop& runLoop) { self->runLoop_ = &runLoop; },
+  sessionThread_ = threads.start("session thread", {.begin = [self](platform::RunLoop& runLoop) { self->runLoop_ = &runLoop; },
                                              .end = [self] { self->endSessionThread(); }});
-  return thread_ != nullptr;
+  return sessionThread_ != nullptr;
 }
 
 void SessionConnection::begin(bool afterAnother) {
@@ -84,13 +84,13 @@ void SessionConnection::join() {
   std::unique_ptr<platform::Thread> thread;
   {
     const MutexLock lock(threadMutex_);
-    thread = std::move(thread_);
+    thread = std::move(sessionThread_);
   }
 }
 
 void SessionConnection::performOnThread(void (SessionConnection::*step)()) {
   const MutexLock lock(threadMutex_);
-  if (thread_) thread_->runLoop().perform([self = shared_from_this(), step] { (*self.*step)(); });
+  if (sessionThread_) sessionThread_->runLoop().perform([self = shared_from_this(), step] { (*self.*step)(); });
 }
 
 void SessionConnection::streamHandleEvent(platform::Stream&, platform::StreamEvent event) {

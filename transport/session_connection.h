@@ -111,7 +111,7 @@ class SessionConnection final : public platform::StreamDelegate,
   std::atomic<std::size_t> bytesToWrite_ = 0;  // as the queue has it, to be read without its lock
 
   Mutex threadMutex_;
-  std::unique_ptr<platform::Thread> thread_ ZEL_GUARDED_BY(threadMutex_);
+  std::unique_ptr<platform::Thread> sessionThread_ ZEL_GUARDED_BY(threadMutex_);
 };
 
 }  // namespace zel

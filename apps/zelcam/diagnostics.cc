@@ -27,7 +27,7 @@ std::mutex writerMutex;  // keeps the lines of two threads apart
 bool isUsable(const std::string& path) {
   std::error_code ignored;
   return !std::filesystem::exists(path, ignored) ||
-         (std::filesystem::is_regular_file(path, ignored) && std::fstream(path, std::ios::in | std::ios::out));
+         (std::filesystem::is_regular_file(path, ignored) && std::ofstream(path, std::ios::app));
 }
 
 // An argument as a shell would take it.

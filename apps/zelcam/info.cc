@@ -114,7 +114,7 @@ int ask(CameraLink& link, const Settings& settings) {
   Table table(end, settings);
   addIdentity(table, link.stack());
   table.add({"powerType", "batteryLevel"}, *asked.battery);
-  table.add({"cardState", "cardSpaceFree", "cardSpaceWhole"}, *asked.card);
+  table.add({"cardState", "cardSpaceWhole", "cardSpaceFree"}, *asked.card);
   table.add({"storedSerialNumber"}, *asked.serial);
   table.add({"uuid"}, *asked.uuid);
   table.add({"videoTimeRemaining"}, *asked.videoTime);

@@ -2,6 +2,7 @@
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELCameraUCD.h>
 
 #include <fmt/format.h>
 
@@ -22,7 +23,8 @@ namespace {
 using nlohmann::ordered_json;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::uint64_t kFlowing = 2;
+constexpr std::uint64_t kOpen = 1, kFlowing = 2;
+constexpr std::uint8_t kSoundOn = 1;
 
 constexpr std::pair<FrameType, const char*> kTypes[] = {
     {FrameType::previewVideo, "video"}, {FrameType::previewAudio, "audio"}, {FrameType::photo, "photo"},
@@ -53,8 +55,14 @@ ordered_json droppedJson(const DroppedFrames& dropped) {
 // One run of the command. Its calls come on the main queue, but for the status, which comes on any thread.
 class Monitor {
  public:
-  Monitor(LinuxPlatform& platform, const Settings& settings, std::optional<double> seconds)
-      : platform_(platform), settings_(settings), seconds_(seconds), stack_(platform.ports(), settings.camera) {}
+  // preview: the resolution code of a preview that is to be watched.
+  Monitor(LinuxPlatform& platform, const Settings& settings, std::optional<double> seconds,
+          std::optional<std::int64_t> preview)
+      : platform_(platform),
+        settings_(settings),
+        seconds_(seconds),
+        preview_(preview),
+        stack_(platform.ports(), settings.camera) {}
 
   int run() {
     const auto watch = stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); });
@@ -77,12 +85,21 @@ class Monitor {
     noteStatus(status);
     if (status == kFlowing && !flowed_.exchange(true)) platform_.stopMainQueue();
     platform_.ports().queues.mainQueue().post([this, status, at = elapsed(), clock = timeOfDay()] {
+      if (preview_) keepPreviewOn(status);
       if (settings_.json) {
         return printJson(
             {{"event", "status"}, {"time", clock}, {"seconds", at}, {"status", status}, {"name", statusName(status)}});
       }
       printLine(fmt::format("{} {:8.3f} s  status {} ({})", clock, at, status, statusName(status)));
     });
+  }
+
+  // A camera forgets what its host asked for when the session ends.
+  void keepPreviewOn(std::uint64_t status) {
+    if (status <= kOpen) previewIsOn_ = false;
+    if (status != kFlowing || std::exchange(previewIsOn_, true)) return;
+    stack_.ucd().msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(*preview_), {});
+    stack_.ucd().msgReqSwitchAudioStreamType(kSoundOn, {});
   }
 
   // Runs the main queue until frames have arrived; the status change that says so stops it.
@@ -160,6 +177,8 @@ class Monitor {
   LinuxPlatform& platform_;
   const Settings& settings_;
   const std::optional<double> seconds_;
+  const std::optional<std::int64_t> preview_;
+  bool previewIsOn_ = false;
   const Clock::time_point start_ = Clock::now();
   std::atomic<bool> flowed_ = false;
   LinkStatistics before_;
@@ -171,7 +190,8 @@ class Monitor {
 int runMonitor(const Invocation& invocation) {
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
-  Monitor monitor(bus.platform(), invocation.settings, invocation.values.number("--seconds"));
+  const Values& values = invocation.values;
+  Monitor monitor(bus.platform(), invocation.settings, values.number("--seconds"), values.integer("--preview"));
   return monitor.run();
 }
 

@@ -64,7 +64,8 @@ class ZEL_EXPORT CameraStack {
 };
 
 // Names the ports of the process-wide stack; the host calls it once, before it uses any class operation.
-// Errors: ends the process with a message when a class operation was used before, or is used without it.
+// Errors: ends the process with a message when a class operation was used before, or is used without it; but for
+//         ZELDateFormatter::defaultFormatter(), which can be used at any time.
 ZEL_EXPORT void setDefaultPorts(const platform::Ports& ports);
 
 // The process-wide stack, made on first use and never destroyed.

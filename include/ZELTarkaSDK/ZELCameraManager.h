@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,26 +25,30 @@ inline constexpr std::string_view kZELBatteryStateKey = "batteryState";
 
 // Tells the host of the camera's power state by notifications, and answers a few questions that need more than a
 // message: the power type, the lens offset, and the audio bitrate, which older cameras do not know.
-// Owner:  the arguments of the constructor must outlive the object.
+// It is a receiver of the command layer's events: by registerForCameraNotifications(), or as any other receiver by
+// addCameraNotificationReceiver().
+//
+// Owner:  the arguments of the constructor must outlive the object. Registered, it is not held; a shared one that is
+//         added is held until it is removed, or the command layer goes.
 // Thread: any thread; handlers run on the main queue but where noted.
-class ZEL_EXPORT ZELCameraManager {
+class ZEL_EXPORT ZELCameraManager final : public ZELCameraNotificationProtocol {
  public:
   // The manager of the process-wide stack.
   static ZELCameraManager& sharedManager();
 
   ZELCameraManager(ZELCameraAccessory& accessory, ZELCameraUCD& ucd, zel::platform::NotificationCenter& notifications);
-  ~ZELCameraManager();
+  ~ZELCameraManager() override;
   ZELCameraManager(const ZELCameraManager&) = delete;
   ZELCameraManager& operator=(const ZELCameraManager&) = delete;
 
   // From now on, and no longer, the camera's battery events are posted as notifications with the manager as sender.
-  // Registered twice, the events are posted twice.
+  // Registered or added twice, the events are posted twice; unregistering ends both.
   void registerForCameraNotifications();
   void unRegisterForCameraNotifications();
 
   // notificationType:value: - posts the notification of a battery event; other events post nothing.
   // Thread: the one that delivers the event; observers must not register or unregister there.
-  void notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value);
+  void notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value) override;
 
   // queryCameraBattery: - power type (1, 2, and 0 for any other) and battery level.
   void queryCameraBattery(zel::RebackBlock<std::int32_t, std::int32_t> callback);
@@ -63,10 +66,7 @@ class ZEL_EXPORT ZELCameraManager {
   std::optional<ZELError> checkoutAudioAsynVersion() const;
 
  private:
-  class Receiver;
-
   ZELCameraAccessory& accessory_;
   ZELCameraUCD& ucd_;
   zel::platform::NotificationCenter& notifications_;
-  const std::shared_ptr<Receiver> receiver_;
 };

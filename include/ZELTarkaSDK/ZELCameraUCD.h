@@ -107,11 +107,21 @@ class ZEL_EXPORT ZELCameraUCD {
   void sendNotification(std::int64_t type, const std::optional<ZELMessageFields>& value);
 
   // sendFileWithType:filePath:fileData:rebackBlock: - uploads a file. type: the camera's; filePath: its name there.
+  // A drive in it ("C:/") cuts its first three characters; where nothing is left of it, the handler is not kept.
   // Thread: the handler runs on the session thread where the camera's answer names the path, else on the main queue.
   void sendFileWithType(std::int64_t type, const Text& filePath, const ZELData& fileData, ErrorBlock rebackBlock);
 
-  // -- Preview and photos. photoData gets the picture, or the error that the command ended with.
+  // -- Preview and photos
+  //
+  // photoData gets the picture, or 100 where the link is lost before it comes. What the command itself ends with, it
+  // gets only where there is a rebackBlock: without one, a capture that is refused waits for a picture that never
+  // comes.
+  //
+  // The error goes to the capture in force once rebackBlock has returned. A capture that rebackBlock begins, as a
+  // retry, is that one: it is failed with the old error, and loses its picture. Begin it when photoData is called.
 
+  // setDemuxVideoRes: - has the de-multiplexer expect the preview of that resolution; starting it does so by itself.
+  void setDemuxVideoRes(std::uint64_t videoRes);
   // msgCmdStartVideoWithVideoRes:rebackBlock: - starts the preview stream of that resolution; the camera answers with
   // the one it chose. The preview player is reset before the handler is called.
   void msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackBlock);
@@ -176,7 +186,8 @@ class ZEL_EXPORT ZELCameraUCD {
 
   // msgReqBatteryWithRebackBlock: - power type, battery level.
   void msgReqBatteryWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint8_t> rebackBlock);
-  // msgReqGetCardStateWithRebackBlock: - state, and the camera's two 64-bit numbers, its free and whole space.
+  // msgReqGetCardStateWithRebackBlock: - state, then the card's whole and free space.
+  // Units: bytes.
   void msgReqGetCardStateWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint64_t, std::uint64_t> rebackBlock);
   // msgReqGetSerialNumber: - the text is absent where the camera's is not ASCII.
   void msgReqGetSerialNumber(TextBlock rebackBlock);

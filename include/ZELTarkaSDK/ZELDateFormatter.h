@@ -18,7 +18,8 @@ struct Ports;
 // Thread: any thread. Writes of several threads at once may interleave or replace one another.
 class ZEL_EXPORT ZELDateFormatter {
  public:
-  // The formatter of the process-wide stack, made once and never destroyed.
+  // The formatter of the process, made once and never destroyed. Its ports are those that setDefaultPorts() has named;
+  // until then the time is the system's, in UTC, and what is written is lost.
   static ZELDateFormatter& defaultFormatter();
 
   // Writes to log.txt in the documents folder of the ports, or to the file of that path.
@@ -47,8 +48,11 @@ class ZEL_EXPORT ZELDateFormatter {
   void writeLogToFile(const void* bytes, std::uint64_t length);
 
  private:
+  ZELDateFormatter(const zel::platform::Clock& clock, std::function<std::string()> logFile);
+  static std::string logFileOf(const zel::platform::Ports& ports);
+
   const zel::platform::Clock& clock_;
-  const std::function<std::string()> logFile_;  // empty where there is none
+  const std::function<std::string()> logFile_;  // tells an empty path where there is none
 
   mutable zel::Mutex mutex_;
   std::string dateFormat_ ZEL_GUARDED_BY(mutex_);

@@ -15,7 +15,8 @@ bool isSlice(int type) { return type >= 1 && type <= 5; }
 
 // Stream (1), camera time in milliseconds (8).
 MediaFrame timestampFrame(std::uint16_t type, double cameraTime, double due) {
-  MediaFrame frame{kTimestamp, {type == kVideo ? kVideoStream : kAudioStream}, due};
+  const bool sound = type == kAudio;
+  MediaFrame frame{kTimestamp, {sound ? kAudioStream : kVideoStream}, due, sound};
   put(frame.payload, static_cast<std::uint64_t>(std::llround(cameraTime * 1000)));
   return frame;
 }
@@ -70,7 +71,7 @@ bool MediaSource::queuePicture(double now) {
 void MediaSource::queue(std::uint16_t type, std::vector<Bytes> payloads, double mediaTime) {
   const double due = sendingTime(mediaTime);
   if (setup_.timestamps) ready_.push_back(timestampFrame(type, mediaTime - clockStart_, due));
-  for (Bytes& payload : payloads) ready_.push_back({type, std::move(payload), due});
+  for (Bytes& payload : payloads) ready_.push_back({type, std::move(payload), due, type == kAudio});
 }
 
 // In bursts, everything waits for the end of its burst.

@@ -20,6 +20,7 @@ struct MediaFrame {
   std::uint16_t type = 0;  // kVideo, kAudio or kTimestamp
   Bytes payload;
   double due = 0;
+  bool sound = false;  // an audio frame, or the timestamp of one
 };
 
 struct MediaSetup {

@@ -55,6 +55,28 @@ class ZELPhotoDataParserTest : public testing::Test {
   std::shared_ptr<const ZELDataArray> images;
 };
 
+// A host's executor, which may call the framework back while a task is handed to it.
+struct CallingBack final : platform::Queue {
+  void post(platform::Task) override {
+    ++posted;
+    callBack();
+  }
+  int posted = 0;
+  std::function<void()> callBack;
+};
+
+TEST_F(ZELPhotoDataParserTest, HoldsNoLockWhileItHandsItsAnswerOn) {
+  CallingBack queue;
+  const auto one = ZELPhotoDataParser::initWithShutterBlock(queue, takeSingle());
+  queue.callBack = [&] { one->replyBlockWithError({"domain", 1, std::nullopt}); };
+  one->parserData(payload("A.JPG", {1}));
+  EXPECT_EQ(queue.posted, 1);
+  const auto many = ZELPhotoDataParser::initWithAEBShutterCount(queue, 1, takeSeries());
+  queue.callBack = [&] { many->parserData(payload("A.JPG", {1})); };
+  many->replyBlockWithError({"domain", 1, std::nullopt});
+  EXPECT_EQ(queue.posted, 2);
+}
+
 TEST_F(ZELPhotoDataParserTest, FailsOnAPayloadOfSixtyFourBytes) {
   const auto parser = single();
   parser->parserData(payload("A.JPG", {}));

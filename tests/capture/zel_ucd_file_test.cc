@@ -71,6 +71,18 @@ TEST_F(ZELUCDFileTest, CutsThreeCharactersWhereverTheDriveStands) {
   }
 }
 
+TEST_F(ZELUCDFileTest, KeepsNoHandlerForAPathThatNormalisesToNothing) {
+  for (const char* path : {"C:/", "c:\\", ""}) {
+    send(path, "nobody");
+    EXPECT_EQ(Bytes(written.back().begin() + 10, written.back().end()), Bytes(64)) << path;
+  }
+  send("b", "b");
+  file.parserUCD(reply(2, 1, pathField("")));
+  file.replyAllBlockWithErrorCode(100);
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre("b 101"));
+}
+
 TEST_F(ZELUCDFileTest, SendsTheFirstSixtyFourBytesOfALongPath) {
   send(std::string(70, 'p'), "a");
   EXPECT_EQ(Bytes(written[0].begin() + 10, written[0].end()), Bytes(64, 'p'));

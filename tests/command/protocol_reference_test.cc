@@ -29,6 +29,11 @@ TEST(ProtocolReferenceTest, TellsAFamilyWithoutAReplyAndOneThatIsNeverRegistered
   EXPECT_THAT(protocolReference(), HasSubstr("| `registerMsgReqUpdateOrientation`, never | 50 |"));
 }
 
+TEST(ProtocolReferenceTest, TellsThePhotosNameFromTheReplysByItsCharset) {
+  EXPECT_THAT(protocolReference(), HasSubstr("| 3 | photo: ASCII name of at most 63 bytes, zero-filled (64), then"));
+  EXPECT_THAT(protocolReference(), HasSubstr("`fileName` UTF-8 name"));
+}
+
 TEST(ProtocolReferenceTest, HasARowForAnEvent) {
   EXPECT_THAT(protocolReference(),
               HasSubstr("| `registerMsgCameraReqBatteryUpdate` | 2 | 0x6003 | `intValue` u8, `intValue2` u8 |\n"));

@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "capture/zel_ucd_file.h"
 #include "tests/command/command_test.h"
 
 namespace zel::test {
@@ -70,6 +73,79 @@ TEST_F(ZELCameraManagerTest, PostsNothingOnceItHasGone) {
   }
   answer("0460 0A");
   EXPECT_THAT(log, IsEmpty());
+}
+
+// Counts the notifications of a low battery, whoever posts them.
+class AddedManagerTest : public CommandTest {
+ protected:
+  std::shared_ptr<ZELCameraManager> made() {
+    return std::make_shared<ZELCameraManager>(accessory(), ucd(), host.ports().notifications);
+  }
+
+  int posted = 0;
+  std::unique_ptr<platform::NotificationObservation> low = host.ports().notifications.observe(
+      "ZELCameraNotificationBatteryLow", [this](const platform::Notification&) { ++posted; });
+};
+
+TEST_F(AddedManagerTest, PostsAsAReceiverAmongOthers) {
+  const auto manager = made();
+  ucd().addCameraNotificationReceiver(manager);
+  answer("0460 0A");
+  EXPECT_EQ(posted, 1);
+  ucd().removeCameraNotificationReceiver(manager.get());
+  answer("0460 0A");
+  EXPECT_EQ(posted, 1);
+}
+
+TEST_F(AddedManagerTest, IsHeldUntilItIsRemoved) {
+  std::weak_ptr<ZELCameraManager> seen;
+  {
+    const auto manager = made();
+    seen = manager;
+    ucd().addCameraNotificationReceiver(manager);
+  }
+  answer("0460 0A");
+  EXPECT_EQ(posted, 1);
+  ASSERT_FALSE(seen.expired());
+  ucd().removeCameraNotificationReceiver(seen.lock().get());
+  EXPECT_TRUE(seen.expired());
+}
+
+TEST_F(AddedManagerTest, GoesWithTheCommandLayerThatHoldsIt) {
+  std::weak_ptr<ZELCameraManager> seen;
+  {
+    ZELUCDFile file([](const ZELData&) {}, host.ports().queues.mainQueue());
+    ZELCameraUCD own(accessory(), stack.parser(), file, host.ports().queues.mainQueue());
+    const auto manager = std::make_shared<ZELCameraManager>(accessory(), own, host.ports().notifications);
+    seen = manager;
+    own.addCameraNotificationReceiver(manager);
+  }
+  EXPECT_TRUE(seen.expired());
+}
+
+struct Acting final : ZELCameraNotificationProtocol {
+  explicit Acting(std::function<void()> given) : act(std::move(given)) {}
+  void notificationType(std::int64_t, const std::optional<ZELMessageFields>&) override { act(); }
+  const std::function<void()> act;
+};
+
+TEST_F(AddedManagerTest, HearsNothingOfTheEventInWhichItGoes) {
+  auto manager = made();
+  ucd().addCameraNotificationReceiver(std::make_shared<Acting>([&] { manager.reset(); }));
+  manager->registerForCameraNotifications();
+  answer("0460 0A");
+  EXPECT_EQ(posted, 0);
+}
+
+TEST_F(AddedManagerTest, EndsRegistrationsAndAdditionsAtOnce) {
+  const auto manager = made();
+  ucd().addCameraNotificationReceiver(manager);
+  manager->registerForCameraNotifications();
+  answer("0460 0A");
+  EXPECT_EQ(posted, 2);
+  manager->unRegisterForCameraNotifications();
+  answer("0460 0A");
+  EXPECT_EQ(posted, 2);
 }
 
 TEST_F(ZELCameraManagerTest, MapsThePowerType) {

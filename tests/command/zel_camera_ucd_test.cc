@@ -117,6 +117,31 @@ TEST_F(OddRequestsTest, LeavesTheCaptureWaitingWithoutAHandlerForTheReply) {
   EXPECT_EQ(photo.calls, 0);
 }
 
+// The capture in force is failed after the handler, as it always was, and that is the retry's.
+TEST_F(OddRequestsTest, FailsTheCaptureThatARefusedOnesHandlerBegins) {
+  Outcome first, retried;
+  const auto retry = [&](const auto&, std::uint32_t, std::uint64_t, const auto&) {
+    ucd().msgCmdShutterWithGps({}, {}, {}, outcome, retried);
+  };
+  ucd().msgCmdShutterWithGps({}, {}, {}, retry, first);
+  answer("0780");
+  EXPECT_EQ(first.calls, 0);
+  EXPECT_EQ(retried.text, "error 101 none none");
+  EXPECT_EQ(outcome.calls, 0);
+}
+
+TEST_F(OddRequestsTest, LetsAPhotoHandlerBeginTheNextCapture) {
+  Outcome retried;
+  const auto retry = [&](const auto&, const auto&, const auto&) {
+    ucd().msgCmdShutterWithGps({}, {}, {}, outcome, retried);
+  };
+  ucd().msgCmdShutterWithGps({}, {}, {}, outcome, retry);
+  answer("0780");
+  EXPECT_EQ(retried.calls, 0);
+  send(join(bytes({71, 0, 0, 0, 3, 0}), Bytes(64), bytes({1})));
+  EXPECT_EQ(retried.text, "ok \"\" 01");
+}
+
 TEST_F(OddRequestsTest, LeavesTheCaptureWaitingWhereStoppingARecordingFails) {
   Outcome photo;
   ucd().msgCmdShutterWithGps({}, {}, {}, {}, photo);
@@ -143,6 +168,12 @@ TEST_F(OddRequestsTest, TakesNoHdrPhoto) {
   host.unplug(camera);
   host.runUntilIdle();
   EXPECT_EQ(outcome.calls, 0);
+}
+
+TEST_F(OddRequestsTest, HasTheDemultiplexerExpectAResolutionWithoutAskingTheCamera) {
+  ucd().setDemuxVideoRes(14);
+  EXPECT_EQ(stack.parser().videoStreamRes(), 14u);
+  EXPECT_THAT(written(), IsEmpty());
 }
 
 TEST_F(OddRequestsTest, TellsTheDemultiplexerOfThePreviewsResolutionBeforeItAsks) {

@@ -35,10 +35,10 @@ class ExamplesTest : public testing::Test {
 
   std::string bus() const { return folder.path() + "/bus"; }
 
-  std::unique_ptr<Process> camera(const std::string& serial = "A1") const {
-    auto process = std::make_unique<Process>(
-        simulatorProgram(), Arguments{"--accessories", bus(), "--serial", serial, "--name", "Test camera"},
-        folder.path());
+  std::unique_ptr<Process> camera(const std::string& serial = "A1", const Arguments& more = {}) const {
+    Arguments arguments = {"--accessories", bus(), "--serial", serial, "--name", "Test camera"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    auto process = std::make_unique<Process>(simulatorProgram(), arguments, folder.path());
     EXPECT_TRUE(process->waitForOutput("is attached")) << process->errors();
     return process;
   }
@@ -73,6 +73,13 @@ TEST_F(ExamplesTest, TakeAPhoto) {
   ASSERT_NE(picture, nullptr) << error;
   EXPECT_EQ(picture->width(), 3040);
   EXPECT_EQ(picture->height(), 1520);
+}
+
+TEST_F(ExamplesTest, TakeAPhotoTellsThatTheCameraRefuses) {
+  const auto attached = camera("A1", {"--fault", "refuse=0x0007"});
+  const auto host = example("take_a_photo", {"photo.jpg"});
+  EXPECT_EQ(host->wait(), 1);
+  EXPECT_EQ(host->errors(), "the photo failed: NSOSStatusErrorDomain 101\n");
 }
 
 TEST_F(ExamplesTest, TakeAPhotoTellsWhenItCannotBeWritten) {

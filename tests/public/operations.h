@@ -90,6 +90,7 @@ inline constexpr Operation kOperations[] = {
   ZEL_OPERATION(ZELCameraUCD, removeCameraNotificationReceiver, "removeCameraNotificationReceiver:"),
   ZEL_OPERATION(ZELCameraUCD, sendNotification, "sendNotification:value:"),
   ZEL_OPERATION(ZELCameraUCD, sendFileWithType, "sendFileWithType:filePath:fileData:rebackBlock:"),
+  ZEL_OPERATION(ZELCameraUCD, setDemuxVideoRes, "setDemuxVideoRes:"),
   ZEL_OPERATION(ZELCameraUCD, msgCmdStartVideoWithVideoRes, "msgCmdStartVideoWithVideoRes:rebackBlock:"),
   ZEL_OPERATION(ZELCameraUCD, msgCmdStopVPWithRebackBlock, "msgCmdStopVPWithRebackBlock:"),
   ZEL_OPERATION(ZELCameraUCD, msgCmdShutterWithGps, "msgCmdShutterWithGps:gyro:orientation:rebackBlock:photoData:"),

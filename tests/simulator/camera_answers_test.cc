@@ -67,12 +67,11 @@ TEST_P(PlainSettingTest, IsTakenAtItsSizeOnly) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, PlainSettingTest,
-                         testing::Values(PlainSetting{0x000E, 1}, PlainSetting{0x400C, 1}, PlainSetting{0x400D, 1},
-                                         PlainSetting{0x4014, 1}, PlainSetting{0x4015, 2}, PlainSetting{0x4016, 1},
-                                         PlainSetting{0x4017, 96}, PlainSetting{0x4018, 2}, PlainSetting{0x4019, 3},
-                                         PlainSetting{0x401A, 1}, PlainSetting{0x401B, 2}, PlainSetting{0x401C, 2},
-                                         PlainSetting{0x401D, 2}, PlainSetting{0x401E, 1}, PlainSetting{0x401F, 1},
-                                         PlainSetting{0x4020, 1}));
+                         testing::Values(PlainSetting{0x400C, 1}, PlainSetting{0x400D, 1}, PlainSetting{0x4014, 1},
+                                         PlainSetting{0x4015, 2}, PlainSetting{0x4016, 1}, PlainSetting{0x4017, 96},
+                                         PlainSetting{0x4018, 2}, PlainSetting{0x4019, 3}, PlainSetting{0x401A, 1},
+                                         PlainSetting{0x401B, 2}, PlainSetting{0x401C, 2}, PlainSetting{0x401D, 2},
+                                         PlainSetting{0x401E, 1}, PlainSetting{0x401F, 1}, PlainSetting{0x4020, 1}));
 
 TEST_F(CameraAnswersTest, TheExposureIndexFollowsTheBias) {
   EXPECT_EQ(ask(0x4022), (Bytes{1, 12, 0}));
@@ -271,6 +270,12 @@ TEST_F(CameraAnswersTest, RefusesBodiesWhereNoneBelongs) {
     EXPECT_EQ(ask(code, {0}), kRefused) << code;
   EXPECT_EQ(ask(0x400E, {0}), kNone);
   EXPECT_EQ(ask(0x4006, Bytes(7)), kRefused);
+}
+
+TEST(RefusalTest, TellsFlagsFromOtherFirstBytes) {
+  for (const std::uint16_t code : Codes{0x0007, 0x0011, 0x000F, 0x0009, 0x000A, 0x4001, 0x4002, 0x400E, 0x4049})
+    EXPECT_FALSE(hasFlag(code)) << code;
+  for (const std::uint16_t code : Codes{0x0004, 0x0008, 0x4012, 0x402E}) EXPECT_TRUE(hasFlag(code)) << code;
 }
 
 TEST(RefusalTest, IsAFlagOrWhereThereIsNoneAnEmptyBody) {

@@ -3,29 +3,17 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
-#include <memory>
-#include <nlohmann/json.hpp>
 
 #include "simulator/jpeg.h"
-#include "tests/simulator/host_socket.h"
-#include "tests/simulator/temporary_folder.h"
+#include "tests/simulator/connected_test.h"
 
 namespace zel::simulator {
 namespace {
 
 using testing::AnyOf;
 using testing::SizeIs;
-using Frame = HostSocket::Frame;
 
-const Bytes kMarker = {0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA};
-const Bytes kSyncRequest = {0x12, 0,    0,    0,    4,    0,    0x2E, 0x40, 0xAF,
-                            0xFA, 0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA, 0xAF, 0xFA};
 const Bytes kSmallPhotos = {9, 0, 0, 0, 4, 0, 0x02, 0x40, 2};
-
-// A request without body, and a reply.
-Bytes ask(std::uint8_t low, std::uint8_t high) { return {8, 0, 0, 0, 4, 0, low, high}; }
-
-Frame reply(Bytes codeAndBody) { return {4, std::move(codeAndBody)}; }
 
 Bytes shutter() {
   Bytes request = {72, 0, 0, 0, 4, 0, 0x07, 0x00};
@@ -33,80 +21,7 @@ Bytes shutter() {
   return request;
 }
 
-class CameraSimulatorTest : public testing::Test {
- protected:
-  // Two seconds of pictures that only look like H.264, and a little sound: what is shown does not matter here.
-  CameraSimulatorTest() {
-    options.accessoriesFolder = (folder.path() / "bus").string();
-    options.video = (folder.path() / "video.h264").string();
-    options.audio = (folder.path() / "audio.aac").string();
-    std::ofstream video(options.video, std::ios::binary);
-    for (int picture = 0; picture < 60; ++picture)
-      video << std::string("\0\0\0\1", 4) << (picture % 30 == 0 ? '\x65' : '\x41') << std::string(20'000, '\x9A');
-    std::ofstream(options.audio, std::ios::binary) << "\xFF\xF1\x4C\x80\x01\x1F\xFC\x21";
-  }
-
-  void start(std::vector<std::string> faults = {}) {
-    std::string error;
-    for (const auto& fault : faults) ASSERT_TRUE(options.faults.add(fault, error)) << error;
-    options.storage = (folder.path() / "storage").string();
-    simulator = std::make_unique<CameraSimulator>(options);
-    ASSERT_TRUE(simulator->start(error)) << error;
-    const auto content = contentOf(simulator->accessoryFile());
-    ASSERT_TRUE(content.has_value());
-    path = nlohmann::json::parse(*content)["endpoint"]["path"];
-    host = std::make_unique<HostSocket>(path);
-  }
-
-  // Until the reply that follows the marker has been read.
-  void synchronise() {
-    host->send(kSyncRequest);
-    const auto marker = host->waitFor(kMarker);
-    ASSERT_TRUE(marker.has_value());
-    host->drop(*marker + kMarker.size());
-    EXPECT_EQ(host->frame(), reply({0x2E, 0xC0, 1}));
-  }
-
-  Frame answerTo(const Bytes& request) {
-    host->send(request);
-    return host->frame();
-  }
-
-  TemporaryFolder folder;
-  SimulatorOptions options;
-  std::unique_ptr<CameraSimulator> simulator;
-  std::unique_ptr<HostSocket> host;
-  std::string path;
-};
-
-// Where whole frames lead to when they are read from there.
-std::size_t endOfFrames(const Bytes& bytes, std::size_t at, std::size_t end) {
-  while (at + 6 <= end) {
-    const std::size_t length = numberAt<std::uint32_t>(bytes, at);
-    if (length < 6 || length > end - at) return 0;
-    at += length;
-  }
-  return at;
-}
-
-TEST_F(CameraSimulatorTest, StartsInTheMiddleOfAFrame) {
-  start();
-  ASSERT_TRUE(host->receiveAtLeast(200'000));
-  EXPECT_EQ(endOfFrames(host->received, 0, 100'000), 0u);
-}
-
-TEST_F(CameraSimulatorTest, PutsTheMarkerOnceBetweenTwoFrames) {
-  start();
-  ASSERT_TRUE(host->receiveAtLeast(100'000));  // at least one picture behind the torn one
-  host->send(kSyncRequest);
-  const auto marker = host->waitFor(kMarker);
-  ASSERT_TRUE(marker.has_value());
-  std::size_t begin = 1;
-  while (begin < *marker && endOfFrames(host->received, begin, *marker) != *marker) ++begin;
-  EXPECT_LT(begin + 300, *marker);  // from there on, whole frames lead to the marker
-  host->drop(*marker + kMarker.size());
-  EXPECT_EQ(host->frame(), reply({0x2E, 0xC0, 1}));
-}
+using CameraSimulatorTest = ConnectedTest;
 
 TEST_F(CameraSimulatorTest, AnswersLaterSyncRequestsWithoutAMarker) {
   start();
@@ -119,16 +34,6 @@ TEST_F(CameraSimulatorTest, RefusesSyncDataThatIsNoMarker) {
   start();
   synchronise();
   EXPECT_EQ(answerTo({9, 0, 0, 0, 4, 0, 0x2E, 0x40, 0xAF}), reply({0x2E, 0xC0, 0}));
-}
-
-TEST_F(CameraSimulatorTest, KeepsFramesComing) {
-  start();
-  synchronise();
-  for (int i = 0; i < 20; ++i) {
-    const auto frame = host->anyFrame();
-    ASSERT_TRUE(frame.has_value());
-    EXPECT_THAT(frame->type, AnyOf(1, 2, 8));
-  }
 }
 
 const Bytes kClockRequest = {16, 0, 0, 0, 4, 0, 0x49, 0x40, 1, 2, 3, 4, 5, 6, 7, 8};
@@ -192,23 +97,6 @@ TEST_F(CameraSimulatorTest, SendsAPhotoThatIsAPicture) {
   EXPECT_EQ(picture->width, 640);
   EXPECT_EQ(picture->height, 320);
   EXPECT_EQ(host->frame(), reply({0x0C, 0x60, 0}));
-}
-
-TEST_F(CameraSimulatorTest, StopsItsPreviewAndStillShowsThatItIsThere) {
-  start();
-  synchronise();
-  EXPECT_EQ(answerTo(ask(0x06, 0x00)), reply({0x06, 0x80, 1}));
-  for (int i = 0; i < 3; ++i) {
-    const auto frame = host->anyFrame();
-    ASSERT_TRUE(frame.has_value());
-    EXPECT_EQ(frame->type, 8);
-    EXPECT_THAT(frame->payload, SizeIs(9));
-  }
-  EXPECT_EQ(answerTo({9, 0, 0, 0, 4, 0, 0x04, 0x00, 7}), reply({0x04, 0x80, 1, 7}));
-  std::optional<Frame> frame = host->anyFrame();
-  while (frame && frame->type == 8) frame = host->anyFrame();
-  ASSERT_TRUE(frame.has_value());
-  EXPECT_EQ(frame->type, 1);
 }
 
 TEST_F(CameraSimulatorTest, WritesTheFilesThatTheHostSends) {

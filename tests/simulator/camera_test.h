@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -74,11 +75,13 @@ class RecordingHost final : public HostLink {
   void send(Bytes frame) override { frames.push_back(std::move(frame)); }
   void startPreview(int resolution) override { preview = resolution; }
   void stopPreview() override { preview = -1; }
+  void switchSound(bool on) override { sound = on; }
   std::int64_t mediaTime() const override { return 0x0102030405; }
 
   std::vector<Reply> replies;
   std::vector<Bytes> frames;
   int preview = 0;
+  std::optional<bool> sound;
 };
 
 inline constexpr std::int64_t kStartOfTests = 1767323045;  // 2026-01-02 03:04:05 UTC

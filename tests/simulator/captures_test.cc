@@ -91,6 +91,15 @@ TEST_F(CapturesTest, NamesFilesByTheTimeThatTheHostSet) {
   EXPECT_EQ(Bytes(reply.begin(), reply.begin() + 4), (Bytes{0xE2, 0x35, 0x57, 0x69}));
 }
 
+TEST_F(CapturesTest, NamesFilesOutsideAsciiWhereThatIsTheFault) {
+  faults.nameLetters = "_\xC3\xA9";
+  const Bytes reply = ask(0x0007, Bytes(64));
+  const std::string name = "IMG_20260102_030405_00_001_\xC3\xA9.jpg";
+  EXPECT_EQ(Bytes(reply.begin() + 12, reply.end()), joined(ofText(name), {0}));
+  EXPECT_EQ(photos()[0].name, name);
+  EXPECT_THAT(ask(0x4028, ofText(name)), SizeIs(193));
+}
+
 TEST_F(CapturesTest, TellsInThePhotoWhenAndWhereItWasTaken) {
   Bytes sensors;
   for (const double value : {48.5, -11.25, 519.5}) put(sensors, std::bit_cast<std::uint64_t>(value));

@@ -44,10 +44,12 @@ TEST_F(FaultsTest, TakesTheGivenValue) {
 }
 
 TEST_F(FaultsTest, TurnsSwitchesOn) {
-  for (const char* spec : {"one-byte-writes", "split", "unknown-types", "no-photo", "short-photo", "upload-fail"})
+  for (const char* spec : {"one-byte-writes", "split", "unknown-types", "no-photo", "short-photo", "upload-fail",
+                           "early-marker", "file-kinds", "unmatched-paths"})
     EXPECT_TRUE(add(spec)) << error;
   EXPECT_TRUE(faults.oneByteWrites && faults.split && faults.unknownTypes);
   EXPECT_TRUE(faults.noPhoto && faults.shortPhoto && faults.uploadFail);
+  EXPECT_TRUE(faults.earlyMarker && faults.fileKinds && faults.unmatchedPaths);
 }
 
 TEST_F(FaultsTest, CollectsCodesInBothNotations) {
@@ -62,6 +64,21 @@ TEST_F(FaultsTest, AimsAtOneRequestOrAtAll) {
   EXPECT_FALSE(faults.shortReply.contains(0x4002));
   EXPECT_TRUE(add("duplicate-reply"));
   EXPECT_TRUE(faults.duplicateReply.contains(0x4002));
+}
+
+TEST_F(FaultsTest, AimsFlagsAndTrailingBytesAtOneRequestOrAtAll) {
+  EXPECT_TRUE(add("high-flags=0x4001"));
+  EXPECT_TRUE(add("trailing-bytes"));
+  EXPECT_TRUE(faults.highFlags.contains(0x4001));
+  EXPECT_FALSE(faults.highFlags.contains(0x4002));
+  EXPECT_TRUE(faults.trailingBytes.contains(0x4002));
+}
+
+TEST_F(FaultsTest, NamesFilesOutsideAscii) {
+  EXPECT_TRUE(add("utf8-names"));
+  EXPECT_EQ(faults.nameLetters, "_\u00E9\u5317");
+  EXPECT_TRUE(add("latin1-names"));
+  EXPECT_EQ(faults.nameLetters, "_\xE9");
 }
 
 TEST_F(FaultsTest, ReadsWhichReplyIsLateAndByHowMuch) {
@@ -102,14 +119,23 @@ TEST_F(FaultsTest, RefusesValuesThatAreMissingMalformedOrOutOfRange) {
                            "late-reply=/5",
                            "late-reply=0x4001/3600001",
                            "no-photo=1",
+                           "high-flags=none",
+                           "trailing-bytes=",
+                           "utf8-names=1",
+                           "latin1-names=1",
+                           "early-marker=1",
+                           "file-kinds=3",
+                           "unmatched-paths=x",
                            "short-reply=none"})
     EXPECT_FALSE(add(spec)) << spec;
 }
 
 TEST_F(FaultsTest, HelpNamesEveryFault) {
-  for (const char* name : {"garbage", "one-byte-writes", "split", "stall", "unknown-types", "length-zero",
-                           "length-4gib", "disconnect", "storm", "slow-sync", "no-reply", "refuse", "duplicate-reply",
-                           "short-reply", "late-reply", "no-photo", "short-photo", "upload-fail"})
+  for (const char* name : {"garbage",        "one-byte-writes", "split",           "stall",        "unknown-types",
+                           "length-zero",    "length-4gib",     "disconnect",      "storm",        "slow-sync",
+                           "no-reply",       "refuse",          "duplicate-reply", "short-reply",  "late-reply",
+                           "no-photo",       "short-photo",     "upload-fail",     "early-marker", "high-flags",
+                           "trailing-bytes", "utf8-names",      "latin1-names",    "file-kinds",   "unmatched-paths"})
     EXPECT_THAT(kFaultHelp, HasSubstr("\n  " + std::string(name)));
 }
 

@@ -38,6 +38,12 @@ TEST_F(RecorderTest, NamesAFileThatHasGrownWithTheTime) {
   EXPECT_EQ(ask(0x0009), entry({0x20, 0xBC, 0xBE, 0, 0, 0, 0, 0}, "VID_20260102_030405_00_001.mp4"));
 }
 
+TEST_F(RecorderTest, NamesFilesOutsideAsciiWhereThatIsTheFault) {
+  faults.nameLetters = "_\xE9";
+  ask(0x0008, Bytes(64));
+  EXPECT_EQ(ask(0x0009), entry(Bytes(8), "VID_20260102_030405_00_001_\xE9.mp4"));
+}
+
 TEST_F(RecorderTest, GrowsByTheBitrateThatWasSetAtItsStart) {
   ask(0x000C, {0, 80});
   ask(0x0008, Bytes(64));

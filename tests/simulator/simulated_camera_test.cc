@@ -36,6 +36,20 @@ TEST_F(SimulatedCameraTest, RefusesPreviewRequestsOfAnotherLength) {
   EXPECT_EQ(host->preview, 99);
 }
 
+TEST_F(SimulatedCameraTest, SwitchesTheSound) {
+  EXPECT_EQ(ask(0x000E, {1}), kDone);
+  EXPECT_EQ(host->sound, true);
+  EXPECT_EQ(ask(0x000E, {0}), kDone);
+  EXPECT_EQ(host->sound, false);
+}
+
+TEST_F(SimulatedCameraTest, RefusesSoundThatIsNeitherOnNorOff) {
+  EXPECT_EQ(ask(0x000E, {2}), kRefused);
+  EXPECT_EQ(ask(0x000E), kRefused);
+  EXPECT_EQ(ask(0x000E, {1, 1}), kRefused);
+  EXPECT_EQ(host->sound, std::nullopt);
+}
+
 TEST_F(SimulatedCameraTest, ItsBatteryGoesDownAndSaysSo) {
   camera->start();
   world.pass(119s);

@@ -101,5 +101,23 @@ TEST_F(UploadsTest, RefusesEveryFileWhereThatIsTheFault) {
   EXPECT_EQ(entriesIn(folder.path()), 0u);
 }
 
+TEST_F(UploadsTest, SendsRepliesOfOtherKindsFirstWhereThatIsTheFault) {
+  faults.fileKinds = true;
+  upload("a", {1});
+  const auto failed = [](std::uint8_t low, std::uint8_t high) {
+    return joined({76, 0, 0, 0, 9, 0, 0, 0, low, high, 1, 0}, textField("a", 64));
+  };
+  EXPECT_THAT(host->frames,
+              ElementsAre(failed(0, 0), failed(1, 0), failed(3, 0), failed(2, 1), failed(0xFF, 0xFF), answer("a", 0)));
+}
+
+TEST_F(UploadsTest, NamesAnotherPathWhereThatIsTheFault) {
+  faults.unmatchedPaths = true;
+  upload("a", {1});
+  upload("../b", {1});
+  EXPECT_THAT(host->frames, ElementsAre(answer("nobody/sent/this", 0), answer("nobody/sent/this", 1)));
+  EXPECT_EQ(contentOf(folder.path() / "a"), Bytes{1});
+}
+
 }  // namespace
 }  // namespace zel::simulator

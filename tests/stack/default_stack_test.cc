@@ -6,13 +6,20 @@
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
+#include <stdlib.h>
+
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "platform/simulated/simulated_platform.h"
 #include "transport/camera_data_parser.h"
+#include "transport/zel_camera_data_writer.h"
 
 namespace zel::test {
 namespace {
@@ -87,6 +94,43 @@ TEST(DefaultStackDeathTest, GivesTheDateFormatterTheClockOfTheProcess) {
         exitWith(ZELDateFormatter::defaultFormatter().getCurrentTime() == "2024-03-02 09:05:03:007");
       },
       testing::ExitedWithCode(0), "");
+}
+
+class Folder final : public platform::Documents {
+ public:
+  Folder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "zel-documents-XXXXXX").string();
+    path = ::mkdtemp(pattern.data());
+  }
+  ~Folder() override { std::filesystem::remove_all(path); }
+  std::string folder() override { return path; }
+  std::string path;
+};
+
+// Whether a formatter that is used before the host has ports neither ends the process nor keeps the host from naming
+// them, and logs with them afterwards.
+bool logsBeforeAndAfterPorts() {
+  ZELDateFormatter& formatter = ZELDateFormatter::defaultFormatter();
+  formatter.writeLogToFile("lost", 4);
+  const std::string early = formatter.getCurrentTime();  // of a system whose clock was set
+  auto* host = new platform::SimulatedPlatform();
+  Folder documents;
+  host->setNow(731'063'103.007);
+  platform::Ports ports = host->ports();
+  ports.documents = &documents;
+  setDefaultPorts(ports);
+  formatter.writeLogToFile("kept", 4);
+  std::ifstream log(documents.path + "/log.txt", std::ios::binary);
+  const std::string kept{std::istreambuf_iterator<char>(log), {}};
+  return early > "2020" && formatter.getCurrentTime() == "2024-03-02 09:05:03:007" && kept == "kept";
+}
+
+TEST(DefaultStackDeathTest, LogsBeforePortsAreNamedAndWithThemAfterwards) {
+  EXPECT_EXIT(exitWith(logsBeforeAndAfterPorts()), testing::ExitedWithCode(0), "");
+}
+
+TEST(DefaultStackDeathTest, HasOneDataWriter) {
+  EXPECT_EQ(&ZELCameraDataWriter::defaultWriter(), &ZELCameraDataWriter::defaultWriter());
 }
 
 TEST(DefaultStackDeathTest, SaysWhatIsMissingWithoutPorts) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -12,6 +13,20 @@
 
 namespace zel {
 namespace {
+
+// Nobody's rights, where the test runs as root, who may read everything. Errors: false where they cannot be had.
+class WithoutPrivileges {
+ public:
+  WithoutPrivileges() { had_ = ::geteuid() != 0 || ::seteuid(kNobody) == 0; }
+  ~WithoutPrivileges() {
+    if (::getuid() == 0) had_ = ::seteuid(0) == 0;
+  }
+  explicit operator bool() const { return had_; }
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+  bool had_ = false;
+};
 
 class LogFileTest : public testing::Test {
  protected:
@@ -76,6 +91,20 @@ TEST_F(LogFileTest, ReplacesWhatCannotBeOpened) {
   append("one");
   EXPECT_EQ(contentOf(file()), "one");
   EXPECT_FALSE(std::filesystem::is_symlink(file()));
+}
+
+TEST_F(LogFileTest, GrowsWhereItMayBeWrittenAndNotRead) {
+  append("one");
+  std::filesystem::permissions(folder, std::filesystem::perms::all);
+  ASSERT_EQ(::chmod(file().c_str(), 0222), 0);
+  {
+    const WithoutPrivileges nobody;
+    if (!nobody) GTEST_SKIP() << "this machine lets nobody give up their rights";
+    ASSERT_EQ(contentOf(file()), "no file");
+    append("two");
+  }
+  ASSERT_EQ(::chmod(file().c_str(), 0600), 0);
+  EXPECT_EQ(contentOf(file()), "onetwo");
 }
 
 TEST_F(LogFileTest, LosesTheBytesInSilenceWhereTheFolderIsMissing) {

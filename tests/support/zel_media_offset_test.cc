@@ -122,6 +122,14 @@ TEST(ZELMediaOffsetTest, ReadsWhatIsNoNumberAsZero) {
   EXPECT_EQ(offset.valueC, 0u);
 }
 
+TEST(ZELMediaOffsetTest, ReadsANumberOfTwoSignsAsZero) {
+  const ZELMediaOffset offset = getMediaOffsetFromOffset("1_+-5_-+5_--5_++5_+5_-5_+-5_-+5_+5");
+  EXPECT_EQ(offset.lenses[0].p, (std::array<S32, 6>{0, 0, 0, 0, 5000, -5000}));
+  EXPECT_EQ(offset.valueA, 0);
+  EXPECT_EQ(offset.valueB, 0);
+  EXPECT_EQ(offset.valueC, 5u);
+}
+
 TEST(ZELMediaOffsetTest, TruncatesTowardZero) {
   const ZELMediaOffset offset = getMediaOffsetFromOffset("1_1.9999_-1.9999_0.0009_-0.0009_+2_ 3_0_0_0");
   EXPECT_EQ(offset.lenses[0].p, (std::array<S32, 6>{1999, -1999, 0, 0, 2000, 3000}));

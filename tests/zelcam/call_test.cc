@@ -170,40 +170,6 @@ TEST_F(CallTest, UploadsAFileByItsBareOperation) {
   EXPECT_EQ(call({"sendFileWithType", "1", "a.bin", "0001ff"})["error"], Json());
 }
 
-// -- info
-
-TEST_F(CallTest, InfoTellsWhoTheCameraIsAndHowItIs) {
-  const auto camera = simulator({"--serial", "INFO1", "--firmware", "200"});
-  const Json info = run({"info"});
-  EXPECT_EQ(info["serialNumber"], "INFO1");
-  EXPECT_EQ(info["storedSerialNumber"], "INFO1");
-  EXPECT_EQ(info["firewareVersion"], 200);
-  EXPECT_EQ(info["status"], 2);
-  for (const char* key : {"powerType", "batteryLevel", "cardState", "cardSpaceFree", "cardSpaceWhole",
-                          "videoTimeRemaining", "photoShotsRemaining", "clockOffset"}) {
-    EXPECT_TRUE(info[key].is_number()) << key;
-  }
-  EXPECT_TRUE(info["uuid"].is_string());
-}
-
-TEST_F(CallTest, InfoShowsTheRestWhereTheCameraRefusesOneQuestion) {
-  const auto camera = simulator({"--fault", "refuse=0x4025"});
-  const Json info = run({"info"}, 1);
-  EXPECT_EQ(info["uuid"], Json());
-  EXPECT_TRUE(info["batteryLevel"].is_number());
-  EXPECT_THAT(errors, HasSubstr("uuid: the camera refused"));
-}
-
-TEST_F(CallTest, InfoShowsTheRestWhereTheCameraLeavesOneQuestionUnanswered) {
-  const auto camera = simulator({"--fault", "no-reply=0x4043"});
-  const auto host = zelcam({"--json", "--timeout", "1.5", "info"});
-  EXPECT_EQ(host->wait(), 3);
-  const Json info = lines(*host).at(0);
-  EXPECT_EQ(info["photoShotsRemaining"], Json());
-  EXPECT_TRUE(info["batteryLevel"].is_number());
-  EXPECT_THAT(host->errors(), HasSubstr("photoShotsRemaining: the camera did not answer within 1.5 s"));
-}
-
 // -- offset
 
 TEST_F(CallTest, OffsetTurnsTextIntoARecordAndBack) {

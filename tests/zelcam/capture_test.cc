@@ -193,9 +193,39 @@ TEST_F(CaptureTest, AnEmptyFileCanBeUploaded) {
   EXPECT_TRUE(fs::exists(storage + "/empty"));
 }
 
+// The photo's own name is ASCII or none; the reply's is UTF-8, and stands in for it.
+TEST_F(CaptureTest, APhotoNamedOutsideAsciiBearsTheNameOfTheReply) {
+  const auto process = camera({"--fault", "utf8-names"});
+  const auto told = run({"photo", "-o", pictures()});
+  ASSERT_THAT(told, SizeIs(1));
+  EXPECT_THAT(told[0]["name"].get<std::string>(), testing::EndsWith("_001_\u00E9\u5317.jpg"));
+  EXPECT_THAT(filesIn(pictures()), ElementsAre(told[0]["name"].get<std::string>()));
+}
+
+TEST_F(CaptureTest, APhotoWhoseNameIsNoTextIsRefused) {
+  const auto process = camera({"--fault", "latin1-names"});
+  run({"photo", "-o", pictures()}, 1);
+  EXPECT_THAT(errors, HasSubstr("photo: the camera refused"));
+  EXPECT_THAT(filesIn(pictures()), IsEmpty());
+}
+
 TEST_F(CaptureTest, ARefusedUploadIsTold) {
   const auto process = camera({"--fault", "upload-fail"});
   EXPECT_THAT(run({"upload", newFile("up.bin", "abc")}, 1), IsEmpty());
+  EXPECT_THAT(errors, HasSubstr("upload: the camera refused"));
+}
+
+TEST_F(CaptureTest, AnUploadPassesOverRepliesOfOtherKinds) {
+  const auto process = camera({"--fault", "file-kinds"});
+  run({"upload", newFile("up.bin", "abc")});
+  EXPECT_EQ(contents(storage + "/up.bin"), "abc");
+}
+
+TEST_F(CaptureTest, AnAnswerToAPathThatNobodySentIsTheUploadsAnswer) {
+  const auto process = camera({"--fault", "unmatched-paths"});
+  run({"upload", newFile("up.bin", "abc")});
+  EXPECT_EQ(contents(storage + "/up.bin"), "abc");
+  run({"upload", newFile("up.bin", "abc"), "--as", "../up.bin"}, 1);
   EXPECT_THAT(errors, HasSubstr("upload: the camera refused"));
 }
 

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -64,6 +65,15 @@ TEST_F(DiagnosticsTest, GoBehindWhatTheFileHolds) {
   EXPECT_EQ(zelcam({"--log", log(), "offset", "2_1"})->wait(), 0);
   EXPECT_THAT(notes(), ElementsAre("before", "zelcam --accessories " + bus() + " --log " + log() + " offset 2_1",
                                    "ended with status 0"));
+}
+
+TEST_F(DiagnosticsTest, GoIntoAFileThatMayBeWrittenAndNotRead) {
+  if (::geteuid() == 0) GTEST_SKIP() << "root may read every file";
+  std::ofstream(log()) << "";
+  ::chmod(log().c_str(), 0200);
+  EXPECT_EQ(zelcam({"--log", log(), "offset", "2_1"})->wait(), 0);
+  ::chmod(log().c_str(), 0600);
+  EXPECT_THAT(notes(), Contains("ended with status 0"));
 }
 
 TEST_F(DiagnosticsTest, ShowArgumentsAsAShellTakesThemAndObeyNoControlCharacters) {

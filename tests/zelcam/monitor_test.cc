@@ -11,12 +11,12 @@ using testing::HasSubstr;
 
 class MonitorTest : public ZelcamTest {
  protected:
-  // Monitors a camera with these faults for some seconds and returns the summary.
+  // Monitors the preview of a camera with these faults for some seconds and returns the summary.
   Json summaryWith(Arguments faults, const std::string& seconds = "3") {
     Arguments arguments;
     for (const auto& fault : faults) arguments.insert(arguments.end(), {"--fault", fault});
     const auto camera = simulator(arguments);
-    const auto host = zelcam({"--json", "--timeout", "60", "monitor", "--seconds", seconds});
+    const auto host = zelcam({"--json", "--timeout", "60", "monitor", "--preview", "3", "--seconds", seconds});
     EXPECT_EQ(host->wait(), 0) << host->errors();
     statuses.clear();
     for (const Json& line : lines(*host)) {
@@ -34,11 +34,28 @@ TEST_F(MonitorTest, ShowsTheLinkComingUpAndTheClock) {
   EXPECT_EQ(summary["status"], 2);
   EXPECT_GT(summary["frames"]["video"]["frames"], 5);
   EXPECT_GT(summary["frames"]["timestamp"]["frames"], 10);
+  EXPECT_GT(summary["frames"]["audio"]["frames"], 5);
   EXPECT_GT(summary["clockOffset"], 700'000'000'000);
   EXPECT_GE(summary["roundTrip"], 0);
   EXPECT_EQ(summary["positionsLost"], 0);
   EXPECT_GT(summary["bytesDiscarded"], 0);  // the stream began in the middle of a frame
   EXPECT_EQ(statuses, (std::vector<int>{1, 2}));
+}
+
+TEST_F(MonitorTest, GetsTimestampsAloneFromACameraThatWasAskedForNothing) {
+  const auto camera = simulator();
+  const auto host = zelcam({"--json", "--timeout", "60", "monitor", "--seconds", "2"});
+  EXPECT_EQ(host->wait(), 0) << host->errors();
+  const Json frames = lines(*host).back()["frames"];
+  EXPECT_GE(frames["timestamp"]["frames"], 2);
+  EXPECT_FALSE(frames.contains("video"));
+  EXPECT_FALSE(frames.contains("audio"));
+}
+
+TEST_F(MonitorTest, FindsAMarkerThatComesUnasked) {
+  const Json summary = summaryWith({"early-marker"});
+  EXPECT_EQ(summary["markersFound"], 1);
+  EXPECT_GT(summary["frames"]["video"]["frames"], 0);
 }
 
 TEST_F(MonitorTest, FindsTheMarkerBehindGarbage) { EXPECT_EQ(summaryWith({"garbage=5000"})["markersFound"], 1); }
@@ -105,11 +122,16 @@ TEST_F(MonitorTest, KeepsGoingWithoutAnAnswerToTheClock) {
   EXPECT_EQ(summary["status"], 2);
 }
 
-TEST_F(MonitorTest, MeasuresNoClockBelowFirmware190) {
+// The time stamps of an old camera set no time, but are signs of life: with nothing else for four seconds the link
+// stays up.
+TEST_F(MonitorTest, BelowFirmware190KeepsTheLinkUpByTimestampsAndMeasuresNoClock) {
   const auto camera = simulator({"--firmware", "189"});
-  const auto host = zelcam({"--json", "monitor", "--seconds", "2"});
+  const auto host = zelcam({"--json", "--timeout", "60", "monitor", "--seconds", "4"});
   EXPECT_EQ(host->wait(), 0);
-  EXPECT_EQ(lines(*host).back()["clockOffset"], 0);
+  const Json summary = lines(*host).back();
+  EXPECT_EQ(summary["clockOffset"], 0);
+  EXPECT_EQ(summary["status"], 2);
+  EXPECT_GE(summary["dropped"]["timestampOldFirmware"], 4);
 }
 
 TEST_F(MonitorTest, EndsWithThreeWhenNoCameraComes) {
