@@ -14,10 +14,10 @@
 
 namespace {
 
-// Full-range ITU-R BT.601 to red, green and blue.
-void writePixel(std::ostream& file, double y, double u, double v) {
-  for (const double value : {y + 1.402 * v, y - 0.344136 * u - 0.714136 * v, y + 1.772 * u})
-    file.put(static_cast<char>(static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0))));
+// Red, green and blue: a picture tells the matrix of its luma and chroma; its range is always the full one.
+void writePixel(std::ostream& file, double luma, const zel::platform::ColourDifferences& above) {
+  for (const double value : {luma + above.red, luma + above.green, luma + above.blue})
+    file.put(static_cast<char>(static_cast<std::uint8_t>(std::clamp(value + 0.5, 0.0, 255.0))));
 }
 
 struct Saver final : ZELPixelBufferDataProtocol {
@@ -29,7 +29,8 @@ struct Saver final : ZELPixelBufferDataProtocol {
     for (std::size_t y = 0; y < luma.rows; ++y) {
       for (std::size_t x = 0; x < luma.rowBytes; ++x) {
         const auto* uv = chroma.data + y / 2 * chroma.stride + x / 2 * 2;
-        writePixel(file, luma.data[y * luma.stride + x], uv[0] - 128, uv[1] - 128);
+        writePixel(file, luma.data[y * luma.stride + x],
+                   zel::platform::differencesOf(picture->colour().matrix, uv[0], uv[1]));
       }
     }
     if (saved == 3) done();

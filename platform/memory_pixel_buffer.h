@@ -41,6 +41,9 @@ class MemoryPixelBuffer final : public PixelBuffer {
   PixelPlane chroma() const override {
     return {chroma_.data(), stride_, chromaRowBytes(width_), chromaSamples(height_)};
   }
+  PictureColour colour() const override { return colour_; }
+
+  void setColour(const PictureColour& colour) { colour_ = colour; }
 
   // One row's bytes, to be written. The row must exist.
   std::span<std::uint8_t> lumaRow(std::size_t row) {
@@ -68,6 +71,7 @@ class MemoryPixelBuffer final : public PixelBuffer {
   const std::size_t stride_;
   std::vector<std::uint8_t> luma_;
   std::vector<std::uint8_t> chroma_;
+  PictureColour colour_;
 };
 
 }  // namespace zel::platform

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/picture_colour.h"
+
 namespace zel::platform {
 
 // Rows of bytes, each beginning `stride` bytes behind the one before.
@@ -31,6 +33,10 @@ class PixelBuffer {
 
   virtual PixelPlane luma() const = 0;
   virtual PixelPlane chroma() const = 0;
+
+  // By which matrix the planes become red, green and blue, and what else is told of the colours. A picture that says
+  // nothing is one of BT.601.
+  virtual PictureColour colour() const { return {}; }
 };
 
 using PixelBufferRef = std::shared_ptr<const PixelBuffer>;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "apps/zelcam/rgb_picture.h"
 #include "platform/memory_pixel_buffer.h"
 
 namespace zel::app {
@@ -38,37 +39,58 @@ struct ChromaPlanes {
   std::vector<std::uint8_t> bytes;
 };
 
-void merge(ChromaPlanes& planes, MemoryPixelBuffer& into) {
-  libyuv::MergeUVPlane(planes.cb(), planes.step(), planes.cr(), planes.step(), into.chromaRow(0).data(),
-                       static_cast<int>(into.chroma().stride), planes.step(), static_cast<int>(planes.rows));
-}
-
-// A file with chroma of half the width and height has just what is wanted.
-bool readPlanes(void* decoder, Bytes file, const Header& header, MemoryPixelBuffer& into, ChromaPlanes& chroma) {
+// A file with luma, and chroma of half the width and height, has just what is wanted.
+bool readPlanes(void* decoder, Bytes file, const Header& header, MemoryPixelBuffer& into) {
+  ChromaPlanes chroma(header.width, header.height);
   std::uint8_t* planes[] = {into.lumaRow(0).data(), chroma.cb(), chroma.cr()};
   int strides[] = {static_cast<int>(into.luma().stride), chroma.step(), chroma.step()};
-  return tjDecompressToYUVPlanes(decoder, file.data(), file.size(), planes, header.width, strides, header.height, 0) ==
-         0;
+  if (tjDecompressToYUVPlanes(decoder, file.data(), file.size(), planes, header.width, strides, header.height, 0) != 0)
+    return false;
+  libyuv::MergeUVPlane(chroma.cb(), chroma.step(), chroma.cr(), chroma.step(), into.chromaRow(0).data(),
+                       static_cast<int>(into.chroma().stride), chroma.step(), static_cast<int>(chroma.rows));
+  return true;
 }
 
-bool readColours(void* decoder, Bytes file, const Header& header, MemoryPixelBuffer& into, ChromaPlanes& chroma) {
+bool readColours(void* decoder, Bytes file, const Header& header, MemoryPixelBuffer& into) {
   const int stride = header.width * 4;
-  std::vector<std::uint8_t> colours(static_cast<std::size_t>(stride) * static_cast<std::size_t>(header.height));
-  if (tjDecompress2(decoder, file.data(), file.size(), colours.data(), header.width, stride, header.height, TJPF_BGRA,
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride) * static_cast<std::size_t>(header.height));
+  if (tjDecompress2(decoder, file.data(), file.size(), pixels.data(), header.width, stride, header.height, TJPF_BGRA,
                     0) != 0)
     return false;
-  return libyuv::ARGBToJ420(colours.data(), stride, into.lumaRow(0).data(), static_cast<int>(into.luma().stride),
-                            chroma.cb(), chroma.step(), chroma.cr(), chroma.step(), header.width, header.height) == 0;
+  setBgra(pixels, into);
+  return true;
 }
 
 bool read(void* decoder, Bytes file, const Header& header, MemoryPixelBuffer& into) {
-  ChromaPlanes chroma(header.width, header.height);
   // With odd sides the library's planes are larger than the picture's.
   const bool isEven = header.width % 2 == 0 && header.height % 2 == 0;
-  const bool isSame = header.subsampling == TJSAMP_420 && isEven;
-  if (!(isSame ? readPlanes : readColours)(decoder, file, header, into, chroma)) return false;
-  merge(chroma, into);
-  return true;
+  const bool isSame = header.subsampling == TJSAMP_420 && header.colours == TJCS_YCbCr && isEven;
+  return (isSame ? readPlanes : readColours)(decoder, file, header, into);
+}
+
+// Both fill `file`, which is as large as any of the size can be, and return how much of it they took; 0 where they
+// failed.
+unsigned long writePlanes(void* encoder, const platform::PixelBuffer& picture, int quality, JpegBytes& file) {
+  ChromaPlanes chroma(picture.width(), picture.height());
+  const platform::PixelPlane luma = picture.luma(), both = picture.chroma();
+  libyuv::SplitUVPlane(both.data, static_cast<int>(both.stride), chroma.cb(), chroma.step(), chroma.cr(), chroma.step(),
+                       chroma.step(), static_cast<int>(chroma.rows));
+  const std::uint8_t* planes[] = {luma.data, chroma.cb(), chroma.cr()};
+  const int strides[] = {static_cast<int>(luma.stride), chroma.step(), chroma.step()};
+  unsigned long size = file.size();
+  std::uint8_t* into = file.data();
+  const int status = tjCompressFromYUVPlanes(encoder, planes, picture.width(), strides, picture.height(), TJSAMP_420,
+                                             &into, &size, quality, TJFLAG_NOREALLOC);
+  return status == 0 ? size : 0;
+}
+
+unsigned long writeColours(void* encoder, const platform::PixelBuffer& picture, int quality, JpegBytes& file) {
+  const std::vector<std::uint8_t> pixels = bgraOf(picture);
+  unsigned long size = file.size();
+  std::uint8_t* into = file.data();
+  const int status = tjCompress2(encoder, pixels.data(), picture.width(), 0, picture.height(), TJPF_BGRA, &into, &size,
+                                 TJSAMP_420, quality, TJFLAG_NOREALLOC);
+  return status == 0 ? size : 0;
 }
 
 // Where the segment of a header ends that begins at `at`, a marker; 0 where no segment is.
@@ -117,18 +139,11 @@ std::optional<JpegBytes> jpegOf(const platform::PixelBuffer& picture, int qualit
   const Handle encoder(tjInitCompress());
   const unsigned long most = tjBufSize(width, height, TJSAMP_420);
   if (!encoder || width % 2 != 0 || height % 2 != 0 || most == static_cast<unsigned long>(-1)) return std::nullopt;
-  ChromaPlanes chroma(width, height);
-  const platform::PixelPlane luma = picture.luma(), both = picture.chroma();
-  libyuv::SplitUVPlane(both.data, static_cast<int>(both.stride), chroma.cb(), chroma.step(), chroma.cr(), chroma.step(),
-                       chroma.step(), static_cast<int>(chroma.rows));
-  const std::uint8_t* planes[] = {luma.data, chroma.cb(), chroma.cr()};
-  const int strides[] = {static_cast<int>(luma.stride), chroma.step(), chroma.step()};
   JpegBytes file(most);
-  unsigned long size = most;
-  std::uint8_t* into = file.data();
-  if (tjCompressFromYUVPlanes(encoder.get(), planes, width, strides, height, TJSAMP_420, &into, &size, quality,
-                              TJFLAG_NOREALLOC) != 0)
-    return std::nullopt;
+  // The format knows the matrix of BT.601 alone.
+  const bool isSame = picture.colour().matrix == platform::ColourMatrix::bt601;
+  const unsigned long size = (isSame ? writePlanes : writeColours)(encoder.get(), picture, quality, file);
+  if (size == 0) return std::nullopt;
   file.resize(size);
   return file;
 }

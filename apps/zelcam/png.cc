@@ -1,30 +1,15 @@
 #include "apps/zelcam/png.h"
 
-#include <libyuv.h>
 #include <png.h>
 
 #include <cstddef>
 #include <utility>
 
 #include "apps/zelcam/file.h"
+#include "apps/zelcam/rgb_picture.h"
 
 namespace zel::app {
 namespace {
-
-constexpr std::size_t kBytesAPixel = 4;
-
-// Blue, green, red and an opaque alpha, as libyuv has them and libpng takes them.
-std::vector<std::uint8_t> coloursOf(const platform::PixelBuffer& picture) {
-  const platform::PixelPlane luma = picture.luma();
-  const platform::PixelPlane chroma = picture.chroma();
-  const int width = picture.width();
-  const int height = picture.height();
-  std::vector<std::uint8_t> colours(kBytesAPixel * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-  libyuv::NV12ToARGBMatrix(luma.data, static_cast<int>(luma.stride), chroma.data, static_cast<int>(chroma.stride),
-                           colours.data(), static_cast<int>(kBytesAPixel) * width, &libyuv::kYuvJPEGConstants, width,
-                           height);
-  return colours;
-}
 
 constexpr png_uint_32 kLargestSide = 8192;
 
@@ -51,7 +36,7 @@ std::optional<platform::RgbaImage> readPng(const std::string& path, std::string&
 }
 
 std::optional<std::vector<std::uint8_t>> pngOf(const platform::PixelBuffer& picture) {
-  const std::vector<std::uint8_t> colours = coloursOf(picture);
+  const std::vector<std::uint8_t> colours = bgraOf(picture);
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   image.width = static_cast<png_uint_32>(picture.width());

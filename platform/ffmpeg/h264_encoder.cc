@@ -14,6 +14,7 @@ extern "C" {
 #include "platform/ffmpeg/annex_b.h"
 #include "platform/ffmpeg/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
+#include "platform/ffmpeg/matrix_conversion.h"
 
 namespace zel::platform {
 namespace {
@@ -51,12 +52,14 @@ bool canBeMet(const VideoEncoderSettings& settings) {
          settings.bitrate >= Encoders::kLeastBitrate && settings.fps >= 1 && settings.fps <= Encoders::kMostFps;
 }
 
-void describePictures(AVCodecContext& context, const VideoEncoderSettings& settings) {
+void describePictures(AVCodecContext& context, const VideoEncoderSettings& settings, const PictureColour& colour) {
   context.width = settings.width;
   context.height = settings.height;
   context.pix_fmt = AV_PIX_FMT_NV12;
   context.color_range = AVCOL_RANGE_JPEG;
-  context.colorspace = AVCOL_SPC_SMPTE170M;
+  context.colorspace = static_cast<AVColorSpace>(colour.matrix);
+  context.color_primaries = static_cast<AVColorPrimaries>(colour.primaries);
+  context.color_trc = static_cast<AVColorTransferCharacteristic>(colour.transfer);
   context.framerate = {settings.fps, 1};
   context.time_base = {1, settings.fps};
 }
@@ -78,12 +81,13 @@ bool setOption(AVCodecContext& context, const char* name, const char* value) {
   return av_opt_set(context.priv_data, name, value, 0) >= 0;
 }
 
-CodecContextPtr openContext(const VideoEncoderSettings& settings, const LibavEncoderOptions& options) {
+CodecContextPtr openContext(const VideoEncoderSettings& settings, const LibavEncoderOptions& options,
+                            const PictureColour& colour) {
   const AVCodec* codec = avcodec_find_encoder_by_name("libx264");
   CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
   if (!context) return nullptr;
   silence(*context);
-  describePictures(*context, settings);
+  describePictures(*context, settings, colour);
   describeStream(*context, settings, std::clamp(options.threads, 1, Encoders::kMostThreads));
   const bool isSet =
       setOption(*context, "preset", nameOf(options.preset)) && setOption(*context, "tune", "zerolatency") &&
@@ -131,10 +135,8 @@ class H264Encoder final : public VideoEncoder {
 
   bool open() override {
     if (context_ || !canBeMet(settings_)) return false;
-    context_ = openContext(settings_, options_);
     packet_.reset(av_packet_alloc());
-    if (!packet_) context_.reset();
-    return context_ && readParameterSets();
+    return packet_ && openFor(completed({}));
   }
 
   void setSpsPpsCallback(SpsPpsCallback callback) override { parameterSets_ = std::move(callback); }
@@ -142,8 +144,12 @@ class H264Encoder final : public VideoEncoder {
 
   bool encodeImage(const PixelBufferRef& picture, MediaTime time) override {
     if (!context_ || !picture || !fits(*picture)) return false;
+    const PictureColour colour = completed(picture->colour());
+    if (nextNumber_ == 0 && colour != colour_ && !openFor(colour)) return false;
+    const PixelBufferRef converted = inMatrix(picture, colour_.matrix);
+    if (!converted) return false;
     const std::int64_t number = nextNumber_++;
-    const FramePtr frame = frameOf(picture, number);
+    const FramePtr frame = frameOf(converted, number);
     if (!frame || avcodec_send_frame(context_.get(), frame.get()) < 0) return false;
     waiting_.push_back({number, time});
     int status = 0;
@@ -164,6 +170,14 @@ class H264Encoder final : public VideoEncoder {
     const auto width = static_cast<std::size_t>(settings_.width), height = static_cast<std::size_t>(settings_.height);
     return picture.width() == settings_.width && picture.height() == settings_.height &&
            holds(picture.luma(), width, height) && holds(picture.chroma(), width, height / 2);
+  }
+
+  // The parameter sets, which are read here, tell the colours, and these are known with the first picture alone.
+  bool openFor(const PictureColour& colour) {
+    context_.reset();  // its memory and threads go before the next one's come
+    context_ = openContext(settings_, options_, colour);
+    colour_ = colour;
+    return context_ && readParameterSets();
   }
 
   bool readParameterSets() {
@@ -212,6 +226,7 @@ class H264Encoder final : public VideoEncoder {
   const VideoEncoderSettings settings_;
   const LibavEncoderOptions options_;
   CodecContextPtr context_;
+  PictureColour colour_;  // as the parameter sets tell it
   PacketPtr packet_;
   std::vector<std::uint8_t> sps_, pps_, moved_;
   SpsPpsCallback parameterSets_;

@@ -20,9 +20,13 @@ struct LibavEncoderOptions {
 // one slice and so one unit, and each second begins with a key picture. Parameter sets come before the first unit, and
 // not again; delimiters and supplementary information are left out.
 //
-// Pictures are read where they are. They are taken for full range with the matrix of ITU-R BT.601, and declared so.
+// Pictures are read where they are. The stream declares full range and the colours of its first picture, completed
+// where they are untold; a later picture of another matrix is converted to the first one's.
+//
 // Units:  the bitrate counts bits a second, and is not exceeded for longer than a second.
+//
 // Thread: both callbacks run on the thread that hands over a picture, before encodeImage() returns.
+//
 // Errors: open() is false for odd sides and those below kSmallestSide or above kLargestSide, for more pixels than
 //         kMostPixels, for a bitrate below kLeastBitrate, for pictures a second below 1 or above kMostFps, and where
 //         there is no libx264. encodeImage() is false for no picture and one of another size.

@@ -70,14 +70,21 @@ void skipBuffering(BitReader& in) {
   in.skip(20);
 }
 
-void skipPresentation(BitReader& in) {
+H264Colour readColour(BitReader& in) {
+  H264Colour colour;
+  in.skip(3);  // television standard
+  colour.fullRange = in.bit() == 1;
+  if (in.bit() == 0) return colour;
+  for (std::uint8_t* number : {&colour.primaries, &colour.transfer, &colour.matrix})
+    *number = static_cast<std::uint8_t>(in.bits(8));
+  return colour;
+}
+
+void readPresentation(BitReader& in, H264Sequence& sequence) {
   constexpr std::uint32_t kOwnAspect = 255;
   if (in.bit() == 1 && in.bits(8) == kOwnAspect) in.skip(32);
   if (in.bit() == 1) in.skip(1);  // overscan
-  if (in.bit() == 1) {            // video signal
-    in.skip(4);
-    if (in.bit() == 1) in.skip(24);
-  }
+  if (in.bit() == 1) sequence.colour = readColour(in);
   if (in.bit() == 1) {  // place of the chroma samples
     in.number();
     in.number();
@@ -86,7 +93,7 @@ void skipPresentation(BitReader& in) {
 }
 
 void readUsability(BitReader& in, H264Sequence& sequence) {
-  skipPresentation(in);
+  readPresentation(in, sequence);
   bool buffering = false;
   for (int kind = 0; kind < 2; ++kind) {
     if (in.bit() == 0) continue;

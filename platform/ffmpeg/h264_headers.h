@@ -4,11 +4,22 @@
 #include <optional>
 #include <span>
 
+#include "platform/picture_colour.h"
+
 namespace zel::platform {
 
 enum class H264UnitType : std::uint8_t { slice = 1, partition = 2, keySlice = 5, sequence = 7, picture = 8 };
 
 inline H264UnitType typeOf(std::uint8_t header) { return static_cast<H264UnitType>(header & 0x1F); }
+
+// How samples become colours; a stream that does not tell its range is of limited range. The numbers are those of ITU-T
+// H.273.
+struct H264Colour {
+  bool fullRange = false;
+  std::uint8_t primaries = PictureColour::kUntold, transfer = PictureColour::kUntold, matrix = PictureColour::kUntold;
+
+  bool operator==(const H264Colour&) const = default;
+};
 
 // What a sequence parameter set says about the pictures that follow.
 struct H264Sequence {
@@ -20,6 +31,7 @@ struct H264Sequence {
   int referencePictures = 0;
   bool reordersNever = false;         // the order of decoding is said to be that of display
   bool reorderingIsDeclared = false;  // how far pictures are reordered is said
+  H264Colour colour;
 };
 
 // unit: from the header byte on, without start code.

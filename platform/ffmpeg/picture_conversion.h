@@ -19,9 +19,12 @@ constexpr std::uint8_t fullRangeChroma(std::uint8_t limited) {
   return stretched(limited, 128, 74606, 128);
 }  // 255 / 224
 
-// The decoded picture in full range, with interleaved chroma. Luma of a picture that is not declared to be of limited
-// range is used where the decoder has put it.
-// Owner:  keeps the frame's memory as long as the picture lives.
+// The decoded picture in full range, with interleaved chroma and its colours as the stream tells them. A stream that
+// does not tell its range is of limited range, as H.264 has it. Luma of full range is used where the decoder has put
+// it.
+//
+// Owner:  keeps the memory of a frame of full range as long as the picture lives.
+//
 // Errors: null for every format but 8-bit 4:2:0.
 PixelBufferRef pixelsOf(FramePtr frame);
 

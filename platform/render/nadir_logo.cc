@@ -76,10 +76,12 @@ struct Yuv {
   float luma, cb, cr;  // multiplied by the alpha, also the 128 in cb and cr
 };
 
-Yuv yuvOf(const Colour& c) {
-  return {0.299f * c.red + 0.587f * c.green + 0.114f * c.blue,
-          -0.168736f * c.red - 0.331264f * c.green + 0.5f * c.blue + 128 * c.alpha / 255,
-          0.5f * c.red - 0.418688f * c.green - 0.081312f * c.blue + 128 * c.alpha / 255};
+Yuv yuvOf(const Colour& c, const platform::LumaShares& share) {
+  const auto red = static_cast<float>(share.red), blue = static_cast<float>(share.blue);
+  const auto green = static_cast<float>(1 - share.red - share.blue);
+  const float luma = red * c.red + green * c.green + blue * c.blue;
+  const float middle = 128 * c.alpha / 255;
+  return {luma, (c.blue - luma) / (2 * (1 - blue)) + middle, (c.red - luma) / (2 * (1 - red)) + middle};
 }
 
 std::uint8_t byteOf(float value) { return static_cast<std::uint8_t>(std::clamp(std::lround(value), 0L, 255L)); }
@@ -124,7 +126,8 @@ bool isUsable(const LogoImage& image) {
          std::size_t{4} * static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
 }
 
-NadirLogo::NadirLogo(const LogoImage& image, double angle, PictureSize output) {
+NadirLogo::NadirLogo(const LogoImage& image, double angle, PictureSize output, platform::ColourMatrix matrix) {
+  const platform::LumaShares share = platform::lumaSharesOf(matrix);
   const Canvas canvas = fitted(image, output);
   const auto width = static_cast<std::size_t>(output.width), height = static_cast<std::size_t>(output.height);
   luma_.firstRow = firstRowOf(height);
@@ -138,14 +141,14 @@ NadirLogo::NadirLogo(const LogoImage& image, double angle, PictureSize output) {
   for (std::size_t row = luma_.firstRow; row < height; ++row) {
     for (std::size_t column = 0; column < width; ++column) {
       const Colour colour = luma.at(column, row);
-      add(luma_, yuvOf(colour).luma, colour.alpha);
+      add(luma_, yuvOf(colour, share).luma, colour.alpha);
     }
   }
   for (std::size_t row = chroma_.firstRow; row < height / 2; ++row) {
     for (std::size_t column = 0; column < width / 2; ++column) {
       const Colour colour = chroma.at(column, row);
-      add(chroma_, yuvOf(colour).cb, colour.alpha);
-      add(chroma_, yuvOf(colour).cr, colour.alpha);
+      add(chroma_, yuvOf(colour, share).cb, colour.alpha);
+      add(chroma_, yuvOf(colour, share).cr, colour.alpha);
     }
   }
 }

@@ -20,15 +20,16 @@ struct LogoImage {
 bool isUsable(const LogoImage& image);
 
 // A logo below the camera, over the tripod: its longer side is 40 degrees wide and its middle is the nadir. Its top is
-// forward; a positive angle turns it clockwise for whoever looks down. Colours are those of BT.601 in full range, as in
-// a JPEG file.
+// forward; a positive angle turns it clockwise for whoever looks down. Colours are full range, by the matrix of the
+// pictures on which it is drawn.
 // Thread: any thread after construction, several at a time.
 class NadirLogo {
  public:
   static constexpr double kHalfSide = 20;  // degrees
 
   // The logo must be usable, the angle finite and in degrees.
-  NadirLogo(const LogoImage& image, double angle, PictureSize output);
+  NadirLogo(const LogoImage& image, double angle, PictureSize output,
+            platform::ColourMatrix matrix = platform::ColourMatrix::bt601);
 
   // The rows that it covers, of a plane with so many fewer of them (1 luma, 2 chroma).
   std::size_t firstRow(int divisor) const { return planeOf(divisor).firstRow; }

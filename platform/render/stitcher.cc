@@ -88,10 +88,10 @@ Stitcher::Stitcher(LensModel model, PictureSize output, const StitcherOptions& o
       workers_(options.threads),
       fringes_(output, workers_.count()) {}
 
-bool Stitcher::setLogo(const LogoImage& logo, double angle) {
+bool Stitcher::setLogo(const LogoImage& logo, double angle, platform::ColourMatrix matrix) {
   logo_.reset();
   if (!isUsable(logo) || !std::isfinite(angle)) return false;
-  logo_.emplace(logo, angle, output_);
+  logo_.emplace(logo, angle, output_, matrix);
   return true;
 }
 

@@ -55,9 +55,9 @@ class Stitcher {
     if (prepared_) prepared_->gains.forget();
   }
 
-  // Shows the logo at the nadir, turned by so many degrees; see NadirLogo.
+  // Shows the logo at the nadir, turned by so many degrees, on pictures of that matrix; see NadirLogo.
   // Errors: false for a logo that is not usable or an angle that is no finite number; then there is no logo.
-  bool setLogo(const LogoImage& logo, double angle);
+  bool setLogo(const LogoImage& logo, double angle, platform::ColourMatrix matrix = platform::ColourMatrix::bt601);
   void clearLogo() { logo_.reset(); }
 
   // Gets ready for pictures of this size, so that the first one does not wait.

@@ -57,6 +57,9 @@ platform::PixelBufferRef StitchingRender::stitched(const platform::PixelBuffer& 
     faults_.tell("stitching: all of the " + std::to_string(kMostImages) + " stitched pictures are still in use");
     return nullptr;
   }
+  const platform::PictureColour colour = picture.colour();
+  image->setColour(colour);
+  if (std::exchange(matrix_, colour.matrix) != colour.matrix) logoIsShown_ = false;
   stitcher_->setRemovePurple(removePurple_.load(std::memory_order_relaxed));
   if (!isVideo_) stitcher_->beginScene();
   if (!std::exchange(logoIsShown_, true)) showLogo();
@@ -67,7 +70,7 @@ platform::PixelBufferRef StitchingRender::stitched(const platform::PixelBuffer& 
 
 void StitchingRender::showLogo() {
   stitcher_->clearLogo();
-  if (!logo_ || stitcher_->setLogo(*logo_, static_cast<double>(logoAngle_))) return;
+  if (!logo_ || stitcher_->setLogo(*logo_, static_cast<double>(logoAngle_), matrix_)) return;
   faults_.tell("logo: it is not shown, since its size, its bytes or its angle make no sense");
 }
 

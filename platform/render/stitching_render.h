@@ -16,9 +16,12 @@ namespace zel::render {
 
 // The stitcher behind the renderer's port. There is no graphics context to make current.
 //
-// Images come from a pool: once it is filled, one costs no allocation. A logo that is not usable is not shown.
+// An image has the colours of its picture. Images come from a pool: once it is filled, one costs no allocation. A logo
+// that is not usable is not shown.
+//
 // Units:  at most kMostImages images are in use at a time; where a host keeps more of them, there is none for the next
 //         picture.
+//
 // Errors: no image without an offset that makes sense, for a picture that cannot be stitched (see Stitcher), and where
 //         memory ends. Each of these is told once.
 class StitchingRender final : public platform::FlatOffscreenRender {
@@ -49,7 +52,8 @@ class StitchingRender final : public platform::FlatOffscreenRender {
   bool isVideo_ = false;
   std::optional<LogoImage> logo_;
   float logoAngle_ = 0;
-  bool logoIsShown_ = true;  // whether the stitcher knows logo_ and its angle
+  platform::ColourMatrix matrix_ = platform::ColourMatrix::bt601;  // of the last picture
+  bool logoIsShown_ = true;  // whether the stitcher knows logo_, its angle and matrix_
   std::atomic<bool> removePurple_{false};
 };
 

@@ -12,7 +12,7 @@ namespace zel::simulator {
 namespace {
 
 // To be raised with every change of what is seen or heard, so that nobody is shown what was kept before it.
-constexpr int kMediaVersion = 1;
+constexpr int kMediaVersion = 2;
 constexpr std::uintmax_t kLargestMediaFile = 1024u << 20;  // bytes
 
 bool readFile(const std::string& path, Bytes& into, std::string& error) {

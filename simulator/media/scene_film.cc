@@ -1,13 +1,13 @@
 #include "simulator/media/scene_film.h"
 
-#include <libyuv/convert.h>
-
 extern "C" {
 #include <libavutil/opt.h>
 }
 
 #include <cmath>
 #include <utility>
+
+#include "simulator/media/luma_and_chroma.h"
 
 namespace zel::simulator {
 
@@ -29,7 +29,10 @@ CodecContextPtr openEncoder(const PreviewFormat& format) {
   context->gop_size = format.rate;
   context->pix_fmt = AV_PIX_FMT_YUVJ420P;
   context->color_range = AVCOL_RANGE_JPEG;
+  // All of it: some players drop a matrix beside which primaries and transfer are untold.
   context->colorspace = AVCOL_SPC_SMPTE170M;
+  context->color_primaries = AVCOL_PRI_SMPTE170M;
+  context->color_trc = AVCOL_TRC_SMPTE170M;
   context->thread_count = 1;  // several would cut the picture into slices
   av_opt_set(context.get(), "preset", "superfast", AV_OPT_SEARCH_CHILDREN);
   av_opt_set(context.get(), "tune", "zerolatency", AV_OPT_SEARCH_CHILDREN);
@@ -99,8 +102,7 @@ FramePtr SceneFilm::view() const {
   frame->height = format_.height;
   frame->pts = number_;
   if (av_frame_get_buffer(frame.get(), 0) < 0) return nullptr;
-  libyuv::RAWToJ420(seen_.rgb.data(), 3 * seen_.width, frame->data[0], frame->linesize[0], frame->data[1],
-                    frame->linesize[1], frame->data[2], frame->linesize[2], seen_.width, seen_.height);
+  convert(seen_, *frame);
   if (grain_) addGrain(*frame);
   return frame;
 }

@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "apps/zelcam/exif_direction.h"
@@ -101,6 +102,39 @@ TEST(JpegFileTest, WritesWhatItReads) {
   const auto again = simulator::decodeJpeg(*file), first = simulator::decodeJpeg(photo());
   ASSERT_TRUE(again && first);
   EXPECT_GT(likeness(*again, *first), 38);
+}
+
+// The format knows one matrix.
+TEST(JpegFileTest, WritesThePicturesColoursWhateverItsMatrixIs) {
+  // The yellow of the 75 % bars by either matrix.
+  for (const auto& [matrix, luma, cb, cr] : {std::tuple(platform::ColourMatrix::bt601, 169, 33, 144),
+                                             std::tuple(platform::ColourMatrix::bt709, 177, 33, 137)}) {
+    const auto picture = platform::MemoryPixelBuffer::filled(
+        32, 16, static_cast<std::uint8_t>(luma), static_cast<std::uint8_t>(cb), static_cast<std::uint8_t>(cr));
+    picture->setColour({matrix});
+    const auto file = app::jpegOf(*picture, 95);
+    ASSERT_TRUE(file);
+    const auto shown = simulator::decodeJpeg(*file);
+    ASSERT_TRUE(shown);
+    EXPECT_NEAR(shown->rgb[0], 191, 2);
+    EXPECT_NEAR(shown->rgb[1], 191, 2);
+    EXPECT_NEAR(shown->rgb[2], 0, 2);
+  }
+}
+
+// What some editors write: the planes are red, green and blue themselves.
+TEST(JpegFileTest, ReadsAFileWithoutLuma) {
+  JpegBytes file = plainJpeg(32, 32, TJSAMP_420, 200, 100, 50);  // planes of 124, 86, 182
+  const JpegBytes unmixed = segment(0xEE, std::string("Adobe\0\x64\0\0\0\0\0", 12));
+  const std::size_t header = 2 + 2 + (std::size_t{file[4]} << 8 | file[5]);  // its JFIF segment says that there is luma
+  file.erase(file.begin() + 2, file.begin() + static_cast<std::ptrdiff_t>(header));
+  file.insert(file.begin() + 2, unmixed.begin(), unmixed.end());
+  std::string error;
+  const auto picture = app::pictureOfJpeg(file, error);
+  ASSERT_NE(picture, nullptr) << error;
+  EXPECT_NEAR(picture->luma().data[0], 108, 2);    // 0.299 * 124 + 0.587 * 86 + 0.114 * 182
+  EXPECT_NEAR(picture->chroma().data[0], 170, 2);  // 128 + (182 - 108.3) / 1.772
+  EXPECT_NEAR(picture->chroma().data[1], 139, 2);  // 128 + (124 - 108.3) / 1.402
 }
 
 TEST(JpegFileTest, WritesNoPictureOfOddSides) {

@@ -1,7 +1,6 @@
 // Panoramas by the real program of the simulated camera's pictures, compared with the world that it shows.
 
 #include <gmock/gmock.h>
-#include <png.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -20,6 +19,7 @@
 #include "simulator/scene.h"
 #include "tests/platform/render/pictures.h"
 #include "tests/zelcam/likeness.h"
+#include "tests/zelcam/png_picture.h"
 #include "tests/zelcam/zelcam_test.h"
 
 namespace zel::test {
@@ -41,16 +41,6 @@ Bytes contents(const std::string& path) {
 }
 
 std::optional<simulator::Picture> jpegIn(const std::string& path) { return simulator::decodeJpeg(contents(path)); }
-
-std::optional<simulator::Picture> pngIn(const std::string& path) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_file(&image, path.c_str()) == 0) return std::nullopt;
-  image.format = PNG_FORMAT_RGB;
-  auto picture = simulator::blackPicture(static_cast<int>(image.width), static_cast<int>(image.height));
-  if (png_image_finish_read(&image, nullptr, picture.rgb.data(), 0, nullptr) == 0) return std::nullopt;
-  return picture;
-}
 
 simulator::Picture worldOf(int width, double seconds = 0) { return simulator::Scene(width, width / 2).at(seconds); }
 

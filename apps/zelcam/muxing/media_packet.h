@@ -9,6 +9,14 @@
 
 namespace zel::app {
 
+// How the pictures' samples become colours: numbers of ITU-T H.273, of which none is untold.
+struct VideoColour {
+  bool fullRange = false;
+  std::uint8_t primaries = 6, transfer = 6, matrix = 6;  // BT.601
+
+  bool operator==(const VideoColour&) const = default;
+};
+
 // What an output must know before the first packet. Parameter sets without start code; the sound is AAC.
 // Units: pixels.
 struct StreamHeaders {
@@ -18,6 +26,7 @@ struct StreamHeaders {
   std::int32_t width = 0;
   std::int32_t height = 0;
   bool spherical = false;  // the pictures are equirectangular, all around
+  VideoColour colour = {};
 
   bool operator==(const StreamHeaders&) const = default;
 };

@@ -36,6 +36,15 @@ bool setExtraData(AVCodecParameters& parameters, std::span<const std::uint8_t> b
   return true;
 }
 
+// MP4 has a box for it; the other kinds of output leave it to the stream itself.
+void describeColour(AVCodecParameters& parameters, const VideoColour& colour) {
+  parameters.format = colour.fullRange ? AV_PIX_FMT_YUVJ420P : AV_PIX_FMT_YUV420P;
+  parameters.color_range = colour.fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
+  parameters.color_primaries = static_cast<AVColorPrimaries>(colour.primaries);
+  parameters.color_trc = static_cast<AVColorTransferCharacteristic>(colour.transfer);
+  parameters.color_space = static_cast<AVColorSpace>(colour.matrix);
+}
+
 bool addVideo(AVFormatContext& muxer, const StreamHeaders& headers) {
   AVStream* const stream = avformat_new_stream(&muxer, nullptr);
   if (stream == nullptr) return false;
@@ -43,7 +52,7 @@ bool addVideo(AVFormatContext& muxer, const StreamHeaders& headers) {
   AVCodecParameters& parameters = *stream->codecpar;
   parameters.codec_type = AVMEDIA_TYPE_VIDEO;
   parameters.codec_id = AV_CODEC_ID_H264;
-  parameters.format = AV_PIX_FMT_YUVJ420P;
+  describeColour(parameters, headers.colour);
   parameters.width = headers.width;
   parameters.height = headers.height;
   if (headers.spherical && !markSpherical(*stream)) return false;

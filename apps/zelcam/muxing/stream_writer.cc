@@ -3,6 +3,7 @@
 #include <array>
 
 #include "apps/zelcam/muxing/audio_config.h"
+#include "apps/zelcam/muxing/h264_colour.h"
 #include "apps/zelcam/muxing/h264_size.h"
 
 namespace zel::app {
@@ -67,7 +68,8 @@ bool StreamWriter::begins(Bytes picture, bool key) {
   if (!size) return false;
   const auto sound = parseAudioConfig(headers_.audioConfig.bytes());
   if (!sound) return fail("the camera's sound is of an unknown kind");
-  headers_ = {sps_, pps_, headers_.audioConfig, size->width, size->height, rules_.spherical};
+  headers_ = {
+      sps_, pps_, headers_.audioConfig, size->width, size->height, rules_.spherical, colourOfPictures(sps_.bytes())};
   timeline_.emplace(sound->rate);
   rules_.begin(headers_);
   return true;

@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "platform/ffmpeg/h264_headers.h"
 #include "tests/platform/ffmpeg/decoded_stream.h"
 #include "tests/platform/ffmpeg/stream_maker.h"
 
@@ -58,23 +59,53 @@ TEST(H264DecoderTest, GivesAPictureOfOneSliceInTheCallThatBringsIt) {
 }
 
 TEST(H264DecoderTest, HandsOnWhatFfmpegDecodes) {
-  for (const int range : {0, 2}) {
-    const auto units = makeStream({.pictures = 6, .range = range});
-    EXPECT_EQ(test::md5Of(decoded(units).pictures), test::md5ByFfmpeg(units)) << "range " << range;
-  }
+  const auto units = makeStream({.pictures = 6});
+  EXPECT_EQ(test::md5Of(decoded(units).pictures), test::md5ByFfmpeg(units));
 }
 
-TEST(H264DecoderTest, StretchesAStreamThatDeclaresLimitedRange) {
-  // The same samples, declared to be limited and not declared at all.
-  const DecodedStream limited = decoded(makeStream({.pictures = 1, .options = {{"qp", "0"}}, .range = 1}));
-  const DecodedStream plain = decoded(makeStream({.pictures = 1, .options = {{"qp", "0"}}, .range = 0}));
-  ASSERT_EQ(limited.pictures.size(), 1u);
-  ASSERT_EQ(plain.pictures.size(), 1u);
+// libx264 writes limited range, which is the default, only beside something that is not.
+const StreamPlan kTold{.pictures = 1, .options = {{"qp", "0"}}, .range = 1, .primaries = 1};
+const StreamPlan kUntold{.pictures = 1, .options = {{"qp", "0"}}, .range = 0};
+const StreamPlan kFull{.pictures = 1, .options = {{"qp", "0"}}, .range = 2};
+
+TEST(H264DecoderTest, StretchesAStreamOfLimitedRangeAlsoWhereItDoesNotTell) {
+  ASSERT_TRUE(parseH264Sequence(test::firstOf(makeStream(kTold), 7))->colour.primaries == 1);
+  ASSERT_EQ(parseH264Sequence(test::firstOf(makeStream(kUntold), 7))->colour, H264Colour());
   // Stripes begin at 40, which is 24 * 255 / 219 = 27.9, and at 100 in Cb: 128 - 28 * 255 / 224 = 96.1.
-  EXPECT_EQ(plain.pictures[0].pixelBuffer->luma().data[0], 40);
-  EXPECT_EQ(limited.pictures[0].pixelBuffer->luma().data[0], 28);
-  EXPECT_EQ(plain.pictures[0].pixelBuffer->chroma().data[0], 100);
-  EXPECT_EQ(limited.pictures[0].pixelBuffer->chroma().data[0], 96);
+  for (const StreamPlan& plan : {kTold, kUntold}) {
+    const DecodedStream limited = decoded(makeStream(plan));
+    ASSERT_EQ(limited.pictures.size(), 1u);
+    EXPECT_EQ(limited.pictures[0].pixelBuffer->luma().data[0], 28);
+    EXPECT_EQ(limited.pictures[0].pixelBuffer->chroma().data[0], 96);
+  }
+  const DecodedStream full = decoded(makeStream(kFull));
+  ASSERT_EQ(full.pictures.size(), 1u);
+  EXPECT_EQ(full.pictures[0].pixelBuffer->luma().data[0], 40);
+  EXPECT_EQ(full.pictures[0].pixelBuffer->chroma().data[0], 100);
+}
+
+TEST(H264DecoderTest, GivesEachPictureTheColoursOfItsStream) {
+  struct Row {
+    int range, primaries, transfer, matrix;
+    PictureColour expected;
+  };
+  const Row rows[] = {{0, 2, 2, 2, {ColourMatrix::bt601, 2, 2}},   {1, 6, 6, 6, {ColourMatrix::bt601, 6, 6}},
+                      {2, 6, 6, 6, {ColourMatrix::bt601, 6, 6}},   {1, 5, 6, 5, {ColourMatrix::bt601, 5, 6}},
+                      {1, 1, 1, 1, {ColourMatrix::bt709, 1, 1}},   {2, 1, 13, 1, {ColourMatrix::bt709, 1, 13}},
+                      {2, 4, 4, 4, {ColourMatrix::fcc, 4, 4}},     {2, 7, 7, 7, {ColourMatrix::smpte240, 7, 7}},
+                      {2, 9, 14, 9, {ColourMatrix::bt2020, 9, 14}}};
+  for (const Row& row : rows) {
+    const auto units = makeStream({.pictures = 1,
+                                   .range = row.range,
+                                   .primaries = row.primaries,
+                                   .transfer = row.transfer,
+                                   .matrix = row.matrix});
+    for (const int threads : {1, 2}) {
+      const DecodedStream stream = decoded(units, threads);
+      ASSERT_EQ(stream.pictures.size(), 1u);
+      EXPECT_EQ(stream.pictures[0].pixelBuffer->colour(), row.expected) << row.range << " " << row.matrix;
+    }
+  }
 }
 
 TEST(H264DecoderTest, GivesAPictureOfSeveralSlicesOnceAndWhole) {

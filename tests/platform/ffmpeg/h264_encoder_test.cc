@@ -214,16 +214,66 @@ FramePtr firstFrame(const Recorder& recorder) {
   return avcodec_receive_frame(context.get(), frame.get()) == 0 ? std::move(frame) : nullptr;
 }
 
-TEST(H264EncoderTest, DeclaresFullRangeAndItsMatrix) {
+std::shared_ptr<MemoryPixelBuffer> filled(const PictureColour& colour, int luma, int cb, int cr) {
+  auto picture = MemoryPixelBuffer::filled(320, 160, static_cast<std::uint8_t>(luma), static_cast<std::uint8_t>(cb),
+                                           static_cast<std::uint8_t>(cr));
+  picture->setColour(colour);
+  return picture;
+}
+
+TEST(H264EncoderTest, DeclaresFullRangeAndAllOfItsColours) {
   Recorder recorder(kSmall);
-  ASSERT_TRUE(recorder.encoder->encodeImage(MemoryPixelBuffer::filled(320, 160, 16, 128, 240), {}));
+  ASSERT_TRUE(recorder.encoder->encodeImage(filled({}, 16, 128, 240), {}));
   const FramePtr frame = firstFrame(recorder);
   ASSERT_NE(frame, nullptr);
   EXPECT_EQ(frame->color_range, AVCOL_RANGE_JPEG);
   EXPECT_EQ(frame->colorspace, AVCOL_SPC_SMPTE170M);
+  EXPECT_EQ(frame->color_primaries, AVCOL_PRI_SMPTE170M);
+  EXPECT_EQ(frame->color_trc, AVCOL_TRC_SMPTE170M);
   EXPECT_NEAR(frame->data[0][0], 16, 1);
   EXPECT_NEAR(frame->data[1][0], 128, 1);
   EXPECT_NEAR(frame->data[2][0], 240, 1);
+}
+
+TEST(H264EncoderTest, DeclaresTheColoursOfItsFirstPicture) {
+  const PictureColour sRgb{ColourMatrix::bt709, 1, 13};
+  for (const auto& [colour, expected] :
+       {std::pair(sRgb, H264Colour{true, 1, 13, 1}),
+        std::pair(PictureColour{ColourMatrix::bt709}, H264Colour{true, 1, 1, 1}),
+        std::pair(PictureColour{ColourMatrix::bt2020, 9, 16}, H264Colour{true, 9, 16, 9}),
+        std::pair(PictureColour{ColourMatrix::bt601, 1, 2}, H264Colour{true, 1, 6, 6})}) {
+    Recorder recorder(kSmall);
+    for (int number = 0; number < 3; ++number)
+      ASSERT_TRUE(recorder.encoder->encodeImage(filled(colour, 100, 90, 200), {number, 10}));
+    EXPECT_EQ(recorder.parameterSets, 1);
+    EXPECT_THAT(recorder.units, SizeIs(3));
+    ASSERT_TRUE(parseH264Sequence(recorder.sps));
+    EXPECT_EQ(parseH264Sequence(recorder.sps)->colour, expected);
+    const auto pictures = decoded(recorder);
+    ASSERT_THAT(pictures, SizeIs(3));
+    EXPECT_EQ(pictures[2]->colour().matrix, colour.matrix);
+    EXPECT_NEAR(pictures[2]->luma().data[0], 100, 1);
+    EXPECT_NEAR(pictures[2]->chroma().data[0], 90, 1);
+    EXPECT_NEAR(pictures[2]->chroma().data[1], 200, 1);
+  }
+}
+
+// A stream's parameter sets go out once: it cannot change its matrix.
+TEST(H264EncoderTest, ConvertsALaterPictureToTheFirstOnesMatrix) {
+  Recorder recorder(kSmall);
+  ASSERT_TRUE(recorder.encoder->encodeImage(filled({ColourMatrix::bt601}, 0, 128, 128), {0, 10}));
+  // The yellow of the 75 % bars by either matrix.
+  ASSERT_TRUE(recorder.encoder->encodeImage(filled({ColourMatrix::bt709}, 177, 33, 137), {1, 10}));
+  ASSERT_TRUE(recorder.encoder->encodeImage(filled({ColourMatrix::bt601}, 169, 33, 144), {2, 10}));
+  EXPECT_EQ(recorder.parameterSets, 1);
+  const auto pictures = decoded(recorder);
+  ASSERT_THAT(pictures, SizeIs(3));
+  for (const std::size_t number : {1u, 2u}) {
+    EXPECT_EQ(pictures[number]->colour().matrix, ColourMatrix::bt601);
+    EXPECT_NEAR(pictures[number]->luma().data[0], 169, 1) << number;
+    EXPECT_NEAR(pictures[number]->chroma().data[0], 33, 1) << number;
+    EXPECT_NEAR(pictures[number]->chroma().data[1], 144, 1) << number;
+  }
 }
 
 TEST(H264EncoderTest, KeepsToTheBitrate) {

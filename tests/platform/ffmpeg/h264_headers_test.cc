@@ -68,6 +68,25 @@ TEST(H264SequenceTest, ReadsABaselineStream) {
   EXPECT_FALSE(sequence->reorderingIsDeclared);
 }
 
+// The same with usability (1): no aspect (0), no overscan (0), a video signal (1) of standard 5 (101), its range, and
+// where it tells colours (1) three bytes; no place of chroma (0), no clock (0), no buffering (00), no structure (0), no
+// limits (0).
+const Unit kFullRange{0x67, 0x42, 0x00, 0x0D, 0xA6, 0x81, 0x60, 0x94, 0x9B, 0x01};
+const Unit kLimitedColours{0x67, 0x42, 0x00, 0x0D, 0xA6, 0x81, 0x60, 0x94, 0x9A, 0x80, 0x86, 0x83, 0x81};
+const Unit kFullColours{0x67, 0x42, 0x00, 0x0D, 0xA6, 0x81, 0x60, 0x94, 0x9B, 0x80, 0x86, 0x83, 0x81};
+
+TEST(H264SequenceTest, TellsItsColours) {
+  EXPECT_EQ(parseH264Sequence(kBaseline)->colour, (H264Colour{false, 2, 2, 2}));
+  EXPECT_EQ(parseH264Sequence(kFullRange)->colour, (H264Colour{true, 2, 2, 2}));
+  EXPECT_EQ(parseH264Sequence(kLimitedColours)->colour, (H264Colour{false, 1, 13, 7}));
+  EXPECT_EQ(parseH264Sequence(kFullColours)->colour, (H264Colour{true, 1, 13, 7}));
+}
+
+TEST(H264SequenceTest, IsNothingWhenItIsCutWithinItsColours) {
+  for (std::size_t size = kBaseline.size(); size + 1 < kFullColours.size(); ++size)
+    EXPECT_FALSE(parseH264Sequence({kFullColours.data(), size}).has_value()) << size;
+}
+
 TEST(H264SequenceTest, IsNothingWhenItIsCut) {
   for (std::size_t size = 0; size + 1 < kBaseline.size(); ++size)
     EXPECT_FALSE(parseH264Sequence({kBaseline.data(), size}).has_value()) << size;

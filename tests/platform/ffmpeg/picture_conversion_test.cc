@@ -61,8 +61,9 @@ TEST(FullRangeTest, IsTheNearestForEverySample) {
 }
 
 TEST(PictureConversionTest, InterleavesChromaAndKeepsEverySample) {
-  for (const AVColorRange range : {AVCOL_RANGE_UNSPECIFIED, AVCOL_RANGE_JPEG}) {
-    const PixelBufferRef pixels = pixelsOf(numberedFrame(range));
+  FramePtr byFormat = numberedFrame(AVCOL_RANGE_UNSPECIFIED);
+  byFormat->format = AV_PIX_FMT_YUVJ420P;
+  for (const PixelBufferRef& pixels : {pixelsOf(numberedFrame(AVCOL_RANGE_JPEG)), pixelsOf(std::move(byFormat))}) {
     ASSERT_NE(pixels, nullptr);
     EXPECT_EQ(pixels->width(), 3);
     EXPECT_EQ(pixels->height(), 3);
@@ -75,12 +76,26 @@ TEST(PictureConversionTest, InterleavesChromaAndKeepsEverySample) {
   }
 }
 
-TEST(PictureConversionTest, StretchesLimitedRange) {
-  const PixelBufferRef pixels = pixelsOf(numberedFrame(AVCOL_RANGE_MPEG));
-  ASSERT_NE(pixels, nullptr);
-  EXPECT_THAT(rowOf(pixels->luma(), 0), ElementsAre(98, 99, 100));    // 97.81 98.97 100.14
-  EXPECT_THAT(rowOf(pixels->luma(), 2), ElementsAre(105, 106, 107));  // 104.79 105.96 107.12
-  EXPECT_THAT(rowOf(pixels->chroma(), 1), ElementsAre(0, 7, 0, 8));   // 22: 7.33, 23: 8.47
+TEST(PictureConversionTest, StretchesLimitedRangeToldOrNot) {
+  for (const AVColorRange range : {AVCOL_RANGE_MPEG, AVCOL_RANGE_UNSPECIFIED}) {
+    const PixelBufferRef pixels = pixelsOf(numberedFrame(range));
+    ASSERT_NE(pixels, nullptr);
+    EXPECT_THAT(rowOf(pixels->luma(), 0), ElementsAre(98, 99, 100));    // 97.81 98.97 100.14
+    EXPECT_THAT(rowOf(pixels->luma(), 2), ElementsAre(105, 106, 107));  // 104.79 105.96 107.12
+    EXPECT_THAT(rowOf(pixels->chroma(), 1), ElementsAre(0, 7, 0, 8));   // 22: 7.33, 23: 8.47
+  }
+}
+
+TEST(PictureConversionTest, KeepsTheColoursOfEitherRange) {
+  for (const AVColorRange range : {AVCOL_RANGE_MPEG, AVCOL_RANGE_JPEG}) {
+    FramePtr frame = numberedFrame(range);
+    EXPECT_EQ(pixelsOf(std::move(frame))->colour(), PictureColour());
+    frame = numberedFrame(range);
+    frame->colorspace = AVCOL_SPC_BT709;
+    frame->color_primaries = AVCOL_PRI_BT709;
+    frame->color_trc = AVCOL_TRC_IEC61966_2_1;
+    EXPECT_EQ(pixelsOf(std::move(frame))->colour(), (PictureColour{ColourMatrix::bt709, 1, 13}));
+  }
 }
 
 TEST(PictureConversionTest, UsesTheDecodersLuma) {

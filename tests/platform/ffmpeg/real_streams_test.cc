@@ -1,4 +1,5 @@
-// Streams of other makers' encoders, and the sums of what FFmpeg decodes from them.
+// Streams of other makers' encoders, of limited range all of them, though only one declares it. The sums are those of
+// FFmpeg's samples, whose own sums stand beside them, each sample stretched by the exact formula.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +22,7 @@ TEST(RealStreamsTest, PicturesOfOneToTenSlices) {
   for (const int threads : {1, 3}) {
     const DecodedStream stream = decoded(file, threads);
     EXPECT_EQ(stream.pictures.size(), 291u);
-    EXPECT_EQ(test::md5Of(stream.pictures), "6832762976b6d48719bb6cb603acd988");
+    EXPECT_EQ(test::md5Of(stream.pictures), "dd913aefa25d6e596f224552f2e78a56");  // 68327629...
   }
 }
 
@@ -29,7 +30,7 @@ TEST(RealStreamsTest, PicturesOfFourteenSlices) {
   ZEL_REAL_MEDIA(file, "h264/test_cif_P_CABAC_slice.264");
   const DecodedStream stream = decoded(file);
   EXPECT_EQ(stream.pictures.size(), 300u);
-  EXPECT_EQ(test::md5Of(stream.pictures), "b2dd907cd1d30a189d05e1e86c4f4da1");
+  EXPECT_EQ(test::md5Of(stream.pictures), "b858f4aaf7b2d66329457ed5150557b0");  // b2dd907c...
   EXPECT_EQ(stream.unitOfPicture[0], 14u);  // with the first unit of the next picture
   EXPECT_EQ(stream.pictures[1].timestamp, 14000);
 }
@@ -38,9 +39,8 @@ TEST(RealStreamsTest, ALimitedRangeStreamOfACamera) {
   ZEL_REAL_MEDIA(file, "h264/kvs-frames-001-060.h264");
   const DecodedStream stream = decoded(file);
   EXPECT_EQ(stream.pictures.size(), 60u);
-  EXPECT_EQ(stream.unitOfPicture[59], 59u);  // one slice a picture: at once
-  // FFmpeg's samples (0c0ccd1d...), each stretched by the exact formula.
-  EXPECT_EQ(test::md5Of(stream.pictures), "9be37204fc487bdc9f560c4a0c7738cb");
+  EXPECT_EQ(stream.unitOfPicture[59], 59u);                                     // one slice a picture: at once
+  EXPECT_EQ(test::md5Of(stream.pictures), "9be37204fc487bdc9f560c4a0c7738cb");  // 0c0ccd1d...
 }
 
 TEST(RealStreamsTest, SizesThatChangeAndSlicesThatAreMissing) {
@@ -50,8 +50,8 @@ TEST(RealStreamsTest, SizesThatChangeAndSlicesThatAreMissing) {
   std::vector<int> widths;
   for (const DecodedPicture& picture : stream.pictures) widths.push_back(picture.pixelBuffer->width());
   EXPECT_THAT(widths, testing::ElementsAre(352, 352, 640, 640, 352, 352));
-  // Each picture at its own size, as "ffmpeg -autoscale 0" gives them.
-  EXPECT_EQ(test::md5Of(stream.pictures), "97df879a10dbe4adb1bd49f5a678bf2f");
+  // Each picture at its own size, as "ffmpeg -autoscale 0" gives them (97df879a...).
+  EXPECT_EQ(test::md5Of(stream.pictures), "5b908f089ea14096f332c1d05e05485c");
 }
 
 TEST(RealStreamsTest, ADamagedCameraStreamNeverStopsTheDecoder) {

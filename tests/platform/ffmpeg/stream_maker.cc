@@ -36,8 +36,9 @@ CodecContextPtr openEncoder(const StreamPlan& plan) {
   context->time_base = {1, 30};
   context->pix_fmt = av_get_pix_fmt(plan.pixelFormat);
   context->color_range = static_cast<AVColorRange>(plan.range);
-  // libx264 writes the range only beside something else that is not the default.
-  if (plan.range != 0) context->color_primaries = AVCOL_PRI_BT709;
+  context->color_primaries = static_cast<AVColorPrimaries>(plan.primaries);
+  context->color_trc = static_cast<AVColorTransferCharacteristic>(plan.transfer);
+  context->colorspace = static_cast<AVColorSpace>(plan.matrix);
   context->thread_count = 1;
   std::map<std::string, std::string> options{
       {"preset", "ultrafast"}, {"tune", "zerolatency"}, {"x264-params", "slices=1"}};

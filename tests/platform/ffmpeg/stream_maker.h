@@ -13,7 +13,8 @@ struct StreamPlan {
   int pictures = 10;
   std::map<std::string, std::string> options = {};  // of libx264, over those for low delay
   const char* pixelFormat = "yuv420p";
-  int range = 0;  // 0 undeclared, 1 limited, 2 full
+  int range = 2;  // 0 undeclared, 1 limited, 2 full: its samples are handed on as they are
+  int primaries = 2, transfer = 2, matrix = 2;  // numbers of ITU-T H.273; 2 undeclared
 };
 
 // A stream of moving stripes by libx264: one key picture, no reordering, one slice a picture, unless the plan says

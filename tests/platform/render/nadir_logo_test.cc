@@ -70,6 +70,15 @@ TEST(NadirLogoTest, ColoursTheChroma) {
   EXPECT_EQ(row[181], 255);  // 128 + 0.5 * 255, at most 255
 }
 
+TEST(NadirLogoTest, HasTheMatrixOfThePictureBelowIt) {
+  const NadirLogo logo(halves(kRed, kRed), 0, kOutput, platform::ColourMatrix::bt709);
+  EXPECT_EQ(luma(logo, 0, 5), 54);  // 0.2126 * 255
+  std::vector<std::uint8_t> row(360, 128);
+  logo.drawChroma(88, row.data());
+  EXPECT_EQ(row[180], 99);   // 128 - 0.114572 * 255
+  EXPECT_EQ(row[181], 255);  // 128 + 0.5 * 255, at most 255
+}
+
 TEST(NadirLogoTest, KeepsItsShapeIfItIsWide) {
   const NadirLogo logo(halves(kRed, kRed, 40, 20), 0, kOutput);
   EXPECT_EQ(luma(logo, 90, 18), 76);

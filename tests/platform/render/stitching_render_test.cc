@@ -213,6 +213,38 @@ TEST_F(StitchingRenderTest, KeepsTheLogoWithAnotherOffset) {
   EXPECT_EQ(nadir(*rendered()), 255);
 }
 
+std::shared_ptr<MemoryPixelBuffer> grey(const platform::PictureColour& colour) {
+  const auto picture = MemoryPixelBuffer::filled(640, 320, 90, 128, 128);
+  picture->setColour(colour);
+  return picture;
+}
+
+constexpr platform::PictureColour k709{platform::ColourMatrix::bt709, 1, 13};
+
+TEST_F(StitchingRenderTest, GivesEachImageTheColoursOfItsPicture) {
+  render.setOffset(kFactoryOffset);
+  EXPECT_EQ(rendered()->colour(), platform::PictureColour());
+  EXPECT_EQ(render.renderVideo(grey(k709))->colour(), k709);
+  EXPECT_EQ(rendered()->colour(), platform::PictureColour());  // in the same memory
+}
+
+TEST_F(StitchingRenderTest, DrawsTheLogoByThePicturesMatrix) {
+  render.setOffset(kFactoryOffset);
+  render.setLogoImage(twoColours());
+  const auto red = [](const PixelBufferRef& image) { return at(image->luma(), 120, 113); };
+  EXPECT_EQ(red(render.renderVideo(grey({}))), 76);    // 0.299 of 255
+  EXPECT_EQ(red(render.renderVideo(grey(k709))), 54);  // 0.2126
+  EXPECT_EQ(red(render.renderVideo(grey({}))), 76);
+}
+
+TEST_F(StitchingRenderTest, ALogoTakenAwayAsTheMatrixChangesIsGone) {
+  render.setOffset(kFactoryOffset);
+  render.setLogoImage(white());
+  EXPECT_EQ(nadir(*render.renderVideo(grey({}))), 255);
+  render.setLogoImage(std::nullopt);
+  EXPECT_EQ(nadir(*render.renderVideo(grey(k709))), 90);
+}
+
 TEST_F(StitchingRenderTest, LeavesOutALogoThatMakesNoSense) {
   render.setOffset(kFactoryOffset);
   const auto without = rendered();

@@ -25,13 +25,20 @@ void send(AVCodecContext& decoder, const Bytes& bytes) {
   avcodec_send_packet(&decoder, packet.get());
 }
 
-DecodedLuma lumaOf(const AVFrame& frame) {
-  DecodedLuma picture{frame.width, frame.height, frame.color_range == AVCOL_RANGE_JPEG, {}};
-  for (int y = 0; y < frame.height; ++y) {
-    const std::uint8_t* row = frame.data[0] + y * frame.linesize[0];
-    picture.luma.insert(picture.luma.end(), row, row + frame.width);
+Bytes planeOf(const AVFrame& frame, int plane) {
+  const int half = plane == 0 ? 1 : 2;
+  Bytes samples;
+  for (int y = 0; y < frame.height / half; ++y) {
+    const std::uint8_t* row = frame.data[plane] + y * frame.linesize[plane];
+    samples.insert(samples.end(), row, row + frame.width / half);
   }
-  return picture;
+  return samples;
+}
+
+DecodedLuma lumaOf(const AVFrame& frame) {
+  return {frame.width,           frame.height,      frame.color_range == AVCOL_RANGE_JPEG,
+          frame.color_primaries, frame.color_trc,   frame.colorspace,
+          planeOf(frame, 0),     planeOf(frame, 1), planeOf(frame, 2)};
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ class MediaLibraryTest : public testing::Test {
     return folder_ + "/" + name;
   }
 
-  std::string kept() const { return folder_ + "/cache/scene-96x48-1-v1.h264"; }
+  std::string kept() const { return folder_ + "/cache/scene-96x48-1-v2.h264"; }
 
   // The whole loop, made by a library that has gone since.
   std::vector<Bytes> made() const {
@@ -60,7 +60,7 @@ TEST_F(MediaLibraryTest, MakesALoopAnewWhenTheKeptOneIsNotWhole) {
   const auto pictures = made();
   std::filesystem::resize_file(kept(), std::filesystem::file_size(kept()) - pictures.back().size());
   EXPECT_EQ(made(), pictures);
-  write("cache/scene-96x48-1-v1.h264", {});
+  write("cache/scene-96x48-1-v2.h264", {});
   EXPECT_EQ(made(), pictures);
 }
 
@@ -68,7 +68,7 @@ TEST_F(MediaLibraryTest, KeepsItsSound) {
   const LoopCache cache(folder_ + "/cache");
   const auto beeps = MediaLibrary(cache).audio().get();
   ASSERT_EQ(beeps->frames.size(), 375u);
-  const std::string file = folder_ + "/cache/beeps-v1.aac";
+  const std::string file = folder_ + "/cache/beeps-v2.aac";
   // The last byte is replaced, to see where the sound comes from.
   const auto size = static_cast<std::streamoff>(std::filesystem::file_size(file));
   std::fstream(file, std::ios::binary | std::ios::in | std::ios::out).seekp(size - 1).put('\x55');

@@ -53,14 +53,23 @@ TEST(SceneFilmTest, GivesAPictureForEachWithoutDelay) {
   ASSERT_EQ(decoded.size(), 6u);
   EXPECT_EQ(decoded[5].width, 480);
   EXPECT_EQ(decoded[5].height, 240);
-  EXPECT_TRUE(decoded[5].fullRange);
 }
 
-// Where the front lens shows a direction, in pixels of the small picture.
-Point placeOf(double longitude, double latitude) {
+// Players that miss the primaries or the transfer drop the rest.
+TEST(SceneFilmTest, TellsAllOfItsColours) {
+  const auto decoded = decodePictures(filmed(1));
+  ASSERT_EQ(decoded.size(), 1u);
+  EXPECT_TRUE(decoded[0].fullRange);
+  EXPECT_EQ(decoded[0].primaries, 6);
+  EXPECT_EQ(decoded[0].transfer, 6);
+  EXPECT_EQ(decoded[0].matrix, 6);
+}
+
+// Where the front lens shows a direction, in pixels.
+Point placeOf(double longitude, double latitude, const PreviewFormat& format = kSmall) {
   const LensOffset offset = factoryLensOffset();
   const Point at = LensProjection(offset.lenses[0], offset.model).pointOf(directionAt(longitude, latitude));
-  return {at.x * kSmall.width / offset.width, at.y * kSmall.height / offset.height};
+  return {at.x * format.width / offset.width, at.y * format.height / offset.height};
 }
 
 int lumaAt(const DecodedLuma& picture, Point at) { return picture.at(static_cast<int>(at.x), static_cast<int>(at.y)); }
@@ -79,6 +88,25 @@ TEST(SceneFilmTest, MovesTheDisc) {
   EXPECT_GT(lumaAt(decoded[0], placeOf(0, 0)), 190);    // 255, 226, 84: 218
   EXPECT_GT(lumaAt(decoded[4], placeOf(45, 0)), 190);   // an eighth of its round
   EXPECT_LT(lumaAt(decoded[0], placeOf(4.6, 0)), 120);  // its dark ring
+}
+
+// The disc's middle, which is 255, 226, 84, in the colours that the stream tells.
+TEST(SceneFilmTest, ShowsTheColoursOfTheScene) {
+  constexpr PreviewFormat kLarge{1440, 720, 4};
+  const auto decoded = decodePictures(filmed(1, kLarge));
+  ASSERT_EQ(decoded.size(), 1u);
+  const Point disc = placeOf(0, 0, kLarge);
+  double luma = 0, cb = 0, cr = 0;
+  for (int i = 0; i < 64; ++i) {
+    const int x = static_cast<int>(disc.x) - 4 + i % 8, y = static_cast<int>(disc.y) - 4 + i / 8;
+    const auto chroma = static_cast<std::size_t>(y / 2 * kLarge.width / 2 + x / 2);
+    luma += decoded[0].at(x, y) / 64.0;
+    cb += (decoded[0].cb[chroma] - 128) / 64.0;
+    cr += (decoded[0].cr[chroma] - 128) / 64.0;
+  }
+  EXPECT_NEAR(luma + 1.402 * cr, 255, 2);
+  EXPECT_NEAR(luma - 0.344136 * cb - 0.714136 * cr, 226, 2);
+  EXPECT_NEAR(luma + 1.772 * cb, 84, 2);
 }
 
 // The film renews only the rows in which something moves.

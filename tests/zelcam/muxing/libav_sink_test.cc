@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
 
 #include "apps/zelcam/muxing/mp4_boxes.h"
 #include "apps/zelcam/muxing/mp4_sink.h"
@@ -126,6 +127,38 @@ TEST_F(LibavSinkTest, WhatIsNotSphericalSaysNothingOfIt) {
   EXPECT_FALSE(readBack(path("a.mp4")).spherical);
   const std::vector<std::uint8_t> bytes = bytesOf(path("a.mp4"));
   EXPECT_THAT(std::string(bytes.begin(), bytes.end()), testing::Not(HasSubstr("GSpherical")));
+}
+
+// A box of 19 bytes: nclx, three numbers of two bytes, and the range in the highest bit of the last byte.
+TEST_F(LibavSinkTest, AnMp4FileTellsTheColoursInItsDescription) {
+  using namespace std::string_literals;
+  struct Row {
+    VideoColour colour;
+    std::string box;
+  };
+  for (const Row& row : {Row{{true, 6, 6, 6},
+                             "\0\0\0\x13"
+                             "colrnclx\0\6\0\6\0\6\x80"s},
+                         Row{{false, 6, 6, 6},
+                             "\0\0\0\x13"
+                             "colrnclx\0\6\0\6\0\6\0"s},
+                         Row{{false, 1, 13, 1},
+                             "\0\0\0\x13"
+                             "colrnclx\0\1\0\x0D\0\1\0"s},
+                         Row{{true, 9, 16, 9},
+                             "\0\0\0\x13"
+                             "colrnclx\0\x09\0\x10\0\x09\x80"s}}) {
+    StreamHeaders headers = film.headers;
+    headers.colour = row.colour;
+    for (const bool finished : {false, true}) {
+      Mp4Sink sink(address(path("a.mp4")), [](const std::string&) {});
+      ASSERT_EQ(sink.open(headers), std::nullopt);
+      for (const MediaPacket& packet : film.packets) ASSERT_EQ(sink.write(packet), std::nullopt);
+      ASSERT_EQ(finished ? sink.finish() : std::nullopt, std::nullopt);
+      const std::vector<std::uint8_t> bytes = bytesOf(path("a.mp4"));
+      EXPECT_THAT(std::string(bytes.begin(), bytes.end()), HasSubstr(row.box)) << finished;
+    }
+  }
 }
 
 // They come 1.5 s after their sound, for longer than it waits: a second of sound ends the first fragment behind the

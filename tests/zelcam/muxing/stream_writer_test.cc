@@ -55,6 +55,7 @@ TEST_F(StreamWriterTest, BeginsOnceWithTheFirstKeyPicture) {
   EXPECT_EQ(begun[0].width, 64);
   EXPECT_EQ(begun[0].height, 32);
   EXPECT_TRUE(begun[0].spherical);
+  EXPECT_EQ(begun[0].colour, (VideoColour{true, 6, 6, 6}));
   EXPECT_THAT(times(), ElementsAre(0, 34'000));
 }
 
