@@ -5,14 +5,13 @@
 
 #include <fmt/format.h>
 
-#include <atomic>
 #include <chrono>
 #include <utility>
 
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/diagnostics.h"
-#include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/link_keeper.h"
 #include "apps/zelcam/output.h"
 #include "platform/ports.h"
 
@@ -21,8 +20,6 @@ namespace {
 
 using nlohmann::ordered_json;
 using Clock = std::chrono::steady_clock;
-
-constexpr std::uint64_t kFlowing = 2;
 
 constexpr std::pair<FrameType, const char*> kTypes[] = {
     {FrameType::previewVideo, "video"}, {FrameType::previewAudio, "audio"}, {FrameType::photo, "photo"},
@@ -53,19 +50,21 @@ ordered_json droppedJson(const DroppedFrames& dropped) {
 // One run of the command. Its calls come on the main queue, but for the status, which comes on any thread.
 class Monitor {
  public:
-  Monitor(LinuxPlatform& platform, const Settings& settings, std::optional<double> seconds)
-      : platform_(platform), settings_(settings), seconds_(seconds), stack_(platform.ports(), settings.camera) {}
+  Monitor(Bus& bus, const Settings& settings, std::optional<double> seconds)
+      : platform_(bus.platform()),
+        settings_(settings),
+        seconds_(seconds),
+        link_(bus, settings),
+        stack_(link_.stack()) {}
 
   int run() {
     const auto watch = stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); });
-    stack_.accessory().openCamera();
     const auto tick = platform_.ports().threads.currentRunLoop().scheduleRepeating(1.0, [this] { secondPassed(); });
-    if (!waitForFrames()) return noFrames();
-    if (seconds_) {
-      platform_.runMainQueueFor(*seconds_);
-    } else if (!wasInterrupted()) {
-      platform_.runMainQueue();
-    }
+    const int status = link_.open();
+    if (status != kDone) platform_.drainMainQueue();
+    if (status == kInterrupted) return kDone;
+    if (status != kDone) return status;
+    watchLink();
     summarise();
     return kDone;
   }
@@ -73,9 +72,13 @@ class Monitor {
  private:
   double elapsed() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
 
+  // Whatever becomes of the link, until the time is over or the user ends it.
+  void watchLink() {
+    const LinkKeeper keeper(platform_, settings_, stack_.accessory());
+    link_.waitFor([] { return false; }, seconds_, [](LinkLoss) { return true; });
+  }
+
   void statusChanged(std::uint64_t status) {
-    noteStatus(status);
-    if (status == kFlowing && !flowed_.exchange(true)) platform_.stopMainQueue();
     platform_.ports().queues.mainQueue().post([this, status, at = elapsed(), clock = timeOfDay()] {
       if (settings_.json) {
         return printJson(
@@ -83,18 +86,6 @@ class Monitor {
       }
       printLine(fmt::format("{} {:8.3f} s  status {} ({})", clock, at, status, statusName(status)));
     });
-  }
-
-  // Runs the main queue until frames have arrived; the status change that says so stops it.
-  bool waitForFrames() {
-    platform_.runMainQueueFor(settings_.timeout);
-    return flowed_.load();
-  }
-
-  int noFrames() {
-    platform_.drainMainQueue();
-    if (wasInterrupted()) return kDone;
-    return sayNoFrames(platform_, settings_, stack_);
   }
 
   void secondPassed() {
@@ -161,9 +152,9 @@ class Monitor {
   const Settings& settings_;
   const std::optional<double> seconds_;
   const Clock::time_point start_ = Clock::now();
-  std::atomic<bool> flowed_ = false;
   LinkStatistics before_;
-  CameraStack stack_;
+  CameraLink link_;
+  CameraStack& stack_;
 };
 
 }  // namespace
@@ -171,7 +162,7 @@ class Monitor {
 int runMonitor(const Invocation& invocation) {
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
-  Monitor monitor(bus.platform(), invocation.settings, invocation.values.number("--seconds"));
+  Monitor monitor(bus, invocation.settings, invocation.values.number("--seconds"));
   return monitor.run();
 }
 
