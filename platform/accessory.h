@@ -114,6 +114,12 @@ class AccessorySession {
 
   virtual InputStream& inputStream() = 0;
   virtual OutputStream& outputStream() = 0;
+
+  // The host needs this session no more: it closes the streams on their thread in a while, and may open another session
+  // with the same accessory at once.
+  //
+  // Thread: any thread.
+  virtual void letGo() {}
 };
 
 // The accessories attached to the host.
@@ -130,8 +136,10 @@ class AccessoryManager {
   virtual void registerForLocalNotifications() = 0;
   virtual void unregisterForLocalNotifications() = 0;
 
-  // Opens a session for a protocol that the accessory offers.
-  // Errors: null when the accessory has left, does not offer the protocol or cannot be connected.
+  // Opens a session for a protocol that the accessory offers. A platform may give an accessory to one host at a time:
+  // then it stays this one's from the first session until the host unregisters, also between two sessions.
+  //
+  // Errors: null when the accessory has left, does not offer the protocol, cannot be connected or is somebody else's.
   virtual std::unique_ptr<AccessorySession> openSession(const std::shared_ptr<Accessory>& accessory,
                                                         std::string_view protocol) = 0;
 };

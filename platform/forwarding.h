@@ -140,6 +140,7 @@ class ForwardingAccessorySession : public AccessorySession {
 
   InputStream& inputStream() override { return wrapped_->inputStream(); }
   OutputStream& outputStream() override { return wrapped_->outputStream(); }
+  void letGo() override { wrapped_->letGo(); }
 
  private:
   std::unique_ptr<AccessorySession> wrapped_;

@@ -57,6 +57,7 @@ std::array<platform::Stream*, 2> SessionConnection::streams() {
 
 void SessionConnection::close() {
   closed_.store(true);
+  session_->letGo();  // a session that takes this one's place is opened before the streams of this one are closed
   performOnThread(&SessionConnection::closeSesionThread);
 }
 

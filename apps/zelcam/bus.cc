@@ -1,6 +1,7 @@
 #include "apps/zelcam/bus.h"
 
 #include <string>
+#include <utility>
 
 #include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/output.h"
@@ -9,7 +10,13 @@ namespace zel::app {
 
 Bus::Bus(const Settings& settings, int decoderThreads) {
   std::string error;
-  platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = say}, error);
+  // One command is one host: between two connections of `live --reconnect` the camera stays this program's.
+  platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories,
+                                     .warn = say,
+                                     .inUse = [this](const CameraInUse& camera) { noteInUse(camera); },
+                                     .program = "zelcam " + settings.command,
+                                     .keepCameras = true},
+                                    error);
   if (!platform_) {
     say("zelcam: " + error);
     return;
@@ -28,6 +35,19 @@ platform::Ports Bus::ports() {
   platform::Ports ports = media_->ports();
   ports.videoDecoders = decodes_ ? videoDecoders_.get() : nullptr;
   return ports;
+}
+
+void Bus::noteInUse(const CameraInUse& camera) {
+  {
+    const MutexLock lock(mutex_);
+    inUse_ = camera.inWords();
+  }
+  platform_->stopMainQueue();
+}
+
+std::optional<std::string> Bus::cameraInUse() {
+  const MutexLock lock(mutex_);
+  return std::exchange(inUse_, std::nullopt);
 }
 
 Bus::~Bus() { detachInterrupts(); }

@@ -4,9 +4,12 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "apps/zelcam/arrival_clock.h"
 #include "apps/zelcam/settings.h"
+#include "platform/mutex.h"
 #include "platform/ports.h"
 
 namespace zel::app {
@@ -30,9 +33,17 @@ class Bus {
   void decodeNothing() { decodes_ = false; }
   const ArrivalClock& arrivals() const { return arrivals_; }
 
+  // Who has the camera, in words, where one could not be opened for that reason since the last call. The main queue is
+  // stopped when that happens.
+  std::optional<std::string> cameraInUse();
+
  private:
+  void noteInUse(const CameraInUse& camera);
+
   ArrivalClock arrivals_;
   bool decodes_ = true;
+  Mutex mutex_;
+  std::optional<std::string> inUse_ ZEL_GUARDED_BY(mutex_);
   // Made after the platform, and gone after its threads, which decode.
   std::unique_ptr<LinuxMedia> media_;
   std::unique_ptr<NotingDecoders> videoDecoders_;

@@ -65,7 +65,9 @@ ReadyCall prepared(const Values& values, const Operation*& operation, std::strin
 Waited waitForWriting(CameraLink& link, double seconds) {
   const auto wake = [&link] { link.wake(); };
   const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kWriteLook, wake);
-  return link.waitFor([&link] { return link.stack().statistics().bytesToWrite == 0; }, seconds);
+  const Waited end = link.waitFor([&link] { return link.stack().statistics().bytesToWrite == 0; }, seconds);
+  // A session that has ended has nothing to write either.
+  return end == Waited::done && (link.isLost() || link.wasReopened()) ? Waited::lost : end;
 }
 
 Waited waitForEnd(CameraLink& link, DoneWhen doneWhen, const CallAnswer& answer, double seconds) {

@@ -7,6 +7,7 @@
 #include "apps/zelcam/camera_choice.h"
 #include "apps/zelcam/diagnostics.h"
 #include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/link_keeper.h"
 #include "apps/zelcam/output.h"
 
 namespace zel::app {
@@ -15,7 +16,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::uint64_t kNoConnection = 0;
+constexpr std::uint64_t kSessionOpen = 1;
 constexpr std::uint64_t kFramesArrive = 2;
+constexpr std::uint64_t kFramesStopped = 3;
 
 }  // namespace
 
@@ -30,22 +33,40 @@ void CameraLink::statusChanged(std::uint64_t status) {
   noteStatus(status);
   if (status == kFramesArrive) framesArrived_.store(true);
   if (status == kNoConnection && framesArrived_.load()) lost_.store(true);
+  if (status == kSessionOpen && framesArrived_.load()) reopened_.store(true);
   wake();
 }
 
 int CameraLink::open() {
+  bus_.cameraInUse();  // of an earlier opening
   stack_.accessory().openCamera();
-  const Waited end = waitFor([this] { return framesArrived_.load(); }, settings_.timeout);
-  if (end == Waited::done) return kDone;
+  const LinkKeeper keeper(platform_, settings_, stack_.accessory());
+  std::optional<std::string> inUse;
+  const auto isOver = [&] {
+    if (!stack_.accessory().accessoryInfo()) inUse = bus_.cameraInUse();  // and no other one was opened
+    return framesArrived_.load() || inUse;
+  };
+  const Waited end = waitFor(isOver, settings_.timeout);
   if (end == Waited::interrupted) return kInterrupted;
-  return sayNoFrames(platform_, settings_, stack_);
+  if (framesArrived_.load()) return kDone;
+  if (!inUse) return sayNoFrames(platform_, settings_, stack_);
+  say("zelcam: " + *inUse);
+  return kNoCamera;
 }
 
-Waited CameraLink::waitFor(const std::function<bool()>& done, std::optional<double> seconds) {
+LinkLoss CameraLink::loss() {
+  if (!framesArrived_.load()) return LinkLoss::none;
+  if (lost_.load()) return LinkLoss::gone;
+  return stack_.accessory().status() == kFramesStopped ? LinkLoss::silent : LinkLoss::none;
+}
+
+Waited CameraLink::waitFor(const std::function<bool()>& done, std::optional<double> seconds,
+                           const std::function<bool(LinkLoss)>& bears) {
   const auto start = Clock::now();
   while (!done()) {
     if (wasInterrupted()) return Waited::interrupted;
-    if (lost_.load()) {
+    const LinkLoss now = loss();
+    if (now != LinkLoss::none && !(bears && bears(now))) {
       platform_.drainMainQueue();  // what failed with the connection tells so itself
       return done() ? Waited::done : Waited::lost;
     }

@@ -24,6 +24,13 @@ enum class Waited { done, timeOut, lost, interrupted };
 // error.
 int tellEnd(std::string_view what, Waited end, const std::optional<ZELError>& error, const Settings& settings);
 
+// What has become of a link whose frames had arrived.
+enum class LinkLoss {
+  none,
+  silent,  // frames have stopped; the next one ends that
+  gone,    // the connection has ended
+};
+
 // The camera of one command: opened, waited for, and closed when the command ends.
 // Thread: main thread, whose main queue it runs while it waits; wake() on any.
 class CameraLink {
@@ -34,17 +41,23 @@ class CameraLink {
   Bus& bus() { return bus_; }
   LinuxPlatform& platform() { return platform_; }
 
-  // Opens the camera and waits until frames arrive, at most the time-out. Returns kDone then; otherwise says what is
-  // missing and returns the exit status.
+  // Opens the camera and waits until frames arrive, at most the time-out; a link that does not heal by itself is opened
+  // again. Returns kDone then; otherwise says what is missing, or at once who else has the camera, and returns the exit
+  // status.
   int open();
 
   // Waits until `done` holds. It is looked at on the main thread, again after each wake(). Without seconds it waits for
-  // good.
-  Waited waitFor(const std::function<bool()>& done, std::optional<double> seconds);
+  // good. A loss ends it, unless `bears` holds for it.
+  Waited waitFor(const std::function<bool()>& done, std::optional<double> seconds,
+                 const std::function<bool(LinkLoss)>& bears = {});
   void wake();
 
   // Whether the camera is gone or silent: what failed then, failed for want of a camera.
   bool isLost();
+
+  // Whether the session has been opened again by itself, after a stream error, since frames arrived. The camera may
+  // have forgotten what it was asked for.
+  bool wasReopened() const { return reopened_.load(); }
 
   // Waits for the answer. Returns kDone where it is a good one; otherwise says how `what` ended, and returns the exit
   // status.
@@ -59,12 +72,14 @@ class CameraLink {
 
  private:
   void statusChanged(std::uint64_t status);
+  LinkLoss loss();
 
   Bus& bus_;
   LinuxPlatform& platform_;
   const Settings& settings_;
   std::atomic<bool> framesArrived_ = false;
   std::atomic<bool> lost_ = false;
+  std::atomic<bool> reopened_ = false;
   CameraStack stack_;
   const Observation watch_;
 };

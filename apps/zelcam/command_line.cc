@@ -31,7 +31,10 @@ int runCommandLine(int argc, const char* const* argv) {
     return tree.parser().exit(fault) == 0 ? kDone : kWrongUsage;
   }
   const Command* const command = tree.chosen();
-  return command != nullptr ? runLogged(*command, tree.invocation(), argc, argv) : kWrongUsage;
+  if (command == nullptr) return kWrongUsage;
+  Invocation invocation = tree.invocation();
+  invocation.settings.command = command->name;
+  return runLogged(*command, invocation, argc, argv);
 }
 
 }  // namespace zel::app

@@ -68,7 +68,7 @@ class Live {
     background_ = observe(platform::kApplicationDidEnterBackgroundNotification, true);
     active_ = observe(platform::kApplicationDidBecomeActiveNotification, false);
     int status = stream(settings_);
-    while (status == kNoCamera && lost_ && options_.reconnect) status = reconnect();
+    while (const auto patience = patienceAfter(status)) status = reconnect(*patience);
     outputs_.finish();
     endProgress();
     if (!wasThere_) return status;
@@ -94,12 +94,19 @@ class Live {
     });
   }
 
-  int reconnect() {
-    lost_ = false;
+  // How long to wait for the camera after a connection that ended with that status; nothing where it is over. A camera
+  // that is there, and has only lost the connection, is waited for in any case.
+  std::optional<double> patienceAfter(int status) const {
+    if (status != kNoCamera || !lost_) return std::nullopt;
+    return reopened_ && !options_.reconnect ? settings_.timeout : options_.reconnect;
+  }
+
+  int reconnect(double patience) {
+    lost_ = reopened_ = false;
     Settings again = settings_;
     again.camera = serial_;
-    again.timeout = *options_.reconnect;
-    tell(fmt::format("the camera was lost; waiting up to {} s for {}", *options_.reconnect, serial_));
+    again.timeout = patience;
+    tell(fmt::format("the camera was lost; waiting up to {} s for {}", patience, serial_));
     return stream(again);
   }
 
@@ -118,6 +125,7 @@ class Live {
       link.wake();
     });
     const RunEnd end = waitForEnd(link, *feed);
+    reopened_ = link.wasReopened();
     const std::optional<std::string> failure = feed->failure();
     feed->stop();
     letCameraKnow(link, end);
@@ -130,23 +138,35 @@ class Live {
     return std::make_shared<StitchedFeed>(link, writer_, options_, bus_.arrivals());
   }
 
-  // Pictures must keep coming, but in the background: a time-out without one ends it.
+  // Pictures must keep coming, but in the background: a time-out without one ends it. Until then a camera that is
+  // silent may go on, unless there is a better way.
   RunEnd waitForEnd(CameraLink& link, const LiveFeed& feed) {
+    const std::uint64_t first = writer_.written().pictures;
     const auto isOver = [&] {
       const WrittenStream written = writer_.written();
-      return written.complete || written.fault || feed.failure() || outputs_.haveAllFailed();
+      return written.complete || written.fault || feed.failure() || outputs_.haveAllFailed() || link.wasReopened();
+    };
+    const auto bears = [&](LinkLoss loss) {
+      return loss == LinkLoss::silent && (inBackground_ || !options_.reconnect);
     };
     while (true) {
       const std::uint64_t before = writer_.written().pictures;
-      const Waited end = link.waitFor(isOver, settings_.timeout);
+      const Waited end = link.waitFor(isOver, settings_.timeout, bears);
       if (end == Waited::interrupted) return RunEnd::interrupted;
       if (end == Waited::lost) return RunEnd::lost;
       if (end == Waited::timeOut && (inBackground_ || writer_.written().pictures != before)) continue;
-      if (end == Waited::timeOut) return RunEnd::noPicture;
-      if (writer_.written().complete) return RunEnd::complete;
-      if (outputs_.haveAllFailed()) return RunEnd::outputsFailed;
-      return feed.failure() && link.isLost() ? RunEnd::lost : RunEnd::failed;
+      // A connection that brought pictures may bring more when it is made again; another one would not.
+      if (end == Waited::timeOut) return options_.reconnect && before != first ? RunEnd::lost : RunEnd::noPicture;
+      return whyOver(link, feed);
     }
+  }
+
+  RunEnd whyOver(CameraLink& link, const LiveFeed& feed) const {
+    const WrittenStream written = writer_.written();
+    if (written.complete) return RunEnd::complete;
+    if (outputs_.haveAllFailed()) return RunEnd::outputsFailed;
+    const bool forWantOfACamera = link.wasReopened() || (feed.failure() && link.isLost());
+    return forWantOfACamera && !written.fault ? RunEnd::lost : RunEnd::failed;
   }
 
   // The commands that switch the camera's streams off are on their way: the answer to one more tells that they came.
@@ -170,7 +190,7 @@ class Live {
         return options_.duration || writer_.written().pictures == 0 ? kInterrupted : kDone;
       case RunEnd::lost:
         lost_ = true;
-        if (!options_.reconnect) tell("the camera was lost");
+        if (!patienceAfter(kNoCamera)) tell("the camera was lost");
         return kNoCamera;
       case RunEnd::noPicture:
         tell(fmt::format("no picture came within {} s", settings_.timeout));
@@ -226,7 +246,7 @@ class Live {
   const LiveOptions& options_;
   Clock::time_point start_ = Clock::now();
   std::string serial_;
-  bool wasThere_ = false, lost_ = false, inBackground_ = false, showsProgress_ = false;
+  bool wasThere_ = false, lost_ = false, reopened_ = false, inBackground_ = false, showsProgress_ = false;
   FeedFigures figures_;  // of the connections that have ended
   Outputs outputs_;
   StreamWriter writer_;

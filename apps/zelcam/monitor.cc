@@ -6,14 +6,13 @@
 
 #include <fmt/format.h>
 
-#include <atomic>
 #include <chrono>
 #include <utility>
 
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/diagnostics.h"
-#include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/link_keeper.h"
 #include "apps/zelcam/output.h"
 #include "platform/ports.h"
 
@@ -56,24 +55,22 @@ ordered_json droppedJson(const DroppedFrames& dropped) {
 class Monitor {
  public:
   // preview: the resolution code of a preview that is to be watched.
-  Monitor(LinuxPlatform& platform, const Settings& settings, std::optional<double> seconds,
-          std::optional<std::int64_t> preview)
-      : platform_(platform),
+  Monitor(Bus& bus, const Settings& settings, std::optional<double> seconds, std::optional<std::int64_t> preview)
+      : platform_(bus.platform()),
         settings_(settings),
         seconds_(seconds),
         preview_(preview),
-        stack_(platform.ports(), settings.camera) {}
+        link_(bus, settings),
+        stack_(link_.stack()) {}
 
   int run() {
     const auto watch = stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); });
-    stack_.accessory().openCamera();
     const auto tick = platform_.ports().threads.currentRunLoop().scheduleRepeating(1.0, [this] { secondPassed(); });
-    if (!waitForFrames()) return noFrames();
-    if (seconds_) {
-      platform_.runMainQueueFor(*seconds_);
-    } else if (!wasInterrupted()) {
-      platform_.runMainQueue();
-    }
+    const int status = link_.open();
+    if (status != kDone) platform_.drainMainQueue();
+    if (status == kInterrupted) return kDone;
+    if (status != kDone) return status;
+    watchLink();
     summarise();
     return kDone;
   }
@@ -81,9 +78,13 @@ class Monitor {
  private:
   double elapsed() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
 
+  // Whatever becomes of the link, until the time is over or the user ends it.
+  void watchLink() {
+    const LinkKeeper keeper(platform_, settings_, stack_.accessory());
+    link_.waitFor([] { return false; }, seconds_, [](LinkLoss) { return true; });
+  }
+
   void statusChanged(std::uint64_t status) {
-    noteStatus(status);
-    if (status == kFlowing && !flowed_.exchange(true)) platform_.stopMainQueue();
     platform_.ports().queues.mainQueue().post([this, status, at = elapsed(), clock = timeOfDay()] {
       if (preview_) keepPreviewOn(status);
       if (settings_.json) {
@@ -100,18 +101,6 @@ class Monitor {
     if (status != kFlowing || std::exchange(previewIsOn_, true)) return;
     stack_.ucd().msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(*preview_), {});
     stack_.ucd().msgReqSwitchAudioStreamType(kSoundOn, {});
-  }
-
-  // Runs the main queue until frames have arrived; the status change that says so stops it.
-  bool waitForFrames() {
-    platform_.runMainQueueFor(settings_.timeout);
-    return flowed_.load();
-  }
-
-  int noFrames() {
-    platform_.drainMainQueue();
-    if (wasInterrupted()) return kDone;
-    return sayNoFrames(platform_, settings_, stack_);
   }
 
   void secondPassed() {
@@ -180,9 +169,9 @@ class Monitor {
   const std::optional<std::int64_t> preview_;
   bool previewIsOn_ = false;
   const Clock::time_point start_ = Clock::now();
-  std::atomic<bool> flowed_ = false;
   LinkStatistics before_;
-  CameraStack stack_;
+  CameraLink link_;
+  CameraStack& stack_;
 };
 
 }  // namespace
@@ -191,7 +180,7 @@ int runMonitor(const Invocation& invocation) {
   Bus bus(invocation.settings);
   if (!bus.isThere()) return kNoCamera;
   const Values& values = invocation.values;
-  Monitor monitor(bus.platform(), invocation.settings, values.number("--seconds"), values.integer("--preview"));
+  Monitor monitor(bus, invocation.settings, values.number("--seconds"), values.integer("--preview"));
   return monitor.run();
 }
 

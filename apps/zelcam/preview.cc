@@ -127,7 +127,8 @@ class Preview {
   int waitForPictures() {
     while (true) {
       const std::int64_t before = counter_->decoded().rate.pictures();
-      const Waited end = link_.waitFor([this] { return counter_->decoded().complete; }, invocation_.settings.timeout);
+      const Waited end = link_.waitFor([this] { return counter_->decoded().complete; }, invocation_.settings.timeout,
+                                       [](LinkLoss loss) { return loss == LinkLoss::silent; });
       if (end == Waited::done) return kDone;
       const bool some = counter_->decoded().rate.pictures() != 0;
       if (end == Waited::interrupted) return some && !wanted() ? kDone : kInterrupted;

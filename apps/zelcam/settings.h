@@ -4,8 +4,9 @@
 
 namespace zel::app {
 
-// What stands before the command on the command line.
+// What stands before the command on the command line, and the command itself.
 struct Settings {
+  std::string command;      // its name
   std::string accessories;  // folder of the bus; empty for the default
   std::string camera;       // serial number; empty for the first
   double timeout = 10;      // seconds

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,7 +14,22 @@ class Clock;
 struct Ports;
 }  // namespace platform
 
+// A camera that was asked for, and who has it.
+struct ZEL_EXPORT CameraInUse {
+  std::string camera;        // its serial number, else its accessory file's name
+  std::int64_t process = 0;  // 0: not known
+  std::string program;
+
+  // "camera E1A0001 is in use by process 4711 (zelcam live)"
+  std::string inWords() const;
+};
+
 // The ports on Linux: run loops and streams, the accessory bus of a folder, the main queue.
+//
+// A camera has one reader at a time: a stack that opens one takes its lock, and keeps it until it closes the camera,
+// also while the camera is gone; stacks on other platforms, in this process or another, do not get that camera
+// meanwhile, nor does another stack on this platform while the first one has a session.
+//
 // Thread: the thread that makes it is the main thread until the main queue is run on another one.
 class ZEL_EXPORT LinuxPlatform {
  public:
@@ -26,6 +42,13 @@ class ZEL_EXPORT LinuxPlatform {
     // Where ZELDateFormatter keeps log.txt. Empty: $XDG_DATA_HOME/zelcam, else ~/.local/share/zelcam. Made with mode
     // 0700 where it is missing, with the first write.
     std::string documentsFolder = {};
+    // Hears that a camera could not be opened since somebody has it; it is passed over like an accessory of another
+    // kind. Called inside the attempt, on any thread. Empty: `warn` hears of it.
+    std::function<void(const CameraInUse&)> inUse = {};
+    // What other programs are told of this one while it has a camera, as "zelcam live". Empty: the executable's name.
+    std::string program = {};
+    // Keeps what was opened until the platform goes, also between two stacks.
+    bool keepCameras = false;
   };
 
   // The folder that `accessoriesFolder` stands for (see Options).

@@ -28,6 +28,8 @@ class InputDescriptor final : public DescriptorStream {
  public:
   using DescriptorStream::DescriptorStream;
 
+  void setEndObserver(std::function<void()> observer) { onEnd_ = std::move(observer); }
+
   bool hasBytes() const {
     if (!usable()) return false;
     return level_ == Level::unknown ? isReadable() : level_ == Level::some;
@@ -39,7 +41,7 @@ class InputDescriptor final : public DescriptorStream {
     if (count < 0) return readFailed(errno);
     // A read that is not filled leaves nothing behind; the run loop tells when there is more.
     level_ = static_cast<std::size_t>(count) == buffer.size() ? Level::some : Level::none;
-    if (count == 0) end(StreamEvent::endEncountered);
+    if (count == 0) streamEnded();
     return count;
   }
 
@@ -52,6 +54,11 @@ class InputDescriptor final : public DescriptorStream {
   void ready() override {
     level_ = Level::some;
     if (report(StreamEvent::hasBytesAvailable)) wait(Wait::wait_read);
+  }
+
+  void streamEnded() {
+    end(StreamEvent::endEncountered);
+    if (onEnd_) onEnd_();
   }
 
   std::ptrdiff_t readFailed(int code) {
@@ -67,6 +74,7 @@ class InputDescriptor final : public DescriptorStream {
     return poll(&query, 1, 0) > 0;
   }
 
+  std::function<void()> onEnd_;
   Level level_ = Level::unknown;
   bool failed_ = false;
 };
@@ -145,6 +153,7 @@ class DescriptorInputStream final : public StreamOver<InputStream, InputDescript
   using StreamOver::StreamOver;
   bool hasBytesAvailable() const override { return descriptor_->hasBytes(); }
   std::ptrdiff_t read(std::span<std::uint8_t> buffer) override { return descriptor_->read(buffer); }
+  void setEndObserver(std::function<void()> observer) { descriptor_->setEndObserver(std::move(observer)); }
 };
 
 class DescriptorOutputStream final : public StreamOver<OutputStream, OutputDescriptor> {
@@ -156,13 +165,19 @@ class DescriptorOutputStream final : public StreamOver<OutputStream, OutputDescr
 
 class DescriptorSession final : public AccessorySession {
  public:
-  DescriptorSession(UniqueDescriptor input, UniqueDescriptor output)
-      : input_(std::move(input)), output_(std::move(output)) {}
+  DescriptorSession(UniqueDescriptor input, UniqueDescriptor output, SessionObserver observer)
+      : observer_(std::move(observer)), input_(std::move(input)), output_(std::move(output)) {
+    input_.setEndObserver(observer_.ended);
+  }
 
   InputStream& inputStream() override { return input_; }
   OutputStream& outputStream() override { return output_; }
+  void letGo() override {
+    if (observer_.wasLetGo) observer_.wasLetGo();
+  }
 
  private:
+  const SessionObserver observer_;  // outlives the streams
   DescriptorInputStream input_;
   DescriptorOutputStream output_;
 };
@@ -175,11 +190,11 @@ bool makeNonBlocking(int descriptor) {
 
 }  // namespace
 
-std::unique_ptr<AccessorySession> makeDescriptorSession(int descriptor) {
+std::unique_ptr<AccessorySession> makeDescriptorSession(int descriptor, SessionObserver observer) {
   UniqueDescriptor input(descriptor);
   UniqueDescriptor output(fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
   if (!output || !makeNonBlocking(descriptor)) return nullptr;
-  return std::make_unique<DescriptorSession>(std::move(input), std::move(output));
+  return std::make_unique<DescriptorSession>(std::move(input), std::move(output), std::move(observer));
 }
 
 }  // namespace zel::platform

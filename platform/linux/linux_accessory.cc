@@ -19,4 +19,23 @@ bool LinuxAccessory::offers(std::string_view protocol) const {
   return std::find(offered.begin(), offered.end(), protocol) != offered.end();
 }
 
+std::string LinuxAccessory::camera() const {
+  const std::string& serial = description().serialNumber;
+  return serial.empty() ? path_.substr(path_.rfind('/') + 1) : serial;
+}
+
+std::shared_ptr<LinuxAccessory> LinuxAccessory::again() const {
+  return std::make_shared<LinuxAccessory>(path_, identity_, parsed_);
+}
+
+void LinuxAccessory::setConnection(UniqueDescriptor connection) {
+  const MutexLock lock(mutex_);
+  connection_ = std::move(connection);
+}
+
+UniqueDescriptor LinuxAccessory::takeConnection() {
+  const MutexLock lock(mutex_);
+  return std::move(connection_);
+}
+
 }  // namespace zel::platform

@@ -1,15 +1,20 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
+#include <memory>
 #include <string>
 
 #include "platform/accessory.h"
 #include "platform/linux/accessory_description.h"
 #include "platform/linux/accessory_file.h"
+#include "platform/linux/unique_descriptor.h"
+#include "platform/mutex.h"
 
 namespace zel::platform {
 
-// One attachment: one file of the bus's folder, from its appearance to its removal or replacement.
+// One attachment: one file of the bus's folder, from its appearance to its removal or replacement, or to the end of the
+// camera's stream, whichever is first.
 class LinuxAccessory final : public Accessory {
  public:
   LinuxAccessory(std::string path, const FileIdentity& identity, ParsedAccessory parsed);
@@ -22,11 +27,29 @@ class LinuxAccessory final : public Accessory {
   const Endpoint& endpoint() const { return parsed_.endpoint; }
   bool offers(std::string_view protocol) const;
 
+  // What its camera is locked by: the serial number, else the file's name.
+  std::string camera() const;
+
   // From now on it has left.
   void depart() { attached_.store(false); }
+  // The next attachment by the same file.
+  std::shared_ptr<LinuxAccessory> again() const;
 
   // True the first time only: an attachment that cannot be connected is reported once.
   bool reportsFirstFault() { return !faultReported_.exchange(true); }
+
+  // Counts a session, and returns its number. What becomes of an earlier one matters no more.
+  std::uint64_t beginSession() { return sessions_.fetch_add(1) + 1; }
+  // The number of the last one; 0 before the first.
+  std::uint64_t lastSession() const { return sessions_.load(); }
+
+  // A connection that was made ahead, for the session that is opened next. Taking one that is not there gives none.
+  void setConnection(UniqueDescriptor connection);
+  UniqueDescriptor takeConnection();
+
+  // Whether a connection is being made ahead, which is not to be tried twice at a time.
+  bool beginsTrying() { return !trying_.exchange(true); }
+  void endTrying() { trying_.store(false); }
 
  private:
   const std::string path_;
@@ -34,6 +57,11 @@ class LinuxAccessory final : public Accessory {
   const ParsedAccessory parsed_;
   std::atomic<bool> attached_ = true;
   std::atomic<bool> faultReported_ = false;
+  std::atomic<bool> trying_ = false;
+  std::atomic<std::uint64_t> sessions_ = 0;
+
+  Mutex mutex_;
+  UniqueDescriptor connection_ ZEL_GUARDED_BY(mutex_);
 };
 
 }  // namespace zel::platform

@@ -1,24 +1,29 @@
 #include "platform/linux/linux_accessory_manager.h"
 
-#include <algorithm>
 #include <chrono>
 #include <utility>
 
-#include "platform/linux/accessory_description.h"
 #include "platform/linux/accessory_folder.h"
 #include "platform/linux/descriptor_session.h"
+#include "platform/linux/endpoint.h"
 
 namespace zel::platform {
 namespace {
 
 // The host usually connects on its main thread, which an endpoint that does not answer must not hold for long.
 constexpr std::chrono::seconds kConnectLimit{2};
+constexpr double kReturnPeriod = 1;  // seconds between two attempts to reach a camera that is away
 
 }  // namespace
 
 LinuxAccessoryManager::LinuxAccessoryManager(Settings settings, std::shared_ptr<LinuxRunLoop> mainRunLoop,
-                                             NotificationCenter& notifications)
-    : settings_(std::move(settings)), mainRunLoop_(std::move(mainRunLoop)), notifications_(notifications) {}
+                                             Queue& worker, NotificationCenter& notifications)
+    : settings_(std::move(settings)),
+      mainRunLoop_(std::move(mainRunLoop)),
+      worker_(worker),
+      notifications_(notifications),
+      holds_(settings_.folder, settings_.program, settings_.keepCameras),
+      attached_(settings_.folder) {}
 
 LinuxAccessoryManager::~LinuxAccessoryManager() {
   const MutexLock lock(mutex_);
@@ -30,7 +35,7 @@ std::vector<std::shared_ptr<Accessory>> LinuxAccessoryManager::connectedAccessor
   {
     const MutexLock lock(mutex_);
     if (!watch_ || behind_) lookSilently();
-    const Shown all = shown();
+    const Shown all = attached_.shown();
     accessories.assign(all.begin(), all.end());
   }
   giveWarnings();
@@ -42,6 +47,7 @@ void LinuxAccessoryManager::registerForLocalNotifications() {
     const MutexLock lock(mutex_);
     if (registrations_++ == 0) startWatch();
   }
+  holds_.keepBetweenSessions(true);
   giveWarnings();
 }
 
@@ -60,11 +66,22 @@ void LinuxAccessoryManager::startWatch() {
 
 void LinuxAccessoryManager::unregisterForLocalNotifications() {
   std::shared_ptr<FolderWatch> watch;
-  const MutexLock lock(mutex_);
-  if (registrations_ == 0 || --registrations_ > 0) return;
-  watch = std::move(watch_);
-  behind_ = false;
+  std::unique_ptr<Timer> timer;  // both go outside the lock
+  bool isLast = false;
+  {
+    const MutexLock lock(mutex_);
+    if (registrations_ == 0) return;
+    isLast = --registrations_ == 0;
+    if (isLast) {
+      watch = std::move(watch_);
+      timer = std::move(returnTimer_);
+      behind_ = false;
+      for (const auto& one : attached_.away()) attached_.bringBack(one);  // nobody waits for it any more
+    }
+  }
   if (watch) watch->stop();
+  // One of several hosts of this process has closed its camera, and with it its session.
+  isLast ? holds_.keepBetweenSessions(false) : holds_.giveBack();
 }
 
 void LinuxAccessoryManager::folderChanged(const FolderWatch& watch, const FolderChange& change) {
@@ -75,7 +92,7 @@ void LinuxAccessoryManager::folderChanged(const FolderWatch& watch, const Folder
   std::vector<std::string> names;
   {
     const MutexLock lock(mutex_);
-    names = namesToLookAt();
+    names = attached_.namesToLookAt();
   }
   announce(watch, names);
   if (change.kind == FolderChange::Kind::gone) watchEnded(watch);
@@ -86,7 +103,7 @@ void LinuxAccessoryManager::announceSince(const FolderWatch& watch) {
   {
     const MutexLock lock(mutex_);
     if (watch_.get() != &watch || !std::exchange(behind_, false)) return;
-    names = namesToLookAt();
+    names = attached_.namesToLookAt();
   }
   announce(watch, names);
 }
@@ -96,13 +113,13 @@ void LinuxAccessoryManager::announce(const FolderWatch& watch, const std::vector
   {
     const MutexLock lock(mutex_);
     if (watch_.get() != &watch) return;
-    changed = takeDepartures(names);
+    changed = attached_.takeDepartures(names);
   }
   announce(watch, kAccessoryDidDisconnectNotification, changed);
   {
     const MutexLock lock(mutex_);
     if (watch_.get() != &watch) return;  // an observer has just ended the notifications
-    changed = takeArrivals(names);
+    changed = attached_.takeArrivals(names, warnings_);
   }
   giveWarnings();
   announce(watch, kAccessoryDidConnectNotification, changed);
@@ -134,76 +151,11 @@ void LinuxAccessoryManager::watchEnded(const FolderWatch& watch) {
 }
 
 void LinuxAccessoryManager::lookSilently() {
-  const std::vector<std::string> names = namesToLookAt();
-  takeDepartures(names);
-  takeArrivals(names);
+  const std::vector<std::string> names = attached_.namesToLookAt();
+  attached_.takeDepartures(names);
+  attached_.takeArrivals(names, warnings_);
   told_ = true;
   behind_ = false;
-}
-
-std::vector<std::string> LinuxAccessoryManager::namesToLookAt() {
-  std::vector<std::string> names = accessoryNames(settings_.folder);
-  for (const auto& [name, unused] : known_) names.push_back(name);
-  std::sort(names.begin(), names.end());
-  names.erase(std::unique(names.begin(), names.end()), names.end());
-  return names;
-}
-
-// Forgets the files that are gone or replaced, and returns the accessories among them.
-LinuxAccessoryManager::Shown LinuxAccessoryManager::takeDepartures(const std::vector<std::string>& names) {
-  Shown departed;
-  for (const std::string& name : names) {
-    const auto known = known_.find(name);
-    if (known == known_.end() || known->second.file == readAccessoryFile(settings_.folder + "/" + name)) continue;
-    if (const auto& accessory = known->second.accessory) {
-      accessory->depart();
-      departed.push_back(accessory);
-    }
-    known_.erase(known);
-  }
-  return departed;
-}
-
-// Takes in the files that are not known, and returns the accessories among them in the order of a listing.
-LinuxAccessoryManager::Shown LinuxAccessoryManager::takeArrivals(const std::vector<std::string>& names) {
-  Shown arrived;
-  for (const std::string& name : names) {
-    if (known_.contains(name)) continue;
-    const std::string path = settings_.folder + "/" + name;
-    AccessoryFile file = readAccessoryFile(path);
-    if (!file.present) continue;
-    const auto accessory = admit(path, file);
-    if (accessory) arrived.push_back(accessory);
-    known_.emplace(name, Known{std::move(file), accessory});
-  }
-  const auto byConnection = [](const auto& a, const auto& b) {
-    return a->description().connectionID < b->description().connectionID;
-  };
-  std::stable_sort(arrived.begin(), arrived.end(), byConnection);
-  return arrived;
-}
-
-std::shared_ptr<LinuxAccessory> LinuxAccessoryManager::admit(const std::string& path, const AccessoryFile& file) {
-  std::string fault = file.fault;
-  std::optional<ParsedAccessory> parsed;
-  if (fault.empty()) parsed = parseAccessoryDescription(file.text, fault);
-  if (!parsed) {
-    warnings_.push_back("accessory file " + path + " skipped: " + fault);
-    return nullptr;
-  }
-  return std::make_shared<LinuxAccessory>(path, file.identity, std::move(*parsed));
-}
-
-LinuxAccessoryManager::Shown LinuxAccessoryManager::shown() {
-  Shown all;
-  for (const auto& [name, known] : known_) {
-    if (known.accessory) all.push_back(known.accessory);
-  }
-  const auto byConnection = [](const auto& a, const auto& b) {
-    return a->description().connectionID < b->description().connectionID;
-  };
-  std::stable_sort(all.begin(), all.end(), byConnection);
-  return all;
 }
 
 void LinuxAccessoryManager::giveWarnings() {
@@ -219,11 +171,113 @@ std::unique_ptr<AccessorySession> LinuxAccessoryManager::openSession(const std::
                                                                      std::string_view protocol) {
   const auto attached = std::dynamic_pointer_cast<LinuxAccessory>(accessory);
   if (!attached || !attached->isConnected() || !attached->offers(protocol)) return nullptr;
+  CameraHolds::Taken camera = takeCamera(*attached);
+  if (!camera.use) return nullptr;
   std::string fault;
-  UniqueDescriptor connection = connectEndpoint(attached->endpoint(), kConnectLimit, fault);
-  if (connection) return makeDescriptorSession(connection.release());
-  if (attached->reportsFirstFault()) settings_.warn("accessory file " + attached->path() + " cannot connect: " + fault);
+  UniqueDescriptor connection = attached->takeConnection();
+  if (!connection) connection = connectEndpoint(attached->endpoint(), kConnectLimit, fault);
+  if (connection) {
+    if (auto session = sessionOver(std::move(connection), attached, camera.use)) return session;
+    fault = "no descriptor is left";
+  }
+  camera.use.reset();
+  if (camera.isNew) holds_.giveBack(attached->camera());
+  cannotConnect(attached, fault);
   return nullptr;
+}
+
+CameraHolds::Taken LinuxAccessoryManager::takeCamera(LinuxAccessory& accessory) {
+  CameraHolds::Taken taken = holds_.take(accessory.camera());
+  if (taken.user) settings_.inUse({accessory.camera(), taken.user->process, taken.user->program});
+  if (!taken.fault.empty() && accessory.reportsFirstFault()) {
+    settings_.warn("camera " + accessory.camera() + " cannot be locked: " + taken.fault);
+  }
+  return taken;
+}
+
+std::unique_ptr<AccessorySession> LinuxAccessoryManager::sessionOver(UniqueDescriptor connection,
+                                                                     const Attached& accessory,
+                                                                     const std::shared_ptr<CameraUse>& use) {
+  const std::uint64_t number = accessory->beginSession();
+  return makeDescriptorSession(connection.release(),
+                               {.ended = endOf(accessory, number), .wasLetGo = [use] { use->letGo(); }});
+}
+
+// One that worked before has left; the others are passed over.
+void LinuxAccessoryManager::cannotConnect(const Attached& accessory, const std::string& fault) {
+  if (accessory->lastSession() != 0) return endOf(accessory, accessory->lastSession())();
+  if (!accessory->reportsFirstFault()) return;
+  settings_.warn("accessory file " + accessory->path() + " cannot connect: " + fault);
+}
+
+std::function<void()> LinuxAccessoryManager::endOf(const Attached& accessory, std::uint64_t session) {
+  return onMainRunLoop([this, accessory, session] { streamEnded(accessory, session); });
+}
+
+// Whoever makes the step happen may outlive the manager, and must not keep the run loop.
+std::function<void()> LinuxAccessoryManager::onMainRunLoop(std::function<void()> step) {
+  return [loop = std::weak_ptr(mainRunLoop_), alive = std::weak_ptr(alive_), step = std::move(step)] {
+    const auto there = loop.lock();
+    if (!there) return;
+    there->perform([alive, step] {
+      if (alive.lock()) step();
+    });
+  };
+}
+
+void LinuxAccessoryManager::streamEnded(const Attached& accessory, std::uint64_t session) {
+  std::shared_ptr<FolderWatch> watch;
+  {
+    const MutexLock lock(mutex_);
+    watch = watch_;
+    if (!watch || accessory->lastSession() != session || !attached_.sendAway(accessory)) return;
+  }
+  announce(*watch, kAccessoryDidDisconnectNotification, {accessory});
+  auto timer = mainRunLoop_->scheduleRepeating(kReturnPeriod, [this] { lookForReturns(); });
+  const MutexLock lock(mutex_);
+  std::swap(returnTimer_, timer);
+}
+
+void LinuxAccessoryManager::lookForReturns() {
+  std::unique_ptr<Timer> doomed;  // outside the lock
+  Shown away;
+  {
+    const MutexLock lock(mutex_);
+    away = attached_.away();
+    if (away.empty()) doomed = std::move(returnTimer_);
+  }
+  for (const auto& one : away) {
+    const CameraHolds::State state = holds_.of(one->camera());
+    if (state == CameraHolds::State::kept && one->beginsTrying()) tryToConnect(one);
+    if (state == CameraHolds::State::free) returned(one, {});
+  }
+}
+
+void LinuxAccessoryManager::tryToConnect(const Attached& away) {
+  const auto connection = std::make_shared<UniqueDescriptor>();
+  const auto tried = onMainRunLoop([this, away, connection] {
+    away->endTrying();
+    if (*connection) returned(away, std::move(*connection));
+  });
+  worker_.post([away, connection, tried] {
+    std::string fault;
+    *connection = connectEndpoint(away->endpoint(), kConnectLimit, fault);
+    tried();
+  });
+}
+
+void LinuxAccessoryManager::returned(const Attached& away, UniqueDescriptor connection) {
+  std::shared_ptr<FolderWatch> watch;
+  Attached accessory;
+  {
+    const MutexLock lock(mutex_);
+    watch = watch_;
+    if (watch) accessory = attached_.bringBack(away);
+  }
+  if (!accessory) return;
+  accessory->setConnection(std::move(connection));
+  announce(*watch, kAccessoryDidConnectNotification, {accessory});
+  accessory->takeConnection();  // of a host that has just closed its camera
 }
 
 }  // namespace zel::platform

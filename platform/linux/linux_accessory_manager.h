@@ -1,18 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include <ZELTarkaSDK/LinuxPlatform.h>
+
 #include "platform/accessory.h"
-#include "platform/linux/accessory_file.h"
+#include "platform/linux/attached_accessories.h"
+#include "platform/linux/camera_holds.h"
 #include "platform/linux/folder_watch.h"
 #include "platform/linux/linux_accessory.h"
 #include "platform/linux/linux_run_loop.h"
 #include "platform/mutex.h"
 #include "platform/notification_center.h"
+#include "platform/queues.h"
 
 namespace zel::platform {
 
@@ -24,16 +28,27 @@ namespace zel::platform {
 // what has changed in between, unless the host lists again first.
 //
 // Two files with one connectionID are two accessories, in the order of their names.
-// Thread: any thread. `warn` is called on any thread, without a lock held.
+//
+// A camera has one reader: a session is opened under the camera's lock, which is kept between sessions while the host
+// is registered. Where a session's stream ends, or the host cannot open it again, its accessory has left, as if its
+// file were removed. While the lock is kept, its return is tried once a second by making the connection of the next
+// session, which is announced once it is there; without the lock nobody waits for the camera, and the accessory is
+// attached as its file tells.
+//
+// Thread: any thread. `warn` and `inUse` are called on any thread, without a lock held.
 class LinuxAccessoryManager final : public AccessoryManager {
  public:
   struct Settings {
     std::string folder;
     std::function<void(const std::string&)> warn;
+    std::function<void(const CameraInUse&)> inUse;
+    std::string program;
+    bool keepCameras = false;
   };
 
+  // worker: makes connections, which may take a while.
   // The run loop's tasks must have been discarded when the manager goes.
-  LinuxAccessoryManager(Settings settings, std::shared_ptr<LinuxRunLoop> mainRunLoop,
+  LinuxAccessoryManager(Settings settings, std::shared_ptr<LinuxRunLoop> mainRunLoop, Queue& worker,
                         NotificationCenter& notifications);
   ~LinuxAccessoryManager() override;
 
@@ -44,11 +59,8 @@ class LinuxAccessoryManager final : public AccessoryManager {
                                                 std::string_view protocol) override;
 
  private:
-  struct Known {
-    AccessoryFile file;
-    std::shared_ptr<LinuxAccessory> accessory;  // null when the file was skipped
-  };
-  using Shown = std::vector<std::shared_ptr<LinuxAccessory>>;
+  using Attached = std::shared_ptr<LinuxAccessory>;
+  using Shown = AttachedAccessories::List;
 
   void folderChanged(const FolderWatch& watch, const FolderChange& change);
   void announceSince(const FolderWatch& watch);
@@ -56,26 +68,36 @@ class LinuxAccessoryManager final : public AccessoryManager {
   void announce(const FolderWatch& watch, std::string_view notification, const Shown& accessories);
   void watchEnded(const FolderWatch& watch);
 
+  CameraHolds::Taken takeCamera(LinuxAccessory& accessory);
+  std::unique_ptr<AccessorySession> sessionOver(UniqueDescriptor connection, const Attached& accessory,
+                                                const std::shared_ptr<CameraUse>& use);
+  void cannotConnect(const Attached& accessory, const std::string& fault);
+  std::function<void()> endOf(const Attached& accessory, std::uint64_t session);
+  void streamEnded(const Attached& accessory, std::uint64_t session);
+  void lookForReturns();
+  void tryToConnect(const Attached& away);
+  void returned(const Attached& away, UniqueDescriptor connection);
+  std::function<void()> onMainRunLoop(std::function<void()> step);
+
   void startWatch() ZEL_REQUIRES(mutex_);
   void lookSilently() ZEL_REQUIRES(mutex_);
-  std::vector<std::string> namesToLookAt() ZEL_REQUIRES(mutex_);
-  Shown takeDepartures(const std::vector<std::string>& names) ZEL_REQUIRES(mutex_);
-  Shown takeArrivals(const std::vector<std::string>& names) ZEL_REQUIRES(mutex_);
-  std::shared_ptr<LinuxAccessory> admit(const std::string& path, const AccessoryFile& file) ZEL_REQUIRES(mutex_);
-  Shown shown() ZEL_REQUIRES(mutex_);
   bool watchedBy(const FolderWatch& watch);
   void giveWarnings();
 
   const Settings settings_;
   const std::shared_ptr<LinuxRunLoop> mainRunLoop_;
+  Queue& worker_;
   NotificationCenter& notifications_;
+  CameraHolds holds_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);  // for steps that may come too late
 
   Mutex mutex_;
-  std::map<std::string, Known, std::less<>> known_ ZEL_GUARDED_BY(mutex_);  // by file name
+  AttachedAccessories attached_ ZEL_GUARDED_BY(mutex_);
   int registrations_ ZEL_GUARDED_BY(mutex_) = 0;
   std::shared_ptr<FolderWatch> watch_ ZEL_GUARDED_BY(mutex_);
-  bool told_ ZEL_GUARDED_BY(mutex_) = false;    // the host has been told what is known
-  bool behind_ ZEL_GUARDED_BY(mutex_) = false;  // the watch began after the host was told
+  std::unique_ptr<Timer> returnTimer_ ZEL_GUARDED_BY(mutex_);  // while somebody is away
+  bool told_ ZEL_GUARDED_BY(mutex_) = false;                   // the host has been told what is known
+  bool behind_ ZEL_GUARDED_BY(mutex_) = false;                 // the watch began after the host was told
   std::vector<std::string> warnings_ ZEL_GUARDED_BY(mutex_);
 };
 

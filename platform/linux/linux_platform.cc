@@ -1,5 +1,6 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -59,7 +60,15 @@ void warnOnStandardError(const std::string& warning) { std::fprintf(stderr, "%s\
 
 platform::LinuxAccessoryManager::Settings settingsOf(LinuxPlatform::Options options) {
   if (!options.warn) options.warn = warnOnStandardError;
-  return {.folder = std::move(options.accessoriesFolder), .warn = std::move(options.warn)};
+  if (!options.inUse) {
+    options.inUse = [warn = options.warn](const CameraInUse& camera) { warn(camera.inWords()); };
+  }
+  if (options.program.empty()) options.program = program_invocation_short_name;
+  return {.folder = std::move(options.accessoriesFolder),
+          .warn = std::move(options.warn),
+          .inUse = std::move(options.inUse),
+          .program = std::move(options.program),
+          .keepCameras = options.keepCameras};
 }
 
 }  // namespace
@@ -69,7 +78,7 @@ struct LinuxPlatform::State {
       : queues(*mainRunLoop),
         threads(mainRunLoop),
         documents(options.documentsFolder),
-        accessories(settingsOf(std::move(options)), mainRunLoop, notifications) {}
+        accessories(settingsOf(std::move(options)), mainRunLoop, queues.globalQueue(), notifications) {}
 
   // Whatever still runs goes first, then what it may have used.
   ~State() {

@@ -94,8 +94,12 @@ int Process::wait() {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-bool Process::waitForOutput(const std::string& text) const {
-  return waitUntil([&] { return output().find(text) != std::string::npos; });
+bool Process::waitForOutput(const std::string& text, const std::string& after) const {
+  return waitUntil([&] {
+    const std::string all = output();
+    const std::size_t start = all.find(after);
+    return start != std::string::npos && all.find(text, start) != std::string::npos;
+  });
 }
 
 bool Process::waitForErrors(const std::string& text) const {

@@ -19,6 +19,7 @@ class Process {
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
 
+  pid_t id() const { return pid_; }
   void signal(int number) const;
   // Writes a line to its standard input.
   void tell(const std::string& line) const;
@@ -26,8 +27,8 @@ class Process {
   void endInput();
   // Its exit status, 128 and the signal's number where one ended it; -1 when it runs for longer than a minute.
   int wait();
-  // Waits until its output holds the text; false after a minute.
-  bool waitForOutput(const std::string& text) const;
+  // Waits until its output holds the text, behind the first that is `after`; false after a minute.
+  bool waitForOutput(const std::string& text, const std::string& after = {}) const;
   bool waitForErrors(const std::string& text) const;
 
   std::string output() const;

@@ -1,0 +1,155 @@
+#include "platform/linux/camera_lock.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cstdlib>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "platform/linux/error_text.h"
+
+namespace zel::platform {
+namespace {
+
+// A lock that is just being taken does not name its holder yet, and one that is just being given back loses its file.
+constexpr int kAttempts = 50;
+constexpr std::chrono::milliseconds kPause{2};
+constexpr std::size_t kLongestUser = 256;  // bytes that are read of who the holder is
+
+bool isPlain(unsigned char letter) {
+  return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
+         letter == '-' || letter == '_' || letter == '.' || letter == '~';
+}
+
+// FNV-1a: the same in every program that was ever built.
+std::uint64_t hashOf(const std::string& text) {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const char letter : text) hash = (hash ^ static_cast<unsigned char>(letter)) * 0x100000001B3;
+  return hash;
+}
+
+std::string hexOf(std::uint64_t value, int digits) {
+  std::string text;
+  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += "0123456789ABCDEF"[value >> shift & 0xF];
+  return text;
+}
+
+// The one path of the bus's folder, whichever was given.
+std::string canonical(const std::string& folder) {
+  const std::unique_ptr<char, decltype(&std::free)> path(::realpath(folder.c_str(), nullptr), &std::free);
+  return path ? path.get() : folder;
+}
+
+// Whether locks can be kept in that folder, which is made where it is missing. Nobody else may write it.
+bool isUsable(const std::string& folder) {
+  if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) return false;
+  struct stat found = {};
+  if (::lstat(folder.c_str(), &found) != 0) return false;
+  const bool ours = S_ISDIR(found.st_mode) && found.st_uid == ::geteuid() && (found.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+  if (!ours) errno = EPERM;
+  return ours && ::access(folder.c_str(), W_OK | X_OK) == 0;
+}
+
+bool isFileAt(const std::string& path, int descriptor) {
+  struct stat there = {}, open = {};
+  return ::stat(path.c_str(), &there) == 0 && ::fstat(descriptor, &open) == 0 && there.st_dev == open.st_dev &&
+         there.st_ino == open.st_ino;
+}
+
+// "4711 zelcam live"
+void writeUser(int descriptor, const std::string& program) {
+  const std::string text = std::to_string(::getpid()) + " " + program + "\n";
+  // A full disk costs the name alone.
+  if (::ftruncate(descriptor, 0) != 0 || ::pwrite(descriptor, text.data(), text.size(), 0) < 0) return;
+}
+
+CameraUser readUser(int descriptor) {
+  std::array<char, kLongestUser> buffer{};
+  const ssize_t size = ::pread(descriptor, buffer.data(), buffer.size(), 0);
+  std::string_view text(buffer.data(), size > 0 ? static_cast<std::size_t>(size) : 0);
+  text = text.substr(0, text.find('\n'));
+  CameraUser user;
+  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), user.process);
+  if (fault != std::errc()) return {};
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  if (text.starts_with(' ')) user.program = text.substr(1);
+  return user;
+}
+
+bool isRunning(const CameraUser& user) {
+  return user.process > 0 && (::kill(static_cast<pid_t>(user.process), 0) == 0 || errno == EPERM);
+}
+
+// One attempt. Returns whether there is an outcome, which need not be a good one.
+bool tryToTake(const std::string& folder, const std::string& camera, const std::string& program,
+               CameraLock::Taken& taken) {
+  const std::string path = folder + "/" + lockFileName(camera);
+  UniqueDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+  if (!file && errno == ENOENT) return false;  // the last of the locks has just taken the folder along
+  const bool locked = file && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+  if (!locked && (!file || errno != EWOULDBLOCK)) {
+    taken.fault = path + ": " + errorText(errno);
+    return true;
+  }
+  if (!locked) {
+    taken.user = readUser(file.get());
+    return isRunning(*taken.user);
+  }
+  if (!isFileAt(path, file.get())) return false;
+  writeUser(file.get(), program);
+  taken.user.reset();
+  taken.lock = std::make_shared<CameraLock>(folder, path, std::move(file));
+  return true;
+}
+
+}  // namespace
+
+std::string lockFileName(const std::string& camera) {
+  constexpr std::size_t kLongest = 200;  // of the 255 bytes of a file's name
+  std::string name;
+  for (const char letter : camera) {
+    const auto byte = static_cast<unsigned char>(letter);
+    name += isPlain(byte) ? std::string(1, letter) : "%" + hexOf(byte, 2);
+  }
+  if (name.size() > kLongest) name = name.substr(0, kLongest) + "%" + hexOf(hashOf(camera), 16);
+  return name + ".lock";
+}
+
+CameraLock::Taken CameraLock::take(const std::string& busFolder, const std::string& camera,
+                                   const std::string& program) {
+  const std::string bus = canonical(busFolder);
+  Taken taken;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    if (attempt != 0) std::this_thread::sleep_for(kPause);
+    std::string folder = bus + ".locks";
+    if (!isUsable(folder)) folder = bus + "/.locks";
+    if (!isUsable(folder)) {
+      taken.fault = folder + ": " + errorText(errno);
+      return taken;
+    }
+    if (tryToTake(folder, camera, program, taken)) return taken;
+  }
+  if (!taken.user) taken.user = CameraUser();
+  return taken;
+}
+
+CameraLock::CameraLock(std::string folder, std::string path, UniqueDescriptor file)
+    : folder_(std::move(folder)), path_(std::move(path)), file_(std::move(file)) {}
+
+// The file goes while it is still locked: whoever has opened it meanwhile sees that it is not the one at that path.
+CameraLock::~CameraLock() {
+  if (!isFileAt(path_, file_.get())) return;
+  ::unlink(path_.c_str());
+  ::rmdir(folder_.c_str());  // stays as long as there are others in it
+}
+
+}  // namespace zel::platform
