@@ -27,7 +27,7 @@ def reason_of(case):
     """What a skipped test says behind the line that names its place."""
     own = case.find("skipped")
     texts = [own.get("message", "") if own is not None else "", case.findtext("system-out", "")]
-    found = [re.search(r"\.cc:\d+(?:: Skipped)?\n(.+)", text) for text in texts]
+    found = [re.search(r"\.(?:cc|py):\d+(?:: Skipped)?\n(.+)", text) for text in texts]
     return next((one[1] for one in found if one), "it does not say why")
 
 

@@ -50,6 +50,8 @@ zel_package(tools zeltarkasdk-tools utils "command-line host and simulator for 3
 simulated camera.")
 # The shared library's users find it once the linker's cache is made anew.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-  "libzeltarkasdk${ZEL_SOVERSION} (= ${PROJECT_VERSION}), libavcodec-dev, libavutil-dev, libhwy-dev, libyuv-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libzeltarkasdk${ZEL_SOVERSION} (= ${PROJECT_VERSION})")
+# Needed to link the static library alone.
+list(TRANSFORM ZEL_LINKED_WITH REPLACE "(.+)" "lib\\1-dev" OUTPUT_VARIABLE packages)
+list(JOIN packages ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS)
 include(CPack)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # consumer_test.sh WAY BUILD SOURCE VERSION: installs the library of the build into a prefix, moves it, builds the project
-# of packaging/consumer against it by "cmake", "static" or "pkg-config", runs it, and looks at what it says.
+# of packaging/consumer against it by "cmake", "cmake-static", "pkg-config", "pkg-config-static" or "pkg-config-archive", runs
+# it, and looks at what it says.
 set -euo pipefail
 way=$1 build=$2 source=$3 version=$4
 
@@ -12,20 +13,39 @@ done
 mv "$folder/first" "$folder/moved"
 cp -r "$source/packaging/consumer" "$folder/consumer"
 libraries=$(dirname "$(find "$folder/moved" -name libZELTarkaSDK.so)")
+# No other package is in sight: what the library is made with is nothing that pkg-config may ask a host for.
+export CXXFLAGS=-O0 PKG_CONFIG_LIBDIR=$libraries/pkgconfig
+
+by_cmake() {
+  unset CXXFLAGS PKG_CONFIG_LIBDIR
+  cmake -S . -B . -DCMAKE_PREFIX_PATH="$folder/moved" -DZEL_STATIC="$1" >/dev/null
+  cmake --build . >/dev/null
+}
+
+# Nothing of other libraries comes with the shared one.
+asks_for_the_library_alone() {
+  local asked expected="-std=c++20 -I$folder/moved/include -L$libraries -lZELTarkaSDK"
+  asked=$(pkg-config --cflags --libs zeltarkasdk | sed -E "s#$libraries/pkgconfig/[./]*/#$folder/moved/#g; s/ +\$//")
+  [ "$asked" = "$expected" ] || { printf 'asked:    %s\nexpected: %s\n' "$asked" "$expected"; exit 1; }
+}
+
+# As a prefix that holds no shared library: the flags of pkg-config serve as they are.
+by_archive() {
+  find "$libraries" -name 'libZELTarkaSDK.so*' -delete
+  "${CXX:-c++}" main.cc -o consumer $(pkg-config --static --cflags --libs zeltarkasdk)
+}
 
 cd "$folder/consumer"
+linked=static
 case $way in
-  pkg-config)
-    CXXFLAGS=-O0 PKG_CONFIG_PATH=$libraries/pkgconfig make -s
-    ;;
-  *)
-    [ "$way" = static ] && static=ON || static=OFF
-    cmake -S . -B . -DCMAKE_PREFIX_PATH="$folder/moved" -DZEL_STATIC=$static >/dev/null
-    cmake --build . >/dev/null
-    ;;
+  cmake) by_cmake OFF; linked=shared ;;
+  cmake-static) by_cmake ON ;;
+  pkg-config) asks_for_the_library_alone; make -s; linked=shared ;;
+  pkg-config-static) make -s ZEL_STATIC=1 ;;
+  pkg-config-archive) by_archive ;;
 esac
 needed=$(readelf -d consumer | grep -c 'NEEDED.*libZELTarkaSDK.so.0' || true)
-[ "$needed" = "$([ "$way" = static ] && echo 0 || echo 1)" ] || { echo "linked wrongly"; exit 1; }
+[ "$needed" = "$([ "$linked" = static ] && echo 0 || echo 1)" ] || { echo "linked wrongly"; exit 1; }
 
 said=$(LD_LIBRARY_PATH=$libraries ./consumer "$folder/bus")
 expected="ZELTarkaSDK $version (${version%.*}), 0 accessories, a camera: no, decodes: yes, offset 1_1.000_2.000_3.000_4.000_5.000_6.000_7_8_9"

@@ -1,0 +1,82 @@
+"""Runs test programs: once as they are, to learn which mutants each reaches, then for each mutant until one of them fails."""
+import os
+import resource
+import signal
+import subprocess
+import tempfile
+import time
+from dataclasses import dataclass, field
+from pathlib import Path
+
+MOST_MEMORY = 8 << 30
+MOST_FILE = 1 << 30
+# A mutant that makes a test wait for good is told from a machine that is busy by these: seconds, and times a plain run.
+WALL_TIMES, WALL_MORE = 4, 15
+CPU_TIMES, CPU_MORE = 5, 5
+
+
+@dataclass
+class Program:
+    path: Path
+    folder: str  # whose tests it holds
+    seconds: float = 0
+    cpu: float = 0
+    reached: set = field(default_factory=set)
+
+    @property
+    def name(self):
+        return self.path.name
+
+
+def _limited(path, cpu):
+    limits = [f"--as={MOST_MEMORY}", f"--fsize={MOST_FILE}", "--core=0"] + ([f"--cpu={cpu}:{cpu + 1}"] if cpu is not None else [])
+    return ["prlimit", *limits, str(path)]
+
+
+def run(program, environment, wall=None, cpu=None):
+    """How it ended ("passed", "failed", "timed out"), and the end of what it said. It runs in a folder of its own."""
+    with tempfile.TemporaryDirectory(prefix="mutant-") as folder:
+        own = {**os.environ, "HOME": folder, "TMPDIR": folder, "XDG_RUNTIME_DIR": folder, "XDG_DATA_HOME": folder,
+               "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1", **environment}
+        with subprocess.Popen(_limited(program.path, cpu), cwd=folder, env=own, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, start_new_session=True) as process:
+            try:
+                said, _ = process.communicate(timeout=wall)
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, signal.SIGKILL)
+                process.communicate()
+                return "timed out", ""
+    if process.returncode in (-signal.SIGXCPU, -signal.SIGKILL):
+        return "timed out", ""
+    return "passed" if process.returncode == 0 else "failed", said.decode(errors="replace")[-4000:]
+
+
+def learn(program, highest, environment):
+    """Measures a plain run, and which mutants it reaches. Returns what a failing one said, None where it passes."""
+    with tempfile.NamedTemporaryFile(prefix="reached-") as file:
+        file.truncate(highest + 1)
+        before, started = resource.getrusage(resource.RUSAGE_CHILDREN), time.monotonic()
+        ended, said = run(program, {**environment, "ZEL_MUTANTS_REACHED": file.name})
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        program.seconds = time.monotonic() - started
+        program.cpu = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+        program.reached = {number for number, byte in enumerate(Path(file.name).read_bytes()) if byte}
+    return None if ended == "passed" else said
+
+
+def likely_order(programs, number, folder):
+    """Those that reach the mutant: first those of its own folder, then the quick ones."""
+    return sorted((one for one in programs if number in one.reached), key=lambda one: (one.folder != folder, one.seconds))
+
+
+def verdict(programs, number, folder, environment):
+    """What became of a mutant ("killed", "timed out", "survived", "not covered"), and by which program."""
+    reaching = likely_order(programs, number, folder)
+    if not reaching:
+        return "not covered", ""
+    for program in reaching:
+        ended, _ = run(program, {**environment, "ZEL_MUTANT": str(number)}, WALL_TIMES * program.seconds + WALL_MORE,
+                       int(CPU_TIMES * program.cpu + CPU_MORE))
+        if ended != "passed":
+            return ("killed" if ended == "failed" else ended), program.name
+    return "survived", ""
