@@ -22,7 +22,7 @@ namespace {
 using nlohmann::ordered_json;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::uint64_t kOpen = 1, kFlowing = 2;
+constexpr std::uint64_t kSessionOpen = 1, kFramesArrive = 2;
 constexpr std::uint8_t kSoundOn = 1;
 
 constexpr std::pair<FrameType, const char*> kTypes[] = {
@@ -97,8 +97,8 @@ class Monitor {
 
   // A camera forgets what its host asked for when the session ends.
   void keepPreviewOn(std::uint64_t status) {
-    if (status <= kOpen) previewIsOn_ = false;
-    if (status != kFlowing || std::exchange(previewIsOn_, true)) return;
+    if (status <= kSessionOpen) previewIsOn_ = false;
+    if (status != kFramesArrive || std::exchange(previewIsOn_, true)) return;
     stack_.ucd().msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(*preview_), {});
     stack_.ucd().msgReqSwitchAudioStreamType(kSoundOn, {});
   }
