@@ -387,6 +387,7 @@ TEST_F(LastAnswers, ARetryInsideTheRefusedCapturesHandlerGetsItsRefusal) {
 TEST_F(LastAnswers, AReplacedHandlerMayHoldWhatTakesTheLock) {
   openAndSynchronise();
   struct Asking {
+    explicit Asking(CameraStack& asked) : stack(asked) {}
     CameraStack& stack;
     ~Asking() { stack.ucd().responseCameraErrorMsg(52); }
   };
