@@ -41,7 +41,9 @@ class PictureLog final : public ZELPixelBufferDataProtocol {
   void onPixelBuffer(const platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) override {
     times.push_back(timestamp);
     last = pixelBuffer;
+    if (onPicture) onPicture();
   }
+  std::function<void()> onPicture;
   std::vector<std::int64_t> times;
   platform::PixelBufferRef last;
 };
@@ -286,6 +288,45 @@ TEST_F(ZELPreviewPlayerTest, StartsAnewWithTheNextSetsAfterAReset) {
   video({unit({0x67, 9, 9}), unit({0x68, 9}), kIdr});
   EXPECT_EQ(decoders.lastSps(), bytes({0x67, 9, 9}));
   EXPECT_EQ(pictures->times.size(), 2u);
+}
+
+TEST_F(ZELPreviewPlayerTest, ShowsNothingThatTheDecoderHeldBackBeforeAReset) {
+  decoders.holdBack();
+  video({kSps, kPps, kIdr, kSlice});
+  pictures->times.clear();
+  player->resetPlayer();
+  bool shot = false;
+  player->createSnapshot([&](const platform::PixelBufferRef&) { shot = true; });
+  host.runUntilIdle();
+  EXPECT_THAT(pictures->times, IsEmpty());
+  EXPECT_FALSE(shot);
+  EXPECT_EQ(player->imageWidth(), 0);
+}
+
+// The unit that the decode thread is at gives its picture after the reset.
+TEST_F(ZELPreviewPlayerTest, ShowsNothingThatWasBeingDecodedDuringAReset) {
+  bool shot = false;
+  decoders.onDecode([&] {
+    decoders.onDecode({});
+    player->resetPlayer();
+    player->createSnapshot([&](const platform::PixelBufferRef&) { shot = true; });
+  });
+  video({kSps, kPps, kIdr});
+  EXPECT_THAT(pictures->times, IsEmpty());
+  EXPECT_FALSE(shot);
+  EXPECT_EQ(player->imageWidth(), 0);
+  video({kSps, kPps, kIdr});
+  EXPECT_TRUE(shot);
+  EXPECT_EQ(pictures->times.size(), 1u);
+  EXPECT_EQ(player->imageWidth(), 64);
+}
+
+TEST_F(ZELPreviewPlayerTest, AnswersASnapshotBeforeTheDelegate) {
+  std::vector<std::string> order;
+  pictures->onPicture = [&] { order.emplace_back("delegate"); };
+  player->createSnapshot([&](const platform::PixelBufferRef&) { order.emplace_back("snapshot"); });
+  video({kSps, kPps, kIdr});
+  EXPECT_THAT(order, ElementsAre("snapshot", "delegate"));
 }
 
 TEST_F(ZELPreviewPlayerTest, DeliversTheUnitHeldBackBeforeAResetFirst) {
