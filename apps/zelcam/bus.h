@@ -28,9 +28,12 @@ class Bus {
   platform::Ports ports();
   // Ports made from now on have no decoder, for who passes the camera's video on as it is.
   void decodeNothing() { decodes_ = false; }
+  // The times of the pictures that the ports decode, once somebody tells it of the slices.
+  MediaClock& mediaClock() { return mediaClock_; }
   const ArrivalClock& arrivals() const { return arrivals_; }
 
  private:
+  MediaClock mediaClock_;
   ArrivalClock arrivals_;
   bool decodes_ = true;
   // Made after the platform, and gone after its threads, which decode.
