@@ -160,6 +160,16 @@ TEST_F(ZELPreviewPlayerTest, AdvancesVideoTimePerSliceBeforeFirmware190) {
   EXPECT_EQ(player->nextVideoTimestamp(), 99);
 }
 
+// Deliberate: four slices of one picture are four steps, and the sound is joined to them.
+TEST_F(ZELPreviewPlayerTest, CountsEverySliceOfAPictureBeforeFirmware190) {
+  firmware = 189;
+  video({kSps, kPps, unit({0x65, 0x88}), unit({0x65, 0x42}), unit({0x65, 0x43}), unit({0x65, 0x2A})});
+  audio(kAudio);
+  EXPECT_THAT(media->lines,
+              ElementsAre("sets: 103 1 2 | 104 3", "key 33: 0 0 0 1 101 136", "key 66: 0 0 0 1 101 66",
+                          "key 99: 0 0 0 1 101 67", "key 132: 0 0 0 1 101 42", "header: 17 144", "audio 153: 7 8"));
+}
+
 TEST_F(ZELPreviewPlayerTest, StartsAudioOnlyAfterTheParameterSetsBeforeFirmware190) {
   firmware = 189;
   video({kIdr});

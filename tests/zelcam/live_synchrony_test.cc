@@ -36,7 +36,7 @@ class LiveSynchronyTest : public LiveTest, public testing::WithParamInterface<Sy
   void stream() {
     const SynchronyCase& given = GetParam();
     const auto camera = simulator({"--firmware", given.firmware, "--slices", given.slices});
-    Arguments arguments = {"-o", path("a.mp4"), "--resolution", given.resolution, "--duration", "6"};
+    Arguments arguments = {"-o", path("a.mp4"), "--resolution", given.resolution, "--duration", "5"};
     if (given.stitch) arguments.insert(arguments.end(), {"--size", "480x240"});
     if (!given.stitch) arguments.emplace_back("--no-stitch");
     const auto host = live(arguments);
