@@ -16,20 +16,22 @@ void PreviewDecoding::offerSps(ByteView unit) {
   sets_.offerSps(unit);
 }
 
-void PreviewDecoding::offerPps(ByteView unit, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate) {
+void PreviewDecoding::offerPps(ByteView unit) {
   ParameterSets used;
+  Receiver receiver;
   {
     const MutexLock lock(mutex_);
     sets_.offerPps(unit);
     if (decodeRunLoop_ || decoders_ == nullptr || !sets_.areComplete()) return;
     used = sets_;
+    receiver = receiver_;
   }
-  start(used, delegate);
+  start(used, receiver);
 }
 
 // The decoder is made without the lock, since that takes time. A reset meanwhile makes it useless.
-void PreviewDecoding::start(const ParameterSets& used, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate) {
-  auto made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), delegate);
+void PreviewDecoding::start(const ParameterSets& used, const Receiver& receiver) {
+  auto made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), receiver);
   const MutexLock lock(mutex_);
   if (decodeRunLoop_ || !sets_.areThoseOf(used)) return;
   if (!made || !made->start()) {
@@ -63,10 +65,11 @@ PreviewStatistics PreviewDecoding::statistics() const {
   return decodeRunLoop_ ? sum(before_, decodeRunLoop_->statistics()) : before_;
 }
 
-void PreviewDecoding::reset() {
-  std::shared_ptr<ZELDecodeRunLoop> ended;  // let go after the lock
+void PreviewDecoding::reset(Receiver receiver) {
+  std::shared_ptr<ZELDecodeRunLoop> ended;  // let go after the lock, as is the former receiver
   const MutexLock lock(mutex_);
   sets_ = {};
+  receiver_.swap(receiver);
   ended.swap(decodeRunLoop_);
   if (!ended) return;
   before_ = sum(before_, ended->statistics());

@@ -11,19 +11,22 @@
 
 namespace zel {
 
-// The parameter sets of the stream, and the decode thread that the first complete pair of them starts.
-// Owner:  as ZELDecodeRunLoop. Without decoders in the ports nothing is decoded.
+// The parameter sets of the stream, and the decode thread that the first complete pair of them starts. Without decoders
+// in the ports nothing is decoded.
+// Owner:  as ZELDecodeRunLoop. Keeps the receiver of the stream's pictures until the next reset.
 // Thread: any thread.
 class PreviewDecoding {
  public:
   explicit PreviewDecoding(const platform::Ports& ports) : threads_(ports.threads), decoders_(ports.videoDecoders) {}
 
-  // A unit with a parameter set. A PPS with which the sets are complete starts decoding for the delegate, unless it
-  // runs already.
+  using Receiver = std::shared_ptr<ZELPixelBufferDataProtocol>;
+
+  // A unit with a parameter set. A PPS with which the sets are complete starts decoding for the stream's receiver,
+  // unless it runs already.
   // Errors: sets that make no decoder, or for which no thread can be had, are forgotten, so that the next pair is
   // tried.
   void offerSps(ByteView unit);
-  void offerPps(ByteView unit, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate);
+  void offerPps(ByteView unit);
 
   // The sets of now.
   ParameterSets sets() const;
@@ -37,11 +40,12 @@ class PreviewDecoding {
   // What has become of all units, those before a reset included.
   PreviewStatistics statistics() const;
 
-  // Forgets the sets and ends the decode thread, without waiting for it.
-  void reset();
+  // Forgets the sets and ends the decode thread, without waiting for it. Of the stream that follows, the receiver gets
+  // the pictures; null: nobody.
+  void reset(Receiver receiver = nullptr);
 
  private:
-  void start(const ParameterSets& used, const std::weak_ptr<ZELPixelBufferDataProtocol>& delegate);
+  void start(const ParameterSets& used, const Receiver& receiver);
   std::shared_ptr<ZELDecodeRunLoop> decodeRunLoop() const;
 
   platform::Threads& threads_;
@@ -49,6 +53,7 @@ class PreviewDecoding {
 
   mutable Mutex mutex_;
   ParameterSets sets_ ZEL_GUARDED_BY(mutex_);
+  Receiver receiver_ ZEL_GUARDED_BY(mutex_);
   std::shared_ptr<ZELDecodeRunLoop> decodeRunLoop_ ZEL_GUARDED_BY(mutex_);
   PreviewStatistics before_ ZEL_GUARDED_BY(mutex_);  // of the loops before this one
 };

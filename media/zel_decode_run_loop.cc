@@ -27,8 +27,8 @@ bool ZELDecodeRunLoop::start() {
   const MutexLock lock(threadMutex_);
   if (thread_) return true;
   const auto kept = shared_from_this();
-  thread_ = threads_.start(
-      "preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->publish(runLoop); }, [kept] { kept->end(); }});
+  thread_ = threads_.start("preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->publish(runLoop); },
+                                              [kept] { kept->withdraw(); }});
   return thread_ != nullptr;
 }
 
@@ -52,12 +52,6 @@ void ZELDecodeRunLoop::publish(zel::platform::RunLoop& runLoop) {
   if (abandoned_) return runLoop.stop();
   source_ = runLoop.addSource([this] { decodeData(); });
   runLoop_ = &runLoop;
-}
-
-// The last picture of several slices, and those out of order, come only now.
-void ZELDecodeRunLoop::end() {
-  for (auto late = h264Decoder_->flush(); late.pixelBuffer; late = h264Decoder_->flush()) deliver(late);
-  withdraw();
 }
 
 void ZELDecodeRunLoop::withdraw() {

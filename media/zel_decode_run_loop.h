@@ -35,7 +35,7 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   // Errors: false where no thread can be had.
   bool start();
 
-  // Ends the thread after the unit that it is at, without waiting; pictures that the decoder holds back still come.
+  // Ends the thread after the unit that it is at, without waiting; pictures that the decoder holds back never come.
   // Before the thread has begun to run its loop, this has no effect. Thread: any thread.
   void stop();
 
@@ -63,9 +63,8 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   void abandon() ZEL_EXCLUDES(loopMutex_);
   void stopRunLoop() ZEL_REQUIRES(loopMutex_);
   void publish(zel::platform::RunLoop& runLoop) ZEL_EXCLUDES(loopMutex_);  // decode thread, before its loop runs
-  void end() ZEL_EXCLUDES(pixelBufferMutex_, loopMutex_);                  // decode thread, after it
-  void withdraw() ZEL_EXCLUDES(loopMutex_);
-  void decodeData();  // decode thread: one unit a call
+  void withdraw() ZEL_EXCLUDES(loopMutex_);                                // decode thread, after it
+  void decodeData();                                                       // decode thread: one unit a call
   Unit takeUnit() ZEL_EXCLUDES(h264DataMutex_);
   void signalIfMoreWaits() ZEL_EXCLUDES(h264DataMutex_, loopMutex_);
   void deliver(const zel::platform::DecodedPicture& picture) ZEL_EXCLUDES(pixelBufferMutex_);

@@ -63,6 +63,7 @@ DecodedPicture ZELH264Decoder::decodeFrame(zel::ByteView unit, std::int64_t time
   if (isWaitIFrame_ && !zel::isIdr(unit)) return {};
   isWaitIFrame_ = false;
   auto [status, picture] = session_->decode(unit, timestamp);
+  if (status == DecodeStatus::kept) return {};  // neither a failure nor a success
   if (status == DecodeStatus::sessionInvalid) {
     recreateSession();
     isWaitIFrame_ = true;

@@ -31,7 +31,7 @@ class ZELH264Decoder {
   // decodeFrame:dataSize: - decodes a unit: its length in 4 bytes, highest first, then the NAL header and the rest.
   // Units:  timestamp in milliseconds; a picture brings that of its own unit.
   // Errors: no picture, and the session may be made anew: at once where it became invalid, and after 31 failures in a
-  //         row.
+  //         row. A unit of a picture that is not whole yet is none.
   zel::platform::DecodedPicture decodeFrame(zel::ByteView unit, std::int64_t timestamp);
 
   // The next of the pictures that a stream with reordering still holds back at its end.
@@ -39,7 +39,7 @@ class ZELH264Decoder {
 
   // Whether every unit is refused until a key unit comes.
   bool isWaitIFrame() const { return isWaitIFrame_; }
-  // Calls in a row that gave no picture.
+  // Units in a row that failed. One that is kept for a picture that is not whole yet counts neither up nor down.
   std::int32_t decodeContinuousError() const { return decodeContinuousError_; }
 
  private:

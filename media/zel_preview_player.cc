@@ -40,10 +40,14 @@ struct ZELPreviewPlayer::State {
   void sendParameterSets();
   std::int64_t timeOfNextSlice();
   std::shared_ptr<ZELCameraMediaDataDelegate> mediaDelegate() const;
+  std::shared_ptr<ZELPixelBufferDataProtocol> pictureDelegate() const;
+  struct Stream;
+  void beginStream();
+  void show(const Stream* from, const PixelBufferRef& pixelBuffer, std::int64_t timestamp);
 
   const std::function<std::int64_t()> firewareVersion;
-  std::weak_ptr<ZELPixelBufferDataProtocol> player;  // set when the player is made
-  orq::H264NaluParser h264NaluParser;                // session thread only; a reset leaves it as it is
+  std::weak_ptr<ZELPreviewPlayer> player;  // set when the player is made
+  orq::H264NaluParser h264NaluParser;      // session thread only; a reset leaves it as it is
   zel::PreviewDecoding decoding;
   std::atomic<std::int32_t> imageWidth = 0, imageHeight = 0;
 
@@ -56,6 +60,16 @@ struct ZELPreviewPlayer::State {
 
   mutable zel::Mutex dataCallBackMutex;
   PixelBufferBlock currentPixelBufferBlock ZEL_GUARDED_BY(dataCallBackMutex);
+  const Stream* stream ZEL_GUARDED_BY(dataCallBackMutex) = nullptr;  // whose pictures count
+};
+
+// Receives the pictures of one stream, which end with the player's next reset.
+struct ZELPreviewPlayer::State::Stream final : ZELPixelBufferDataProtocol {
+  explicit Stream(std::weak_ptr<ZELPreviewPlayer> receiver) : player(std::move(receiver)) {}
+  void onPixelBuffer(const PixelBufferRef& pixelBuffer, std::int64_t timestamp) override {
+    if (const auto kept = player.lock()) kept->state_->show(this, pixelBuffer, timestamp);
+  }
+  const std::weak_ptr<ZELPreviewPlayer> player;
 };
 
 std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::create(const zel::platform::Ports& ports,
@@ -63,6 +77,7 @@ std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::create(const zel::platform::
   std::shared_ptr<ZELPreviewPlayer> player(
       new ZELPreviewPlayer(std::make_unique<State>(ports, std::move(firewareVersion))));
   player->state_->player = player;
+  player->state_->beginStream();
   return player;
 }
 
@@ -85,7 +100,7 @@ void ZELPreviewPlayer::State::decoderVideo(const Unit& unit) {
     case NalType::sps:
       return decoding.offerSps(bytesOf(unit));
     case NalType::pps:
-      decoding.offerPps(bytesOf(unit), player);
+      decoding.offerPps(bytesOf(unit));
       return sendParameterSets();
     case NalType::slice:
       return handleSlice(unit, false);
@@ -145,15 +160,22 @@ void ZELPreviewPlayer::State::decoderAudioData(ByteView frame) {
 // Pictures
 
 void ZELPreviewPlayer::onPixelBuffer(const PixelBufferRef& pixelBuffer, std::int64_t timestamp) {
-  setImageWidth(pixelBuffer->width());
-  setImageHeight(pixelBuffer->height());
+  state_->show(nullptr, pixelBuffer, timestamp);
+}
+
+// from: null for a picture that belongs to no stream. One of a stream that has been reset sets no size and answers no
+// snapshot, though its decoding was under way.
+void ZELPreviewPlayer::State::show(const Stream* from, const PixelBufferRef& pixelBuffer, std::int64_t timestamp) {
   PixelBufferBlock block;
   {
-    const MutexLock lock(state_->dataCallBackMutex);
-    block.swap(state_->currentPixelBufferBlock);
+    const MutexLock lock(dataCallBackMutex);
+    if (from != nullptr && from != stream) return;
+    imageWidth.store(pixelBuffer->width(), std::memory_order_relaxed);
+    imageHeight.store(pixelBuffer->height(), std::memory_order_relaxed);
+    block.swap(currentPixelBufferBlock);
   }
   if (block) block(pixelBuffer);
-  if (const auto delegate = pixelBufferDelegate()) delegate->onPixelBuffer(pixelBuffer, timestamp);
+  if (const auto delegate = pictureDelegate()) delegate->onPixelBuffer(pixelBuffer, timestamp);
 }
 
 void ZELPreviewPlayer::createSnapshot(PixelBufferBlock block) {
@@ -175,10 +197,18 @@ PixelBufferRef ZELPreviewPlayer::copyNextFrame(std::int64_t* timestamp) {
 
 zel::PreviewStatistics ZELPreviewPlayer::statistics() const { return state_->decoding.statistics(); }
 
-void ZELPreviewPlayer::resetPlayer() {
-  setImageWidth(0);
-  setImageHeight(0);
-  state_->decoding.reset();
+void ZELPreviewPlayer::resetPlayer() { state_->beginStream(); }
+
+// The old stream's pictures cease to count before the new one can begin.
+void ZELPreviewPlayer::State::beginStream() {
+  auto next = std::make_shared<Stream>(player);
+  {
+    const MutexLock lock(dataCallBackMutex);
+    stream = next.get();
+    imageWidth.store(0, std::memory_order_relaxed);
+    imageHeight.store(0, std::memory_order_relaxed);
+  }
+  decoding.reset(std::move(next));
 }
 
 // Properties
@@ -207,8 +237,12 @@ void ZELPreviewPlayer::setPixelBufferDelegate(std::weak_ptr<ZELPixelBufferDataPr
 }
 
 std::shared_ptr<ZELPixelBufferDataProtocol> ZELPreviewPlayer::pixelBufferDelegate() const {
-  const MutexLock lock(state_->delegatesMutex);
-  return state_->pixelBufferDelegate.lock();
+  return state_->pictureDelegate();
+}
+
+std::shared_ptr<ZELPixelBufferDataProtocol> ZELPreviewPlayer::State::pictureDelegate() const {
+  const MutexLock lock(delegatesMutex);
+  return pixelBufferDelegate.lock();
 }
 
 std::int32_t ZELPreviewPlayer::imageWidth() const { return state_->imageWidth.load(std::memory_order_relaxed); }

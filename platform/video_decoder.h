@@ -16,7 +16,8 @@ struct DecodedPicture {
 
 enum class DecodeStatus {
   picture,         // the result holds a picture
-  noPicture,       // the unit gave none: it is broken, or its picture comes later
+  kept,            // the unit is good so far: its picture, or one that is shown before it, is not whole yet
+  noPicture,       // the unit gave none: it is broken, or the picture that it ends is
   sessionInvalid,  // the session can decode nothing any more; a new one must be created
 };
 
@@ -35,7 +36,9 @@ class VideoDecoder {
 
   // Decodes one unit before it returns. unit: a 4-byte big-endian length, then that many bytes from the NAL header on.
   // At most one picture comes out of a call, in display order. It comes in the call that completes it; a stream whose
-  // pictures are reordered or consist of several units may give it in a later one, with the timestamp of its own unit.
+  // pictures are reordered or consist of several units may give it in a later one, with the timestamp of its own first
+  // unit. Pictures that are reordered share their timestamps out: the first one shown gets the first that came.
+  // No more units of a picture are kept in a row than it has macroblocks, as it cannot have more slices.
   // Units:  timestamp in the caller's units; it is handed back unchanged.
   // Owner:  the unit is needed during the call only.
   // Errors: broken bytes give noPicture, whatever they are.

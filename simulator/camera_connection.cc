@@ -141,7 +141,7 @@ std::int64_t CameraConnection::mediaTime() const {
 
 // From the loop's first picture on, at the size and rate in force. The camera's clock goes on.
 void CameraConnection::beginMedia() {
-  const PreviewFormat format = previewFormat(setup_.camera->resolution(), setup_.bitrate);
+  const PreviewFormat format = previewFormat(setup_.camera->resolution(), setup_.bitrate, setup_.slices);
   MediaSetup media;
   media.video = setup_.media->video(format);
   media.audio = setup_.media->audio();

@@ -25,6 +25,7 @@ namespace zel::simulator {
 struct ConnectionSetup {
   int firmware = 192;
   int bitrate = 0;  // as SimulatorOptions has it
+  int slices = 1;   // likewise
   std::uint64_t seed = 1;
   SimulatedCamera* camera = nullptr;
   MediaLibrary* media = nullptr;

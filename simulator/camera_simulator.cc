@@ -97,7 +97,7 @@ bool CameraSimulator::State::open(std::string& error) {
   }
   if (!options.video.empty() && !media.useVideo(options.video, error)) return false;
   if (!options.audio.empty() && !media.useAudio(options.audio, error)) return false;
-  media.video(previewFormat(options.resolution, options.bitrate));  // the making begins
+  media.video(previewFormat(options.resolution, options.bitrate, options.slices));  // the making begins
   media.audio();
   folder = makeSocketFolder();
   socketPath = folder + "/camera.sock";
@@ -151,6 +151,7 @@ void CameraSimulator::State::serve(Protocol::socket socket) {
   ConnectionSetup setup;
   setup.firmware = options.identity.firmware;
   setup.bitrate = options.bitrate;
+  setup.slices = options.slices;
   setup.camera = &camera;
   setup.media = &media;
   setup.seed = options.seed;

@@ -17,6 +17,7 @@ struct SimulatorOptions {
   Identity identity;
   int resolution = 3;          // preview resolution code, 0 to 15
   int bitrate = 0;             // of the scene's pictures, see PreviewFormat
+  int slices = 1;              // of each of them, likewise
   std::string video, audio;    // files instead of the scene and its beeps, see MediaLibrary
   std::string storage;         // the folder of uploaded files; empty: one of its own, which ends with it
   std::uint64_t cardSize = 0;  // bytes; 0: the usual card

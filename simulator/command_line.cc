@@ -58,6 +58,7 @@ CommandLine::CommandLine() {
   option("--resolution", options_.resolution, "CODE", "preview resolution code")->check(CLI::Range(0, 15));
   option("--bitrate", options_.bitrate, "BPS", "the scene with a sensor's grain, in so many bits a second")
       ->check(CLI::Range(100'000, 200'000'000));
+  option("--slices", options_.slices, "N", "the scene's pictures in so many slices each")->check(CLI::Range(1, 40));
   option("--video", options_.video, "FILE.h264", "H.264 file with start codes that is shown instead of the scene");
   option("--audio", options_.audio, "FILE.aac", "ADTS AAC file that sounds instead of the beeps");
   option("--storage", options_.storage, "DIR", "folder of the files that the host sends; default: a temporary one");

@@ -27,7 +27,7 @@ Bus::Bus(const Settings& settings, int decoderThreads) {
   media_ = std::make_unique<LinuxMedia>(
       platform_->ports(),
       LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }, decoderThreads});
-  videoDecoders_ = std::make_unique<NotingDecoders>(*media_->ports().videoDecoders, arrivals_);
+  videoDecoders_ = std::make_unique<NotingDecoders>(*media_->ports().videoDecoders, mediaClock_, arrivals_);
   stopMainQueueOnInterrupt(*platform_);
 }
 

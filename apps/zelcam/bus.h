@@ -31,6 +31,8 @@ class Bus {
   platform::Ports ports();
   // Ports made from now on have no decoder, for who passes the camera's video on as it is.
   void decodeNothing() { decodes_ = false; }
+  // The times of the pictures that the ports decode, once somebody tells it of the slices.
+  MediaClock& mediaClock() { return mediaClock_; }
   const ArrivalClock& arrivals() const { return arrivals_; }
 
   // Who has the camera, in words, where one could not be opened for that reason since the last call. The main queue is
@@ -40,6 +42,7 @@ class Bus {
  private:
   void noteInUse(const CameraInUse& camera);
 
+  MediaClock mediaClock_;
   ArrivalClock arrivals_;
   bool decodes_ = true;
   Mutex mutex_;

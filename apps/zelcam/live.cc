@@ -134,8 +134,10 @@ class Live {
   }
 
   std::shared_ptr<LiveFeed> makeFeed(CameraLink& link) {
-    if (!options_.stitch) return std::make_shared<PassedFeed>(link, writer_, options_.resolution);
-    return std::make_shared<StitchedFeed>(link, writer_, options_, bus_.arrivals());
+    MediaClock& clock = bus_.mediaClock();
+    clock.begin(link.stack().accessory().firewareVersion(), picturesPerSecond(options_.resolution));
+    if (!options_.stitch) return std::make_shared<PassedFeed>(link, writer_, clock, options_.resolution);
+    return std::make_shared<StitchedFeed>(link, writer_, clock, options_, bus_.arrivals());
   }
 
   // Pictures must keep coming, but in the background: a time-out without one ends it. Until then a camera that is

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -8,13 +7,10 @@
 
 namespace zel::app {
 
-// How much later than its own a picture's time is. From firmware 190 on the camera tells a time before each picture,
-// and the player knows that a picture is whole when the next one begins: by then it has been told the next one's time.
-// resolution: the code. Units: milliseconds.
-constexpr std::int64_t pictureLag(std::int64_t firewareVersion, int resolution) {
-  constexpr std::int64_t kFirst = 190;
-  constexpr std::int64_t kRates[] = {15, 20, 25, 30};  // pictures a second, by the resolution code's remainder
-  return firewareVersion >= kFirst ? 1000 / kRates[resolution % 4] : 0;
+// Pictures a second. resolution: the code.
+constexpr int picturesPerSecond(int resolution) {
+  constexpr int kRates[] = {15, 20, 25, 30};  // by the code's remainder
+  return kRates[resolution % 4];
 }
 
 // Where a live stream comes from, for one connection of the camera.

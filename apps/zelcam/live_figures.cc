@@ -38,11 +38,15 @@ double aSecond(double many, const WrittenStream& written) {
 
 Json droppedOf(const LiveFigures& figures) {
   const auto& [preview, live] = figures.feed;
-  return {{"beforeDecoding", preview.dropped}, {"withoutPicture", preview.withoutPicture},
-          {"notWanted", live.notWanted},       {"beforeStitching", live.droppedBeforeStitching},
-          {"notStitched", live.notStitched},   {"beforeEncoding", live.droppedBeforeEncoding},
-          {"notEncoded", live.notEncoded},     {"encodedUnits", live.droppedUnits},
-          {"audioFrames", live.droppedAudio}};
+  return {{"beforeDecoding", preview.dropped},
+          {"withoutPicture", preview.withoutPicture},
+          {"notWanted", live.notWanted},
+          {"beforeStitching", live.droppedBeforeStitching},
+          {"notStitched", live.notStitched},
+          {"beforeEncoding", live.droppedBeforeEncoding},
+          {"notEncoded", live.notEncoded},
+          {"encodedUnits", live.droppedUnits},
+          {"audioFrames", figures.written.droppedAudio}};
 }
 
 Json outputOf(const OutputReport& output) {

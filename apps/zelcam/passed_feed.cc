@@ -1,12 +1,10 @@
 #include "apps/zelcam/passed_feed.h"
 
-#include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include <fmt/format.h>
 
-#include <array>
 #include <utility>
 
 #include "platform/application_events.h"
@@ -14,16 +12,12 @@
 namespace zel::app {
 namespace {
 
-constexpr std::array<int, 4> kRates = {15, 20, 25, 30};  // pictures a second, by the resolution code's remainder
 constexpr std::uint8_t kSoundOff = 0, kSoundOn = 1;
 
 }  // namespace
 
-PassedFeed::PassedFeed(CameraLink& link, StreamWriter& writer, int resolution)
-    : link_(link),
-      writer_(writer),
-      resolution_(resolution),
-      lag_(pictureLag(link.stack().accessory().firewareVersion(), resolution)) {}
+PassedFeed::PassedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, int resolution)
+    : link_(link), writer_(writer), clock_(clock), resolution_(resolution) {}
 
 void PassedFeed::start() {
   auto& notifications = link_.stack().ports().notifications;
@@ -32,7 +26,7 @@ void PassedFeed::start() {
   active_ = notifications.observe(platform::kApplicationDidBecomeActiveNotification,
                                   [this](const platform::Notification&) { switchOn(); });
   player_ = link_.stack().suitablePreviewPlayer();
-  player_->setFps(kRates[static_cast<std::size_t>(resolution_) % kRates.size()]);
+  player_->setFps(picturesPerSecond(resolution_));
   player_->setMediaDataDelegate(weak_from_this());
   switchOn();
 }
@@ -80,12 +74,17 @@ void PassedFeed::onSps(Bytes sps, Bytes pps) { writer_.onParameterSets(sps, pps)
 
 void PassedFeed::onH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) {
   ++units_;
+  clock_.slice(nalu, timestamp);
   const auto picture = joiner_.add(nalu, keyFrame, timestamp);
-  if (picture) writer_.onPicture(picture->bytes, picture->key, picture->time - lag_, pictureArrival_);
+  if (picture) writer_.onPicture(picture->bytes, picture->key, clock_.timeOfPicture(picture->time), pictureArrival_);
   pictureArrival_ = std::chrono::steady_clock::now();
 }
 
-void PassedFeed::onAACHeader(Bytes header) { writer_.onAudioConfig(header); }
-void PassedFeed::onAACAdts(Bytes data, std::int64_t timestamp) { writer_.onAudio(data, timestamp); }
+void PassedFeed::onAACHeader(Bytes header) {
+  clock_.soundConfig(header);
+  writer_.onAudioConfig(header);
+}
+
+void PassedFeed::onAACAdts(Bytes data, std::int64_t timestamp) { writer_.onAudio(data, clock_.sound(timestamp)); }
 
 }  // namespace zel::app

@@ -9,6 +9,7 @@
 
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/live_feed.h"
+#include "apps/zelcam/media_clock.h"
 #include "apps/zelcam/muxing/picture_joiner.h"
 #include "apps/zelcam/muxing/stream_writer.h"
 #include "platform/notification_center.h"
@@ -23,7 +24,7 @@ class PassedFeed final : public LiveFeed,
                          public ZELCameraMediaDataDelegate,
                          public std::enable_shared_from_this<PassedFeed> {
  public:
-  PassedFeed(CameraLink& link, StreamWriter& writer, int resolution);
+  PassedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, int resolution);
 
   void start() override;
   void stop() override;
@@ -43,8 +44,8 @@ class PassedFeed final : public LiveFeed,
 
   CameraLink& link_;
   StreamWriter& writer_;
+  MediaClock& clock_;
   const int resolution_;
-  const std::int64_t lag_;
   std::optional<std::string> failure_;  // main thread only
   PictureJoiner joiner_;                // session thread only
   StreamWriter::TimePoint pictureArrival_{};

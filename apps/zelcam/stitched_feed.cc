@@ -1,6 +1,5 @@
 #include "apps/zelcam/stitched_feed.h"
 
-#include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include <fmt/format.h>
@@ -12,13 +11,9 @@ constexpr std::int64_t kEncoderFault = 7;
 
 }  // namespace
 
-StitchedFeed::StitchedFeed(CameraLink& link, StreamWriter& writer, const LiveOptions& options,
+StitchedFeed::StitchedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, const LiveOptions& options,
                            const ArrivalClock& arrivals)
-    : link_(link),
-      writer_(writer),
-      options_(options),
-      arrivals_(arrivals),
-      lag_(pictureLag(link.stack().accessory().firewareVersion(), options.resolution)) {}
+    : link_(link), writer_(writer), clock_(clock), options_(options), arrivals_(arrivals) {}
 
 void StitchedFeed::start() {
   const auto number = [](std::int64_t value) { return static_cast<std::uint64_t>(value); };
@@ -65,10 +60,29 @@ void StitchedFeed::sourceOnError(const ZELError& error) {
 void StitchedFeed::sourceOnH264Header(Bytes sps, Bytes pps) { writer_.onParameterSets(sps, pps); }
 
 void StitchedFeed::sourceOnH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) {
-  writer_.onPicture(nalu, keyFrame, timestamp - lag_, arrivals_.of(source_->firstTimestamp() + timestamp));
+  const std::int64_t time = source_->firstTimestamp() + timestamp;
+  writer_.onPicture(nalu, keyFrame, time, arrivals_.of(time));
 }
 
-void StitchedFeed::sourceOnAACHeader(Bytes header) { writer_.onAudioConfig(header); }
-void StitchedFeed::sourceOnAACData(Bytes data, std::int64_t timestamp) { writer_.onAudio(data, timestamp); }
+// The source has put itself in the player's way just now; no sound of the run has been delivered yet.
+void StitchedFeed::sourceOnAACHeader(Bytes header) {
+  clock_.soundConfig(header);
+  writer_.onAudioConfig(header);
+  if (const auto player = source_->player()) player->setMediaDataDelegate(weak_from_this());
+}
+
+void StitchedFeed::onH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) {
+  clock_.slice(nalu, timestamp);
+  source_->onH264Nalu(nalu, keyFrame, timestamp);
+}
+
+void StitchedFeed::onSps(Bytes sps, Bytes pps) { source_->onSps(sps, pps); }
+void StitchedFeed::onAACHeader(Bytes header) { source_->onAACHeader(header); }
+
+void StitchedFeed::onAACAdts(Bytes data, std::int64_t timestamp) {
+  const std::int64_t time = clock_.sound(timestamp);
+  source_->onAACAdts(data, time);
+  writer_.onAudio(data, time);
+}
 
 }  // namespace zel::app

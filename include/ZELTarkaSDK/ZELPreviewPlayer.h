@@ -67,8 +67,8 @@ class ZEL_EXPORT ZELPreviewPlayer final : public zel::PreviewConsumer, public ZE
   // appendAudioBytes:length: - whole ADTS frames; what a frame lacks at the end is not waited for.
   void appendAudioBytes(std::span<const std::uint8_t> bytes) override;
 
-  // Forgets the parameter sets and the picture's size and ends decoding, for a stream of another kind to follow. A
-  // picture that is being decoded may still be delivered.
+  // Forgets the parameter sets and the picture's size and ends decoding, for a stream of another kind to follow. No
+  // picture of the old stream comes after it: only a delivery that has begun on the decode thread still ends.
   void resetPlayer() override;
 
   // createSnapshot: - calls the block once, with the next picture; it replaces a block that still waits.

@@ -9,6 +9,7 @@
 
 #include "platform/ffmpeg/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
+#include "platform/ffmpeg/owed_pictures.h"
 #include "platform/ffmpeg/picture_conversion.h"
 
 namespace zel::platform {
@@ -78,9 +79,7 @@ class LibavStream {
   CodecContextPtr context_;
 };
 
-DecodeResult resultOf(FramePtr frame) {
-  if (!frame) return {};
-  const std::int64_t timestamp = frame->pts;
+DecodeResult resultOf(FramePtr frame, std::int64_t timestamp) {
   PixelBufferRef pixels = pixelsOf(std::move(frame));
   if (!pixels) return {};
   return {DecodeStatus::picture, {std::move(pixels), timestamp}};
@@ -112,17 +111,20 @@ class H264Decoder final : public VideoDecoder {
     if (typeOf(unit->front()) == H264UnitType::sequence && !followSequence(*unit)) return {};
     const auto slice = parseH264SliceStart(*unit);
     if (slice && slice->bidirectional) expectReordering();
-    if (feeding_ == Feeding::pictureByPicture) return collect(*unit, slice, timestamp);
-    return decodeAtOnce(*unit, slice, timestamp);
+    if (slice && slice->beginsPicture) kept_ = 0;
+    DecodeResult result = feeding_ == Feeding::pictureByPicture ? collect(*unit, slice, timestamp)
+                                                                : decodeAtOnce(*unit, slice, timestamp);
+    if (result.status == DecodeStatus::kept && ++kept_ > macroblocks_) result.status = DecodeStatus::noPicture;
+    return result;
   }
 
   DecodedPicture flush() override {
     if (!std::exchange(ended_, true)) {
-      if (hasSlice_) stream_.send(packet_, timestamp_);
+      if (hasSlice_) sendCollected();
       stream_.sendEnd();
     }
     while (FramePtr frame = stream_.receive()) {
-      if (DecodeResult result = resultOf(std::move(frame)); result.status == DecodeStatus::picture)
+      if (DecodeResult result = shown(std::move(frame)); result.status == DecodeStatus::picture)
         return std::move(result.picture);
     }
     return {};
@@ -136,6 +138,7 @@ class H264Decoder final : public VideoDecoder {
   }
 
   void note(const H264Sequence& sequence) {
+    macroblocks_ = std::int64_t{sequence.widthInMacroblocks} * sequence.heightInMacroblocks;
     heldBackIfReordered_ = mostReorderedPictures(sequence);
     reorderingIsKnown_ = sequence.reordersNever || sequence.reorderingIsDeclared;
   }
@@ -158,28 +161,30 @@ class H264Decoder final : public VideoDecoder {
     const bool decides = feeding_ == Feeding::undecided && slice && slice->key;
     if (decides && !slice->beginsPicture) return collectFromNowOn(unit, slice, timestamp);
     if (slice && !slice->beginsPicture && !pictureBegun_) return {};  // its first slice is missing
-    if (slice && slice->beginsPicture) beginPicture();
+    const bool lostOne = slice && slice->beginsPicture && beginPicture(timestamp);
     const int fault = sendAlone(unit, timestamp);
     FramePtr frame = stream_.receive();
     if (slice && (fault < 0 || frame)) pictureBegun_ = false;
     if (decides && !frame && stream_.context().has_b_frames == 0) return collectFromNowOn(unit, slice, timestamp);
     if (decides) feed(Feeding::unitByUnit);
-    return resultOf(std::move(frame));
+    if (frame) return shown(std::move(frame));
+    if (slice && fault < 0) owed_.dropNewest();
+    return withoutPicture(slice && fault >= 0 && !lostOne);
   }
 
   // The first key picture consists of several units. It is decoded once more when all of them are there.
   DecodeResult collectFromNowOn(Bytes unit, const std::optional<H264SliceStart>& slice, std::int64_t timestamp) {
-    avcodec_flush_buffers(&stream_.context());
+    forgetPictures();
     feed(Feeding::pictureByPicture);
     packet_.clear();
     return collect(unit, slice, timestamp);
   }
 
   DecodeResult collect(Bytes unit, const std::optional<H264SliceStart>& slice, std::int64_t timestamp) {
-    DecodeResult result;
-    if (hasSlice_ && (!slice || slice->beginsPicture)) result = decodeCollected();
+    const bool endsPicture = hasSlice_ && (!slice || slice->beginsPicture);
+    DecodeResult result = endsPicture ? decodeCollected() : withoutPicture(slice.has_value());
     if (slice && !hasSlice_) timestamp_ = timestamp;
-    if (slice && slice->key && std::exchange(failed_, false)) avcodec_flush_buffers(&stream_.context());
+    if (slice && slice->key && std::exchange(failed_, false)) forgetPictures();
     hasSlice_ = hasSlice_ || slice;
     if (packet_.size() + unit.size() <= kLargestUnit) appendUnit(packet_, unit);
     return result;
@@ -188,21 +193,51 @@ class H264Decoder final : public VideoDecoder {
   // Several threads sometimes agree on a list of references that none of them can use; a key picture needs none, but
   // they are freed from it only by force.
   DecodeResult decodeCollected() {
-    if (stream_.send(packet_, timestamp_) < 0) failed_ = true;
+    const bool taken = sendCollected();
     packet_.clear();
     hasSlice_ = false;
-    return resultOf(stream_.receive());
+    if (!taken) failed_ = true;
+    if (FramePtr frame = stream_.receive()) return shown(std::move(frame));
+    const bool lostOne = owed_.loseBeyond(mostHeldBack());
+    return withoutPicture(taken && !lostOne);
   }
 
+  // With several threads a fault is that of a picture before.
+  bool sendCollected() {
+    const bool taken = stream_.send(packet_, timestamp_) >= 0;
+    if (taken || stream_.context().thread_count > 1) owed_.add(timestamp_);
+    return taken;
+  }
+
+  void forgetPictures() {
+    avcodec_flush_buffers(&stream_.context());
+    owed_.clear();
+  }
+
+  std::size_t mostHeldBack() {
+    const AVCodecContext& context = stream_.context();
+    return static_cast<std::size_t>(context.has_b_frames + context.thread_count - 1);
+  }
+
+  DecodeResult shown(FramePtr frame) {
+    const std::int64_t time = owed_.take(frame->pts, stream_.context().has_b_frames > 0);
+    return resultOf(std::move(frame), time);
+  }
+
+  static DecodeResult withoutPicture(bool kept) { return {kept ? DecodeStatus::kept : DecodeStatus::noPicture, {}}; }
+
   // While FFmpeg waits for units of a picture it takes none of the next one. A packet that is said to be whole ends
-  // that.
-  void beginPicture() {
+  // that. True where a picture before was lost: the new one may be unfinished, and those that are held back may be
+  // owed.
+  bool beginPicture(std::int64_t timestamp) {
+    owed_.add(timestamp);
     if (std::exchange(pictureBegun_, true)) {
       int& flags = stream_.context().flags2;
       flags &= ~AV_CODEC_FLAG2_CHUNKS;
       sendAlone(kDelimiter, AV_NOPTS_VALUE);
       flags |= AV_CODEC_FLAG2_CHUNKS;
     }
+    return owed_.loseBeyond(mostHeldBack() + 1);
   }
 
   int sendAlone(Bytes unit, std::int64_t timestamp) {
@@ -215,6 +250,9 @@ class H264Decoder final : public VideoDecoder {
 
   LibavStream stream_;
   Feeding feeding_ = Feeding::undecided;
+  std::int64_t macroblocks_ = 1;  // of a picture
+  std::int64_t kept_ = 0;         // units of the newest picture
+  OwedPictures owed_;
   int heldBackIfReordered_ = 1;
   bool reorderingIsKnown_ = false;
   std::vector<std::uint8_t> packet_;  // units of the picture that is being collected

@@ -19,7 +19,7 @@ namespace zel::platform {
 // Renderers that fill an image of the asked size with the luma of the picture's first pixel and one more, and views
 // that show nothing. What they are told is listed.
 // Owner:  must outlive its renderers.
-// Thread: any thread; lastOffset and onRender while no renderer is at work.
+// Thread: any thread; lastOffset, onRender and onDestroy while no renderer is at work.
 class ScriptedMediaLibrary final : public MediaLibrary {
  public:
   // What the latest view was told.
@@ -53,6 +53,7 @@ class ScriptedMediaLibrary final : public MediaLibrary {
   std::atomic<int> live = 0;         // renderers that have not been destroyed
   std::string lastOffset;            // the last that any was given
   std::function<void()> onRender;    // before each image
+  std::function<void()> onDestroy;   // before a renderer goes
   View view;
 
  private:
@@ -67,7 +68,10 @@ class ScriptedMediaLibrary final : public MediaLibrary {
         : library_(library), width_(width), height_(height) {
       ++library_.live;
     }
-    ~Render() override { --library_.live; }
+    ~Render() override {
+      if (library_.onDestroy) library_.onDestroy();
+      --library_.live;
+    }
 
     void setOffset(std::string_view offset) override {
       library_.lastOffset = offset;

@@ -67,7 +67,7 @@ class ScriptedVideoDecoders::Session final : public VideoDecoder {
 
   DecodeResult given(DecodedPicture picture, bool holdsBack) {
     if (holdsBack) std::swap(picture, held_);
-    return {picture.pixelBuffer ? DecodeStatus::picture : DecodeStatus::noPicture, std::move(picture)};
+    return {picture.pixelBuffer ? DecodeStatus::picture : DecodeStatus::kept, std::move(picture)};
   }
 
   const std::shared_ptr<State> state_;

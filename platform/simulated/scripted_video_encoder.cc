@@ -46,7 +46,7 @@ struct ScriptedVideoEncoders::State {
   std::size_t openingsToFail ZEL_GUARDED_BY(mutex) = 0;
   std::size_t picturesToFail ZEL_GUARDED_BY(mutex) = 0;
   bool silent ZEL_GUARDED_BY(mutex) = false;
-  std::function<void()> onEncode ZEL_GUARDED_BY(mutex);
+  std::function<void()> onEncode ZEL_GUARDED_BY(mutex), onDestroy ZEL_GUARDED_BY(mutex);
   std::vector<VideoEncoderSettings> created ZEL_GUARDED_BY(mutex);
   std::size_t live ZEL_GUARDED_BY(mutex) = 0;
   std::size_t attempts ZEL_GUARDED_BY(mutex) = 0;
@@ -57,6 +57,10 @@ struct ScriptedVideoEncoders::State {
     const MutexLock lock(mutex);
     ++attempts;
     return onEncode;
+  }
+  std::function<void()> callAtEnd() const {
+    const MutexLock lock(mutex);
+    return onDestroy;
   }
   // Whether the picture is taken, and whether it gives its units by itself.
   std::pair<bool, bool> take(MediaTime time) {
@@ -76,6 +80,7 @@ class ScriptedVideoEncoders::Encoder final : public VideoEncoder {
   Encoder(std::shared_ptr<State> state, std::shared_ptr<Receivers> receivers)
       : state_(std::move(state)), receivers_(std::move(receivers)) {}
   ~Encoder() override {
+    if (const auto call = state_->callAtEnd()) call();
     receivers_->forget();
     const MutexLock lock(state_->mutex);
     --state_->live;
@@ -147,6 +152,11 @@ void ScriptedVideoEncoders::failPictures(std::size_t attempts) {
 void ScriptedVideoEncoders::beSilent() {
   const MutexLock lock(state_->mutex);
   state_->silent = true;
+}
+
+void ScriptedVideoEncoders::onDestroy(std::function<void()> call) {
+  const MutexLock lock(state_->mutex);
+  state_->onDestroy = std::move(call);
 }
 
 void ScriptedVideoEncoders::onEncode(std::function<void()> call) {

@@ -32,6 +32,8 @@ class ScriptedVideoEncoders final : public VideoEncoders {
   void beSilent();
   // Called before each attempt to encode, on the thread that encodes.
   void onEncode(std::function<void()> call);
+  // Called before an encoder is destroyed, on the thread that does it.
+  void onDestroy(std::function<void()> call);
 
   // Output of the encoder that was made last, on the caller's thread. What the receiver made of the bytes.
   void emitParameterSets(const Bytes& sps, const Bytes& pps);

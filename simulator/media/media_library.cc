@@ -35,8 +35,9 @@ void fill(VideoLoop& loop, std::vector<VideoPicture> pictures) {
 
 std::string nameOf(const PreviewFormat& format) {
   return "scene-" + std::to_string(format.width) + "x" + std::to_string(format.height) + "-" +
-         std::to_string(format.rate) + (format.bitrate > 0 ? "-" + std::to_string(format.bitrate) : "") + "-v" +
-         std::to_string(kMediaVersion) + ".h264";
+         std::to_string(format.rate) + (format.bitrate > 0 ? "-" + std::to_string(format.bitrate) : "") +
+         (format.slices > 1 ? "-slices" + std::to_string(format.slices) : "") + "-v" + std::to_string(kMediaVersion) +
+         ".h264";
 }
 
 // Runs on a thread of its own.

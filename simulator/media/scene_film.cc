@@ -33,7 +33,8 @@ CodecContextPtr openEncoder(const PreviewFormat& format) {
   context->colorspace = AVCOL_SPC_SMPTE170M;
   context->color_primaries = AVCOL_PRI_SMPTE170M;
   context->color_trc = AVCOL_TRC_SMPTE170M;
-  context->thread_count = 1;  // several would cut the picture into slices
+  context->thread_count = 1;  // several would cut the picture into slices of their own
+  context->slices = format.slices;
   av_opt_set(context.get(), "preset", "superfast", AV_OPT_SEARCH_CHILDREN);
   av_opt_set(context.get(), "tune", "zerolatency", AV_OPT_SEARCH_CHILDREN);
   if (format.bitrate > 0) {

@@ -13,7 +13,7 @@
 namespace zel::simulator {
 
 // The camera's view of the moving scene as H.264: both lenses' circles, full range, a key picture with its parameter
-// sets each second, one slice a picture, start codes of four bytes, no reordering. Thread: one at a time.
+// sets each second, start codes of four bytes, no reordering. Thread: one at a time.
 class SceneFilm {
  public:
   // The map of the lenses is built here, which takes longer than a picture. The width is a multiple of 4.

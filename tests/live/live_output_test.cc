@@ -82,6 +82,28 @@ TEST_F(LiveOutputTest, HoldsSoundBackUntilTheVideoHeaderIsThere) {
   EXPECT_EQ(statistics.audioFrames, 1u);
 }
 
+// What the output says of itself while it delivers its headers.
+class HeaderWatch final : public ZELLiveDataSourceProtocol {
+ public:
+  explicit HeaderWatch(const LiveOutput& watched) : output(watched) {}
+  void sourceOnError(const ZELError&) override {}
+  void sourceOnH264Header(Bytes, Bytes) override { said.emplace_back(output.hasVideo()); }
+  void sourceOnH264Nalu(Bytes, bool, std::int64_t) override {}
+  void sourceOnAACHeader(Bytes) override { said.emplace_back(output.hasAudio()); }
+  void sourceOnAACData(Bytes, std::int64_t) override {}
+  const LiveOutput& output;
+  std::vector<bool> said;
+};
+
+TEST_F(LiveOutputTest, HasAHeaderOnlyWhenItIsDelivered) {
+  const auto watch = std::make_shared<HeaderWatch>(output);
+  output.setDelegate(watch);
+  output.onAACHeader(hex("1190"));
+  output.addVideoStream(hex("67"), hex("68"));
+  EXPECT_THAT(watch->said, ElementsAre(false, false));
+  EXPECT_TRUE(output.hasAudio() && output.hasVideo());
+}
+
 TEST_F(LiveOutputTest, LetsSoundPassWhereNoVideoWillCome) {
   settings.isStitch.set(false);
   output.onAACHeader(hex("1190"));

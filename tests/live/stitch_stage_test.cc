@@ -81,6 +81,23 @@ TEST_F(StitchStageTest, IsJoinedByWaitingForTheThread) {
   EXPECT_EQ(host.liveTasks(), 0u);
 }
 
+// What a renderer's end takes does not keep those waiting who join the thread.
+TEST_F(StitchStageTest, DropsTheRendererAfterItCanBeJoined) {
+  bool joined = false;
+  library.onDestroy = [&] {
+    stage.join();
+    joined = true;
+  };
+  startThread();
+  append(1);
+  host.runUntilIdle();
+  over = true;
+  host.advance(0.02);
+  EXPECT_TRUE(joined);
+  EXPECT_EQ(library.live, 0);
+  library.onDestroy = {};
+}
+
 TEST_F(StitchStageTest, LetsASecondThreadWaitForTheFirst) {
   startThread();
   startThread();

@@ -126,6 +126,52 @@ TEST_F(LiveMediaTest, DeliversBothHeadersAgainInTheNextRun) {
                                        "video header 6701 6802", "key unit 10 000000016503"));
 }
 
+TEST_F(LiveMediaTest, ForgetsAtTheStopWhatWaitsForTheEncoder) {
+  source->setIsEncode(false);
+  runFrom(1000);
+  pass(1, 1000);
+  pass(2, 1001);  // stitched, and nobody encodes them
+  source->stopLiveData();
+  source->setIsEncode(true);
+  runFrom(2000);
+  pass(3, 2040);
+  EXPECT_THAT(encoders.times(), ElementsAre(MediaTime{40, 1000}));
+}
+
+TEST_F(LiveMediaTest, ForgetsAtTheStopWhatWaitsForTheRenderer) {
+  runFrom(1000);
+  see(1, 1000);
+  see(2, 1001);
+  source->stopLiveData();
+  runFrom(2000);
+  pass(3, 2040);
+  EXPECT_EQ(log->count("stitched"), 1u);
+  EXPECT_EQ(log->count("stitched 40 luma 4"), 1u);
+}
+
+TEST_F(LiveMediaTest, LetsPicturesWaitUntilTheEncoderIsGone) {
+  runFrom(1000);
+  auto picture = pictureOf(1);
+  const std::weak_ptr<const platform::PixelBuffer> watch = picture;
+  source->onPixelBuffer(picture, 1000);
+  picture.reset();
+  bool waited = false;
+  encoders.onDestroy([&] { waited = !watch.expired(); });
+  source->stopLiveData();
+  encoders.onDestroy({});
+  EXPECT_TRUE(waited);
+  EXPECT_TRUE(watch.expired());
+}
+
+TEST_F(LiveMediaTest, KeepsTheNewestPicturesTimeOverAStart) {
+  runFrom(1000);
+  see(1, 1040);
+  source->stopLiveData();
+  start();
+  EXPECT_EQ(source->bufferTimestamp(), 1040);
+  EXPECT_EQ(source->firstTimestamp(), 0);
+}
+
 TEST_F(LiveMediaTest, LetsSoundFlowFromTheFirstFrameOnWithoutEncoding) {
   source->setIsEncode(false);
   start();

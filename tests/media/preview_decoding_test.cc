@@ -17,7 +17,7 @@ class PreviewDecodingTest : public testing::Test {
     return ports;
   }
   void offerPps(const Bytes& pps) {
-    decoding.offerPps(pps, {});
+    decoding.offerPps(pps);
     host.runUntilIdle();
   }
 
@@ -77,7 +77,7 @@ TEST_F(PreviewDecodingTest, EndsItsThreadWhenItIsResetOrDies) {
   {
     PreviewDecoding dying(portsWith(&decoders));
     dying.offerSps(unit({0x67, 1}));
-    dying.offerPps(unit({0x68, 1}), {});
+    dying.offerPps(unit({0x68, 1}));
   }
   host.runUntilIdle();
   EXPECT_EQ(host.liveThreads("preview decode"), 0);
@@ -87,7 +87,7 @@ TEST_F(PreviewDecodingTest, EndsItsThreadWhenItIsResetOrDies) {
 TEST_F(PreviewDecodingTest, KeepsTheSetsWhereTheHostDecodesNothing) {
   PreviewDecoding without(portsWith(nullptr));
   without.offerSps(unit({0x67, 1}));
-  without.offerPps(unit({0x68, 1}), {});
+  without.offerPps(unit({0x68, 1}));
   EXPECT_TRUE(without.sets().areComplete());
   without.append(std::make_shared<orq::MediaBuffer>());
   EXPECT_EQ(without.nextPicture(), nullptr);
@@ -111,7 +111,7 @@ TEST_F(PreviewDecodingTest, DropsADecoderThatAResetHasMadeUseless) {
   PreviewDecoding raced(portsWith(&resetting));
   resetting.decoding = &raced;
   raced.offerSps(unit({0x67, 1}));
-  raced.offerPps(unit({0x68, 1}), {});
+  raced.offerPps(unit({0x68, 1}));
   host.runUntilIdle();
   EXPECT_EQ(decoders.live(), 0u);
   EXPECT_EQ(host.liveThreads("preview decode"), 0);

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
+#include <future>
 #include <thread>
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
@@ -95,6 +97,35 @@ TEST_F(ZELDecodeRunLoopThreadTest, SurvivesEverybodyAtOnce) {
     loop.reset();
   }
   EXPECT_TRUE(eventually([&] { return decoders.live() == 0; }));
+}
+
+// Nobody polls a picture before it was delivered: the poll waits for the delegate's end, and then gets it.
+TEST_F(ZELDecodeRunLoopThreadTest, LetsWhoPollsWaitForTheDelegatesEnd) {
+  class PolledMeanwhile final : public ZELPixelBufferDataProtocol {
+   public:
+    void onPixelBuffer(const platform::PixelBufferRef&, std::int64_t) override {
+      if (poll.valid()) return;
+      poll = std::async(std::launch::async, [this] { return loop->getNextMediaPixelBuffer() != nullptr; });
+      // It never ends while this call lasts, so that the time tells nothing about the machine.
+      ended = poll.wait_for(std::chrono::milliseconds(200)) == std::future_status::ready;
+      delivered.set();
+    }
+    ZELDecodeRunLoop* loop = nullptr;
+    std::future<bool> poll;
+    std::atomic<bool> ended = false;
+    Event delivered;
+  };
+  const auto polled = std::make_shared<PolledMeanwhile>();
+  const auto loop =
+      ZELDecodeRunLoop::initWidthSps(host->ports().threads, decoders, bytes({0x67}), bytes({0x68}), polled);
+  polled->loop = loop.get();
+  loop->start();
+  ASSERT_TRUE(eventually([&] {
+    append(*loop, 0x65, 1);
+    return polled->delivered.happened();
+  }));
+  EXPECT_FALSE(polled->ended);
+  EXPECT_TRUE(polled->poll.get());
 }
 
 TEST_F(ZELDecodeRunLoopThreadTest, IsLetGoByTheDelegateOnItsOwnThread) {

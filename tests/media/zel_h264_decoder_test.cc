@@ -95,6 +95,17 @@ TEST_F(ZELH264DecoderTest, ForgetsTheFailuresWithOnePicture) {
   EXPECT_EQ(decoders.created(), 1u);
 }
 
+TEST_F(ZELH264DecoderTest, CountsAUnitOfAnUnfinishedPictureNeitherUpNorDown) {
+  EXPECT_TRUE(gives(kKey));
+  fail(29);
+  decoders.script(DecodeStatus::kept, 100);
+  for (int i = 0; i < 100; ++i) EXPECT_FALSE(gives(kOther));
+  EXPECT_EQ(decoder->decodeContinuousError(), 29);
+  EXPECT_EQ(decoders.created(), 1u);
+  fail(2);
+  EXPECT_EQ(decoders.created(), 2u);
+}
+
 TEST_F(ZELH264DecoderTest, RecreatesAnInvalidSessionAndWaitsForAKeyUnit) {
   EXPECT_TRUE(gives(kKey));
   decoders.script(DecodeStatus::sessionInvalid);

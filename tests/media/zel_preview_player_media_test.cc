@@ -8,6 +8,7 @@
 
 #include "platform/ffmpeg/h264_decoder.h"
 #include "tests/platform/ffmpeg/decoded_stream.h"
+#include "tests/platform/ffmpeg/stream_maker.h"
 #include "tests/platform/ffmpeg/video_file.h"
 #include "tests/transport/connected_camera.h"
 #include "transport/frame.h"
@@ -64,13 +65,19 @@ std::vector<Bytes> runsBehindLongCodes(const Bytes& stream) {
 class RealPreviewTest : public testing::Test {
  protected:
   RealPreviewTest() {
+    decode(decoders);
+    connected.camera->current()->setReadLimit(997);
+  }
+
+  // A player that decodes with these, in place of the one before.
+  void decode(platform::VideoDecoders& with) {
+    received = std::make_shared<Received>();
     platform::Ports ports = connected.host.ports();
-    ports.videoDecoders = &decoders;
+    ports.videoDecoders = &with;
     player = ZELPreviewPlayer::create(ports, [] { return 192; });
     player->setMediaDataDelegate(received);
     player->setPixelBufferDelegate(received);
     connected.stack->parser().setPreviewPlayer(player);
-    connected.camera->current()->setReadLimit(997);
   }
 
   void send(FrameType type, ByteView payload) {
@@ -94,9 +101,23 @@ class RealPreviewTest : public testing::Test {
 
   ConnectedCamera connected;
   platform::LibavVideoDecoders decoders;
-  std::shared_ptr<Received> received = std::make_shared<Received>();
+  std::shared_ptr<Received> received;
   std::shared_ptr<ZELPreviewPlayer> player;
 };
+
+// Each slice is a unit of its own: 40 a picture on one thread, and eight times five before the first comes out.
+TEST_F(RealPreviewTest, PicturesOfManySlicesCome) {
+  for (const auto& [threads, slices] : {std::pair{1, "slices=40"}, std::pair{8, "slices=5"}}) {
+    platform::LibavVideoDecoders several({threads});
+    decode(several);
+    std::vector<Bytes> runs;
+    for (const Unit& each :
+         makeStream({.width = 64, .height = 640, .pictures = 20, .options = {{"x264-params", slices}}}))
+      runs.push_back(join(bytes({0, 0, 0, 1}), each));
+    sendVideo(runs);
+    EXPECT_EQ(received->pictures.size(), static_cast<std::size_t>(20 - threads)) << slices;
+  }
+}
 
 // Of 4,202 units 3,900 stand behind three bytes. The decoder finds them inside the unit by itself.
 TEST_F(RealPreviewTest, FourteenSlicesBehindOneLongCodeAreOneUnitAndOnePicture) {

@@ -41,7 +41,9 @@ class PictureLog final : public ZELPixelBufferDataProtocol {
   void onPixelBuffer(const platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) override {
     times.push_back(timestamp);
     last = pixelBuffer;
+    if (onPicture) onPicture();
   }
+  std::function<void()> onPicture;
   std::vector<std::int64_t> times;
   platform::PixelBufferRef last;
 };
@@ -156,6 +158,16 @@ TEST_F(ZELPreviewPlayerTest, AdvancesVideoTimePerSliceBeforeFirmware190) {
   player->setFps(0);
   video({kSlice});
   EXPECT_EQ(player->nextVideoTimestamp(), 99);
+}
+
+// Deliberate: four slices of one picture are four steps, and the sound is joined to them.
+TEST_F(ZELPreviewPlayerTest, CountsEverySliceOfAPictureBeforeFirmware190) {
+  firmware = 189;
+  video({kSps, kPps, unit({0x65, 0x88}), unit({0x65, 0x42}), unit({0x65, 0x43}), unit({0x65, 0x2A})});
+  audio(kAudio);
+  EXPECT_THAT(media->lines,
+              ElementsAre("sets: 103 1 2 | 104 3", "key 33: 0 0 0 1 101 136", "key 66: 0 0 0 1 101 66",
+                          "key 99: 0 0 0 1 101 67", "key 132: 0 0 0 1 101 42", "header: 17 144", "audio 153: 7 8"));
 }
 
 TEST_F(ZELPreviewPlayerTest, StartsAudioOnlyAfterTheParameterSetsBeforeFirmware190) {
@@ -286,6 +298,45 @@ TEST_F(ZELPreviewPlayerTest, StartsAnewWithTheNextSetsAfterAReset) {
   video({unit({0x67, 9, 9}), unit({0x68, 9}), kIdr});
   EXPECT_EQ(decoders.lastSps(), bytes({0x67, 9, 9}));
   EXPECT_EQ(pictures->times.size(), 2u);
+}
+
+TEST_F(ZELPreviewPlayerTest, ShowsNothingThatTheDecoderHeldBackBeforeAReset) {
+  decoders.holdBack();
+  video({kSps, kPps, kIdr, kSlice});
+  pictures->times.clear();
+  player->resetPlayer();
+  bool shot = false;
+  player->createSnapshot([&](const platform::PixelBufferRef&) { shot = true; });
+  host.runUntilIdle();
+  EXPECT_THAT(pictures->times, IsEmpty());
+  EXPECT_FALSE(shot);
+  EXPECT_EQ(player->imageWidth(), 0);
+}
+
+// The unit that the decode thread is at gives its picture after the reset.
+TEST_F(ZELPreviewPlayerTest, ShowsNothingThatWasBeingDecodedDuringAReset) {
+  bool shot = false;
+  decoders.onDecode([&] {
+    decoders.onDecode({});
+    player->resetPlayer();
+    player->createSnapshot([&](const platform::PixelBufferRef&) { shot = true; });
+  });
+  video({kSps, kPps, kIdr});
+  EXPECT_THAT(pictures->times, IsEmpty());
+  EXPECT_FALSE(shot);
+  EXPECT_EQ(player->imageWidth(), 0);
+  video({kSps, kPps, kIdr});
+  EXPECT_TRUE(shot);
+  EXPECT_EQ(pictures->times.size(), 1u);
+  EXPECT_EQ(player->imageWidth(), 64);
+}
+
+TEST_F(ZELPreviewPlayerTest, AnswersASnapshotBeforeTheDelegate) {
+  std::vector<std::string> order;
+  pictures->onPicture = [&] { order.emplace_back("delegate"); };
+  player->createSnapshot([&](const platform::PixelBufferRef&) { order.emplace_back("snapshot"); });
+  video({kSps, kPps, kIdr});
+  EXPECT_THAT(order, ElementsAre("snapshot", "delegate"));
 }
 
 TEST_F(ZELPreviewPlayerTest, DeliversTheUnitHeldBackBeforeAResetFirst) {

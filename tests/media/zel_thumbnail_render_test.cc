@@ -88,6 +88,13 @@ TEST_F(ZELThumbnailRenderTest, NeedsNoStartCodeBeforeTheFirstUnit) {
   EXPECT_EQ(decoders.lastSps(), bytes({0x67, 1}));
 }
 
+// The first unit is not looked into before its fifth byte: a start code within it hides the set.
+TEST_F(ZELThumbnailRenderTest, LooksForStartCodesFromTheFifthByteOn) {
+  for (const std::size_t before : {1u, 2u, 3u})
+    EXPECT_EQ(decode(join(repeated(before, 9), kSps, kPps, kIdr)), nullptr) << before;
+  EXPECT_NE(decode(join(repeated(4, 9), kSps, kPps, kIdr)), nullptr);
+}
+
 TEST_F(ZELThumbnailRenderTest, GivesTheLastOfSeveralKeyFrames) {
   EXPECT_EQ(decode(join(kSps, kPps, kIdr, kIdr))->luma().data[0], 2);
   decoders.script(platform::DecodeStatus::picture);

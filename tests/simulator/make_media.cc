@@ -3,9 +3,14 @@
 
 int main() {
   using namespace zel::simulator;
-  constexpr int kStandardResolution = 3;
+  constexpr int kStandardResolution = 3, kSlowest = 0;
   MediaLibrary library;
-  const auto scene = library.video(previewFormat(kStandardResolution));
+  for (const int resolution : {kStandardResolution, kSlowest}) {
+    for (const int slices : {1, 4}) {
+      const auto scene = library.video(previewFormat(resolution, 0, slices));
+      if (scene->waitFor(scene->length()) != scene->length()) return 1;
+    }
+  }
   library.audio().wait();
-  return scene->waitFor(scene->length()) == scene->length() ? 0 : 1;
+  return 0;
 }

@@ -82,21 +82,6 @@ TEST_F(LiveTest, TellsWhatBecameOfThePictures) {
   EXPECT_EQ(told["outputs"].at(0)["fault"], nullptr);
 }
 
-TEST_F(LiveTest, TheBeepIsHeardWhenTheTickIsSeen) {
-  const auto camera = simulator();
-  const auto host = live({"-o", path("a.mp4"), "--size", "480x240", "--duration", "6"});
-  ASSERT_EQ(host->wait(), 0) << host->errors();
-  const TicksAndBeeps found = ticksAndBeepsIn(path("a.mp4"));
-  std::vector<double> distances;
-  for (const double tick : found.ticks)
-    for (const double beep : found.beeps)
-      if (std::abs(tick - beep) <= 0.5) distances.push_back(std::abs(tick - beep));
-  ASSERT_FALSE(distances.empty()) << found.ticks.size() << " ticks, " << found.beeps.size() << " beeps";
-  // Where the host's clock is set anew, pictures and sound do not move at one moment.
-  std::ranges::nth_element(distances, distances.begin() + static_cast<std::ptrdiff_t>(distances.size() / 2));
-  EXPECT_LE(distances[distances.size() / 2], 1.0 / 30);
-}
-
 TEST_F(LiveTest, SeveralPicturesAreDecodedSideBySide) {
   const auto camera = simulator();
   const auto host =

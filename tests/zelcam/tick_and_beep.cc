@@ -5,6 +5,8 @@
 #include <optional>
 
 #include "apps/zelcam/muxing/libav.h"
+#include "simulator/lens_offset.h"
+#include "simulator/scene.h"
 
 namespace zel::test {
 namespace {
@@ -16,19 +18,19 @@ struct Deleter {
 using Decoder = std::unique_ptr<AVCodecContext, Deleter>;
 using Frame = std::unique_ptr<AVFrame, Deleter>;
 
-constexpr double kLampLongitude = 24, kLampLatitude = 10.5;  // degrees, of the forward clock
-constexpr int kBetween = 70;                                 // luma: the lamp is 116 when lit, 32 when not
-constexpr float kLoud = 0.2F;                                // the beep has 0.5, all else 0.02
-constexpr double kSilence = 0.3;                             // seconds between two beeps at least
-constexpr double kNext = 0.04;                               // seconds to the next picture where none is missing
+constexpr int kBetween = 70;      // luma: the lamp is 116 when lit, 32 when not
+constexpr float kLoud = 0.2F;     // the beep has 0.5, all else 0.02
+constexpr double kSilence = 0.3;  // seconds between two beeps at least
 
 class Observer {
  public:
+  Observer(LampPlace lamp, int picturesPerSecond) : lamp_(lamp), next_(1.2 / picturesPerSecond) {}
+
   void see(const AVFrame& picture, double time) {
-    const auto column = static_cast<int>((180 + kLampLongitude) / 360 * picture.width);
-    const auto row = static_cast<int>((90 - kLampLatitude) / 180 * picture.height);
+    const auto column = static_cast<int>(lamp_.x * picture.width);
+    const auto row = static_cast<int>(lamp_.y * picture.height);
     const bool lit = picture.data[0][row * picture.linesize[0] + column] > kBetween;
-    if (lit && wasLit_ == false && time - lastPicture_ < kNext) found_.ticks.push_back(time);
+    if (lit && wasLit_ == false && time - lastPicture_ < next_) found_.ticks.push_back(time);
     wasLit_ = lit;
     lastPicture_ = time;
     const std::uint8_t* const nadir = picture.data[2] + (picture.height / 2 - 1) * picture.linesize[2];
@@ -48,6 +50,8 @@ class Observer {
   const TicksAndBeeps& found() const { return found_; }
 
  private:
+  const LampPlace lamp_;
+  const double next_;  // seconds to the next picture where none is missing
   std::optional<bool> wasLit_;
   double lastPicture_ = 0;
   std::optional<double> lastLoud_ = -1.0;
@@ -71,14 +75,24 @@ void receive(AVCodecContext& decoder, const AVStream& stream, Observer& observer
 
 }  // namespace
 
-TicksAndBeeps ticksAndBeepsIn(const std::string& film) {
+// The lamp is on the right of the forward clock.
+LampPlace lampInPanorama() { return {(180 + simulator::kLampAside) / 360, (90 - simulator::kClockLatitude) / 180}; }
+
+LampPlace lampInFisheyes() {
+  const simulator::LensOffset offset = simulator::factoryLensOffset();
+  const simulator::Point at = simulator::LensProjection(offset.lenses[0], offset.model)
+                                  .pointOf(simulator::directionAt(simulator::kLampAside, simulator::kClockLatitude));
+  return {at.x / offset.width, at.y / offset.height};
+}
+
+TicksAndBeeps ticksAndBeepsIn(const std::string& film, LampPlace lamp, int picturesPerSecond) {
   AVFormatContext* opened = nullptr;
   if (avformat_open_input(&opened, film.c_str(), nullptr, nullptr) < 0) return {};
   const app::DemuxerPtr demuxer(opened);
   if (avformat_find_stream_info(opened, nullptr) < 0) return {};
   std::vector<Decoder> decoders;
   for (unsigned i = 0; i < demuxer->nb_streams; ++i) decoders.push_back(decoderFor(*demuxer->streams[i]));
-  Observer observer;
+  Observer observer(lamp, picturesPerSecond);
   const app::PacketPtr packet(av_packet_alloc());
   while (av_read_frame(opened, packet.get()) >= 0) {
     const auto stream = static_cast<std::size_t>(packet->stream_index);

@@ -5,14 +5,22 @@
 
 namespace zel::test {
 
-// When the scene's lamp is seen to be lit, and its beep is heard to begin, in a stitched film, and how red the newest
-// picture is at the nadir. Units: seconds; Cr, 128 for grey.
+// When the scene's lamp is seen to be lit, and its beep is heard to begin, in a film, and how red the newest picture is
+// at the nadir of a stitched one. Units: seconds; Cr, 128 for grey.
 struct TicksAndBeeps {
   std::vector<double> ticks, beeps;
   double nadirCr = 0;
 };
 
-// Decodes the whole film. A lamp counts where the picture before shows it dark and is no more than 40 ms away.
-TicksAndBeeps ticksAndBeepsIn(const std::string& film);
+// Where the lamp is. Units: shares of the picture's width and height.
+struct LampPlace {
+  double x = 0, y = 0;
+};
+LampPlace lampInPanorama();
+LampPlace lampInFisheyes();
+
+// Decodes the whole film. A lamp counts where the picture before shows it dark and is the one before it at that many
+// pictures a second.
+TicksAndBeeps ticksAndBeepsIn(const std::string& film, LampPlace lamp = lampInPanorama(), int picturesPerSecond = 30);
 
 }  // namespace zel::test

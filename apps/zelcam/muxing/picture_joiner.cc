@@ -12,9 +12,13 @@ constexpr std::uint8_t kFirstMacroblock = 0x80;          // the number 0 is writ
 
 }  // namespace
 
+bool beginsPicture(std::span<const std::uint8_t> unit) {
+  return unit.size() > kSliceData && (unit[kSliceData] & kFirstMacroblock) != 0;
+}
+
 std::optional<JoinedPicture> PictureJoiner::add(std::span<const std::uint8_t> unit, bool key, std::int64_t time) {
   if (unit.size() <= kSliceData || unit.size() > kLargest) return std::nullopt;
-  if ((unit[kSliceData] & kFirstMacroblock) != 0) {
+  if (beginsPicture(unit)) {
     return std::exchange(picture_, JoinedPicture{{unit.begin(), unit.end()}, key, time});
   }
   if (picture_ && picture_->bytes.size() + unit.size() <= kLargest) {

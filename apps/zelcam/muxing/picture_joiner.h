@@ -15,6 +15,9 @@ struct JoinedPicture {
   std::int64_t time = 0;
 };
 
+// Whether a slice, behind four bytes of start code or length, is the first of its picture.
+bool beginsPicture(std::span<const std::uint8_t> unit);
+
 // Puts a camera's slices together again to pictures. A picture is whole when the next one begins.
 class PictureJoiner {
  public:

@@ -1,6 +1,7 @@
 #include "apps/zelcam/muxing/stream_writer.h"
 
 #include <array>
+#include <utility>
 
 #include "apps/zelcam/muxing/audio_config.h"
 #include "apps/zelcam/muxing/h264_colour.h"
@@ -10,6 +11,7 @@ namespace zel::app {
 namespace {
 
 constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
+constexpr std::int64_t kLongestWait = 10'000;  // milliseconds; what is further away is of another clock
 
 void append(std::vector<std::uint8_t>& bytes, std::span<const std::uint8_t> more) {
   bytes.insert(bytes.end(), more.begin(), more.end());
@@ -20,6 +22,8 @@ void append(std::vector<std::uint8_t>& bytes, std::span<const std::uint8_t> more
 void StreamWriter::beginRun() {
   const MutexLock lock(mutex_);
   if (timeline_) timeline_->beginRun();
+  written_.droppedAudio += kept_.size();
+  kept_.clear();
 }
 
 void StreamWriter::onParameterSets(Bytes sps, Bytes pps) {
@@ -36,23 +40,45 @@ void StreamWriter::onAudioConfig(Bytes config) {
 void StreamWriter::onPicture(Bytes picture, bool key, std::int64_t time, TimePoint arrival) {
   const MutexLock lock(mutex_);
   if (written_.complete || written_.fault || !begins(picture, key)) return;
+  const bool isFirst = !timeline_->hasBegun();
   const auto placed = timeline_->video(time, key);
   if (!placed || isOver(*placed)) return;
   ++written_.pictures;
   written_.videoBytes += picture.size();
   written_.newestVideo = placed;
   rules_.put({Track::video, key, *placed, withChangedSets(picture, key), arrival});
+  if (isFirst) putKept(time);
 }
 
 void StreamWriter::onAudio(Bytes frame, std::int64_t time) {
   const MutexLock lock(mutex_);
-  if (written_.complete || written_.fault || !timeline_ || frame.empty()) return;
-  const auto placed = timeline_->audio(time);
+  if (written_.complete || written_.fault || frame.empty()) return;
+  Sound sound{ZELData(frame), time};
+  timeline_ && timeline_->hasBegun() ? put(sound) : keep(std::move(sound));
+}
+
+void StreamWriter::keep(Sound sound) {
+  kept_.push_back(std::move(sound));
+  if (kept_.size() <= kMostWaiting) return;
+  kept_.pop_front();
+  ++written_.droppedAudio;
+}
+
+// from: the time of the picture that they waited for.
+void StreamWriter::putKept(std::int64_t from) {
+  for (const Sound& sound : std::exchange(kept_, {})) {
+    const bool soundsWithIt = sound.time >= from && sound.time <= from + kLongestWait;
+    soundsWithIt ? put(sound) : static_cast<void>(++written_.droppedAudio);
+  }
+}
+
+void StreamWriter::put(const Sound& sound) {
+  const auto placed = timeline_->audio(sound.time);
   if (!placed || (rules_.length && *placed >= *rules_.length)) return;
   ++written_.audioFrames;
-  written_.audioBytes += frame.size();
+  written_.audioBytes += sound.frame.size();
   written_.newestAudio = placed;
-  rules_.put({Track::audio, false, *placed, ZELData(frame), std::nullopt});
+  rules_.put({Track::audio, false, *placed, sound.frame, std::nullopt});
 }
 
 WrittenStream StreamWriter::written() const {

@@ -23,6 +23,9 @@ class Timeline {
   // The time of an AAC frame, likewise. Nothing before the run's first key picture, or for what sounds before it.
   std::optional<std::int64_t> audio(std::int64_t milliseconds);
 
+  // The run's first key picture has come.
+  bool hasBegun() const { return shift_.has_value(); }
+
   std::optional<std::int64_t> newestVideo() const { return newestVideo_; }
   std::optional<std::int64_t> newestAudio() const { return newestAudio_; }
 

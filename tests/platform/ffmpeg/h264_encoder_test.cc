@@ -276,22 +276,43 @@ TEST(H264EncoderTest, ConvertsALaterPictureToTheFirstOnesMatrix) {
   }
 }
 
+// Which no encoder can make small without need.
+std::shared_ptr<MemoryPixelBuffer> noise(std::uint32_t& state) {
+  const auto picture = MemoryPixelBuffer::create(320, 160);
+  for (std::size_t row = 0; row < 160; ++row)
+    for (std::uint8_t& value : picture->lumaRow(row))
+      value = static_cast<std::uint8_t>((state = state * 1664525 + 1013904223) >> 24);
+  return picture;
+}
+
 TEST(H264EncoderTest, KeepsToTheBitrate) {
   for (const int bitrate : {200'000, 800'000}) {
     Recorder recorder({.width = 320, .height = 160, .bitrate = bitrate, .fps = 10});
     std::uint32_t state = 1;
-    for (int number = 0; number < 60; ++number) {  // noise, which no encoder can make small without need
-      const auto picture = MemoryPixelBuffer::create(320, 160);
-      for (std::size_t row = 0; row < 160; ++row)
-        for (std::uint8_t& value : picture->lumaRow(row))
-          value = static_cast<std::uint8_t>((state = state * 1664525 + 1013904223) >> 24);
-      ASSERT_TRUE(recorder.encoder->encodeImage(picture, {number, 10}));
-    }
+    for (int number = 0; number < 60; ++number) ASSERT_TRUE(recorder.encoder->encodeImage(noise(state), {number, 10}));
     double bits = 0;
     for (std::size_t i = 30; i < 60; ++i) bits += 8.0 * static_cast<double>(recorder.units[i].bytes.size());
     EXPECT_LT(bits / 3, 1.25 * bitrate);
     EXPECT_GT(bits / 3, 0.6 * bitrate);
   }
+}
+
+// Four seconds of a still picture leave the buffer full; then everything changes in each picture.
+TEST(H264EncoderTest, SpendsASecondOfBitsInAdvanceAtMost) {
+  constexpr int kBitrate = 800'000;
+  Recorder recorder({.width = 320, .height = 160, .bitrate = kBitrate, .fps = 10});
+  std::uint32_t state = 1;
+  for (int number = 0; number < 60; ++number) {
+    const auto picture = number < 40 ? scene(0) : noise(state);
+    ASSERT_TRUE(recorder.encoder->encodeImage(picture, {number, 10}));
+  }
+  double most = 0;
+  for (std::size_t first = 0; first + 10 <= 60; ++first) {
+    double bits = 0;
+    for (std::size_t i = first; i < first + 10; ++i) bits += 8.0 * static_cast<double>(recorder.units[i].bytes.size());
+    most = std::max(most, bits);
+  }
+  EXPECT_LT(most, 2.0 * kBitrate);  // a second's own, and one in advance
 }
 
 TEST(H264EncoderTest, LetsGoOfThePicture) {

@@ -100,6 +100,15 @@ TEST_F(MediaLibraryTest, KeepsAGrainyLoopBesideThePlainOne) {
   EXPECT_EQ(made(), plain);
 }
 
+TEST_F(MediaLibraryTest, KeepsALoopOfSlicesBesideThePlainOne) {
+  const auto plain = made();
+  MediaLibrary library{LoopCache(folder_ + "/cache")};
+  const auto sliced = library.video({.width = 96, .height = 48, .rate = 1, .slices = 3});
+  ASSERT_EQ(sliced->waitFor(8), 8u);
+  EXPECT_NE(sliced->picture(0)->bytes, plain[0]);
+  EXPECT_EQ(made(), plain);
+}
+
 TEST_F(MediaLibraryTest, ShowsAFileInsteadOfTheScene) {
   const Bytes stream{0, 0, 0, 1, 0x65, 0x88, 0, 0, 0, 1, 0x41, 0x9A};
   MediaLibrary library{LoopCache("")};

@@ -42,6 +42,15 @@ TEST(SceneFilmTest, BeginsEachSecondWithAKeyPictureBehindItsParameterSets) {
   }
 }
 
+TEST(SceneFilmTest, CutsItsPicturesIntoTheAskedSlices) {
+  const auto pictures = filmed(2, {.width = 480, .height = 240, .rate = 4, .slices = 4});
+  auto types = typesIn(pictures[0]);
+  std::erase(types, 6);
+  EXPECT_THAT(types, ElementsAre(7, 8, 5, 5, 5, 5));
+  EXPECT_THAT(typesIn(pictures[1]), ElementsAre(1, 1, 1, 1));
+  for (const UnitPlace& unit : unitsIn(pictures[1].bytes)) EXPECT_EQ(unit.header - unit.begin, 4u);
+}
+
 TEST(SceneFilmTest, HasStartCodesOfFourBytesOnly) {
   for (const VideoPicture& picture : filmed(3)) {
     for (const UnitPlace& unit : unitsIn(picture.bytes)) EXPECT_EQ(unit.header - unit.begin, 4u);

@@ -32,6 +32,12 @@ TEST(PictureJoinerTest, PutsSlicesTogetherUnderTheFirstOnesTime) {
   EXPECT_FALSE(joiner.flush());
 }
 
+TEST(PictureJoinerTest, KnowsTheFirstSliceOfAPicture) {
+  EXPECT_TRUE(beginsPicture(kBegins));
+  EXPECT_FALSE(beginsPicture(kGoesOn));
+  EXPECT_FALSE(beginsPicture(std::vector<std::uint8_t>{0, 0, 0, 1, 0x65}));
+}
+
 TEST(PictureJoinerTest, LeavesOutWhatHasNoBeginningOrNoData) {
   PictureJoiner joiner;
   joiner.add(kGoesOn, true, 10);

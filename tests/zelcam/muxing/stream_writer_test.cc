@@ -76,6 +76,45 @@ TEST_F(StreamWriterTest, IsCompleteAtItsLength) {
   EXPECT_EQ(writer.written().audioFrames, 1u);
 }
 
+// The pictures' way is longer: by the time the first one is there, the sound beside it has long come.
+TEST_F(StreamWriterTest, SoundBeginsWithTheFirstPictureThoughItCameBefore) {
+  StreamWriter writer(rules());
+  sendHeaders(writer);
+  for (const int time : {979, 1000, 1021, 1043}) writer.onAudio(sound, time);
+  sendPicture(writer, 1000, true);
+  writer.onAudio(sound, 1064);
+  EXPECT_THAT(times(), ElementsAre(0, 0, 21'333, 42'666, 64'000));
+  EXPECT_EQ(packets[0].track, Track::video);
+  EXPECT_EQ(packets[1].track, Track::audio);
+  EXPECT_EQ(writer.written().audioFrames, 4u);
+  EXPECT_EQ(writer.written().droppedAudio, 1u);
+}
+
+TEST_F(StreamWriterTest, AnotherRunsSoundBeginsWithItsFirstPictureToo) {
+  StreamWriter writer(rules());
+  sendHeaders(writer);
+  sendPicture(writer, 1000, true);
+  sendPicture(writer, 1033, false);
+  writer.onAudio(sound, 1020);
+  writer.beginRun();
+  writer.onAudio(sound, 5);
+  writer.beginRun();  // and that one never got so far
+  packets.clear();
+  for (const int time : {2'000, 5'000, 5'021, 900'000'000}) writer.onAudio(sound, time);  // the last: of another clock
+  sendPicture(writer, 5'000, true);
+  EXPECT_THAT(times(), ElementsAre(66'000, 66'000, 87'333));
+  EXPECT_EQ(writer.written().droppedAudio, 3u);
+}
+
+TEST_F(StreamWriterTest, NoMoreSoundThanAFewSecondsWaitsForAPicture) {
+  StreamWriter writer(rules());
+  sendHeaders(writer);
+  for (int frame = 0; frame < 300; ++frame) writer.onAudio(sound, 1000 + frame);
+  EXPECT_EQ(writer.written().droppedAudio, 44u);  // 256 are kept
+  sendPicture(writer, 1044, true);
+  EXPECT_EQ(writer.written().audioFrames, 256u);
+}
+
 TEST_F(StreamWriterTest, SetsThatHaveChangedStandBeforeTheKeyPicture) {
   StreamWriter writer(rules());
   sendHeaders(writer);
