@@ -92,12 +92,14 @@ class Sample:
 
 # -- the build
 
-def build(sample, jobs):
+def build(sample, fingerprint, jobs):
     copy, folder, programs = FOLDER / "src", FOLDER / "build", tree.test_programs(ROOT)
     uncompilable = FOLDER / "uncompilable.json"
     known = set(json.loads(uncompilable.read_text())) if uncompilable.exists() else set()
     sample.leave_out([one for one in sample.waiting + sample.taken if one[1].identity() in known])
     tree.write_copy(ROOT, copy, sample.taken)
+    if tree.fingerprint(ROOT) != fingerprint:
+        raise ValueError("the project was changed while it was read; the same command begins again")
     tree.configure(copy, folder, ROOT / "build/cache")
     while (said := tree.compile_programs(folder, programs, jobs)) is not None:
         refused = tree.refused(said, sample.taken)
@@ -201,9 +203,7 @@ def main():
         for number, one in sample.taken:
             print(f"{number}: {one.told()}")
         return 0
-    programs = build(sample, arguments.jobs)
-    if tree.fingerprint(ROOT) != fingerprint:
-        raise ValueError("the project was changed while it was read and built; the same command begins again")
+    programs = build(sample, fingerprint, arguments.jobs)
     _, stale = equivalents.matching(entries, [one for _, one in sample.taken + sample.waiting])
     equal, _ = equivalents.matching(entries, [one for _, one in sample.taken])
     learn(programs, sample)

@@ -186,6 +186,13 @@ TEST_F(ZELPhotoDataParserTest, AnswersASeriesOfNoneAfterTheFirstPicture) {
   EXPECT_THAT(names, ElementsAre("A.JPG"));
 }
 
+TEST_F(ZELPhotoDataParserTest, TakesANegativeCountForNone) {
+  const auto parser = series(-1);
+  parser->parserData(payload("A.JPG", bytes({1})));
+  host.runUntilIdle();
+  EXPECT_THAT(names, ElementsAre("A.JPG"));
+}
+
 TEST_F(ZELPhotoDataParserTest, AnswersASeriesOfNoneWithTheErrorOfAShortPayload) {
   const auto parser = series(0);
   parser->parserData(payload("A.JPG", {}));

@@ -106,6 +106,20 @@ TEST_F(ZELUCDFileTest, MatchesAPathOfExactlySixtyFourBytes) {
   EXPECT_THAT(log, ElementsAre("a done"));
 }
 
+TEST_F(ZELUCDFileTest, ReadsAPathNoFurtherThanTheReply) {
+  send("ab", "short");
+  send("abc", "long");
+  const Bytes whole = reply(2, 0, text("abc"));
+  file.parserUCD(ByteView(whole).first(8));
+  EXPECT_THAT(log, ElementsAre("short done"));
+}
+
+TEST_F(ZELUCDFileTest, ReadsAPathNoFurtherThanItsField) {
+  send(std::string(64, 'p'), "a");
+  file.parserUCD(reply(2, 0, join(Bytes(64, 'p'), text("q"))));
+  EXPECT_THAT(log, ElementsAre("a done"));
+}
+
 TEST_F(ZELUCDFileTest, AnswersAMatchedPathAtOnceOnTheSessionThread) {
   send("a", "a");
   send("b", "b");

@@ -70,6 +70,28 @@ TEST_F(LiveMediaTest, KeepsTheNewestFiveOfSixPictures) {
   EXPECT_EQ(source->statistics().droppedBeforeStitching, 1u);
 }
 
+TEST_F(LiveMediaTest, ForgetsPicturesThatWaitToBeStitchedAtTheStop) {
+  runFrom(1000);
+  see(1, 1001);
+  source->stopLiveData();
+  host.runUntilIdle();
+  runFrom(2000);
+  letThreadsRun();
+  EXPECT_EQ(log->count("stitched"), 0u);
+  see(2, 2001);
+  letThreadsRun();
+  EXPECT_EQ(log->count("stitched 1 luma 3"), 1u);
+}
+
+TEST_F(LiveMediaTest, HandsOnParameterSetsWithoutBytesAsTheyAre) {
+  runFrom(1000);
+  encoders.beSilent();
+  see(1, 1042);
+  log->take();
+  encoders.emitParameterSets(hex("67"), hex(""));
+  EXPECT_THAT(log->take(), ElementsAre("video header 67 "));
+}
+
 TEST_F(LiveMediaTest, PutsAStartCodeInPlaceOfTheLength) {
   runFrom(1000);
   encoders.beSilent();

@@ -68,6 +68,16 @@ TEST_F(DecodeQueueTest, LetsEvenAKeyUnitGoBeforeTheMemoryFills) {
   EXPECT_EQ(queue.take()->timestamp(), 37u);
 }
 
+TEST_F(DecodeQueueTest, HoldsSixtyFourMebibytesAndNoByteMore) {
+  const Bytes half = join(prefixed({0x65}), repeated((32 << 20) - 5, 7));
+  for (int i = 0; i < 2; ++i) {
+    queue.append(std::make_shared<orq::MediaBuffer>(half.data(), static_cast<int>(half.size()), i));
+  }
+  EXPECT_EQ(queue.size(), 2u);
+  EXPECT_EQ(queue.append(std::make_shared<orq::MediaBuffer>(half.data(), 1, 2)), 1u);
+  EXPECT_EQ(queue.take()->timestamp(), 1u);
+}
+
 TEST(PictureQueueTest, KeepsTheLatestFive) {
   PictureQueue queue;
   const auto picture = platform::MemoryPixelBuffer::create(2, 2);

@@ -101,6 +101,19 @@ TEST_F(H264NaluParserTest, NeverSplitsAtAStartCodeOfThreeBytes) {
   EXPECT_EQ(pending(), join(chunk, bytes({5, 0, 0, 1, 0x41, 1, 1, 1, 1})));
 }
 
+// Held: 7 bytes, appended: 4. The start code at 6 is the last that is looked for; its first piece would begin at 7.
+TEST_F(H264NaluParserTest, FindsAStartCodeAcrossTheSeamWithOneByteBehindIt) {
+  append(unit({0x65, 1, 0}));
+  EXPECT_THAT(append(bytes({0, 0, 1, 0x41})), ElementsAre(Bytes()));
+  EXPECT_EQ(pending(), unit({0x41}));
+}
+
+TEST_F(H264NaluParserTest, LeavesAStartCodeAcrossTheSeamWithNothingBehindItInsideTheUnit) {
+  append(unit({0x65, 1, 0}));
+  EXPECT_THAT(append(bytes({0, 0, 1})), IsEmpty());
+  EXPECT_EQ(pending(), unit({0x65, 1, 0, 0, 0, 1}));
+}
+
 // Held: 12 bytes, appended: 10. The look-back is 13, the scan begins at 9 and finds the start code at 14, and so the
 // first piece is the one byte from 13 to 14.
 TEST_F(H264NaluParserTest, BeginsTheFirstPieceOfAContinuationAtTheLookBack) {

@@ -52,6 +52,12 @@ TEST_F(ZELH264DecoderTest, IgnoresUnitsBelowFourBytes) {
   EXPECT_EQ(decoders.units().size(), 1u);
 }
 
+TEST_F(ZELH264DecoderTest, DecodesUnitsOfFourBytes) {
+  EXPECT_TRUE(gives(kKey));
+  EXPECT_TRUE(gives(bytes({0, 0, 0, 0})));
+  EXPECT_EQ(decoders.units().size(), 2u);
+}
+
 TEST_F(ZELH264DecoderTest, ReadsNoHeaderOfAUnitThatHasNone) {
   EXPECT_FALSE(gives(bytes({0, 0, 0, 0})));
   EXPECT_TRUE(decoder->isWaitIFrame());
@@ -64,6 +70,24 @@ TEST_F(ZELH264DecoderTest, HandsBackThePictureAndItsTime) {
   EXPECT_EQ(picture.pixelBuffer->width(), 6);
   EXPECT_EQ(picture.pixelBuffer->height(), 4);
   EXPECT_EQ(picture.pixelBuffer->luma().data[0], 1);
+}
+
+// Remembers how many sessions there are whenever one is made.
+struct WatchedDecoders final : platform::VideoDecoders {
+  platform::DecoderCreation create(platform::VideoDecoder::Bytes sps, platform::VideoDecoder::Bytes pps) override {
+    liveBefore.push_back(scripted.live());
+    return scripted.create(sps, pps);
+  }
+  platform::ScriptedVideoDecoders scripted;
+  std::vector<std::size_t> liveBefore;
+};
+
+TEST(ZELH264DecoderSessionTest, GoesBeforeTheNextOneIsMade) {
+  WatchedDecoders decoders;
+  const auto decoder = ZELH264Decoder::initWidthSps(decoders, bytes({0x67, 1}), bytes({0x68, 2}));
+  decoders.scripted.script(DecodeStatus::sessionInvalid);
+  decoder->createPixelBufferUseDecodedData(kKey, 0);
+  EXPECT_EQ(decoders.liveBefore, (std::vector<std::size_t>{0, 0}));
 }
 
 TEST_F(ZELH264DecoderTest, RecreatesTheSessionWithTheThirtyFirstFailure) {

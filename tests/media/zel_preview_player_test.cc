@@ -195,6 +195,13 @@ TEST_F(ZELPreviewPlayerTest, MovesNoClockByItselfFromFirmware190On) {
   EXPECT_THAT(media->take(), ElementsAre("header: 17 144", "audio 500: 7 8", "header: 17 144", "audio 500: 7 8"));
 }
 
+TEST_F(ZELPreviewPlayerTest, HandsOnAFrameOfSoundThatIsAHeaderAndNothingElse) {
+  const Bytes empty = bytes({0xFF, 0xF1, 0x4C, 0x80, 0x00, 0xFF, 0xFC});
+  player->setNextAudioTimestamp(500);
+  audio(join(empty, kAudio));
+  EXPECT_THAT(media->take(), ElementsAre("header: 17 144", "audio 500:", "header: 17 144", "audio 500: 7 8"));
+}
+
 TEST_F(ZELPreviewPlayerTest, StopsTheAudioClockForANewDelegate) {
   firmware = 189;
   video({kSps, kPps, kIdr});

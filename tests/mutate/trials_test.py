@@ -14,11 +14,17 @@ SCRIPT = r"""#!/bin/bash
 if [ -n "$ZEL_MUTANTS_REACHED" ]; then
   for number in 2 4; do printf '\001' | dd of="$ZEL_MUTANTS_REACHED" bs=1 seek=$number conv=notrunc status=none; done
 fi
+if [ -n "$GTEST_OUTPUT" ]; then
+  echo '<testsuites><testsuite><testcase classname="A" name="b" time="0.3"/><testcase classname="A" name="c" time="0.1"/>
+        </testsuite></testsuites>' >"${GTEST_OUTPUT#xml:}"
+fi
 case $ZEL_MUTANT in
   2) echo "one is not two"; exit 1 ;;
   3) kill -SEGV $$ ;;
   4) exec sleep 1000 ;;
   5) while :; do :; done ;;
+  6) [ "$GTEST_FILTER" != A.b ] ;;
+  7) [ "$GTEST_FILTER" != -A.b ] ;;
 esac
 """
 
@@ -39,6 +45,14 @@ class TrialsTest(unittest.TestCase):
         program = self.program()
         self.assertIsNone(trials.learn(program, 6, {}))
         self.assertEqual(program.reached, {2, 4})
+
+    def test_runs_the_slow_tests_by_themselves(self):
+        program = self.program()
+        trials.learn(program, 6, {})
+        self.assertEqual(program.slow_tests, ["A.b"])
+        program.reached = {6, 7}
+        self.assertEqual(trials.verdict([program], 6, "media", {}), ("killed", "script"))
+        self.assertEqual(trials.verdict([program], 7, "media", {}), ("killed", "script"))
 
     def test_tells_what_a_plain_run_that_fails_has_said(self):
         self.assertEqual(trials.learn(self.program("#!/bin/sh\necho broken\nexit 3\n"), 6, {}), "broken\n")

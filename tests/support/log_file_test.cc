@@ -47,6 +47,15 @@ class LogFileTest : public testing::Test {
     return stream ? std::string(std::istreambuf_iterator<char>(stream), {}) : "no file";
   }
 
+  // Other writers have the temporary names with exactly those numbers.
+  void occupy(int first, int last) const {
+    for (int number = 0; number < 100; ++number) {
+      const std::string name = file("log.txt." + std::to_string(number) + ".part");
+      std::filesystem::remove(name);
+      if (number >= first && number <= last) std::ofstream(name) << "another's";
+    }
+  }
+
   std::ptrdiff_t filesThere() const {
     return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
   }
@@ -84,6 +93,23 @@ TEST_F(LogFileTest, TakesTheNextTemporaryNameWhereAnotherWriterHasTheFirst) {
   append("mine");
   EXPECT_EQ(contentOf(file()), "mine");
   EXPECT_EQ(contentOf(file("log.txt.0.part")), "another's");
+}
+
+TEST_F(LogFileTest, TakesAnyOfAHundredTemporaryNames) {
+  occupy(1, 99);
+  append("mine");
+  EXPECT_EQ(contentOf(file()), "mine");
+  occupy(0, 98);
+  std::filesystem::remove(file());
+  append("mine again");
+  EXPECT_EQ(contentOf(file()), "mine again");
+}
+
+TEST_F(LogFileTest, LosesTheBytesInSilenceWhereAHundredTemporaryNamesAreTaken) {
+  occupy(0, 99);
+  append("lost");
+  EXPECT_EQ(contentOf(file()), "no file");
+  EXPECT_EQ(filesThere(), 100);
 }
 
 TEST_F(LogFileTest, ReplacesWhatCannotBeOpened) {

@@ -142,6 +142,18 @@ TEST(ZELMediaOffsetTest, TakesTheNearestValueThatFits) {
   EXPECT_EQ(offset.lenses[0].p, (std::array<S32, 6>{kMost, kLeast, kMost, kLeast, 0, 2147483520}));
 }
 
+// The nearest single-precision number to 2147483750 is 2147483648, the first that does not fit.
+TEST(ZELMediaOffsetTest, TakesTheNearestValueForTheFirstThatDoesNotFit) {
+  const ZELMediaOffset offset = getMediaOffsetFromOffset("1_2147483.75_-2147483.75_0_0_0_0_0_0_0");
+  EXPECT_EQ(offset.lenses[0].p[0], std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(offset.lenses[0].p[1], std::numeric_limits<std::int32_t>::min());
+}
+
+TEST(ZELMediaOffsetTest, ReadsNothingBehindTheEndOfTheText) {
+  EXPECT_EQ(getMediaOffsetFromOffset(std::string_view("0_5_6_79").substr(0, 7)).valueC, 7u);
+  EXPECT_EQ(getMediaOffsetFromOffset(std::string_view("1_1_2_3_4_5_69").substr(0, 13)).lenses[0].p[5], 6000);
+}
+
 TEST(ZELMediaOffsetTest, KeepsTheLowBitsOfAHeaderValueThatIsTooLarge) {
   const ZELMediaOffset offset = getMediaOffsetFromOffset("0_65537_-1_4294967297");
   EXPECT_EQ(offset.valueA, 1);

@@ -30,6 +30,16 @@ TEST(ReceiveBufferTest, KeepsOrderAcrossConsuming) {
   EXPECT_THAT(buffer.view(), ElementsAre(4, 5, 6));
 }
 
+TEST(ReceiveBufferTest, MovesARestOfAKibibyteToTheFrontAndNoLongerOne) {
+  ReceiveBuffer buffer;
+  buffer.append(repeated(5000, 1));
+  const std::uint8_t* const front = buffer.view().data();
+  buffer.consume(3975, 0);
+  EXPECT_EQ(buffer.view().data(), front + 3975);
+  buffer.consume(1, 0);
+  EXPECT_EQ(buffer.view().data(), front);
+}
+
 TEST(ReceiveBufferTest, KeepsOrderWhenItRunsFullBehindAConsumedFrame) {
   ReceiveBuffer buffer;
   buffer.append(repeated(65536, 1));
