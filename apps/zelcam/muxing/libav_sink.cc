@@ -11,6 +11,7 @@
 
 #include "apps/zelcam/muxing/segments.h"
 #include "apps/zelcam/muxing/stream_setup.h"
+#include "apps/zelcam/muxing/temporary_file.h"
 
 namespace zel::app {
 namespace {
@@ -62,7 +63,13 @@ bool isNoFile(const std::string& path) {
 LibavSink::LibavSink(OutputAddress address, double secondsToWait)
     : address_(std::move(address)), secondsToWait_(secondsToWait) {}
 
-LibavSink::~LibavSink() { deadline_.endWithin(1); }
+// The HLS muxer lets go of its memory nowhere but in its trailer.
+LibavSink::~LibavSink() {
+  deadline_.endWithin(1);
+  if (!hlsFiles_ || !muxer_ || !isConnected_) return;
+  hlsFiles_->giveUp();
+  av_write_trailer(muxer_.get());
+}
 
 int LibavSink::isOver(void* sink) { return static_cast<LibavSink*>(sink)->deadline_.isOver() ? 1 : 0; }
 
@@ -76,6 +83,10 @@ Fault LibavSink::open(const StreamHeaders& headers) {
   muxer->max_interleave_delta = kMostAhead;
   muxer->flush_packets = 1;
   muxer->strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;  // for the boxes of spherical video
+  if (address_.kind == OutputKind::hls) {
+    hlsFiles_ = std::make_unique<HlsFiles>();
+    hlsFiles_->attachTo(*muxer);
+  }
   if (!addStreams(*muxer, headers)) return fmt::format("{}: the camera's sound is of an unknown kind", address_.name());
   if (Fault fault = openTarget()) return fault;
   Options options;
@@ -91,11 +102,13 @@ Fault LibavSink::openTarget() {
   if (address_.isFile() && isNoFile(address_.target)) {
     return fmt::format("cannot write {}: it is no plain file", address_.name());
   }
+  if (address_.isFile()) removeLeftovers(std::filesystem::absolute(address_.target).parent_path().string());
   if ((muxer_->oformat->flags & AVFMT_NOFILE) != 0) return folderFault();
   Options options;
   // Otherwise the last pictures go with the connection, before the server has confirmed them.
   if (address_.kind == OutputKind::srt) options.set("linger", kLinger);
-  const int error = avio_open2(&muxer_->pb, muxer_->url, AVIO_FLAG_WRITE, &muxer_->interrupt_callback, options.get());
+  int error = avio_open2(&muxer_->pb, muxer_->url, AVIO_FLAG_WRITE, &muxer_->interrupt_callback, options.get());
+  if (error >= 0 && address_.kind == OutputKind::mp4) error = AVERROR(disk_.open(muxer_->url));
   return error < 0 ? faultFor(error) : std::nullopt;
 }
 
@@ -140,16 +153,53 @@ Fault LibavSink::write(const MediaPacket& packet) {
   std::int64_t& last = last_[made->stream_index];
   if (made->dts <= last) made->pts = made->dts = last + 1;
   last = made->dts;
-  const int error = av_interleaved_write_frame(muxer_.get(), made.get());
-  return error < 0 ? faultFor(error) : std::nullopt;
+  ++handed_[made->stream_index];
+  return settled(av_interleaved_write_frame(muxer_.get(), made.get()));
+}
+
+// What stands behind a packet that is left out is written at once, since only then the counts tell what it was.
+Fault LibavSink::settled(int error) {
+  const bool leavesOut = isRefusal(error);
+  while (isRefusal(error)) error = av_interleaved_write_frame(muxer_.get(), nullptr);
+  if (leavesOut) countLeftOut();
+  if (hlsFiles_ && hlsFiles_->error() < 0) error = hlsFiles_->error();
+  if (error < 0) return faultFor(error);
+  return address_.kind == OutputKind::mp4 ? syncFragment() : std::nullopt;
+}
+
+// The muxer itself makes nothing of a packet; all that it wrote before went well.
+bool LibavSink::isRefusal(int error) const {
+  const bool isWritten = (muxer_->pb == nullptr || muxer_->pb->error >= 0) && (!hlsFiles_ || hlsFiles_->error() == 0);
+  return error < 0 && error != AVERROR(ENOMEM) && error != AVERROR_EXIT && isWritten;
+}
+
+void LibavSink::countLeftOut() {
+  const auto missing = [this](int stream) {
+    return handed_[stream] - static_cast<std::uint64_t>(muxer_->streams[stream]->nb_frames);
+  };
+  leftOut_ = {missing(kVideoStream), missing(kAudioStream)};
+}
+
+// Nothing is written between two fragments.
+Fault LibavSink::syncFragment() {
+  const std::int64_t written = avio_tell(muxer_->pb);
+  if (written == synced_) return std::nullopt;
+  synced_ = written;
+  const int fault = disk_.sync();
+  return fault == 0 ? std::nullopt : Fault(faultFor(AVERROR(fault)));
 }
 
 Fault LibavSink::finish() {
   if (address_.isServer()) deadline_.allow(secondsToWait_);
+  if (Fault fault = settled(av_interleaved_write_frame(muxer_.get(), nullptr))) return fault;
+  const bool isEmpty = handed_[kVideoStream] > 0 && muxer_->streams[kVideoStream]->nb_frames == 0;
   int error = av_write_trailer(muxer_.get());
   if (error >= 0 && (muxer_->oformat->flags & AVFMT_NOFILE) == 0) error = avio_closep(&muxer_->pb);
+  if (error >= 0 && hlsFiles_) error = hlsFiles_->error();
   muxer_.reset();
-  return error < 0 ? faultFor(error) : std::nullopt;
+  if (error >= 0) error = AVERROR(disk_.sync());
+  if (error < 0) return faultFor(error);
+  return isEmpty ? Fault(fmt::format("cannot write {}: no picture fits its format", address_.name())) : std::nullopt;
 }
 
 Fault LibavSink::faultFor(int error) const {

@@ -19,6 +19,7 @@ class Mp4Sink final : public Sink {
   Fault open(const StreamHeaders& headers) override;
   Fault write(const MediaPacket& packet) override;
   Fault finish() override;
+  LeftOut leftOut() const override { return fragments_.leftOut(); }
 
  private:
   Fault writeHeld(std::int64_t length);

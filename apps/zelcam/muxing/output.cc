@@ -98,6 +98,7 @@ Fault Output::connect() {
     if (finishing_ && rules_.secondsToFinish) sink->endWithin(0);
     sink_ = sink;
   }
+  leftOut_ = {};
   if (Fault fault = sink->open(*headers_)) return fault;
   connectedAt_ = Clock::now();
   wasConnected_ = true;
@@ -113,8 +114,11 @@ Fault Output::writeAll() {
   while (const auto packet = nextPacket()) {
     if (Fault fault = sink_->write(*packet)) return fault;
     count(*packet);
+    countLeftOut();
   }
-  return sink_->finish();
+  Fault fault = sink_->finish();
+  countLeftOut();
+  return fault;
 }
 
 std::optional<MediaPacket> Output::nextPacket() {
@@ -128,6 +132,17 @@ void Output::count(const MediaPacket& packet) {
   ++(packet.track == Track::video ? report_.pictures : report_.audioFrames);
   report_.bytes += packet.data.size();
   if (packet.arrival) report_.latency.add(1000 * secondsSince(*packet.arrival));
+}
+
+// A sink may leave out a packet later than it took it.
+void Output::countLeftOut() {
+  const LeftOut now = sink_->leftOut();
+  const std::uint64_t pictures = now.pictures - leftOut_.pictures, audioFrames = now.audioFrames - leftOut_.audioFrames;
+  leftOut_ = now;
+  const Lock lock(mutex_);
+  report_.pictures -= pictures;
+  report_.audioFrames -= audioFrames;
+  report_.dropped += pictures + audioFrames;
 }
 
 bool Output::waitBeforeRetry(const std::string& fault) {

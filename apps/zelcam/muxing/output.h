@@ -69,6 +69,7 @@ class Output {
   Fault writeAll();
   std::optional<MediaPacket> nextPacket();
   void count(const MediaPacket& packet);
+  void countLeftOut();
   bool waitBeforeRetry(const std::string& fault);
   std::optional<double> nextWait();
   void fail(const std::string& fault);
@@ -79,6 +80,7 @@ class Output {
   std::chrono::steady_clock::time_point connectedAt_{};  // likewise
   bool wasConnected_ = false;                            // likewise
   bool wasEverConnected_ = false;                        // likewise
+  LeftOut leftOut_;                                      // likewise; by this sink, as far as the report knows
 
   mutable std::mutex mutex_;  // guards the rest
   std::condition_variable changed_;

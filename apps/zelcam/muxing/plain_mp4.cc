@@ -1,6 +1,5 @@
 #include "apps/zelcam/muxing/plain_mp4.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,50 +15,14 @@
 #include "apps/zelcam/muxing/libav.h"
 #include "apps/zelcam/muxing/mp4_boxes.h"
 #include "apps/zelcam/muxing/stream_setup.h"
+#include "apps/zelcam/muxing/temporary_file.h"
 
 namespace zel::app {
 namespace {
 
 constexpr std::size_t kLargestMoov = std::size_t{512} << 20;
 constexpr std::size_t kPiece = std::size_t{1} << 20;
-
-// A file beside another one, removed again unless it was given a name.
-class FileBeside {
- public:
-  explicit FileBeside(const std::string& path)
-      : path_((std::filesystem::absolute(path).parent_path() / ".zelcam-XXXXXX").string()),
-        file_(::mkstemp(path_.data())) {}
-  ~FileBeside() {
-    if (file_ < 0) return;
-    ::close(file_);
-    ::unlink(path_.c_str());
-  }
-  FileBeside(const FileBeside&) = delete;
-  FileBeside& operator=(const FileBeside&) = delete;
-
-  int descriptor() const { return file_; }
-  const std::string& path() const { return path_; }
-
-  bool replace(const std::string& path) {
-    struct stat old {};
-    if (::stat(path.c_str(), &old) != 0 || ::fchmod(file_, old.st_mode & 07777) != 0) return false;
-    return ::fsync(file_) == 0 && ::rename(path_.c_str(), path.c_str()) == 0;
-  }
-
- private:
-  std::string path_;
-  const int file_;
-};
-
-bool writeAll(int file, std::span<const std::uint8_t> bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    bytes = bytes.subspan(static_cast<std::size_t>(count));
-  }
-  return true;
-}
+constexpr mode_t kOwnerOnly = 0600;
 
 bool readAt(int file, std::uint64_t from, std::span<std::uint8_t> into) {
   while (!into.empty()) {
@@ -72,12 +35,12 @@ bool readAt(int file, std::uint64_t from, std::span<std::uint8_t> into) {
   return true;
 }
 
-bool copyRange(int from, std::uint64_t begin, std::uint64_t end, int to) {
+bool copyRange(int from, std::uint64_t begin, std::uint64_t end, const TemporaryFile& to) {
   std::vector<std::uint8_t> piece(kPiece);
   while (begin < end) {
     const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, end - begin));
     const std::span<std::uint8_t> part(piece.data(), size);
-    if (!readAt(from, begin, part) || !writeAll(to, part)) return false;
+    if (!readAt(from, begin, part) || !to.write(part)) return false;
     begin += size;
   }
   return true;
@@ -117,7 +80,7 @@ const FileBox* find(const std::vector<FileBox>& boxes, std::uint32_t type) {
 }
 
 // The description in front of what lies before it.
-bool arrange(int from, int to, bool spherical) {
+bool arrange(int from, const TemporaryFile& to, bool spherical) {
   const std::vector<FileBox> boxes = boxesOf(from);
   const FileBox* const type = find(boxes, boxType("ftyp"));
   const FileBox* const description = find(boxes, boxType("moov"));
@@ -127,7 +90,7 @@ bool arrange(int from, int to, bool spherical) {
   if (!readAt(from, description->begin, moov)) return false;
   if (spherical && !addSphericalBox(moov)) return false;
   if (!moveChunks(moov, moov.size())) return false;
-  return copyRange(from, 0, type->end, to) && writeAll(to, moov) && copyRange(from, type->end, description->begin, to);
+  return copyRange(from, 0, type->end, to) && to.write(moov) && copyRange(from, type->end, description->begin, to);
 }
 
 bool addStreamsLike(const AVFormatContext& from, AVFormatContext& to, bool spherical) {
@@ -182,15 +145,22 @@ int remux(const std::string& from, const std::string& to, bool spherical) {
   return avio_closep(&muxer->pb);
 }
 
+// Whoever may read the file that grew may read this one.
+bool takePlaceOf(const std::string& path, TemporaryFile& file) {
+  struct stat old {};
+  return ::stat(path.c_str(), &old) == 0 && ::fchmod(file.descriptor(), old.st_mode & 07777) == 0 && file.replace(path);
+}
+
 }  // namespace
 
 Fault makePlainMp4(const std::string& path, bool spherical) {
-  FileBeside remuxed(path), arranged(path);
+  const std::string folder = std::filesystem::absolute(path).parent_path().string();
+  TemporaryFile remuxed(folder, kOwnerOnly), arranged(folder, kOwnerOnly);
   const std::string stays = fmt::format("{} stays in fragments: ", path);
-  if (remuxed.descriptor() < 0 || arranged.descriptor() < 0) return stays + std::strerror(errno);
+  if (!remuxed.isThere() || !arranged.isThere()) return stays + std::strerror(errno);
   if (const int error = remux(path, remuxed.path(), spherical); error < 0) return stays + wordsFor(error);
   errno = 0;
-  if (arrange(remuxed.descriptor(), arranged.descriptor(), spherical) && arranged.replace(path)) return std::nullopt;
+  if (arrange(remuxed.descriptor(), arranged, spherical) && takePlaceOf(path, arranged)) return std::nullopt;
   return stays + (errno != 0 ? std::strerror(errno) : "it cannot be described anew");
 }
 

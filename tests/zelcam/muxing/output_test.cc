@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <deque>
 #include <semaphore>
 #include <utility>
@@ -26,6 +27,7 @@ struct Script {
   Mutex mutex;
   std::vector<std::int64_t> written ZEL_GUARDED_BY(mutex);
   int finished ZEL_GUARDED_BY(mutex) = 0;
+  std::vector<LeftOut> leftOut;  // by each sink after its first packet, its second and so on; the last one stays
   std::vector<double> ends ZEL_GUARDED_BY(mutex);
 };
 
@@ -37,6 +39,7 @@ class ScriptedSink final : public Sink {
   Fault write(const MediaPacket& packet) override {
     if (attempt_.failsAfter && count_++ == *attempt_.failsAfter) return "it broke";
     if (script_.slow) script_.mayWrite.acquire();
+    ++taken_;
     const MutexLock lock(script_.mutex);
     script_.written.push_back(packet.time);
     return std::nullopt;
@@ -46,6 +49,10 @@ class ScriptedSink final : public Sink {
     ++script_.finished;
     return std::nullopt;
   }
+  LeftOut leftOut() const override {
+    if (script_.leftOut.empty() || taken_ == 0) return {};
+    return script_.leftOut[std::min(taken_, script_.leftOut.size()) - 1];
+  }
   void endWithin(double seconds) override {
     const MutexLock lock(script_.mutex);
     script_.ends.push_back(seconds);
@@ -54,7 +61,7 @@ class ScriptedSink final : public Sink {
  private:
   Script& script_;
   const Script::Attempt attempt_;
-  std::size_t count_ = 0;
+  std::size_t count_ = 0, taken_ = 0;
 };
 
 class OutputTest : public testing::Test {
@@ -133,6 +140,18 @@ TEST_F(OutputTest, WritesWhatCameAndFinishes) {
   EXPECT_EQ(report.dropped, 0u);
   EXPECT_TRUE(report.latency.quantile(0.5));
   EXPECT_FALSE(report.fault);
+}
+
+TEST_F(OutputTest, WhatASinkLeavesOutCountsAsDropped) {
+  script.leftOut = {{.pictures = 0}, {.pictures = 0}, {.pictures = 1}};  // the first, seen when it had the third
+  Output output(rules());
+  output.begin({});
+  for (int i = 0; i < 4; ++i) output.put(picture(i, true));
+  output.finish();
+  output.join();
+  EXPECT_EQ(output.report().pictures, 3u);
+  EXPECT_EQ(output.report().dropped, 1u);
+  EXPECT_FALSE(output.report().fault);
 }
 
 TEST_F(OutputTest, PacketsMayComeBeforeTheHeadersAreThere) {
