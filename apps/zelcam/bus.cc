@@ -11,7 +11,7 @@ Bus::Bus(const Settings& settings, int decoderThreads) {
   std::string error;
   platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories, .warn = say}, error);
   if (!platform_) {
-    say("zelcam: " + error);
+    sayFailure(error);
     return;
   }
   if (settings.verbose) {

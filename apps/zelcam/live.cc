@@ -170,26 +170,32 @@ class Live {
         return options_.duration || writer_.written().pictures == 0 ? kInterrupted : kDone;
       case RunEnd::lost:
         lost_ = true;
-        if (!options_.reconnect) tell("the camera was lost");
+        if (!options_.reconnect) sayFailure("live: the camera was lost", zelOSStatusError(kZELErrorNotConnected));
         return kNoCamera;
       case RunEnd::noPicture:
-        tell(fmt::format("no picture came within {} s", settings_.timeout));
+        sayFailure(fmt::format("live: no picture came within {} s", settings_.timeout));
         return kNoCamera;
       case RunEnd::failed:
-        tell(failure.value_or(writer_.written().fault.value_or("failed")));
+        sayFailure("live: " + failure.value_or(writer_.written().fault.value_or("failed")));
         return kRefused;
       case RunEnd::outputsFailed:
-        tell("no output is left");
+        rememberFaultOfOutputs();
+        sayFailure("live: no output is left");
         return kRefused;
     }
     return kRefused;
   }
 
-  int statusWithOutputs(int status) const {
+  // They have been told when they came. Returns whether there is one.
+  bool rememberFaultOfOutputs() const {
     const auto reports = outputs_.reports();
-    const bool failed = std::ranges::any_of(reports, [](const auto& report) { return report.fault.has_value(); });
-    return status == kDone && failed ? kRefused : status;
+    const auto failed = std::ranges::find_if(reports, [](const auto& report) { return report.fault.has_value(); });
+    if (failed == reports.end()) return false;
+    rememberFailure("live: " + *failed->fault);
+    return true;
   }
+
+  int statusWithOutputs(int status) const { return status == kDone && rememberFaultOfOutputs() ? kRefused : status; }
 
   LiveFigures figures(const FeedFigures& feed) const {
     LiveFigures all{feed, writer_.written(), outputs_.reports()};
@@ -202,9 +208,8 @@ class Live {
   // Standard output may be one of the outputs.
   void summarise() const {
     const LiveFigures all = figures(figures_);
-    if (settings_.json && options_.usesStandardOutput()) return say(jsonOf(all).dump());
     if (settings_.json) return printJson(jsonOf(all));
-    for (const std::string& line : linesOf(all)) options_.usesStandardOutput() ? say(line) : printLine(line);
+    for (const std::string& line : linesOf(all)) printLine(line);
   }
 
   void report(const LiveFeed& feed) {
@@ -239,6 +244,7 @@ int runLive(const Invocation& invocation) {
   std::string complaint;
   const auto options = liveOptionsIn(invocation.values, complaint);
   if (!options) return complain(kWrongUsage, "live", complaint);
+  if (options->usesStandardOutput()) leaveStandardOutput();
   av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in our own words
   turnSuspensionIntoEvents();
   Bus bus(invocation.settings, options->decoderThreads);

@@ -1,6 +1,7 @@
 #include "apps/zelcam/monitor.h"
 
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
@@ -11,6 +12,7 @@
 #include <utility>
 
 #include "apps/zelcam/bus.h"
+#include "apps/zelcam/camera_choice.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/diagnostics.h"
 #include "apps/zelcam/interrupt.h"
@@ -69,6 +71,7 @@ class Monitor {
     stack_.accessory().openCamera();
     const auto tick = platform_.ports().threads.currentRunLoop().scheduleRepeating(1.0, [this] { secondPassed(); });
     if (!waitForFrames()) return noFrames();
+    if (const auto info = stack_.accessory().accessoryInfo()) sayUsedCamera(platform_, settings_, info->serialNumber());
     if (seconds_) {
       platform_.runMainQueueFor(*seconds_);
     } else if (!wasInterrupted()) {
@@ -158,7 +161,8 @@ class Monitor {
       addLink(object, now);
       return printJson(object);
     }
-    printLine(fmt::format("\nin {:.1f} s:", elapsed()));
+    printLine("");
+    printLine(fmt::format("in {:.1f} s:", elapsed()));
     for (const auto& [type, name] : kTypes) {
       if (now.frames[index(type)] == 0) continue;
       printLine(

@@ -134,7 +134,8 @@ class Shot {
     nlohmann::ordered_json object = {{"photo", path}, {"name", name}, {"bytes", picture.size()}};
     if (step) object["step"] = *step;
     object["fileTime"] = time.value_or(0);
-    object["FileSize"] = size.value_or(0);
+    object["fileSize"] = size.value_or(0);
+    object["FileSize"] = size.value_or(0);  // the interface's spelling of the same
     object["fileName"] = storedName ? nlohmann::ordered_json(*storedName) : nlohmann::ordered_json();
     printJson(object);
   }

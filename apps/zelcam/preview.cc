@@ -133,7 +133,7 @@ class Preview {
       if (end == Waited::interrupted) return some && !wanted() ? kDone : kInterrupted;
       if (end == Waited::lost) return tellEnd("preview", end, std::nullopt, invocation_.settings);
       if (counter_->decoded().rate.pictures() != before) continue;
-      say(fmt::format("zelcam: preview: no picture came within {} s", invocation_.settings.timeout));
+      sayFailure(fmt::format("preview: no picture came within {} s", invocation_.settings.timeout));
       return kNoCamera;
     }
   }
