@@ -235,6 +235,18 @@ TEST_F(CaptureTest, AnAnswerToAPathThatNobodySentIsTheUploadsAnswer) {
   EXPECT_THAT(errors, HasSubstr("upload: the camera refused"));
 }
 
+TEST_F(CaptureTest, AFileThatNoFrameCarriesIsRefusedWithItsSize) {
+  const std::string file = newFile("large", "");
+  fs::resize_file(file, 5'000'000'000);  // with nothing in it, and so on no disk
+  const auto host = zelcam({"upload", file});
+  EXPECT_EQ(host->wait(), 2);
+  EXPECT_EQ(host->errors(), "zelcam: upload: " + file +
+                                " has 5000000000 bytes; one frame to the camera carries 4294967221 of them at most\n");
+  const auto photo = zelcam({"photo", "--extra", file});
+  EXPECT_EQ(photo->wait(), 2);
+  EXPECT_THAT(photo->errors(), HasSubstr("has 5000000000 bytes"));
+}
+
 TEST_F(CaptureTest, AFileThatIsNotThereIsWrongUsage) {
   const auto host = zelcam({"upload", "/nowhere/file"});
   EXPECT_EQ(host->wait(), 2);
