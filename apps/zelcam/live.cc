@@ -21,6 +21,7 @@ extern "C" {
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/live_duration.h"
 #include "apps/zelcam/live_options.h"
 #include "apps/zelcam/muxing/outputs.h"
 #include "apps/zelcam/output.h"
@@ -61,6 +62,7 @@ class Live {
       : bus_(bus),
         settings_(settings),
         options_(options),
+        duration_(options.duration),
         outputs_(options.outputs, [this](const std::string& line) { tell(line); }),
         writer_(writerRules()) {}
 
@@ -98,8 +100,8 @@ class Live {
     lost_ = false;
     Settings again = settings_;
     again.camera = serial_;
-    again.timeout = *options_.reconnect;
-    tell(fmt::format("the camera was lost; waiting up to {} s for {}", *options_.reconnect, serial_));
+    again.timeout = std::min(*options_.reconnect, duration_.left().value_or(*options_.reconnect));
+    tell(fmt::format("the camera was lost; waiting up to {:.6g} s for {}", again.timeout, serial_));
     return stream(again);
   }
 
@@ -114,6 +116,7 @@ class Live {
     writer_.beginRun();
     feed->start();
     const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [&] {
+      duration_.note(Clock::now(), writer_.written().newestVideo);
       report(*feed);
       link.wake();
     });
@@ -134,7 +137,7 @@ class Live {
   RunEnd waitForEnd(CameraLink& link, const LiveFeed& feed) {
     const auto isOver = [&] {
       const WrittenStream written = writer_.written();
-      return written.complete || written.fault || feed.failure() || outputs_.haveAllFailed();
+      return written.complete || duration_.isOver() || written.fault || feed.failure() || outputs_.haveAllFailed();
     };
     while (true) {
       const std::uint64_t before = writer_.written().pictures;
@@ -143,7 +146,7 @@ class Live {
       if (end == Waited::lost) return RunEnd::lost;
       if (end == Waited::timeOut && (inBackground_ || writer_.written().pictures != before)) continue;
       if (end == Waited::timeOut) return RunEnd::noPicture;
-      if (writer_.written().complete) return RunEnd::complete;
+      if (writer_.written().complete || duration_.isOver()) return RunEnd::complete;
       if (outputs_.haveAllFailed()) return RunEnd::outputsFailed;
       return feed.failure() && link.isLost() ? RunEnd::lost : RunEnd::failed;
     }
@@ -165,6 +168,7 @@ class Live {
   int statusOf(RunEnd end, const std::optional<std::string>& failure) {
     switch (end) {
       case RunEnd::complete:
+        tellWhereItStood();
         return kDone;
       case RunEnd::interrupted:
         return options_.duration || writer_.written().pictures == 0 ? kInterrupted : kDone;
@@ -184,6 +188,11 @@ class Live {
         return kRefused;
     }
     return kRefused;
+  }
+
+  void tellWhereItStood() const {
+    if (duration_.stoodStill() == 0) return;
+    tell(fmt::format("the stream stood still for {:.1f} s, which count", duration_.stoodStill()));
   }
 
   // They have been told when they came. Returns whether there is one.
@@ -232,6 +241,7 @@ class Live {
   Clock::time_point start_ = Clock::now();
   std::string serial_;
   bool wasThere_ = false, lost_ = false, inBackground_ = false, showsProgress_ = false;
+  LiveDuration duration_;
   FeedFigures figures_;  // of the connections that have ended
   Outputs outputs_;
   StreamWriter writer_;
