@@ -244,6 +244,10 @@ void measureDelay(int rounds) {
 
 int main(int argc, char** argv) {
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  zel::bench::answerHelp(
+      argc, argv,
+      "usage: decoder_bench [ROUNDS]\n\nHow fast pictures are decoded, and how late, beside libavcodec alone, in "
+      "that many rounds (9).");
   const int rounds = zel::bench::roundsIn(argc, argv, 9);
   if (rounds < 1) return std::fputs("usage: decoder_bench [ROUNDS]\n", stderr), 2;
   zel::bench::measureRate(1, rounds);

@@ -334,6 +334,10 @@ int run(int rounds) {
 int main(int argc, char** argv) {
   av_log_set_level(AV_LOG_QUIET);
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  zel::bench::answerHelp(
+      argc, argv,
+      "usage: live_bench [ROUNDS]\n\nWhat a live stream costs, and how late it is, beside its stages alone, in "
+      "that many rounds (3).");
   const int rounds = zel::bench::roundsIn(argc, argv, 3);
   if (rounds < 1) return std::fputs("usage: live_bench [ROUNDS]\n", stderr), 2;
   return zel::bench::run(rounds);

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zel::bench {
@@ -13,6 +14,16 @@ inline double median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::ranges::nth_element(values, middle);
   return *middle;
+}
+
+// Where the command line asks for help: prints what the program does and takes, and ends it.
+inline void answerHelp(int argc, char** argv, const char* usage) {
+  const auto asks = [](const char* argument) {
+    return std::string_view(argument) == "--help" || std::string_view(argument) == "-h";
+  };
+  if (std::none_of(argv + 1, argv + argc, asks)) return;
+  std::puts(usage);
+  std::exit(0);
 }
 
 // How many rounds the command line asks for; `./run bench` hands the options of Google Benchmark to every program, and

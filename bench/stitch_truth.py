@@ -57,6 +57,9 @@ def compare(zelcam, folder, circles, truth):
 
 
 def main():
+    if {"-h", "--help"} & set(sys.argv[1:]):
+        print(__doc__)
+        return
     if len(sys.argv) not in (2, 3):
         sys.exit(__doc__)
     media = Path(os.environ.get("ZEL_TEST_MEDIA", Path(__file__).resolve().parents[2] / "shared/data"))

@@ -1,5 +1,7 @@
 #include "capture/zel_ucd_file.h"
 
+#include <ZELTarkaSDK/WireConstants.h>
+
 #include <algorithm>
 #include <limits>
 #include <string_view>
@@ -18,6 +20,7 @@ namespace {
 //   +--------+-------+-----------+----------+---------+-----------
 constexpr std::size_t kPathField = 64;
 constexpr std::size_t kFileHeader = zel::kFrameHeader + 2 + 2 + kPathField;  // file type, reserved, path
+static_assert(kLargestFile + kFileHeader == std::numeric_limits<std::uint32_t>::max());
 
 // The camera's answer:
 //
@@ -60,7 +63,7 @@ std::string repliedPath(zel::ByteView reply) {
 
 void ZELUCDFile::sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath,
                                   const ZELData& fileData, zel::RebackBlock<> rebackBlock) {
-  if (fileData.size() > std::numeric_limits<std::uint32_t>::max() - kFileHeader) {
+  if (fileData.size() > kLargestFile) {
     if (rebackBlock) post(rebackBlock, zelOSStatusError(kZELErrorRefused));
     return;
   }

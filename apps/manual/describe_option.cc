@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
+#include <string>
 #include <utility>
 
 #include "apps/manual/bash_completion.h"
@@ -14,8 +14,11 @@ namespace zel::manual {
 void addDescribeOption(CLI::App& app, Words words) {
   const auto describe = [&app, words = std::move(words)](const std::string& form) {
     const ProgramText text = describeProgram(app, words);
-    std::cout << (form == "man" ? manualPage(text) : form == "bash" ? bashCompletion(text) : zshCompletion(text));
-    throw CLI::Success();
+    std::string description = form == "man"    ? manualPage(text)
+                              : form == "bash" ? bashCompletion(text)
+                                               : zshCompletion(text);
+    if (description.ends_with('\n')) description.pop_back();  // the program ends what it prints so
+    throw CLI::CallForVersion(std::move(description), 0);     // prints nothing but its words, and ends well
   };
   app.add_option_function<std::string>("--describe", describe,
                                        "print the manual page, or that shell's completion, and end")

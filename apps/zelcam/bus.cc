@@ -18,7 +18,7 @@ Bus::Bus(const Settings& settings, int decoderThreads) {
                                      .keepCameras = true},
                                     error);
   if (!platform_) {
-    say("zelcam: " + error);
+    sayFailure(error);
     return;
   }
   if (settings.verbose) {

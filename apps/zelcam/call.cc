@@ -109,8 +109,11 @@ int runCall(const Invocation& invocation) {
     ready(link.stack(), keepIn(answer, link.platform()));
     link.sayAsked();
     const Waited end = waitForEnd(link, operation->doneWhen, *answer, settings.timeout);
+    const int status = tellEnd(operation->name, end, answer->error, settings);
+    // In front of the result, whose error has the form that it always had.
+    if (status != kDone && settings.json) printFailure(status);
     if (end == Waited::done) show(*operation, *answer, settings);
-    return tellEnd(operation->name, end, answer->error, settings);
+    return status;
   });
 }
 

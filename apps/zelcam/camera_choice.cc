@@ -1,11 +1,23 @@
 #include "apps/zelcam/camera_choice.h"
 
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+
 #include <fmt/format.h>
+
+#include <algorithm>
 
 #include "apps/zelcam/output.h"
 #include "platform/ports.h"
 
 namespace zel::app {
+namespace {
+
+void sayCameras(const Accessories& cameras) {
+  for (const auto& one : cameras)
+    say(fmt::format("  {}  {}", one->description().serialNumber, one->description().name));
+}
+
+}  // namespace
 
 Accessories chosenAccessories(LinuxPlatform& platform, const Settings& settings) {
   Accessories accessories = platform.ports().accessories.connectedAccessories();
@@ -14,12 +26,23 @@ Accessories chosenAccessories(LinuxPlatform& platform, const Settings& settings)
   return accessories;
 }
 
+void sayUsedCamera(LinuxPlatform& platform, const Settings& settings, const std::string& used) {
+  if (!settings.camera.empty()) return;
+  Accessories cameras = platform.ports().accessories.connectedAccessories();
+  std::erase_if(cameras, [](const auto& one) {
+    return std::ranges::count(one->description().protocolStrings, kAccessoryProtocol) == 0;
+  });
+  if (cameras.size() < 2) return;
+  say(fmt::format("zelcam: {} cameras are attached, and {} is used; --camera takes another one of:", cameras.size(),
+                  used));
+  sayCameras(cameras);
+}
+
 void sayUnknownCamera(LinuxPlatform& platform, const Settings& settings) {
   const Accessories present = platform.ports().accessories.connectedAccessories();
-  say(fmt::format("zelcam: no camera with the serial number {} is attached{}", settings.camera,
-                  present.empty() ? "; none is" : "; present are:"));
-  for (const auto& one : present)
-    say(fmt::format("  {}  {}", one->description().serialNumber, one->description().name));
+  sayFailure(fmt::format("no camera with the serial number {} is attached{}", settings.camera,
+                         present.empty() ? "; none is" : "; present are:"));
+  sayCameras(present);
 }
 
 }  // namespace zel::app

@@ -1,5 +1,7 @@
 #include "apps/zelcam/camera_link.h"
 
+#include <ZELTarkaSDK/ZELAccessoryInfo.h>
+
 #include <fmt/format.h>
 
 #include <chrono>
@@ -48,9 +50,12 @@ int CameraLink::open() {
   };
   const Waited end = waitFor(isOver, settings_.timeout);
   if (end == Waited::interrupted) return kInterrupted;
-  if (framesArrived_.load()) return kDone;
+  if (framesArrived_.load()) {
+    if (const auto info = stack_.accessory().accessoryInfo()) sayUsedCamera(platform_, settings_, info->serialNumber());
+    return kDone;
+  }
   if (!inUse) return sayNoFrames(platform_, settings_, stack_);
-  say("zelcam: " + *inUse);
+  sayFailure(*inUse);
   return kNoCamera;
 }
 
@@ -101,10 +106,10 @@ int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& 
   if (!settings.camera.empty() && chosenAccessories(platform, settings).empty()) {
     sayUnknownCamera(platform, settings);
   } else if (stack.accessory().accessoryInfo()) {
-    say(fmt::format("zelcam: the camera is attached but sent no frame within {} s", settings.timeout));
+    sayFailure(fmt::format("the camera is attached but sent no frame within {} s", settings.timeout));
   } else {
-    say(fmt::format("zelcam: no camera was attached within {} s; looked in {}, where zelcam-sim would attach one",
-                    settings.timeout, LinuxPlatform::accessoriesFolder(settings.accessories)));
+    sayFailure(fmt::format("no camera was attached within {} s; looked in {}, where zelcam-sim would attach one",
+                           settings.timeout, LinuxPlatform::accessoriesFolder(settings.accessories)));
   }
   return kNoCamera;
 }
@@ -112,18 +117,18 @@ int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& 
 int tellEnd(std::string_view what, Waited end, const std::optional<ZELError>& error, const Settings& settings) {
   if (end == Waited::interrupted) return kInterrupted;
   if (end == Waited::lost || (error && error->code == kZELErrorNotConnected)) {
-    say(fmt::format("zelcam: {}: the camera was lost", what));
+    sayFailure(fmt::format("{}: the camera was lost", what), zelOSStatusError(kZELErrorNotConnected));
     return kNoCamera;
   }
   if (end == Waited::timeOut) {
-    say(fmt::format("zelcam: {}: the camera did not answer within {} s", what, settings.timeout));
+    sayFailure(fmt::format("{}: the camera did not answer within {} s", what, settings.timeout));
     return kNoCamera;
   }
   if (!error) return kDone;
   if (error->code == kZELErrorOldFirmware) {
-    say(fmt::format("zelcam: {}: the camera's firmware is too old ({} {})", what, error->domain, error->code));
+    sayFailure(fmt::format("{}: the camera's firmware is too old ({} {})", what, error->domain, error->code), error);
   } else {
-    say(fmt::format("zelcam: {}: the camera refused ({} {})", what, error->domain, error->code));
+    sayFailure(fmt::format("{}: the camera refused ({} {})", what, error->domain, error->code), error);
   }
   return kRefused;
 }

@@ -13,6 +13,8 @@
 #include <csignal>
 #include <utility>
 
+#include "apps/zelcam/interrupt.h"
+
 namespace zel::app {
 namespace {
 
@@ -28,11 +30,8 @@ constexpr int kNotRun = 127;
   ::_exit(kNotRun);
 }
 
-int stopSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
+int stopDescriptor() {
+  const sigset_t signals = stopSignals();
   return ::signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
@@ -44,7 +43,7 @@ Child::Child(const std::string& program, const std::vector<std::string>& argumen
   argv.push_back(nullptr);
   int ends[2] = {-1, -1};
   if (::pipe2(ends, O_CLOEXEC) != 0) return;
-  signals_ = stopSignals();
+  signals_ = stopDescriptor();
   output_ = ends[0];
   pid_ = ::fork();
   if (pid_ == 0) become(program.c_str(), argv.data(), ends[1]);

@@ -20,8 +20,8 @@ class Child {
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
 
-  // Hands on what it writes until `enough` says so of a piece, or it has closed its output. SIGINT and SIGTERM, which
-  // the caller has blocked, are handed on to it by SIGTERM. False where it has closed its output.
+  // Hands on what it writes until `enough` says so of a piece, or it has closed its output. The signals that end
+  // a program, which the caller has blocked, are handed on to it by SIGTERM. False where it has closed its output.
   bool read(const std::function<bool(const std::string& piece)>& enough);
 
   // Waits for its end. Its exit status; 128 and the number of the signal that ended it; 127 where it was never there.

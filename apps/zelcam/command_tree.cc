@@ -2,7 +2,6 @@
 
 #include <ZELTarkaSDK/Version.h>
 
-#include <cmath>
 #include <string>
 #include <vector>
 
@@ -28,26 +27,7 @@ Exit status:
   130  interrupted before it was done
 )";
 
-void describeSettings(CLI::App& app, Settings& settings) {
-  app.set_version_flag("--version", std::string("zelcam ") + ZELTarkaSDKVersionString);
-  app.require_subcommand(1);
-  app.add_option("--accessories", settings.accessories, "folder of the accessory bus (default: $ZEL_ACCESSORIES)")
-      ->type_name("DIR");
-  app.add_option("--camera", settings.camera, "serial number of the camera; default: the first")
-      ->envname("ZEL_CAMERA")
-      ->type_name("SERIAL");
-  app.add_option("--timeout", settings.timeout, "seconds to wait for a camera, and that long again for a reply")
-      ->check(CLI::Range(0.0, 86400.0))
-      ->type_name("SECONDS")
-      ->capture_default_str();
-  app.add_option("--log", settings.log, "append to FILE what is asked, how the link changes and what goes wrong")
-      ->type_name("FILE");
-  app.add_flag("--json", settings.json, "one JSON object a line");
-  app.add_flag("--verbose", settings.verbose, "say more on standard error");
-  app.footer(kNotes);
-}
-
-// The checks of the library accept what merely begins like a number.
+// The checks of the library accept what merely begins like a number, and what is none, "nan".
 CLI::Validator numberCheck(const Option& option) {
   const auto check = [option](const std::string& text) {
     const auto value = numberIn<double>(text);
@@ -57,6 +37,25 @@ CLI::Validator numberCheck(const Option& option) {
            CLI::detail::to_string(option.least) + " to " + CLI::detail::to_string(option.most);
   };
   return CLI::Validator(check, "");
+}
+
+void describeSettings(CLI::App& app, Settings& settings) {
+  app.set_version_flag("--version", std::string("zelcam ") + ZELTarkaSDKVersionString);
+  app.require_subcommand(1);
+  app.add_option("--accessories", settings.accessories, "folder of the accessory bus (default: $ZEL_ACCESSORIES)")
+      ->type_name("DIR");
+  app.add_option("--camera", settings.camera, "serial number of the camera; default: the first")
+      ->envname("ZEL_CAMERA")
+      ->type_name("SERIAL");
+  app.add_option("--timeout", settings.timeout, "seconds to wait for a camera, and that long again for a reply")
+      ->check(numberCheck({"--timeout", "SECONDS", "", Kind::number, 0, 86400}))
+      ->type_name("SECONDS")
+      ->capture_default_str();
+  app.add_option("--log", settings.log, "append to FILE what is asked, how the link changes and what goes wrong")
+      ->type_name("FILE");
+  app.add_flag("--json", settings.json, "one JSON object a line");
+  app.add_flag("--verbose", settings.verbose, "say more on standard error");
+  app.footer(kNotes);
 }
 
 // "-o,--output" is known to its command by its last name.

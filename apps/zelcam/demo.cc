@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <regex>
@@ -14,6 +14,7 @@
 
 #include "apps/zelcam/child.h"
 #include "apps/zelcam/file.h"
+#include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/muxing/file_summary.h"
 #include "apps/zelcam/muxing/libav.h"
 #include "apps/zelcam/output.h"
@@ -25,14 +26,6 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kPhoto = "mjpeg,3040,1520,1";
-
-// Whether the user has asked to stop; the signals are blocked.
-bool stopIsPending() {
-  sigset_t pending;
-  sigemptyset(&pending);
-  ::sigpending(&pending);
-  return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1;
-}
 
 // A folder that goes with its owner.
 class TemporaryFolder {
@@ -66,9 +59,11 @@ class Demo {
   int run() {
     prepare();
     if (fault_.empty()) withCamera();
-    if (stopIsPending()) return kInterrupted;
+    if (isInterruptPending()) return kInterrupted;
     if (!fault_.empty()) return complain(kRefused, "demo", fault_);
-    tell("\nThe camera was found, asked, photographed with, recorded with, given a file, watched and streamed from.\n");
+    tell("");
+    tell("The camera was found, asked, photographed with, recorded with, given a file, watched and streamed from.");
+    tell("");
     for (const std::string& row : rows_) printLine(row);
     return kDone;
   }
@@ -160,15 +155,15 @@ class Demo {
   // Runs zelcam, and shows the command line and what it prints.
   void show(const std::vector<std::string>& arguments) {
     if (!fault_.empty()) return;
-    tell(fmt::format("\n$ zelcam {}", fmt::join(arguments, " ")));
+    tell("");
+    tell(fmt::format("$ zelcam {}", fmt::join(arguments, " ")));
     std::vector<std::string> all = {"--accessories", bus(), "--camera", "DEMO1"};
     all.insert(all.end(), arguments.begin(), arguments.end());
     const auto start = Clock::now();
     Child zelcam(programs_ / "zelcam", all);
     told_.clear();
     zelcam.read([this](const std::string& piece) {
-      std::fputs(piece.c_str(), json_ ? stderr : stdout);
-      std::fflush(json_ ? stderr : stdout);
+      json_ ? static_cast<void>(std::fputs(piece.c_str(), stderr)) : printText(piece);
       told_ += piece;
       return false;
     });
@@ -195,7 +190,7 @@ class Demo {
     if (json_) {
       const nlohmann::ordered_json row = {
           {"file", file.string()}, {"what", what}, {"bytes", bytes}, {"seconds", seconds_}, {"holds", found}};
-      rows_.push_back(row.dump());
+      rows_.push_back(jsonLine(row));
     } else {
       rows_.push_back(
           fmt::format("{:<48} {:<28} {:>9} bytes {:6.1f} s   {}", file.string(), what, bytes, seconds_, found));

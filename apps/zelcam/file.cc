@@ -1,12 +1,12 @@
 #include "apps/zelcam/file.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -14,75 +14,46 @@
 #include <system_error>
 #include <vector>
 
+#include "apps/zelcam/muxing/temporary_file.h"
+#include "apps/zelcam/printable.h"
+
 namespace zel::app {
 namespace {
 
 constexpr int kMostNames = 10000;
-constexpr mode_t kFileMode = 0644;
 
 std::string faultOf(std::string_view doing, std::string_view path) {
   return fmt::format("cannot {} {}: {}", doing, path, std::strerror(errno));
 }
 
-bool writeAll(int file, std::span<const std::uint8_t> bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    bytes = bytes.subspan(static_cast<std::size_t>(count));
-  }
-  return ::fsync(file) == 0;
+constexpr std::string_view kPictureExtensions[] = {".jpg", ".jpeg", ".png",  ".dng",  ".raw",
+                                                   ".tif", ".tiff", ".heic", ".heif", ".webp"};
+
+bool isPictureExtension(std::string extension) {
+  std::ranges::transform(extension, extension.begin(), [](unsigned char letter) { return std::tolower(letter); });
+  return std::ranges::find(kPictureExtensions, extension) != std::end(kPictureExtensions);
 }
 
-// A file that is removed again unless it was given its name.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::string& folder) : path_(folder + "/.zelcam-XXXXXX") {
-    file_ = ::mkstemp(path_.data());
-  }
-  ~TemporaryFile() {
-    if (file_ < 0) return;
-    ::close(file_);
-    ::unlink(path_.c_str());
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
+std::size_t longestNameIn(const std::string& folder) {
+  const long most = ::pathconf(folder.c_str(), _PC_NAME_MAX);
+  return most > 0 ? static_cast<std::size_t>(most) : NAME_MAX;
+}
 
-  bool write(std::span<const std::uint8_t> bytes) {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return file_ >= 0 && writeAll(file_, bytes) && ::fchmod(file_, kFileMode & ~mask) == 0;
-  }
-
-  bool replace(const std::string& path) { return ::rename(path_.c_str(), path.c_str()) == 0; }
-
-  // Never replaces a file. Where the file system knows no links, the name is taken by an empty file first.
-  bool appearAs(const std::string& path) {
-    if (::link(path_.c_str(), path.c_str()) == 0) return true;
-    if (errno != EPERM && errno != EOPNOTSUPP) return false;
-    const int taken = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kFileMode);
-    if (taken < 0) return false;
-    ::close(taken);
-    return ::rename(path_.c_str(), path.c_str()) == 0;
-  }
-
- private:
-  std::string path_;
-  int file_ = -1;
-};
-
-std::string numbered(const std::string& name, int number) {
-  if (number == 1) return name;
-  const std::filesystem::path plain(name);
-  return fmt::format("{}-{}{}", plain.stem().string(), number, plain.extension().string());
+std::string numbered(const std::string& name, int number, std::size_t most) {
+  return fileNameWith(name, number == 1 ? "" : fmt::format("-{}", number), most);
 }
 
 }  // namespace
 
-std::optional<ZELData> readFile(const std::string& path, std::string& error) {
+std::optional<ZELData> readFile(const std::string& path, std::string& error, std::uint64_t most) {
   std::error_code fault;
   if (std::filesystem::is_directory(path, fault)) {
     error = path + " is a folder";
+    return std::nullopt;
+  }
+  const std::uint64_t size = std::filesystem::file_size(path, fault);
+  if (!fault && size > most) {
+    error = fmt::format("{} has {} bytes; one frame to the camera carries {} of them at most", path, size, most);
     return std::nullopt;
   }
   errno = 0;
@@ -93,12 +64,26 @@ std::optional<ZELData> readFile(const std::string& path, std::string& error) {
   return std::nullopt;
 }
 
-std::string plainFileName(std::string_view name, std::string_view otherwise) {
+std::string photoFileName(std::string_view name) {
   name.remove_prefix(std::min(name.size(), name.find_last_of("/\\") + 1));
-  std::string plain(name);
-  std::erase_if(plain, [](char letter) { return static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F; });
-  if (plain.empty() || plain == "." || plain == "..") return std::string(otherwise);
-  return plain;
+  std::string plain = withoutUnprintable(name);
+  plain.erase(0, std::min(plain.size(), plain.find_first_not_of('.')));
+  if (plain.empty()) return "photo.jpg";
+  return isPictureExtension(std::filesystem::path(plain).extension().string()) ? plain : plain + ".jpg";
+}
+
+std::string fileNameWith(const std::string& name, std::string_view text, std::size_t most) {
+  const std::filesystem::path plain(name);
+  std::string stem = plain.stem().string(), extension = plain.extension().string();
+  if (extension.size() + text.size() >= most) extension.clear();
+  const std::size_t left = most - std::min(most, extension.size() + text.size());
+  const auto isWithin = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; };
+  if (stem.size() > left) {
+    std::size_t end = left;
+    while (end > 0 && isWithin(stem[end])) --end;
+    stem.resize(end);
+  }
+  return stem.append(text).append(extension);
 }
 
 bool prepareFolder(const std::string& folder, std::string& error) {
@@ -118,12 +103,13 @@ std::optional<std::string> saveFile(const std::string& folder, const std::string
                                     std::span<const std::uint8_t> bytes, std::string& error) {
   if (!prepareFolder(folder, error)) return std::nullopt;
   TemporaryFile file(folder);
-  if (!file.write(bytes)) {
+  if (!file.isThere() || !file.write(bytes)) {
     error = faultOf("write into", folder);
     return std::nullopt;
   }
+  const std::size_t longest = longestNameIn(folder);
   for (int number = 1; number <= kMostNames; ++number) {
-    std::string path = (std::filesystem::path(folder) / numbered(name, number)).string();
+    std::string path = (std::filesystem::path(folder) / numbered(name, number, longest)).string();
     if (file.appearAs(path)) return path;
     if (errno == EEXIST) continue;
     error = faultOf("write", path);
@@ -136,7 +122,7 @@ std::optional<std::string> saveFile(const std::string& folder, const std::string
 bool replaceFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error) {
   const std::string folder = std::filesystem::path(path).parent_path().string();
   TemporaryFile file(folder.empty() ? "." : folder);
-  if (file.write(bytes) && file.replace(path)) return true;
+  if (file.isThere() && file.write(bytes) && file.replace(path)) return true;
   error = faultOf("write", path);
   return false;
 }

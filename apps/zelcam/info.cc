@@ -70,7 +70,7 @@ class Table {
   }
 
   void print() const {
-    if (settings_.json) return printJson(object_);
+    if (settings_.json) return printJson(withFailure());
     for (const auto& [key, value] : object_.items()) {
       const std::string text = value.is_string() ? printable(value.get<std::string>()) : value.dump();
       printLine(fmt::format("{:<20}{}", key, value.is_null() ? "-" : text));
@@ -84,6 +84,12 @@ class Table {
   template <std::integral T>
   static ordered_json shown(T number) {
     return number;
+  }
+
+  ordered_json withFailure() const {
+    ordered_json object = object_;
+    if (status_ != kDone) object["error"] = failureJson(status_);
+    return object;
   }
 
   const Waited end_;

@@ -1,13 +1,14 @@
 #include "apps/zelcam/interrupt.h"
 
 #include <pthread.h>
-#include <csignal>
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -25,11 +26,17 @@ std::atomic<bool> tellsSuspension = false;
 std::mutex platformMutex;
 LinuxPlatform* watchedPlatform = nullptr;
 
-sigset_t stopSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kOneRequest{1};  // signals that come within it are one
+
+bool isIgnored(int signal) {
+  struct sigaction action {};
+  return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+sigset_t heardSignals() {
+  sigset_t signals = stopSignals();
   if (tellsSuspension.load()) {
     sigaddset(&signals, SIGTSTP);
     sigaddset(&signals, SIGCONT);
@@ -52,25 +59,36 @@ void tellSuspension(int signal) {
 }
 
 void waitForSignals() {
-  const sigset_t signals = stopSignals();
+  const sigset_t signals = heardSignals();
   int signal = 0;
+  std::optional<Clock::time_point> first;
   while (sigwait(&signals, &signal) == 0) {
     if (signal == SIGTSTP || signal == SIGCONT) {
       tellSuspension(signal);
       continue;
     }
-    if (interrupted.exchange(true)) std::_Exit(kInterrupted);
-    const std::lock_guard lock(platformMutex);
-    if (watchedPlatform != nullptr) watchedPlatform->stopMainQueue();
+    if (first && Clock::now() - *first > kOneRequest) std::_Exit(kInterrupted);
+    if (!first) first = Clock::now();
+    interrupt();
   }
 }
 
 }  // namespace
 
+sigset_t stopSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  if (!isIgnored(SIGHUP)) sigaddset(&signals, SIGHUP);
+  return signals;
+}
+
 void blockInterrupts() {
-  const sigset_t signals = stopSignals();
+  const sigset_t signals = heardSignals();
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 void turnSuspensionIntoEvents() {
@@ -91,6 +109,23 @@ void detachInterrupts() {
   watchedPlatform = nullptr;
 }
 
+void interrupt() {
+  interrupted.store(true);
+  const std::lock_guard lock(platformMutex);
+  if (watchedPlatform != nullptr) watchedPlatform->stopMainQueue();
+}
+
 bool wasInterrupted() { return interrupted.load(); }
+
+bool isInterruptPending() {
+  const sigset_t signals = stopSignals();
+  sigset_t pending;
+  sigemptyset(&pending);
+  ::sigpending(&pending);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    if (sigismember(&signals, signal) == 1 && sigismember(&pending, signal) == 1) return true;
+  }
+  return false;
+}
 
 }  // namespace zel::app

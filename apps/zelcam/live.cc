@@ -21,6 +21,7 @@ extern "C" {
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/live_duration.h"
 #include "apps/zelcam/live_options.h"
 #include "apps/zelcam/muxing/outputs.h"
 #include "apps/zelcam/output.h"
@@ -61,6 +62,7 @@ class Live {
       : bus_(bus),
         settings_(settings),
         options_(options),
+        duration_(options.duration),
         outputs_(options.outputs, [this](const std::string& line) { tell(line); }),
         writer_(writerRules()) {}
 
@@ -105,8 +107,8 @@ class Live {
     lost_ = reopened_ = false;
     Settings again = settings_;
     again.camera = serial_;
-    again.timeout = patience;
-    tell(fmt::format("the camera was lost; waiting up to {} s for {}", patience, serial_));
+    again.timeout = std::min(patience, duration_.left().value_or(patience));
+    tell(fmt::format("the camera was lost; waiting up to {:.6g} s for {}", again.timeout, serial_));
     return stream(again);
   }
 
@@ -121,6 +123,7 @@ class Live {
     writer_.beginRun();
     feed->start();
     const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [&] {
+      duration_.note(Clock::now(), writer_.written().newestVideo);
       report(*feed);
       link.wake();
     });
@@ -146,7 +149,8 @@ class Live {
     const std::uint64_t first = writer_.written().pictures;
     const auto isOver = [&] {
       const WrittenStream written = writer_.written();
-      return written.complete || written.fault || feed.failure() || outputs_.haveAllFailed() || link.wasReopened();
+      return written.complete || duration_.isOver() || written.fault || feed.failure() || outputs_.haveAllFailed() ||
+             link.wasReopened();
     };
     const auto bears = [&](LinkLoss loss) {
       return loss == LinkLoss::silent && (inBackground_ || !options_.reconnect);
@@ -165,7 +169,7 @@ class Live {
 
   RunEnd whyOver(CameraLink& link, const LiveFeed& feed) const {
     const WrittenStream written = writer_.written();
-    if (written.complete) return RunEnd::complete;
+    if (written.complete || duration_.isOver()) return RunEnd::complete;
     if (outputs_.haveAllFailed()) return RunEnd::outputsFailed;
     const bool forWantOfACamera = link.wasReopened() || (feed.failure() && link.isLost());
     return forWantOfACamera && !written.fault ? RunEnd::lost : RunEnd::failed;
@@ -187,31 +191,43 @@ class Live {
   int statusOf(RunEnd end, const std::optional<std::string>& failure) {
     switch (end) {
       case RunEnd::complete:
+        tellWhereItStood();
         return kDone;
       case RunEnd::interrupted:
         return options_.duration || writer_.written().pictures == 0 ? kInterrupted : kDone;
       case RunEnd::lost:
         lost_ = true;
-        if (!patienceAfter(kNoCamera)) tell("the camera was lost");
+        if (!patienceAfter(kNoCamera)) sayFailure("live: the camera was lost", zelOSStatusError(kZELErrorNotConnected));
         return kNoCamera;
       case RunEnd::noPicture:
-        tell(fmt::format("no picture came within {} s", settings_.timeout));
+        sayFailure(fmt::format("live: no picture came within {} s", settings_.timeout));
         return kNoCamera;
       case RunEnd::failed:
-        tell(failure.value_or(writer_.written().fault.value_or("failed")));
+        sayFailure("live: " + failure.value_or(writer_.written().fault.value_or("failed")));
         return kRefused;
       case RunEnd::outputsFailed:
-        tell("no output is left");
+        rememberFaultOfOutputs();
+        sayFailure("live: no output is left");
         return kRefused;
     }
     return kRefused;
   }
 
-  int statusWithOutputs(int status) const {
-    const auto reports = outputs_.reports();
-    const bool failed = std::ranges::any_of(reports, [](const auto& report) { return report.fault.has_value(); });
-    return status == kDone && failed ? kRefused : status;
+  void tellWhereItStood() const {
+    if (duration_.stoodStill() == 0) return;
+    tell(fmt::format("the stream stood still for {:.1f} s, which count", duration_.stoodStill()));
   }
+
+  // They have been told when they came. Returns whether there is one.
+  bool rememberFaultOfOutputs() const {
+    const auto reports = outputs_.reports();
+    const auto failed = std::ranges::find_if(reports, [](const auto& report) { return report.fault.has_value(); });
+    if (failed == reports.end()) return false;
+    rememberFailure("live: " + *failed->fault);
+    return true;
+  }
+
+  int statusWithOutputs(int status) const { return status == kDone && rememberFaultOfOutputs() ? kRefused : status; }
 
   LiveFigures figures(const FeedFigures& feed) const {
     LiveFigures all{feed, writer_.written(), outputs_.reports()};
@@ -224,9 +240,8 @@ class Live {
   // Standard output may be one of the outputs.
   void summarise() const {
     const LiveFigures all = figures(figures_);
-    if (settings_.json && options_.usesStandardOutput()) return say(jsonOf(all).dump());
     if (settings_.json) return printJson(jsonOf(all));
-    for (const std::string& line : linesOf(all)) options_.usesStandardOutput() ? say(line) : printLine(line);
+    for (const std::string& line : linesOf(all)) printLine(line);
   }
 
   void report(const LiveFeed& feed) {
@@ -249,6 +264,7 @@ class Live {
   Clock::time_point start_ = Clock::now();
   std::string serial_;
   bool wasThere_ = false, lost_ = false, reopened_ = false, inBackground_ = false, showsProgress_ = false;
+  LiveDuration duration_;
   FeedFigures figures_;  // of the connections that have ended
   Outputs outputs_;
   StreamWriter writer_;
@@ -261,6 +277,7 @@ int runLive(const Invocation& invocation) {
   std::string complaint;
   const auto options = liveOptionsIn(invocation.values, complaint);
   if (!options) return complain(kWrongUsage, "live", complaint);
+  if (options->usesStandardOutput()) leaveStandardOutput();
   av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in our own words
   turnSuspensionIntoEvents();
   Bus bus(invocation.settings, options->decoderThreads);

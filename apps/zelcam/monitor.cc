@@ -1,6 +1,7 @@
 #include "apps/zelcam/monitor.h"
 
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "apps/zelcam/bus.h"
+#include "apps/zelcam/camera_choice.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/diagnostics.h"
 #include "apps/zelcam/link_keeper.h"
@@ -147,7 +149,8 @@ class Monitor {
       addLink(object, now);
       return printJson(object);
     }
-    printLine(fmt::format("\nin {:.1f} s:", elapsed()));
+    printLine("");
+    printLine(fmt::format("in {:.1f} s:", elapsed()));
     for (const auto& [type, name] : kTypes) {
       if (now.frames[index(type)] == 0) continue;
       printLine(

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <optional>
 #include <string_view>
@@ -8,12 +9,15 @@
 
 namespace zel::app {
 
-// The number that the whole text stands for, in decimal; nothing where it is none or out of T's range.
+// The number that the whole text stands for, in decimal; nothing where it is none, not finite or out of T's range.
 template <class T>
 requires std::integral<T> || std::floating_point<T> std::optional<T> numberIn(std::string_view text) {
   T value{};
   const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (fault != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  if constexpr (std::floating_point<T>) {
+    if (!std::isfinite(value)) return std::nullopt;
+  }
   return value;
 }
 

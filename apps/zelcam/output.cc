@@ -1,26 +1,86 @@
 #include "apps/zelcam/output.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <mutex>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "apps/zelcam/diagnostics.h"
+#include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/settings.h"
 
 namespace zel::app {
 namespace {
 
-// A reader that has gone, as `head` does, ends the output and not the program.
-void write(std::FILE* file, const std::string& line) {
-  std::fputs((line + '\n').c_str(), file);
-  std::fflush(file);
+constexpr std::string_view kSpeaker = "zelcam: ";
+
+struct Failure {
+  std::string message;
+  std::optional<ZELError> error;
+};
+
+// What the end of a run has to know. Never destroyed: threads of the global queue may still have something to say while
+// the process ends.
+struct Told {
+  std::mutex mutex;
+  std::optional<Failure> failure;  // the first
+  std::string line;                // the last that was said
+  bool asJson = false;
+  bool elsewhere = false;
+  int outputFault = 0;
+};
+
+Told& told() {
+  static auto* const all = new Told;
+  return *all;
+}
+
+bool write(std::FILE* file, const std::string& text) {
+  errno = 0;
+  const bool isWritten = std::fputs(text.c_str(), file) >= 0;
+  return std::fflush(file) == 0 && isWritten;
+}
+
+// Who would go on for ever has nobody left to tell.
+void writeToStandardOutput(const std::string& text) {
+  if (write(stdout, text) || errno == EPIPE) return;
+  const std::lock_guard lock(told().mutex);
+  if (std::exchange(told().outputFault, errno != 0 ? errno : EIO) == 0) interrupt();
+}
+
+bool goesElsewhere() {
+  const std::lock_guard lock(told().mutex);
+  return told().elsewhere;
+}
+
+std::string wordsOfStatus(int status) {
+  switch (status) {
+    case kInterrupted:
+      return "interrupted before it was done";
+    case kNoCamera:
+      return "no camera, no answer in time, or the camera was lost";
+    case kWrongUsage:
+      return "wrong usage";
+    default:
+      return "it failed";
+  }
 }
 
 }  // namespace
 
-void printJson(const nlohmann::ordered_json& object) {
-  write(stdout, object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+std::string jsonLine(const nlohmann::ordered_json& object) {
+  return printableJson(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+}
+
+void printJson(const nlohmann::ordered_json& object) { printLine(jsonLine(object)); }
+
+void leaveStandardOutput() {
+  const std::lock_guard lock(told().mutex);
+  told().elsewhere = true;
 }
 
 nlohmann::ordered_json errorJson(const std::optional<ZELError>& error) {
@@ -28,27 +88,64 @@ nlohmann::ordered_json errorJson(const std::optional<ZELError>& error) {
   return {{"domain", error->domain}, {"code", error->code}};
 }
 
-std::string printable(std::string text) {
-  for (char& letter : text) {
-    if (static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F) letter = '?';
-  }
-  return text;
+void printLine(const std::string& line) {
+  if (goesElsewhere()) return say(line);
+  writeToStandardOutput(printable(line) + '\n');
 }
 
-void printLine(const std::string& line) { write(stdout, line); }
+void printText(const std::string& text) { writeToStandardOutput(text); }
 
 void say(const std::string& line) {
-  write(stderr, line);
+  {
+    const std::lock_guard lock(told().mutex);
+    if (line.starts_with(kSpeaker)) told().line = line.substr(kSpeaker.size());
+  }
+  write(stderr, printable(line) + '\n');
   note(line);
 }
 
+void rememberFailure(const std::string& message, const std::optional<ZELError>& error) {
+  const std::lock_guard lock(told().mutex);
+  if (!told().failure) told().failure = Failure{message, error};
+}
+
+void sayFailure(const std::string& message, const std::optional<ZELError>& error) {
+  rememberFailure(message, error);
+  say(std::string(kSpeaker) + message);
+}
+
 int complain(int status, std::string_view command, std::string_view complaint) {
-  say(fmt::format("zelcam: {}: {}", command, complaint));
+  const std::string message = fmt::format("{}: {}", command, complaint);
+  status == kDone ? say(std::string(kSpeaker) + message) : sayFailure(message);
   return status;
 }
 
+nlohmann::ordered_json failureJson(int status) {
+  const std::lock_guard lock(told().mutex);
+  told().asJson = true;
+  Failure failure = told().failure.value_or(Failure{});
+  if (failure.message.empty() && status != kInterrupted) failure.message = told().line;
+  if (failure.message.empty()) failure.message = wordsOfStatus(status);
+  return {{"code", failure.error ? failure.error->code : status},
+          {"domain", failure.error ? failure.error->domain : "zelcam"},
+          {"message", failure.message}};
+}
+
+void printFailure(int status) {
+  {
+    const std::lock_guard lock(told().mutex);
+    if (told().asJson) return;
+  }
+  printJson({{"error", failureJson(status)}});
+}
+
+int standardOutputFault() {
+  const std::lock_guard lock(told().mutex);
+  return told().outputFault;
+}
+
 void showProgress(const std::string& line) {
-  std::fprintf(stderr, "\r%s\033[K", line.c_str());
+  std::fprintf(stderr, "\r%s\033[K", printable(line).c_str());
   std::fflush(stderr);
 }
 

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <climits>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -20,6 +21,7 @@
 #include "apps/zelcam/number_text.h"
 #include "apps/zelcam/output.h"
 #include "apps/zelcam/panorama.h"
+#include "apps/zelcam/picture_file.h"
 #include "apps/zelcam/sensors.h"
 
 namespace zel::app {
@@ -54,10 +56,10 @@ struct Saved {
   ZELData picture;
 };
 
-// "folder/IMG_1.jpg" becomes "IMG_1-360.jpg".
-std::string panoramaName(const std::filesystem::path& photo) {
-  const std::string extension = photo.extension().string();
-  return photo.stem().string() + "-360" + (extension.empty() ? ".jpg" : extension);
+// "folder/IMG_1.jpg" becomes "IMG_1-360.jpg". What the photo was is of no matter: a panorama is a JPEG file.
+std::string panoramaName(std::filesystem::path photo) {
+  if (pictureFormOf(photo.string()) != PictureForm::jpeg) photo.replace_extension(".jpg");
+  return fileNameWith(photo.filename().string(), "-360", NAME_MAX);
 }
 
 // One photo or bracket: asks for it, waits for the camera's word and for the pictures, and saves them.
@@ -120,7 +122,7 @@ class Shot {
 
   int save(const std::string& name, const ZELData& picture, std::optional<int> step) {
     std::string fault;
-    const auto path = saveFile(folderOf(invocation_.values), plainFileName(name, "photo.jpg"), picture.bytes(), fault);
+    const auto path = saveFile(folderOf(invocation_.values), photoFileName(name), picture.bytes(), fault);
     if (!path) return complain(kRefused, "photo", fault);
     saved_.push_back({*path, picture});
     tell(name, picture, step);
@@ -134,7 +136,8 @@ class Shot {
     nlohmann::ordered_json object = {{"photo", path}, {"name", name}, {"bytes", picture.size()}};
     if (step) object["step"] = *step;
     object["fileTime"] = time.value_or(0);
-    object["FileSize"] = size.value_or(0);
+    object["fileSize"] = size.value_or(0);
+    object["FileSize"] = size.value_or(0);  // the interface's spelling of the same
     object["fileName"] = storedName ? nlohmann::ordered_json(*storedName) : nlohmann::ordered_json();
     printJson(object);
   }

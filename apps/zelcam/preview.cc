@@ -17,12 +17,11 @@
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/decoder_threads.h"
-#include "apps/zelcam/file.h"
 #include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/lens_offset.h"
 #include "apps/zelcam/output.h"
+#include "apps/zelcam/picture_file.h"
 #include "apps/zelcam/picture_rate.h"
-#include "apps/zelcam/png.h"
 #include "platform/mutex.h"
 
 namespace zel::app {
@@ -134,7 +133,7 @@ class Preview {
       if (end == Waited::interrupted) return some && !wanted() ? kDone : kInterrupted;
       if (end == Waited::lost) return tellEnd("preview", end, std::nullopt, invocation_.settings);
       if (counter_->decoded().rate.pictures() != before) continue;
-      say(fmt::format("zelcam: preview: no picture came within {} s", invocation_.settings.timeout));
+      sayFailure(fmt::format("preview: no picture came within {} s", invocation_.settings.timeout));
       return kNoCamera;
     }
   }
@@ -195,9 +194,8 @@ class Preview {
     const auto picture = snapshot();
     if (!picture) return kRefused;
     const std::string path = invocation_.values.text("--snapshot");
-    const auto png = pngOf(*picture);
-    std::string fault = "the picture does not fit into memory";
-    if (!png || !replaceFile(path, *png, fault)) return complain(kRefused, "preview", fault);
+    std::string fault;
+    if (!savePicture(*picture, path, fault)) return complain(kRefused, "preview", fault);
     object["snapshot"] = path;
     return kDone;
   }
@@ -214,6 +212,9 @@ class Preview {
 int runPreview(const Invocation& invocation) {
   if (invocation.values.has("--stitch") && !invocation.values.has("--snapshot")) {
     return complain(kWrongUsage, "preview", "--stitch is for the picture that --snapshot saves");
+  }
+  if (invocation.values.has("--snapshot") && !pictureFormOf(invocation.values.text("--snapshot"))) {
+    return complain(kWrongUsage, "preview", "--snapshot takes FILE.png or FILE.jpg");
   }
   const int threads = decoderThreads(invocation.values, resolutionIn(invocation));
   return withCamera(

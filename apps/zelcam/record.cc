@@ -35,7 +35,8 @@ int tellFile(const RecordedFile& answer, const Settings& settings) {
     printJson({{"record", "stop"},
                {"fileName", name ? nlohmann::ordered_json(*name) : nullptr},
                {"fileTime", time},
-               {"FileSize", size}});
+               {"fileSize", size},
+               {"FileSize", size}});  // the interface's spelling of the same
   } else {
     printLine(fmt::format("recorded {}: file time {}, {} bytes", printable(name.value_or("(no name)")), time, size));
   }

@@ -1,11 +1,15 @@
 #include "apps/zelcam/sensors.h"
 
+#include <ZELTarkaSDK/ZELCameraRecords.h>
+
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -14,6 +18,10 @@
 
 namespace zel::app {
 namespace {
+
+// Behind a frame's header, a message's code and all records that a capture can have.
+constexpr std::uint64_t kMostExtra = std::numeric_limits<std::uint32_t>::max() - (4 + 2 + 2) - sizeof(ZELGpsData) -
+                                     sizeof(ZELGyroData) - sizeof(ZELOrientationData) - sizeof(aeb_info);
 
 // The comma-separated numbers of an option, zeros where it was not given.
 template <std::size_t count>
@@ -66,7 +74,7 @@ std::optional<Sensors> sensorsIn(const Values& values, std::string& error) {
   const auto& o = *orientation;
   sensors.orientation = ZELMediaOrientation::initWithX(o[0], o[1], o[2], o[3]);
   if (!values.has("--extra")) return sensors;
-  sensors.extra = readFile(values.text("--extra"), error);
+  sensors.extra = readFile(values.text("--extra"), error, kMostExtra);
   return sensors.extra ? std::optional(std::move(sensors)) : std::nullopt;
 }
 

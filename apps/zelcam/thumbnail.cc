@@ -13,8 +13,8 @@
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/file.h"
 #include "apps/zelcam/output.h"
+#include "apps/zelcam/picture_file.h"
 #include "apps/zelcam/picture_size.h"
-#include "apps/zelcam/png.h"
 
 namespace zel::app {
 namespace {
@@ -34,9 +34,8 @@ ZELData withLongStartCodes(std::span<const std::uint8_t> stream) {
 
 int save(const platform::PixelBuffer& picture, const Invocation& invocation) {
   const std::string path = invocation.values.text("--output");
-  std::string fault = "the picture does not fit into memory";
-  const auto png = pngOf(picture);
-  if (!png || !replaceFile(path, *png, fault)) return complain(kRefused, "thumbnail", fault);
+  std::string fault;
+  if (!savePicture(picture, path, fault)) return complain(kRefused, "thumbnail", fault);
   if (invocation.settings.json) {
     printJson({{"thumbnail", path}, {"width", picture.width()}, {"height", picture.height()}});
   } else {
@@ -51,6 +50,8 @@ int runThumbnail(const Invocation& invocation) {
   const Values& values = invocation.values;
   if (!values.has("--output"))
     return complain(kWrongUsage, "thumbnail", "-o FILE.png tells where the picture shall go");
+  if (!pictureFormOf(values.text("--output")))
+    return complain(kWrongUsage, "thumbnail", "-o takes FILE.png or FILE.jpg");
   const auto size = values.has("--size") ? pictureSizeIn(values.text("--size")) : PictureSize{1440, 720};
   if (!size)
     return complain(kWrongUsage, "thumbnail",

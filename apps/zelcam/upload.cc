@@ -1,5 +1,6 @@
 #include "apps/zelcam/upload.h"
 
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
 #include <fmt/format.h>
@@ -86,7 +87,7 @@ int upload(CameraLink& link, const Values& values, const ZELData& file, const Se
 int runUpload(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
   std::string complaint;
-  const auto file = readFile(invocation.values.text("FILE"), complaint);
+  const auto file = readFile(invocation.values.text("FILE"), complaint, kLargestFile);
   if (!file) return complain(kWrongUsage, "upload", complaint);
   return withCamera(settings, [&](CameraLink& link) { return upload(link, invocation.values, *file, settings); });
 }

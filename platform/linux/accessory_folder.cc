@@ -6,7 +6,9 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 #include "platform/linux/error_text.h"
 
@@ -37,8 +39,18 @@ std::string faultOf(const std::string& path) {
   if (link.st_uid != geteuid() || folder.st_uid != geteuid()) {
     return "belongs to another user; choose a folder of your own";
   }
-  if ((folder.st_mode & (S_IWGRP | S_IWOTH)) != 0) return "can be written by others; run: chmod go-w " + path;
-  return {};
+  if ((folder.st_mode & (S_IWGRP | S_IWOTH)) == 0) return {};
+  // A folder that is there for many, as /tmp is, must keep its rights.
+  if ((folder.st_mode & (S_ISVTX | S_ISGID)) != 0) return "is shared with others; choose a folder of your own";
+  return "can be written by others; run: chmod go-w " + path;
+}
+
+// The default is made with the folder above it, "zel/accessories". A path of which more is missing was mistyped, and
+// whoever waits there would wait alone.
+std::string missingFolderOf(const std::string& path) {
+  std::error_code ignored;
+  const auto above = std::filesystem::path(path).parent_path().parent_path();
+  return above.empty() || std::filesystem::exists(above, ignored) ? "" : above.string();
 }
 
 }  // namespace
@@ -68,7 +80,9 @@ std::string accessoryFolderPath(const std::string& chosen) {
 bool prepareAccessoryFolder(const std::string& path, std::string& error) {
   const std::string folder(withoutTrailingSlashes(path));
   std::string fault;
-  if (const int code = makeFolders(folder); code != 0) {
+  if (const std::string missing = missingFolderOf(folder); !missing.empty()) {
+    fault = "cannot be made: there is no " + missing + "; choose another folder";
+  } else if (const int code = makeFolders(folder); code != 0) {
     fault = "cannot be made: " + errorText(code) + "; choose another folder";
   } else {
     fault = faultOf(folder);

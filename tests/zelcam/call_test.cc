@@ -103,7 +103,12 @@ TEST_F(CallTest, TellsThatNoAnswerCame) {
   const auto camera = simulator({"--fault", "no-reply=0x4025"});
   const auto host = zelcam({"--json", "--timeout", "1.5", "call", "msgReqGetUUIDWithRebackBlock"});
   EXPECT_EQ(host->wait(), 3);
-  EXPECT_EQ(host->output(), "");
+  EXPECT_EQ(lines(*host), std::vector<Json>({{{"error",
+                                               {{"code", 3},
+                                                {"domain", "zelcam"},
+                                                {"message",
+                                                 "msgReqGetUUIDWithRebackBlock: the camera did not answer within "
+                                                 "1.5 s"}}}}}));
   EXPECT_THAT(host->errors(), HasSubstr("the camera did not answer within 1.5 s"));
 }
 

@@ -33,7 +33,11 @@ class CaptureTest : public ZelcamTest {
     const auto host = zelcam(arguments);
     EXPECT_EQ(host->wait(), status) << host->errors();
     errors = host->errors();
-    return lines(*host);
+    auto told = lines(*host);
+    if (status == 0) return told;
+    EXPECT_TRUE(!told.empty() && told.back()["error"]["message"].is_string()) << host->output();
+    if (!told.empty()) told.pop_back();
+    return told;
   }
 
   std::string pictures() const { return folder.path() + "/pictures"; }
@@ -72,6 +76,7 @@ TEST_F(CaptureTest, APhotoIsSavedUnderTheCamerasName) {
   EXPECT_EQ(told[0]["photo"], pictures() + "/" + name);
   const std::string bytes = contents(told[0]["photo"]);
   EXPECT_TRUE(isJpeg(bytes));
+  EXPECT_EQ(told[0]["fileSize"], bytes.size());
   EXPECT_EQ(told[0]["FileSize"], bytes.size());
   EXPECT_THAT(filesIn(pictures()), ElementsAre(name));
 }
@@ -152,7 +157,8 @@ TEST_F(CaptureTest, ARecordingIsStartedStoppedAndTold) {
   const auto told = run({"record", "stop"});
   ASSERT_THAT(told, SizeIs(1));
   EXPECT_THAT(told[0]["fileName"].get<std::string>(), testing::MatchesRegex("VID_[0-9]+_[0-9]+_[0-9]+_[0-9]+.mp4"));
-  EXPECT_GT(told[0]["FileSize"], 0);
+  EXPECT_GT(told[0]["fileSize"], 0);
+  EXPECT_EQ(told[0]["FileSize"], told[0]["fileSize"]);
   EXPECT_GT(told[0]["fileTime"], 1'700'000'000);
 }
 
@@ -227,6 +233,18 @@ TEST_F(CaptureTest, AnAnswerToAPathThatNobodySentIsTheUploadsAnswer) {
   EXPECT_EQ(contents(storage + "/up.bin"), "abc");
   run({"upload", newFile("up.bin", "abc"), "--as", "../up.bin"}, 1);
   EXPECT_THAT(errors, HasSubstr("upload: the camera refused"));
+}
+
+TEST_F(CaptureTest, AFileThatNoFrameCarriesIsRefusedWithItsSize) {
+  const std::string file = newFile("large", "");
+  fs::resize_file(file, 5'000'000'000);  // with nothing in it, and so on no disk
+  const auto host = zelcam({"upload", file});
+  EXPECT_EQ(host->wait(), 2);
+  EXPECT_EQ(host->errors(), "zelcam: upload: " + file +
+                                " has 5000000000 bytes; one frame to the camera carries 4294967221 of them at most\n");
+  const auto photo = zelcam({"photo", "--extra", file});
+  EXPECT_EQ(photo->wait(), 2);
+  EXPECT_THAT(photo->errors(), HasSubstr("has 5000000000 bytes"));
 }
 
 TEST_F(CaptureTest, AFileThatIsNotThereIsWrongUsage) {

@@ -1,6 +1,6 @@
 #include "apps/zelcam/command_line.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "tests/zelcam/zelcam_test.h"
 
@@ -23,6 +23,17 @@ TEST_F(CommandLineTest, NamesTheWordThatIsNoCommand) {
 
 TEST_F(CommandLineTest, MissesACommand) {
   EXPECT_EQ(complaint({}), "zelcam: a command is missing\n\"zelcam --help\" tells what it takes\n");
+}
+
+TEST_F(CommandLineTest, ANumberIsFinite) {
+  for (const char* number : {"nan", "-nan", "inf", "infinity", "1e999"}) {
+    EXPECT_THAT(complaint({"--timeout", number, "info"}), testing::HasSubstr("is not a number from 0 to 86400"))
+        << number;
+    EXPECT_THAT(complaint({"monitor", "--seconds", number}), testing::HasSubstr("is not a number from 0 to")) << number;
+    EXPECT_THAT(complaint({"photo", "--gps", std::string("1,2,") + number}),
+                testing::HasSubstr("--gps takes 3 numbers"))
+        << number;
+  }
 }
 
 TEST_F(CommandLineTest, SendsToTheHelpOfTheCommandThatWasUsedWrongly) {

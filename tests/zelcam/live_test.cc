@@ -216,6 +216,16 @@ TEST_F(LiveTest, TheBackgroundLetsTheCameraRest) {
   EXPECT_TRUE(readBack(path("a.ts")).ordered);
 }
 
+TEST_F(LiveTest, WhereTheStreamStandsStillTheDurationGoesOn) {
+  const auto camera = simulator();
+  const auto host = live({"-o", path("a.ts"), "--no-stitch", "--duration", "6"});
+  ASSERT_TRUE(grows(path("a.ts"), 10'000)) << host->errors();
+  host->signal(SIGTSTP);  // the camera rests, and no picture comes any more
+  EXPECT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_THAT(host->errors(), HasSubstr("the stream stood still for"));
+  EXPECT_LT(readBack(path("a.ts")).pictures, 150);
+}
+
 // -- outputs that fail
 
 TEST_F(LiveTest, AnOutputThatFailsHarmsNoOther) {

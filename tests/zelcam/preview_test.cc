@@ -50,6 +50,26 @@ TEST_F(PreviewTest, SavesAPictureOfTheAskedResolution) {
   EXPECT_EQ(sizeOf(png()), std::pair(1440, 720));
 }
 
+TEST_F(PreviewTest, APicturesFileIsWhatItsNameSays) {
+  const auto camera = simulator();
+  const std::string jpeg = folder.path() + "/picture.JPG";
+  const auto host = zelcam({"--timeout", "30", "preview", "--snapshot", jpeg});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  std::ifstream file(jpeg, std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  EXPECT_EQ(bytes.substr(0, 3), "\xFF\xD8\xFF");
+  EXPECT_EQ(bytes.substr(bytes.size() - 2), "\xFF\xD9");
+}
+
+TEST_F(PreviewTest, AFileThatIsNoPicturesIsWrongUsage) {
+  for (const char* name : {"picture.gif", "picture", "picture.png.txt"}) {
+    const auto preview = zelcam({"preview", "--snapshot", name});
+    EXPECT_EQ(preview->wait(), 2) << name;
+    EXPECT_THAT(preview->errors(), HasSubstr("--snapshot takes FILE.png or FILE.jpg")) << name;
+    EXPECT_EQ(zelcam({"thumbnail", "clip.h264", "-o", name})->wait(), 2) << name;
+  }
+}
+
 TEST_F(PreviewTest, DecodesPicturesSideBySide) {
   const auto camera = simulator();
   const auto host = zelcam({"--json", "--timeout", "30", "preview", "--frames", "5", "--decoder-threads", "2"});

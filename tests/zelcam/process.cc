@@ -106,6 +106,16 @@ bool Process::waitForErrors(const std::string& text) const {
   return waitUntil([&] { return errors().find(text) != std::string::npos; });
 }
 
+bool Process::waitUntilHeard(int signal) const {
+  const std::string field = "ShdPnd:";
+  return waitUntil([&] {
+    const std::string status = readAll("/proc/" + std::to_string(pid_) + "/status");
+    const auto at = status.find(field);
+    return at != std::string::npos &&
+           (std::stoull(status.substr(at + field.size()), nullptr, 16) >> (signal - 1) & 1) == 0;
+  });
+}
+
 std::string Process::output() const { return readAll(outputFile_); }
 std::string Process::errors() const { return readAll(errorFile_); }
 

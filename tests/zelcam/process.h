@@ -30,6 +30,8 @@ class Process {
   // Waits until its output holds the text, behind the first that is `after`; false after a minute.
   bool waitForOutput(const std::string& text, const std::string& after = {}) const;
   bool waitForErrors(const std::string& text) const;
+  // Waits until a signal that it blocks has been taken by whoever waits for it there; false after a minute.
+  bool waitUntilHeard(int signal) const;
 
   std::string output() const;
   std::string errors() const;

@@ -76,6 +76,21 @@ TEST_F(AccessoryFolderTest, FolderThatOthersCanOnlyReadIsAccepted) {
   EXPECT_TRUE(prepareAccessoryFolder(temporary_.path(), error_)) << error_;
 }
 
+TEST_F(AccessoryFolderTest, FolderThatIsSharedKeepsItsRights) {
+  for (const mode_t shared : {01777, 02775}) {
+    ASSERT_EQ(chmod(temporary_.path().c_str(), shared), 0);
+    EXPECT_FALSE(prepareAccessoryFolder(temporary_.path(), error_));
+    EXPECT_EQ(error_, "accessory folder " + temporary_.path() + " is shared with others; choose a folder of your own");
+  }
+}
+
+TEST_F(AccessoryFolderTest, PathThatWasMistypedIsNotMade) {
+  EXPECT_FALSE(prepareAccessoryFolder(temporary_.path() + "/nonexist/a/b", error_));
+  EXPECT_EQ(error_, "accessory folder " + temporary_.path() + "/nonexist/a/b cannot be made: there is no " +
+                        temporary_.path() + "/nonexist; choose another folder");
+  EXPECT_EQ(modeOf(temporary_.path() + "/nonexist"), 0U);
+}
+
 TEST_F(AccessoryFolderTest, FolderOfAnotherUserIsRefused) {
   if (geteuid() == 0) {
     ASSERT_EQ(chown(temporary_.path().c_str(), 65534, static_cast<gid_t>(-1)), 0);
