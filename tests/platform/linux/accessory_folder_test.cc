@@ -77,7 +77,7 @@ TEST_F(AccessoryFolderTest, FolderThatOthersCanOnlyReadIsAccepted) {
 }
 
 TEST_F(AccessoryFolderTest, FolderThatIsSharedKeepsItsRights) {
-  for (const mode_t shared : {01777, 02775}) {
+  for (const mode_t shared : {mode_t{01777}, mode_t{02775}}) {
     ASSERT_EQ(chmod(temporary_.path().c_str(), shared), 0);
     EXPECT_FALSE(prepareAccessoryFolder(temporary_.path(), error_));
     EXPECT_EQ(error_, "accessory folder " + temporary_.path() + " is shared with others; choose a folder of your own");
