@@ -3,7 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
+#include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "tests/command/command_test.h"
@@ -140,6 +145,40 @@ TEST_F(CameraEventsTest, ReachAReceiverThatWasAddedTwiceTwice) {
   EXPECT_EQ(heard("0860 03"), "heard 2 events");
   ucd().removeCameraNotificationReceiver(listener.get());
   EXPECT_EQ(heard("0860 03"), "heard 0 events");
+}
+
+// An event that is under way goes to all its receivers before one of them can be removed by somebody else; afterwards
+// that one hears nothing more.
+TEST_F(CameraEventsTest, ReachNobodyWhoseRemovalIsOver) {
+  class Slow final : public ZELCameraNotificationProtocol {
+   public:
+    explicit Slow(std::function<void()> act) : act_(std::move(act)) {}
+    void notificationType(std::int64_t, const std::optional<ZELMessageFields>&) override { act_(); }
+
+   private:
+    const std::function<void()> act_;
+  };
+  std::atomic<bool> asked = false, removed = false;
+  int heardAfterwards = 0, events = 0;
+  std::thread remover;
+  const auto second = std::make_shared<Slow>([&] { heardAfterwards += removed.load() ? 1 : 0; });
+  const auto first = std::make_shared<Slow>([&] {
+    if (++events != 1) return;
+    remover = std::thread([&] {
+      asked.store(true);
+      ucd().removeCameraNotificationReceiver(second.get());
+      removed.store(true);
+    });
+    while (!asked.load()) std::this_thread::yield();
+    for (int turn = 0; turn < 1000 && !removed.load(); ++turn) std::this_thread::yield();
+  });
+  ucd().addCameraNotificationReceiver(first);
+  ucd().addCameraNotificationReceiver(second);
+  ucd().sendNotification(7, std::nullopt);
+  remover.join();
+  ucd().sendNotification(7, std::nullopt);
+  EXPECT_EQ(heardAfterwards, 0);
+  EXPECT_TRUE(removed.load());
 }
 
 TEST_F(CameraEventsTest, PassAReceiverThatDoesNotCare) {

@@ -69,8 +69,8 @@ const Exchange kExchanges[] = {
      CALL { ucd.msgCmdShutterExtraWithGps(kGps, kGyro, kOrientation, data({1, 2}), outcome, {}); },
      "4A000000 0400 1100" TRIPLE "0102", "1180" CAPTURE, kCapture, kNoCapture, Flag::no, Extra::partOfTheValue},
     {"newMsgCmdShutterExtraWithGps",
-     CALL { ucd.newMsgCmdShutterExtraWithGps(gps(), gyro(), orientation(), std::nullopt, outcome, {}); },
-     "48000000 0400 1100" TRIPLE, "1180" CAPTURE, kCapture, kNoCapture, Flag::no, Extra::partOfTheValue},
+     CALL { ucd.newMsgCmdShutterExtraWithGps(gps(), gyro(), orientation(), data({3}), outcome, {}); },
+     "49000000 0400 1100" TRIPLE "03", "1180" CAPTURE, kCapture, kNoCapture, Flag::no, Extra::partOfTheValue},
     {"msgCmdShutterAEBWithGps",
      CALL {
        ucd.msgCmdShutterAEBWithGps(kGps, kGyro, kOrientation, {3, {-2, 0, 2}}, data({7}), outcome, {});
@@ -79,9 +79,10 @@ const Exchange kExchanges[] = {
      Flag::no, Extra::partOfTheValue},
     {"newMsgCmdShutterAEBWithGps",
      CALL {
-       ucd.newMsgCmdShutterAEBWithGps(gps(), gyro(), orientation(), {9, {1, 2, 3, 4, 5, 6, 7, 8, 9}}, {}, outcome, {});
+       ucd.newMsgCmdShutterAEBWithGps(gps(), gyro(), orientation(), {9, {1, 2, 3, 4, 5, 6, 7, 8, 9}}, data({7, 8}),
+                                      outcome, {});
      },
-     "52000000 0400 0F00" TRIPLE "09 010203040506070809", "0F80" CAPTURE, kCapture, "error 101 none none none",
+     "54000000 0400 0F00" TRIPLE "09 010203040506070809 0708", "0F80" CAPTURE, kCapture, "error 101 none none none",
      Flag::no, Extra::partOfTheValue},
     {"msgCmdStartRecordWithGps", CALL { ucd.msgCmdStartRecordWithGps(kGps, kGyro, kOrientation, outcome); },
      "48000000 0400 0800" TRIPLE, "0880 01", "ok", "error 101"},

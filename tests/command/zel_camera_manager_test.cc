@@ -207,6 +207,21 @@ TEST_F(OldCameraTest, PassesTheGateWhileNothingIsConnected) {
   EXPECT_EQ(outcome.text, "error 100 0");
 }
 
+TEST_F(OldCameraTest, PassesTheGateWhileFramesHaveStopped) {
+  host.advance(5);
+  ASSERT_EQ(accessory().status(), 3u);
+  EXPECT_EQ(manager().checkoutAudioAsynVersion(), std::nullopt);
+  manager().setCameraAudioBitrate(128000, outcome);
+  EXPECT_EQ(written(), hex("0C000000 0400 1300 00F40100"));
+}
+
+TEST_F(OldCameraTest, PassesTheGateBeforeTheFirstFrame) {
+  link().fire(platform::StreamEvent::errorOccurred);  // the session is opened anew
+  host.runUntilIdle();
+  ASSERT_EQ(accessory().status(), 1u);
+  EXPECT_EQ(manager().checkoutAudioAsynVersion(), std::nullopt);
+}
+
 class Firmware190Test : public ZELCameraManagerTest {
  protected:
   void SetUp() override { openAndSynchronise(cameraDescription(7, "E1_190")); }

@@ -89,6 +89,12 @@ TEST_F(ZELDateFormatterTest, TellsEachMillisecondOfASecond) {
   }
 }
 
+// Times one million, this is 1000999.9999999999 as a double.
+TEST_F(ZELDateFormatterTest, TellsAMillisecondThatADoubleFallsJustShortOf) {
+  device.now = 1.001;
+  EXPECT_EQ(currentTime(), "2001-01-01 00:00:01:001");
+}
+
 TEST_F(ZELDateFormatterTest, KnowsLeapDaysAndTheTimeBeforeItsEpoch) {
   device.now = 730'943'999.0;
   EXPECT_EQ(currentTime(), "2024-02-29 23:59:59:000");
