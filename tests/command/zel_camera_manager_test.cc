@@ -164,6 +164,12 @@ TEST_F(ZELCameraManagerTest, ReportsAnUnusableBatteryReplyWithZeros) {
   EXPECT_EQ(outcome.text, "error 101 0 0");
 }
 
+TEST_F(ZELCameraManagerTest, AsksForTheBatteryWithoutAHandlerToo) {
+  manager().queryCameraBattery(nullptr);
+  EXPECT_EQ(written(), hex("08000000 0400 0140"));
+  answer("01C0 01 50");
+}
+
 TEST_F(ZELCameraManagerTest, AsksForTheOffsetOfTypeZero) {
   manager().getCameraMediaOffset(5, outcome);
   EXPECT_EQ(written(), hex("0A000000 0400 0F40 00 05"));
@@ -195,6 +201,12 @@ TEST_F(OldCameraTest, IsRefusedTheAudioBitrateAtOnceOnTheCallersThread) {
   EXPECT_THAT(written(), IsEmpty());
   EXPECT_EQ(outcome.calls, 2);
   EXPECT_EQ(manager().checkoutAudioAsynVersion(), (ZELError{"NSOSStatusErrorDomain", 120, std::nullopt}));
+}
+
+TEST_F(OldCameraTest, RefusesTheAudioBitrateWithoutAHandlerToo) {
+  manager().setCameraAudioBitrate(128000, nullptr);
+  manager().getCameraAudioBitrateWithRebackBlock(nullptr);
+  EXPECT_THAT(written(), IsEmpty());
 }
 
 TEST_F(OldCameraTest, PassesTheGateWhileNothingIsConnected) {

@@ -34,6 +34,26 @@ TEST_F(OddRequestsTest, SendsMeteringWeightsAsTheMeteringModeZero) {
   EXPECT_EQ(outcome.text, "ok");
 }
 
+// The operation of that name does not; a host that knows the number can.
+TEST_F(OddRequestsTest, SendsMeteringWeightsUnderTheirOwnType) {
+  ZELIPAEMMWeight weights{};
+  weights.weights[0] = 1;
+  weights.weights[95] = 2;
+  ucd().sendMsg(40, {{"IPAEMMWeight", weights}}, [&](const auto& reply) { outcome.take(std::nullopt, reply ? 1 : 0); });
+  EXPECT_EQ(written(), join(hex("68000000 0400 1740 01"), Bytes(94), bytes({2})));
+  answer("17C0 01");
+  EXPECT_EQ(outcome.text, "ok 0");
+}
+
+TEST_F(OddRequestsTest, AreMadeWithoutHandlersToo) {
+  ucd().msgReqGetGPSTimeoutWithRebackBlock(nullptr);
+  ucd().msgCmdShutterWithGps({}, {}, {}, nullptr, nullptr);
+  ucd().msgCmdShutterAEBWithGps({}, {}, {}, {}, {}, nullptr, nullptr);
+  EXPECT_EQ(written().size(), 8u + 72u + 82u);
+  for (const char* reply : {"32C0 01 2C01", "0780", "0F80"}) answer(reply);
+  send(join(bytes({71, 0, 0, 0, 3, 0}), Bytes(64), bytes({1})));
+}
+
 TEST_F(OddRequestsTest, NeverSendsAnOrientation) {
   ucd().msgReqUpdateOrientation({1, 2, 3, 4});
   ucd().newMsgReqUpdateOrientation(ZELMediaOrientation::initWithX(1, 2, 3, 4));

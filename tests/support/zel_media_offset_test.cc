@@ -156,6 +156,10 @@ TEST(ZELMediaOffsetTest, ReadsANumberOfTwoSignsAsZero) {
   EXPECT_EQ(offset.valueC, 5u);
 }
 
+TEST(ZELMediaOffsetTest, ReadsANumberThatBeginsWithItsPoint) {
+  EXPECT_EQ(getMediaOffsetFromOffset("1_.5_-.5_0_0_0_0").lenses[0].p, (std::array<S32, 6>{500, -500, 0, 0, 0, 0}));
+}
+
 TEST(ZELMediaOffsetTest, TruncatesTowardZero) {
   const ZELMediaOffset offset = getMediaOffsetFromOffset("1_1.9999_-1.9999_0.0009_-0.0009_+2_ 3_0_0_0");
   EXPECT_EQ(offset.lenses[0].p, (std::array<S32, 6>{1999, -1999, 0, 0, 2000, 3000}));
