@@ -140,6 +140,18 @@ TEST_F(ZELPhotoDataParserTest, PassesTheCommandsFailureOn) {
   EXPECT_FALSE(image);
 }
 
+TEST_F(ZELPhotoDataParserTest, PassesTheCommandsFailureOnToASeriesWithoutWhatHadCome) {
+  const auto parser = series(3);
+  parser->parserData(payload("A.JPG", bytes({1})));
+  parser->replyBlockWithError(zelOSStatusError(100));
+  parser->replyBlockWithError(zelOSStatusError(101));
+  host.runUntilIdle();
+  EXPECT_EQ(answers, 1);
+  EXPECT_EQ(error, (ZELError{"NSOSStatusErrorDomain", 100, std::nullopt}));
+  EXPECT_THAT(names, IsEmpty());
+  EXPECT_EQ(images, nullptr);
+}
+
 TEST_F(ZELPhotoDataParserTest, DoesNothingWithoutAHandler) {
   const auto one = ZELPhotoDataParser::initWithShutterBlock(mainQueue(), nullptr);
   const auto many = ZELPhotoDataParser::initWithAEBShutterCount(mainQueue(), 1, nullptr);

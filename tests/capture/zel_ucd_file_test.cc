@@ -198,6 +198,14 @@ TEST_F(ZELUCDFileTest, LosesNoAnswerThatComesBeforeTheHandlerIsStored) {
   EXPECT_THAT(log, ElementsAre("a 101"));
 }
 
+TEST_F(ZELUCDFileTest, KeepsAnEarlyAnswerFromOthersThatWait) {
+  send("b", "b");
+  onWrite = [&] { file.parserUCD(reply(2, 1, pathField("a"))); };
+  send("a", "a");
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre("a 101"));
+}
+
 TEST_F(ZELUCDFileTest, GivesAnEarlyAnswerToTheHandlerThatStillWaits) {
   send("a", "first");
   onWrite = [&] { file.parserUCD(reply(2, 0, pathField("a"))); };

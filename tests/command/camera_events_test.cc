@@ -3,7 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
+#include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "tests/command/command_test.h"
@@ -119,7 +124,30 @@ TEST_P(EventOnTheWire, ReachesItsReceiversWithTheseValues) {
 INSTANTIATE_TEST_SUITE_P(Events, EventOnTheWire, testing::ValuesIn(kCases),
                          [](const auto& one) { return std::string(one.param.name); });
 
-TEST_F(CameraEventsTest, KnowsThirteen) { EXPECT_EQ(std::size(kEvents), 13u); }
+struct KnownEvent {
+  const char* registering;
+  int type;
+  int code;
+};
+const KnownEvent kKnownEvents[] = {
+    {"registerMsgCameraReqFWUpdateDone", 0, 0x6001},     {"registerMsgCameraReqRecordAutoSplit", 1, 0x6002},
+    {"registerMsgCameraReqBatteryUpdate", 2, 0x6003},    {"registerMsgCameraReqBatteryLow", 3, 0x6004},
+    {"registerMsgCameraReqBatteryShutDown", 4, 0x6005},  {"registerMsgCameraReqCardState", 5, 0x6006},
+    {"registerMsgCameraReqKeyPressed", 7, 0x6008},       {"registerMsgCameraReqMediaOffset", 8, 0x6009},
+    {"registerMsgCameraReqRecordCardRunout", 9, 0x600A}, {"registerMsgCameraReqRecordTimeRunout", 10, 0x600B},
+    {"registerMsgCameraReqShutterState", 12, 0x600C},    {"registerMsgCameraReqDelFileProgress", 13, 0x600D},
+    {"registerMsgCameraReqGyroData", 11, 0x600E},
+};
+
+TEST(CameraEventTable, HoldsThirteenEventsInTheOrderOfTheirRegistration) {
+  ASSERT_EQ(std::size(kEvents), 13u);
+  for (std::size_t row = 0; row < std::size(kEvents); ++row) {
+    const KnownEvent& known = kKnownEvents[row];
+    EXPECT_EQ(kEvents[row].registering, known.registering);
+    EXPECT_EQ(static_cast<int>(kEvents[row].type), known.type) << known.registering;
+    EXPECT_EQ(static_cast<int>(kEvents[row].code), known.code) << known.registering;
+  }
+}
 
 TEST_F(CameraEventsTest, DoesNotKnowTypeSix) {
   ucd().addCameraNotificationReceiver(listener);
@@ -140,6 +168,72 @@ TEST_F(CameraEventsTest, ReachAReceiverThatWasAddedTwiceTwice) {
   EXPECT_EQ(heard("0860 03"), "heard 2 events");
   ucd().removeCameraNotificationReceiver(listener.get());
   EXPECT_EQ(heard("0860 03"), "heard 0 events");
+}
+
+class Acting final : public ZELCameraNotificationProtocol {
+ public:
+  explicit Acting(std::function<void()> act) : act_(std::move(act)) {}
+  void notificationType(std::int64_t, const std::optional<ZELMessageFields>&) override { act_(); }
+
+ private:
+  const std::function<void()> act_;
+};
+
+// Removes a receiver on a thread of its own, which is in no callback.
+class Removal {
+ public:
+  void begin(ZELCameraUCD& ucd, const ZELCameraNotificationProtocol& receiver) {
+    thread_ = std::thread([this, &ucd, &receiver] {
+      begun_.store(true);
+      ucd.removeCameraNotificationReceiver(&receiver);
+      over_.store(true);
+    });
+    while (!begun_.load()) std::this_thread::yield();
+  }
+  // Whether it is over although it was given only a little time.
+  bool isSoonOver() const {
+    for (int turn = 0; turn < 1000 && !over_.load(); ++turn) std::this_thread::yield();
+    return over_.load();
+  }
+  bool isOver() const { return over_.load(); }
+  void wait() { thread_.join(); }
+
+ private:
+  std::atomic<bool> begun_ = false, over_ = false;
+  std::thread thread_;
+};
+
+TEST_F(CameraEventsTest, ReachNobodyWhoseRemovalIsOver) {
+  Removal removal;
+  int events = 0, heardAfterwards = 0;
+  const auto second = std::make_shared<Acting>([&] { heardAfterwards += removal.isOver() ? 1 : 0; });
+  const auto first = std::make_shared<Acting>([&] {
+    if (++events != 1) return;
+    removal.begin(ucd(), *second);
+    removal.isSoonOver();
+  });
+  ucd().addCameraNotificationReceiver(first);
+  ucd().addCameraNotificationReceiver(second);
+  ucd().sendNotification(7, std::nullopt);
+  removal.wait();
+  ucd().sendNotification(7, std::nullopt);
+  EXPECT_EQ(heardAfterwards, 0);
+  EXPECT_EQ(events, 2);
+}
+
+TEST_F(CameraEventsTest, AreOverForAReceiverBeforeItsRemovalIs) {
+  Removal removal;
+  bool overTooSoon = false;
+  std::shared_ptr<Acting> receiver;
+  receiver = std::make_shared<Acting>([&] {
+    removal.begin(ucd(), *receiver);
+    overTooSoon = removal.isSoonOver();
+  });
+  ucd().addCameraNotificationReceiver(receiver);
+  ucd().sendNotification(7, std::nullopt);
+  removal.wait();
+  EXPECT_FALSE(overTooSoon);
+  EXPECT_TRUE(removal.isOver());
 }
 
 TEST_F(CameraEventsTest, PassAReceiverThatDoesNotCare) {

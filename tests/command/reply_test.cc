@@ -45,6 +45,12 @@ TEST(ReplyTest, OfATextFileCarriesTheCodeBesideTheError) {
   EXPECT_EQ(decoded.fields->get<ZELError>("NSError"), (ZELError{"NSOSStatusErrorDomain", 101, std::nullopt}));
 }
 
+// Without a body there is no code, not even 0, for the error to travel with.
+TEST(ReplyTest, OfATextFileIsRefusedWithoutABody) {
+  EXPECT_TRUE(decodeTextFileResult({}).refused);
+  EXPECT_FALSE(decodeTextFileResult({}).fields);
+}
+
 TEST(ReplyTest, ThatIsNotReadIsAlwaysASuccess) {
   EXPECT_FALSE(decodeAnything({}).refused);
   EXPECT_FALSE(decodeAnything(bytes({0})).fields);

@@ -164,6 +164,12 @@ TEST_F(ZELCameraManagerTest, ReportsAnUnusableBatteryReplyWithZeros) {
   EXPECT_EQ(outcome.text, "error 101 0 0");
 }
 
+TEST_F(ZELCameraManagerTest, AsksForTheBatteryWithoutAHandlerToo) {
+  manager().queryCameraBattery(nullptr);
+  EXPECT_EQ(written(), hex("08000000 0400 0140"));
+  answer("01C0 01 50");
+}
+
 TEST_F(ZELCameraManagerTest, AsksForTheOffsetOfTypeZero) {
   manager().getCameraMediaOffset(5, outcome);
   EXPECT_EQ(written(), hex("0A000000 0400 0F40 00 05"));
@@ -197,6 +203,12 @@ TEST_F(OldCameraTest, IsRefusedTheAudioBitrateAtOnceOnTheCallersThread) {
   EXPECT_EQ(manager().checkoutAudioAsynVersion(), (ZELError{"NSOSStatusErrorDomain", 120, std::nullopt}));
 }
 
+TEST_F(OldCameraTest, RefusesTheAudioBitrateWithoutAHandlerToo) {
+  manager().setCameraAudioBitrate(128000, nullptr);
+  manager().getCameraAudioBitrateWithRebackBlock(nullptr);
+  EXPECT_THAT(written(), IsEmpty());
+}
+
 TEST_F(OldCameraTest, PassesTheGateWhileNothingIsConnected) {
   host.unplug(camera);
   host.runUntilIdle();
@@ -205,6 +217,21 @@ TEST_F(OldCameraTest, PassesTheGateWhileNothingIsConnected) {
   EXPECT_EQ(outcome.calls, 0);
   host.runUntilIdle();
   EXPECT_EQ(outcome.text, "error 100 0");
+}
+
+TEST_F(OldCameraTest, PassesTheGateWhileFramesHaveStopped) {
+  host.advance(5);
+  ASSERT_EQ(accessory().status(), 3u);
+  EXPECT_EQ(manager().checkoutAudioAsynVersion(), std::nullopt);
+  manager().setCameraAudioBitrate(128000, outcome);
+  EXPECT_EQ(written(), hex("0C000000 0400 1300 00F40100"));
+}
+
+TEST_F(OldCameraTest, PassesTheGateBeforeTheFirstFrame) {
+  link().fire(platform::StreamEvent::errorOccurred);  // the session is opened anew
+  host.runUntilIdle();
+  ASSERT_EQ(accessory().status(), 1u);
+  EXPECT_EQ(manager().checkoutAudioAsynVersion(), std::nullopt);
 }
 
 class Firmware190Test : public ZELCameraManagerTest {

@@ -34,6 +34,26 @@ TEST_F(OddRequestsTest, SendsMeteringWeightsAsTheMeteringModeZero) {
   EXPECT_EQ(outcome.text, "ok");
 }
 
+// The operation of that name does not; a host that knows the number can.
+TEST_F(OddRequestsTest, SendsMeteringWeightsUnderTheirOwnType) {
+  ZELIPAEMMWeight weights{};
+  weights.weights[0] = 1;
+  weights.weights[95] = 2;
+  ucd().sendMsg(40, {{"IPAEMMWeight", weights}}, [&](const auto& reply) { outcome.take(std::nullopt, reply ? 1 : 0); });
+  EXPECT_EQ(written(), join(hex("68000000 0400 1740 01"), Bytes(94), bytes({2})));
+  answer("17C0 01");
+  EXPECT_EQ(outcome.text, "ok 0");
+}
+
+TEST_F(OddRequestsTest, AreMadeWithoutHandlersToo) {
+  ucd().msgReqGetGPSTimeoutWithRebackBlock(nullptr);
+  ucd().msgCmdShutterWithGps({}, {}, {}, nullptr, nullptr);
+  ucd().msgCmdShutterAEBWithGps({}, {}, {}, {}, {}, nullptr, nullptr);
+  EXPECT_EQ(written().size(), 8u + 72u + 82u);
+  for (const char* reply : {"32C0 01 2C01", "0780", "0F80"}) answer(reply);
+  send(join(bytes({71, 0, 0, 0, 3, 0}), Bytes(64), bytes({1})));
+}
+
 TEST_F(OddRequestsTest, NeverSendsAnOrientation) {
   ucd().msgReqUpdateOrientation({1, 2, 3, 4});
   ucd().newMsgReqUpdateOrientation(ZELMediaOrientation::initWithX(1, 2, 3, 4));
@@ -110,6 +130,63 @@ TEST_F(OddRequestsTest, FailsTheCaptureOfAShutterThatIsRefused) {
   EXPECT_EQ(photo.text, "error 101 none none");
 }
 
+TEST_F(OddRequestsTest, FailsTheCaptureOfAPlainShutterThatIsRefused) {
+  Outcome photo;
+  ucd().msgCmdShutterWithGps({}, {}, {}, outcome, photo);
+  answer("0780");
+  EXPECT_EQ(outcome.text, "error 101 0 0 none");
+  EXPECT_EQ(photo.text, "error 101 none none");
+}
+
+TEST_F(OddRequestsTest, FailsTheSeriesOfABracketThatIsRefused) {
+  int photoAnswers = 0;
+  ucd().msgCmdShutterAEBWithGps({}, {}, {}, {2, {-1, 1}}, {}, outcome,
+                                [&](const auto& error, const auto& names, const auto& images) {
+                                  ++photoAnswers;
+                                  EXPECT_EQ(error, (ZELError{"NSOSStatusErrorDomain", 101, std::nullopt}));
+                                  EXPECT_THAT(names, IsEmpty());
+                                  EXPECT_EQ(images, nullptr);
+                                });
+  answer("0F80");
+  EXPECT_EQ(outcome.text, "error 101 none none none");
+  EXPECT_EQ(photoAnswers, 1);
+}
+
+// Deliberate, and a trap: what the handler of the refusal begins anew is failed in its predecessor's place.
+TEST_F(OddRequestsTest, FailsTheCaptureInForceAfterTheHandlerOfARefusal) {
+  Log log;
+  const auto note = [&](const auto& error, const auto&...) { log.push_back(error ? "refused" : "taken"); };
+  const auto photo = std::make_shared<RecordingPhoto>(log);
+  ucd().msgCmdShutterWithGps({}, {}, {}, note, {});
+  stack.parser().setPhotoParser(photo);
+  answer("0780");
+  ucd().msgCmdShutterExtraWithGps({}, {}, {}, {}, note, {});
+  stack.parser().setPhotoParser(photo);
+  answer("1180");
+  ucd().msgCmdShutterAEBWithGps({}, {}, {}, {1, {}}, {}, note, {});
+  stack.parser().setPhotoParser(photo);
+  answer("0F80");
+  EXPECT_THAT(log, ElementsAre("refused", "photoError 101", "refused", "photoError 101", "refused", "photoError 101"));
+  stack.parser().setPhotoParser(nullptr);  // a stack that goes fails the one in force, and the log goes first
+}
+
+TEST_F(OddRequestsTest, DeliversPhotosToTheHandlersOfNewRequests) {
+  Outcome single, extra;
+  int names = 0;
+  const Bytes photo = join(bytes({71, 0, 0, 0, 3, 0}), Bytes(64), bytes({1}));
+  ucd().newMsgCmdShutterWithGps({}, {}, {}, {}, single);
+  send(photo);
+  ucd().newMsgCmdShutterExtraWithGps({}, {}, {}, {}, {}, extra);
+  send(photo);
+  ucd().newMsgCmdShutterAEBWithGps({}, {}, {}, {1, {}}, {}, {}, [&](const auto&, const auto& list, const auto&) {
+    names = static_cast<int>(list.size());
+  });
+  send(photo);
+  EXPECT_EQ(single.text, "ok \"\" 01");
+  EXPECT_EQ(extra.text, "ok \"\" 01");
+  EXPECT_EQ(names, 1);
+}
+
 TEST_F(OddRequestsTest, LeavesTheCaptureWaitingWithoutAHandlerForTheReply) {
   Outcome photo;
   ucd().msgCmdShutterWithGps({}, {}, {}, {}, photo);
@@ -183,6 +260,20 @@ TEST_F(OddRequestsTest, TellsTheDemultiplexerOfThePreviewsResolutionBeforeItAsks
   ucd().msgCmdStartVideoWithVideoRes(11, outcome);
   EXPECT_EQ(stack.parser().videoStreamRes(), 11u);
   EXPECT_THAT(log, ElementsAre("width 2560", "height 1280", "fps 30"));
+}
+
+TEST_F(OddRequestsTest, TellsThePlayerOfThePreviewsSizeBeforeTheRequestIsPacked) {
+  Log log;
+  const auto player = std::make_shared<RecordingPlayer>(log);
+  stack.parser().setPreviewPlayer(player);
+  stack.parser().registerMsgPacket(CameraMsgPacket(0x0004,
+                                                   [&](std::int32_t, const ZELMessageFields&, void*) {
+                                                     log.push_back("packed");
+                                                     return std::optional<ZELData>();
+                                                   }),
+                                   4);
+  ucd().msgCmdStartVideoWithVideoRes(0, outcome);
+  EXPECT_THAT(log, ElementsAre("width 1440", "height 720", "fps 15", "packed"));
 }
 
 TEST_F(OddRequestsTest, ResetsThePlayerWithEveryAnswerToAPreviewAndBeforeItsHandler) {

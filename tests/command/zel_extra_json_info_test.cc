@@ -59,9 +59,18 @@ TEST(ZELExtraJsonInfoTest, TakesEveryPartOfAVideosRecord) {
   record.orientation = {1, -2, 3, -2147483647 - 1};
   const auto info = ZELExtraJsonInfo::initWithVideoMnd(record);
   EXPECT_EQ(info->offset(), "1_1.500_0.000_0.000_0.000_0.000_0.000_0_0_0");
+  EXPECT_EQ(info->gps()->latitude(), 1.5);
+  EXPECT_EQ(info->gps()->longitude(), 2.5);
   EXPECT_EQ(info->gps()->altitude(), 3.5);
+  EXPECT_EQ(info->gyro()->ax(), 1.0);
+  EXPECT_EQ(info->gyro()->ay(), 2.0);
+  EXPECT_EQ(info->gyro()->az(), 3.0);
+  EXPECT_EQ(info->gyro()->gx(), 4.0);
+  EXPECT_EQ(info->gyro()->gy(), 5.0);
   EXPECT_EQ(info->gyro()->gz(), 6.5);
+  EXPECT_EQ(info->orientation()->x(), 1.0);
   EXPECT_EQ(info->orientation()->y(), -2.0);
+  EXPECT_EQ(info->orientation()->z(), 3.0);
   EXPECT_EQ(info->orientation()->w(), -2147483648.0);
 }
 

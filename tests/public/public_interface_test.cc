@@ -51,13 +51,16 @@ TEST(PublicInterface, SpellsTheDomainsOfErrorsAndTheirCodesAsEver) {
 }
 
 TEST(PublicInterface, SpellsTheKeysOfRequestsAndRepliesAsEver) {
-  EXPECT_THAT((std::vector{key::ucharValue, key::ucharValue2, key::shortValue, key::ushortValue, key::intValue,
-                           key::intValue2, key::uintValue, key::uintValue2, key::uintValue3, key::int64Value,
-                           key::uint64Value, key::uint64Value2, key::nsString, key::nsData, key::nsValue1,
-                           key::fileTime, key::fileSize, key::fileName, key::nsError}),
-              testing::ElementsAre("ucharValue", "ucharValue2", "shortValue", "ushortValue", "intValue", "intValue2",
-                                   "uintValue", "uintValue2", "uintValue3", "int64Value", "uint64Value", "uint64Value2",
-                                   "nsString", "NSData", "NSValue1", "fileTime", "FileSize", "fileName", "NSError"));
+  EXPECT_THAT(
+      (std::vector{key::ucharValue,      key::ucharValue2,   key::shortValue, key::ushortValue, key::intValue,
+                   key::intValue2,       key::uintValue,     key::uintValue2, key::uintValue3,  key::int64Value,
+                   key::uint64Value,     key::uint64Value2,  key::nsString,   key::nsData,      key::nsValue1,
+                   key::meteringWeights, key::exposureParam, key::gpsData,    key::gyroData,    key::orientationData,
+                   key::fileTime,        key::fileSize,      key::fileName,   key::nsError}),
+      testing::ElementsAre("ucharValue", "ucharValue2", "shortValue", "ushortValue", "intValue", "intValue2",
+                           "uintValue", "uintValue2", "uintValue3", "int64Value", "uint64Value", "uint64Value2",
+                           "nsString", "NSData", "NSValue1", "IPAEMMWeight", "IPMEParam", "gpsData", "gyroData",
+                           "orientationData", "fileTime", "FileSize", "fileName", "NSError"));
 }
 
 TEST(PublicInterface, TellsTheConstantsOfTheWire) {

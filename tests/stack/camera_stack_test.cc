@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -56,6 +57,31 @@ TEST_F(CameraStackTest, TellsWhatTheLinkHasSeen) {
   EXPECT_EQ(statistics.bytesReceived, 24u);
   EXPECT_EQ(statistics.resendsLeft, 10);
   EXPECT_EQ(statistics.roundTrip, -1);
+}
+
+TEST_F(CameraStackTest, TellsTheLastClockExchangesRoundTrip) {
+  openAndSynchronise();
+  host.advance(0.004);
+  send(bytes({9, 0, 0, 0, 4, 0, 0x49, 0xC0, 0}));
+  EXPECT_EQ(stack.statistics().roundTrip, 4);
+}
+
+TEST_F(CameraStackTest, CountsTheErrorsOfItsStream) {
+  openAndSynchronise();
+  EXPECT_EQ(stack.statistics().streamErrors, 0u);
+  link().fire(platform::StreamEvent::errorOccurred);
+  host.runUntilIdle();
+  EXPECT_EQ(stack.statistics().streamErrors, 1u);
+}
+
+TEST_F(CameraStackTest, HasEndedItsSessionThreadOnceItIsDestroyed) {
+  auto other = std::make_unique<CameraStack>(host.ports());
+  attach();
+  other->accessory().openCamera();
+  host.runUntilIdle();
+  ASSERT_EQ(host.liveThreads("session thread"), 1);
+  other.reset();
+  EXPECT_EQ(host.liveThreads("session thread"), 0);
 }
 
 TEST_F(CameraStackTest, GivesBackEverythingOverTwoHundredPluggings) {

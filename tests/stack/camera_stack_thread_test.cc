@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <barrier>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <random>
@@ -148,6 +149,28 @@ TEST_F(CameraStackThread, MeasuresTheClockOfACameraThatSendsItsMarkerAtOnce) {
   shutdown(listener.get(), SHUT_RDWR);  // where it has failed, nobody connects any more
   camera.join();
   EXPECT_EQ(measured.load(), kConnections);
+}
+
+// Each frame is queued at the very moment at which the one before counts as written, while the session thread may still
+// be at it.
+TEST_F(CameraStackThread, WritesAFrameThatIsQueuedWhileTheOneBeforeIsBeingWritten) {
+  constexpr int kFrames = 3000;
+  const platform::UniqueDescriptor listener = listenAt(folder_.file("camera.sock"));
+  const std::jthread camera([&] {  // ends with the connection
+    const platform::UniqueDescriptor host(accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    EXPECT_EQ(everythingFrom(host.get()).size(), std::size_t{kFrames});
+  });
+  CameraStack stack(ports());
+  plug("camera", 1);
+  stack.accessory().openCamera();
+  ASSERT_TRUE(reaches(stack, 1));
+  const CameraSession& session = stack.accessory().cameraSession();
+  for (std::uint64_t frame = 1; frame <= kFrames; ++frame) {
+    stack.accessory().writeData(ZELData(Bytes{1}));
+    const auto end = std::chrono::steady_clock::now() + kLimit;
+    while (session.bytesWritten() < frame && std::chrono::steady_clock::now() < end) continue;
+    ASSERT_EQ(session.bytesWritten(), frame);
+  }
 }
 
 // Counts events, and does something at one of them.

@@ -1,9 +1,11 @@
 #include "support/log_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -110,6 +112,34 @@ TEST_F(LogFileTest, LosesTheBytesInSilenceWhereAHundredTemporaryNamesAreTaken) {
   append("lost");
   EXPECT_EQ(contentOf(file()), "no file");
   EXPECT_EQ(filesThere(), 100);
+}
+
+// No file of this process may grow beyond so many bytes meanwhile.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : former_(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &limit_);
+    const rlimit smaller{bytes, limit_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &smaller);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &limit_);
+    std::signal(SIGXFSZ, former_);
+  }
+
+ private:
+  void (*const former_)(int);
+  rlimit limit_{};
+};
+
+TEST_F(LogFileTest, ReplacesNothingByHalfOfTheBytes) {
+  std::filesystem::create_symlink("log.txt", file());  // a link that leads to itself
+  {
+    const FileSizeLimit limit(4);
+    append("0123456789");
+  }
+  EXPECT_TRUE(std::filesystem::is_symlink(file()));
+  EXPECT_EQ(filesThere(), 1);
 }
 
 TEST_F(LogFileTest, ReplacesWhatCannotBeOpened) {

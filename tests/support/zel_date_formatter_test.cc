@@ -68,6 +68,21 @@ TEST_F(ZELDateFormatterTest, TellsTheTimeOfTheDevicesZone) {
   EXPECT_EQ(currentTime(), "2024-03-02 14:50:03:007");
 }
 
+TEST_F(ZELDateFormatterTest, TellsATimeAsTheZoneStoodThen) {
+  // An hour ahead from one second after the epoch on.
+  class SummerTime final : public platform::Clock {
+   public:
+    double absoluteTime() const override { return kMarch2; }
+    void sleepFor(double) override {}
+    std::int64_t localTimeOffset(double date) const override { return date < 1 ? 0 : 3600; }
+  };
+  const SummerTime clock;
+  ZELDateFormatter formatter(clock, "");
+  formatter.setDateFormat("HH:mm:ss");
+  EXPECT_EQ(formatter.stringFromDate(0), "00:00:00");
+  EXPECT_EQ(formatter.stringFromDate(1), "01:00:01");
+}
+
 TEST_F(ZELDateFormatterTest, ChangesTheDayWithTheZone) {
   device.offset = -10 * 3600;
   EXPECT_EQ(currentTime(), "2024-03-01 23:05:03:007");
@@ -87,6 +102,12 @@ TEST_F(ZELDateFormatterTest, TellsEachMillisecondOfASecond) {
     device.now = 731'063'103 + millisecond / 1000.0;
     EXPECT_EQ(std::stoi(currentTime().substr(20)), millisecond);
   }
+}
+
+// Times one million, this is 1000999.9999999999 as a double.
+TEST_F(ZELDateFormatterTest, TellsAMillisecondThatADoubleFallsJustShortOf) {
+  device.now = 1.001;
+  EXPECT_EQ(currentTime(), "2001-01-01 00:00:01:001");
 }
 
 TEST_F(ZELDateFormatterTest, KnowsLeapDaysAndTheTimeBeforeItsEpoch) {

@@ -78,6 +78,32 @@ TEST(ZELMediaOffsetTest, ReadsOneLensInThousandths) {
   EXPECT_EQ(offset.valueC, 30u);
 }
 
+TEST(ZELMediaOffsetTest, ReadsALensThatEndsTheText) {
+  const ZELMediaOffset offset = getMediaOffsetFromOffset("1_1_2_3_4_5_6");
+  EXPECT_EQ(offset.lensCount, 1);
+  EXPECT_EQ(offset.lenses[0].p, (std::array<S32, 6>{1000, 2000, 3000, 4000, 5000, 6000}));
+  EXPECT_EQ(offset.valueA, 0);
+  EXPECT_EQ(offset.valueB, 0);
+  EXPECT_EQ(offset.valueC, 0u);
+}
+
+TEST(ZELMediaOffsetTest, SkipsALensThatLacksItsLastValue) {
+  const ZELMediaOffset offset = getMediaOffsetFromOffset("1_1_2_3_4_5");
+  EXPECT_EQ(offset.lenses[0], ZELLensOffset{});
+  EXPECT_EQ(offset.valueA, 1);
+  EXPECT_EQ(offset.valueB, 2);
+  EXPECT_EQ(offset.valueC, 3u);
+}
+
+TEST(ZELMediaOffsetTest, ReadsTheThirdHeaderValueWhateverFollows) {
+  EXPECT_EQ(getMediaOffsetFromOffset("0_5_6_7_8_9").valueC, 7u);
+}
+
+TEST(ZELMediaOffsetTest, SkipsAnySpaceBeforeANumber) {
+  EXPECT_EQ(getMediaOffsetFromOffset("1_\t1_\n2_\v3_\f4_\r5_ \t6").lenses[0].p,
+            (std::array<S32, 6>{1000, 2000, 3000, 4000, 5000, 6000}));
+}
+
 TEST(ZELMediaOffsetTest, SkipsALensThatIsNotWhole) {
   const ZELMediaOffset offset = getMediaOffsetFromOffset("2_1_2_3_4_5_6_7_8");
   EXPECT_EQ(offset.lensCount, 2);
@@ -130,6 +156,10 @@ TEST(ZELMediaOffsetTest, ReadsANumberOfTwoSignsAsZero) {
   EXPECT_EQ(offset.valueC, 5u);
 }
 
+TEST(ZELMediaOffsetTest, ReadsANumberThatBeginsWithItsPoint) {
+  EXPECT_EQ(getMediaOffsetFromOffset("1_.5_-.5_0_0_0_0").lenses[0].p, (std::array<S32, 6>{500, -500, 0, 0, 0, 0}));
+}
+
 TEST(ZELMediaOffsetTest, TruncatesTowardZero) {
   const ZELMediaOffset offset = getMediaOffsetFromOffset("1_1.9999_-1.9999_0.0009_-0.0009_+2_ 3_0_0_0");
   EXPECT_EQ(offset.lenses[0].p, (std::array<S32, 6>{1999, -1999, 0, 0, 2000, 3000}));
@@ -152,6 +182,20 @@ TEST(ZELMediaOffsetTest, TakesTheNearestValueForTheFirstThatDoesNotFit) {
 TEST(ZELMediaOffsetTest, ReadsNothingBehindTheEndOfTheText) {
   EXPECT_EQ(getMediaOffsetFromOffset(std::string_view("0_5_6_79").substr(0, 7)).valueC, 7u);
   EXPECT_EQ(getMediaOffsetFromOffset(std::string_view("1_1_2_3_4_5_69").substr(0, 13)).lenses[0].p[5], 6000);
+}
+
+TEST(ZELMediaOffsetTest, TakesTheLargestValueWhereAFloatReachesJustBeyondIt) {
+  const ZELMediaOffset offset = getMediaOffsetFromOffset("1_2147483.648_-2147483.648_1E-999_-1E-999_0_0");
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+  EXPECT_EQ(offset.lenses[0].p, (std::array<S32, 6>{kMost, kLeast, 0, 0, 0, 0}));
+}
+
+// The nearest number of 64 bits, and of that the low bits.
+TEST(ZELMediaOffsetTest, KeepsTheLowBitsOfAHeaderValueBeyondSixtyFourBits) {
+  const ZELMediaOffset offset = getMediaOffsetFromOffset("0_9999999999999999999_-9999999999999999999_1");
+  EXPECT_EQ(offset.valueA, 65535);
+  EXPECT_EQ(offset.valueB, 0);
 }
 
 TEST(ZELMediaOffsetTest, KeepsTheLowBitsOfAHeaderValueThatIsTooLarge) {

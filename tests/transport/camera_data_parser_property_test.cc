@@ -2,7 +2,10 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
+#include "tests/transport/long_stream.h"
 #include "tests/transport/recording_consumers.h"
 #include "transport/camera_data_parser.h"
 #include "transport/frame.h"
@@ -100,6 +103,76 @@ RC_GTEST_PROP(CameraDataParserPropertyTest, DeliversTheSameForRandomCuts, ()) {
     from = cut;
   }
   RC_ASSERT(receiver.finished() == deliveredWhole());
+}
+
+// One camera's stream, as long as real ones, and how it is cut into reads.
+struct LongStream {
+  Bytes bytes;
+  std::vector<std::size_t> reads;
+};
+
+// Frames below and above the shortest read that is taken apart in place, and beyond the longest.
+LongStream randomLongStream() {
+  static const Bytes kNoise = patterned(3'000'000, 7);
+  const auto lengths = *rc::gen::container<std::vector<std::size_t>>(rc::gen::element<std::size_t>(
+      6, 6, 7, 11, 15, 100, 1'000, 4'095, 4'096, 4'097, 8'192, 65'536, 300'000, 2'097'151, 2'097'152, 2'097'153));
+  LongStream stream;
+  for (const std::size_t length : lengths) {
+    if (stream.bytes.size() > kReadBuffer) break;
+    const auto type = *rc::gen::element<std::uint16_t>(1, 2, 3, 99);
+    const auto from = static_cast<std::ptrdiff_t>(*rc::gen::inRange<std::size_t>(0, 900'000));
+    stream.bytes = join(
+        std::move(stream.bytes),
+        frameOf(type, Bytes(kNoise.begin() + from, kNoise.begin() + from + static_cast<std::ptrdiff_t>(length - 6))));
+  }
+  if (*rc::gen::inRange(0, 4) == 0) {  // the position is lost, and a marker follows
+    stream.bytes = join(std::move(stream.bytes), bytes({5, 0, 0, 0, 1, 0}), repeated(5'000, 1), kMarker,
+                        frameOf(1, bytes({1, 2, 3})), frameOf(2, repeated(6'000, 4)));
+  }
+  for (std::size_t left = stream.bytes.size(); left > 0; left -= stream.reads.back()) {
+    const auto read = *rc::gen::element<std::size_t>(1, 5, 6, 7, 4'095, 4'096, 4'097, 10'000, 65'536, 500'000,
+                                                     kReadBuffer - 1, kReadBuffer, kReadBuffer + 1);
+    // Short reads of a long rest take long and try nothing new.
+    stream.reads.push_back(std::min(left, left > 2'000 * read ? kReadBuffer : read));
+  }
+  return stream;
+}
+
+// What a reader made of a stream, and where it stood after each read.
+struct Outcome {
+  std::vector<Bytes> payloads;
+  std::vector<std::size_t> held;  // after each read
+  std::uint64_t received = 0, discarded = 0, lost = 0, markers = 0;
+
+  bool operator==(const Outcome&) const = default;
+};
+
+Outcome outcomeOf(const LongStream& stream, bool inPlace) {
+  LongReader reader;
+  Outcome outcome;
+  ByteView rest = stream.bytes;
+  for (const std::size_t read : stream.reads) {
+    if (inPlace) {
+      reader.read(rest.first(read));
+    } else {
+      reader.parser.appendBytes(rest.data(), read);
+      reader.parser.parserData();
+    }
+    rest = rest.subspan(read);
+    outcome.held.push_back(reader.parser.data().size());
+  }
+  const LinkStatistics statistics = reader.statistics();
+  outcome.payloads = reader.payloads();
+  outcome.received = statistics.bytesReceived;
+  outcome.discarded = statistics.bytesDiscarded;
+  outcome.lost = statistics.positionsLost;
+  outcome.markers = statistics.markersFound;
+  return outcome;
+}
+
+RC_GTEST_PROP(CameraDataParserPropertyTest, MakesTheSameOfAReadInPlaceAsOfACopiedOne, ()) {
+  const LongStream stream = randomLongStream();
+  RC_ASSERT(outcomeOf(stream, true) == outcomeOf(stream, false));
 }
 
 RC_GTEST_PROP(CameraDataParserPropertyTest, NeverDeliversMoreBytesThanItReceived, (const Bytes& noise)) {

@@ -64,6 +64,26 @@ TEST_F(CameraDataParserTest, RoutesEachDataTypeToItsConsumer) {
   EXPECT_THAT(held(), IsEmpty());
 }
 
+TEST_F(CameraDataParserTest, TellsTheAccessoryOfAFrameOnceItsConsumerHasIt) {
+  link.log = &log;
+  receive(join(kVideo, kPhoto, bytes({6, 0, 0, 0, 99, 0})));
+  EXPECT_THAT(log, ElementsAre("video 7 9", "received", "photo 4", "received", "received"));
+}
+
+TEST_F(CameraDataParserTest, GivesFramesToAConsumerThatCameLater) {
+  receive(join(kVideo, kPhoto, kFileReply));
+  Log later;
+  const auto second = std::make_shared<RecordingPlayer>(later);
+  parser.setPreviewPlayer(second);
+  receive(kAudio);
+  parser.setPhotoParser(std::make_shared<RecordingPhoto>(later));
+  receive(kPhoto);
+  parser.setUcdFile(std::make_shared<RecordingFile>(later));
+  receive(kFileReply);
+  EXPECT_THAT(log, ElementsAre("video 7 9", "photo 4", "file 1 2"));
+  EXPECT_THAT(later, ElementsAre("audio 5", "photo 4", "file 1 2"));
+}
+
 TEST_F(CameraDataParserTest, DeliversOnceAFrameCutAtAnyByte) {
   for (std::size_t cut = 0; cut <= kVideo.size(); ++cut) {
     log.clear();
@@ -133,6 +153,13 @@ TEST_F(CameraDataParserTest, FindsTheFirstOfTwoOverlappingMarkers) {
   parser.setIsNeedDataSynchronism(true);
   receive(join(kMarker, bytes({0xAF, 0xFA, 1})));  // the marker stands at 0 and at 2
   EXPECT_EQ(held(), bytes({0xAF, 0xFA, 1}));
+}
+
+TEST_F(CameraDataParserTest, CountsMarkersAndWhatStoodBeforeThem) {
+  parser.setIsNeedDataSynchronism(true);
+  receive(join(bytes({1, 2, 3}), kMarker, bytes({8})));
+  EXPECT_EQ(statistics().markersFound, 1u);
+  EXPECT_EQ(statistics().bytesDiscarded, 3u);
 }
 
 TEST_F(CameraDataParserTest, LeavesWhatFollowsTheMarkerForTheNextCall) {
@@ -212,6 +239,13 @@ TEST_F(CameraDataParserTest, PassesTheTimeOfAClockReplyOfThreeBytes) {
   receive(bytes({9, 0, 0, 0, 4, 0, 0x49, 0xC0, 0}));
   EXPECT_THAT(link.syncTimes, ElementsAre(123456));
   EXPECT_EQ(statistics().dropped.unregisteredCode, 0u);
+}
+
+TEST_F(CameraDataParserTest, TakesTheTimeOfAClockReplyBeforeItsHandlerRuns) {
+  link.log = &log;
+  registerReply(0xC049, 1);
+  receive(bytes({9, 0, 0, 0, 4, 0, 0x49, 0xC0, 5}));
+  EXPECT_THAT(log, ElementsAre("syncTime 0", "msg 1 body 5", "received"));
 }
 
 TEST_F(CameraDataParserTest, TakesNoTimeFromAClockReplyOfTwoBytes) {
@@ -323,6 +357,27 @@ TEST_F(CameraDataParserTest, ForgetsClearedBytes) {
   append(bytes({8, 0, 0, 0, 1}));
   parser.clearData();
   EXPECT_THAT(held(), IsEmpty());
+  receive(kAudio);
+  EXPECT_THAT(log, ElementsAre("audio 5"));
+}
+
+TEST_F(CameraDataParserTest, ParsesNothingOfClearedBytes) {
+  append(kVideo);
+  parser.clearData();
+  parser.parserData();
+  EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(CameraDataParserTest, TakesWhatComesAfterTwoClearingsInARow) {
+  parser.clearData();
+  parser.clearData();
+  receive(kAudio);
+  EXPECT_THAT(log, ElementsAre("audio 5"));
+}
+
+TEST_F(CameraDataParserTest, WaitsForNoFrameWhoseBeginningWasCleared) {
+  receive(bytes({100, 0, 0, 0, 1, 0, 7}));
+  parser.clearData();
   receive(kAudio);
   EXPECT_THAT(log, ElementsAre("audio 5"));
 }

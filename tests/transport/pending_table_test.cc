@@ -93,6 +93,28 @@ TEST_F(PendingTableTest, ForgetsAnAnswerWhoseRequestWasNotSent) {
   EXPECT_EQ(table.take(1, 11), "a");
 }
 
+TEST_F(PendingTableTest, KeepsNoSecondAnswerForTheRequestThatIsAnnouncedNext) {
+  table.announce(1);
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+  EXPECT_EQ(table.take(1, 11), std::nullopt);  // nobody's
+  table.announce(1);
+  EXPECT_EQ(put(1, "a"), 10);
+  EXPECT_EQ(put(1, "b"), std::nullopt);
+  EXPECT_EQ(table.take(1, 12), "b");
+}
+
+TEST_F(PendingTableTest, ForgetsOneAnswerWhereOneOfTwoRequestsWasNotSent) {
+  table.announce(1);
+  table.announce(1);
+  EXPECT_EQ(table.take(1, 10), std::nullopt);
+  EXPECT_EQ(table.take(1, 11), std::nullopt);
+  table.withdraw(1);
+  table.announce(1);
+  EXPECT_EQ(put(1, "a"), 10);
+  EXPECT_EQ(put(1, "b"), std::nullopt);
+  EXPECT_EQ(table.take(1, 12), "b");
+}
+
 TEST_F(PendingTableTest, DropsAnAnswerThatNobodyExpects) {
   EXPECT_EQ(table.take(1, 10), std::nullopt);
   store(1, "a");
@@ -122,6 +144,36 @@ TEST_F(PendingTableTest, ExpectsWhatHasNoAnswerYet) {
   EXPECT_TRUE(table.isExpected(1));
   EXPECT_EQ(table.take(1, 10), std::nullopt);
   EXPECT_FALSE(table.isExpected(1));
+  store(2, "b");
+  EXPECT_TRUE(table.isExpected(2));
+}
+
+// A key that counts how many of it are left.
+struct CountedKey {
+  explicit CountedKey(int key) : number(key) { ++living; }
+  CountedKey(const CountedKey& other) : number(other.number) { ++living; }
+  CountedKey& operator=(const CountedKey&) = delete;
+  ~CountedKey() { --living; }
+  bool operator<(const CountedKey& other) const { return number < other.number; }
+
+  int number;
+  static inline int living = 0;
+};
+
+TEST(PendingTableMemory, KeepsNothingOfAKeyThatIsDone) {
+  PendingTable<CountedKey, std::string, int> table;
+  const auto store = [&](int number) {
+    table.announce(CountedKey(number));
+    std::optional<std::string> handler("a");
+    EXPECT_EQ(table.put(CountedKey(number), handler), std::nullopt);
+  };
+  table.announce(CountedKey(1));
+  table.withdraw(CountedKey(1));
+  store(2);
+  EXPECT_EQ(table.take(CountedKey(2), 10), "a");
+  store(3);
+  EXPECT_EQ(table.takeAll(10).size(), 1u);
+  EXPECT_EQ(CountedKey::living, 0);
 }
 
 }  // namespace

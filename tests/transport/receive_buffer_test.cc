@@ -79,6 +79,34 @@ TEST(ReceiveBufferTest, GivesALargeFramesMemoryBack) {
   EXPECT_EQ(buffer.capacity(), 65536u);
 }
 
+TEST(ReceiveBufferTest, KeepsALargeFramesMemoryForTheNextOne) {
+  constexpr std::size_t kLarge = 10 * 1024 * 1024;
+  ReceiveBuffer buffer;
+  buffer.append(repeated(kLarge, 0));
+  buffer.append(bytes({1, 2, 3}));
+  const std::size_t before = buffer.capacity();
+  buffer.consume(kLarge, kLarge);
+  EXPECT_EQ(buffer.size(), 3u);
+  EXPECT_EQ(buffer.capacity(), before);
+}
+
+TEST(ReceiveBufferTest, DoesNotGrowWhereTheBytesJustFit) {
+  ReceiveBuffer buffer;
+  buffer.append(repeated(65536, 1));
+  buffer.consume(60000, 200000);
+  buffer.append(repeated(60000, 2));
+  EXPECT_EQ(buffer.capacity(), 65536u);
+}
+
+TEST(ReceiveBufferTest, AwaitsNothingOnceItIsCleared) {
+  ReceiveBuffer buffer;
+  buffer.append(bytes({1, 2}));
+  buffer.consume(0, 100);
+  EXPECT_EQ(buffer.awaited(), 100u);
+  buffer.clear();
+  EXPECT_EQ(buffer.awaited(), 0u);
+}
+
 TEST(ReceiveBufferTest, ClearsWithoutLosingItsWorkingMemory) {
   ReceiveBuffer buffer;
   buffer.append(bytes({1, 2}));

@@ -60,12 +60,18 @@ class RecordingFile final : public FileReplyConsumer {
 class RecordingLink final : public AccessoryLink {
  public:
   void successCreateSession() override { ++sessions; }
-  void receivedData() override { ++received; }
+  void receivedData() override {
+    ++received;
+    if (log != nullptr) log->push_back("received");
+  }
   std::int64_t firewareVersion() const override { return firmware; }
   std::int64_t timeOffset() const override { return offset; }
   double absoluteTime() const override { return seconds; }
   void sendSyncTimeCmd() override { ++syncTimeCommands; }
-  void updateReceiveSyncTimeCmdTimestamp(std::int64_t time) override { syncTimes.push_back(time); }
+  void updateReceiveSyncTimeCmdTimestamp(std::int64_t time) override {
+    syncTimes.push_back(time);
+    if (log != nullptr) log->push_back("syncTime " + std::to_string(time));
+  }
   void streamPositionLost() override { ++positionsLost; }
 
   std::int64_t firmware = 192;
@@ -73,6 +79,7 @@ class RecordingLink final : public AccessoryLink {
   double seconds = 0;
   int sessions = 0, received = 0, syncTimeCommands = 0, positionsLost = 0;
   std::vector<std::int64_t> syncTimes;
+  Log* log = nullptr;  // where what arrives is listed too
 };
 
 }  // namespace zel::test

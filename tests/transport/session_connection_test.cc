@@ -50,7 +50,9 @@ class SessionConnectionTest : public testing::Test {
     connection = make(nullptr);
   }
 
-  ~SessionConnectionTest() override { connection->join(); }
+  ~SessionConnectionTest() override {
+    if (connection) connection->join();
+  }
 
   std::shared_ptr<SessionConnection> make(std::shared_ptr<void> keepAlive) {
     auto session = host.ports().accessories.openSession(camera, "com.zelcam.ucd");
@@ -165,6 +167,15 @@ TEST_F(SessionConnectionTest, ClosesItsStreamsWhenItIsJoinedWithoutAClose) {
   connection->join();
   EXPECT_TRUE(link().isClosed());
   EXPECT_EQ(owner.ended, 1);
+}
+
+TEST_F(SessionConnectionTest, IsGoneOnceItsThreadHasEndedAndNobodyHoldsIt) {
+  start();
+  const std::weak_ptr<SessionConnection> watched = connection;
+  connection->close();
+  connection.reset();
+  host.runUntilIdle();
+  EXPECT_TRUE(watched.expired());
 }
 
 TEST_F(SessionConnectionTest, LetsGoOfWhatItKeptAliveWhenItsThreadEnds) {

@@ -20,10 +20,29 @@ TEST(TextTest, RefusesWhatIsNotUtf8) {
   }
 }
 
+// Each length's first and last character, and those beside the surrogates.
+TEST(TextTest, KnowsUtf8UpToItsEdges) {
+  for (const char* good : {"\x7F", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
+                           "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_TRUE(isUtf8(good)) << good;
+  }
+  for (const char* bad : {"\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xED\xBF\xBF", "\xF0\x8F\xBF\xBF",
+                          "\xF4\x90\x80\x80", "\xC3\xC3", "\xC3\x7F"}) {
+    EXPECT_FALSE(isUtf8(bad)) << bad;
+  }
+}
+
+TEST(TextTest, KnowsAscii) {
+  EXPECT_TRUE(isAscii("a\x7F"));
+  EXPECT_FALSE(isAscii("a\x80"));
+}
+
 TEST(TextTest, CountsCharactersAsUtf16Does) {
   EXPECT_EQ(characterCount("a\xC3\xA9\xE2\x82\xAC"), 3u);
   EXPECT_EQ(characterCount("\xF0\x9F\x93\xB7"), 2u);
   EXPECT_EQ(characterCount("\xFF\xFE"), 2u);
+  EXPECT_EQ(characterCount("\xEF\xBF\xBF"), 1u);      // U+FFFF, the last that one unit holds
+  EXPECT_EQ(characterCount("\xF0\x90\x80\x80"), 2u);  // U+10000
 }
 
 TEST(TextTest, DropsCharactersAndNotBytes) {

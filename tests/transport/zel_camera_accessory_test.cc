@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/transport/simulated_camera.h"
@@ -107,7 +111,8 @@ TEST_P(FirmwareNumber, IsWhatFollowsTheLastUnderscore) {
 
 INSTANTIATE_TEST_SUITE_P(Revisions, FirmwareNumber,
                          testing::Values(std::pair("E1_2.0.1_192", 192), std::pair("192", 192), std::pair("E1_x192", 0),
-                                         std::pair("E1_", 0), std::pair("", 0), std::pair("1_2_189beta", 189)));
+                                         std::pair("E1_", 0), std::pair("", 0), std::pair("1_2_189beta", 189),
+                                         std::pair("E1_0190", 190), std::pair("E1_0x190", 0)));
 
 TEST_F(ZELCameraAccessoryTest, ForgetsTheFirmwareWhenItCloses) {
   open();
@@ -126,6 +131,16 @@ TEST_F(ZELCameraAccessoryTest, GoesThroughItsStatusesAndTellsObservers) {
   send(kAudioFrame);
   accessory().closeCamera();
   EXPECT_THAT(seen, ElementsAre(1, 2, 3, 2, 0));
+}
+
+TEST_F(ZELCameraAccessoryTest, TellsOfAClosingOnce) {
+  std::vector<std::uint64_t> seen;
+  open();
+  const auto watch = accessory().observeStatus([&](std::uint64_t status) { seen.push_back(status); });
+  accessory().closeConnection();
+  accessory().closeConnection();
+  accessory().closeCamera();
+  EXPECT_THAT(seen, ElementsAre(0));
 }
 
 TEST_F(ZELCameraAccessoryTest, StopsTellingAnObserverThatHasGone) {
@@ -176,6 +191,16 @@ TEST_F(ZELCameraAccessoryTest, AsksForNoMarkerOnceItWasFound) {
   open(cameraDescription(7, "E1_1_189"));
   send(join(kMarker, bytes({7})));
   host.advance(3);
+  EXPECT_THAT(link().written(), IsEmpty());
+  EXPECT_EQ(accessory().status(), 1u);
+}
+
+// Supervision begins with openConnection and ends with closeConnection; a session alone is not supervised.
+TEST_F(ZELCameraAccessoryTest, WatchesNoSessionThatIsOpenedAfterTheConnectionWasClosed) {
+  open();
+  accessory().closeConnection();
+  EXPECT_TRUE(accessory().connectCamera(camera));
+  host.advance(10);
   EXPECT_THAT(link().written(), IsEmpty());
   EXPECT_EQ(accessory().status(), 1u);
 }
@@ -336,6 +361,74 @@ TEST_F(ZELCameraAccessoryTest, OpensTwiceAsIfOnce) {
   host.unplug(camera);
   attach(cameraDescription(9));
   EXPECT_EQ(accessory().status(), 0u);
+}
+
+TEST_F(ZELCameraAccessoryTest, AnnouncesAnAttachedCameraOnceItsConnectionIsOpen) {
+  std::vector<std::string> log;
+  class Delegate final : public ZELCameraAccessoryDelegate {
+   public:
+    explicit Delegate(std::vector<std::string>& into) : log_(into) {}
+    void cameraAccessoryOnError(const ZELError&, const std::optional<ZELAccessoryDict>&) override {
+      log_.push_back("the connection's report");
+    }
+
+   private:
+    std::vector<std::string>& log_;
+  };
+  const auto delegate = std::make_shared<Delegate>(log);
+  accessory().setDelegate(delegate);
+  // Both go through the main queue, which keeps their order.
+  const auto watch =
+      host.ports().notifications.observe(kZELCameraDidConnectNotification, [&](const platform::Notification&) {
+        host.ports().queues.mainQueue().post([&] { log.push_back("after the announcement"); });
+      });
+  accessory().openCamera();
+  attach();
+  EXPECT_THAT(log, ElementsAre("the connection's report", "after the announcement"));
+}
+
+TEST_F(ZELCameraAccessoryTest, AsksThePlatformForArrivalsUntilItIsClosedHoweverOftenItIsOpened) {
+  int heard = 0;
+  const auto watch = host.ports().notifications.observe(platform::kAccessoryDidConnectNotification,
+                                                        [&](const platform::Notification&) { ++heard; });
+  attach(cameraDescription(1));
+  EXPECT_EQ(heard, 0);
+  accessory().openCamera();
+  accessory().openCamera();
+  attach(cameraDescription(2));
+  EXPECT_EQ(heard, 1);
+  accessory().closeCamera();
+  attach(cameraDescription(3));
+  EXPECT_EQ(heard, 1);
+}
+
+// A clock that somebody reads while something else happens.
+class InterruptedClock final : public platform::Clock {
+ public:
+  double absoluteTime() const override {
+    if (const auto act = std::exchange(interruption, nullptr)) act();
+    return seconds;
+  }
+  void sleepFor(double) override {}
+
+  double seconds = 1000;
+  mutable std::function<void()> interruption;
+};
+
+TEST(InterruptedTickTest, LeavesAStatusThatChangedDuringTheTickAsItIs) {
+  platform::SimulatedPlatform host;
+  InterruptedClock clock;
+  CameraStack stack(platform::Ports{clock, host.ports().threads, host.ports().queues, host.ports().accessories,
+                                    host.ports().notifications});
+  host.plug(cameraDescription());
+  ZELCameraAccessory& accessory = stack.accessory();
+  accessory.openCamera();
+  accessory.receivedData();
+  ASSERT_EQ(accessory.status(), 2u);
+  clock.seconds += 4;  // longer than a camera may be silent
+  clock.interruption = [&] { accessory.successCreateSession(); };
+  accessory.onDetectTimer();
+  EXPECT_EQ(accessory.status(), 1u);
 }
 
 TEST_F(ZELCameraAccessoryTest, OpensNoTunnel) { EXPECT_FALSE(accessory().tunnelService().open()); }
