@@ -1,6 +1,5 @@
 #include "command/request_engine.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 

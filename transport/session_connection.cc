@@ -29,8 +29,9 @@ std::shared_ptr<SessionConnection> SessionConnection::create(ConnectionOwner& ow
 bool SessionConnection::startThread(platform::Threads& threads) {
   const auto self = shared_from_this();
   const MutexLock lock(threadMutex_);
-  sessionThread_ = threads.start("session thread", {.begin = [self](platform::RunLoop& runLoop) { self->runLoop_ = &runLoop; },
-                                             .end = [self] { self->endSessionThread(); }});
+  sessionThread_ =
+      threads.start("session thread", {.begin = [self](platform::RunLoop& runLoop) { self->runLoop_ = &runLoop; },
+                                       .end = [self] { self->endSessionThread(); }});
   return sessionThread_ != nullptr;
 }
 
