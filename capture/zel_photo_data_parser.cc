@@ -41,7 +41,8 @@ std::unique_ptr<ZELPhotoDataParser> ZELPhotoDataParser::initWithShutterBlock(zel
 std::unique_ptr<ZELPhotoDataParser> ZELPhotoDataParser::initWithAEBShutterCount(zel::platform::Queue& mainQueue,
                                                                                 std::int32_t count,
                                                                                 ZELPhotoSeriesBlock block) {
-  Series series{static_cast<std::size_t>(std::max(count, 0)), std::move(block), {}, std::make_shared<ZELDataArray>(), {}};
+  Series series{
+      static_cast<std::size_t>(std::max(count, 0)), std::move(block), {}, std::make_shared<ZELDataArray>(), {}};
   return std::unique_ptr<ZELPhotoDataParser>(new ZELPhotoDataParser(mainQueue, std::move(series)));
 }
 
@@ -94,8 +95,8 @@ ZELPhotoDataParser::Answer ZELPhotoDataParser::parserShutterAEBData(Series& seri
   return complete ? replyShutterAEBBlockWithError(series, std::nullopt) : nullptr;
 }
 
-// Both or neither, also where memory ends: a name belongs to the picture of the same number. A list that has been handed
-// over and let go of is seen by nobody, and grows no more.
+// Both or neither, also where memory ends: a name belongs to the picture of the same number. A list that has been
+// handed over and let go of is seen by nobody, and grows no more.
 void ZELPhotoDataParser::keep(Series& series, zel::ByteView bytes) {
   std::string name = nameIn(bytes).value_or("");
   series.AEBFileNames.reserve(series.AEBFileNames.size() + 1);

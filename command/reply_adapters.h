@@ -34,8 +34,8 @@ struct ReplyValue<std::optional<T>> {
   }
 };
 
-// keys: one for each of the handler's values, in their order. Values that find no memory are refused, so that the handler
-// hears of it.
+// keys: one for each of the handler's values, in their order. Values that find no memory are refused, so that the
+// handler hears of it.
 template <class... Values, class... Keys>
 RebackDic takingApart(RebackBlock<Values...> rebackBlock, Keys... keys) {
   static_assert(sizeof...(Values) == sizeof...(Keys), "a key for each value");

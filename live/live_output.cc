@@ -54,8 +54,8 @@ bool LiveOutput::deliver(Call call) const {
 
 void LiveOutput::addAACData(Bytes data, std::int64_t timestamp) {
   const bool delivered = hasAudio_.get() && !waitsForVideo() && deliver([&](ZELLiveDataSourceProtocol& receiver) {
-    receiver.sourceOnAACData(data, timestamp);
-  });
+                           receiver.sourceOnAACData(data, timestamp);
+                         });
   (delivered ? audioFrames_ : droppedAudio_).add(1);
 }
 
@@ -73,8 +73,8 @@ void LiveOutput::addH264Nalu(std::span<std::uint8_t> unit, bool keyframe, std::i
   const bool isWanted = unit.size() > kStartCode.size() && letsThrough(timestamp);
   if (unit.size() >= kStartCode.size()) std::ranges::copy(kStartCode, unit.begin());
   const bool delivered = isWanted && deliver([&](ZELLiveDataSourceProtocol& receiver) {
-    receiver.sourceOnH264Nalu(unit, keyframe, timestamp);
-  });
+                           receiver.sourceOnH264Nalu(unit, keyframe, timestamp);
+                         });
   (delivered ? units_ : droppedUnits_).add(1);
 }
 

@@ -53,8 +53,7 @@ void ZELLiveDataSource::startPreviewWithFrame(const ZELRect& frame, ViewBlock re
 
 void ZELLiveDataSource::startShowing(const ZELRect& frame, const ViewBlock& result) {
   choosePlayer();
-  const auto show = [weak = weak_from_this(), frame, result](
-                        bool success, const std::optional<std::string>& offset) {
+  const auto show = [weak = weak_from_this(), frame, result](bool success, const std::optional<std::string>& offset) {
     const auto self = weak.lock();
     if (!self || !success) return;
     self->state_->settings.offset.set(offset);

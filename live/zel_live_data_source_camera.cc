@@ -44,12 +44,12 @@ void ZELLiveDataSource::setCameraAudioOn(bool on, ResultBlock result) {
 }
 
 void ZELLiveDataSource::requestAudio(bool on, const ResultBlock& result) {
-  state_->parts.ucd->msgReqSwitchAudioStreamType(
-      on ? kAudioOn : kAudioOff, [weak = weak_from_this(), result](const Error& error) {
-        const auto self = weak.lock();
-        if (self && error) self->fail(6, "failed to switch audio");
-        if (result) result(!error);
-      });
+  state_->parts.ucd->msgReqSwitchAudioStreamType(on ? kAudioOn : kAudioOff,
+                                                 [weak = weak_from_this(), result](const Error& error) {
+                                                   const auto self = weak.lock();
+                                                   if (self && error) self->fail(6, "failed to switch audio");
+                                                   if (result) result(!error);
+                                                 });
 }
 
 void ZELLiveDataSource::getCameraMediaOffset(OffsetBlock result) {
@@ -59,14 +59,13 @@ void ZELLiveDataSource::getCameraMediaOffset(OffsetBlock result) {
 }
 
 void ZELLiveDataSource::requestOffset(const OffsetBlock& result) {
-  state_->parts.ucd->msgReqGetMediaOffset(kOffsetOfCamera, static_cast<std::uint8_t>(resolution() & 0xFF),
-                                          [weak = weak_from_this(), result](
-                                              const Error& error, const std::optional<std::string>& offset) {
-                                            const auto self = weak.lock();
-                                            if (self && error)
-                                              self->fail(3, "failed to get camera offset");
-                                            if (result) result(!error, offset);
-                                          });
+  state_->parts.ucd->msgReqGetMediaOffset(
+      kOffsetOfCamera, static_cast<std::uint8_t>(resolution() & 0xFF),
+      [weak = weak_from_this(), result](const Error& error, const std::optional<std::string>& offset) {
+        const auto self = weak.lock();
+        if (self && error) self->fail(3, "failed to get camera offset");
+        if (result) result(!error, offset);
+      });
 }
 
 void ZELLiveDataSource::failWithErrorCode(std::int64_t code, const std::string& description) {

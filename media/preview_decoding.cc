@@ -41,9 +41,8 @@ void PreviewDecoding::offerPps(ByteView unit) {
 void PreviewDecoding::start(const ParameterSets& used, const Receiver& receiver) {
   std::shared_ptr<ZELDecodeRunLoop> made;
   bool runs = false;
-  bool hadMemory = hasMemoryFor([&] {
-    made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), receiver);
-  });
+  bool hadMemory = hasMemoryFor(
+      [&] { made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), receiver); });
   const MutexLock lock(mutex_);
   if (decodeRunLoop_ || !sets_.areThoseOf(used)) return;
   if (made) hadMemory = hasMemoryFor([&] { runs = made->start(); });

@@ -54,8 +54,9 @@ class ZEL_EXPORT CameraStack {
   // What the stack was built on.
   const platform::Ports& ports() const;
 
-  // A longer frame counts as a lost position in the stream, and a longer unit is dropped. Frames are not limited to more
-  // than 256 MiB, whatever is set. To be set before the camera is opened; it counts for players that are made later.
+  // A longer frame counts as a lost position in the stream, and a longer unit is dropped. Frames are not limited to
+  // more than 256 MiB, whatever is set. To be set before the camera is opened; it counts for players that are made
+  // later.
   void setReceiveLimits(const ReceiveLimits& limits);
 
   // suitablePreviewPlayer - a new player that receives this camera's preview, at the current resolution, in place of

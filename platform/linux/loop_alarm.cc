@@ -31,9 +31,7 @@ void LoopAlarm::ring() {
 }
 
 // A read and not a wait: it is taken up again without a call of the kernel to say so.
-void LoopAlarm::wait() {
-  event_.async_read_some(asio::buffer(&rings_, sizeof rings_), Rung{this});
-}
+void LoopAlarm::wait() { event_.async_read_some(asio::buffer(&rings_, sizeof rings_), Rung{this}); }
 
 void LoopAlarm::rung(const std::error_code& error) {
   if (error) return;

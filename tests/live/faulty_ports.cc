@@ -82,14 +82,13 @@ FaultyPorts::FaultyPorts(const platform::Ports& wrapped)
 std::unique_ptr<platform::Thread> FaultyPorts::FaultyThreads::start(std::string name, platform::ThreadBody body) {
   takeMemory();
   const FaultyCode platform(false);
-  auto started = wrapped.start(
-      std::move(name),
-      {.begin =
-           [this, begin = std::move(body.begin)](platform::RunLoop& loop) {
-             FaultyLoop& own = loopOf(loop);
-             inside(escapes, [&] { begin(own); });
-           },
-       .end = [kept = escapes, end = std::move(body.end)] { inside(kept, end); }});
+  auto started =
+      wrapped.start(std::move(name), {.begin =
+                                          [this, begin = std::move(body.begin)](platform::RunLoop& loop) {
+                                            FaultyLoop& own = loopOf(loop);
+                                            inside(escapes, [&] { begin(own); });
+                                          },
+                                      .end = [kept = escapes, end = std::move(body.end)] { inside(kept, end); }});
   FaultyLoop& own = loopOf(started->runLoop());
   return std::make_unique<FaultyThread>(std::move(started), loops.at(&own.wrapped));
 }
