@@ -53,7 +53,7 @@ int CameraLink::open() {
   const LinkKeeper keeper(platform_, settings_, stack_.accessory());
   std::optional<std::string> inUse;
   const auto isOver = [&] {
-    if (!stack_.accessory().accessoryInfo()) inUse = bus_.cameraInUse();  // and no other one was opened
+    if (!inUse && !stack_.accessory().accessoryInfo()) inUse = bus_.cameraInUse();  // and no other one was opened
     return framesArrived_.load() || inUse;
   };
   const Waited end = waitFor(isOver, settings_.timeout);

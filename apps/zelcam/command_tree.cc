@@ -23,7 +23,7 @@ Exit status:
   0    done
   1    the camera refused or failed, or a file could not be written
   2    wrong usage; nothing was sent
-  3    no camera, no answer in time, or the camera was lost
+  3    no camera, or another program has it; no answer in time, or the camera was lost
   130  interrupted before it was done
 )";
 

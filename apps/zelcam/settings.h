@@ -20,7 +20,7 @@ enum ExitStatus {
   kDone = 0,
   kRefused = 1,  // the camera refused or failed
   kWrongUsage = 2,
-  kNoCamera = 3,       // no camera, no answer in time, or the camera was lost
+  kNoCamera = 3,       // no camera, or another program has it; no answer in time, or the camera was lost
   kInterrupted = 130,  // stopped before it was done; 128 and the number of SIGINT, as shells have it
 };
 

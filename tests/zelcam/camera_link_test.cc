@@ -4,6 +4,8 @@
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 #include "tests/zelcam/bare_camera.h"
 #include "tests/zelcam/zelcam_test.h"
@@ -182,9 +184,13 @@ TEST_F(CameraLinkTest, ARequestWithoutASessionFailsAtOnce) {
   itself = &camera;
   camera.listen();
   camera.attach();
-  const auto host = zelcam({"--timeout", "600", "call", "msgReqGetCardStateWithRebackBlock"});
+  const std::string log = folder.path() + "/log";
+  const auto host = zelcam({"--timeout", "600", "--log", log, "call", "msgReqGetCardStateWithRebackBlock"});
   EXPECT_EQ(host->wait(), 3) << host->errors();
   EXPECT_THAT(host->errors(), HasSubstr("msgReqGetCardStateWithRebackBlock: the camera was lost"));
+  std::stringstream told;
+  told << std::ifstream(log).rdbuf();
+  EXPECT_THAT(told.str(), Not(HasSubstr("status 3"))) << "it waited for the silence";
 }
 
 }  // namespace

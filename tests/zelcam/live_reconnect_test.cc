@@ -24,9 +24,10 @@ const std::string kThereAgain = "the camera is there again";
 
 class LiveReconnectTest : public LiveTest {
  protected:
+  // With a time-out that is not over before a test is: what is noticed, is noticed of the link.
   std::unique_ptr<Process> streaming(Arguments more) {
-    more.insert(more.begin(), {"-o", path("a.ts")});
-    auto host = live(std::move(more));
+    more.insert(more.begin(), {"--timeout", "600", "--verbose", "live", "-o", path("a.ts")});
+    auto host = zelcam(std::move(more));
     EXPECT_TRUE(grows(path("a.ts"), 50'000)) << host->errors();
     return host;
   }
