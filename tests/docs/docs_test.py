@@ -37,6 +37,8 @@ def is_built(target):
 def complaint(line):
     """Why a command line cannot be typed as it stands; those of the two programs are read by the programs' own parsers."""
     words = shlex.split(line, comments=True)
+    while re.fullmatch(r"[A-Z_]+=\S*", words[0]):  # a variable for that command alone
+        words.pop(0)
     if words[0] == "export":
         return None if words[1:] == ["PATH=$PWD/build/release/bin:$PATH"] else "leads nowhere"
     if words[0] == "kill":

@@ -74,8 +74,9 @@ TEST_F(LiveMediaTest, ForgetsPicturesThatWaitToBeStitchedAtTheStop) {
   runFrom(1000);
   see(1, 1001);
   source->stopLiveData();
-  host.runUntilIdle();
-  runFrom(2000);
+  log->take();
+  start();
+  hearAt(2000);
   letThreadsRun();
   EXPECT_EQ(log->count("stitched"), 0u);
   see(2, 2001);
