@@ -102,7 +102,8 @@ bool tryToTake(const std::string& folder, const std::string& camera, const std::
   }
   if (!locked) {
     taken.user = readUser(file.get());
-    return isRunning(*taken.user);
+    // This process's own may be just going, on the thread of a session that has been closed.
+    return isRunning(*taken.user) && taken.user->process != ::getpid();
   }
   if (!isFileAt(path, file.get())) return false;
   writeUser(file.get(), program);

@@ -128,7 +128,7 @@ class BashCompletion(unittest.TestCase):
         self.assertEqual(completed("zelcam", "photo", "--js"), ["--json"])
         self.assertEqual(completed("zelcam", "live", "--logo"), ["--logo", "--logo-angle"])
         self.assertEqual(completed("zelcam", "--vers"), ["--version"])
-        self.assertEqual(completed("zelcam-sim", "--s"), ["--serial", "--storage", "--seed"])
+        self.assertEqual(completed("zelcam-sim", "--s"), ["--serial", "--slices", "--storage", "--seed"])
 
     def test_offers_values(self):
         self.assertEqual(completed("zelcam", "record", "st"), ["start", "stop"])

@@ -104,13 +104,14 @@ TEST_F(ZELDecodeRunLoopThreadTest, LetsWhoPollsWaitForTheDelegatesEnd) {
   class PolledMeanwhile final : public ZELPixelBufferDataProtocol {
    public:
     void onPixelBuffer(const platform::PixelBufferRef&, std::int64_t) override {
-      if (poll.valid()) return;
+      if (std::exchange(called, true)) return;
       poll = std::async(std::launch::async, [this] { return loop->getNextMediaPixelBuffer() != nullptr; });
       // It never ends while this call lasts, so that the time tells nothing about the machine.
       ended = poll.wait_for(std::chrono::milliseconds(200)) == std::future_status::ready;
       delivered.set();
     }
     ZELDecodeRunLoop* loop = nullptr;
+    bool called = false;  // decode thread only
     std::future<bool> poll;
     std::atomic<bool> ended = false;
     Event delivered;

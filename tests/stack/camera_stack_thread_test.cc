@@ -142,8 +142,12 @@ TEST_F(CameraStackThread, MeasuresTheClockOfACameraThatSendsItsMarkerAtOnce) {
   plug("camera", 1);
   CameraStack stack(ports());
   for (std::uint64_t connection = 1; connection <= kConnections && !HasFailure(); ++connection) {
-    EXPECT_NE(stack.accessory().openCamera(), nullptr);
-    EXPECT_TRUE(eventually([&] { return stack.statistics().bytesWritten >= 16 * connection; })) << connection;
+    EXPECT_NE(stack.accessory().openCamera(), nullptr) << (warnings_.now().empty() ? "" : warnings_.now().back());
+    EXPECT_TRUE(eventually([&] { return stack.statistics().bytesWritten >= 16 * connection; }))
+        << connection << " status " << stack.accessory().status() << " received " << stack.statistics().bytesReceived
+        << " markers " << stack.statistics().markersFound << " errors " << stack.statistics().streamErrors << " written "
+        << stack.statistics().bytesWritten << " waiting " << stack.statistics().bytesToWrite << " warnings " << (warnings_.now().empty() ? "" : warnings_.now().back()) << " firmware "
+        << stack.accessory().firewareVersion();
     stack.accessory().closeCamera();
   }
   shutdown(listener.get(), SHUT_RDWR);  // where it has failed, nobody connects any more

@@ -44,6 +44,11 @@ std::optional<simulator::Picture> jpegIn(const std::string& path) { return simul
 
 simulator::Picture worldOf(int width, double seconds = 0) { return simulator::Scene(width, width / 2).at(seconds); }
 
+// What a command without a result tells of its own fault.
+nlohmann::json failure(const std::string& message) {
+  return {{"error", {{"code", 1}, {"domain", "zelcam"}, {"message", message}}}};
+}
+
 class StitchTest : public ZelcamTest {
  protected:
   // A camera with the smallest photos, of 640 x 320.
@@ -123,11 +128,12 @@ TEST_F(StitchTest, AnOffsetThatMakesNoSenseLeavesThePhotos) {
   const auto process = camera();
   ASSERT_EQ(zelcam({"call", "msgReqSetMediaOffset", "0", "0", kNonsense})->wait(), 0);
   const auto told = run({"photo", "-o", pictures(), "--stitch", "--bracket", "-1,1"}, 1);
-  ASSERT_THAT(told, SizeIs(2));
-  for (const Json& one : told) {
-    EXPECT_TRUE(jpegIn(one["photo"]));
-    EXPECT_FALSE(fs::exists(beside(one["photo"])));
+  ASSERT_THAT(told, SizeIs(3));
+  for (std::size_t i = 0; i < 2; ++i) {
+    EXPECT_TRUE(jpegIn(told[i]["photo"]));
+    EXPECT_FALSE(fs::exists(beside(told[i]["photo"])));
   }
+  EXPECT_EQ(told[2], failure("lens offset: the radius of lens 0 makes no sense"));
   EXPECT_EQ(errors, "zelcam: lens offset: the radius of lens 0 makes no sense\n");
 }
 
@@ -135,8 +141,9 @@ TEST_F(StitchTest, ACameraThatDoesNotTellItsOffsetLeavesThePhoto) {
   const auto process = simulator({"--storage", folder.path() + "/card", "--fault", "refuse=0x400F"});
   ASSERT_EQ(zelcam({"call", "msgReqSetPhotoSize", "2"})->wait(), 0);
   const auto told = run({"photo", "-o", pictures(), "--stitch"}, 1);
-  ASSERT_THAT(told, SizeIs(1));
+  ASSERT_THAT(told, SizeIs(2));
   EXPECT_TRUE(jpegIn(told[0]["photo"]));
+  EXPECT_EQ(told[1]["error"]["code"], 101);
   EXPECT_THAT(errors, HasSubstr("photo: the lens offset: the camera refused"));
 }
 
@@ -158,7 +165,8 @@ TEST_F(StitchTest, APreviewsSnapshotIsUnwrapped) {
 TEST_F(StitchTest, APreviewByAnOffsetThatMakesNoSenseSavesNothing) {
   const auto process = camera();
   ASSERT_EQ(zelcam({"call", "msgReqSetMediaOffset", "0", "3", kNonsense})->wait(), 0);
-  EXPECT_THAT(run({"preview", "--snapshot", png(), "--stitch"}, 1), IsEmpty());
+  EXPECT_THAT(run({"preview", "--snapshot", png(), "--stitch"}, 1),
+              ElementsAre(failure("lens offset: the radius of lens 0 makes no sense")));
   EXPECT_EQ(errors, "zelcam: lens offset: the radius of lens 0 makes no sense\n");
   EXPECT_FALSE(fs::exists(png()));
 }
@@ -215,7 +223,8 @@ TEST_F(StitchedThumbnailTest, SaysWhatIsWrongWithItsOffset) {
   for (const auto& [offset, fault] :
        {std::pair("", "the text is empty"), std::pair("2_1", "16 fields are needed, not 2"),
         std::pair(kNonsense, "the radius of lens 0 makes no sense")}) {
-    EXPECT_THAT(run({"thumbnail", keyFrame(), "-o", png(), "--offset", offset}, 1), IsEmpty());
+    EXPECT_THAT(run({"thumbnail", keyFrame(), "-o", png(), "--offset", offset}, 1),
+                ElementsAre(failure(std::string("lens offset: ") + fault)));
     EXPECT_EQ(errors, std::string("zelcam: lens offset: ") + fault + "\n");
   }
   EXPECT_FALSE(fs::exists(png()));
