@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "platform/has_memory_for.h"
-
 namespace zel {
 namespace {
 
@@ -14,18 +12,13 @@ constexpr std::int32_t kMilliseconds = 1000;  // a second
 }  // namespace
 
 EncodeStage::Encoder EncodeStage::open(const platform::VideoEncoderSettings& settings) {
-  Encoder opened;
-  ifMemoryAllows([&] {
-    Encoder made = encoders_ != nullptr ? encoders_->create(settings) : nullptr;
-    if (made && made->open()) opened = std::move(made);
-  });
-  return opened;
+  if (encoders_ == nullptr) return nullptr;
+  Encoder made = encoders_->create(settings);
+  return made && made->open() ? made : nullptr;
 }
 
 void EncodeStage::append(LiveFrame frame) {
-  bool keptAll = false;
-  ifMemoryAllows([&] { keptAll = pixel_queue_.append(std::move(frame)); });
-  if (!keptAll) dropped_.add(1);
+  if (!pixel_queue_.append(std::move(frame))) dropped_.add(1);
 }
 
 void EncodeStage::run(const std::function<bool()>& isOver, const std::function<void()>& whenFailed) {
@@ -56,10 +49,7 @@ bool EncodeStage::encode(const LiveFrame& frame) {
   const Encoder encoder = encoder_.get();
   if (!encoder) return false;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    bool taken = false;
-    const platform::MediaTime time{frame->timestamp, kMilliseconds};
-    ifMemoryAllows([&] { taken = encoder->encodeImage(frame->pixelBuffer, time); });
-    if (taken) return true;
+    if (encoder->encodeImage(frame->pixelBuffer, {frame->timestamp, kMilliseconds})) return true;
   }
   return false;
 }

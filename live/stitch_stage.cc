@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "platform/has_memory_for.h"
-
 namespace zel {
 namespace {
 
@@ -24,9 +22,7 @@ class CurrentContext {
 }  // namespace
 
 void StitchStage::append(LiveFrame frame) {
-  bool keptAll = false;
-  if (frame) ifMemoryAllows([&] { keptAll = pixel_render_queue_.append(std::move(frame)); });
-  if (!keptAll) dropped_.add(1);
+  if (!pixel_render_queue_.append(std::move(frame))) dropped_.add(1);
 }
 
 void StitchStage::run(const std::function<bool()>& isOver, const std::function<void(LiveFrame)>& handOn) {
@@ -39,18 +35,16 @@ void StitchStage::run(const std::function<bool()>& isOver, const std::function<v
 void StitchStage::step(const std::function<void(LiveFrame)>& handOn) {
   const LiveFrame frame = pixel_render_queue_.take();
   if (!frame) return pixel_render_queue_.waitForOne(clock_);
-  LiveFrame stitched;
-  ifMemoryAllows([&] { stitched = stitch(*frame); });
+  auto stitched = stitch(frame->pixelBuffer);
   (stitched ? stitched_ : notStitched_).add(1);
-  if (stitched) handOn(std::move(stitched));
+  if (stitched) handOn(std::make_shared<orq::MediaPixelBuffer>(std::move(stitched), frame->timestamp));
 }
 
-LiveFrame StitchStage::stitch(const orq::MediaPixelBuffer& picture) {
+platform::PixelBufferRef StitchStage::stitch(const platform::PixelBufferRef& picture) {
   const Render used = render();
   if (!used) return nullptr;
   used->setIsRenderVideo(true);
-  auto image = used->renderVideo(picture.pixelBuffer);
-  return image ? std::make_shared<orq::MediaPixelBuffer>(std::move(image), picture.timestamp) : nullptr;
+  return used->renderVideo(picture);
 }
 
 StitchStage::Render StitchStage::render() {

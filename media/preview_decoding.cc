@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "platform/has_memory_for.h"
-
 namespace zel {
 namespace {
 
@@ -21,14 +19,9 @@ void PreviewDecoding::offerSps(ByteView unit) {
 void PreviewDecoding::offerPps(ByteView unit) {
   ParameterSets used;
   Receiver receiver;
-  std::shared_ptr<ZELDecodeRunLoop> failed;  // let go after the lock
   {
     const MutexLock lock(mutex_);
     sets_.offerPps(unit);
-    if (decodeRunLoop_ && decodeRunLoop_->hasFailed()) {
-      before_ = sum(before_, decodeRunLoop_->statistics());
-      failed.swap(decodeRunLoop_);
-    }
     if (decodeRunLoop_ || decoders_ == nullptr || !sets_.areComplete()) return;
     used = sets_;
     receiver = receiver_;
@@ -36,18 +29,12 @@ void PreviewDecoding::offerPps(ByteView unit) {
   start(used, receiver);
 }
 
-// The decoder is made without the lock, since that takes time. A reset meanwhile makes it useless. Without memory there
-// is none, and the next pair is tried.
+// The decoder is made without the lock, since that takes time. A reset meanwhile makes it useless.
 void PreviewDecoding::start(const ParameterSets& used, const Receiver& receiver) {
-  std::shared_ptr<ZELDecodeRunLoop> made;
-  bool runs = false;
-  bool hadMemory = hasMemoryFor(
-      [&] { made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), receiver); });
+  auto made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), receiver);
   const MutexLock lock(mutex_);
   if (decodeRunLoop_ || !sets_.areThoseOf(used)) return;
-  if (made) hadMemory = hasMemoryFor([&] { runs = made->start(); });
-  if (!hadMemory) ++before_.withoutPicture;  // the sets' own unit, so that there is something to see of it
-  if (!runs) {
+  if (!made || !made->start()) {
     sets_ = {};
     return;
   }

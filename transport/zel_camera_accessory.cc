@@ -5,7 +5,6 @@
 #include <string>
 #include <utility>
 
-#include "platform/has_memory_for.h"
 #include "platform/mutex.h"
 #include "platform/ports.h"
 #include "transport/camera_data_parser.h"
@@ -144,15 +143,8 @@ std::shared_ptr<ZELCameraAccessoryDelegate> ZELCameraAccessory::delegate() const
   return impl_->delegate.lock();
 }
 
-// Without memory the camera is closed, as one that could not be opened.
 std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
   const auto held = impl_->keepAlive.hold();
-  std::shared_ptr<const ZELAccessoryInfo> info;
-  if (!zel::hasMemoryFor([&] { info = watchAndConnect(); })) closeCamera();
-  return info;
-}
-
-std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::watchAndConnect() {
   auto connect =
       observe(zel::platform::kAccessoryDidConnectNotification, &ZELCameraAccessory::accessoryDidConnectNotification);
   auto disconnect = observe(zel::platform::kAccessoryDidDisconnectNotification,
@@ -217,10 +209,6 @@ bool ZELCameraAccessory::isWanted(const Accessory& accessory) const {
 
 void ZELCameraAccessory::accessoryDidConnectNotification(const Notification& notification) {
   const auto held = impl_->keepAlive.hold();
-  if (!zel::hasMemoryFor([&] { connectAndTell(notification); })) closeConnection();
-}
-
-void ZELCameraAccessory::connectAndTell(const Notification& notification) {
   const auto accessory = notification.accessory(zel::platform::kAccessoryKey);
   if (!connectCamera(accessory)) return;
   openConnection();
@@ -234,10 +222,8 @@ void ZELCameraAccessory::accessoryDidDisconnectNotification(const Notification& 
   const auto connected = accessoryInfo();
   if (!connected || !accessory) return;
   if (accessory->description().connectionID != connected->connectionID()) return;
-  zel::ifMemoryAllows([&] {
-    impl_->ports.notifications.post(
-        {std::string(kZELCameraDidDisConnectNotification), {{std::string(kZELCameraConnectAccessoryKey), accessory}}});
-  });
+  impl_->ports.notifications.post(
+      {std::string(kZELCameraDidDisConnectNotification), {{std::string(kZELCameraConnectAccessoryKey), accessory}}});
   closeConnection();
 }
 
@@ -291,7 +277,7 @@ void ZELCameraAccessory::setStatusWhileOpen(std::uint64_t status) {
 void ZELCameraAccessory::startDetectTimer() {
   stopDetectTimer();
   auto timer = impl_->ports.threads.currentRunLoop().scheduleRepeating(
-      kDetectPeriod, impl_->keepAlive.during([this] { zel::ifMemoryAllows([this] { onDetectTimer(); }); }));
+      kDetectPeriod, impl_->keepAlive.during([this] { onDetectTimer(); }));
   const MutexLock lock(impl_->watchMutex);
   std::swap(impl_->detectTimer, timer);
 }

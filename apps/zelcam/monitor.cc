@@ -50,8 +50,7 @@ ordered_json droppedJson(const DroppedFrames& dropped) {
           {"shortMessage", dropped.shortMessage},
           {"unregisteredData", dropped.unregisteredData},
           {"shortTimestamp", dropped.shortTimestamp},
-          {"timestampOldFirmware", dropped.timestampOldFirmware},
-          {"noMemory", dropped.noMemory}};
+          {"timestampOldFirmware", dropped.timestampOldFirmware}};
 }
 
 // One run of the command. Its calls come on the main queue, but for the status, which comes on any thread.

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "platform/application_events.h"
-#include "platform/has_memory_for.h"
 
 namespace zel::app {
 namespace {
@@ -35,8 +34,8 @@ void PassedFeed::start() {
 void PassedFeed::stop() {
   background_.reset();
   active_.reset();
-  if (player_) player_->setMediaDataDelegate({});  // none where the start found no memory
-  ifMemoryAllows([this] { switchOff(); });
+  player_->setMediaDataDelegate({});
+  switchOff();
 }
 
 void PassedFeed::switchOn() {

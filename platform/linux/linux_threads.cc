@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/has_memory_for.h"
 #include "platform/linux/signal_mask.h"
 
 namespace zel::platform {
@@ -23,7 +22,7 @@ void runThread(const std::string& name, LinuxRunLoop& loop, const ThreadBody& bo
   pthread_setname_np(pthread_self(), name.substr(0, kLongestName).c_str());
   const LinuxRunLoop::Scope scope(loop);
   if (body.begin) body.begin(loop);
-  while (!hasMemoryFor([&] { loop.run(); })) continue;  // what the event was for has failed; the thread goes on
+  loop.run();
   if (body.end) body.end();
 }
 

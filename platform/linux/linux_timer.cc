@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/has_memory_for.h"
-
 namespace zel::platform {
 namespace {
 
@@ -55,8 +53,7 @@ std::unique_ptr<Timer> LinuxTimer::start(const std::shared_ptr<LinuxRunLoop>& lo
 
 LinuxTimer::~LinuxTimer() {
   state_->task.close();
-  // Where there is no memory for that, the timer fires once more, for nothing.
-  ifMemoryAllows([this] { loop_->perform([state = state_] { state->timer.cancel(); }); });
+  loop_->perform([state = state_] { state->timer.cancel(); });
 }
 
 }  // namespace zel::platform

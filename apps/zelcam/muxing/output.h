@@ -64,8 +64,6 @@ class Output {
   using Lock = std::unique_lock<std::mutex>;
 
   void run();
-  void writeStream();
-  void failForMemory();
   bool waitForHeaders();
   Fault connect();
   Fault writeAll();
