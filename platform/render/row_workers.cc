@@ -1,7 +1,9 @@
 #include "platform/render/row_workers.h"
 
 #include <algorithm>
+#include <new>
 #include <system_error>
+#include <utility>
 
 namespace zel::render {
 namespace {
@@ -20,6 +22,8 @@ RowWorkers::RowWorkers(int threads) {
     for (std::size_t worker = 1; worker <= helpers; ++worker) threads_.emplace_back([this, worker] { work(worker); });
   } catch (const std::system_error&) {
     // The host has no thread left to give: those that are there do the work.
+  } catch (const std::bad_alloc&) {
+    // Nor memory for one.
   }
 }
 
@@ -43,9 +47,15 @@ void RowWorkers::start(std::size_t tasks, Job job) {
     wake_.notify_all();
   }
   takeTasks(job, tasks, 0);
+  if (const std::exception_ptr fault = finish()) std::rethrow_exception(fault);
+}
+
+// The job is in the caller's frame: nobody may leave that before the last worker has left the job.
+std::exception_ptr RowWorkers::finish() {
   const MutexLock lock(mutex_);
   open_ = false;
   while (busy_ != 0) done_.wait(mutex_);
+  return std::exchange(fault_, nullptr);
 }
 
 void RowWorkers::work(std::size_t worker) {
@@ -68,9 +78,16 @@ void RowWorkers::work(std::size_t worker) {
   }
 }
 
+// A task that throws ends the job for everybody: what it was to make is of no use without its part.
 void RowWorkers::takeTasks(const Job& job, std::size_t tasks, std::size_t worker) {
-  for (std::size_t index; (index = nextTask_.fetch_add(1, std::memory_order_relaxed)) < tasks;)
-    job.call(job.context, index, worker);
+  try {
+    for (std::size_t index; (index = nextTask_.fetch_add(1, std::memory_order_relaxed)) < tasks;)
+      job.call(job.context, index, worker);
+  } catch (...) {
+    nextTask_.store(tasks, std::memory_order_relaxed);
+    const MutexLock lock(mutex_);
+    if (!fault_) fault_ = std::current_exception();
+  }
 }
 
 }  // namespace zel::render

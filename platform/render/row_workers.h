@@ -3,6 +3,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
+#include <exception>
 #include <thread>
 #include <vector>
 
@@ -28,6 +29,8 @@ class RowWorkers {
 
   // Calls task(index, worker) for each index below `tasks`, in any order, on the caller and the workers, and returns
   // when all have returned; worker is below count(), and no two calls at a time have the same. Allocates nothing.
+  // Errors: what a task throws is thrown to the caller, once no task runs any more; those not begun by then are left
+  //         out. Of several, the first counts.
   template <class Task>
   void run(std::size_t tasks, const Task& task) {
     start(tasks, {&task, [](const void* context, std::size_t index, std::size_t worker) {
@@ -43,7 +46,8 @@ class RowWorkers {
 
   void start(std::size_t tasks, Job job) ZEL_EXCLUDES(mutex_);
   void work(std::size_t worker) ZEL_EXCLUDES(mutex_);
-  void takeTasks(const Job& job, std::size_t tasks, std::size_t worker);
+  void takeTasks(const Job& job, std::size_t tasks, std::size_t worker) ZEL_EXCLUDES(mutex_);
+  std::exception_ptr finish() ZEL_EXCLUDES(mutex_);
 
   std::atomic<std::size_t> nextTask_{0};
   Mutex mutex_;
@@ -54,6 +58,7 @@ class RowWorkers {
   // On a busy machine a thread may wake when nothing is left to do; nobody waits for it, and it takes no part.
   bool open_ ZEL_GUARDED_BY(mutex_) = false;     // threads may still join the round
   std::size_t busy_ ZEL_GUARDED_BY(mutex_) = 0;  // those that have, and have not ended it
+  std::exception_ptr fault_ ZEL_GUARDED_BY(mutex_);  // the first of the round
   bool closed_ ZEL_GUARDED_BY(mutex_) = false;
   std::vector<std::thread> threads_;  // last: nothing they use dies before them
 };

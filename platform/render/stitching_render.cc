@@ -17,10 +17,19 @@ void StitchingRender::setOffset(std::string_view offset) {
   if (stitcher_ && offset == offset_) return;
   offset_ = offset;
   stitcher_.reset();  // its threads and map go before the next one's come
-  StitcherCreation creation = Stitcher::create(offset, output_, options_);
-  if (!creation.stitcher) faults_.tell(creation.fault);
-  stitcher_ = std::move(creation.stitcher);
+  try {
+    StitcherCreation creation = Stitcher::create(offset, output_, options_);
+    if (!creation.stitcher) faults_.tell(creation.fault);
+    stitcher_ = std::move(creation.stitcher);
+  } catch (const std::bad_alloc&) {
+    tellOfMemory();
+    throw;  // who asked may try again
+  }
   logoIsShown_ = !logo_;
+}
+
+void StitchingRender::tellOfMemory() {
+  faults_.tell("stitching: there is not enough memory for a picture of " + sizeText(output_.width, output_.height));
 }
 
 void StitchingRender::setLogoAngle(float angle) {
@@ -46,7 +55,7 @@ platform::PixelBufferRef StitchingRender::renderVideo(const platform::PixelBuffe
   try {
     return stitched(*picture);
   } catch (const std::bad_alloc&) {
-    faults_.tell("stitching: there is not enough memory for a picture of " + sizeText(output_.width, output_.height));
+    tellOfMemory();
     return nullptr;
   }
 }

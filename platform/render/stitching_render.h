@@ -23,7 +23,7 @@ namespace zel::render {
 //         picture.
 //
 // Errors: no image without an offset that makes sense, for a picture that cannot be stitched (see Stitcher), and where
-//         memory ends. Each of these is told once.
+//         memory ends. Each of these is told once. An offset that finds no memory is told, and std::bad_alloc thrown.
 class StitchingRender final : public platform::FlatOffscreenRender {
  public:
   static constexpr std::size_t kMostImages = 16;
@@ -42,6 +42,7 @@ class StitchingRender final : public platform::FlatOffscreenRender {
  private:
   platform::PixelBufferRef stitched(const platform::PixelBuffer& picture);
   void showLogo();
+  void tellOfMemory();
 
   const PictureSize output_;
   const StitcherOptions options_;
