@@ -16,6 +16,7 @@
 using zel::MutexLock;
 using zel::platform::Accessory;
 using zel::platform::Notification;
+using zel::platform::NotificationObservation;
 
 namespace {
 
@@ -26,6 +27,8 @@ constexpr double kNeverReceived = -1.0;
 constexpr std::int64_t kSlowRoundTrip = 12;  // milliseconds, from which a clock exchange is repeated
 
 enum Status : std::uint64_t { kClosed = 0, kOpen = 1, kFlowing = 2, kSilent = 3 };
+
+using Handler = void (ZELCameraAccessory::*)(const Notification&);
 
 // "E1_2.0.1_192" gives 192. strtoll, as it skips white space, takes a sign and stops at the first other character.
 std::int64_t firmwareNumber(const std::string& revision) {
@@ -169,8 +172,7 @@ std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
   return nullptr;
 }
 
-std::unique_ptr<zel::platform::NotificationObservation> ZELCameraAccessory::observe(
-    std::string_view name, void (ZELCameraAccessory::*handle)(const Notification&)) {
+std::unique_ptr<NotificationObservation> ZELCameraAccessory::observe(std::string_view name, Handler handle) {
   return impl_->ports.notifications.observe(
       name, impl_->keepAlive.during([this, handle](const Notification& n) { (this->*handle)(n); }));
 }

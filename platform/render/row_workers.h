@@ -56,8 +56,8 @@ class RowWorkers {
   std::size_t tasks_ ZEL_GUARDED_BY(mutex_) = 0;
   std::size_t round_ ZEL_GUARDED_BY(mutex_) = 0;  // counts the jobs
   // On a busy machine a thread may wake when nothing is left to do; nobody waits for it, and it takes no part.
-  bool open_ ZEL_GUARDED_BY(mutex_) = false;     // threads may still join the round
-  std::size_t busy_ ZEL_GUARDED_BY(mutex_) = 0;  // those that have, and have not ended it
+  bool open_ ZEL_GUARDED_BY(mutex_) = false;         // threads may still join the round
+  std::size_t busy_ ZEL_GUARDED_BY(mutex_) = 0;      // those that have, and have not ended it
   std::exception_ptr fault_ ZEL_GUARDED_BY(mutex_);  // the first of the round
   bool closed_ ZEL_GUARDED_BY(mutex_) = false;
   std::vector<std::thread> threads_;  // last: nothing they use dies before them

@@ -201,8 +201,8 @@ TEST_F(CameraStackMediaTest, ACamerasPicturesComeAsFfmpegDecodesThem) {
 
 TEST_F(CameraStackMediaTest, SizesThatChangeComeWherePlayersAreResetAtNewParameterSets) {
   ZEL_REAL_MEDIA(stream, "h264/Error_I_P.264");
-  // Two pictures of several slices for each pair of sets. That the second one is whole shows only in the unit behind it,
-  // and nothing of a stream comes after the reset.
+  // Two pictures of several slices for each pair of sets. That the second one is whole shows only in the unit behind
+  // it, and nothing of a stream comes after the reset.
   comesAsDecoded(stream, 6, {1, 3, 5});
 }
 

@@ -145,8 +145,9 @@ TEST_F(CameraStackThread, MeasuresTheClockOfACameraThatSendsItsMarkerAtOnce) {
     EXPECT_NE(stack.accessory().openCamera(), nullptr) << (warnings_.now().empty() ? "" : warnings_.now().back());
     EXPECT_TRUE(eventually([&] { return stack.statistics().bytesWritten >= 16 * connection; }))
         << connection << " status " << stack.accessory().status() << " received " << stack.statistics().bytesReceived
-        << " markers " << stack.statistics().markersFound << " errors " << stack.statistics().streamErrors << " written "
-        << stack.statistics().bytesWritten << " waiting " << stack.statistics().bytesToWrite << " warnings " << (warnings_.now().empty() ? "" : warnings_.now().back()) << " firmware "
+        << " markers " << stack.statistics().markersFound << " errors " << stack.statistics().streamErrors
+        << " written " << stack.statistics().bytesWritten << " waiting " << stack.statistics().bytesToWrite
+        << " warnings " << (warnings_.now().empty() ? "" : warnings_.now().back()) << " firmware "
         << stack.accessory().firewareVersion();
     stack.accessory().closeCamera();
   }
