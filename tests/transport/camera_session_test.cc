@@ -344,7 +344,7 @@ class WatchedSessionTest : public testing::Test {
   }
   // Has it done at the look of that number from now on, and never again.
   void atLook(int number, std::function<void()> act) {
-    watch.onLook = [this, number, act = std::move(act)]() mutable {
+    watch.onLook = [number, act = std::move(act)]() mutable {
       if (--number == 0) act();
     };
   }
