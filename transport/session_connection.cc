@@ -59,6 +59,8 @@ std::array<platform::Stream*, 2> SessionConnection::streams() {
 void SessionConnection::close() {
   closed_.store(true);
   session_->letGo();  // a session that takes this one's place is opened before the streams of this one are closed
+  // A thread that never began has nothing to finish, and nobody else would wait for it.
+  if (!begun_.load()) return join();
   performOnThread(&SessionConnection::closeSesionThread);
 }
 

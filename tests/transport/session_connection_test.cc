@@ -181,6 +181,7 @@ TEST_F(SessionConnectionTest, IsGoneOnceItsThreadHasEndedAndNobodyHoldsIt) {
 TEST_F(SessionConnectionTest, LetsGoOfWhatItKeptAliveWhenItsThreadEnds) {
   auto kept = std::make_shared<int>(1);
   const std::weak_ptr<int> watched = kept;
+  connection->close();
   connection = make(std::move(kept));
   start();
   EXPECT_FALSE(watched.expired());

@@ -35,7 +35,8 @@ class NoDescriptors {
 
 class ShortageTest : public BusFixture {
  protected:
-  // UBSan looks at an object's type through a pipe of its own, and takes a pipe that it cannot have for a broken object.
+  // UBSan looks at an object's type through a pipe of its own, and takes a pipe that it cannot have for a broken
+  // object.
   void SetUp() override {
     if (kKeepsFreedMemory && !kThreadSanitized) GTEST_SKIP() << "the sanitizer needs descriptors itself";
   }
