@@ -26,6 +26,7 @@ BareCamera::BareCamera(const std::string& bus, Conduct conduct)
 BareCamera::~BareCamera() {
   stopped_ = true;
   stopListening();
+  for (auto& acceptor : acceptors_) acceptor.join();  // and with them comes the last of the threads
   for (auto& thread : threads_) thread.join();
 }
 
@@ -45,20 +46,21 @@ void BareCamera::attach() const {
 }
 
 void BareCamera::listen() {
-  listener_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   socketPath_.copy(address.sun_path, sizeof address.sun_path - 1);
-  if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) std::abort();
-  if (::listen(listener_, 8) != 0) std::abort();
-  const std::lock_guard lock(mutex_);
-  threads_.emplace_back([this, listener = listener_] { accept(listener); });
+  if (::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) std::abort();
+  if (::listen(listener, 8) != 0) std::abort();
+  listener_ = listener;
+  acceptors_.emplace_back([this, listener] { accept(listener); });
 }
 
 void BareCamera::stopListening() {
-  if (listener_ < 0) return;
+  const int listener = listener_.exchange(-1);
+  if (listener < 0) return;
   ::unlink(socketPath_.c_str());
-  ::shutdown(std::exchange(listener_, -1), SHUT_RDWR);  // ends accept(), which closes it
+  ::shutdown(listener, SHUT_RDWR);  // ends accept(), which closes it
 }
 
 void BareCamera::accept(int listener) {

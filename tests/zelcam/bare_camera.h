@@ -28,6 +28,7 @@ class BareCamera {
   void attach() const;
   // Takes connections, and no more. They need not be there when it is attached.
   void listen();
+  // From any thread, and so from the camera's conduct too.
   void stopListening();
 
   int connections() const { return connections_.load(); }
@@ -63,9 +64,10 @@ class BareCamera {
   const std::string socketPath_;
   std::atomic<bool> stopped_ = false;
   std::atomic<int> connections_ = 0;
-  int listener_ = -1;
-  std::mutex mutex_;  // guards the threads
-  std::vector<std::thread> threads_;
+  std::atomic<int> listener_ = -1;
+  std::vector<std::thread> acceptors_;  // of the thread that has the camera
+  std::mutex mutex_;                    // guards the threads
+  std::vector<std::thread> threads_;    // one a connection
 };
 
 }  // namespace zel::test
