@@ -1,6 +1,11 @@
 #include "platform/call_gate.h"
 
+#include <condition_variable>
+#include <deque>
+#include <thread>
 #include <utility>
+
+#include "platform/mutex.h"
 
 namespace zel {
 namespace {
@@ -14,29 +19,49 @@ CallbackScope::~CallbackScope() { --callbacksOfThisThread; }
 
 bool insideCallback() { return callbacksOfThisThread != 0; }
 
-// One call in progress; it ends also where the call throws.
-class CallGate::Turn {
+class CallGate::State {
  public:
-  explicit Turn(CallGate& gate) : gate_(gate) {}
+  void enter(const std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  void close() ZEL_EXCLUDES(mutex_);
+
+ private:
+  class Turn;
+  bool isBusyElsewhere() const ZEL_REQUIRES(mutex_);
+  bool begin(const std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  bool takeHandedOver(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  void end() ZEL_EXCLUDES(mutex_);
+
+  Mutex mutex_;
+  std::condition_variable_any changed_;
+  int calls_ ZEL_GUARDED_BY(mutex_) = 0;           // in progress, one inside the other
+  std::thread::id caller_ ZEL_GUARDED_BY(mutex_);  // on this thread
+  std::deque<std::function<void()>> handedOver_ ZEL_GUARDED_BY(mutex_);
+  bool closed_ ZEL_GUARDED_BY(mutex_) = false;
+};
+
+// One call in progress; it ends also where the call throws.
+class CallGate::State::Turn {
+ public:
+  explicit Turn(State& gate) : gate_(gate) {}
   ~Turn() { gate_.end(); }
   Turn(const Turn&) = delete;
   Turn& operator=(const Turn&) = delete;
 
  private:
-  CallGate& gate_;
+  State& gate_;
 };
 
-void CallGate::enter(const std::function<void()>& call) {
+void CallGate::State::enter(const std::function<void()>& call) {
   if (!begin(call)) return;
   const Turn turn(*this);
   call();
   for (std::function<void()> next; takeHandedOver(next);) next();
 }
 
-bool CallGate::isBusyElsewhere() const { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
+bool CallGate::State::isBusyElsewhere() const { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
 
 // Whether the calling thread makes the call.
-bool CallGate::begin(const std::function<void()>& call) {
+bool CallGate::State::begin(const std::function<void()>& call) {
   const MutexLock lock(mutex_);
   if (!closed_ && isBusyElsewhere() && insideCallback()) {
     handedOver_.push_back(call);
@@ -50,7 +75,7 @@ bool CallGate::begin(const std::function<void()>& call) {
 }
 
 // The outermost call makes what has been handed over meanwhile.
-bool CallGate::takeHandedOver(std::function<void()>& call) {
+bool CallGate::State::takeHandedOver(std::function<void()>& call) {
   std::function<void()> made = std::exchange(call, nullptr);  // what it holds goes without the lock
   const MutexLock lock(mutex_);
   if (calls_ != 1 || handedOver_.empty()) return false;
@@ -59,12 +84,12 @@ bool CallGate::takeHandedOver(std::function<void()>& call) {
   return true;
 }
 
-void CallGate::end() {
+void CallGate::State::end() {
   const MutexLock lock(mutex_);
   if (--calls_ == 0) changed_.notify_all();
 }
 
-void CallGate::close() {
+void CallGate::State::close() {
   std::deque<std::function<void()>> doomed;
   const MutexLock lock(mutex_);
   closed_ = true;
@@ -72,5 +97,11 @@ void CallGate::close() {
   changed_.notify_all();
   while (isBusyElsewhere() && !insideCallback()) changed_.wait(mutex_);
 }
+
+CallGate::CallGate() : state_(std::make_unique<State>()) {}
+CallGate::~CallGate() = default;
+
+void CallGate::enter(const std::function<void()>& call) { state_->enter(call); }
+void CallGate::close() { state_->close(); }
 
 }  // namespace zel

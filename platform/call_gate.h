@@ -1,13 +1,9 @@
 #pragma once
 
-#include <condition_variable>
-#include <deque>
 #include <functional>
-#include <thread>
+#include <memory>
 
 #include <ZELTarkaSDK/Export.h>
-
-#include "platform/mutex.h"
 
 namespace zel {
 
@@ -25,32 +21,29 @@ class ZEL_EXPORT CallbackScope {
 // Whether the calling thread is inside a callback, of any stack.
 ZEL_EXPORT bool insideCallback();
 
-// Lets calls through one at a time until it is closed.
+// Lets calls through one at a time until it is closed: how an adapter keeps the promise that a timer, a source or an
+// observer neither runs nor is running once it has been destroyed.
 //
+// Owner:  hold it by a shared pointer where the calls are made, since a close inside a callback does not wait for them.
 // Thread: any thread; outside a callback not while holding a lock that the call takes.
 class ZEL_EXPORT CallGate {
  public:
+  CallGate();
+  ~CallGate();
+  CallGate(const CallGate&) = delete;
+  CallGate& operator=(const CallGate&) = delete;
+
   // Runs the call, unless the gate is closed. A call in progress on another thread is waited for; inside a callback the
   // call is handed to that thread instead, which makes it next. A call inside a call on the same thread runs at once.
-  void enter(const std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  void enter(const std::function<void()>& call);
 
   // Lets nothing through any more, and waits for a call in progress on another thread. Inside a callback it does not
   // wait: that call may then still be running, and is the last.
-  void close() ZEL_EXCLUDES(mutex_);
+  void close();
 
  private:
-  class Turn;
-  bool isBusyElsewhere() const ZEL_REQUIRES(mutex_);
-  bool begin(const std::function<void()>& call) ZEL_EXCLUDES(mutex_);
-  bool takeHandedOver(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
-  void end() ZEL_EXCLUDES(mutex_);
-
-  Mutex mutex_;
-  std::condition_variable_any changed_;
-  int calls_ ZEL_GUARDED_BY(mutex_) = 0;           // in progress, one inside the other
-  std::thread::id caller_ ZEL_GUARDED_BY(mutex_);  // on this thread
-  std::deque<std::function<void()>> handedOver_ ZEL_GUARDED_BY(mutex_);
-  bool closed_ ZEL_GUARDED_BY(mutex_) = false;
+  class State;
+  const std::unique_ptr<State> state_;
 };
 
 }  // namespace zel

@@ -4,8 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
-
-#include <ZELTarkaSDK/ZELData.h>
+#include <vector>
 
 #include "platform/pixel_buffer.h"
 
@@ -18,7 +17,7 @@ namespace zel::platform {
 struct RgbaImage {
   std::int32_t width = 0;
   std::int32_t height = 0;
-  ZELData pixels;
+  std::vector<std::uint8_t> pixels;
 
   bool operator==(const RgbaImage&) const = default;
 };

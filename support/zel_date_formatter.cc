@@ -9,6 +9,7 @@
 
 #include "platform/clock.h"
 #include "platform/documents.h"
+#include "platform/mutex.h"
 #include "platform/ports.h"
 #include "support/log_file.h"
 
@@ -61,6 +62,11 @@ std::string fieldText(char letter, std::size_t run, const LocalTime& moment) {
 
 }  // namespace
 
+struct ZELDateFormatter::Format {
+  zel::Mutex mutex;
+  std::string text ZEL_GUARDED_BY(mutex);
+};
+
 ZELDateFormatter::ZELDateFormatter(const zel::platform::Ports& ports)
     : ZELDateFormatter(ports.clock, [ports] { return logFileOf(ports); }) {}
 
@@ -68,7 +74,7 @@ ZELDateFormatter::ZELDateFormatter(const zel::platform::Clock& clock, std::strin
     : ZELDateFormatter(clock, [logFile = std::move(logFile)] { return logFile; }) {}
 
 ZELDateFormatter::ZELDateFormatter(const zel::platform::Clock& clock, std::function<std::string()> logFile)
-    : clock_(clock), logFile_(std::move(logFile)) {}
+    : clock_(clock), logFile_(std::move(logFile)), format_(std::make_unique<Format>()) {}
 
 ZELDateFormatter::~ZELDateFormatter() = default;
 
@@ -83,13 +89,13 @@ std::string ZELDateFormatter::getCurrentTime() {
 }
 
 std::string ZELDateFormatter::dateFormat() const {
-  const zel::MutexLock lock(mutex_);
-  return dateFormat_;
+  const zel::MutexLock lock(format_->mutex);
+  return format_->text;
 }
 
 void ZELDateFormatter::setDateFormat(const std::string& dateFormat) {
-  const zel::MutexLock lock(mutex_);
-  dateFormat_ = dateFormat;
+  const zel::MutexLock lock(format_->mutex);
+  format_->text = dateFormat;
 }
 
 std::string ZELDateFormatter::stringFromDate(double date) const {

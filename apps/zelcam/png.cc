@@ -32,7 +32,7 @@ std::optional<platform::RgbaImage> readPng(const std::string& path, std::string&
   if (png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr) == 0) return std::nullopt;
   error.clear();
   return platform::RgbaImage{static_cast<std::int32_t>(image.width), static_cast<std::int32_t>(image.height),
-                             ZELData(std::move(pixels))};
+                             std::move(pixels)};
 }
 
 std::optional<std::vector<std::uint8_t>> pngOf(const platform::PixelBuffer& picture) {

@@ -7,11 +7,10 @@
 #include <string_view>
 
 #include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/Observation.h>
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELCameraAccessoryDelegate.h>
 #include <ZELTarkaSDK/ZELData.h>
-
-#include "platform/observer_list.h"
 
 class CameraDataParser;
 class CameraSession;

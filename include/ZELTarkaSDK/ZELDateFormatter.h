@@ -2,11 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include <ZELTarkaSDK/Export.h>
-
-#include "platform/mutex.h"
 
 namespace zel::platform {
 class Clock;
@@ -53,7 +52,6 @@ class ZEL_EXPORT ZELDateFormatter {
 
   const zel::platform::Clock& clock_;
   const std::function<std::string()> logFile_;  // tells an empty path where there is none
-
-  mutable zel::Mutex mutex_;
-  std::string dateFormat_ ZEL_GUARDED_BY(mutex_);
+  struct Format;
+  const std::unique_ptr<Format> format_;
 };

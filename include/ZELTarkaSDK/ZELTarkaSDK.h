@@ -8,6 +8,7 @@
 #include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
+#include <ZELTarkaSDK/Observation.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/Version.h>

@@ -42,8 +42,7 @@ void StitchingRender::setLogoImage(const std::optional<platform::RgbaImage>& ima
   logo_.reset();
   logoIsShown_ = false;
   if (!image) return;
-  const auto pixels = image->pixels.bytes();
-  logo_ = LogoImage{image->width, image->height, {pixels.begin(), pixels.end()}};
+  logo_ = LogoImage{image->width, image->height, image->pixels};
 }
 
 platform::PixelBufferRef StitchingRender::renderVideo(const platform::PixelBufferRef& picture) {

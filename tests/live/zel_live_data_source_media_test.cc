@@ -231,7 +231,7 @@ TEST_F(LiveMediaTest, StitchesNothingWithoutARenderer) {
 
 TEST_F(LiveMediaTest, TellsTheRendererEverythingBeforeTheFirstPicture) {
   source->setLogoAngle(45);
-  source->setLogoImage(platform::RgbaImage{1, 1, ZELData(Bytes{1, 2, 3, 4})});
+  source->setLogoImage(platform::RgbaImage{1, 1, {1, 2, 3, 4}});
   runFrom(1000);
   pass(1, 1000);
   pass(2, 1040);

@@ -47,7 +47,7 @@ class StitchingRenderTest : public testing::Test {
   static platform::RgbaImage white(bool redAbove = false) {
     std::vector<std::uint8_t> pixels(4 * kSide * kSide, 255);
     for (std::size_t i = 0; redAbove && i < pixels.size() / 2; ++i) pixels[i] = i % 4 == 1 || i % 4 == 2 ? 0 : 255;
-    return {kSide, kSide, ZELData(std::move(pixels))};
+    return {kSide, kSide, std::move(pixels)};
   }
   static platform::RgbaImage twoColours() { return white(true); }
 
@@ -248,7 +248,7 @@ TEST_F(StitchingRenderTest, ALogoTakenAwayAsTheMatrixChangesIsGone) {
 TEST_F(StitchingRenderTest, LeavesOutALogoThatMakesNoSense) {
   render.setOffset(kFactoryOffset);
   const auto without = rendered();
-  render.setLogoImage(platform::RgbaImage{100, 100, ZELData(std::vector<std::uint8_t>(12))});
+  render.setLogoImage(platform::RgbaImage{100, 100, std::vector<std::uint8_t>(12)});
   EXPECT_TRUE(isSame(*rendered(), *without));
   render.setLogoImage(white());
   render.setLogoAngle(std::numeric_limits<float>::quiet_NaN());
