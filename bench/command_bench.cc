@@ -22,12 +22,12 @@
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELMessageKeys.h>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "bench/echo_camera.h"
 #include "bench/ratio_report.h"
-#include "platform/ports.h"
+#include "link/camera_data_parser.h"
+#include "protocol/frame.h"
 #include "simulator/asio.h"
-#include "transport/camera_data_parser.h"
-#include "transport/frame.h"
 
 namespace zel::bench {
 namespace {

@@ -26,11 +26,11 @@
 #include <thread>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "bench/film.h"
 #include "bench/ratios.h"
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/libav.h"
-#include "platform/ports.h"
 #include "tests/platform/linux/temporary_folder.h"
 
 namespace zel::bench {

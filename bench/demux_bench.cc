@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/clock.h>
+#include "base/wire.h"
 #include "bench/ratio_report.h"
-#include "platform/clock.h"
-#include "transport/camera_data_parser.h"
-#include "transport/frame.h"
-#include "transport/marker_search.h"
-#include "transport/wire.h"
+#include "link/camera_data_parser.h"
+#include "link/marker_search.h"
+#include "protocol/frame.h"
 
 namespace zel::bench {
 namespace {

@@ -10,8 +10,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "transport/frame.h"
-#include "transport/wire.h"
+#include "base/wire.h"
+#include "protocol/frame.h"
 
 namespace zel::bench {
 namespace {

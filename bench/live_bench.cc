@@ -28,6 +28,7 @@ extern "C" {
 #include <thread>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/muxing/outputs.h"
 #include "apps/zelcam/muxing/stream_writer.h"
 #include "bench/child_process.h"
@@ -37,7 +38,6 @@ extern "C" {
 #include "bench/ratios.h"
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
-#include "platform/ports.h"
 #include "platform/render/stitching_library.h"
 #include "simulator/camera_simulator.h"
 #include "tests/platform/linux/temporary_folder.h"

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <memory>
 
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+#include <ZELTarkaSDK/platform/video_decoder.h>
+#include <ZELTarkaSDK/platform/video_encoder.h>
 #include "bench/film.h"
-#include "platform/memory_pixel_buffer.h"
 #include "platform/render/stitcher.h"
-#include "platform/video_decoder.h"
-#include "platform/video_encoder.h"
 
 namespace zel::bench {
 

@@ -8,8 +8,8 @@
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
+#include "base/mutex.h"
 #include "bench/child_process.h"
-#include "platform/mutex.h"
 
 namespace zel::bench {
 

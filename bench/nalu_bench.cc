@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "base/wire.h"
 #include "bench/ratio_report.h"
 #include "media/h264_nalu_parser.h"
 #include "media/start_code.h"
-#include "transport/wire.h"
 
 #ifdef ZEL_BENCH_LIBAVCODEC
 extern "C" {

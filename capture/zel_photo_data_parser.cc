@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "transport/text.h"
+#include "base/text.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 
 #include <ZELTarkaSDK/ZELHandlers.h>
 
-#include "platform/mutex.h"
-#include "platform/queues.h"
-#include "transport/roles.h"
+#include <ZELTarkaSDK/platform/queues.h>
+#include "base/mutex.h"
+#include "link/roles.h"
 
 // Turns the photo frames that follow one shutter command into its answer: one picture, or a bracketed series. One
 // parser serves one command; its handler is called at most once.

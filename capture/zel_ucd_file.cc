@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "transport/frame.h"
-#include "transport/text.h"
+#include "base/text.h"
+#include "protocol/frame.h"
 
 namespace {
 

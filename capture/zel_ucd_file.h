@@ -8,10 +8,10 @@
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
 
-#include "platform/mutex.h"
-#include "platform/queues.h"
-#include "transport/pending_table.h"
-#include "transport/roles.h"
+#include <ZELTarkaSDK/platform/queues.h>
+#include "base/mutex.h"
+#include "base/pending_table.h"
+#include "link/roles.h"
 
 // Sends whole files to the camera, and matches its answers to the callers by the file's path.
 // There is no time-out: a transfer waits until its answer comes, or one that answers everybody.

@@ -12,16 +12,16 @@
 #include <ZELTarkaSDK/ZELHandlers.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
 
+#include <ZELTarkaSDK/platform/call_gate.h>
+#include <ZELTarkaSDK/platform/queues.h>
+#include "base/mutex.h"
+#include "base/pending_table.h"
 #include "capture/zel_ucd_file.h"
-#include "command/camera_events.h"
-#include "command/catalogue.h"
-#include "platform/call_gate.h"
-#include "platform/mutex.h"
-#include "platform/queues.h"
-#include "transport/camera_data_parser.h"
-#include "transport/keep_alive.h"
-#include "transport/pending_table.h"
-#include "transport/roles.h"
+#include "link/camera_data_parser.h"
+#include "link/keep_alive.h"
+#include "link/roles.h"
+#include "protocol/camera_events.h"
+#include "protocol/catalogue.h"
 
 namespace zel {
 

@@ -7,8 +7,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/notification_center.h"
-#include "transport/frame.h"
+#include <ZELTarkaSDK/platform/notification_center.h>
+#include "protocol/frame.h"
 
 namespace {
 

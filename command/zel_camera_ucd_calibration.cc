@@ -4,9 +4,9 @@
 
 #include <utility>
 
-#include "command/catalogue.h"
 #include "command/reply_adapters.h"
 #include "command/request_fields.h"
+#include "protocol/catalogue.h"
 
 using zel::family;
 using zel::fieldsOf;

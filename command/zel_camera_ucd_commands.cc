@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "capture/zel_photo_data_parser.h"
-#include "command/catalogue.h"
 #include "command/reply_adapters.h"
 #include "command/request_engine.h"
 #include "command/request_fields.h"
+#include "protocol/catalogue.h"
 
 using zel::family;
 using zel::fieldsOf;

@@ -4,10 +4,10 @@
 
 #include <utility>
 
-#include "command/catalogue.h"
 #include "command/reply_adapters.h"
 #include "command/request_engine.h"
 #include "command/request_fields.h"
+#include "protocol/catalogue.h"
 
 using zel::family;
 using zel::fieldsOf;

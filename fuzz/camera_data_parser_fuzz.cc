@@ -10,9 +10,9 @@
 #include <optional>
 
 #include "fuzz/fuzz_input.h"
-#include "tests/transport/recording_consumers.h"
-#include "transport/camera_data_parser.h"
-#include "transport/frame.h"
+#include "link/camera_data_parser.h"
+#include "protocol/frame.h"
+#include "tests/link/recording_consumers.h"
 
 namespace {
 

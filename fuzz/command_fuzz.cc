@@ -8,10 +8,10 @@
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
-#include "command/camera_events.h"
-#include "command/catalogue.h"
 #include "fuzz/fuzz_input.h"
-#include "tests/transport/connected_camera.h"
+#include "protocol/camera_events.h"
+#include "protocol/catalogue.h"
+#include "tests/link/connected_camera.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <map>
 #include <string>
 
+#include "base/text.h"
 #include "capture/zel_ucd_file.h"
 #include "fuzz/fuzz_input.h"
 #include "platform/simulated/simulated_platform.h"
-#include "transport/text.h"
 
 using zel::fuzz::Input;
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-#include "transport/wire.h"
+#include "base/wire.h"
 
 namespace zel::fuzz {
 

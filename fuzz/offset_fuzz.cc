@@ -9,8 +9,8 @@
 #include <bit>
 #include <string>
 
+#include "base/text.h"
 #include "fuzz/fuzz_input.h"
-#include "transport/text.h"
 
 namespace {
 

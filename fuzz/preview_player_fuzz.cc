@@ -11,7 +11,7 @@
 #include <span>
 #include <vector>
 
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
 

@@ -6,11 +6,11 @@
 
 #include <ZELTarkaSDK/LiveStatistics.h>
 
+#include <ZELTarkaSDK/platform/clock.h>
+#include <ZELTarkaSDK/platform/video_encoder.h>
 #include "live/frame_queue.h"
 #include "live/join_lock.h"
 #include "live/shared_value.h"
-#include "platform/clock.h"
-#include "platform/video_encoder.h"
 
 namespace zel {
 

@@ -5,9 +5,9 @@
 #include <semaphore>
 #include <utility>
 
+#include <ZELTarkaSDK/platform/clock.h>
+#include "base/mutex.h"
 #include "live/live_frame.h"
-#include "platform/clock.h"
-#include "platform/mutex.h"
 
 namespace zel {
 

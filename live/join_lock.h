@@ -2,7 +2,7 @@
 
 #include <semaphore>
 
-#include "platform/clock.h"
+#include <ZELTarkaSDK/platform/clock.h>
 
 namespace zel {
 

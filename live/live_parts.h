@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/ports.h>
 
 class CameraDataParser;
 class ZELCameraUCD;

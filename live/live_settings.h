@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
+#include <ZELTarkaSDK/platform/media_library.h>
 #include "live/shared_value.h"
-#include "platform/media_library.h"
 
 namespace zel {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel {
 

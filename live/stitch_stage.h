@@ -5,11 +5,11 @@
 
 #include <ZELTarkaSDK/LiveStatistics.h>
 
+#include <ZELTarkaSDK/platform/clock.h>
+#include <ZELTarkaSDK/platform/media_library.h>
 #include "live/frame_queue.h"
 #include "live/join_lock.h"
 #include "live/live_settings.h"
-#include "platform/clock.h"
-#include "platform/media_library.h"
 
 namespace zel {
 

@@ -4,8 +4,8 @@
 
 #include <utility>
 
+#include <ZELTarkaSDK/platform/application_events.h>
 #include "live/zel_live_data_source_state.h"
-#include "platform/application_events.h"
 
 using zel::MutexLock;
 

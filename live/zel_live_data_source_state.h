@@ -7,14 +7,14 @@
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
+#include <ZELTarkaSDK/platform/notification_center.h>
+#include "base/mutex.h"
+#include "link/camera_data_parser.h"
 #include "live/encode_stage.h"
 #include "live/live_output.h"
 #include "live/live_parts.h"
 #include "live/live_settings.h"
 #include "live/stitch_stage.h"
-#include "platform/mutex.h"
-#include "platform/notification_center.h"
-#include "transport/camera_data_parser.h"
 
 struct ZELLiveDataSource::State {
   State(const zel::LiveParts& given, std::uint64_t resolution, std::uint64_t width, std::uint64_t height,

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/ports.h>
 
 std::shared_ptr<ZELRenderView> ZELRenderView::initWithFrame(const zel::platform::Ports& ports, const ZELRect& frame,
                                                             std::int32_t renderType) {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "transport/wire.h"
+#include "base/wire.h"
 
 namespace zel {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 namespace orq {
 

@@ -4,10 +4,10 @@
 
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
 
+#include <ZELTarkaSDK/platform/ports.h>
+#include "base/mutex.h"
 #include "media/parameter_sets.h"
 #include "media/zel_decode_run_loop.h"
-#include "platform/mutex.h"
-#include "platform/ports.h"
 
 namespace zel {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/call_gate.h"
+#include <ZELTarkaSDK/platform/call_gate.h>
 
 using zel::MutexLock;
 

@@ -7,10 +7,10 @@
 #include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
 
+#include <ZELTarkaSDK/platform/run_loop.h>
+#include "base/mutex.h"
 #include "media/decode_queue.h"
 #include "media/zel_h264_decoder.h"
-#include "platform/mutex.h"
-#include "platform/run_loop.h"
 
 // The thread "preview decode": takes units, hands their pictures to the delegate, and keeps the latest for polling.
 // Owner:  letting go of the object ends its thread without waiting for it; what the thread is at, the delegate's call

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/video_decoder.h"
-#include "transport/wire.h"
+#include <ZELTarkaSDK/platform/video_decoder.h>
+#include "base/wire.h"
 
 // Decodes H.264 units, one a call, and mends its session where that fails.
 // Owner:  the decoders must outlive the object.

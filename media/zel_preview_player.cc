@@ -3,14 +3,14 @@
 #include <atomic>
 #include <utility>
 
+#include <ZELTarkaSDK/platform/ports.h>
+#include "base/mutex.h"
 #include "media/adts.h"
 #include "media/h264_nalu_parser.h"
 #include "media/nal_unit.h"
 #include "media/preview_clocks.h"
 #include "media/preview_decoding.h"
-#include "platform/mutex.h"
-#include "platform/ports.h"
-#include "transport/frame.h"
+#include "protocol/frame.h"
 
 using zel::ByteView;
 using zel::MutexLock;

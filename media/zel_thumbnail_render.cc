@@ -1,11 +1,11 @@
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "media/c_buffer.h"
 #include "media/nal_unit.h"
 #include "media/parameter_sets.h"
 #include "media/start_code.h"
 #include "media/zel_h264_decoder.h"
-#include "platform/ports.h"
 
 using zel::ByteView;
 using zel::NalType;

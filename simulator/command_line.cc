@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "apps/manual/describe_option.h"
-#include "apps/manual/wrong_usage.h"
 #include "simulator/event_lines.h"
+#include "tools/manual/describe_option.h"
+#include "tools/manual/wrong_usage.h"
 
 namespace zel::simulator {
 

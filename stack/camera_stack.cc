@@ -8,13 +8,13 @@
 
 #include <utility>
 
+#include <ZELTarkaSDK/platform/call_gate.h>
+#include <ZELTarkaSDK/platform/ports.h>
 #include "capture/zel_ucd_file.h"
+#include "link/camera_data_parser.h"
+#include "link/camera_session.h"
+#include "link/keep_alive.h"
 #include "live/live_parts.h"
-#include "platform/call_gate.h"
-#include "platform/ports.h"
-#include "transport/camera_data_parser.h"
-#include "transport/camera_session.h"
-#include "transport/keep_alive.h"
 
 namespace zel {
 

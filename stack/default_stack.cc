@@ -15,10 +15,10 @@
 #include <cstdlib>
 #include <deque>
 
-#include "platform/mutex.h"
-#include "platform/ports.h"
-#include "transport/camera_data_parser.h"
-#include "transport/zel_camera_data_writer.h"
+#include <ZELTarkaSDK/platform/ports.h>
+#include "base/mutex.h"
+#include "link/camera_data_parser.h"
+#include "link/zel_camera_data_writer.h"
 
 namespace zel {
 namespace {

@@ -7,10 +7,10 @@
 #include <span>
 #include <utility>
 
-#include "platform/clock.h"
-#include "platform/documents.h"
-#include "platform/mutex.h"
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/clock.h>
+#include <ZELTarkaSDK/platform/documents.h>
+#include <ZELTarkaSDK/platform/ports.h>
+#include "base/mutex.h"
 #include "support/log_file.h"
 
 namespace {

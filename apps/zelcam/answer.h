@@ -8,7 +8,7 @@
 #include <tuple>
 #include <utility>
 
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/ports.h>
 
 namespace zel::app {
 

@@ -7,10 +7,10 @@
 #include <memory>
 #include <utility>
 
+#include <ZELTarkaSDK/platform/forwarding.h>
 #include "apps/zelcam/media_clock.h"
 #include "apps/zelcam/muxing/picture_joiner.h"
-#include "platform/forwarding.h"
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel::app {
 

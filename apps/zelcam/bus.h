@@ -7,10 +7,10 @@
 #include <optional>
 #include <string>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/arrival_clock.h"
 #include "apps/zelcam/settings.h"
-#include "platform/mutex.h"
-#include "platform/ports.h"
+#include "base/mutex.h"
 
 namespace zel::app {
 

@@ -9,12 +9,12 @@
 #include <utility>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/answer.h"
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/operation.h"
 #include "apps/zelcam/output.h"
-#include "platform/ports.h"
 
 namespace zel::app {
 namespace {

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/output.h"
-#include "platform/ports.h"
 
 namespace zel::app {
 namespace {

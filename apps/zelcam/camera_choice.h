@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/accessory.h>
 #include "apps/zelcam/settings.h"
-#include "platform/accessory.h"
 
 namespace zel::app {
 

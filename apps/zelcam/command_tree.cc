@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "apps/manual/describe_option.h"
-#include "apps/manual/wrong_usage.h"
 #include "apps/zelcam/number_text.h"
 #include "apps/zelcam/operation.h"
+#include "tools/manual/describe_option.h"
+#include "tools/manual/wrong_usage.h"
 
 namespace zel::app {
 namespace {

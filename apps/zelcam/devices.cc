@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_choice.h"
 #include "apps/zelcam/output.h"
-#include "platform/ports.h"
 
 namespace zel::app {
 namespace {

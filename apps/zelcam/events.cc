@@ -12,10 +12,10 @@
 #include <type_traits>
 #include <variant>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/output.h"
-#include "platform/ports.h"
 
 namespace zel::app {
 namespace {

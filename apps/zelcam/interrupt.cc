@@ -13,10 +13,10 @@
 #include <string_view>
 #include <thread>
 
+#include <ZELTarkaSDK/platform/application_events.h>
+#include <ZELTarkaSDK/platform/notification_center.h>
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/settings.h"
-#include "platform/application_events.h"
-#include "platform/notification_center.h"
-#include "platform/ports.h"
 
 namespace zel::app {
 namespace {

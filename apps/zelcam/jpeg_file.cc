@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <memory>
 
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "apps/zelcam/rgb_picture.h"
-#include "platform/memory_pixel_buffer.h"
 
 namespace zel::app {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 namespace zel::app {
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/camera_choice.h"
 #include "apps/zelcam/output.h"
-#include "platform/ports.h"
 
 namespace zel::app {
 namespace {

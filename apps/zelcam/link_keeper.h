@@ -7,8 +7,8 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 
+#include <ZELTarkaSDK/platform/run_loop.h>
 #include "apps/zelcam/settings.h"
-#include "platform/run_loop.h"
 
 namespace zel::app {
 

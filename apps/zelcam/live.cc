@@ -18,6 +18,8 @@ extern "C" {
 #include <optional>
 #include <string>
 
+#include <ZELTarkaSDK/platform/application_events.h>
+#include <ZELTarkaSDK/platform/run_loop.h>
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/interrupt.h"
@@ -27,8 +29,6 @@ extern "C" {
 #include "apps/zelcam/output.h"
 #include "apps/zelcam/passed_feed.h"
 #include "apps/zelcam/stitched_feed.h"
-#include "platform/application_events.h"
-#include "platform/run_loop.h"
 
 namespace zel::app {
 namespace {

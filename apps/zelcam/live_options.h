@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/media_library.h>
 #include "apps/zelcam/command.h"
 #include "apps/zelcam/muxing/output_address.h"
-#include "platform/media_library.h"
 
 namespace zel::app {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "apps/zelcam/paced_times.h"
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel::app {
 

@@ -10,13 +10,13 @@
 #include <chrono>
 #include <utility>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_choice.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/diagnostics.h"
 #include "apps/zelcam/link_keeper.h"
 #include "apps/zelcam/output.h"
-#include "platform/ports.h"
 
 namespace zel::app {
 namespace {

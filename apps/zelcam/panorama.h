@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
+#include <ZELTarkaSDK/platform/media_library.h>
 #include "apps/zelcam/jpeg_file.h"
-#include "platform/media_library.h"
 
 namespace zel::app {
 

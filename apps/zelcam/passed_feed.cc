@@ -7,7 +7,7 @@
 
 #include <utility>
 
-#include "platform/application_events.h"
+#include <ZELTarkaSDK/platform/application_events.h>
 
 namespace zel::app {
 namespace {

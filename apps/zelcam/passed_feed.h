@@ -7,12 +7,12 @@
 #include <optional>
 #include <string>
 
+#include <ZELTarkaSDK/platform/notification_center.h>
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/live_feed.h"
 #include "apps/zelcam/media_clock.h"
 #include "apps/zelcam/muxing/picture_joiner.h"
 #include "apps/zelcam/muxing/stream_writer.h"
-#include "platform/notification_center.h"
 
 class ZELPreviewPlayer;
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 namespace zel::app {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/media_library.h"
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/media_library.h>
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 namespace zel::app {
 

@@ -22,7 +22,7 @@
 #include "apps/zelcam/output.h"
 #include "apps/zelcam/picture_file.h"
 #include "apps/zelcam/picture_rate.h"
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel::app {
 namespace {

@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "platform/memory_pixel_buffer.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
 namespace zel::app {
 

@@ -8,9 +8,9 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-FOLDERS = ("include", "packaging", "platform", "transport", "support", "capture", "media", "command", "live", "stack", "simulator", "apps",
+FOLDERS = ("include", "packaging", "base", "protocol", "platform", "link", "support", "capture", "media", "command", "live", "stack", "simulator", "tools", "apps",
            "tests", "bench", "fuzz", "examples")
-TIDIED = ("platform/", "transport/", "support/", "capture/", "media/", "command/", "live/", "stack/", "simulator/", "apps/")
+TIDIED = ("base/", "protocol/", "platform/", "link/", "support/", "capture/", "media/", "command/", "live/", "stack/", "simulator/", "tools/", "apps/")
 
 
 def run(command):

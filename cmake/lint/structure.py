@@ -8,8 +8,8 @@ import re
 import sys
 from pathlib import Path
 
-CORE = ("transport", "support", "capture", "media", "command", "live", "stack")
-PROGRAMS = ("simulator", "apps")
+CORE = ("base", "protocol", "link", "support", "capture", "media", "command", "live", "stack")
+PROGRAMS = ("simulator", "tools", "apps")
 SOURCES = CORE + ("platform", "include") + PROGRAMS + ("tests", "bench", "fuzz", "examples")
 LONGEST_FUNCTION = 60
 LONGEST_EXAMPLE = 59
@@ -49,7 +49,7 @@ def includes(path):
 
 
 def is_port(include):
-    return re.fullmatch(r"platform/[a-z_]+\.h", include) is not None
+    return re.fullmatch(r"(include/)?ZELTarkaSDK/platform/[a-z_]+\.h", include) is not None
 
 
 def check_include(folder, quote, include, edges):
@@ -143,7 +143,7 @@ def text_rules(root):
             text = line.decode("ascii", "replace")
             if re.search(r"\b(TODO|FIXME|XXX)\b(?!\([a-z]+\): )", text):
                 yield f"{relative}:{number}: write TODO(word): what is to be done"
-            is_declaration = relative.startswith("transport/") and re.match(r"\s*static ", text)
+            is_declaration = relative.startswith("link/") and re.match(r"\s*static ", text)
             if CLASS_OPERATION.search(text) and not allowed_here and not is_declaration and "//" not in text:
                 yield f"{relative}:{number}: class operations are for hosts; take a reference in the constructor"
 

@@ -7,8 +7,8 @@ from pathlib import Path
 from mutants import with_mutants
 
 TOOL = Path(__file__).resolve().parent
-CORE = ("transport", "support", "capture", "media", "command", "live", "stack")
-HEADERS = ("platform", "include/ZELTarkaSDK")  # the ports, and what hosts include: those of them that hold code
+CORE = ("base", "protocol", "link", "support", "capture", "media", "command", "live", "stack")
+HEADERS = ("include/ZELTarkaSDK/platform", "include/ZELTarkaSDK")  # the ports, and what hosts include: those of them that hold code
 TESTED = (*CORE, "platform")
 KEPT_LIST = "cmake/mutate/equivalents.txt"
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/call_gate.h"
+#include <ZELTarkaSDK/platform/call_gate.h>
 
 namespace zel {
 

@@ -6,7 +6,7 @@
 #include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELError.h>
 
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 // Receives everything that a live data source produces.
 // Units:  timestamps in milliseconds since the first sound of the run.

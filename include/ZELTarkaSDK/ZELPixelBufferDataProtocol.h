@@ -4,7 +4,7 @@
 
 #include <ZELTarkaSDK/Export.h>
 
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 // Receives decoded pictures.
 class ZEL_EXPORT ZELPixelBufferDataProtocol {

@@ -6,7 +6,7 @@
 
 #include <ZELTarkaSDK/Export.h>
 
-#include "platform/media_library.h"
+#include <ZELTarkaSDK/platform/media_library.h>
 
 class ZELPreviewPlayer;
 

@@ -42,5 +42,5 @@
 #include <ZELTarkaSDK/ZELRenderView.h>
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
 
-#include "platform/application_events.h"
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/application_events.h>
+#include <ZELTarkaSDK/platform/ports.h>

@@ -8,7 +8,7 @@
 #include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELData.h>
 
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 namespace zel::platform {
 struct Ports;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/video_decoder.h"
+#include <ZELTarkaSDK/platform/video_decoder.h>
 
 namespace zel::platform {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/video_encoder.h"
+#include <ZELTarkaSDK/platform/video_encoder.h>
 
 namespace zel::platform {
 

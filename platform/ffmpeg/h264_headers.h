@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include "platform/picture_colour.h"
+#include <ZELTarkaSDK/platform/picture_colour.h>
 
 namespace zel::platform {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/memory_pixel_buffer.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
 namespace zel::platform {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 namespace zel::platform {
 

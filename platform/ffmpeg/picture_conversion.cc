@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "platform/memory_pixel_buffer.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
 namespace zel::platform {
 namespace {

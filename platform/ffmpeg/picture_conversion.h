@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 #include "platform/ffmpeg/libav.h"
-#include "platform/pixel_buffer.h"
 
 namespace zel::platform {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/accessory.h"
+#include <ZELTarkaSDK/platform/accessory.h>
 #include "platform/linux/endpoint.h"
 
 namespace zel::platform {

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "base/mutex.h"
 #include "platform/linux/camera_lock.h"
-#include "platform/mutex.h"
 
 namespace zel::platform {
 

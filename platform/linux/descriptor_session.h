@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/accessory.h"
+#include <ZELTarkaSDK/platform/accessory.h>
 
 namespace zel::platform {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "platform/accessory.h"
+#include <ZELTarkaSDK/platform/accessory.h>
 #include "platform/linux/linux_run_loop.h"
 #include "platform/linux/unique_descriptor.h"
 

@@ -3,9 +3,9 @@
 #include <memory>
 #include <utility>
 
-#include "platform/call_gate.h"
-#include "platform/mutex.h"
-#include "platform/task.h"
+#include <ZELTarkaSDK/platform/call_gate.h>
+#include <ZELTarkaSDK/platform/task.h>
+#include "base/mutex.h"
 
 namespace zel::platform {
 

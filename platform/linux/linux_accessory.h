@@ -5,11 +5,11 @@
 #include <memory>
 #include <string>
 
-#include "platform/accessory.h"
+#include <ZELTarkaSDK/platform/accessory.h>
+#include "base/mutex.h"
 #include "platform/linux/accessory_description.h"
 #include "platform/linux/accessory_file.h"
 #include "platform/linux/unique_descriptor.h"
-#include "platform/mutex.h"
 
 namespace zel::platform {
 

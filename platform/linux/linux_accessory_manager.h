@@ -8,15 +8,15 @@
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
-#include "platform/accessory.h"
+#include <ZELTarkaSDK/platform/accessory.h>
+#include <ZELTarkaSDK/platform/notification_center.h>
+#include <ZELTarkaSDK/platform/queues.h>
+#include "base/mutex.h"
 #include "platform/linux/attached_accessories.h"
 #include "platform/linux/camera_holds.h"
 #include "platform/linux/folder_watch.h"
 #include "platform/linux/linux_accessory.h"
 #include "platform/linux/linux_run_loop.h"
-#include "platform/mutex.h"
-#include "platform/notification_center.h"
-#include "platform/queues.h"
 
 namespace zel::platform {
 

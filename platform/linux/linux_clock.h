@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include <ZELTarkaSDK/platform/clock.h>
 
 namespace zel::platform {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/documents.h"
+#include <ZELTarkaSDK/platform/documents.h>
 
 namespace zel::platform {
 

@@ -9,7 +9,8 @@
 #include <thread>
 #include <utility>
 
-#include "platform/in_process_notification_center.h"
+#include <ZELTarkaSDK/platform/in_process_notification_center.h>
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/linux/accessory_folder.h"
 #include "platform/linux/linux_accessory_manager.h"
 #include "platform/linux/linux_clock.h"
@@ -19,7 +20,6 @@
 #include "platform/linux/linux_timer.h"
 #include "platform/linux/signal_mask.h"
 #include "platform/linux/worker_pool.h"
-#include "platform/ports.h"
 
 namespace zel {
 namespace {

@@ -7,11 +7,11 @@
 #include <memory>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/run_loop.h>
+#include "base/mutex.h"
 #include "platform/linux/asio.h"
 #include "platform/linux/guarded_task.h"
 #include "platform/linux/loop_alarm.h"
-#include "platform/mutex.h"
-#include "platform/run_loop.h"
 
 namespace zel::platform {
 

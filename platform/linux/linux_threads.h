@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
+#include <ZELTarkaSDK/platform/run_loop.h>
 #include "platform/linux/linux_run_loop.h"
-#include "platform/run_loop.h"
 
 namespace zel::platform {
 

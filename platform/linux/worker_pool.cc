@@ -10,8 +10,8 @@
 #include <thread>
 #include <utility>
 
+#include "base/mutex.h"
 #include "platform/linux/signal_mask.h"
-#include "platform/mutex.h"
 
 namespace zel::platform {
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <memory>
 
-#include "platform/queues.h"
+#include <ZELTarkaSDK/platform/queues.h>
 
 namespace zel::platform {
 

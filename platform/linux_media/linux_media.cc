@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
-#include "platform/ports.h"
 #include "platform/render/stitching_library.h"
 
 namespace zel {

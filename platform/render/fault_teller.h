@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel::render {
 

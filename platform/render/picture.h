@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/memory_pixel_buffer.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
 namespace zel::render {
 

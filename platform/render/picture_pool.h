@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "platform/memory_pixel_buffer.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "platform/render/picture.h"
 
 namespace zel::render {

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel::render {
 

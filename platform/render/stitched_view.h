@@ -4,8 +4,8 @@
 
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
-#include "platform/media_library.h"
-#include "platform/mutex.h"
+#include <ZELTarkaSDK/platform/media_library.h>
+#include "base/mutex.h"
 #include "platform/render/stitching_render.h"
 
 namespace zel::render {

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/pixel_buffer.h"
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 #include "platform/render/fringe_filter.h"
 #include "platform/render/gain_match.h"
 #include "platform/render/lens_model.h"

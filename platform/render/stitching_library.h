@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/media_library.h"
+#include <ZELTarkaSDK/platform/media_library.h>
 #include "platform/render/fault_teller.h"
 #include "platform/render/stitcher.h"
 

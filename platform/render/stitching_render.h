@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/media_library.h"
+#include <ZELTarkaSDK/platform/media_library.h>
 #include "platform/render/fault_teller.h"
 #include "platform/render/nadir_logo.h"
 #include "platform/render/picture_pool.h"

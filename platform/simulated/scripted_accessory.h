@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/accessory.h"
+#include <ZELTarkaSDK/platform/accessory.h>
 
 namespace zel::platform {
 

@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/media_library.h"
-#include "platform/memory_pixel_buffer.h"
-#include "platform/mutex.h"
+#include <ZELTarkaSDK/platform/media_library.h>
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+#include "base/mutex.h"
 
 namespace zel::platform {
 

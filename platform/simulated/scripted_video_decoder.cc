@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/memory_pixel_buffer.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
 namespace zel::platform {
 namespace {

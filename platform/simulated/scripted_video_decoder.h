@@ -7,8 +7,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/mutex.h"
-#include "platform/video_decoder.h"
+#include <ZELTarkaSDK/platform/video_decoder.h>
+#include "base/mutex.h"
 
 namespace zel::platform {
 

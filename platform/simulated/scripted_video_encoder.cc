@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel::platform {
 namespace {

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/video_encoder.h"
+#include <ZELTarkaSDK/platform/video_encoder.h>
 
 namespace zel::platform {
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/in_process_notification_center.h"
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/in_process_notification_center.h>
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/simulated/scripted_accessory.h"
 #include "platform/simulated/simulated_scheduler.h"
 

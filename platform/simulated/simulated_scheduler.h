@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/queues.h"
-#include "platform/run_loop.h"
+#include <ZELTarkaSDK/platform/queues.h>
+#include <ZELTarkaSDK/platform/run_loop.h>
 #include "platform/simulated/simulated_task.h"
 
 namespace zel::platform {

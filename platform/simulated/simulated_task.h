@@ -6,7 +6,7 @@
 #include <semaphore>
 #include <thread>
 
-#include "platform/task.h"
+#include <ZELTarkaSDK/platform/task.h>
 
 namespace zel::platform {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/simulated/simulated_platform.h"
-#include "tests/transport/bytes.h"
+#include "tests/link/bytes.h"
 
 namespace zel::test {
 namespace {

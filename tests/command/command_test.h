@@ -10,7 +10,7 @@
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
-#include "tests/transport/simulated_camera.h"
+#include "tests/link/simulated_camera.h"
 
 namespace zel::test {
 

@@ -13,8 +13,8 @@
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
+#include "tests/link/connected_camera.h"
 #include "tests/sanitizers.h"
-#include "tests/transport/connected_camera.h"
 
 // Requests, answers and losses in random order, beside a plain model of what the handlers must be called with.
 

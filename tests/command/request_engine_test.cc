@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/command/command_test.h"
-#include "tests/transport/recording_consumers.h"
+#include "tests/link/recording_consumers.h"
 
 namespace zel::test {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/command/command_test.h"
-#include "tests/transport/recording_consumers.h"
+#include "tests/link/recording_consumers.h"
 
 namespace zel::test {
 namespace {

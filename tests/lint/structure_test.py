@@ -10,7 +10,7 @@ SCRIPT = Path(__file__).resolve().parents[2] / "cmake/lint/structure.py"
 
 
 class StructureTest(unittest.TestCase):
-    def check(self, name, files, edges="transport:\ncommand: transport\n"):
+    def check(self, name, files, edges="link:\ncommand: link\n"):
         with tempfile.TemporaryDirectory() as root:
             for path, text in {"cmake/lint/edges.txt": edges, **files}.items():
                 target = Path(root) / path
@@ -20,33 +20,33 @@ class StructureTest(unittest.TestCase):
             return done.returncode, done.stdout
 
     def test_accepts_the_standard_library_ports_and_what_is_below(self):
-        files = {"command/a.cc": '#include <vector>\n#include "platform/clock.h"\n#include "transport/b.h"\n'}
+        files = {"command/a.cc": '#include <vector>\n#include <ZELTarkaSDK/platform/clock.h>\n#include "link/b.h"\n'}
         self.assertEqual(self.check("include-graph", files)[0], 0)
 
     def test_finds_an_include_of_what_is_above(self):
-        code, text = self.check("include-graph", {"transport/a.cc": '\n#include "command/b.h"\n'})
+        code, text = self.check("include-graph", {"link/a.cc": '\n#include "command/b.h"\n'})
         self.assertEqual(code, 1)
-        self.assertIn("transport/a.cc:2", text)
+        self.assertIn("link/a.cc:2", text)
 
     def test_finds_an_adapter_in_the_core(self):
-        self.assertEqual(self.check("include-graph", {"transport/a.cc": '#include "platform/linux/b.h"\n'})[0], 1)
+        self.assertEqual(self.check("include-graph", {"link/a.cc": '#include "platform/linux/b.h"\n'})[0], 1)
 
     def test_finds_a_system_header_in_the_core(self):
-        self.assertEqual(self.check("include-graph", {"transport/a.cc": "#include <sys/socket.h>\n"})[0], 1)
-        self.assertEqual(self.check("include-graph", {"transport/a.cc": "#include <asio/post.hpp>\n"})[0], 1)
+        self.assertEqual(self.check("include-graph", {"link/a.cc": "#include <sys/socket.h>\n"})[0], 1)
+        self.assertEqual(self.check("include-graph", {"link/a.cc": "#include <asio/post.hpp>\n"})[0], 1)
 
     def test_finds_a_cycle_of_folders(self):
-        self.assertEqual(self.check("include-graph", {}, "transport: command\ncommand: transport\n")[0], 1)
+        self.assertEqual(self.check("include-graph", {}, "link: command\ncommand: link\n")[0], 1)
 
     def test_finds_a_source_without_a_test(self):
-        code, text = self.check("pairs", {"transport/a.cc": "", "transport/a.h": ""})
+        code, text = self.check("pairs", {"link/a.cc": "", "link/a.h": ""})
         self.assertEqual(code, 1)
-        self.assertIn("tests/transport/a_test.cc", text)
+        self.assertIn("tests/link/a_test.cc", text)
 
     def test_finds_a_function_that_is_too_long(self):
         body = "void f() {\n" + "  g();\n" * 61 + "}\n"
-        self.assertEqual(self.check("length", {"transport/a.cc": body})[0], 1)
-        self.assertEqual(self.check("length", {"transport/a.cc": body.replace("  g();\n", "", 1)})[0], 0)
+        self.assertEqual(self.check("length", {"link/a.cc": body})[0], 1)
+        self.assertEqual(self.check("length", {"link/a.cc": body.replace("  g();\n", "", 1)})[0], 0)
 
     def test_finds_a_class_operation_in_the_core(self):
         self.assertEqual(self.check("text", {"command/a.cc": "X::defaultCamera().f();\n"})[0], 1)
@@ -54,7 +54,7 @@ class StructureTest(unittest.TestCase):
     def test_finds_an_example_that_is_too_long_or_sees_more_than_a_host(self):
         self.assertEqual(self.check("examples", {"examples/a.cc": "#include <ZELTarkaSDK/A.h>\n" + "\n" * 58})[0], 0)
         self.assertEqual(self.check("examples", {"examples/a.cc": "\n" * 60})[0], 1)
-        self.assertEqual(self.check("examples", {"examples/a.cc": '#include "platform/ports.h"\n'})[0], 1)
+        self.assertEqual(self.check("examples", {"examples/a.cc": '#include "link/roles.h"\n'})[0], 1)
 
 
 if __name__ == "__main__":

@@ -13,15 +13,15 @@
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
-#include "platform/memory_pixel_buffer.h"
-#include "platform/mutex.h"
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+#include <ZELTarkaSDK/platform/ports.h>
+#include "base/mutex.h"
 #include "platform/simulated/scripted_media_library.h"
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/scripted_video_encoder.h"
 #include "platform/simulated/simulated_platform.h"
 #include "tests/command/command_test.h"
-#include "tests/transport/simulated_camera.h"
+#include "tests/link/simulated_camera.h"
 
 namespace zel::test {
 

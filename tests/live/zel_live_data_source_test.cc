@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/application_events.h"
+#include <ZELTarkaSDK/platform/application_events.h>
 #include "tests/live/live_test.h"
 
 namespace zel::test {

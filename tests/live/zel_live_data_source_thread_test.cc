@@ -10,7 +10,7 @@
 #include <random>
 #include <thread>
 
-#include "platform/application_events.h"
+#include <ZELTarkaSDK/platform/application_events.h>
 #include "tests/live/live_test.h"
 #include "tests/sanitizers.h"
 #include "tests/stack/simulator_fixture.h"

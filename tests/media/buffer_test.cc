@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/transport/bytes.h"
+#include "tests/link/bytes.h"
 
 namespace zel::test {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "media/media_buffer.h"
-#include "tests/transport/bytes.h"
+#include "tests/link/bytes.h"
 
 namespace zel::test {
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "tests/transport/bytes.h"
+#include "tests/link/bytes.h"
 
 namespace zel::test {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
 #include "tests/media/nal_bytes.h"

@@ -8,8 +8,8 @@
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "media/zel_decode_run_loop.h"
-#include "platform/ports.h"
 #include "platform/simulated/scripted_video_decoder.h"
 #include "tests/media/nal_bytes.h"
 #include "tests/platform/linux/temporary_folder.h"

@@ -5,16 +5,16 @@
 
 #include <algorithm>
 
+#include <ZELTarkaSDK/platform/ports.h>
+#include "base/wire.h"
+#include "link/camera_data_parser.h"
 #include "platform/ffmpeg/h264_decoder.h"
-#include "platform/ports.h"
 #include "platform/simulated/simulated_platform.h"
+#include "protocol/frame.h"
+#include "tests/link/bytes.h"
+#include "tests/link/recording_consumers.h"
 #include "tests/live_bytes.h"
 #include "tests/platform/ffmpeg/stream_maker.h"
-#include "tests/transport/bytes.h"
-#include "tests/transport/recording_consumers.h"
-#include "transport/camera_data_parser.h"
-#include "transport/frame.h"
-#include "transport/wire.h"
 
 namespace zel::test {
 namespace {

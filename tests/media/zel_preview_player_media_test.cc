@@ -7,11 +7,11 @@
 #include <algorithm>
 
 #include "platform/ffmpeg/h264_decoder.h"
+#include "protocol/frame.h"
+#include "tests/link/connected_camera.h"
 #include "tests/platform/ffmpeg/decoded_stream.h"
 #include "tests/platform/ffmpeg/stream_maker.h"
 #include "tests/platform/ffmpeg/video_file.h"
-#include "tests/transport/connected_camera.h"
-#include "transport/frame.h"
 
 namespace zel::test {
 namespace {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "media/h264_nalu_parser.h"
-#include "platform/ports.h"
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
 #include "tests/media/nal_bytes.h"

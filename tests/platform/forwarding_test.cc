@@ -1,4 +1,4 @@
-#include "platform/forwarding.h"
+#include <ZELTarkaSDK/platform/forwarding.h>
 
 #include <gmock/gmock.h>
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/ports.h>
 
 namespace zel::test {
 

@@ -1,4 +1,4 @@
-#include "platform/picture_colour.h"
+#include <ZELTarkaSDK/platform/picture_colour.h>
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // What the ports' values are until an adapter fills them.
 #include <gtest/gtest.h>
 
-#include "platform/accessory.h"
-#include "platform/clock.h"
-#include "platform/media_library.h"
-#include "platform/pixel_buffer.h"
-#include "platform/video_decoder.h"
-#include "platform/video_encoder.h"
+#include <ZELTarkaSDK/platform/accessory.h>
+#include <ZELTarkaSDK/platform/clock.h>
+#include <ZELTarkaSDK/platform/media_library.h>
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
+#include <ZELTarkaSDK/platform/video_decoder.h>
+#include <ZELTarkaSDK/platform/video_encoder.h>
 
 namespace zel::platform {
 namespace {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/transport/bytes.h"
+#include "tests/link/bytes.h"
 
 namespace zel::simulator {
 namespace {

@@ -9,7 +9,7 @@
 #include <memory>
 #include <thread>
 
-#include "platform/notification_center.h"
+#include <ZELTarkaSDK/platform/notification_center.h>
 #include "tests/stack/simulator_fixture.h"
 
 namespace zel::test {

@@ -14,10 +14,10 @@
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
-#include "platform/notification_center.h"
+#include <ZELTarkaSDK/platform/notification_center.h>
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
-#include "tests/transport/simulated_camera.h"
+#include "tests/link/simulated_camera.h"
 
 namespace zel::test {
 namespace {

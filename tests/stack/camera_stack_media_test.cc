@@ -15,10 +15,10 @@
 #include <vector>
 
 #include "platform/ffmpeg/h264_decoder.h"
+#include "protocol/frame.h"
 #include "tests/platform/ffmpeg/decoded_stream.h"
 #include "tests/platform/ffmpeg/video_file.h"
 #include "tests/platform/linux/bus_fixture.h"
-#include "transport/frame.h"
 
 namespace zel::test {
 namespace {

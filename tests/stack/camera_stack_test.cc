@@ -9,9 +9,9 @@
 
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/simulated/scripted_video_decoder.h"
-#include "tests/transport/simulated_camera.h"
+#include "tests/link/simulated_camera.h"
 
 namespace zel::test {
 namespace {

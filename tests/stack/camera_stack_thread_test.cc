@@ -14,9 +14,9 @@
 #include <thread>
 #include <vector>
 
+#include "tests/link/bytes.h"
 #include "tests/sanitizers.h"
 #include "tests/stack/simulator_fixture.h"
-#include "tests/transport/bytes.h"
 
 namespace zel::test {
 namespace {

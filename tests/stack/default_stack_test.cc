@@ -17,9 +17,9 @@
 #include <thread>
 #include <vector>
 
+#include "link/camera_data_parser.h"
+#include "link/zel_camera_data_writer.h"
 #include "platform/simulated/simulated_platform.h"
-#include "transport/camera_data_parser.h"
-#include "transport/zel_camera_data_writer.h"
 
 namespace zel::test {
 namespace {

@@ -8,10 +8,10 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
+#include "link/camera_data_parser.h"
+#include "link/camera_session.h"
 #include "simulator/camera_simulator.h"
 #include "tests/platform/linux/bus_fixture.h"
-#include "transport/camera_data_parser.h"
-#include "transport/camera_session.h"
 
 namespace zel::test {
 

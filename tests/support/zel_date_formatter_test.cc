@@ -8,7 +8,7 @@
 #include <iterator>
 #include <string>
 
-#include "platform/documents.h"
+#include <ZELTarkaSDK/platform/documents.h>
 #include "platform/simulated/simulated_platform.h"
 
 namespace zel {

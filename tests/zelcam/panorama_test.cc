@@ -13,10 +13,10 @@
 #include <tuple>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "apps/zelcam/exif_direction.h"
 #include "apps/zelcam/jpeg_file.h"
 #include "apps/zelcam/panorama_metadata.h"
-#include "platform/memory_pixel_buffer.h"
 #include "platform/render/stitching_library.h"
 #include "simulator/jpeg.h"
 #include "simulator/photo_studio.h"

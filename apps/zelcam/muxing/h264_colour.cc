@@ -1,7 +1,7 @@
 #include "apps/zelcam/muxing/h264_colour.h"
 
+#include <ZELTarkaSDK/platform/picture_colour.h>
 #include "platform/ffmpeg/h264_headers.h"
-#include "platform/picture_colour.h"
 
 namespace zel::app {
 

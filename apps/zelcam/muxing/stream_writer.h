@@ -11,7 +11,7 @@
 
 #include "apps/zelcam/muxing/media_packet.h"
 #include "apps/zelcam/muxing/timeline.h"
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel::app {
 

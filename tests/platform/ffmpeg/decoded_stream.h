@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/video_decoder.h"
+#include <ZELTarkaSDK/platform/video_decoder.h>
 #include "tests/platform/ffmpeg/annex_b.h"
 
 namespace zel::test {

@@ -12,10 +12,10 @@
 #include <thread>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
-#include "platform/memory_pixel_buffer.h"
 #include "tests/platform/ffmpeg/annex_b.h"
 
 namespace zel::platform {

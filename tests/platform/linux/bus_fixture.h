@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/linux/unique_descriptor.h"
-#include "platform/ports.h"
 #include "tests/platform/linux/temporary_folder.h"
 #include "tests/platform/linux/waiting.h"
 

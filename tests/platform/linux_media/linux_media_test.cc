@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/memory_pixel_buffer.h"
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/simulated/simulated_platform.h"
 
 namespace zel {

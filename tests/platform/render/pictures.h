@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/memory_pixel_buffer.h"
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "platform/render/picture.h"
 #include "simulator/picture.h"
 

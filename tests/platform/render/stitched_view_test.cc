@@ -11,7 +11,7 @@
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
-#include "platform/ports.h"
+#include <ZELTarkaSDK/platform/ports.h>
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
 #include "tests/media/nal_bytes.h"

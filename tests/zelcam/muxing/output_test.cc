@@ -7,7 +7,7 @@
 #include <semaphore>
 #include <utility>
 
-#include "platform/mutex.h"
+#include "base/mutex.h"
 
 namespace zel::app {
 namespace {

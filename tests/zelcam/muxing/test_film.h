@@ -4,9 +4,9 @@
 #include <span>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "apps/zelcam/muxing/media_packet.h"
 #include "platform/ffmpeg/h264_encoder.h"
-#include "platform/memory_pixel_buffer.h"
 
 namespace zel::app {
 

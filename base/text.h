@@ -1,0 +1,32 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/wire.h"
+
+namespace zel {
+
+inline std::string_view asText(ByteView bytes) { return {reinterpret_cast<const char*>(bytes.data()), bytes.size()}; }
+
+inline bool isAscii(std::string_view text) {
+  return std::ranges::all_of(text, [](char letter) { return static_cast<unsigned char>(letter) < 0x80; });
+}
+
+// Whether the bytes are UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
+bool isUtf8(std::string_view text);
+
+// The number of 16-bit units that the text has in UTF-16, which is what hosts count as characters. Bytes that are not
+// UTF-8 count one each.
+std::size_t characterCount(std::string_view text);
+
+// The text without its first `count` such characters; one that is cut in half goes whole.
+std::string_view withoutCharacters(std::string_view text, std::size_t count);
+
+// The bytes up to the first zero, or to the end, as UTF-8 text; nothing when they are not UTF-8.
+std::optional<std::string> zeroTerminatedUtf8(ByteView bytes);
+
+}  // namespace zel

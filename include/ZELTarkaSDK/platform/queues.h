@@ -1,0 +1,29 @@
+#pragma once
+
+#include <ZELTarkaSDK/platform/task.h>
+
+namespace zel::platform {
+
+// Somewhere to run work asynchronously.
+// Thread: any thread may post.
+class Queue {
+ public:
+  virtual ~Queue() = default;
+
+  // Runs the task later, never inside the call.
+  virtual void post(Task task) = 0;
+};
+
+// The host's two queues.
+class Queues {
+ public:
+  virtual ~Queues() = default;
+
+  // Serial, in the order of posting, on the host's main thread.
+  virtual Queue& mainQueue() = 0;
+
+  // Concurrent, default priority. A task may block for good; it is never waited for at exit.
+  virtual Queue& globalQueue() = 0;
+};
+
+}  // namespace zel::platform

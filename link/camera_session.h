@@ -1,0 +1,122 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <ZELTarkaSDK/ZELData.h>
+
+#include <ZELTarkaSDK/platform/ports.h>
+#include "base/mutex.h"
+#include "link/keep_alive.h"
+#include "link/roles.h"
+#include "link/session_connection.h"
+
+// The byte stream to the camera: opens and closes it, queues what is written, reopens it after a stream error.
+// Each open session is a SessionConnection with a thread of its own; at most one of these threads reads and parses at a
+// time, since a new one begins only when the one before has ended. That is why the de-multiplexer needs no lock.
+//
+// Thread: any thread.
+class CameraSession final : zel::ConnectionOwner {
+ public:
+  // Owner: all arguments must outlive the object.
+  CameraSession(const zel::platform::Ports& ports, zel::AccessoryLink& accessory, zel::InboundStream& parser);
+  // Closes, and waits for the session thread.
+  ~CameraSession();
+  CameraSession(const CameraSession&) = delete;
+  CameraSession& operator=(const CameraSession&) = delete;
+
+  // What a session thread keeps alive until it has ended. Set before the first opening.
+  void setKeepAlive(const zel::KeepAlive& keepAlive) { keepAlive_ = keepAlive; }
+
+  // openSessionWithAccessory:protocol: - closes the current session and opens a new one. `accepted` is called once the
+  // session has been announced and stands, before its first byte is read, with a lock held: it must call nobody.
+  // Errors: false when no session or no thread could be had, when who was told of the session closed it again, or when
+  //         another thread opened or closed meanwhile.
+  bool openSessionWithAccessory(const std::shared_ptr<zel::platform::Accessory>& accessory, std::string_view protocol,
+                                const std::function<void()>& accepted = {});
+
+  // Closes the current session, if any. The session thread is asked to end and not waited for; what is written from now
+  // until the next opening is lost.
+  void closeSession();
+
+  // Whether a session exists.
+  bool isOpen() const;
+
+  // writeData: and writeData:length: - queue bytes for the camera, whole and in order. Dropped while closed.
+  void writeData(const ZELData& data);
+  void writeData(const std::uint8_t* bytes, std::int32_t length);
+
+  // Has the session thread send the time synchronisation.
+  void sendSyncTimeCmd();
+
+  // When the last time-synchronisation command was built, in milliseconds since 2001.
+  std::int64_t syncTimestamp() const { return syncTimestamp_.load(); }
+
+  // Re-sends of the time synchronisation that are left. 10 at first and never refilled: a reconnection does not
+  // earn new ones.
+  std::int32_t syncTimeCount() const { return syncTimeCount_.load(); }
+  // Spends one; false when none is left.
+  bool takeSyncTimeResend();
+
+  // The de-multiplexer lost its position in the stream: reopens as after a stream error. Thread: session thread.
+  void reopenAfterLostPosition();
+
+  // Bytes that the streams have taken, of all sessions together, and bytes that the open one has not taken yet.
+  std::uint64_t bytesWritten() const { return bytesWritten_.load(); }
+  std::uint64_t bytesToWrite() const;
+
+  // Times that the stream reported an error.
+  std::uint64_t streamErrors() const { return streamErrors_.load(); }
+
+  // accessoryDidDisconnect: - does nothing; the accessory manager's notification ends the connection.
+  void accessoryDidDisconnect(const zel::platform::Accessory& accessory);
+
+  // Waits for the session thread to end after a close; returns at once on that thread.
+  void waitForThreadEnd();
+
+ private:
+  using Connection = std::shared_ptr<zel::SessionConnection>;
+
+  void streamFailed(zel::SessionConnection& connection) override;
+  void threadBeganAfterAnother() override;
+  void threadEnded() override;
+  std::span<std::uint8_t> readBuffer() override;
+  std::int64_t stampSyncTime() override;
+  void bytesWritten(std::size_t count) override { bytesWritten_.fetch_add(count); }
+
+  void reopen(const zel::SessionConnection& failed);
+  Connection takeCurrent(std::uint64_t& opening) ZEL_REQUIRES(mutex_);
+  void finishClosing(const Connection& closed);
+  bool openAs(std::uint64_t opening, const std::shared_ptr<zel::platform::Accessory>& accessory,
+              std::string_view protocol, const std::function<void()>& accepted);
+  Connection connect(const std::shared_ptr<zel::platform::Accessory>& accessory, std::string_view protocol);
+  bool install(std::uint64_t opening, const Connection& connection,
+               const std::shared_ptr<zel::platform::Accessory>& accessory);
+  bool beginOrLeaveWaiting(const Connection& connection, const std::function<void()>& accepted);
+  void begin(bool afterAnother) ZEL_REQUIRES(mutex_);
+  void resetParser();
+  Connection current() const;
+
+  const zel::platform::Ports ports_;
+  zel::AccessoryLink& accessory_;
+  zel::InboundStream& parser_;
+  zel::KeepAlive keepAlive_;              // set before the first opening
+  std::vector<std::uint8_t> readBuffer_;  // session thread only
+  std::atomic<std::int64_t> syncTimestamp_ = 0;
+  std::atomic<std::int32_t> syncTimeCount_ = 10;
+  std::atomic<std::uint64_t> streamErrors_ = 0;
+  std::atomic<std::uint64_t> bytesWritten_ = 0;
+
+  mutable zel::Mutex mutex_;
+  std::uint64_t openings_ ZEL_GUARDED_BY(mutex_) = 0;  // changes whenever anybody opens or closes
+  std::shared_ptr<zel::platform::Accessory> sessionAccessory_ ZEL_GUARDED_BY(mutex_);
+  Connection connection_ ZEL_GUARDED_BY(mutex_);  // the open session
+  bool mayBegin_ ZEL_GUARDED_BY(mutex_) = false;  // the open session is set up, and waits for the thread before it
+  Connection running_ ZEL_GUARDED_BY(mutex_);     // the one whose thread has begun and has not ended
+};

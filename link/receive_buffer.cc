@@ -1,0 +1,54 @@
+#include "link/receive_buffer.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zel {
+namespace {
+
+constexpr std::size_t kSmallest = 64 * 1024;            // holds most frames and the reads of most bursts
+constexpr std::size_t kKeptCapacity = 4 * 1024 * 1024;  // not given back: two full reads
+constexpr std::size_t kShortRest = 1024;  // cheaper to move to the front at once than to let the buffer wander
+
+}  // namespace
+
+void ReceiveBuffer::consume(std::size_t count, std::size_t awaited) {
+  begin_ += count;
+  awaited_ = awaited;
+  if (capacity_ > std::max(kKeptCapacity, 2 * std::max(awaited, size()))) {
+    reallocate(std::max(kSmallest, size()));
+  } else if (begin_ != 0 && size() <= kShortRest) {
+    moveToFront();
+  }
+}
+
+void ReceiveBuffer::clear() {
+  begin_ = end_;
+  consume(0, 0);
+}
+
+void ReceiveBuffer::makeRoom(std::size_t count) {
+  const std::size_t needed = size() + count;
+  // At most one move for each consumed frame: afterwards the bytes stand at the front, and only growing helps.
+  if (needed <= capacity_) return moveToFront();
+  reallocate(std::max({kSmallest, needed, std::min(2 * needed, awaited_)}));
+}
+
+void ReceiveBuffer::reallocate(std::size_t capacity) {
+  auto larger = std::make_unique_for_overwrite<std::uint8_t[]>(capacity);
+  const std::size_t held = size();
+  if (held != 0) std::memcpy(larger.get(), view().data(), held);
+  storage_ = std::move(larger);
+  capacity_ = capacity;
+  begin_ = 0;
+  end_ = held;
+}
+
+void ReceiveBuffer::moveToFront() {
+  const std::size_t held = size();
+  if (held != 0) std::memmove(storage_.get(), storage_.get() + begin_, held);
+  begin_ = 0;
+  end_ = held;
+}
+
+}  // namespace zel

@@ -1,0 +1,24 @@
+#include "link/write_queue.h"
+
+namespace zel {
+namespace {
+
+constexpr std::size_t kKeptBytes = 1024 * 1024;  // an upload's memory is given back once it is written
+
+}  // namespace
+
+void WriteQueue::append(ByteView bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
+
+void WriteQueue::removeFirst(std::size_t count) {
+  taken_ += count;
+  if (taken_ == bytes_.size()) {
+    taken_ = 0;
+    bytes_.clear();
+    if (bytes_.capacity() > kKeptBytes) bytes_ = Bytes();
+  } else if (taken_ > bytes_.size() / 2) {
+    bytes_.erase(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(taken_));
+    taken_ = 0;
+  }
+}
+
+}  // namespace zel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+
+#include "base/wire.h"
+
+namespace zel {
+
+// Bytes queued for the camera, taken from the front as the stream accepts them.
+// Removing from the front moves no bytes until half of the memory is free, so that draining stays linear.
+// Thread: one at a time.
+class WriteQueue {
+ public:
+  void append(ByteView bytes);
+  ByteView view() const { return ByteView(bytes_).subspan(taken_); }
+  bool empty() const { return taken_ == bytes_.size(); }
+  void removeFirst(std::size_t count);
+
+ private:
+  Bytes bytes_;
+  std::size_t taken_ = 0;
+};
+
+}  // namespace zel

@@ -1,0 +1,53 @@
+#include <ZELTarkaSDK/ZELAccessoryInfo.h>
+
+#include <ZELTarkaSDK/platform/accessory.h>
+
+namespace {
+
+constexpr double kDockTypeFoundationVersion = 1240.1;  // older platforms do not tell the dock type
+
+template <class T>
+bool assignTo(T& property, const ZELAccessoryDict::mapped_type& value) {
+  const T* typed = std::get_if<T>(&value);
+  if (typed != nullptr) property = *typed;
+  return typed != nullptr;
+}
+
+}  // namespace
+
+std::shared_ptr<const ZELAccessoryInfo> ZELAccessoryInfo::initWithAccessory(const zel::platform::Accessory& accessory) {
+  const auto& description = accessory.description();
+  ZELAccessoryDict dict = {{"connected", accessory.isConnected()},
+                           {"connectionID", description.connectionID},
+                           {"manufacturer", description.manufacturer},
+                           {"name", description.name},
+                           {"modelNumber", description.modelNumber},
+                           {"serialNumber", description.serialNumber},
+                           {"firmwareRevision", description.firmwareRevision},
+                           {"hardwareRevision", description.hardwareRevision},
+                           {"protocolStrings", description.protocolStrings}};
+  if (accessory.foundationVersion() >= kDockTypeFoundationVersion) dict.emplace("dockType", description.dockType);
+  return initWithAccessoryDict(dict);
+}
+
+std::shared_ptr<const ZELAccessoryInfo> ZELAccessoryInfo::initWithAccessoryDict(const ZELAccessoryDict& dict) {
+  const std::shared_ptr<ZELAccessoryInfo> info(new ZELAccessoryInfo);
+  for (const auto& [key, value] : dict) {
+    if (!info->assign(key, value)) return nullptr;
+  }
+  return info;
+}
+
+bool ZELAccessoryInfo::assign(const std::string& key, const ZELAccessoryDict::mapped_type& value) {
+  if (key == "connected") return assignTo(connected_, value);
+  if (key == "connectionID") return assignTo(connectionID_, value);
+  if (key == "manufacturer") return assignTo(manufacturer_, value);
+  if (key == "name") return assignTo(name_, value);
+  if (key == "modelNumber") return assignTo(modelNumber_, value);
+  if (key == "serialNumber") return assignTo(serialNumber_, value);
+  if (key == "firmwareRevision") return assignTo(firmwareRevision_, value);
+  if (key == "hardwareRevision") return assignTo(hardwareRevision_, value);
+  if (key == "protocolStrings") return assignTo(protocolStrings_, value);
+  if (key == "dockType") return assignTo(dockType_, value);
+  return false;
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include <ZELTarkaSDK/ZELMessageFields.h>
+
+#include "base/wire.h"
+#include "protocol/field.h"
+
+namespace zel {
+
+// What a reply's body comes to: refused, which includes one that is too short to be used, or a success with a
+// dictionary or without one.
+struct Decoded {
+  bool refused = false;
+  std::optional<ZELMessageFields> fields;
+
+  static Decoded refusal() { return {true, std::nullopt}; }
+  static Decoded success(std::optional<ZELMessageFields> fields = std::nullopt) { return {false, std::move(fields)}; }
+};
+
+// How a family's replies are read.
+struct Reply {
+  enum class Form {
+    none,    // the camera does not answer
+    flag,    // a byte that is not 0 where the camera agrees, then the fields
+    value,   // the fields alone: whatever the camera answers is a success
+    custom,  // as the function has it
+  };
+
+  Form form = Form::none;
+  FieldList fields;
+  Decoded (*custom)(ByteView body) = nullptr;
+  std::string_view description;  // of a custom one, for people
+};
+
+inline constexpr Reply silent{};
+
+template <class... Fields>
+consteval Reply flag(Fields... fields) {
+  return {Reply::Form::flag, FieldList{fields...}, nullptr, {}};
+}
+template <class... Fields>
+consteval Reply value(Fields... fields) {
+  return {Reply::Form::value, FieldList{fields...}, nullptr, {}};
+}
+consteval Reply custom(Decoded (*decode)(ByteView), std::string_view description) {
+  return {Reply::Form::custom, {}, decode, description};
+}
+
+// Bytes after the last field are ignored.
+Decoded decodeReply(const Reply& reply, ByteView body);
+
+// A capture: file time u32, file size u64, and a UTF-8 name that is there even where it is empty. No flag.
+Decoded decodeCaptureResult(ByteView body);
+
+// A text file: flag, and the camera's own code, which a refusal carries beside the error.
+Decoded decodeTextFileResult(ByteView body);
+
+// Whatever comes is a success.
+Decoded decodeAnything(ByteView body);
+
+}  // namespace zel

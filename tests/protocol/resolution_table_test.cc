@@ -1,0 +1,24 @@
+#include "protocol/resolution_table.h"
+
+#include <gtest/gtest.h>
+
+namespace zel::test {
+namespace {
+
+TEST(ResolutionTableTest, KnowsEveryCodeUpTo15) {
+  EXPECT_EQ(previewFormat(0), (PreviewFormat{1440, 720, 15}));
+  EXPECT_EQ(previewFormat(3), (PreviewFormat{1440, 720, 30}));
+  EXPECT_EQ(previewFormat(4), (PreviewFormat{2160, 1080, 15}));
+  EXPECT_EQ(previewFormat(9), (PreviewFormat{2560, 1280, 20}));
+  EXPECT_EQ(previewFormat(13), (PreviewFormat{3040, 1520, 20}));
+  EXPECT_EQ(previewFormat(14), (PreviewFormat{3040, 1520, 25}));
+  EXPECT_EQ(previewFormat(15), (PreviewFormat{3040, 1520, 30}));
+}
+
+TEST(ResolutionTableTest, KnowsNoCodeFrom16On) {
+  EXPECT_EQ(previewFormat(16), std::nullopt);
+  EXPECT_EQ(previewFormat(0xFFFFFFFFFFFFFFFF), std::nullopt);
+}
+
+}  // namespace
+}  // namespace zel::test
