@@ -26,6 +26,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
 else()
   # g++ 12 sees an overlap, or a size beyond all memory, in std::string concatenations that it inlines.
   target_compile_options(zel_settings INTERFACE -Wno-restrict -Wno-stringop-overflow)
+  # A class's hidden state may have members of types that its file alone knows; compiled together with other files, that
+  # file is taken for a header.
+  target_compile_options(zel_settings INTERFACE -Wno-subobject-linkage)
 endif()
 target_link_libraries(zel_settings INTERFACE Threads::Threads)
 
@@ -39,9 +42,60 @@ if(ZEL_SANITIZE)
   add_link_options(-fsanitize=${ZEL_SANITIZE})
 endif()
 
-# Several files of a folder are compiled as one, which saves reading their headers again; OFF suits whoever edits them.
+# A folder is a library, made of all sources in it (but a program's main.cc) and linked with the libraries of the folders
+# that cmake/lint/edges.txt lets it include. Sources are compiled in groups, which saves reading their headers again; so
+# what stands in an anonymous namespace needs a name that is unique in its folder. ZEL_UNITY=OFF compiles them one by one.
 option(ZEL_UNITY "Compile several files of a folder as one" ON)
 
+# zel_folder([SUBFOLDERS names] [LINKS libraries] [PRIVATE_LINKS libraries]): this folder's library, zel_ and the folder's
+# name. SUBFOLDERS belong to it; LINKS adds libraries from outside the project.
+function(zel_folder)
+  cmake_parse_arguments(arg "" "" "SUBFOLDERS;LINKS;PRIVATE_LINKS" ${ARGN})
+  file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  zel_library_of(${folder} library)
+  zel_sources(sources "${arg_SUBFOLDERS}")
+  add_library(${library} STATIC ${sources})
+  set_target_properties(${library} PROPERTIES UNITY_BUILD ${ZEL_UNITY} UNITY_BUILD_BATCH_SIZE 12)
+  zel_edges(${folder} below)
+  target_link_libraries(${library} PUBLIC zel_settings ${below} ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
+  if(ZEL_BUILD_FUZZ)
+    target_compile_options(${library} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+endfunction()
+
+# The name of a folder's library: platform/linux is zel_linux.
+function(zel_library_of folder result)
+  get_filename_component(name ${folder} NAME)
+  set(${result} zel_${name} PARENT_SCOPE)
+endfunction()
+
+# All sources of this folder and of the named ones in it, but programs' own.
+function(zel_sources result subfolders)
+  set(patterns *.cc)
+  foreach(subfolder ${subfolders})
+    list(APPEND patterns ${subfolder}/*.cc)
+  endforeach()
+  file(GLOB sources CONFIGURE_DEPENDS ${patterns})
+  list(FILTER sources EXCLUDE REGEX "/main\\.cc$")
+  set(${result} ${sources} PARENT_SCOPE)
+endfunction()
+
+# The libraries of the folders that this one may include. Lines of edges.txt are "folder: folders, or files of them".
+set(ZEL_EDGES_FILE ${PROJECT_SOURCE_DIR}/cmake/lint/edges.txt)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ZEL_EDGES_FILE})
+function(zel_edges folder result)
+  file(STRINGS ${ZEL_EDGES_FILE} line REGEX "^${folder}:")
+  string(REGEX REPLACE "^[^:]*: *" "" allowed "${line}")
+  string(REGEX REPLACE " +" ";" allowed "${allowed}")
+  set(libraries)
+  foreach(below ${allowed})
+    string(REGEX REPLACE "/[^/]*\\.h$" "" below ${below})
+    zel_library_of(${below} library)
+    list(APPEND libraries ${library})
+  endforeach()
+  list(REMOVE_DUPLICATES libraries)
+  set(${result} ${libraries} PARENT_SCOPE)
+endfunction()
 # zel_unity(TARGET FILES ALONE b.cc): so many at once; those that stand ALONE are compiled by themselves.
 function(zel_unity target files)
   cmake_parse_arguments(arg "" "" "ALONE" ${ARGN})

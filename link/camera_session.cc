@@ -1,6 +1,6 @@
 #include "link/camera_session.h"
 
-#include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/WireConstants.h>
 
 using zel::MutexLock;
 using zel::SessionConnection;

@@ -7,6 +7,7 @@
 
 #include <ZELTarkaSDK/platform/ports.h>
 #include "base/mutex.h"
+#include "base/observer_list.h"
 #include "link/camera_data_parser.h"
 #include "link/camera_session.h"
 #include "link/keep_alive.h"

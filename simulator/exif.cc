@@ -46,7 +46,7 @@ Entry angleEntry(std::uint16_t tag, double degrees) {
   return {tag, kRational, 3, value};
 }
 
-std::uint32_t byteCount(const Directory& directory) {
+std::uint32_t entryBytes(const Directory& directory) {
   std::size_t count = 2 + 12 * directory.size() + 4;
   for (const Entry& entry : directory) count += entry.value.size() > kInline ? entry.value.size() : 0;
   return static_cast<std::uint32_t>(count);
@@ -92,7 +92,7 @@ Bytes tiff(const std::string& localTime, const std::optional<Position>& position
   const Directory details = {{0x9000, kUndefined, 4, {'0', '2', '3', '2'}}, textEntry(0x9003, localTime)};
   Directory first = {textEntry(0x0132, localTime), {0x8769, kLong, 1, numberOf(0)}};
   if (position) first.push_back({0x8825, kLong, 1, numberOf(0)});
-  const std::uint32_t detailsAt = kHeader + byteCount(first), placeAt = detailsAt + byteCount(details);
+  const std::uint32_t detailsAt = kHeader + entryBytes(first), placeAt = detailsAt + entryBytes(details);
   first[1].value = numberOf(detailsAt);
   if (position) first[2].value = numberOf(placeAt);
   Bytes bytes{'I', 'I', 42, 0};

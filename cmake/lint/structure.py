@@ -11,6 +11,8 @@ from pathlib import Path
 CORE = ("base", "protocol", "link", "support", "capture", "media", "command", "live", "stack")
 PROGRAMS = ("simulator", "tools", "apps")
 SOURCES = CORE + ("platform", "include") + PROGRAMS + ("tests", "bench", "fuzz", "examples")
+PUBLIC = "include/ZELTarkaSDK"
+PORTS = "include/ZELTarkaSDK/platform"
 LONGEST_FUNCTION = 60
 LONGEST_EXAMPLE = 59
 STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, and nothing with a slash or a suffix
@@ -18,6 +20,7 @@ CLASS_OPERATION = re.compile(r"\b(default[A-Z]\w*|share[A-Z]\w*)\(")
 
 
 def read_edges(path):
+    """What each folder may include, from the ground up."""
     edges = {}
     for line in path.read_text().splitlines():
         line = line.split("#")[0].strip()
@@ -42,64 +45,43 @@ def folder_of(relative, edges):
 
 
 def includes(path):
+    """Line, kind of quote and file of each include; a public header's as it stands in the project."""
     for number, line in enumerate(path.read_text(errors="replace").splitlines(), 1):
         found = re.match(r'\s*#\s*include\s*([<"])([^>"]+)[>"]', line)
         if found:
-            yield number, found.group(1), found.group(2)
-
-
-def is_port(include):
-    return re.fullmatch(r"(include/)?ZELTarkaSDK/platform/[a-z_]+\.h", include) is not None
+            quote, include = found.groups()
+            yield number, quote, f"include/{include}" if include.startswith("ZELTarkaSDK/") else include
 
 
 def check_include(folder, quote, include, edges):
     """What is wrong with the include, or None."""
-    if include.startswith("ZELTarkaSDK/") or is_port(include) or include.startswith(folder + "/"):
+    if quote == "<" and not include.startswith("include/"):
+        if folder.startswith((*CORE, "include/")) and not STANDARD.match(include):
+            return f"the core and its headers may not include <{include}>; put what needs it into an adapter behind a port"
         return None
-    if quote == "<":
-        if folder in CORE and not STANDARD.match(include):
-            return f"the core may not include <{include}>; put what needs it into an adapter behind a port"
+    if quote == '"' and folder.startswith("include/"):
+        return f'a public header may not include "{include}"; others have only <ZELTarkaSDK/...>'
+    within = folder_of(include, edges)
+    everybody = () if folder.startswith("include/") else (PUBLIC, PORTS)
+    if within == folder or within in everybody or within in edges[folder] or include in edges[folder]:
         return None
-    if any(include == allowed or include.startswith(allowed + "/") for allowed in edges[folder]):
-        return None
-    return f'{folder} may not include "{include}"; see cmake/lint/edges.txt'
+    return f"{folder} may not include {include}; see cmake/lint/edges.txt"
 
 
-def find_cycle(edges):
-    state = {}
-
-    def visit(folder, trail):
-        if state.get(folder) == "done":
-            return None
-        if folder in trail:
-            return trail[trail.index(folder):] + [folder]
-        for allowed in edges.get(folder, []):
-            cycle = visit(allowed, trail + [folder])
-            if cycle:
-                return cycle
-        state[folder] = "done"
-        return None
-
-    for folder in edges:
-        cycle = visit(folder, [])
-        if cycle:
-            return cycle
-    return None
+def arrows_up(edges):
+    """Folders that are let include what does not stand below them, which is also how a circle would begin."""
+    below = set()
+    for folder, allowed in edges.items():
+        for one in allowed:
+            if (folder_of(one, edges) if one.endswith(".h") else one) not in below:
+                yield f"cmake/lint/edges.txt:1: {folder} may include {one}, which does not stand above its line"
+        below.add(folder)
 
 
 def include_graph(root, edges):
-    cycle = find_cycle(edges)
-    if cycle:
-        yield "cmake/lint/edges.txt:1: the folders form a cycle: " + " -> ".join(cycle)
+    yield from arrows_up(edges)
     for path in sources(root):
         relative = path.relative_to(root).as_posix()
-        if relative.startswith("include/") or is_port(relative):
-            for number, quote, include in includes(path):
-                if quote == "<" and not STANDARD.match(include) and not include.startswith("ZELTarkaSDK/"):
-                    yield f"{relative}:{number}: a public header or a port may not include <{include}>"
-                if quote == '"' and not is_port(include):
-                    yield f'{relative}:{number}: a public header or a port may not include "{include}"'
-            continue
         folder = folder_of(relative, edges)
         if folder is None:
             continue
@@ -109,26 +91,76 @@ def include_graph(root, edges):
                 yield f"{relative}:{number}: {fault}"
 
 
+def owner_of(path, public):
+    """The header that a source belongs to, None where it has none. A large class may be spread over files that bear its
+    name and one of their own: zel_camera_ucd_files.cc, zel_live_data_source_state.h."""
+    owner = path.stem
+    while owner:
+        beside = path.with_name(owner + ".h")
+        if owner in public:
+            return public[owner]
+        if beside.exists() and path.suffix == ".cc":
+            return beside
+        owner = owner.rpartition("_")[0]
+    return path if path.suffix == ".h" else None
+
+
+def file_circles(root, edges):
+    """Headers, each with its sources, that include one another in a circle."""
+    public = {snake(path.stem): path for path in (root / PUBLIC).glob("**/*.h")}
+    graph = {}
+    for path in sources(root):
+        if folder_of(path.relative_to(root).as_posix(), edges) is None:
+            continue
+        owner = owner_of(path, public) or path
+        targets = graph.setdefault(owner.relative_to(root).as_posix(), set())
+        for _, _, include in includes(path):
+            target = root / include
+            if target.exists() and target != owner:
+                targets.add(include)
+    for circle in circles(graph):
+        yield f"{circle[0]}:1: includes itself by way of " + " -> ".join(circle[1:] + circle[:1])
+
+
+def circles(graph):
+    """One circle for each group of nodes that reach one another."""
+    done, seen = set(), set()
+
+    def visit(node, trail):
+        if node in trail:
+            yield trail[trail.index(node):]
+            return
+        if node in done:
+            return
+        for target in sorted(graph.get(node, ())):
+            yield from visit(target, trail + [node])
+        done.add(node)
+
+    for start in sorted(graph):
+        for circle in visit(start, []):
+            if not seen & set(circle):
+                seen |= set(circle)
+                yield circle
+
+
 def snake(name):
     name = re.sub(r"([A-Z]+)([A-Z][a-z])", r"\1_\2", name)
     return re.sub(r"([a-z0-9])([A-Z])", r"\1_\2", name).lower()
 
 
 def pairs_and_mirrors(root):
-    public = {snake(path.stem) for path in (root / "include/ZELTarkaSDK").glob("*.h")}
+    public = {snake(path.stem): path for path in (root / PUBLIC).glob("**/*.h")}
     for folder in CORE:
         for path in sorted((root / folder).glob("*.cc")):
             relative = path.relative_to(root).as_posix()
-            # A large class may be spread over files that bear its name and one of their own: zel_camera_ucd_files.cc.
-            owner = path.stem
-            while owner and not (path.with_name(owner + ".h").exists() or owner in public):
-                owner = owner.rpartition("_")[0]
+            owner = owner_of(path, public)
             if not owner and path.stem != "default_stack":
                 yield f"{relative}:1: has no header of its name; add it, or move the code to where its header is"
-            if not (root / "tests" / folder / f"{owner or path.stem}_test.cc").exists():
-                yield f"{relative}:1: has no test; add tests/{folder}/{owner or path.stem}_test.cc"
+            name = snake(owner.stem) if owner else path.stem
+            if not (root / "tests" / folder / f"{name}_test.cc").exists():
+                yield f"{relative}:1: has no test; add tests/{folder}/{name}_test.cc"
         for path in sorted((root / "tests" / folder).glob("*_test.cc")):
-            stem = re.sub(r"(_property|_thread|_allocation|_media|_long_read|_opening|_crossing|_destruction)?_test$", "", path.stem)
+            stem = re.sub(r"(_property|_thread|_allocation|_memory|_media|_long_read|_opening|_crossing|_destruction)?_test$", "", path.stem)
             if not any((root / folder / (stem + suffix)).exists() for suffix in (".cc", ".h")) and stem not in public:
                 yield f"{path.relative_to(root).as_posix()}:1: mirrors no source; name it after what it tests"
 
@@ -178,6 +210,7 @@ def examples(root):
 
 CHECKS = {
     "include-graph": lambda root: include_graph(root, read_edges(root / "cmake/lint/edges.txt")),
+    "circles": lambda root: file_circles(root, read_edges(root / "cmake/lint/edges.txt")),
     "pairs": pairs_and_mirrors,
     "text": text_rules,
     "length": long_functions,

@@ -69,8 +69,13 @@ def _write(path, content, mode):
 
 def test_programs(root):
     """The names of the programs that test the core, each with the folder whose tests it holds."""
-    return {name: folder for folder in TESTED
-            for name in re.findall(r"zel_test\((\w+)", (root / "tests" / folder / "CMakeLists.txt").read_text())}
+    programs = {}
+    for folder in TESTED:
+        tests = root / "tests" / folder
+        for name in re.findall(r"zel_tests\((\w+)", (tests / "CMakeLists.txt").read_text()):
+            programs[f"{name}_tests"] = folder
+        programs |= {f"{path.stem}s": folder for kind in ("allocation", "memory") for path in tests.glob(f"*_{kind}_test.cc")}
+    return programs
 
 
 def configure(copy, build, cache):

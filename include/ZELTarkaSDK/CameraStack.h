@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 class ZELCameraAccessory;
 class ZELCameraManager;

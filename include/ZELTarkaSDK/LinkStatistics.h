@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/CameraInUse.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 
@@ -13,16 +13,6 @@ namespace platform {
 class Clock;
 struct Ports;
 }  // namespace platform
-
-// A camera that was asked for, and who has it.
-struct ZEL_EXPORT CameraInUse {
-  std::string camera;        // its serial number, else its accessory file's name
-  std::int64_t process = 0;  // 0: not known
-  std::string program;
-
-  // "camera E1A0001 is in use by process 4711 (zelcam live)"
-  std::string inWords() const;
-};
 
 // The ports on Linux: run loops and streams, the accessory bus of a folder, the main queue.
 //

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

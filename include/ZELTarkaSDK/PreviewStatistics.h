@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

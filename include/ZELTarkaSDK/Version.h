@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // The version of the library that the host runs with, which may be newer than the one that it was built with.
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 // Firmware from which the clocks are synchronised and timestamp frames count ("Fireware" is the interface's spelling).
 inline constexpr std::int32_t kFirewareVersion190 = 190;
@@ -13,3 +14,10 @@ inline constexpr std::uint64_t kLargestFile = 0xFFFFFFFFu - 74;
 // Written by the camera where its stream can be picked up, and sent to it to ask for that.
 inline constexpr std::array<std::uint8_t, 10> dataSynchronismValue = {0xAF, 0xFA, 0xAF, 0xFA, 0xAF,
                                                                       0xFA, 0xAF, 0xFA, 0xAF, 0xFA};
+
+namespace zel {
+
+// The protocol that a camera's accessory offers.
+inline constexpr std::string_view kAccessoryProtocol = "com.zelcam.ucd";
+
+}  // namespace zel

@@ -7,7 +7,7 @@
 #include <variant>
 #include <vector>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel::platform {
 class Accessory;

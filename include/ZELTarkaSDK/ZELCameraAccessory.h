@@ -6,11 +6,12 @@
 #include <string>
 #include <string_view>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/Observation.h>
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELCameraAccessoryDelegate.h>
 #include <ZELTarkaSDK/ZELData.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 class CameraDataParser;
 class CameraSession;
@@ -24,9 +25,6 @@ class NotificationObservation;
 struct Notification;
 struct Ports;
 }  // namespace platform
-
-// The protocol that a camera's accessory offers.
-inline constexpr std::string_view kAccessoryProtocol = "com.zelcam.ucd";
 }  // namespace zel
 
 // Notifications posted when the camera is attached and detached ("DisConnect" is the interface's spelling), and the key

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELError.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // Hears of connection errors.
 class ZEL_EXPORT ZELCameraAccessoryDelegate {

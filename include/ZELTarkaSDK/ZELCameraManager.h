@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 class ZELCameraAccessory;
 class ZELCameraUCD;

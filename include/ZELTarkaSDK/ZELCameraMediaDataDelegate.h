@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // Receives the camera's encoded video and audio as it comes.
 // Units:  timestamps in milliseconds.

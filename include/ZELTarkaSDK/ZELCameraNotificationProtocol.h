@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <optional>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // What the camera reports by itself, and the keys that each event's value has. Numbers that a short event lacks are 0.
 enum class ZELCameraEvent : std::int64_t {

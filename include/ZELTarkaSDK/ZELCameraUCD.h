@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
 #include <ZELTarkaSDK/ZELCameraRecords.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
@@ -14,6 +13,7 @@
 #include <ZELTarkaSDK/ZELMediaGyro.h>
 #include <ZELTarkaSDK/ZELMediaOrientation.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 class CameraDataParser;
 class ZELCameraAccessory;

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // Immutable bytes, shared: copying the object copies no bytes.
 // Thread: any thread.

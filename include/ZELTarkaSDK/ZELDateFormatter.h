@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel::platform {
 class Clock;

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // An error as the framework reports it: a domain, a code within it, and for some domains a description.
 struct ZEL_EXPORT ZELError {

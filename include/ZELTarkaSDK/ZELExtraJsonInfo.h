@@ -5,11 +5,11 @@
 #include <string>
 #include <utility>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELCameraRecords.h>
 #include <ZELTarkaSDK/ZELMediaGps.h>
 #include <ZELTarkaSDK/ZELMediaGyro.h>
 #include <ZELTarkaSDK/ZELMediaOrientation.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // What the media library keeps with a photo or video: the lens offset's text, and how and where it was taken.
 // Owner:  the three objects are shared; null where nothing is known.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELCameraRecords.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // The entry point of HDR captures, which no camera offers yet.
 class ZEL_EXPORT ZELHDRShutter {

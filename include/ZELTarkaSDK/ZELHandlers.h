@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELError.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

@@ -6,12 +6,12 @@
 #include <optional>
 #include <string>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
 #include <ZELTarkaSDK/ZELCameraMediaDataDelegate.h>
 #include <ZELTarkaSDK/ZELLiveDataSourceProtocol.h>
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
 #include <ZELTarkaSDK/ZELRenderView.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 class ZELPreviewPlayer;
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <span>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELError.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 #include <ZELTarkaSDK/platform/pixel_buffer.h>
 

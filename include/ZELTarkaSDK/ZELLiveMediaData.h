@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELData.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // One encoded piece of media, for a host that queues what it receives. What the types mean is the host's.
 // Units: timestamp in milliseconds.

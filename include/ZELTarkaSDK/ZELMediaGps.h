@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELCameraRecords.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // Where a picture was taken, as the media library describes it.
 // Units:  degrees, degrees, metres.

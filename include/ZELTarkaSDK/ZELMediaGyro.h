@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELCameraRecords.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // Acceleration and rotation along the three axes, as the media library describes them, in the camera's units.
 class ZEL_EXPORT ZELMediaGyro {

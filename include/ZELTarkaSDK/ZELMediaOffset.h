@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/WireNumber.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // One lens of the camera: six values in thousandths, and two that nothing reads.
 struct ZELLensOffset {

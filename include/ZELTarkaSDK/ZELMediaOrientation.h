@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELCameraRecords.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // Orientation as a quaternion, as the media library describes it, already in the camera's integer units.
 class ZEL_EXPORT ZELMediaOrientation {

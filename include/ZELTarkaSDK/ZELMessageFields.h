@@ -8,10 +8,10 @@
 #include <utility>
 #include <variant>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELCameraRecords.h>
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELError.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 // The fields of a request, a reply or an event under their fixed text keys ("ucharValue", "NSData", ...).
 // A key that is missing or holds another type reads as absent.

@@ -5,11 +5,11 @@
 #include <memory>
 #include <span>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/ZELCameraMediaDataDelegate.h>
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel::platform {
 struct Ports;

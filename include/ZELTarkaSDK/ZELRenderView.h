@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 #include <ZELTarkaSDK/platform/media_library.h>
 

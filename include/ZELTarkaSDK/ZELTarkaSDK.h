@@ -2,8 +2,8 @@
 
 // Everything that the framework offers a host.
 
+#include <ZELTarkaSDK/CameraInUse.h>
 #include <ZELTarkaSDK/CameraStack.h>
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
 #include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
@@ -41,6 +41,7 @@
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 #include <ZELTarkaSDK/ZELRenderView.h>
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 #include <ZELTarkaSDK/platform/application_events.h>
 #include <ZELTarkaSDK/platform/ports.h>

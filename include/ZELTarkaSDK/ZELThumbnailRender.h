@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include <ZELTarkaSDK/Export.h>
 #include <ZELTarkaSDK/ZELData.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 #include <ZELTarkaSDK/platform/pixel_buffer.h>
 

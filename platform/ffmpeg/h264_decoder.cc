@@ -21,7 +21,6 @@ constexpr std::uint8_t kStartCode[] = {0, 0, 0, 1};
 constexpr std::uint8_t kDelimiter[] = {9, 0xF0};        // an access-unit delimiter before a picture of any kind
 constexpr std::size_t kLargestUnit = 64u << 20;         // bytes
 constexpr std::size_t kLargestParameterSet = 1u << 16;  // bytes
-constexpr std::size_t kPrefix = 4;
 
 // FFmpeg looks for start codes anyway, so that the ones which a cutter left inside of a unit do no harm.
 void appendUnit(std::vector<std::uint8_t>& stream, Bytes unit) {
@@ -46,8 +45,8 @@ std::size_t lengthPrefix(Bytes unit) {
 
 // The unit behind its length; nothing where the two do not fit.
 std::optional<Bytes> unitIn(Bytes prefixed) {
-  if (prefixed.size() <= kPrefix || prefixed.size() > kLargestUnit) return std::nullopt;
-  const Bytes unit = prefixed.subspan(kPrefix);
+  if (prefixed.size() <= kLengthPrefix || prefixed.size() > kLargestUnit) return std::nullopt;
+  const Bytes unit = prefixed.subspan(kLengthPrefix);
   return lengthPrefix(prefixed) == unit.size() ? std::optional(unit) : std::nullopt;
 }
 

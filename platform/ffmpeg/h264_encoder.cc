@@ -19,10 +19,8 @@ extern "C" {
 namespace zel::platform {
 namespace {
 
-using Bytes = std::span<std::uint8_t>;
+using EncodedBytes = std::span<std::uint8_t>;
 using Encoders = LibavVideoEncoders;
-
-constexpr std::size_t kPrefix = 4;
 
 const char* nameOf(X264Preset preset) {
   switch (preset) {
@@ -181,10 +179,11 @@ class H264Encoder final : public VideoEncoder {
   }
 
   bool readParameterSets() {
-    forEachUnit(Bytes(context_->extradata, static_cast<std::size_t>(context_->extradata_size)), [this](Bytes unit) {
-      if (typeOf(unit[0]) == H264UnitType::sequence) sps_.assign(unit.begin(), unit.end());
-      if (typeOf(unit[0]) == H264UnitType::picture) pps_.assign(unit.begin(), unit.end());
-    });
+    forEachUnit(EncodedBytes(context_->extradata, static_cast<std::size_t>(context_->extradata_size)),
+                [this](EncodedBytes unit) {
+                  if (typeOf(unit[0]) == H264UnitType::sequence) sps_.assign(unit.begin(), unit.end());
+                  if (typeOf(unit[0]) == H264UnitType::picture) pps_.assign(unit.begin(), unit.end());
+                });
     if (sps_.empty() || pps_.empty()) context_.reset();
     return context_ != nullptr;
   }
@@ -197,8 +196,8 @@ class H264Encoder final : public VideoEncoder {
     }
     const MediaTime time = timeOf(packet_->pts);
     if (!nalu_ || av_packet_make_writable(packet_.get()) < 0) return;
-    const Bytes stream(packet_->data, static_cast<std::size_t>(packet_->size));
-    forEachUnit(stream, [&](Bytes unit) {
+    const EncodedBytes stream(packet_->data, static_cast<std::size_t>(packet_->size));
+    forEachUnit(stream, [&](EncodedBytes unit) {
       const H264UnitType type = typeOf(unit[0]);
       if (type == H264UnitType::slice || type == H264UnitType::keySlice)
         send(stream, unit, type == H264UnitType::keySlice, time);
@@ -206,15 +205,16 @@ class H264Encoder final : public VideoEncoder {
   }
 
   // The length takes the start code's place. A start code of three bytes at the packet's begin has not enough of it.
-  void send(Bytes stream, Bytes unit, bool key, MediaTime time) {
-    std::uint8_t* prefixed = unit.data() - kPrefix;
-    if (unit.data() - stream.data() < static_cast<std::ptrdiff_t>(kPrefix)) {
-      moved_.assign(kPrefix, 0);
+  void send(EncodedBytes stream, EncodedBytes unit, bool key, MediaTime time) {
+    std::uint8_t* prefixed = unit.data() - kLengthPrefix;
+    if (unit.data() - stream.data() < static_cast<std::ptrdiff_t>(kLengthPrefix)) {
+      moved_.assign(kLengthPrefix, 0);
       moved_.insert(moved_.end(), unit.begin(), unit.end());
       prefixed = moved_.data();
     }
-    for (std::size_t i = 0; i < kPrefix; ++i) prefixed[i] = static_cast<std::uint8_t>(unit.size() >> (24 - 8 * i));
-    nalu_(prefixed, static_cast<std::int32_t>(kPrefix + unit.size()), key, time);
+    for (std::size_t i = 0; i < kLengthPrefix; ++i)
+      prefixed[i] = static_cast<std::uint8_t>(unit.size() >> (24 - 8 * i));
+    nalu_(prefixed, static_cast<std::int32_t>(kLengthPrefix + unit.size()), key, time);
   }
 
   // A picture that failed inside of the encoder leaves its time behind.

@@ -8,6 +8,9 @@
 
 namespace zel::platform {
 
+// Before a unit that decoders take and encoders give stands its length, big-endian.
+inline constexpr std::size_t kLengthPrefix = 4;
+
 enum class H264UnitType : std::uint8_t { slice = 1, partition = 2, keySlice = 5, sequence = 7, picture = 8 };
 
 inline H264UnitType typeOf(std::uint8_t header) { return static_cast<H264UnitType>(header & 0x1F); }

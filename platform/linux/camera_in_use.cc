@@ -1,4 +1,4 @@
-#include <ZELTarkaSDK/LinuxPlatform.h>
+#include <ZELTarkaSDK/CameraInUse.h>
 
 namespace zel {
 

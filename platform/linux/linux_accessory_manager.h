@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <ZELTarkaSDK/LinuxPlatform.h>
+#include <ZELTarkaSDK/CameraInUse.h>
 
 #include <ZELTarkaSDK/platform/accessory.h>
 #include <ZELTarkaSDK/platform/notification_center.h>

@@ -17,7 +17,6 @@
 #include "platform/linux/linux_documents.h"
 #include "platform/linux/linux_run_loop.h"
 #include "platform/linux/linux_threads.h"
-#include "platform/linux/linux_timer.h"
 #include "platform/linux/signal_mask.h"
 #include "platform/linux/worker_pool.h"
 

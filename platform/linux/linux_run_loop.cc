@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "platform/linux/linux_timer.h"
-
 namespace zel::platform {
 namespace {
 
@@ -99,10 +97,6 @@ void LinuxRunLoop::handOver(std::function<void()> call) {
     call();
     self->runSources();
   });
-}
-
-std::unique_ptr<Timer> LinuxRunLoop::scheduleRepeating(double seconds, Task task) {
-  return LinuxTimer::start(shared_from_this(), seconds, std::move(task));
 }
 
 std::unique_ptr<RunLoopSource> LinuxRunLoop::addSource(Task task) {

@@ -107,4 +107,7 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   std::vector<std::shared_ptr<SignalledTask>> sources_ ZEL_GUARDED_BY(mutex_);
 };
 
+// Whole clock ticks for that many seconds, at least 0.1 milliseconds and at most about 30 years.
+std::chrono::steady_clock::duration steadyDuration(double seconds);
+
 }  // namespace zel::platform

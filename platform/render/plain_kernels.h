@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/render/stitch_kernel.h"
+#include "platform/render/kernel_shapes.h"
+#include "platform/render/plane_map.h"
 
 // The kernels in plain C++, a pixel at a time: for processors without vectors, and as what vectors must agree with.
 namespace zel::render::plain {

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "platform/render/stitch_kernel.h"
+#include "platform/render/kernel_shapes.h"
+#include "platform/render/plane_map.h"
 
 #include <hwy/highway.h>
 

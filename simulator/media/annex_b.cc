@@ -9,8 +9,6 @@ using Stream = std::span<const std::uint8_t>;
 
 constexpr int kSlice = 1, kKeySlice = 5, kEnhancement = 6, kDelimiter = 9;
 
-bool isSlice(int type) { return type >= kSlice && type <= kKeySlice; }
-
 // A slice whose first macroblock is number 0, which is a single bit of 1.
 bool beginsWithFirstMacroblock(Stream stream, const UnitPlace& unit) {
   return unit.header + 1 < unit.end && (stream[unit.header + 1] & 0x80) != 0;
@@ -29,6 +27,8 @@ std::size_t nextCode(Stream stream, std::size_t from) {
 }
 
 }  // namespace
+
+bool isSlice(int type) { return type >= kSlice && type <= kKeySlice; }
 
 std::vector<UnitPlace> unitsIn(Stream stream) {
   std::vector<UnitPlace> units;

@@ -25,6 +25,9 @@ std::vector<UnitPlace> unitsIn(std::span<const std::uint8_t> stream);
 
 inline int unitType(std::span<const std::uint8_t> stream, const UnitPlace& unit) { return stream[unit.header] & 0x1F; }
 
+// Whether units of that type carry picture data.
+bool isSlice(int type);
+
 // The stream cut between pictures; nothing is added or left out but what stands before the first start code.
 // Errors: no pictures for bytes that hold no slice.
 std::vector<VideoPicture> picturesIn(std::span<const std::uint8_t> stream);

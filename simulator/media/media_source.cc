@@ -11,8 +11,6 @@ constexpr std::uint8_t kVideoStream = 0, kAudioStream = 1;
 constexpr int kSequenceSet = 7, kPictureSet = 8;
 constexpr std::size_t kMostPieces = 5;
 
-bool isSlice(int type) { return type >= 1 && type <= 5; }
-
 // Stream (1), camera time in milliseconds (8).
 MediaFrame timestampFrame(std::uint16_t type, double cameraTime, double due) {
   const bool sound = type == kAudio;

@@ -10,7 +10,7 @@ SCRIPT = Path(__file__).resolve().parents[2] / "cmake/lint/structure.py"
 
 
 class StructureTest(unittest.TestCase):
-    def check(self, name, files, edges="link:\ncommand: link\n"):
+    def check(self, name, files, edges="include/ZELTarkaSDK/platform:\nlink:\ncommand: link\n"):
         with tempfile.TemporaryDirectory() as root:
             for path, text in {"cmake/lint/edges.txt": edges, **files}.items():
                 target = Path(root) / path
@@ -35,8 +35,32 @@ class StructureTest(unittest.TestCase):
         self.assertEqual(self.check("include-graph", {"link/a.cc": "#include <sys/socket.h>\n"})[0], 1)
         self.assertEqual(self.check("include-graph", {"link/a.cc": "#include <asio/post.hpp>\n"})[0], 1)
 
-    def test_finds_a_cycle_of_folders(self):
+    def test_finds_a_folder_that_may_include_what_stands_above_it(self):
         self.assertEqual(self.check("include-graph", {}, "link: command\ncommand: link\n")[0], 1)
+
+    def test_lets_one_header_of_a_folder_be_included_and_no_other(self):
+        edges = "link:\ncommand: link/a.h\n"
+        self.assertEqual(self.check("include-graph", {"command/a.cc": '#include "link/a.h"\n'}, edges)[0], 0)
+        self.assertEqual(self.check("include-graph", {"command/a.cc": '#include "link/b.h"\n'}, edges)[0], 1)
+
+    def test_finds_a_public_header_that_includes_what_is_not_installed(self):
+        edges = "include/ZELTarkaSDK:\nlink:\n"
+        self.assertEqual(self.check("include-graph", {"include/ZELTarkaSDK/A.h": '#include "link/a.h"\n'}, edges)[0], 1)
+        self.assertEqual(self.check("include-graph", {"include/ZELTarkaSDK/A.h": "#include <asio.hpp>\n"}, edges)[0], 1)
+        self.assertEqual(self.check("include-graph", {"include/ZELTarkaSDK/A.h": "#include <ZELTarkaSDK/B.h>\n"}, edges)[0], 0)
+
+    def test_finds_files_of_a_folder_that_include_one_another_in_a_circle(self):
+        files = {"link/a.h": "", "link/a.cc": '#include "link/b.h"\n', "link/b.h": '#include "link/c.h"\n',
+                 "link/c.h": "", "link/c.cc": '#include "link/a.h"\n'}
+        code, text = self.check("circles", files)
+        self.assertEqual(code, 1)
+        self.assertIn("link/a.h:1: includes itself by way of link/b.h -> link/c.h -> link/a.h", text)
+        self.assertEqual(self.check("circles", {**files, "link/c.cc": ""})[0], 0)
+
+    def test_takes_the_sources_of_a_public_class_for_a_part_of_its_header(self):
+        files = {"include/ZELTarkaSDK/ZELView.h": "", "link/zel_view.cc": '#include "link/zel_view_state.h"\n',
+                 "link/zel_view_state.h": "#include <ZELTarkaSDK/ZELView.h>\n"}
+        self.assertEqual(self.check("circles", files, "include/ZELTarkaSDK:\nlink:\n")[0], 0)
 
     def test_finds_a_source_without_a_test(self):
         code, text = self.check("pairs", {"link/a.cc": "", "link/a.h": ""})

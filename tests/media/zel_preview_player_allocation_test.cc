@@ -14,7 +14,7 @@
 #include "tests/link/bytes.h"
 #include "tests/link/recording_consumers.h"
 #include "tests/live_bytes.h"
-#include "tests/platform/ffmpeg/stream_maker.h"
+#include "tests/platform/ffmpeg/streams/stream_maker.h"
 
 namespace zel::test {
 namespace {

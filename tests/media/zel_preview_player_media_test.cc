@@ -9,9 +9,9 @@
 #include "platform/ffmpeg/h264_decoder.h"
 #include "protocol/frame.h"
 #include "tests/link/connected_camera.h"
-#include "tests/platform/ffmpeg/decoded_stream.h"
-#include "tests/platform/ffmpeg/stream_maker.h"
-#include "tests/platform/ffmpeg/video_file.h"
+#include "tests/platform/ffmpeg/streams/decoded_stream.h"
+#include "tests/platform/ffmpeg/streams/stream_maker.h"
+#include "tests/platform/ffmpeg/streams/video_file.h"
 
 namespace zel::test {
 namespace {

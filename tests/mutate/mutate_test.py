@@ -63,7 +63,7 @@ class TreeTest(unittest.TestCase):
 
     def test_all_programs_that_test_the_core_are_known(self):
         programs = tree.test_programs(ROOT)
-        self.assertEqual((programs["media_tests"], programs["platform_conformance_tests"]), ("media", "platform"))
+        self.assertEqual((programs["media_tests"], programs["platform_tests"]), ("media", "platform"))
 
 
 class ResultsTest(unittest.TestCase):

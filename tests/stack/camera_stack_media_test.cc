@@ -16,8 +16,8 @@
 
 #include "platform/ffmpeg/h264_decoder.h"
 #include "protocol/frame.h"
-#include "tests/platform/ffmpeg/decoded_stream.h"
-#include "tests/platform/ffmpeg/video_file.h"
+#include "tests/platform/ffmpeg/streams/decoded_stream.h"
+#include "tests/platform/ffmpeg/streams/video_file.h"
 #include "tests/platform/linux/bus_fixture.h"
 
 namespace zel::test {

@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

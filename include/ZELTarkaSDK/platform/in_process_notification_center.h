@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include <ZELTarkaSDK/Export.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 #include <ZELTarkaSDK/platform/notification_center.h>
 

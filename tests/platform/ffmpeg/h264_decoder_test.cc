@@ -6,8 +6,8 @@
 #include <random>
 
 #include "platform/ffmpeg/h264_headers.h"
-#include "tests/platform/ffmpeg/decoded_stream.h"
-#include "tests/platform/ffmpeg/stream_maker.h"
+#include "tests/platform/ffmpeg/streams/decoded_stream.h"
+#include "tests/platform/ffmpeg/streams/stream_maker.h"
 
 namespace zel::platform {
 namespace {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/ffmpeg/h264_decoder.h"
-#include "tests/platform/ffmpeg/decoded_stream.h"
+#include "tests/platform/ffmpeg/streams/decoded_stream.h"
 
 namespace zel::platform {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/platform/ffmpeg/decoded_stream.h"
+#include "tests/platform/ffmpeg/streams/decoded_stream.h"
 
 #include <cstdlib>
 #include <fstream>

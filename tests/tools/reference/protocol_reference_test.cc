@@ -1,4 +1,4 @@
-#include "protocol/protocol_reference.h"
+#include "tools/reference/protocol_reference.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "tests/platform/ffmpeg/video_file.h"
+#include "tests/platform/ffmpeg/streams/video_file.h"
 
 extern "C" {
 #include <libavcodec/bsf.h>
@@ -9,7 +9,7 @@ extern "C" {
 #include <memory>
 
 #include "platform/ffmpeg/libav.h"
-#include "tests/platform/ffmpeg/decoded_stream.h"
+#include "tests/platform/ffmpeg/streams/decoded_stream.h"
 
 namespace zel::test {
 namespace {

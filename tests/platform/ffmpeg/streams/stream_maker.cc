@@ -1,4 +1,4 @@
-#include "tests/platform/ffmpeg/stream_maker.h"
+#include "tests/platform/ffmpeg/streams/stream_maker.h"
 
 extern "C" {
 #include <libavutil/opt.h>

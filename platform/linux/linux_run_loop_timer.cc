@@ -1,4 +1,4 @@
-#include "platform/linux/linux_timer.h"
+#include "platform/linux/linux_run_loop.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,12 +9,17 @@ namespace {
 constexpr double kShortestSeconds = 1e-4;
 constexpr double kLongestSeconds = 1e9;
 
-}  // namespace
+// A repeating timer. It keeps its phase: a period that was missed is skipped, not moved.
+class LinuxTimer final : public Timer {
+ public:
+  LinuxTimer(std::shared_ptr<LinuxRunLoop> loop, std::chrono::steady_clock::duration period, Task task);
+  ~LinuxTimer() override;
 
-std::chrono::steady_clock::duration steadyDuration(double seconds) {
-  const std::chrono::duration<double> bounded(std::clamp(seconds, kShortestSeconds, kLongestSeconds));
-  return std::chrono::duration_cast<std::chrono::steady_clock::duration>(bounded);
-}
+ private:
+  struct State;
+  const std::shared_ptr<LinuxRunLoop> loop_;
+  const std::shared_ptr<State> state_;
+};
 
 // Lives as long as its handle or a pending wait. The Asio timer is touched inside calls of the loop only.
 struct LinuxTimer::State : std::enable_shared_from_this<State> {
@@ -42,18 +47,25 @@ struct LinuxTimer::State : std::enable_shared_from_this<State> {
   GuardedTask task;
 };
 
-LinuxTimer::LinuxTimer(std::shared_ptr<LinuxRunLoop> loop, std::shared_ptr<State> state)
-    : loop_(std::move(loop)), state_(std::move(state)) {}
-
-std::unique_ptr<Timer> LinuxTimer::start(const std::shared_ptr<LinuxRunLoop>& loop, double seconds, Task task) {
-  auto state = std::make_shared<State>(*loop, steadyDuration(seconds), std::move(task));
-  loop->perform([state] { state->wait(); });
-  return std::unique_ptr<Timer>(new LinuxTimer(loop, std::move(state)));
+LinuxTimer::LinuxTimer(std::shared_ptr<LinuxRunLoop> loop, std::chrono::steady_clock::duration period, Task task)
+    : loop_(std::move(loop)), state_(std::make_shared<State>(*loop_, period, std::move(task))) {
+  loop_->perform([state = state_] { state->wait(); });
 }
 
 LinuxTimer::~LinuxTimer() {
   state_->task.close();
   loop_->perform([state = state_] { state->timer.cancel(); });
+}
+
+}  // namespace
+
+std::chrono::steady_clock::duration steadyDuration(double seconds) {
+  const std::chrono::duration<double> bounded(std::clamp(seconds, kShortestSeconds, kLongestSeconds));
+  return std::chrono::duration_cast<std::chrono::steady_clock::duration>(bounded);
+}
+
+std::unique_ptr<Timer> LinuxRunLoop::scheduleRepeating(double seconds, Task task) {
+  return std::make_unique<LinuxTimer>(shared_from_this(), steadyDuration(seconds), std::move(task));
 }
 
 }  // namespace zel::platform

@@ -2,6 +2,6 @@
 
 #include <iostream>
 
-#include "protocol/protocol_reference.h"
+#include "tools/reference/protocol_reference.h"
 
 int main() { std::cout << zel::protocolReference(); }
