@@ -2,14 +2,18 @@
 
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <semaphore>
 #include <utility>
 
 #include <ZELTarkaSDK/platform/clock.h>
 #include "base/mutex.h"
-#include "live/live_frame.h"
+#include "media/media_pixel_buffer.h"
 
 namespace zel {
+
+// A picture on its way through the live pipeline; its time counts from the run's first sound.
+using LiveFrame = std::shared_ptr<const orq::MediaPixelBuffer>;
 
 // Pictures that wait for the next stage: the five newest. A slow stage costs pictures, never memory or delay.
 // Thread: any thread; only waitForOne waits.
