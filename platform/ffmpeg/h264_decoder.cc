@@ -22,7 +22,6 @@ constexpr std::uint8_t kDelimiter[] = {9, 0xF0};        // an access-unit delimi
 constexpr std::size_t kLargestUnit = 64u << 20;         // bytes
 constexpr std::size_t kLargestParameterSet = 1u << 16;  // bytes
 
-// FFmpeg looks for start codes anyway, so that the ones which a cutter left inside of a unit do no harm.
 void appendUnit(std::vector<std::uint8_t>& stream, Bytes unit) {
   stream.insert(stream.end(), std::begin(kStartCode), std::end(kStartCode));
   stream.insert(stream.end(), unit.begin(), unit.end());
@@ -58,13 +57,7 @@ class LibavStream {
   AVCodecContext& context() { return *context_; }
 
   // FFmpeg's code for the fault, 0 for none. The picture, if one came out, waits for receive().
-  int send(Bytes stream, std::int64_t timestamp) {
-    const PacketPtr packet(av_packet_alloc());
-    if (!packet || av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0) return AVERROR(ENOMEM);
-    std::memcpy(packet->data, stream.data(), stream.size());
-    packet->pts = timestamp;
-    return avcodec_send_packet(context_.get(), packet.get());
-  }
+  int send(const AVPacket& packet) { return avcodec_send_packet(context_.get(), &packet); }
 
   int sendEnd() { return avcodec_send_packet(context_.get(), nullptr); }
 
@@ -76,6 +69,39 @@ class LibavStream {
 
  private:
   CodecContextPtr context_;
+};
+
+// Units in a packet of the codec's, so that sending it copies nothing more.
+class UnitPacket {
+ public:
+  std::size_t size() const { return packet_ ? static_cast<std::size_t>(packet_->size) : 0; }
+
+  // FFmpeg looks for start codes anyway, so that the ones which a cutter left inside of a unit do no harm.
+  // Errors: false where there is no memory; the unit is left out.
+  bool append(Bytes unit) {
+    if (!packet_) packet_.reset(av_packet_alloc());
+    const std::size_t held = size();
+    if (!packet_ || av_grow_packet(packet_.get(), static_cast<int>(sizeof kStartCode + unit.size())) < 0) return false;
+    std::memcpy(packet_->data + held, kStartCode, sizeof kStartCode);
+    std::memcpy(packet_->data + held + sizeof kStartCode, unit.data(), unit.size());
+    return true;
+  }
+
+  // Sends what it holds, and is empty afterwards. FFmpeg's code for the fault, 0 for none.
+  int sendTo(LibavStream& stream, std::int64_t timestamp) {
+    if (size() == 0) return AVERROR(ENOMEM);  // no unit could be kept; an empty packet would end the stream
+    packet_->pts = timestamp;
+    const int fault = stream.send(*packet_);
+    clear();
+    return fault;
+  }
+
+  void clear() {
+    if (packet_) av_packet_unref(packet_.get());
+  }
+
+ private:
+  PacketPtr packet_;
 };
 
 DecodeResult resultOf(FramePtr frame, std::int64_t timestamp) {
@@ -185,7 +211,7 @@ class H264Decoder final : public VideoDecoder {
     if (slice && !hasSlice_) timestamp_ = timestamp;
     if (slice && slice->key && std::exchange(failed_, false)) forgetPictures();
     hasSlice_ = hasSlice_ || slice;
-    if (packet_.size() + unit.size() <= kLargestUnit) appendUnit(packet_, unit);
+    if (packet_.size() + unit.size() <= kLargestUnit) packet_.append(unit);
     return result;
   }
 
@@ -193,7 +219,6 @@ class H264Decoder final : public VideoDecoder {
   // they are freed from it only by force.
   DecodeResult decodeCollected() {
     const bool taken = sendCollected();
-    packet_.clear();
     hasSlice_ = false;
     if (!taken) failed_ = true;
     if (FramePtr frame = stream_.receive()) return shown(std::move(frame));
@@ -203,7 +228,7 @@ class H264Decoder final : public VideoDecoder {
 
   // With several threads a fault is that of a picture before.
   bool sendCollected() {
-    const bool taken = stream_.send(packet_, timestamp_) >= 0;
+    const bool taken = packet_.sendTo(stream_, timestamp_) >= 0;
     if (taken || stream_.context().thread_count > 1) owed_.add(timestamp_);
     return taken;
   }
@@ -241,10 +266,7 @@ class H264Decoder final : public VideoDecoder {
 
   int sendAlone(Bytes unit, std::int64_t timestamp) {
     packet_.clear();
-    appendUnit(packet_, unit);
-    const int fault = stream_.send(packet_, timestamp);
-    packet_.clear();
-    return fault;
+    return packet_.append(unit) ? packet_.sendTo(stream_, timestamp) : AVERROR(ENOMEM);
   }
 
   LibavStream stream_;
@@ -254,8 +276,8 @@ class H264Decoder final : public VideoDecoder {
   OwedPictures owed_;
   int heldBackIfReordered_ = 1;
   bool reorderingIsKnown_ = false;
-  std::vector<std::uint8_t> packet_;  // units of the picture that is being collected
-  std::int64_t timestamp_ = 0;        // of its first slice
+  UnitPacket packet_;           // units of the picture that is being collected
+  std::int64_t timestamp_ = 0;  // of its first slice
   bool hasSlice_ = false;
   bool failed_ = false;        // a picture since the last key picture
   bool pictureBegun_ = false;  // unit by unit: a first slice was decoded, and no picture has come out since

@@ -17,7 +17,7 @@ using platform::DecodeStatus;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class PictureLog final : public ZELPixelBufferDataProtocol {
+class DecodedPictures final : public ZELPixelBufferDataProtocol {
  public:
   void onPixelBuffer(const platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) override {
     times.push_back(timestamp);
@@ -51,7 +51,7 @@ class ZELDecodeRunLoopTest : public testing::Test {
 
   platform::SimulatedPlatform host;
   platform::ScriptedVideoDecoders decoders;
-  std::shared_ptr<PictureLog> log = std::make_shared<PictureLog>();
+  std::shared_ptr<DecodedPictures> log = std::make_shared<DecodedPictures>();
   std::shared_ptr<ZELDecodeRunLoop> loop;
 };
 
@@ -264,7 +264,7 @@ class AnyOrder : public testing::TestWithParam<std::uint64_t> {};
 TEST_P(AnyOrder, DecodesEveryUnitOnceAndInOrder) {
   platform::SimulatedPlatform host(GetParam());
   platform::ScriptedVideoDecoders decoders;
-  const auto log = std::make_shared<PictureLog>();
+  const auto log = std::make_shared<DecodedPictures>();
   const auto loop = ZELDecodeRunLoop::initWidthSps(host.ports().threads, decoders, bytes({0x67}), bytes({0x68}), log);
   loop->start();
   const auto feeder = host.ports().threads.start("feeder", {});

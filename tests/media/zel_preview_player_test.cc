@@ -36,7 +36,7 @@ class MediaLog final : public ZELCameraMediaDataDelegate {
   std::vector<std::string> lines;
 };
 
-class PictureLog final : public ZELPixelBufferDataProtocol {
+class PlayedPictures final : public ZELPixelBufferDataProtocol {
  public:
   void onPixelBuffer(const platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) override {
     times.push_back(timestamp);
@@ -80,7 +80,7 @@ class ZELPreviewPlayerTest : public testing::Test {
   platform::ScriptedVideoDecoders decoders;
   std::int64_t firmware = 192;
   std::shared_ptr<MediaLog> media = std::make_shared<MediaLog>();
-  std::shared_ptr<PictureLog> pictures = std::make_shared<PictureLog>();
+  std::shared_ptr<PlayedPictures> pictures = std::make_shared<PlayedPictures>();
   std::shared_ptr<ZELPreviewPlayer> player;
 };
 

@@ -17,7 +17,7 @@
 namespace zel::test {
 namespace {
 
-class CountingDelegate final : public ZELCameraMediaDataDelegate, public ZELPixelBufferDataProtocol {
+class CountingHost final : public ZELCameraMediaDataDelegate, public ZELPixelBufferDataProtocol {
  public:
   void onH264Nalu(Bytes, bool, std::int64_t) override { ++calls; }
   void onSps(Bytes, Bytes) override { ++calls; }
@@ -49,7 +49,7 @@ class EverybodyAtOnce : public testing::TestWithParam<unsigned> {
 
   TemporaryFolder folder;
   platform::ScriptedVideoDecoders decoders;
-  std::shared_ptr<CountingDelegate> delegate = std::make_shared<CountingDelegate>();
+  std::shared_ptr<CountingHost> delegate = std::make_shared<CountingHost>();
   std::string error;
   std::unique_ptr<LinuxPlatform> host = LinuxPlatform::create({.accessoriesFolder = folder.path()}, error);
   std::shared_ptr<ZELPreviewPlayer> player;

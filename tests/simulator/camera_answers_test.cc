@@ -9,8 +9,6 @@ using testing::AllOf;
 using testing::Each;
 using testing::SizeIs;
 
-const Bytes kDone = {1};
-const Bytes kRefused = {0};
 const Bytes kNone = {};
 
 class CameraAnswersTest : public CameraTest {};

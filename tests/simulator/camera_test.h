@@ -14,6 +14,10 @@
 
 namespace zel::simulator {
 
+// The flag that begins most replies, alone.
+const Bytes kDone = {1};
+const Bytes kRefused = {0};
+
 // A world whose time goes on when the test says so, and whose worker works when it says so.
 class VirtualWorld final : public CameraWorld {
  public:

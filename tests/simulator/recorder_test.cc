@@ -10,8 +10,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-const Bytes kDone = {1};
-const Bytes kRefused = {0};
 const Bytes kFileTime = {0xA5, 0x35, 0x57, 0x69};  // 2026-01-02 03:04:05
 
 Bytes entry(const Bytes& size, const std::string& name) {

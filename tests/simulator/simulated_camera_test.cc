@@ -9,9 +9,6 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const Bytes kDone = {1};
-const Bytes kRefused = {0};
-
 class SimulatedCameraTest : public CameraTest {};
 
 TEST_F(SimulatedCameraTest, SwitchesThePreviewToTheAskedResolution) {

@@ -21,7 +21,7 @@ using testing::ElementsAre;
 constexpr RunShape kWhole{16, 16};
 
 // All 16 pixels at one place.
-Segment at(double x, double y) {
+Segment segmentAt(double x, double y) {
   return {static_cast<std::int32_t>(x * 8192), static_cast<std::int32_t>(y * 8192), 0, 0};
 }
 
@@ -57,22 +57,22 @@ class StitchKernelTest : public testing::TestWithParam<std::int64_t> {
 };
 
 TEST_P(StitchKernelTest, ReadsAPixelAsItIs) {
-  EXPECT_THAT(luma(luma_, at(1, 0)), Each(100));
-  EXPECT_THAT(luma(luma_, at(0, 2)), Each(255));
-  EXPECT_THAT(chroma(chroma_, at(1, 0)), ElementsAre(148, 120, 148, 120));
+  EXPECT_THAT(luma(luma_, segmentAt(1, 0)), Each(100));
+  EXPECT_THAT(luma(luma_, segmentAt(0, 2)), Each(255));
+  EXPECT_THAT(chroma(chroma_, segmentAt(1, 0)), ElementsAre(148, 120, 148, 120));
 }
 
 TEST_P(StitchKernelTest, MixesFourNeighbours) {
   // 150 above and 100 below: 137.5, and halves go up.
-  EXPECT_THAT(luma(luma_, at(1.5, 0.25)), Each(138));
+  EXPECT_THAT(luma(luma_, segmentAt(1.5, 0.25)), Each(138));
   // Above 158 and 130, below 128 and 210.
-  EXPECT_THAT(chroma(chroma_, at(1.5, 0.5)), ElementsAre(143, 170, 143, 170));
+  EXPECT_THAT(chroma(chroma_, segmentAt(1.5, 0.5)), ElementsAre(143, 170, 143, 170));
 }
 
 TEST_P(StitchKernelTest, MultipliesByTheGain) {
-  EXPECT_THAT(luma(luma_, at(1.5, 0.25), 36045), Each(151));                       // 137.5 * 1.1 = 151.25
-  EXPECT_THAT(luma(luma_, at(2, 0), 49152), Each(255));                            // 300 at most 255
-  EXPECT_THAT(chroma(chroma_, at(2, 0), 49152), ElementsAre(188, 146, 188, 146));  // 40 and 12 by 1.5
+  EXPECT_THAT(luma(luma_, segmentAt(1.5, 0.25), 36045), Each(151));                       // 137.5 * 1.1 = 151.25
+  EXPECT_THAT(luma(luma_, segmentAt(2, 0), 49152), Each(255));                            // 300 at most 255
+  EXPECT_THAT(chroma(chroma_, segmentAt(2, 0), 49152), ElementsAre(188, 146, 188, 146));  // 40 and 12 by 1.5
 }
 
 TEST_P(StitchKernelTest, FollowsTheParabola) {
@@ -85,14 +85,14 @@ TEST_P(StitchKernelTest, FollowsTheParabola) {
 }
 
 TEST_P(StitchKernelTest, MovesPlacesOutsideToTheEdge) {
-  EXPECT_THAT(luma(luma_, at(-50, -9000)), Each(0));
-  EXPECT_THAT(luma(luma_, at(9000, 1)), Each(160));
-  EXPECT_THAT(luma(luma_, at(-1, 9000)), Each(9));  // 127/128 of the way from 255 to 7
-  EXPECT_THAT(chroma(chroma_, at(-1, 0)), ElementsAre(128, 100, 128, 100));
+  EXPECT_THAT(luma(luma_, segmentAt(-50, -9000)), Each(0));
+  EXPECT_THAT(luma(luma_, segmentAt(9000, 1)), Each(160));
+  EXPECT_THAT(luma(luma_, segmentAt(-1, 9000)), Each(9));  // 127/128 of the way from 255 to 7
+  EXPECT_THAT(chroma(chroma_, segmentAt(-1, 0)), ElementsAre(128, 100, 128, 100));
 }
 
 TEST_P(StitchKernelTest, BlendsBothLensesByTheirShares) {
-  BlendSegment segment{{at(1, 0), at(2, 0)}, {}};
+  BlendSegment segment{{segmentAt(1, 0), segmentAt(2, 0)}, {}};
   segment.shares.fill({32, 96});
   segment.shares[15] = {0, 0};
   std::array<std::uint8_t, 16> out{};
@@ -109,7 +109,7 @@ TEST_P(StitchKernelTest, BlendsBothLensesByTheirShares) {
 }
 
 TEST_P(StitchKernelTest, WritesNoMoreThanItsPixels) {
-  const std::array<Segment, 3> segments{at(0, 2), at(0, 2), at(0, 2)};
+  const std::array<Segment, 3> segments{segmentAt(0, 2), segmentAt(0, 2), segmentAt(0, 2)};
   std::array<std::uint8_t, 20> out{};
   stitchLuma(luma_, segments, {8, 19}, kUnityGain, out.data());
   EXPECT_EQ(out[18], 255);
@@ -142,9 +142,9 @@ TEST_P(StitchKernelTest, ReadsNoByteOutsideThePlane) {
     const FencedPlane plane(12, atTheEnd);
     for (const double x : {-9000.0, -0.5, 0.0, 1.0, 2.0, 9000.0}) {
       for (const double y : {-9000.0, 0.0, 1.0, 2.0, 9000.0}) {
-        EXPECT_THAT(luma({plane.data(), 4, 4, 3}, at(x, y)), Each(77));
-        EXPECT_THAT(luma({plane.data(), 2, 2, 6}, at(x, y)), Each(77));
-        EXPECT_THAT(chroma({plane.data(), 6, 3, 2}, at(x, y)), Each(77));
+        EXPECT_THAT(luma({plane.data(), 4, 4, 3}, segmentAt(x, y)), Each(77));
+        EXPECT_THAT(luma({plane.data(), 2, 2, 6}, segmentAt(x, y)), Each(77));
+        EXPECT_THAT(chroma({plane.data(), 6, 3, 2}, segmentAt(x, y)), Each(77));
       }
     }
   }
