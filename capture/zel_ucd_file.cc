@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -74,8 +75,19 @@ void ZELUCDFile::sendFileWithType(std::int64_t type, const std::optional<std::st
     const zel::MutexLock lock(mutex_);
     blocks_.announce(path);
   }
-  writeData_(frame);
+  try {
+    writeData_(frame);
+  } catch (const std::bad_alloc&) {
+    if (waits) withdraw(path);
+    throw;
+  }
   if (waits) wait(path, std::move(rebackBlock));
+}
+
+// A file that finds no memory was not sent: nothing waits for its answer.
+void ZELUCDFile::withdraw(const std::string& path) {
+  const zel::MutexLock lock(mutex_);
+  blocks_.withdraw(path);
 }
 
 void ZELUCDFile::wait(const std::string& path, zel::RebackBlock<> rebackBlock) {

@@ -46,6 +46,7 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
   using Answer = std::optional<ZELError>;
 
   void wait(const std::string& path, zel::RebackBlock<> rebackBlock);
+  void withdraw(const std::string& path);
   void post(zel::RebackBlock<> rebackBlock, const Answer& answer);
 
   const std::function<void(const ZELData&)> writeData_;

@@ -2,12 +2,15 @@
 
 #include <optional>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
 #include <ZELTarkaSDK/ZELHandlers.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
 #include <ZELTarkaSDK/ZELMessageKeys.h>
+
+#include "platform/has_memory_for.h"
 
 // Adapters that take a reply dictionary apart for a handler with typed arguments.
 
@@ -31,13 +34,18 @@ struct ReplyValue<std::optional<T>> {
   }
 };
 
-// keys: one for each of the handler's values, in their order.
+// keys: one for each of the handler's values, in their order. Values that find no memory are refused, so that the
+// handler hears of it.
 template <class... Values, class... Keys>
 RebackDic takingApart(RebackBlock<Values...> rebackBlock, Keys... keys) {
   static_assert(sizeof...(Values) == sizeof...(Keys), "a key for each value");
   if (!rebackBlock) return nullptr;
   return [rebackBlock = std::move(rebackBlock), keys...](const std::optional<ZELMessageFields>& reply) {
-    rebackBlock(errorIn(reply), ReplyValue<std::remove_cvref_t<Values>>::in(reply, keys)...);
+    std::optional<std::tuple<std::optional<ZELError>, std::remove_cvref_t<Values>...>> taken;
+    const bool isWhole = hasMemoryFor(
+        [&] { taken.emplace(errorIn(reply), ReplyValue<std::remove_cvref_t<Values>>::in(reply, keys)...); });
+    if (!isWhole) taken.emplace(zelOSStatusError(kZELErrorRefused), std::remove_cvref_t<Values>{}...);
+    std::apply(rebackBlock, *std::move(taken));
   };
 }
 

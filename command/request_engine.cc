@@ -1,5 +1,7 @@
 #include "command/request_engine.h"
 
+#include <algorithm>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -63,7 +65,7 @@ void RequestEngine::registerEvent(const CameraEvent& event) {
 void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock) {
   if (rebackBlock) announce(msgType);
   if (isConnected()) {
-    write(msgType, fields);
+    write(msgType, fields, rebackBlock != nullptr);
     return wait(msgType, std::move(rebackBlock));
   }
   if (!rebackBlock) return;
@@ -74,7 +76,7 @@ void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, R
 void RequestEngine::msgReqSendSyncData(const ZELData& data, RebackDic rebackBlock) {
   constexpr auto msgType = static_cast<std::int64_t>(family("registerMsgReqSendSyncData").type);
   if (rebackBlock) announce(msgType);
-  write(msgType, {{std::string(key::nsData), data}});
+  write(msgType, {{std::string(key::nsData), data}}, rebackBlock != nullptr);
   wait(msgType, std::move(rebackBlock));
 }
 
@@ -90,8 +92,14 @@ void RequestEngine::withdraw(std::int64_t msgType) {
   msgBlockDic_.withdraw(msgType);
 }
 
-void RequestEngine::write(std::int64_t msgType, const ZELMessageFields& fields) {
-  if (const auto frame = parser_.packetMsgData(msgType, fields)) accessory_.writeData(*frame);
+// A request that finds no memory was not made: nothing waits for its answer.
+void RequestEngine::write(std::int64_t msgType, const ZELMessageFields& fields, bool isAnnounced) {
+  try {
+    if (const auto frame = parser_.packetMsgData(msgType, fields)) accessory_.writeData(*frame);
+  } catch (const std::bad_alloc&) {
+    if (isAnnounced) withdraw(msgType);
+    throw;
+  }
 }
 
 void RequestEngine::wait(std::int64_t msgType, RebackDic rebackBlock) {
@@ -161,17 +169,8 @@ void RequestEngine::addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> r
 }
 
 void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver) {
-  decltype(notificationReceivers_) removed;  // they may go with the last reference, and not under a lock
-  {
-    const MutexLock lock(receiversMutex_);
-    std::erase_if(notificationReceivers_, [&](const auto& one) {
-      if (one->object.get() != receiver) return false;
-      one->removed.store(true);
-      removed.push_back(one);
-      return true;
-    });
-  }
-  if (insideCallback()) return;  // the receiver's call may wait for this very thread
+  while (takeReceiver(receiver)) continue;  // each may go with its last reference, and not under a lock
+  if (insideCallback()) return;             // the receiver's call may wait for this very thread
   const MutexLock delivered(deliveryMutex_);
 }
 
@@ -180,6 +179,17 @@ void RequestEngine::removeAllReceivers() {
   const MutexLock lock(receiversMutex_);
   removed.swap(notificationReceivers_);
   for (const auto& one : removed) one->removed.store(true);
+}
+
+std::shared_ptr<RequestEngine::Receiver> RequestEngine::takeReceiver(const ZELCameraNotificationProtocol* receiver) {
+  const MutexLock lock(receiversMutex_);
+  const auto found =
+      std::ranges::find_if(notificationReceivers_, [&](const auto& one) { return one->object.get() == receiver; });
+  if (found == notificationReceivers_.end()) return nullptr;
+  auto taken = std::move(*found);
+  notificationReceivers_.erase(found);
+  taken->removed.store(true);
+  return taken;
 }
 
 // Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied

@@ -86,11 +86,12 @@ class RequestEngine final : public SyncDataRequester {
   bool isConnected() const;
   void announce(std::int64_t msgType);
   void withdraw(std::int64_t msgType);
-  void write(std::int64_t msgType, const ZELMessageFields& fields);
+  void write(std::int64_t msgType, const ZELMessageFields& fields, bool isAnnounced);
   void wait(std::int64_t msgType, RebackDic rebackBlock);
   void post(RebackDic rebackBlock, const Answer& answer);
   static void failCapture(CameraDataParser& parser, int code);
   std::vector<std::shared_ptr<Receiver>> receivers();
+  std::shared_ptr<Receiver> takeReceiver(const ZELCameraNotificationProtocol* receiver);
 
   ZELCameraAccessory& accessory_;
   CameraDataParser& parser_;

@@ -89,10 +89,11 @@ ZELPreviewPlayer::~ZELPreviewPlayer() { ZELPreviewPlayer::resetPlayer(); }
 
 void ZELPreviewPlayer::appendVideoBytes(ByteView bytes) {
   if (bytes.size() > kMostBytes) return;
-  for (const Unit& unit : state_->h264NaluParser.AppendData(bytes.data(), static_cast<int>(bytes.size()))) {
-    state_->decoderVideo(unit);
-  }
+  state_->h264NaluParser.AppendData(bytes.data(), static_cast<int>(bytes.size()),
+                                    [this](const Unit& unit) { state_->decoderVideo(unit); });
 }
+
+void ZELPreviewPlayer::setLargestUnit(std::int32_t bytes) { state_->h264NaluParser.setLargestPending(bytes); }
 
 void ZELPreviewPlayer::State::decoderVideo(const Unit& unit) {
   if (unit->size() < kShortestPreviewUnit) return;

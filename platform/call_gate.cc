@@ -14,32 +14,17 @@ CallbackScope::~CallbackScope() { --callbacksOfThisThread; }
 
 bool insideCallback() { return callbacksOfThisThread != 0; }
 
-// One call in progress; it ends also where the call throws.
-class CallGate::Turn {
- public:
-  explicit Turn(CallGate& gate) : gate_(gate) {}
-  ~Turn() { gate_.end(); }
-  Turn(const Turn&) = delete;
-  Turn& operator=(const Turn&) = delete;
-
- private:
-  CallGate& gate_;
-};
-
-void CallGate::enter(const std::function<void()>& call) {
-  if (!begin(call)) return;
-  const Turn turn(*this);
-  call();
+void CallGate::makeHandedOver() {
   for (std::function<void()> next; takeHandedOver(next);) next();
 }
 
 bool CallGate::isBusyElsewhere() const { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
 
 // Whether the calling thread makes the call.
-bool CallGate::begin(const std::function<void()>& call) {
+bool CallGate::begin(std::function<void()>& kept) {
   const MutexLock lock(mutex_);
   if (!closed_ && isBusyElsewhere() && insideCallback()) {
-    handedOver_.push_back(call);
+    handedOver_.push_back(std::move(kept));
     return false;
   }
   while (!closed_ && isBusyElsewhere()) changed_.wait(mutex_);
@@ -65,12 +50,22 @@ void CallGate::end() {
 }
 
 void CallGate::close() {
-  std::deque<std::function<void()>> doomed;
+  {
+    const MutexLock lock(mutex_);
+    closed_ = true;
+    changed_.notify_all();
+    while (isBusyElsewhere() && !insideCallback()) changed_.wait(mutex_);
+  }
+  for (std::function<void()> doomed; takeFirst(doomed);) continue;  // each goes without the lock
+}
+
+bool CallGate::takeFirst(std::function<void()>& call) {
+  const std::function<void()> former = std::exchange(call, nullptr);
   const MutexLock lock(mutex_);
-  closed_ = true;
-  doomed.swap(handedOver_);
-  changed_.notify_all();
-  while (isBusyElsewhere() && !insideCallback()) changed_.wait(mutex_);
+  if (handedOver_.empty()) return false;
+  call = std::move(handedOver_.front());
+  handedOver_.pop_front();
+  return true;
 }
 
 }  // namespace zel

@@ -32,17 +32,39 @@ class ZEL_EXPORT CallGate {
  public:
   // Runs the call, unless the gate is closed. A call in progress on another thread is waited for; inside a callback the
   // call is handed to that thread instead, which makes it next. A call inside a call on the same thread runs at once.
-  void enter(const std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  // Takes memory inside a callback alone, where the call may have to be kept.
+  template <class Call>
+  void enter(const Call& call) ZEL_EXCLUDES(mutex_) {
+    std::function<void()> kept;
+    if (insideCallback()) kept = call;
+    if (!begin(kept)) return;
+    const Turn turn(*this);
+    call();
+    makeHandedOver();
+  }
 
   // Lets nothing through any more, and waits for a call in progress on another thread. Inside a callback it does not
   // wait: that call may then still be running, and is the last.
   void close() ZEL_EXCLUDES(mutex_);
 
  private:
-  class Turn;
+  // One call in progress; it ends also where the call throws.
+  class Turn {
+   public:
+    explicit Turn(CallGate& gate) : gate_(gate) {}
+    ~Turn() { gate_.end(); }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+   private:
+    CallGate& gate_;
+  };
+
   bool isBusyElsewhere() const ZEL_REQUIRES(mutex_);
-  bool begin(const std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  bool begin(std::function<void()>& kept) ZEL_EXCLUDES(mutex_);
+  void makeHandedOver() ZEL_EXCLUDES(mutex_);
   bool takeHandedOver(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  bool takeFirst(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
   void end() ZEL_EXCLUDES(mutex_);
 
   Mutex mutex_;

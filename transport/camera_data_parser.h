@@ -13,6 +13,7 @@
 #include "platform/mutex.h"
 #include "transport/camera_msg_packet.h"
 #include "transport/camera_msg_parser.h"
+#include "transport/frame.h"
 #include "transport/frame_statistics.h"
 #include "transport/message_registry.h"
 #include "transport/receive_buffer.h"
@@ -62,6 +63,10 @@ class CameraDataParser final : public zel::InboundStream {
   // Whether the marker is being looked for.
   bool isNeedDataSynchronism() const { return isNeedDataSynchronism_.load(); }
   void setIsNeedDataSynchronism(bool needed) override { isNeedDataSynchronism_.store(needed); }
+
+  // A frame of any type but a photo's that is longer counts as a lost position, as every one does that is longer than
+  // kMaxFrameLength. Units: bytes, at most kMaxFrameLength. Thread: any thread.
+  void setLongestFrame(std::uint32_t bytes);
 
   // Asks the camera for the marker.
   void sendSyncData();
@@ -116,6 +121,8 @@ class CameraDataParser final : public zel::InboundStream {
   // Delivers the whole frames at the front of `bytes` and removes them; `awaited` is the length of the one that is cut.
   bool walk(zel::ByteView& bytes, std::size_t& awaited);
   bool losePosition();
+  bool hold(zel::ByteView bytes);
+  std::uint32_t longest(std::uint16_t type) const;
   void route(std::int32_t type, zel::ByteView payload);
   void routeVideo(zel::ByteView payload);
   void routeAudio(zel::ByteView payload);
@@ -132,6 +139,7 @@ class CameraDataParser final : public zel::InboundStream {
   std::atomic<std::uint64_t> clears_ = 0;
   std::atomic<bool> isNeedDataSynchronism_ = false;
   std::atomic<std::uint64_t> videoStreamRes_ = 0;
+  std::atomic<std::uint32_t> longestFrame_ = zel::kMaxFrameLength;
   zel::FrameStatistics statistics_;
 
   zel::Registry<CameraMsgPacket> msgPacketDic_;

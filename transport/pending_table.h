@@ -51,9 +51,11 @@ class PendingTable {
   // Takes out every handler, in the order of the keys, and keeps the answer for every announced one.
   [[nodiscard]] std::vector<Handler> takeAll(const Answer& answer) {
     std::vector<Handler> handlers;
+    handlers.reserve(entries_.size());
+    for (auto& [key, entry] : entries_) entry.early.resize(entry.announced, answer);
+    // From here on nothing takes memory, so that no handler is lost for want of it.
     for (auto entry = entries_.begin(); entry != entries_.end();) {
       if (entry->second.handler) handlers.push_back(*std::exchange(entry->second.handler, std::nullopt));
-      entry->second.early.resize(entry->second.announced, answer);
       entry = forgetEmpty(entry);
     }
     return handlers;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/has_memory_for.h"
 #include "transport/frame.h"
 
 namespace zel {
@@ -38,18 +39,27 @@ bool SessionConnection::startThread(platform::Threads& threads) {
 void SessionConnection::begin(bool afterAnother) {
   afterAnother_ = afterAnother;
   begun_.store(true);
-  performOnThread(&SessionConnection::runSessionThread);
+  if (!hasMemoryFor([this] { performOnThread(&SessionConnection::runSessionThread); })) stopThread();
 }
 
 void SessionConnection::runSessionThread() {
   if (closed_.load()) return;  // the order to end follows
   if (afterAnother_) owner_.threadBeganAfterAnother();
+  if (!hasMemoryFor([this] { openStreams(); })) return fail();
+  writeStreamData();  // what was queued before there was a thread to write it
+}
+
+void SessionConnection::openStreams() {
   for (platform::Stream* stream : streams()) {
     stream->setDelegate(weak_from_this());
     stream->scheduleInRunLoop(*runLoop_);
     stream->open();
   }
-  writeStreamData();  // what was queued before there was a thread to write it
+}
+
+// Streams that cannot be served for want of memory count as failed; without memory to open them again they stay so.
+void SessionConnection::fail() {
+  ifMemoryAllows([this] { owner_.streamFailed(*this); });
 }
 
 std::array<platform::Stream*, 2> SessionConnection::streams() {
@@ -61,7 +71,13 @@ void SessionConnection::close() {
   session_->letGo();  // a session that takes this one's place is opened before the streams of this one are closed
   // A thread that never began has nothing to finish, and nobody else would wait for it.
   if (!begun_.load()) return join();
-  performOnThread(&SessionConnection::closeSesionThread);
+  // Where there is no memory to ask it, the thread is stopped, and closes the streams as it ends.
+  if (!hasMemoryFor([this] { performOnThread(&SessionConnection::closeSesionThread); })) stopThread();
+}
+
+void SessionConnection::stopThread() {
+  const MutexLock lock(threadMutex_);
+  if (sessionThread_) sessionThread_->runLoop().stop();
 }
 
 void SessionConnection::closeSesionThread() {
@@ -80,7 +96,7 @@ void SessionConnection::closeStreams() {
 void SessionConnection::endSessionThread() {
   closeStreams();  // again, because join() stops the loop without asking for a close
   const auto kept = std::move(keepAlive_);
-  if (begun_.load()) owner_.threadEnded();
+  if (begun_.load()) ifMemoryAllows([this] { owner_.threadEnded(); });
   join();  // lets go of the handle, which otherwise would keep this object, and this object it, for good
 }
 
@@ -94,10 +110,15 @@ void SessionConnection::join() {
 
 void SessionConnection::performOnThread(void (SessionConnection::*step)()) {
   const MutexLock lock(threadMutex_);
-  if (sessionThread_) sessionThread_->runLoop().perform([self = shared_from_this(), step] { (*self.*step)(); });
+  if (!sessionThread_) return;
+  sessionThread_->runLoop().perform([self = shared_from_this(), step] { ifMemoryAllows([&] { (*self.*step)(); }); });
 }
 
 void SessionConnection::streamHandleEvent(platform::Stream&, platform::StreamEvent event) {
+  if (!hasMemoryFor([&] { handle(event); })) fail();
+}
+
+void SessionConnection::handle(platform::StreamEvent event) {
   switch (event) {
     case platform::StreamEvent::hasBytesAvailable:
       return readStreamData();

@@ -84,6 +84,10 @@ class SessionConnection final : public platform::StreamDelegate,
 
   bool startThread(platform::Threads& threads);
   void runSessionThread();
+  void openStreams();
+  void fail();
+  void handle(platform::StreamEvent event);
+  void stopThread();
   void closeSesionThread();  // "Sesion" is the interface's spelling
   void endSessionThread();
   void closeStreams();

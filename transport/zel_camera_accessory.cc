@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/has_memory_for.h"
 #include "platform/mutex.h"
 #include "platform/ports.h"
 #include "transport/camera_data_parser.h"
@@ -146,8 +147,15 @@ std::shared_ptr<ZELCameraAccessoryDelegate> ZELCameraAccessory::delegate() const
   return impl_->delegate.lock();
 }
 
+// Without memory the camera is closed, as one that could not be opened.
 std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
   const auto held = impl_->keepAlive.hold();
+  std::shared_ptr<const ZELAccessoryInfo> info;
+  if (!zel::hasMemoryFor([&] { info = watchAndConnect(); })) closeCamera();
+  return info;
+}
+
+std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::watchAndConnect() {
   auto connect =
       observe(zel::platform::kAccessoryDidConnectNotification, &ZELCameraAccessory::accessoryDidConnectNotification);
   auto disconnect = observe(zel::platform::kAccessoryDidDisconnectNotification,
@@ -211,6 +219,10 @@ bool ZELCameraAccessory::isWanted(const Accessory& accessory) const {
 
 void ZELCameraAccessory::accessoryDidConnectNotification(const Notification& notification) {
   const auto held = impl_->keepAlive.hold();
+  if (!zel::hasMemoryFor([&] { connectAndTell(notification); })) closeConnection();
+}
+
+void ZELCameraAccessory::connectAndTell(const Notification& notification) {
   const auto accessory = notification.accessory(zel::platform::kAccessoryKey);
   if (!connectCamera(accessory)) return;
   openConnection();
@@ -224,8 +236,10 @@ void ZELCameraAccessory::accessoryDidDisconnectNotification(const Notification& 
   const auto connected = accessoryInfo();
   if (!connected || !accessory) return;
   if (accessory->description().connectionID != connected->connectionID()) return;
-  impl_->ports.notifications.post(
-      {std::string(kZELCameraDidDisConnectNotification), {{std::string(kZELCameraConnectAccessoryKey), accessory}}});
+  zel::ifMemoryAllows([&] {
+    impl_->ports.notifications.post(
+        {std::string(kZELCameraDidDisConnectNotification), {{std::string(kZELCameraConnectAccessoryKey), accessory}}});
+  });
   closeConnection();
 }
 
@@ -279,7 +293,7 @@ void ZELCameraAccessory::setStatusWhileOpen(std::uint64_t status) {
 void ZELCameraAccessory::startDetectTimer() {
   stopDetectTimer();
   auto timer = impl_->ports.threads.currentRunLoop().scheduleRepeating(
-      kDetectPeriod, impl_->keepAlive.during([this] { onDetectTimer(); }));
+      kDetectPeriod, impl_->keepAlive.during([this] { zel::ifMemoryAllows([this] { onDetectTimer(); }); }));
   const MutexLock lock(impl_->watchMutex);
   std::swap(impl_->detectTimer, timer);
 }

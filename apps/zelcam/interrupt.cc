@@ -15,6 +15,7 @@
 
 #include "apps/zelcam/settings.h"
 #include "platform/application_events.h"
+#include "platform/has_memory_for.h"
 #include "platform/notification_center.h"
 #include "platform/ports.h"
 
@@ -46,8 +47,10 @@ sigset_t heardSignals() {
 
 void post(LinuxPlatform& platform, std::string_view name) {
   platform::NotificationCenter& notifications = platform.ports().notifications;
-  platform.ports().queues.mainQueue().post([&notifications, name] {
-    notifications.post({std::string(name), {}, nullptr});
+  ifMemoryAllows([&] {
+    platform.ports().queues.mainQueue().post([&notifications, name] {
+      notifications.post({std::string(name), {}, nullptr});
+    });
   });
 }
 

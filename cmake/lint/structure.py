@@ -128,7 +128,7 @@ def pairs_and_mirrors(root):
             if not (root / "tests" / folder / f"{owner or path.stem}_test.cc").exists():
                 yield f"{relative}:1: has no test; add tests/{folder}/{owner or path.stem}_test.cc"
         for path in sorted((root / "tests" / folder).glob("*_test.cc")):
-            stem = re.sub(r"(_property|_thread|_allocation|_media|_long_read|_opening|_crossing|_destruction)?_test$", "", path.stem)
+            stem = re.sub(r"(_property|_thread|_allocation|_memory|_media|_long_read|_opening|_crossing|_destruction)?_test$", "", path.stem)
             if not any((root / folder / (stem + suffix)).exists() for suffix in (".cc", ".h")) and stem not in public:
                 yield f"{path.relative_to(root).as_posix()}:1: mirrors no source; name it after what it tests"
 

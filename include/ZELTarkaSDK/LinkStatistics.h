@@ -31,6 +31,7 @@ struct ZEL_EXPORT DroppedFrames {
   std::uint64_t unregisteredData = 0;      // data of type 7 that nobody claimed
   std::uint64_t shortTimestamp = 0;        // a timestamp frame below 9 bytes
   std::uint64_t timestampOldFirmware = 0;  // a timestamp frame from firmware below 190
+  std::uint64_t noMemory = 0;              // its consumer found no memory for it
 };
 
 // What one camera stack has seen of its link, since the stack was made.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/has_memory_for.h"
+
 namespace zel::platform {
 namespace {
 
@@ -53,7 +55,8 @@ std::unique_ptr<Timer> LinuxTimer::start(const std::shared_ptr<LinuxRunLoop>& lo
 
 LinuxTimer::~LinuxTimer() {
   state_->task.close();
-  loop_->perform([state = state_] { state->timer.cancel(); });
+  // Where there is no memory for that, the timer fires once more, for nothing.
+  ifMemoryAllows([this] { loop_->perform([state = state_] { state->timer.cancel(); }); });
 }
 
 }  // namespace zel::platform
