@@ -5,9 +5,11 @@
 #include <chrono>
 #include <csignal>
 #include <future>
+#include <semaphore>
 
 #include "tests/sanitizers.h"
 #include "tests/zelcam/greedy_camera.h"
+#include "tests/zelcam/vast_video.h"
 #include "tests/zelcam/zelcam_test.h"
 
 namespace zel::test {
@@ -24,6 +26,12 @@ class MemoryTest : public ZelcamTest {
  protected:
   void SetUp() override {
     if (kKeepsFreedMemory) GTEST_SKIP() << "a sanitizer takes many times the memory";
+  }
+
+  // Units: MiB. The report of the tests bears the peak.
+  static void expectPeakBelow(int most, const Process& host) {
+    RecordProperty("peakMiB", static_cast<int>(host.peakMemory() / kMiB));
+    EXPECT_LT(host.peakMemory(), most * kMiB);
   }
 };
 
@@ -46,7 +54,7 @@ TEST_F(MemoryTest, AFloodOfEventsIsDroppedAndCounted) {
   host->signal(SIGINT);
   EXPECT_EQ(host->wait(), 0) << host->errors();
   EXPECT_THAT(host->errors(), HasSubstr("were dropped, since they came faster than they could be shown"));
-  EXPECT_LT(host->peakMemory(), 256 * kMiB);
+  expectPeakBelow(256, *host);
 }
 
 TEST_F(MemoryTest, AnAnswerOfHundredsOfMegabytesIsNotTaken) {
@@ -55,7 +63,7 @@ TEST_F(MemoryTest, AnAnswerOfHundredsOfMegabytesIsNotTaken) {
   const auto host = zelcam({"--timeout", "4", "--json", "call", "msgReqGetVideoExtraInfoWithFileName", "VID_1.mp4"});
   EXPECT_EQ(host->wait(), 3);
   EXPECT_THAT(host->errors(), AnyOf(HasSubstr("the camera was lost"), HasSubstr("the camera did not answer")));
-  EXPECT_LT(host->peakMemory(), 256 * kMiB);
+  expectPeakBelow(256, *host);
 }
 
 TEST_F(MemoryTest, VideoOfMillionsOfTinyUnitsTakesNoMoreThanOthers) {
@@ -72,7 +80,39 @@ TEST_F(MemoryTest, VideoOfMillionsOfTinyUnitsTakesNoMoreThanOthers) {
                                }}});
   const auto host = zelcam({"--timeout", "4", "preview", "--frames", "1"});
   EXPECT_EQ(host->wait(), 3) << host->errors();
-  EXPECT_LT(host->peakMemory(), 256 * kMiB);
+  expectPeakBelow(256, *host);
+}
+
+TEST_F(MemoryTest, VideoOfVastPicturesIsDecodedNoFurtherThanThereIsRoom) {
+  const auto answer = [](GreedyCamera& self) {
+    self.sendMessage(0x8004, {1}, 200);
+    GreedyCamera::Bytes video = vastParameterSets();
+    const GreedyCamera::Bytes key = vastKeyPicture();
+    video.insert(video.end(), key.begin(), key.end());
+    if (!self.sendFrame(1, video, video.size())) return;
+    for (int picture = 1; picture <= 24; ++picture) {
+      const GreedyCamera::Bytes next = vastPicture(picture);
+      if (!self.sendFrame(1, next, next.size())) return;
+    }
+  };
+  GreedyCamera camera(bus(), {{0x0004, answer}});
+  const auto host = zelcam({"--timeout", "10", "--verbose", "preview", "--frames", "20"});
+  EXPECT_THAT(host->wait(), AnyOf(0, 1, 3)) << host->errors();
+  EXPECT_THAT(host->errors(), HasSubstr("the first picture is here"));
+  expectPeakBelow(1024, *host);
+}
+
+TEST_F(MemoryTest, APhotoThatNobodyHasAskedForIsNotTaken) {
+  std::counting_semaphore<1000> sent{0};  // or refused
+  GreedyCamera camera(bus(), {{0x402E, [&sent](GreedyCamera& self) {
+                                 self.sendFrame(3, {}, std::size_t{250} << 20);
+                                 sent.release();
+                               }}});
+  const auto host = zelcam({"--timeout", "20", "events"});
+  ASSERT_TRUE(sent.try_acquire_for(std::chrono::minutes(1)));
+  host->signal(SIGINT);
+  EXPECT_NE(host->wait(), -1) << host->errors();
+  expectPeakBelow(256, *host);
 }
 
 TEST_F(MemoryTest, ABracketOfMoreThanItHoldsEndsWithAnError) {
@@ -81,7 +121,7 @@ TEST_F(MemoryTest, ABracketOfMoreThanItHoldsEndsWithAnError) {
                                  self.sendMessage(0x800F, GreedyCamera::Bytes(12), 20);
                                  GreedyCamera::Bytes name{'A', '.', 'J', 'P', 'G'};
                                  for (int picture = 0; picture < 9; ++picture) {
-                                   if (!self.sendFrame(3, name, std::size_t{48} << 20)) return;
+                                   if (!self.sendFrame(3, name, std::size_t{200} << 20)) return;
                                  }
                                }}});
   std::unique_ptr<Process> host;
@@ -91,7 +131,7 @@ TEST_F(MemoryTest, ABracketOfMoreThanItHoldsEndsWithAnError) {
     status = host->wait();
   }
   EXPECT_THAT(host->errors(), HasSubstr("the pictures of the bracket come to more than 384 MiB"));
-  EXPECT_LT(host->peakMemory(), 1024 * kMiB);
+  expectPeakBelow(1024, *host);
 }
 
 TEST_F(MemoryTest, ALiveStreamWithTooLittleMemoryEndsInWords) {
