@@ -8,6 +8,7 @@
 #include "media/nal_unit.h"
 #include "media/preview_clocks.h"
 #include "media/preview_decoding.h"
+#include "platform/has_memory_for.h"
 #include "platform/mutex.h"
 #include "platform/ports.h"
 #include "transport/frame.h"
@@ -43,6 +44,8 @@ struct ZELPreviewPlayer::State {
   std::shared_ptr<ZELPixelBufferDataProtocol> pictureDelegate() const;
   struct Stream;
   void beginStream();
+  void makeSpareStream();
+  void endStream(const std::shared_ptr<Stream>& next);
   void show(const Stream* from, const PixelBufferRef& pixelBuffer, std::int64_t timestamp);
 
   const std::function<std::int64_t()> firewareVersion;
@@ -60,7 +63,8 @@ struct ZELPreviewPlayer::State {
 
   mutable zel::Mutex dataCallBackMutex;
   PixelBufferBlock currentPixelBufferBlock ZEL_GUARDED_BY(dataCallBackMutex);
-  const Stream* stream ZEL_GUARDED_BY(dataCallBackMutex) = nullptr;  // whose pictures count
+  const Stream* stream ZEL_GUARDED_BY(dataCallBackMutex) = nullptr;       // whose pictures count
+  std::shared_ptr<Stream> spareStream ZEL_GUARDED_BY(dataCallBackMutex);  // for a reset without memory
 };
 
 // Receives the pictures of one stream, which end with the player's next reset.
@@ -72,18 +76,24 @@ struct ZELPreviewPlayer::State::Stream final : ZELPixelBufferDataProtocol {
   const std::weak_ptr<ZELPreviewPlayer> player;
 };
 
+void ZELPreviewPlayer::State::makeSpareStream() {
+  const MutexLock lock(dataCallBackMutex);
+  spareStream = std::make_shared<Stream>(player);
+}
+
 std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::create(const zel::platform::Ports& ports,
                                                            std::function<std::int64_t()> firewareVersion) {
   std::shared_ptr<ZELPreviewPlayer> player(
       new ZELPreviewPlayer(std::make_unique<State>(ports, std::move(firewareVersion))));
   player->state_->player = player;
+  player->state_->makeSpareStream();
   player->state_->beginStream();
   return player;
 }
 
 ZELPreviewPlayer::ZELPreviewPlayer(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
-ZELPreviewPlayer::~ZELPreviewPlayer() { ZELPreviewPlayer::resetPlayer(); }
+ZELPreviewPlayer::~ZELPreviewPlayer() { state_->endStream(nullptr); }
 
 // Video
 
@@ -200,16 +210,25 @@ zel::PreviewStatistics ZELPreviewPlayer::statistics() const { return state_->dec
 
 void ZELPreviewPlayer::resetPlayer() { state_->beginStream(); }
 
-// The old stream's pictures cease to count before the new one can begin.
+// A reset succeeds without memory once; after another one no picture is shown until the next.
 void ZELPreviewPlayer::State::beginStream() {
-  auto next = std::make_shared<Stream>(player);
+  std::shared_ptr<Stream> next;
+  if (!zel::hasMemoryFor([&] { next = std::make_shared<Stream>(player); })) {
+    const MutexLock lock(dataCallBackMutex);
+    next.swap(spareStream);
+  }
+  endStream(next);
+}
+
+// The old stream's pictures cease to count before the new one can begin.
+void ZELPreviewPlayer::State::endStream(const std::shared_ptr<Stream>& next) {
   {
     const MutexLock lock(dataCallBackMutex);
     stream = next.get();
     imageWidth.store(0, std::memory_order_relaxed);
     imageHeight.store(0, std::memory_order_relaxed);
   }
-  decoding.reset(std::move(next));
+  decoding.reset(next);
 }
 
 // Properties

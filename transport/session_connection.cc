@@ -1,5 +1,6 @@
 #include "transport/session_connection.h"
 
+#include <new>
 #include <utility>
 
 #include "platform/has_memory_for.h"
@@ -89,7 +90,7 @@ void SessionConnection::closeStreams() {
   for (platform::Stream* stream : streams()) {
     stream->close();
     if (runLoop_ != nullptr) stream->removeFromRunLoop(*runLoop_);
-    stream->setDelegate({});
+    ifMemoryAllows([stream] { stream->setDelegate({}); });
   }
 }
 
@@ -145,12 +146,21 @@ void SessionConnection::readStreamData() {
   if (!closed_.load()) inbound_.parserData(buffer.first(held));
 }
 
+// The thread is asked first: bytes that nobody would write must not be queued. It waits for the lock until they are.
 void SessionConnection::writeData(ByteView bytes) {
-  {
-    const MutexLock lock(writeDataLock_);
-    enqueue(bytes);
+  const MutexLock lock(writeDataLock_);
+  scheduleWriting();
+  enqueue(bytes);
+}
+
+void SessionConnection::scheduleWriting() {
+  if (writeScheduled_.exchange(true)) return;
+  try {
+    performOnThread(&SessionConnection::writeStreamData);
+  } catch (const std::bad_alloc&) {
+    writeScheduled_.store(false);
+    throw;
   }
-  if (!writeScheduled_.exchange(true)) performOnThread(&SessionConnection::writeStreamData);
 }
 
 void SessionConnection::enqueue(ByteView bytes) {
