@@ -100,6 +100,7 @@ LinkStatistics CameraStack::statistics() const {
   statistics.streamErrors = session.streamErrors();
   statistics.resendsLeft = session.syncTimeCount();
   statistics.roundTrip = graph_->accessory.syncRoundTrip();
+  statistics.lostForMemory = graph_->ucd.lostForMemory() + graph_->ucdFile->lostForMemory();
   return statistics;
 }
 

@@ -111,9 +111,10 @@ bool CameraDataParser::walk(ByteView& bytes, std::size_t& awaited) {
   return true;
 }
 
-std::uint32_t CameraDataParser::longest(std::uint16_t type) const {
-  const bool isPhoto = type == static_cast<std::uint16_t>(FrameType::photo);
-  return isPhoto ? zel::kMaxFrameLength : longestFrame_.load(std::memory_order_relaxed);
+// A photo that nobody has asked for is of no more use than any other frame.
+std::uint32_t CameraDataParser::longest(std::uint16_t type) {
+  const bool isWanted = type == static_cast<std::uint16_t>(FrameType::photo) && !consumers().photo.expired();
+  return isWanted ? zel::kMaxFrameLength : longestFrame_.load(std::memory_order_relaxed);
 }
 
 bool CameraDataParser::losePosition() {

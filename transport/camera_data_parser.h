@@ -64,8 +64,10 @@ class CameraDataParser final : public zel::InboundStream {
   bool isNeedDataSynchronism() const { return isNeedDataSynchronism_.load(); }
   void setIsNeedDataSynchronism(bool needed) override { isNeedDataSynchronism_.store(needed); }
 
-  // A frame of any type but a photo's that is longer counts as a lost position, as every one does that is longer than
-  // kMaxFrameLength. Units: bytes, at most kMaxFrameLength. Thread: any thread.
+  // A longer frame counts as a lost position, as every one does that is longer than kMaxFrameLength; photos may always
+  // be of that length while there is a photo parser.
+  //
+  // Units: bytes, at most kMaxFrameLength. Thread: any thread.
   void setLongestFrame(std::uint32_t bytes);
 
   // Asks the camera for the marker.
@@ -122,7 +124,7 @@ class CameraDataParser final : public zel::InboundStream {
   bool walk(zel::ByteView& bytes, std::size_t& awaited);
   bool losePosition();
   bool hold(zel::ByteView bytes);
-  std::uint32_t longest(std::uint16_t type) const;
+  std::uint32_t longest(std::uint16_t type);
   void route(std::int32_t type, zel::ByteView payload);
   void routeVideo(zel::ByteView payload);
   void routeAudio(zel::ByteView payload);

@@ -49,6 +49,7 @@ struct ZEL_EXPORT LinkStatistics {
   std::uint64_t streamErrors = 0;    // stream errors, each of which reopened the session
   std::int64_t roundTrip = -1;       // of the last time synchronisation; -1 before the first
   std::int32_t resendsLeft = 0;      // time-synchronisation re-sends left to this stack
+  std::uint64_t lostForMemory = 0;   // requests and answers for which there was no memory, and nobody could be told
 };
 
 }  // namespace zel

@@ -341,6 +341,16 @@ TEST_F(CameraDataParserTest, TakesNoLongerFrameThanItWasTold) {
   EXPECT_EQ(link.positionsLost, 1);
 }
 
+TEST_F(CameraDataParserTest, TakesNoLongerPhotoThanAnyFrameWhereNobodyWaitsForOne) {
+  parser.setPhotoParser(nullptr);
+  parser.setLongestFrame(1000);
+  receive(bytes({0xE8, 3, 0, 0, 3, 0}));  // 1000
+  EXPECT_EQ(link.positionsLost, 0);
+  parser.clearData();
+  receive(bytes({0xE9, 3, 0, 0, 3, 0}));
+  EXPECT_EQ(link.positionsLost, 1);
+}
+
 TEST_F(CameraDataParserTest, TakesAPhotoOfTheLargestLengthAllTheSame) {
   parser.setLongestFrame(1000);
   receive(bytes({0, 0, 0, 0x10, 3, 0}));  // 256 MiB
