@@ -139,6 +139,7 @@ class Monitor {
     object["clockOffset"] = stack_.accessory().timeOffset();
     object["roundTrip"] = now.roundTrip < 0 ? ordered_json() : ordered_json(now.roundTrip);
     object["resendsLeft"] = now.resendsLeft;
+    object["lostForMemory"] = now.lostForMemory;
   }
 
   void summarise() {

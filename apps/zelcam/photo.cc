@@ -18,6 +18,7 @@
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/file.h"
+#include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/lens_offset.h"
 #include "apps/zelcam/number_text.h"
 #include "apps/zelcam/output.h"
@@ -128,13 +129,17 @@ class Shot {
     return status;
   }
 
-  // Makes panoramas of the photos that were saved, beside them. One that fails leaves the others alone.
+  // Makes panoramas of the photos that were saved, beside them. One that fails leaves the others alone. A user who asks
+  // to stop gets those that are finished.
   int stitch(platform::MediaLibrary& library) {
     std::string offset;
     if (const int status = askLensOffset(link_, "photo", 0, offset); status != kDone) return status;
     PanoramaMaker maker(library, offset);
     int status = kDone;
-    for (const std::string& photo : saved_) status = std::max(status, stitch(maker, photo));
+    for (const std::string& photo : saved_) {
+      if (wasInterrupted()) return kInterrupted;
+      status = std::max(status, stitch(maker, photo));
+    }
     return status;
   }
 
