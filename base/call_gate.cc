@@ -21,15 +21,14 @@ bool insideCallback() { return callbacksOfThisThread != 0; }
 
 class CallGate::State {
  public:
-  void enter(const std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  bool begin(std::function<void()>& kept) ZEL_EXCLUDES(mutex_);
+  bool takeHandedOver(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  void end() ZEL_EXCLUDES(mutex_);
   void close() ZEL_EXCLUDES(mutex_);
 
  private:
-  class Turn;
   bool isBusyElsewhere() const ZEL_REQUIRES(mutex_);
-  bool begin(const std::function<void()>& call) ZEL_EXCLUDES(mutex_);
-  bool takeHandedOver(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
-  void end() ZEL_EXCLUDES(mutex_);
+  bool takeFirst(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
 
   Mutex mutex_;
   std::condition_variable_any changed_;
@@ -39,32 +38,13 @@ class CallGate::State {
   bool closed_ ZEL_GUARDED_BY(mutex_) = false;
 };
 
-// One call in progress; it ends also where the call throws.
-class CallGate::State::Turn {
- public:
-  explicit Turn(State& gate) : gate_(gate) {}
-  ~Turn() { gate_.end(); }
-  Turn(const Turn&) = delete;
-  Turn& operator=(const Turn&) = delete;
-
- private:
-  State& gate_;
-};
-
-void CallGate::State::enter(const std::function<void()>& call) {
-  if (!begin(call)) return;
-  const Turn turn(*this);
-  call();
-  for (std::function<void()> next; takeHandedOver(next);) next();
-}
-
 bool CallGate::State::isBusyElsewhere() const { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
 
 // Whether the calling thread makes the call.
-bool CallGate::State::begin(const std::function<void()>& call) {
+bool CallGate::State::begin(std::function<void()>& kept) {
   const MutexLock lock(mutex_);
   if (!closed_ && isBusyElsewhere() && insideCallback()) {
-    handedOver_.push_back(call);
+    handedOver_.push_back(std::move(kept));
     return false;
   }
   while (!closed_ && isBusyElsewhere()) changed_.wait(mutex_);
@@ -90,18 +70,32 @@ void CallGate::State::end() {
 }
 
 void CallGate::State::close() {
-  std::deque<std::function<void()>> doomed;
+  {
+    const MutexLock lock(mutex_);
+    closed_ = true;
+    changed_.notify_all();
+    while (isBusyElsewhere() && !insideCallback()) changed_.wait(mutex_);
+  }
+  for (std::function<void()> doomed; takeFirst(doomed);) continue;  // each goes without the lock
+}
+
+bool CallGate::State::takeFirst(std::function<void()>& call) {
+  const std::function<void()> former = std::exchange(call, nullptr);
   const MutexLock lock(mutex_);
-  closed_ = true;
-  doomed.swap(handedOver_);
-  changed_.notify_all();
-  while (isBusyElsewhere() && !insideCallback()) changed_.wait(mutex_);
+  if (handedOver_.empty()) return false;
+  call = std::move(handedOver_.front());
+  handedOver_.pop_front();
+  return true;
 }
 
 CallGate::CallGate() : state_(std::make_unique<State>()) {}
 CallGate::~CallGate() = default;
 
-void CallGate::enter(const std::function<void()>& call) { state_->enter(call); }
+bool CallGate::begin(std::function<void()>& kept) { return state_->begin(kept); }
+void CallGate::makeHandedOver() {
+  for (std::function<void()> next; state_->takeHandedOver(next);) next();
+}
+void CallGate::end() { state_->end(); }
 void CallGate::close() { state_->close(); }
 
 }  // namespace zel

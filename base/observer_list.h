@@ -23,15 +23,22 @@ class ObserverList {
 
   [[nodiscard]] Observation add(Observer observer) {
     auto entry = std::make_shared<Entry>(std::move(observer));
+    auto changed = std::make_shared<Entries>();
+    Snapshot former;  // let go after the lock
     const MutexLock lock(mutex_);
     // Entries whose observation has gone are known by being held here alone.
-    std::erase_if(entries_, [](const auto& known) { return known.use_count() == 1; });
-    entries_.push_back(entry);
+    for (const auto& known : *entries_) {
+      if (known.use_count() != 1) changed->push_back(known);
+    }
+    changed->push_back(entry);
+    former = std::exchange(entries_, std::move(changed));
     return Observation(std::shared_ptr<CallGate>(entry, &entry->gate));
   }
 
+  // Takes no memory, so that whatever is announced is heard.
   void notify(Args... args) {
-    for (const auto& entry : snapshot()) {
+    const Snapshot entries = snapshot();
+    for (const auto& entry : *entries) {
       entry->gate.enter([entry, args...] {
         const CallbackScope scope;
         entry->observer(args...);
@@ -46,13 +53,16 @@ class ObserverList {
     Observer observer;
   };
 
-  std::vector<std::shared_ptr<Entry>> snapshot() {
+  using Entries = std::vector<std::shared_ptr<Entry>>;
+  using Snapshot = std::shared_ptr<const Entries>;
+
+  Snapshot snapshot() {
     const MutexLock lock(mutex_);
     return entries_;
   }
 
   Mutex mutex_;
-  std::vector<std::shared_ptr<Entry>> entries_ ZEL_GUARDED_BY(mutex_);
+  Snapshot entries_ ZEL_GUARDED_BY(mutex_) = std::make_shared<Entries>();  // replaced, never changed
 };
 
 }  // namespace zel

@@ -48,12 +48,26 @@ class PendingTable {
     return handler;
   }
 
+  // Takes out some handler, while there are any. It takes no memory.
+  [[nodiscard]] std::optional<Handler> takeAny() {
+    for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
+      if (!entry->second.handler) continue;
+      auto handler = std::exchange(entry->second.handler, std::nullopt);
+      forgetEmpty(entry);
+      return handler;
+    }
+    return std::nullopt;
+  }
+
   // Takes out every handler, in the order of the keys, and keeps the answer for every announced one.
+  // Errors: std::bad_alloc; none was taken then.
   [[nodiscard]] std::vector<Handler> takeAll(const Answer& answer) {
     std::vector<Handler> handlers;
+    handlers.reserve(entries_.size());
+    for (auto& [key, entry] : entries_) entry.early.resize(entry.announced, answer);
+    // From here on nothing takes memory, so that no handler is lost for want of it.
     for (auto entry = entries_.begin(); entry != entries_.end();) {
       if (entry->second.handler) handlers.push_back(*std::exchange(entry->second.handler, std::nullopt));
-      entry->second.early.resize(entry->second.announced, answer);
       entry = forgetEmpty(entry);
     }
     return handlers;

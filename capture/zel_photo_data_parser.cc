@@ -41,7 +41,8 @@ std::unique_ptr<ZELPhotoDataParser> ZELPhotoDataParser::initWithShutterBlock(zel
 std::unique_ptr<ZELPhotoDataParser> ZELPhotoDataParser::initWithAEBShutterCount(zel::platform::Queue& mainQueue,
                                                                                 std::int32_t count,
                                                                                 ZELPhotoSeriesBlock block) {
-  Series series{static_cast<std::size_t>(std::max(count, 0)), std::move(block), {}, std::make_shared<ZELDataArray>()};
+  Series series{
+      static_cast<std::size_t>(std::max(count, 0)), std::move(block), {}, std::make_shared<ZELDataArray>(), {}};
   return std::unique_ptr<ZELPhotoDataParser>(new ZELPhotoDataParser(mainQueue, std::move(series)));
 }
 
@@ -88,11 +89,20 @@ ZELPhotoDataParser::Answer ZELPhotoDataParser::parserShutterAEBData(Series& seri
     return replyShutterAEBBlockWithError(series, zelOSStatusError(kZELErrorRefused));
   }
   if (series.shutterAEBBlock || series.AEBFileNames.size() < series.aebPhotoCount + kPicturesAfterTheAnswer) {
-    series.AEBFileNames.push_back(nameIn(bytes).value_or(""));
-    series.AEBImageDatas->append(imageIn(bytes));
+    keep(series, bytes);
   }
   const bool complete = series.AEBFileNames.size() >= series.aebPhotoCount;
   return complete ? replyShutterAEBBlockWithError(series, std::nullopt) : nullptr;
+}
+
+// Both or neither, also where memory ends: a name belongs to the picture of the same number. A list that has been
+// handed over and let go of is seen by nobody, and grows no more.
+void ZELPhotoDataParser::keep(Series& series, zel::ByteView bytes) {
+  std::string name = nameIn(bytes).value_or("");
+  series.AEBFileNames.reserve(series.AEBFileNames.size() + 1);
+  const auto images = series.AEBImageDatas ? series.AEBImageDatas : series.handedOver.lock();
+  if (images) images->append(imageIn(bytes));
+  series.AEBFileNames.push_back(std::move(name));
 }
 
 ZELPhotoDataParser::Answer ZELPhotoDataParser::replyShutterBlockWithError(Single& single,
@@ -100,15 +110,19 @@ ZELPhotoDataParser::Answer ZELPhotoDataParser::replyShutterBlockWithError(Single
                                                                           const std::optional<std::string>& fileName,
                                                                           const std::optional<ZELData>& imageData) {
   if (!single.shutterBlock) return nullptr;
-  return [block = std::exchange(single.shutterBlock, nullptr), error, fileName, imageData] {
-    block(error, fileName, imageData);
-  };
+  // The handler is copied, and let go only once its call is made: one for which memory ends waits on.
+  Answer answer = [block = single.shutterBlock, error, fileName, imageData] { block(error, fileName, imageData); };
+  single.shutterBlock = nullptr;
+  return answer;
 }
 
 ZELPhotoDataParser::Answer ZELPhotoDataParser::replyShutterAEBBlockWithError(Series& series,
                                                                              const std::optional<ZELError>& error) {
   if (!series.shutterAEBBlock) return nullptr;
-  return [block = std::exchange(series.shutterAEBBlock, nullptr), error,
-          names = error ? std::vector<std::string>() : series.AEBFileNames,
-          images = error ? nullptr : series.AEBImageDatas] { block(error, names, images); };
+  Answer answer = [block = series.shutterAEBBlock, error,  // copied as above
+                   names = error ? std::vector<std::string>() : series.AEBFileNames,
+                   images = error ? nullptr : series.AEBImageDatas] { block(error, names, images); };
+  series.shutterAEBBlock = nullptr;
+  series.handedOver = std::exchange(series.AEBImageDatas, nullptr);
+  return answer;
 }

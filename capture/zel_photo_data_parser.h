@@ -14,8 +14,11 @@
 
 // Turns the photo frames that follow one shutter command into its answer: one picture, or a bracketed series. One
 // parser serves one command; its handler is called at most once.
+// All pictures of a series are kept until it is complete, however large the camera makes them, and up to 16 that come
+// after it. A host for which this may be more than it has must end the capture, or the connection, by itself.
 // Owner:  mainQueue must outlive the object.
 // Thread: parserData on the session thread, the rest on any thread; handlers run on the main queue.
+// Errors: std::bad_alloc where memory ends; that picture is lost, and the handler waits on.
 class ZELPhotoDataParser final : public zel::PhotoConsumer {
  public:
   // initWithShutterBlock: - expects one picture.
@@ -41,7 +44,8 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
     std::size_t aebPhotoCount = 0;
     ZELPhotoSeriesBlock shutterAEBBlock;  // empty once it has been called
     std::vector<std::string> AEBFileNames;
-    std::shared_ptr<ZELDataArray> AEBImageDatas;
+    std::shared_ptr<ZELDataArray> AEBImageDatas;  // null once it has been handed over
+    std::weak_ptr<ZELDataArray> handedOver;       // to be added to for as long as somebody has it
   };
 
   ZELPhotoDataParser(zel::platform::Queue& mainQueue, std::variant<Single, Series> capture)
@@ -52,6 +56,7 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
   // Each takes the handler out where it answers. The answer is posted once the lock is let go.
   static Answer parserShutterData(Single& single, zel::ByteView bytes);
   static Answer parserShutterAEBData(Series& series, zel::ByteView bytes);
+  static void keep(Series& series, zel::ByteView bytes);
   static Answer replyShutterBlockWithError(Single& single, const std::optional<ZELError>& error,
                                            const std::optional<std::string>& fileName,
                                            const std::optional<ZELData>& imageData);

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <string_view>
 #include <utility>
 
+#include "base/has_memory_for.h"
 #include "base/text.h"
 #include "protocol/frame.h"
 
@@ -62,30 +64,51 @@ std::string repliedPath(zel::ByteView reply) {
 }  // namespace
 
 void ZELUCDFile::sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath,
-                                  const ZELData& fileData, zel::RebackBlock<> rebackBlock) {
-  if (fileData.size() > kLargestFile) {
-    if (rebackBlock) post(rebackBlock, zelOSStatusError(kZELErrorRefused));
-    return;
+                                  const ZELData& fileData, const zel::RebackBlock<>& rebackBlock) {
+  const bool fits = fileData.size() <= kLargestFile;
+  if (!fits && !rebackBlock) return;
+  if (!fits || !zel::hasMemoryFor([&] { send(type, filePath.value_or(""), fileData, rebackBlock); })) {
+    refuse(rebackBlock);
   }
-  const std::string path = normalisedPath(filePath.value_or(""));
+}
+
+void ZELUCDFile::refuse(const zel::RebackBlock<>& rebackBlock) {
+  const bool isTold = rebackBlock && zel::hasMemoryFor([&] { post(rebackBlock, zelOSStatusError(kZELErrorRefused)); });
+  if (!isTold) lostForMemory_.fetch_add(1);
+}
+
+void ZELUCDFile::send(std::int64_t type, const std::string& filePath, const ZELData& fileData,
+                      const zel::RebackBlock<>& rebackBlock) {
+  std::optional<zel::RebackBlock<>> handler(rebackBlock);
+  const std::string path = normalisedPath(filePath);
   const ZELData frame = fileFrame(type, path, fileData.bytes());
-  const bool waits = !path.empty() && rebackBlock;  // an answer that names nothing is everybody's
+  const bool waits = !path.empty() && *handler;  // an answer that names nothing is everybody's
   if (waits) {
     const zel::MutexLock lock(mutex_);
     blocks_.announce(path);
   }
-  writeData_(frame);
-  if (waits) wait(path, std::move(rebackBlock));
+  try {
+    writeData_(frame);
+  } catch (const std::bad_alloc&) {
+    if (waits) withdraw(path);
+    throw;
+  }
+  if (waits) wait(path, handler);
 }
 
-void ZELUCDFile::wait(const std::string& path, zel::RebackBlock<> rebackBlock) {
-  std::optional<zel::RebackBlock<>> handler(std::move(rebackBlock));
+// A file that finds no memory was not sent: nothing waits for its answer.
+void ZELUCDFile::withdraw(const std::string& path) {
+  const zel::MutexLock lock(mutex_);
+  blocks_.withdraw(path);
+}
+
+void ZELUCDFile::wait(const std::string& path, std::optional<zel::RebackBlock<>>& handler) {
   std::optional<Answer> answer;
   {
     const zel::MutexLock lock(mutex_);
     answer = blocks_.put(path, handler);
   }
-  if (answer) post(std::move(*handler), *answer);
+  if (answer) postOrRefuse(*handler, *answer);
 }
 
 void ZELUCDFile::parserUCD(zel::ByteView bytes) {
@@ -109,13 +132,29 @@ void ZELUCDFile::parserUCD(zel::ByteView bytes) {
 
 void ZELUCDFile::replyAllBlockWithError(const std::optional<ZELError>& error) {
   std::vector<zel::RebackBlock<>> blocks;
-  {
+  const bool isTaken = zel::hasMemoryFor([&] {
     const zel::MutexLock lock(mutex_);
     blocks = blocks_.takeAll(error);
-  }
-  for (const auto& block : blocks) post(block, error);
+  });
+  for (const auto& block : blocks) postOrRefuse(block, error);
+  if (isTaken) return;
+  while (const auto block = takeAny()) postOrRefuse(*block, error);
 }
 
-void ZELUCDFile::post(zel::RebackBlock<> rebackBlock, const Answer& answer) {
-  mainQueue_.post([rebackBlock = std::move(rebackBlock), answer] { rebackBlock(answer); });
+void ZELUCDFile::replyAllBlockWithErrorCode(int code) {
+  if (zel::hasMemoryFor([&] { replyAllBlockWithError(zelOSStatusError(code)); })) return;
+  while (const auto block = takeAny()) refuse(*block);
+}
+
+std::optional<zel::RebackBlock<>> ZELUCDFile::takeAny() {
+  const zel::MutexLock lock(mutex_);
+  return blocks_.takeAny();
+}
+
+void ZELUCDFile::post(const zel::RebackBlock<>& rebackBlock, const Answer& answer) {
+  mainQueue_.post([rebackBlock, answer] { rebackBlock(answer); });
+}
+
+void ZELUCDFile::postOrRefuse(const zel::RebackBlock<>& rebackBlock, const Answer& answer) {
+  if (!zel::hasMemoryFor([&] { post(rebackBlock, answer); })) refuse(rebackBlock);
 }

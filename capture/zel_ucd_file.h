@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -29,25 +30,36 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
   // is left of the path, the handler is not kept and so never called; the answer, if any, goes to everybody who waits.
   // Thread: the handler runs on the session thread where the answer names the path, and on the main queue where it
   //         answers everybody or came before the call had returned.
-  // Errors: 100 connection lost; 101 the camera failed, answered nonsense, or the file is larger than a frame can say.
+  // Errors: 100 connection lost; 101 the camera failed, answered nonsense, the file is larger than a frame can say, or
+  //         there is no memory for it.
   void sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath, const ZELData& fileData,
-                        zel::RebackBlock<> rebackBlock);
+                        const zel::RebackBlock<>& rebackBlock);
+
+  // Files that were not sent, and answers, of which nobody could be told for want of memory.
+  std::uint64_t lostForMemory() const { return lostForMemory_.load(); }
 
   // parserUCD:size: - one answer of the camera.
   void parserUCD(zel::ByteView bytes) override;
 
   // replyAllBlockWithError:, replyAllBlockWithErrorCode:, replyAllBlockWithCameraError - answer every transfer that
-  // waits.
+  // waits. They throw nothing where memory ends.
   void replyAllBlockWithError(const std::optional<ZELError>& error);
-  void replyAllBlockWithErrorCode(int code) { replyAllBlockWithError(zelOSStatusError(code)); }
+  void replyAllBlockWithErrorCode(int code);
   void replyAllBlockWithCameraError() { replyAllBlockWithErrorCode(kZELErrorRefused); }
 
  private:
   using Answer = std::optional<ZELError>;
 
-  void wait(const std::string& path, zel::RebackBlock<> rebackBlock);
-  void post(zel::RebackBlock<> rebackBlock, const Answer& answer);
+  void send(std::int64_t type, const std::string& filePath, const ZELData& fileData,
+            const zel::RebackBlock<>& rebackBlock);
+  void refuse(const zel::RebackBlock<>& rebackBlock);
+  std::optional<zel::RebackBlock<>> takeAny();
+  void wait(const std::string& path, std::optional<zel::RebackBlock<>>& handler);
+  void withdraw(const std::string& path);
+  void post(const zel::RebackBlock<>& rebackBlock, const Answer& answer);
+  void postOrRefuse(const zel::RebackBlock<>& rebackBlock, const Answer& answer);
 
+  std::atomic<std::uint64_t> lostForMemory_ = 0;
   const std::function<void(const ZELData&)> writeData_;
   zel::platform::Queue& mainQueue_;
   zel::Mutex mutex_;

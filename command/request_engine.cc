@@ -1,7 +1,11 @@
 #include "command/request_engine.h"
 
+#include <algorithm>
+#include <new>
 #include <string>
 #include <utility>
+
+#include "command/reply_adapters.h"
 
 namespace zel {
 namespace {
@@ -63,18 +67,26 @@ void RequestEngine::registerEvent(const CameraEvent& event) {
 void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock) {
   if (rebackBlock) announce(msgType);
   if (isConnected()) {
-    write(msgType, fields);
+    write(msgType, fields, rebackBlock != nullptr);
     return wait(msgType, std::move(rebackBlock));
   }
   if (!rebackBlock) return;
   withdraw(msgType);
-  post(std::move(rebackBlock), errorFields(kZELErrorNotConnected));
+  post(rebackBlock, errorFields(kZELErrorNotConnected));
+}
+
+void RequestEngine::refuse(const ReplyHandler& reply) {
+  orCount([&] {
+    const RebackDic rebackBlock = reply.made();
+    if (!rebackBlock) throw std::bad_alloc();  // there is nobody to be told
+    post(rebackBlock, errorFields(kZELErrorRefused));
+  });
 }
 
 void RequestEngine::msgReqSendSyncData(const ZELData& data, RebackDic rebackBlock) {
   constexpr auto msgType = static_cast<std::int64_t>(family("registerMsgReqSendSyncData").type);
   if (rebackBlock) announce(msgType);
-  write(msgType, {{std::string(key::nsData), data}});
+  write(msgType, {{std::string(key::nsData), data}}, rebackBlock != nullptr);
   wait(msgType, std::move(rebackBlock));
 }
 
@@ -90,8 +102,14 @@ void RequestEngine::withdraw(std::int64_t msgType) {
   msgBlockDic_.withdraw(msgType);
 }
 
-void RequestEngine::write(std::int64_t msgType, const ZELMessageFields& fields) {
-  if (const auto frame = parser_.packetMsgData(msgType, fields)) accessory_.writeData(*frame);
+// A request that finds no memory was not made: nothing waits for its answer.
+void RequestEngine::write(std::int64_t msgType, const ZELMessageFields& fields, bool isAnnounced) {
+  try {
+    if (const auto frame = parser_.packetMsgData(msgType, fields)) accessory_.writeData(*frame);
+  } catch (const std::bad_alloc&) {
+    if (isAnnounced) withdraw(msgType);
+    throw;
+  }
 }
 
 void RequestEngine::wait(std::int64_t msgType, RebackDic rebackBlock) {
@@ -102,7 +120,7 @@ void RequestEngine::wait(std::int64_t msgType, RebackDic rebackBlock) {
     const MutexLock lock(mutex_);
     answer = msgBlockDic_.put(msgType, handler);
   }
-  if (answer) post(std::move(*handler), *answer);
+  if (answer) post(*handler, *answer);
 }
 
 void RequestEngine::respond(std::int64_t msgType, const std::optional<ZELMessageFields>& reply) {
@@ -111,28 +129,47 @@ void RequestEngine::respond(std::int64_t msgType, const std::optional<ZELMessage
     const MutexLock lock(mutex_);
     rebackBlock = msgBlockDic_.take(msgType, reply);
   }
-  if (rebackBlock) post(std::move(*rebackBlock), reply);
+  if (rebackBlock) post(*rebackBlock, reply);
 }
 
 void RequestEngine::respondWithError(std::int64_t msgType) { respond(msgType, errorFields(kZELErrorRefused)); }
 
 void RequestEngine::respondTo(const Reply& reply, const std::optional<ZELData>& body, std::int64_t msgType) {
-  const Decoded decoded = decodeReply(reply, viewOf(body));
-  if (decoded.refused) return respondWithError(msgType);
+  Decoded decoded;
+  const bool isRead = hasMemoryFor([&] { decoded = decodeReply(reply, viewOf(body)); });
+  if (!isRead || decoded.refused) return respondWithError(msgType);
   respond(msgType, decoded.fields);
 }
 
+// Handlers are failed also where there is no memory for all of them together: then one by one.
 void RequestEngine::respondToAllWithError(int code) {
-  const ZELMessageFields failure = errorFields(code);
-  std::vector<RebackDic> rebackBlocks;
+  if (hasMemoryFor([&] { failAll(code); })) return;
+  while (const auto rebackBlock = takeAny()) {
+    orCount([&] { post(*rebackBlock, errorFields(code)); });
+  }
+  orCount([&] { failCapture(parser_, code); });
+}
+
+// In one step, so that no handler comes between. All memory is taken before the first handler is.
+void RequestEngine::failAll(int code) {
+  const Answer failure = errorFields(code);
+  const auto rebackBlocks = std::make_shared<std::vector<RebackDic>>();
+  platform::Task step = [rebackBlocks, failure, alive = whileAlive(), code] {
+    for (const auto& rebackBlock : *rebackBlocks) ifMemoryAllows([&] { rebackBlock(failure); });
+    alive([code](CameraDataParser& parser) { failCapture(parser, code); });
+  };
   {
     const MutexLock lock(mutex_);
-    rebackBlocks = msgBlockDic_.takeAll(failure);
+    *rebackBlocks = msgBlockDic_.takeAll(failure);
   }
-  mainQueue_.post([rebackBlocks = std::move(rebackBlocks), failure, alive = whileAlive(), code] {
-    for (const auto& rebackBlock : rebackBlocks) rebackBlock(failure);
-    alive([code](CameraDataParser& parser) { failCapture(parser, code); });
-  });
+  if (hasMemoryFor([&] { mainQueue_.post(std::move(step)); })) return;
+  for (const auto& rebackBlock : *rebackBlocks) post(rebackBlock, failure);
+  orCount([&] { failCapture(parser_, code); });
+}
+
+std::optional<RebackDic> RequestEngine::takeAny() {
+  const MutexLock lock(mutex_);
+  return msgBlockDic_.takeAny();
 }
 
 void RequestEngine::failCapture(CameraDataParser& parser, int code) {
@@ -142,7 +179,7 @@ void RequestEngine::failCapture(CameraDataParser& parser, int code) {
 // The step that fails the capture does not run any more once the engine has gone, so it is failed here.
 void RequestEngine::failEverything() {
   respondToAllWithError(kZELErrorNotConnected);
-  failCapture(parser_, kZELErrorNotConnected);
+  orCount([this] { failCapture(parser_, kZELErrorNotConnected); });
   ucdFile_.replyAllBlockWithErrorCode(kZELErrorNotConnected);
 }
 
@@ -161,17 +198,8 @@ void RequestEngine::addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> r
 }
 
 void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver) {
-  decltype(notificationReceivers_) removed;  // they may go with the last reference, and not under a lock
-  {
-    const MutexLock lock(receiversMutex_);
-    std::erase_if(notificationReceivers_, [&](const auto& one) {
-      if (one->object.get() != receiver) return false;
-      one->removed.store(true);
-      removed.push_back(one);
-      return true;
-    });
-  }
-  if (insideCallback()) return;  // the receiver's call may wait for this very thread
+  while (takeReceiver(receiver)) continue;  // each may go with its last reference, and not under a lock
+  if (insideCallback()) return;             // the receiver's call may wait for this very thread
   const MutexLock delivered(deliveryMutex_);
 }
 
@@ -180,6 +208,17 @@ void RequestEngine::removeAllReceivers() {
   const MutexLock lock(receiversMutex_);
   removed.swap(notificationReceivers_);
   for (const auto& one : removed) one->removed.store(true);
+}
+
+std::shared_ptr<RequestEngine::Receiver> RequestEngine::takeReceiver(const ZELCameraNotificationProtocol* receiver) {
+  const MutexLock lock(receiversMutex_);
+  const auto found =
+      std::ranges::find_if(notificationReceivers_, [&](const auto& one) { return one->object.get() == receiver; });
+  if (found == notificationReceivers_.end()) return nullptr;
+  auto taken = std::move(*found);
+  notificationReceivers_.erase(found);
+  taken->removed.store(true);
+  return taken;
 }
 
 // Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
@@ -199,8 +238,13 @@ std::vector<std::shared_ptr<RequestEngine::Receiver>> RequestEngine::receivers()
   return notificationReceivers_;
 }
 
-void RequestEngine::post(RebackDic rebackBlock, const Answer& answer) {
-  mainQueue_.post([rebackBlock = std::move(rebackBlock), answer] { rebackBlock(answer); });
+// An answer that finds no memory becomes a refusal. The handler is copied: a task that could not be made takes what was
+// moved into it along.
+void RequestEngine::post(const RebackDic& rebackBlock, const Answer& answer) {
+  if (hasMemoryFor([&] { mainQueue_.post([rebackBlock, answer] { rebackBlock(answer); }); })) return;
+  orCount([&] {
+    mainQueue_.post([rebackBlock, refusal = Answer(errorFields(kZELErrorRefused))] { rebackBlock(refusal); });
+  });
 }
 
 std::function<void(const std::function<void(CameraDataParser&)>&)> RequestEngine::whileAlive() {

@@ -14,6 +14,7 @@
 
 #include <ZELTarkaSDK/platform/call_gate.h>
 #include <ZELTarkaSDK/platform/queues.h>
+#include "base/has_memory_for.h"
 #include "base/mutex.h"
 #include "base/pending_table.h"
 #include "capture/zel_ucd_file.h"
@@ -24,6 +25,8 @@
 #include "protocol/catalogue.h"
 
 namespace zel {
+
+class ReplyHandler;
 
 // What every request and every event goes through: it sends, matches replies to handlers, fails handlers, and hands
 // events to their receivers.
@@ -39,6 +42,7 @@ class RequestEngine final : public SyncDataRequester {
 
   // Sends a request where the link is up, and fails it with 100 where it is not. A later request of the same type takes
   // over the place of one that waits, whose handler is then never called.
+  // Errors: std::bad_alloc; the request was not sent then, and the handler is not kept.
   void send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock);
 
   // The marker request, which is what brings the first frame and so waits for no status.
@@ -50,7 +54,23 @@ class RequestEngine final : public SyncDataRequester {
   // Reads a reply's body, and completes the handler with what it comes to.
   void respondTo(const Reply& reply, const std::optional<ZELData>& body, std::int64_t msgType);
 
-  // Fails every handler that waits, and then the capture that waits for its photo.
+  // Makes a call that sends a request. Returns false where there was no memory for it; the handler then gets 101.
+  template <class Call>
+  bool orRefuse(const ReplyHandler& reply, const Call& call) {
+    const bool isSent = hasMemoryFor(call);
+    if (!isSent) refuse(reply);
+    return isSent;
+  }
+  void refuse(const ReplyHandler& reply);
+
+  // Makes a call of which nobody can be told that there was no memory for it: that is counted.
+  template <class Call>
+  void orCount(const Call& call) {
+    if (!hasMemoryFor(call)) lostForMemory_.fetch_add(1);
+  }
+  std::uint64_t lostForMemory() const { return lostForMemory_.load(); }
+
+  // Fails every handler that waits, and then the capture that waits for its photo. Throws nothing where memory ends.
   void respondToAllWithError(int code);
 
   void addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver);
@@ -86,17 +106,21 @@ class RequestEngine final : public SyncDataRequester {
   bool isConnected() const;
   void announce(std::int64_t msgType);
   void withdraw(std::int64_t msgType);
-  void write(std::int64_t msgType, const ZELMessageFields& fields);
+  void write(std::int64_t msgType, const ZELMessageFields& fields, bool isAnnounced);
   void wait(std::int64_t msgType, RebackDic rebackBlock);
-  void post(RebackDic rebackBlock, const Answer& answer);
+  void post(const RebackDic& rebackBlock, const Answer& answer);
+  void failAll(int code);
+  std::optional<RebackDic> takeAny();
   static void failCapture(CameraDataParser& parser, int code);
   std::vector<std::shared_ptr<Receiver>> receivers();
+  std::shared_ptr<Receiver> takeReceiver(const ZELCameraNotificationProtocol* receiver);
 
   ZELCameraAccessory& accessory_;
   CameraDataParser& parser_;
   ZELUCDFile& ucdFile_;
   platform::Queue& mainQueue_;
   KeepAlive keepAlive_;  // set before traffic starts
+  std::atomic<std::uint64_t> lostForMemory_ = 0;
   const std::shared_ptr<CallGate> alive_ = std::make_shared<CallGate>();
 
   Mutex mutex_;  // nothing is called with it held

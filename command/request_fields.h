@@ -3,7 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <utility>
+#include <tuple>
 
 #include <ZELTarkaSDK/ZELMediaGps.h>
 #include <ZELTarkaSDK/ZELMediaGyro.h>
@@ -29,12 +29,35 @@ void setFields(ZELMessageFields& fields, std::string_view key, const T& value, c
   setFields(fields, rest...);
 }
 
-// A request's fields: key, value, key, value, ...
+// A request's fields, made when the request is: that takes memory.
+class RequestFields {
+ public:
+  // Errors: std::bad_alloc.
+  virtual ZELMessageFields made() const = 0;
+
+ protected:
+  ~RequestFields() = default;
+};
+
 template <class... KeysAndValues>
-ZELMessageFields fieldsOf(const KeysAndValues&... keysAndValues) {
-  ZELMessageFields fields;
-  setFields(fields, keysAndValues...);
-  return fields;
+class LazyRequestFields final : public RequestFields {
+ public:
+  explicit LazyRequestFields(const KeysAndValues&... keysAndValues) : keysAndValues_(keysAndValues...) {}
+
+  ZELMessageFields made() const override {
+    ZELMessageFields fields;
+    std::apply([&fields](const KeysAndValues&... all) { setFields(fields, all...); }, keysAndValues_);
+    return fields;
+  }
+
+ private:
+  const std::tuple<const KeysAndValues&...> keysAndValues_;
+};
+
+// The fields of key, value, key, value, ..., which must live until they are made.
+template <class... KeysAndValues>
+auto fieldsOf(const KeysAndValues&... keysAndValues) {
+  return LazyRequestFields<KeysAndValues...>(keysAndValues...);
 }
 
 // The camera's record of a media library's object; all zero without one.

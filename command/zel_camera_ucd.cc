@@ -5,8 +5,11 @@
 
 #include <utility>
 
+#include "command/reply_adapters.h"
 #include "command/request_engine.h"
+#include "command/request_fields.h"
 
+using zel::LazyReplyHandler;
 using zel::RebackDic;
 using zel::RequestEngine;
 using namespace zel::key;
@@ -37,40 +40,48 @@ void ZELCameraUCD::setKeepAlive(const zel::KeepAlive& keepAlive) { engine_->setK
 
 void ZELCameraUCD::failEverything() { engine_->failEverything(); }
 
+std::uint64_t ZELCameraUCD::lostForMemory() const { return engine_->lostForMemory(); }
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): handlers are passed by value everywhere
 void ZELCameraUCD::sendMsg(std::int64_t msgType, const ZELMessageFields& msgDataDic, RebackDic rebackBlock) {
-  engine_->send(msgType, msgDataDic, std::move(rebackBlock));
+  const LazyReplyHandler reply([&] { return rebackBlock; });
+  engine_->orRefuse(reply, [&] { engine_->send(msgType, msgDataDic, reply.made()); });
 }
 
 void ZELCameraUCD::responseCameraMsg(std::int64_t msgType, const std::optional<ZELMessageFields>& rebackDic) {
-  engine_->respond(msgType, rebackDic);
+  engine_->orCount([&] { engine_->respond(msgType, rebackDic); });
 }
 
-void ZELCameraUCD::responseCameraErrorMsg(std::int64_t msgType) { engine_->respondWithError(msgType); }
+void ZELCameraUCD::responseCameraErrorMsg(std::int64_t msgType) {
+  engine_->orCount([&] { engine_->respondWithError(msgType); });
+}
 
-void ZELCameraUCD::responseAllReblackBlockWithErrorCode(int errorCode) { engine_->respondToAllWithError(errorCode); }
+void ZELCameraUCD::responseAllReblackBlockWithErrorCode(int errorCode) {
+  engine_->orCount([&] { engine_->respondToAllWithError(errorCode); });
+}
 
 void ZELCameraUCD::parserReceiveUint8ResponseData(const Data& data, std::int64_t msgType) {
-  engine_->respondTo(kFlag, data, msgType);
+  engine_->orCount([&] { engine_->respondTo(kFlag, data, msgType); });
 }
 
 void ZELCameraUCD::parserReceiveUint8ValueData(const Data& data, std::int64_t msgType) {
-  engine_->respondTo(kByte, data, msgType);
+  engine_->orCount([&] { engine_->respondTo(kByte, data, msgType); });
 }
 
 void ZELCameraUCD::parserReceiveUint8ResponseAndUint8ValueData(const Data& data, std::int64_t msgType) {
-  engine_->respondTo(kFlagAndByte, data, msgType);
+  engine_->orCount([&] { engine_->respondTo(kFlagAndByte, data, msgType); });
 }
 
 void ZELCameraUCD::parserReceiveUint8ResponseAndInt16ValueData(const Data& data, std::int64_t msgType) {
-  engine_->respondTo(kFlagAndShort, data, msgType);
+  engine_->orCount([&] { engine_->respondTo(kFlagAndShort, data, msgType); });
 }
 
 void ZELCameraUCD::parserReceiveUint8ResponseAndUint32ValueData(const Data& data, std::int64_t msgType) {
-  engine_->respondTo(kFlagAndUint, data, msgType);
+  engine_->orCount([&] { engine_->respondTo(kFlagAndUint, data, msgType); });
 }
 
 void ZELCameraUCD::addCameraNotificationReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver) {
-  engine_->addReceiver(std::move(receiver));
+  engine_->orCount([&] { engine_->addReceiver(std::move(receiver)); });
 }
 
 void ZELCameraUCD::removeCameraNotificationReceiver(const ZELCameraNotificationProtocol* receiver) {
@@ -78,7 +89,7 @@ void ZELCameraUCD::removeCameraNotificationReceiver(const ZELCameraNotificationP
 }
 
 void ZELCameraUCD::sendNotification(std::int64_t type, const std::optional<ZELMessageFields>& value) {
-  engine_->notify(type, value);
+  engine_->orCount([&] { engine_->notify(type, value); });
 }
 
 void ZELCameraUCD::sendFileWithType(std::int64_t type, const Text& filePath, const ZELData& fileData,
@@ -86,6 +97,8 @@ void ZELCameraUCD::sendFileWithType(std::int64_t type, const Text& filePath, con
   engine_->ucdFile().sendFileWithType(type, filePath, fileData, std::move(rebackBlock));
 }
 
-void ZELCameraUCD::request(const zel::Family& family, const ZELMessageFields& fields, RebackDic rebackBlock) {
-  engine_->send(static_cast<std::int64_t>(family.type), fields, std::move(rebackBlock));
+bool ZELCameraUCD::request(const zel::Family& family, const zel::RequestFields& fields,
+                           const zel::ReplyHandler& reply) {
+  const auto msgType = static_cast<std::int64_t>(family.type);
+  return engine_->orRefuse(reply, [&] { engine_->send(msgType, fields.made(), reply.made()); });
 }

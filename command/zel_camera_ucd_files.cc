@@ -47,6 +47,8 @@ void ZELCameraUCD::msgReqGetVideoExtraInfoWithFileName(const Text& fileName,
           takingApart(std::move(rebackBlock), nsData));
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): handlers are passed by value everywhere
 void ZELCameraUCD::msgReqSendSyncData(const ZELData& data, zel::RebackDic rebackBlock) {
-  engine_->msgReqSendSyncData(data, std::move(rebackBlock));
+  const zel::LazyReplyHandler reply([&] { return rebackBlock; });
+  engine_->orRefuse(reply, [&] { engine_->msgReqSendSyncData(data, reply.made()); });
 }

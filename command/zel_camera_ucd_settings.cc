@@ -184,12 +184,13 @@ void ZELCameraUCD::msgReqSetGPSTimeout(std::uint16_t timeout, ErrorBlock rebackB
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): handlers are passed by value everywhere
 void ZELCameraUCD::msgReqGetGPSTimeoutWithRebackBlock(IntBlock rebackBlock) {
-  const auto widened = [rebackBlock](const std::optional<ZELError>& error, std::uint16_t timeout) {
-    rebackBlock(error, timeout);
-  };
-  using UshortBlock = zel::RebackBlock<std::uint16_t>;
-  request(family("registerMsgReqGetGPSTimeout"), fieldsOf(),
-          takingApart(rebackBlock ? UshortBlock(widened) : UshortBlock(), ushortValue));
+  const zel::LazyReplyHandler widened([&rebackBlock]() -> zel::RebackDic {
+    if (!rebackBlock) return nullptr;
+    using UshortBlock = zel::RebackBlock<std::uint16_t>;
+    return zel::apart(UshortBlock([rebackBlock](const auto& error, std::uint16_t value) { rebackBlock(error, value); }),
+                      ushortValue);
+  });
+  request(family("registerMsgReqGetGPSTimeout"), fieldsOf(), widened);
 }
 
 void ZELCameraUCD::msgReqSetTriplePressMode(Byte mode, ErrorBlock rebackBlock) {
@@ -230,19 +231,19 @@ void ZELCameraUCD::msgReqGetAudioBitrateWithRebackBlock(UintBlock rebackBlock) {
 }
 
 void ZELCameraUCD::msgReqUpdateGps(const ZELGpsData& gps) {
-  request(family("registerMsgReqUpdateGps"), fieldsOf(gpsData, gps), nullptr);
+  request(family("registerMsgReqUpdateGps"), fieldsOf(gpsData, gps), takingApart(ErrorBlock()));
 }
 
 void ZELCameraUCD::newMsgReqUpdateGps(const Gps& gps) { msgReqUpdateGps(recordOf(gps)); }
 
 void ZELCameraUCD::msgReqUpdateGyro(const ZELGyroData& gyro) {
-  request(family("registerMsgReqUpdateGyro"), fieldsOf(gyroData, gyro), nullptr);
+  request(family("registerMsgReqUpdateGyro"), fieldsOf(gyroData, gyro), takingApart(ErrorBlock()));
 }
 
 void ZELCameraUCD::newMsgReqUpdateGyro(const Gyro& gyro) { msgReqUpdateGyro(recordOf(gyro)); }
 
 void ZELCameraUCD::msgReqUpdateOrientation(const ZELOrientationData& orientation) {
-  request(family("registerMsgReqUpdateOrientation"), fieldsOf(orientationData, orientation), nullptr);
+  request(family("registerMsgReqUpdateOrientation"), fieldsOf(orientationData, orientation), takingApart(ErrorBlock()));
 }
 
 void ZELCameraUCD::newMsgReqUpdateOrientation(const Orientation& orientation) {

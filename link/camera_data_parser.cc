@@ -5,6 +5,7 @@
 
 #include <ZELTarkaSDK/platform/call_gate.h>
 #include <ZELTarkaSDK/platform/clock.h>
+#include "base/has_memory_for.h"
 #include "link/marker_search.h"
 #include "protocol/frame.h"
 #include "protocol/resolution_table.h"
@@ -21,8 +22,17 @@ constexpr std::size_t kShortRead = 4096;
 
 void CameraDataParser::appendBytes(const std::uint8_t* bytes, std::size_t length) {
   forgetClearedBytes();
-  buffer_.append({bytes, length});
   statistics_.bytesReceived.add(length);
+  hold({bytes, length});
+}
+
+// Bytes that do not fit into memory leave a gap, behind which no frame can be found but by the marker.
+bool CameraDataParser::hold(ByteView bytes) {
+  return zel::hasMemoryFor([&] { buffer_.append(bytes); }) || losePosition();
+}
+
+void CameraDataParser::setLongestFrame(std::uint32_t bytes) {
+  longestFrame_.store(std::min(bytes, zel::kMaxFrameLength), std::memory_order_relaxed);
 }
 
 void CameraDataParser::clearData() { clears_.fetch_add(1); }
@@ -53,14 +63,12 @@ void CameraDataParser::parserData(ByteView lastRead) {
   statistics_.bytesReceived.add(lastRead.size());
   // A short read is cheaper to copy than to take apart.
   if (lastRead.size() < kShortRead || isNeedDataSynchronism()) {
-    buffer_.append(lastRead);
-    return parseAppended();
+    if (hold(lastRead)) parseAppended();
+    return;
   }
   if (!parseHeld() || !completeHeld(lastRead) || lastRead.empty()) return;
   std::size_t awaited = 0;
-  if (!walk(lastRead, awaited)) return;
-  buffer_.append(lastRead);
-  buffer_.consume(0, awaited);
+  if (walk(lastRead, awaited) && hold(lastRead)) buffer_.consume(0, awaited);
 }
 
 bool CameraDataParser::parseHeld() {
@@ -78,7 +86,7 @@ bool CameraDataParser::completeHeld(ByteView& lastRead) {
   while (buffer_.size() != 0 && !lastRead.empty()) {
     const std::size_t wanted = std::max(buffer_.awaited(), zel::kFrameHeader);
     const std::size_t taken = std::min(wanted - buffer_.size(), lastRead.size());
-    buffer_.append(lastRead.first(taken));
+    if (!hold(lastRead.first(taken))) return false;
     lastRead = lastRead.subspan(taken);
     if (!parseHeld()) return false;
   }
@@ -89,18 +97,24 @@ bool CameraDataParser::walk(ByteView& bytes, std::size_t& awaited) {
   awaited = 0;
   while (bytes.size() >= zel::kFrameHeader) {
     const auto length = zel::loadLittleEndian<std::uint32_t>(bytes.data());
-    if (length < zel::kFrameHeader || length > zel::kMaxFrameLength) return losePosition();
+    const auto type = zel::loadLittleEndian<std::uint16_t>(bytes.data() + 4);
+    if (length < zel::kFrameHeader || length > longest(type)) return losePosition();
     if (bytes.size() < length) {  // not an error: the rest comes with a later read
       awaited = length;
       break;
     }
-    const auto type = zel::loadLittleEndian<std::uint16_t>(bytes.data() + 4);
     statistics_.addFrame(type, length);
     parserDataWithUCDType(type, bytes.data() + zel::kFrameHeader, length - zel::kFrameHeader);
     if (wasCleared()) return false;  // a consumer, or another thread, closed or reopened the session
     bytes = bytes.subspan(length);
   }
   return true;
+}
+
+// A photo that nobody has asked for is of no more use than any other frame.
+std::uint32_t CameraDataParser::longest(std::uint16_t type) {
+  const bool isWanted = type == static_cast<std::uint16_t>(FrameType::photo) && !consumers().photo.expired();
+  return isWanted ? zel::kMaxFrameLength : longestFrame_.load(std::memory_order_relaxed);
 }
 
 bool CameraDataParser::losePosition() {
@@ -130,11 +144,13 @@ void CameraDataParser::startAfterMarker(std::size_t markerEnd) {
   if (accessory_ != nullptr && accessory_->firewareVersion() >= kFirewareVersion190) accessory_->sendSyncTimeCmd();
 }
 
+// A consumer that finds no memory has missed the frame; the next one may be smaller.
 void CameraDataParser::parserDataWithUCDType(std::int32_t type, const std::uint8_t* data, std::size_t dataLen) {
-  {
+  const bool isTaken = zel::hasMemoryFor([&] {
     const zel::CallbackScope consumer;
     route(type, {data, dataLen});
-  }
+  });
+  if (!isTaken) statistics_.dropped.noMemory.add(1);
   if (accessory_ != nullptr) accessory_->receivedData();
 }
 

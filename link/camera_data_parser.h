@@ -18,6 +18,7 @@
 #include "link/receive_buffer.h"
 #include "link/roles.h"
 #include "link/zel_camera_data_parser.h"
+#include "protocol/frame.h"
 
 // Cuts the camera's byte stream into frames and hands each to its consumer; packs outbound messages.
 // Nothing on the stream is trusted: a partial frame waits, an unknown one is dropped and counted, an impossible length
@@ -62,6 +63,12 @@ class CameraDataParser final : public zel::InboundStream {
   // Whether the marker is being looked for.
   bool isNeedDataSynchronism() const { return isNeedDataSynchronism_.load(); }
   void setIsNeedDataSynchronism(bool needed) override { isNeedDataSynchronism_.store(needed); }
+
+  // A longer frame counts as a lost position, as every one does that is longer than kMaxFrameLength; photos may always
+  // be of that length while there is a photo parser.
+  //
+  // Units: bytes, at most kMaxFrameLength. Thread: any thread.
+  void setLongestFrame(std::uint32_t bytes);
 
   // Asks the camera for the marker.
   void sendSyncData();
@@ -116,6 +123,8 @@ class CameraDataParser final : public zel::InboundStream {
   // Delivers the whole frames at the front of `bytes` and removes them; `awaited` is the length of the one that is cut.
   bool walk(zel::ByteView& bytes, std::size_t& awaited);
   bool losePosition();
+  bool hold(zel::ByteView bytes);
+  std::uint32_t longest(std::uint16_t type);
   void route(std::int32_t type, zel::ByteView payload);
   void routeVideo(zel::ByteView payload);
   void routeAudio(zel::ByteView payload);
@@ -132,6 +141,7 @@ class CameraDataParser final : public zel::InboundStream {
   std::atomic<std::uint64_t> clears_ = 0;
   std::atomic<bool> isNeedDataSynchronism_ = false;
   std::atomic<std::uint64_t> videoStreamRes_ = 0;
+  std::atomic<std::uint32_t> longestFrame_ = zel::kMaxFrameLength;
   zel::FrameStatistics statistics_;
 
   zel::Registry<CameraMsgPacket> msgPacketDic_;

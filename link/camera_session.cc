@@ -2,6 +2,8 @@
 
 #include <ZELTarkaSDK/WireConstants.h>
 
+#include "base/has_memory_for.h"
+
 using zel::MutexLock;
 using zel::SessionConnection;
 
@@ -56,7 +58,8 @@ void CameraSession::finishClosing(const Connection& closed) {
 
 bool CameraSession::openAs(std::uint64_t opening, const std::shared_ptr<zel::platform::Accessory>& accessory,
                            std::string_view protocol, const std::function<void()>& accepted) {
-  const Connection connection = connect(accessory, protocol);
+  Connection connection;
+  zel::ifMemoryAllows([&] { connection = connect(accessory, protocol); });
   if (!connection) return false;
   if (!install(opening, connection, accessory)) {
     connection->close();

@@ -20,6 +20,7 @@ void FrameStatistics::copyTo(LinkStatistics& into) const {
   into.dropped.unregisteredData = dropped.unregisteredData.value();
   into.dropped.shortTimestamp = dropped.shortTimestamp.value();
   into.dropped.timestampOldFirmware = dropped.timestampOldFirmware.value();
+  into.dropped.noMemory = dropped.noMemory.value();
   into.bytesReceived = bytesReceived.value();
   into.bytesDiscarded = bytesDiscarded.value();
   into.markersFound = markersFound.value();

@@ -24,7 +24,7 @@ class Counter {
 struct FrameStatistics {
   struct Dropped {
     Counter unknownType, noConsumer, unregisteredCode, shortMessage, unregisteredData, shortTimestamp,
-        timestampOldFirmware;
+        timestampOldFirmware, noMemory;
   };
 
   std::array<Counter, kFrameTypeCount> frames;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/has_memory_for.h"
+
 namespace zel {
 namespace {
 
@@ -16,10 +18,15 @@ void ReceiveBuffer::consume(std::size_t count, std::size_t awaited) {
   begin_ += count;
   awaited_ = awaited;
   if (capacity_ > std::max(kKeptCapacity, 2 * std::max(awaited, size()))) {
-    reallocate(std::max(kSmallest, size()));
+    shrink();
   } else if (begin_ != 0 && size() <= kShortRest) {
     moveToFront();
   }
+}
+
+// Giving memory back takes some first; where there is none, the larger block serves as well.
+void ReceiveBuffer::shrink() {
+  if (!hasMemoryFor([this] { reallocate(std::max(kSmallest, size())); })) moveToFront();
 }
 
 void ReceiveBuffer::clear() {

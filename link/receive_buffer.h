@@ -14,6 +14,7 @@ namespace zel {
 // what is needed, and shrinks again after a large frame. Thread: one.
 class ReceiveBuffer {
  public:
+  // Errors: std::bad_alloc; what was held is held still.
   void append(ByteView bytes) {
     if (bytes.empty()) return;
     if (bytes.size() > capacity_ - end_) makeRoom(bytes.size());
@@ -35,6 +36,7 @@ class ReceiveBuffer {
 
  private:
   void makeRoom(std::size_t count);
+  void shrink();
   void reallocate(std::size_t capacity);
   void moveToFront();
 

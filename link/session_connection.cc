@@ -1,7 +1,9 @@
 #include "link/session_connection.h"
 
+#include <new>
 #include <utility>
 
+#include "base/has_memory_for.h"
 #include "protocol/frame.h"
 
 namespace zel {
@@ -38,18 +40,27 @@ bool SessionConnection::startThread(platform::Threads& threads) {
 void SessionConnection::begin(bool afterAnother) {
   afterAnother_ = afterAnother;
   begun_.store(true);
-  performOnThread(&SessionConnection::runSessionThread);
+  if (!hasMemoryFor([this] { performOnThread(&SessionConnection::runSessionThread); })) stopThread();
 }
 
 void SessionConnection::runSessionThread() {
   if (closed_.load()) return;  // the order to end follows
   if (afterAnother_) owner_.threadBeganAfterAnother();
+  if (!hasMemoryFor([this] { openStreams(); })) return fail();
+  writeStreamData();  // what was queued before there was a thread to write it
+}
+
+void SessionConnection::openStreams() {
   for (platform::Stream* stream : streams()) {
     stream->setDelegate(weak_from_this());
     stream->scheduleInRunLoop(*runLoop_);
     stream->open();
   }
-  writeStreamData();  // what was queued before there was a thread to write it
+}
+
+// Streams that cannot be served for want of memory count as failed; without memory to open them again they stay so.
+void SessionConnection::fail() {
+  ifMemoryAllows([this] { owner_.streamFailed(*this); });
 }
 
 std::array<platform::Stream*, 2> SessionConnection::streams() {
@@ -61,7 +72,13 @@ void SessionConnection::close() {
   session_->letGo();  // a session that takes this one's place is opened before the streams of this one are closed
   // A thread that never began has nothing to finish, and nobody else would wait for it.
   if (!begun_.load()) return join();
-  performOnThread(&SessionConnection::closeSesionThread);
+  // Where there is no memory to ask it, the thread is stopped, and closes the streams as it ends.
+  if (!hasMemoryFor([this] { performOnThread(&SessionConnection::closeSesionThread); })) stopThread();
+}
+
+void SessionConnection::stopThread() {
+  const MutexLock lock(threadMutex_);
+  if (sessionThread_) sessionThread_->runLoop().stop();
 }
 
 void SessionConnection::closeSesionThread() {
@@ -73,14 +90,14 @@ void SessionConnection::closeStreams() {
   for (platform::Stream* stream : streams()) {
     stream->close();
     if (runLoop_ != nullptr) stream->removeFromRunLoop(*runLoop_);
-    stream->setDelegate({});
+    ifMemoryAllows([stream] { stream->setDelegate({}); });
   }
 }
 
 void SessionConnection::endSessionThread() {
   closeStreams();  // again, because join() stops the loop without asking for a close
   const auto kept = std::move(keepAlive_);
-  if (begun_.load()) owner_.threadEnded();
+  if (begun_.load()) ifMemoryAllows([this] { owner_.threadEnded(); });
   join();  // lets go of the handle, which otherwise would keep this object, and this object it, for good
 }
 
@@ -94,10 +111,15 @@ void SessionConnection::join() {
 
 void SessionConnection::performOnThread(void (SessionConnection::*step)()) {
   const MutexLock lock(threadMutex_);
-  if (sessionThread_) sessionThread_->runLoop().perform([self = shared_from_this(), step] { (*self.*step)(); });
+  if (!sessionThread_) return;
+  sessionThread_->runLoop().perform([self = shared_from_this(), step] { ifMemoryAllows([&] { (*self.*step)(); }); });
 }
 
 void SessionConnection::streamHandleEvent(platform::Stream&, platform::StreamEvent event) {
+  if (!hasMemoryFor([&] { handle(event); })) fail();
+}
+
+void SessionConnection::handle(platform::StreamEvent event) {
   switch (event) {
     case platform::StreamEvent::hasBytesAvailable:
       return readStreamData();
@@ -124,12 +146,21 @@ void SessionConnection::readStreamData() {
   if (!closed_.load()) inbound_.parserData(buffer.first(held));
 }
 
+// The thread is asked first: bytes that nobody would write must not be queued. It waits for the lock until they are.
 void SessionConnection::writeData(ByteView bytes) {
-  {
-    const MutexLock lock(writeDataLock_);
-    enqueue(bytes);
+  const MutexLock lock(writeDataLock_);
+  scheduleWriting();
+  enqueue(bytes);
+}
+
+void SessionConnection::scheduleWriting() {
+  if (writeScheduled_.exchange(true)) return;
+  try {
+    performOnThread(&SessionConnection::writeStreamData);
+  } catch (const std::bad_alloc&) {
+    writeScheduled_.store(false);
+    throw;
   }
-  if (!writeScheduled_.exchange(true)) performOnThread(&SessionConnection::writeStreamData);
 }
 
 void SessionConnection::enqueue(ByteView bytes) {

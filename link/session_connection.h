@@ -67,6 +67,7 @@ class SessionConnection final : public platform::StreamDelegate,
   void join();
 
   // Queues the bytes as a whole and has the session thread write them.
+  // Errors: std::bad_alloc; nothing is queued then.
   void writeData(ByteView bytes);
 
   // Bytes that are queued.
@@ -84,6 +85,10 @@ class SessionConnection final : public platform::StreamDelegate,
 
   bool startThread(platform::Threads& threads);
   void runSessionThread();
+  void openStreams();
+  void fail();
+  void handle(platform::StreamEvent event);
+  void stopThread();
   void closeSesionThread();  // "Sesion" is the interface's spelling
   void endSessionThread();
   void closeStreams();
@@ -91,6 +96,7 @@ class SessionConnection final : public platform::StreamDelegate,
   void performOnThread(void (SessionConnection::*step)());
   void readStreamData();
   void writeStreamData();
+  void scheduleWriting() ZEL_REQUIRES(writeDataLock_);
   void enqueue(ByteView bytes) ZEL_REQUIRES(writeDataLock_);
   void drainWriteData() ZEL_REQUIRES(writeDataLock_);
   void syncCameraSystemTimeOnThread();

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/ports.h>
+#include "base/has_memory_for.h"
 #include "base/mutex.h"
 #include "base/observer_list.h"
 #include "link/camera_data_parser.h"
@@ -147,8 +148,15 @@ std::shared_ptr<ZELCameraAccessoryDelegate> ZELCameraAccessory::delegate() const
   return impl_->delegate.lock();
 }
 
+// Without memory the camera is closed, as one that could not be opened.
 std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
   const auto held = impl_->keepAlive.hold();
+  std::shared_ptr<const ZELAccessoryInfo> info;
+  if (!zel::hasMemoryFor([&] { info = watchAndConnect(); })) closeCamera();
+  return info;
+}
+
+std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::watchAndConnect() {
   auto connect =
       observe(zel::platform::kAccessoryDidConnectNotification, &ZELCameraAccessory::accessoryDidConnectNotification);
   auto disconnect = observe(zel::platform::kAccessoryDidDisconnectNotification,
@@ -212,6 +220,10 @@ bool ZELCameraAccessory::isWanted(const Accessory& accessory) const {
 
 void ZELCameraAccessory::accessoryDidConnectNotification(const Notification& notification) {
   const auto held = impl_->keepAlive.hold();
+  if (!zel::hasMemoryFor([&] { connectAndTell(notification); })) closeConnection();
+}
+
+void ZELCameraAccessory::connectAndTell(const Notification& notification) {
   const auto accessory = notification.accessory(zel::platform::kAccessoryKey);
   if (!connectCamera(accessory)) return;
   openConnection();
@@ -225,8 +237,10 @@ void ZELCameraAccessory::accessoryDidDisconnectNotification(const Notification& 
   const auto connected = accessoryInfo();
   if (!connected || !accessory) return;
   if (accessory->description().connectionID != connected->connectionID()) return;
-  impl_->ports.notifications.post(
-      {std::string(kZELCameraDidDisConnectNotification), {{std::string(kZELCameraConnectAccessoryKey), accessory}}});
+  zel::ifMemoryAllows([&] {
+    impl_->ports.notifications.post(
+        {std::string(kZELCameraDidDisConnectNotification), {{std::string(kZELCameraConnectAccessoryKey), accessory}}});
+  });
   closeConnection();
 }
 
@@ -280,7 +294,7 @@ void ZELCameraAccessory::setStatusWhileOpen(std::uint64_t status) {
 void ZELCameraAccessory::startDetectTimer() {
   stopDetectTimer();
   auto timer = impl_->ports.threads.currentRunLoop().scheduleRepeating(
-      kDetectPeriod, impl_->keepAlive.during([this] { onDetectTimer(); }));
+      kDetectPeriod, impl_->keepAlive.during([this] { zel::ifMemoryAllows([this] { onDetectTimer(); }); }));
   const MutexLock lock(impl_->watchMutex);
   std::swap(impl_->detectTimer, timer);
 }

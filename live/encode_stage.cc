@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/has_memory_for.h"
+
 namespace zel {
 namespace {
 
@@ -12,13 +14,18 @@ constexpr std::int32_t kMilliseconds = 1000;  // a second
 }  // namespace
 
 EncodeStage::Encoder EncodeStage::open(const platform::VideoEncoderSettings& settings) {
-  if (encoders_ == nullptr) return nullptr;
-  Encoder made = encoders_->create(settings);
-  return made && made->open() ? made : nullptr;
+  Encoder opened;
+  ifMemoryAllows([&] {
+    Encoder made = encoders_ != nullptr ? encoders_->create(settings) : nullptr;
+    if (made && made->open()) opened = std::move(made);
+  });
+  return opened;
 }
 
 void EncodeStage::append(LiveFrame frame) {
-  if (!pixel_queue_.append(std::move(frame))) dropped_.add(1);
+  bool keptAll = false;
+  ifMemoryAllows([&] { keptAll = pixel_queue_.append(std::move(frame)); });
+  if (!keptAll) dropped_.add(1);
 }
 
 void EncodeStage::run(const std::function<bool()>& isOver, const std::function<void()>& whenFailed) {
@@ -49,7 +56,10 @@ bool EncodeStage::encode(const LiveFrame& frame) {
   const Encoder encoder = encoder_.get();
   if (!encoder) return false;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    if (encoder->encodeImage(frame->pixelBuffer, {frame->timestamp, kMilliseconds})) return true;
+    bool taken = false;
+    const platform::MediaTime time{frame->timestamp, kMilliseconds};
+    ifMemoryAllows([&] { taken = encoder->encodeImage(frame->pixelBuffer, time); });
+    if (taken) return true;
   }
   return false;
 }

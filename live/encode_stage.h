@@ -25,12 +25,13 @@ class EncodeStage {
   EncodeStage(platform::Clock& clock, platform::VideoEncoders* encoders)
       : clock_(clock), encoders_(encoders), encodeThreadJoinLock_(clock) {}
 
-  // A new encoder that is ready. Errors: null where there is none or it does not open.
+  // A new encoder that is ready. Errors: null where there is none, it does not open, or memory ends.
   Encoder open(const platform::VideoEncoderSettings& settings);
 
   // Feeds that encoder from now on, or none. Returns the one before; it lives until the picture that it is at is done.
   Encoder install(Encoder encoder) { return encoder_.set(std::move(encoder)); }
 
+  // Errors: none; a picture for which there is no memory counts as dropped.
   void append(LiveFrame frame);
 
   // The body of the encode thread. whenFailed is called, by the thread that is still joined, when five pictures in a

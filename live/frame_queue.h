@@ -23,15 +23,16 @@ class FrameQueue {
   static constexpr double kPollInterval = 0.01;  // seconds that its reader sleeps at most when there is none
 
   // Returns false where the oldest had to go for it.
+  // Errors: std::bad_alloc; those that wait are as they were.
   bool append(LiveFrame frame) {
     LiveFrame oldest;  // let go after the lock
     const MutexLock lock(mutex_);
     const bool full = frames_.size() >= kMost;
+    frames_.push_back(std::move(frame));
     if (full) {
       oldest = std::move(frames_.front());
       frames_.pop_front();
     }
-    frames_.push_back(std::move(frame));
     if (!std::exchange(isTold_, true)) told_.release();
     return !full;
   }
@@ -54,9 +55,7 @@ class FrameQueue {
   }
 
   void clear() {
-    std::deque<LiveFrame> all;  // let go after the lock
-    const MutexLock lock(mutex_);
-    all.swap(frames_);
+    while (take()) continue;  // one by one, each let go after the lock; a queue to swap with would take memory
   }
 
   std::size_t size() const {

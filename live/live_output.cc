@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/has_memory_for.h"
+
 namespace zel {
 namespace {
 
@@ -43,11 +45,18 @@ void LiveOutput::onAACAdts(Bytes data, std::int64_t timestamp) {
   addAACData(data, difference(timestamp, firstTimestamp_.get()));
 }
 
+// False where the delegate found no memory for it.
+template <class Call>
+bool LiveOutput::deliver(Call call) const {
+  const auto receiver = delegate();
+  return !receiver || hasMemoryFor([&] { call(*receiver); });
+}
+
 void LiveOutput::addAACData(Bytes data, std::int64_t timestamp) {
-  const bool delivers = hasAudio_.get() && !waitsForVideo();
-  (delivers ? audioFrames_ : droppedAudio_).add(1);
-  if (!delivers) return;
-  if (const auto receiver = delegate()) receiver->sourceOnAACData(data, timestamp);
+  const bool delivered = hasAudio_.get() && !waitsForVideo() && deliver([&](ZELLiveDataSourceProtocol& receiver) {
+                           receiver.sourceOnAACData(data, timestamp);
+                         });
+  (delivered ? audioFrames_ : droppedAudio_).add(1);
 }
 
 bool LiveOutput::waitsForVideo() const {
@@ -61,11 +70,12 @@ void LiveOutput::addVideoStream(Bytes sps, Bytes pps) {
 }
 
 void LiveOutput::addH264Nalu(std::span<std::uint8_t> unit, bool keyframe, std::int64_t timestamp) {
-  const bool delivers = unit.size() > kStartCode.size() && letsThrough(timestamp);
+  const bool isWanted = unit.size() > kStartCode.size() && letsThrough(timestamp);
   if (unit.size() >= kStartCode.size()) std::ranges::copy(kStartCode, unit.begin());
-  (delivers ? units_ : droppedUnits_).add(1);
-  if (!delivers) return;
-  if (const auto receiver = delegate()) receiver->sourceOnH264Nalu(unit, keyframe, timestamp);
+  const bool delivered = isWanted && deliver([&](ZELLiveDataSourceProtocol& receiver) {
+                           receiver.sourceOnH264Nalu(unit, keyframe, timestamp);
+                         });
+  (delivered ? units_ : droppedUnits_).add(1);
 }
 
 // Deliberate: the newest picture's time is the camera's, and the unit's counts from the origin.

@@ -52,6 +52,8 @@ class LiveOutput {
   void copyStatistics(LiveStatistics& into) const;
 
  private:
+  template <class Call>
+  bool deliver(Call call) const;
   void addAACData(Bytes data, std::int64_t timestamp);
   bool waitsForVideo() const;
   bool letsThrough(std::int64_t unitsTimestamp) const;

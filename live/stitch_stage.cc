@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/has_memory_for.h"
+
 namespace zel {
 namespace {
 
@@ -22,7 +24,9 @@ class CurrentContext {
 }  // namespace
 
 void StitchStage::append(LiveFrame frame) {
-  if (!pixel_render_queue_.append(std::move(frame))) dropped_.add(1);
+  bool keptAll = false;
+  if (frame) ifMemoryAllows([&] { keptAll = pixel_render_queue_.append(std::move(frame)); });
+  if (!keptAll) dropped_.add(1);
 }
 
 void StitchStage::run(const std::function<bool()>& isOver, const std::function<void(LiveFrame)>& handOn) {
@@ -35,16 +39,18 @@ void StitchStage::run(const std::function<bool()>& isOver, const std::function<v
 void StitchStage::step(const std::function<void(LiveFrame)>& handOn) {
   const LiveFrame frame = pixel_render_queue_.take();
   if (!frame) return pixel_render_queue_.waitForOne(clock_);
-  auto stitched = stitch(frame->pixelBuffer);
+  LiveFrame stitched;
+  ifMemoryAllows([&] { stitched = stitch(*frame); });
   (stitched ? stitched_ : notStitched_).add(1);
-  if (stitched) handOn(std::make_shared<orq::MediaPixelBuffer>(std::move(stitched), frame->timestamp));
+  if (stitched) handOn(std::move(stitched));
 }
 
-platform::PixelBufferRef StitchStage::stitch(const platform::PixelBufferRef& picture) {
+LiveFrame StitchStage::stitch(const orq::MediaPixelBuffer& picture) {
   const Render used = render();
   if (!used) return nullptr;
   used->setIsRenderVideo(true);
-  return used->renderVideo(picture);
+  auto image = used->renderVideo(picture.pixelBuffer);
+  return image ? std::make_shared<orq::MediaPixelBuffer>(std::move(image), picture.timestamp) : nullptr;
 }
 
 StitchStage::Render StitchStage::render() {

@@ -22,6 +22,7 @@ class StitchStage {
   StitchStage(platform::Clock& clock, platform::MediaLibrary* library, LiveSettings& settings)
       : clock_(clock), library_(library), settings_(settings), renderLock_(clock) {}
 
+  // Errors: none; a picture for which there is no memory counts as dropped, and so does null, which stands for one.
   void append(LiveFrame frame);
 
   // Keeps the setting, and tells the renderer if there is one.
@@ -43,7 +44,7 @@ class StitchStage {
   using Render = std::shared_ptr<platform::FlatOffscreenRender>;
 
   void step(const std::function<void(LiveFrame)>& handOn);
-  platform::PixelBufferRef stitch(const platform::PixelBufferRef& picture);
+  LiveFrame stitch(const orq::MediaPixelBuffer& picture);
   Render render() ZEL_EXCLUDES(renderMutex_);
   void dropRender() ZEL_EXCLUDES(renderMutex_);
   Render createRender() ZEL_EXCLUDES(renderMutex_);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/application_events.h>
+#include "base/has_memory_for.h"
 #include "live/zel_live_data_source_state.h"
 
 using zel::MutexLock;
@@ -47,9 +48,12 @@ void ZELLiveDataSource::startPreviewWithFrame(const ZELRect& frame, ViewBlock re
     const MutexLock lock(state_->statusLock);
     state_->isPreview.store(true);
   }
+  if (!zel::hasMemoryFor([&] { startShowing(frame, result); })) fail(1, "failed to get camera demux");
+}
+
+void ZELLiveDataSource::startShowing(const ZELRect& frame, const ViewBlock& result) {
   choosePlayer();
-  const auto show = [weak = weak_from_this(), frame, result = std::move(result)](
-                        bool success, const std::optional<std::string>& offset) {
+  const auto show = [weak = weak_from_this(), frame, result](bool success, const std::optional<std::string>& offset) {
     const auto self = weak.lock();
     if (!self || !success) return;
     self->state_->settings.offset.set(offset);
@@ -59,7 +63,8 @@ void ZELLiveDataSource::startPreviewWithFrame(const ZELRect& frame, ViewBlock re
   };
   setCameraPreviewOn(true, [weak = weak_from_this(), show](bool success) {
     const auto self = weak.lock();
-    if (self && success) self->getCameraMediaOffset(show);
+    if (!self || !success) return;
+    if (!zel::hasMemoryFor([&] { self->getCameraMediaOffset(show); })) self->fail(3, "failed to get camera offset");
   });
 }
 
@@ -78,8 +83,11 @@ void ZELLiveDataSource::startLiveData() {
   }
   state_->output.restart();
   state_->cancelled.store(false);
-  choosePlayer();
-  setCameraPreviewOn(true, whenStarted(state_->currentRun(), &ZELLiveDataSource::startAudio));
+  const bool begun = zel::hasMemoryFor([this] {
+    choosePlayer();
+    setCameraPreviewOn(true, whenStarted(state_->currentRun(), &ZELLiveDataSource::startAudio));
+  });
+  if (!begun) fail(1, "failed to get camera demux");
 }
 
 // A failed step has told the delegate; the chain ends there, as it does where the source or the run is over.
@@ -87,7 +95,8 @@ ZELLiveDataSource::ResultBlock ZELLiveDataSource::whenStarted(std::uint64_t run,
                                                               void (ZELLiveDataSource::*next)(std::uint64_t)) {
   return [weak = weak_from_this(), run, next](bool success) {
     const auto self = weak.lock();
-    if (self && success && !self->state_->isOver(run)) (self.get()->*next)(run);
+    if (!self || !success || self->state_->isOver(run)) return;
+    if (!zel::hasMemoryFor([&] { (self.get()->*next)(run); })) self->fail(1, "failed to get camera demux");
   };
 }
 
@@ -99,8 +108,12 @@ void ZELLiveDataSource::fetchOffset(std::uint64_t run) {
   getCameraMediaOffset([weak = weak_from_this(), run, next = whenStarted(run, &ZELLiveDataSource::postAttach)](
                            bool success, const std::optional<std::string>& offset) {
     const auto self = weak.lock();
-    if (self && success && !self->state_->isOver(run)) self->state_->settings.offset.set(offset);
-    next(success);
+    bool isKept = success;
+    if (self && success && !self->state_->isOver(run)) {
+      isKept = zel::hasMemoryFor([&] { self->state_->settings.offset.set(offset); });
+      if (!isKept) self->fail(3, "failed to get camera offset");
+    }
+    next(isKept);
   });
 }
 
@@ -110,7 +123,10 @@ void ZELLiveDataSource::postAttach(std::uint64_t run) {
 
 void ZELLiveDataSource::attach(std::uint64_t run) {
   if (!attachToPlayer(run) || !isStitch()) return;
-  state_->parts.ports.queues.globalQueue().post([self = shared_from_this(), run] { self->runRenderThread(run); });
+  const bool renders = zel::hasMemoryFor([&] {
+    state_->parts.ports.queues.globalQueue().post([self = shared_from_this(), run] { self->runRenderThread(run); });
+  });
+  if (!renders) return fail(7, "failed to open encoder");
   if (isEncode()) startEncoding(run);
 }
 
@@ -120,7 +136,7 @@ bool ZELLiveDataSource::attachToPlayer(std::uint64_t run) {
   if (state_->isOver(run)) return false;
   const auto attached = state_->currentPlayer();
   if (!attached) {
-    failWithErrorCode(1, "failed to get camera demux");
+    fail(1, "failed to get camera demux");
     return false;
   }
   attached->setPixelBufferDelegate(weak_from_this());

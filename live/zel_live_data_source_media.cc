@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/has_memory_for.h"
 #include "live/zel_live_data_source_state.h"
 
+using zel::ifMemoryAllows;
 using zel::LiveFrame;
 using zel::MutexLock;
 
@@ -22,8 +24,12 @@ std::size_t sizeOf(std::int32_t size) { return static_cast<std::size_t>(std::max
 void ZELLiveDataSource::onPixelBuffer(const zel::platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) {
   const auto time = state_->output.takePicture(timestamp, cancelled());
   if (!time) return;
-  if (const auto delegate = dataSourceDelegate()) delegate->sourceOnRawPixelBuffer(pixelBuffer, *time);
-  state_->stitching.append(std::make_shared<orq::MediaPixelBuffer>(pixelBuffer, *time));
+  ifMemoryAllows([&] {
+    if (const auto delegate = dataSourceDelegate()) delegate->sourceOnRawPixelBuffer(pixelBuffer, *time);
+  });
+  LiveFrame frame;
+  ifMemoryAllows([&] { frame = std::make_shared<orq::MediaPixelBuffer>(pixelBuffer, *time); });
+  state_->stitching.append(std::move(frame));
 }
 
 void ZELLiveDataSource::onAACHeader(Bytes header) { state_->output.onAACHeader(header); }
@@ -36,9 +42,11 @@ void ZELLiveDataSource::onH264Nalu(Bytes, bool, std::int64_t) {}
 void ZELLiveDataSource::runRenderThread(std::uint64_t run) {
   state_->stitching.run([this, run] { return state_->isOver(run); },
                         [this](LiveFrame stitched) {
-                          if (const auto delegate = dataSourceDelegate()) {
+                          ifMemoryAllows([&] {
+                            const auto delegate = dataSourceDelegate();
+                            if (!delegate) return;
                             delegate->sourceOnStitchPixelBuffer(stitched->pixelBuffer, stitched->timestamp);
-                          }
+                          });
                           state_->encoding.append(std::move(stitched));
                         });
 }
@@ -48,7 +56,7 @@ void ZELLiveDataSource::runRenderThread(std::uint64_t run) {
 void ZELLiveDataSource::runEncodeThread(std::uint64_t run) {
   state_->encoding.run([this, run] { return state_->isOver(run); },
                        [this] {
-                         failWithErrorCode(7, "encode image error");
+                         fail(7, "encode image error");
                          stopLiveData();
                        });
 }
@@ -58,11 +66,15 @@ void ZELLiveDataSource::runEncodeThread(std::uint64_t run) {
 // It keeps the source alive by its callbacks, until the stop destroys it. One that is ready only after the stop is
 // dropped, as no other stop would come.
 void ZELLiveDataSource::startEncoding(std::uint64_t run) {
+  if (!zel::hasMemoryFor([&] { openEncoder(run); })) fail(7, "failed to open encoder");
+}
+
+void ZELLiveDataSource::openEncoder(std::uint64_t run) {
   const auto narrow = [](std::uint64_t value) { return static_cast<std::int32_t>(value); };
   auto encoder = state_->encoding.open({narrow(width()), narrow(height()), narrow(bitrate()), narrow(fps())});
   if (!encoder) {
     state_->encoding.install(nullptr);
-    return failWithErrorCode(7, "failed to open encoder");
+    return fail(7, "failed to open encoder");
   }
   const auto self = shared_from_this();
   encoder->setSpsPpsCallback(

@@ -20,16 +20,17 @@ class DecodeQueue {
 
   static constexpr std::size_t kFull = 16;
   // Only where nothing is decoded for many seconds do the units behind a waiting key unit come to this much; then the
-  // key unit goes too.
+  // key unit goes too. A camera may send millions of a few bytes, of which each takes many times as much.
   static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
+  static constexpr std::size_t kMostUnits = 100'000;
 
   // Returns how many were dropped.
   std::size_t append(Unit unit) {
     const std::size_t before = units_.size() + 1;
-    bytes_ += sizeOf(unit);
     units_.push_back(std::move(unit));
+    bytes_ += sizeOf(units_.back());
     if (units_.size() >= kFull && !isIdr(bytesOf(units_.front()))) dropOldest();
-    while (bytes_ > kMostBytes && units_.size() > 1) dropOldest();
+    while ((bytes_ > kMostBytes || units_.size() > kMostUnits) && units_.size() > 1) dropOldest();
     return before - units_.size();
   }
 

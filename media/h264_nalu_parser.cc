@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "media/start_code.h"
@@ -11,9 +12,18 @@ namespace {
 
 constexpr std::int32_t kStartCode = static_cast<std::int32_t>(zel::kStartCodeSize);
 
+// A buffer takes nothing where there is no memory; a unit without some of its bytes would be worse than none.
+void append(MediaBuffer& to, const std::uint8_t* data, std::int32_t count) {
+  if (count < 1) return;
+  const std::int32_t before = to.size();
+  to.AppendData(data, count);
+  if (to.size() == before) throw std::bad_alloc();
+}
+
 std::shared_ptr<MediaBuffer> piece(const std::uint8_t* data, std::int64_t begin, std::int64_t end) {
-  if (end <= begin) return std::make_shared<MediaBuffer>();
-  return std::make_shared<MediaBuffer>(data + begin, static_cast<int>(end - begin), 0);
+  auto made = std::make_shared<MediaBuffer>();
+  if (end > begin) append(*made, data + begin, static_cast<std::int32_t>(end - begin));
+  return made;
 }
 
 // The unit that begins with the start code at `at`, which moves to where the next one begins, or to the end. It is
@@ -25,7 +35,7 @@ std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_
   const auto whole = static_cast<std::int32_t>(end - first);
   std::int32_t room = std::min(whole, kRoom), size = kStartCode;
   zel::HeapBytes unit;
-  if (!unit.resize(room)) return std::make_shared<MediaBuffer>();
+  if (!unit.resize(room)) throw std::bad_alloc();
   std::memcpy(unit.data(), first, kStartCode);
   while (true) {
     const std::uint8_t* const stop = first + std::max(std::min(room, whole - kStartCode), size);
@@ -37,7 +47,7 @@ std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_
       return std::make_shared<MediaBuffer>(std::move(unit));
     }
     room = room > whole / 2 ? whole : 2 * room;
-    if (!unit.resize(room)) return std::make_shared<MediaBuffer>();
+    if (!unit.resize(room)) throw std::bad_alloc();
   }
   at = first + size;
   unit.resize(size);
@@ -45,71 +55,97 @@ std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_
 }
 
 // Cuts bytes that begin with a start code; the last unit is apart.
-std::shared_ptr<MediaBuffer> cutAll(const std::uint8_t* at, const std::uint8_t* end, H264NaluParser::Units& units) {
+std::shared_ptr<MediaBuffer> cutAll(const std::uint8_t* at, const std::uint8_t* end,
+                                    const H264NaluParser::TakeUnit& take) {
   while (true) {
     auto unit = takeUnit(at, end);
     if (at == end) return unit;
-    units.push_back(std::move(unit));
+    take(std::move(unit));
   }
+}
+
+// Keeps the units in a list.
+template <class Cut>
+H264NaluParser::Units listOf(Cut cut) {
+  H264NaluParser::Units units;
+  cut([&units](H264NaluParser::Unit unit) { units.push_back(std::move(unit)); });
+  return units;
 }
 
 }  // namespace
 
 H264NaluParser::Units H264NaluParser::AppendData(const void* data, int size) {
-  if (data == nullptr || size < 1) return {};
+  return listOf([&](const TakeUnit& take) { AppendData(data, size, take); });
+}
+
+void H264NaluParser::AppendData(const void* data, int size, const TakeUnit& take) {
+  if (data == nullptr || size < 1) return;
   const auto* const bytes = static_cast<const std::uint8_t*>(data);
-  return size >= kStartCode && zel::isStartCode(bytes) ? cutChunk(bytes, size) : continuePending(bytes, size);
+  const bool begins = size >= kStartCode && zel::isStartCode(bytes);
+  begins ? cutChunk(bytes, size, take) : continuePending(bytes, size, take);
+}
+
+// Nothing is held back until the caller has found it anew.
+H264NaluParser::Unit H264NaluParser::takePending() {
+  Unit taken = std::exchange(pending_, nullptr);
+  return taken ? std::move(taken) : std::make_shared<MediaBuffer>();
+}
+
+void H264NaluParser::hold(const std::uint8_t* data, std::int32_t size) {
+  Unit longer = takePending();
+  append(*longer, data, size);
+  pending_ = std::move(longer);
 }
 
 // The very first chunk thus gives an empty unit first, which consumers skip by its size.
-H264NaluParser::Units H264NaluParser::cutChunk(const std::uint8_t* data, std::int32_t size) {
-  Units units{std::move(pending_)};
-  pending_ = cutAll(data, data + size, units);
-  return units;
+void H264NaluParser::cutChunk(const std::uint8_t* data, std::int32_t size, const TakeUnit& take) {
+  take(takePending());
+  pending_ = cutAll(data, data + size, take);
 }
 
-H264NaluParser::Units H264NaluParser::continuePending(const std::uint8_t* data, std::int32_t size) {
-  if (pending_->size() > kLargestPending - std::min(size, kLargestPending)) pending_ = std::make_shared<MediaBuffer>();
-  const std::int32_t held = pending_->size();
+void H264NaluParser::continuePending(const std::uint8_t* data, std::int32_t size, const TakeUnit& take) {
+  if (pendingSize() > largestPending_ - std::min(size, largestPending_)) pending_ = nullptr;
+  if (!pending_) pending_ = std::make_shared<MediaBuffer>();
+  const std::int32_t held = pendingSize();
   // A start code may straddle the seam: its first three bytes may be held already.
   const std::int32_t lookBack = std::min(held, kStartCode - 1) + size;
-  if (held == 0 || pending_->data()[held - 1] != 0) return cutBehindSeam(data, size, lookBack);
-  pending_->AppendData(data, size);
-  return ProcessBuffer(lookBack);
+  if (held == 0 || pending_->data()[held - 1] != 0) return cutBehindSeam(data, size, lookBack, take);
+  hold(data, size);
+  processBuffer(lookBack, take);
 }
 
-// What ProcessBuffer() would do, where no start code straddles the seam, without a copy of what it cuts off.
-H264NaluParser::Units H264NaluParser::cutBehindSeam(const std::uint8_t* data, std::int32_t size,
-                                                    std::int32_t lookBack) {
-  const std::int32_t held = pending_->size();
+// What processBuffer() would do, where no start code straddles the seam, without a copy of what it cuts off.
+void H264NaluParser::cutBehindSeam(const std::uint8_t* data, std::int32_t size, std::int32_t lookBack,
+                                   const TakeUnit& take) {
+  const std::int32_t held = pendingSize();
   const std::int32_t from = std::max(kStartCode - held, 0);
   const std::uint8_t* const end = data + std::max(size - kStartCode, 0);
   const std::uint8_t* const found = from < size ? zel::findStartCode(data + from, end) : end;
-  if (found >= end) {
-    pending_->AppendData(data, size);
-    return {};
-  }
+  if (found >= end) return hold(data, size);
   // Deliberate, as there: the first piece begins at offset lookBack of what is held and the chunk.
-  auto first = piece(pending_->data(), lookBack, held);
+  auto first = piece(takePending()->data(), lookBack, held);
   const std::int32_t skipped = std::max(lookBack - held, 0);
-  first->AppendData(data + skipped, static_cast<int>(found - data) - skipped);
-  Units units{std::move(first)};
-  pending_ = cutAll(found, data + size, units);
-  return units;
+  append(*first, data + skipped, static_cast<std::int32_t>(found - data) - skipped);
+  take(std::move(first));
+  pending_ = cutAll(found, data + size, take);
 }
 
 H264NaluParser::Units H264NaluParser::ProcessBuffer(int lookBack) {
-  const std::int64_t size = pending_->size();
+  return listOf([&](const TakeUnit& take) { processBuffer(lookBack, take); });
+}
+
+void H264NaluParser::processBuffer(int lookBack, const TakeUnit& take) {
+  const std::int64_t size = pendingSize();
   const std::int64_t start = std::max<std::int64_t>(size - lookBack, kStartCode);
-  if (start >= size - kStartCode) return {};
+  if (start >= size - kStartCode) return;
   const std::uint8_t* const data = pending_->data();
   const std::uint8_t* const end = data + size - kStartCode;
   const std::uint8_t* const found = zel::findStartCode(data + start, end);
-  if (found == end) return {};
+  if (found == end) return;
+  const Unit whole = takePending();
   // Deliberate: the first piece begins at the look-back count, as an offset, and not at 0.
-  Units units{piece(data, lookBack, found - data)};
-  pending_ = cutAll(found, data + size, units);
-  return units;
+  take(piece(data, lookBack, found - data));
+  pending_ = cutAll(found, data + size, take);
 }
 
 }  // namespace orq

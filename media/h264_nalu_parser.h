@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "media/media_buffer.h"
@@ -17,27 +19,40 @@ namespace orq {
 // Thread: one.
 class H264NaluParser {
  public:
-  using Units = std::vector<std::shared_ptr<MediaBuffer>>;
+  using Unit = std::shared_ptr<MediaBuffer>;
+  using Units = std::vector<Unit>;
+  using TakeUnit = std::function<void(Unit)>;
 
   // More than this without a start code is no H.264, and is dropped.
   static constexpr std::int32_t kLargestPending = 64 << 20;
 
+  // Drops what is held back from fewer bytes on.
+  void setLargestPending(std::int32_t bytes) { largestPending_ = bytes; }
+
   // Takes one received chunk and gives the units that are complete. Null or a count below 1 is ignored.
   Units AppendData(const void* data, int size);
+
+  // The same, one unit at a time: a chunk may hold millions, of which each takes many times its own bytes.
+  // Errors: where memory ends, or `take` throws, the rest of the chunk is lost and nothing is held back.
+  void AppendData(const void* data, int size, const TakeUnit& take);
 
   // Cuts what is held back, looking for start codes from `lookBack` bytes before its end on; the first unit begins at
   // offset `lookBack`.
   Units ProcessBuffer(int lookBack);
 
   // Bytes held back.
-  std::int32_t pendingSize() const { return pending_->size(); }
+  std::int32_t pendingSize() const { return pending_ ? pending_->size() : 0; }
 
  private:
-  Units cutChunk(const std::uint8_t* data, std::int32_t size);
-  Units continuePending(const std::uint8_t* data, std::int32_t size);
-  Units cutBehindSeam(const std::uint8_t* data, std::int32_t size, std::int32_t lookBack);
+  void cutChunk(const std::uint8_t* data, std::int32_t size, const TakeUnit& take);
+  void continuePending(const std::uint8_t* data, std::int32_t size, const TakeUnit& take);
+  void cutBehindSeam(const std::uint8_t* data, std::int32_t size, std::int32_t lookBack, const TakeUnit& take);
+  void processBuffer(int lookBack, const TakeUnit& take);
+  void hold(const std::uint8_t* data, std::int32_t size);
+  Unit takePending();
 
-  std::shared_ptr<MediaBuffer> pending_ = std::make_shared<MediaBuffer>();
+  std::int32_t largestPending_ = kLargestPending;
+  Unit pending_;  // null where nothing is held back
 };
 
 }  // namespace orq

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/has_memory_for.h"
+
 namespace zel {
 namespace {
 
@@ -19,9 +21,14 @@ void PreviewDecoding::offerSps(ByteView unit) {
 void PreviewDecoding::offerPps(ByteView unit) {
   ParameterSets used;
   Receiver receiver;
+  std::shared_ptr<ZELDecodeRunLoop> failed;  // let go after the lock
   {
     const MutexLock lock(mutex_);
     sets_.offerPps(unit);
+    if (decodeRunLoop_ && decodeRunLoop_->hasFailed()) {
+      before_ = sum(before_, decodeRunLoop_->statistics());
+      failed.swap(decodeRunLoop_);
+    }
     if (decodeRunLoop_ || decoders_ == nullptr || !sets_.areComplete()) return;
     used = sets_;
     receiver = receiver_;
@@ -29,12 +36,18 @@ void PreviewDecoding::offerPps(ByteView unit) {
   start(used, receiver);
 }
 
-// The decoder is made without the lock, since that takes time. A reset meanwhile makes it useless.
+// The decoder is made without the lock, since that takes time. A reset meanwhile makes it useless. Without memory there
+// is none, and the next pair is tried.
 void PreviewDecoding::start(const ParameterSets& used, const Receiver& receiver) {
-  auto made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), receiver);
+  std::shared_ptr<ZELDecodeRunLoop> made;
+  bool runs = false;
+  bool hadMemory = hasMemoryFor(
+      [&] { made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), receiver); });
   const MutexLock lock(mutex_);
   if (decodeRunLoop_ || !sets_.areThoseOf(used)) return;
-  if (!made || !made->start()) {
+  if (made) hadMemory = hasMemoryFor([&] { runs = made->start(); });
+  if (!hadMemory) ++before_.withoutPicture;  // the sets' own unit, so that there is something to see of it
+  if (!runs) {
     sets_ = {};
     return;
   }

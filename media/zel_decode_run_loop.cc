@@ -1,9 +1,12 @@
 #include "media/zel_decode_run_loop.h"
 
+#include <new>
 #include <utility>
 
 #include <ZELTarkaSDK/platform/call_gate.h>
+#include "base/has_memory_for.h"
 
+using zel::hasMemoryFor;
 using zel::MutexLock;
 
 ZELDecodeRunLoop::ZELDecodeRunLoop(zel::platform::Threads& threads, std::unique_ptr<ZELH264Decoder> h264Decoder,
@@ -27,7 +30,7 @@ bool ZELDecodeRunLoop::start() {
   const MutexLock lock(threadMutex_);
   if (thread_) return true;
   const auto kept = shared_from_this();
-  thread_ = threads_.start("preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->publish(runLoop); },
+  thread_ = threads_.start("preview decode", {[kept](zel::platform::RunLoop& runLoop) { kept->begin(runLoop); },
                                               [kept] { kept->withdraw(); }});
   return thread_ != nullptr;
 }
@@ -45,6 +48,14 @@ void ZELDecodeRunLoop::abandon() {
 
 void ZELDecodeRunLoop::stopRunLoop() {
   if (runLoop_ != nullptr) runLoop_->stop();
+}
+
+// Without memory for its source the thread ends at once.
+void ZELDecodeRunLoop::begin(zel::platform::RunLoop& runLoop) {
+  if (hasMemoryFor([&] { publish(runLoop); })) return;
+  failed_.store(true);
+  withoutPicture_.fetch_add(1);
+  runLoop.stop();
 }
 
 void ZELDecodeRunLoop::publish(zel::platform::RunLoop& runLoop) {
@@ -92,11 +103,15 @@ void ZELDecodeRunLoop::deliver(const zel::platform::DecodedPicture& picture) {
   (picture.pixelBuffer ? pictures_ : withoutPicture_).fetch_add(1);
   if (!picture.pixelBuffer) return;
   const MutexLock lock(pixelBufferMutex_);
-  {
-    const zel::CallbackScope scope;
-    if (const auto delegate = delegate_.lock()) delegate->onPixelBuffer(picture.pixelBuffer, picture.timestamp);
+  try {
+    {
+      const zel::CallbackScope scope;
+      if (const auto delegate = delegate_.lock()) delegate->onPixelBuffer(picture.pixelBuffer, picture.timestamp);
+    }
+    pixelBuffers_.append(std::make_shared<orq::MediaPixelBuffer>(picture.pixelBuffer, picture.timestamp));
+  } catch (const std::bad_alloc&) {
+    // The receiver has missed it, or nobody will poll it.
   }
-  pixelBuffers_.append(std::make_shared<orq::MediaPixelBuffer>(picture.pixelBuffer, picture.timestamp));
 }
 
 // The loop is awake, being in this call, and comes back by itself.
@@ -119,10 +134,6 @@ zel::PreviewStatistics ZELDecodeRunLoop::statistics() const {
 }
 
 void ZELDecodeRunLoop::clearData() {
-  {
-    const MutexLock lock(h264DataMutex_);
-    h264Datas_ = {};
-  }
-  const MutexLock lock(pixelBufferMutex_);
-  pixelBuffers_ = {};
+  while (takeUnit()) continue;  // one by one: a queue to replace the old one would take memory
+  while (getNextMediaPixelBuffer()) continue;
 }

@@ -50,6 +50,9 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   // delegate's call.
   Picture getNextMediaPixelBuffer() ZEL_EXCLUDES(pixelBufferMutex_);
 
+  // Whether its thread found no memory to begin; nothing is ever decoded then. Thread: any thread.
+  bool hasFailed() const { return failed_.load(); }
+
   // What has become of the units. Thread: any thread.
   zel::PreviewStatistics statistics() const;
 
@@ -62,9 +65,10 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
 
   void abandon() ZEL_EXCLUDES(loopMutex_);
   void stopRunLoop() ZEL_REQUIRES(loopMutex_);
-  void publish(zel::platform::RunLoop& runLoop) ZEL_EXCLUDES(loopMutex_);  // decode thread, before its loop runs
-  void withdraw() ZEL_EXCLUDES(loopMutex_);                                // decode thread, after it
-  void decodeData();                                                       // decode thread: one unit a call
+  void begin(zel::platform::RunLoop& runLoop) ZEL_EXCLUDES(loopMutex_);  // decode thread, before its loop runs
+  void publish(zel::platform::RunLoop& runLoop) ZEL_EXCLUDES(loopMutex_);
+  void withdraw() ZEL_EXCLUDES(loopMutex_);  // decode thread, after it
+  void decodeData();                         // decode thread: one unit a call
   Unit takeUnit() ZEL_EXCLUDES(h264DataMutex_);
   void signalIfMoreWaits() ZEL_EXCLUDES(h264DataMutex_, loopMutex_);
   void deliver(const zel::platform::DecodedPicture& picture) ZEL_EXCLUDES(pixelBufferMutex_);
@@ -73,6 +77,7 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   const std::unique_ptr<ZELH264Decoder> h264Decoder_;  // decode thread only
   const std::weak_ptr<ZELPixelBufferDataProtocol> delegate_;
 
+  std::atomic<bool> failed_ = false;
   std::atomic<std::uint64_t> units_ = 0;
   std::atomic<std::uint64_t> dropped_ = 0;
   std::atomic<std::uint64_t> withoutPicture_ = 0;

@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/has_memory_for.h"
 #include "media/nal_unit.h"
 
 using zel::platform::DecodedPicture;
@@ -34,10 +35,16 @@ ZELH264Decoder::ZELH264Decoder(zel::platform::VideoDecoders& decoders, zel::Byte
 std::unique_ptr<ZELH264Decoder> ZELH264Decoder::initWidthSps(zel::platform::VideoDecoders& decoders, zel::ByteView sps,
                                                              zel::ByteView pps) {
   std::unique_ptr<ZELH264Decoder> decoder(new ZELH264Decoder(decoders, sps, pps));
-  return decoder->createDecompressionSessionWithSps(decoder->sps_, decoder->pps_) ? std::move(decoder) : nullptr;
+  return decoder->createSession(decoder->sps_, decoder->pps_) ? std::move(decoder) : nullptr;
 }
 
 bool ZELH264Decoder::createDecompressionSessionWithSps(zel::ByteView sps, zel::ByteView pps) {
+  bool isMade = false;
+  zel::ifMemoryAllows([&] { isMade = createSession(sps, pps); });
+  return isMade;
+}
+
+bool ZELH264Decoder::createSession(zel::ByteView sps, zel::ByteView pps) {
   DecoderCreation creation = decoders_.create(sps, pps);
   session_ = std::move(creation.decoder);
   if (!session_) printFailure(creation);
@@ -62,7 +69,7 @@ DecodedPicture ZELH264Decoder::decodeFrame(zel::ByteView unit, std::int64_t time
   }
   if (isWaitIFrame_ && !zel::isIdr(unit)) return {};
   isWaitIFrame_ = false;
-  auto [status, picture] = session_->decode(unit, timestamp);
+  auto [status, picture] = decodeInSession(unit, timestamp);
   if (status == DecodeStatus::kept) return {};  // neither a failure nor a success
   if (status == DecodeStatus::sessionInvalid) {
     recreateSession();
@@ -76,6 +83,13 @@ DecodedPicture ZELH264Decoder::decodeFrame(zel::ByteView unit, std::int64_t time
   return {};
 }
 
+// A unit that finds no memory gives no picture, as a broken one does.
+zel::platform::DecodeResult ZELH264Decoder::decodeInSession(zel::ByteView unit, std::int64_t timestamp) {
+  zel::platform::DecodeResult result;
+  zel::ifMemoryAllows([&] { result = session_->decode(unit, timestamp); });
+  return result;
+}
+
 // Deliberate: only a picture ends the count, so that behind the 31st every further failure recreates the session.
 void ZELH264Decoder::countFailure() {
   const bool isOneTooMany = decodeContinuousError_ >= kFailuresBeforeRecreation;
@@ -85,4 +99,8 @@ void ZELH264Decoder::countFailure() {
   isWaitIFrame_ = true;
 }
 
-DecodedPicture ZELH264Decoder::flush() { return session_ ? session_->flush() : DecodedPicture(); }
+DecodedPicture ZELH264Decoder::flush() {
+  DecodedPicture picture;
+  if (session_) zel::ifMemoryAllows([&] { picture = session_->flush(); });
+  return picture;
+}

@@ -14,7 +14,8 @@ class ZELH264Decoder {
  public:
   // initWidthSps:spsSize:pps:ppsSize: ("Width" is the interface's spelling) - copies both parameter sets, which come
   // without start code.
-  // Errors: null where no session can be made of them; a line on standard error says why.
+  // Errors: null where no session can be made of them; a line on standard error says why. std::bad_alloc where memory
+  //         ends.
   static std::unique_ptr<ZELH264Decoder> initWidthSps(zel::platform::VideoDecoders& decoders, zel::ByteView sps,
                                                       zel::ByteView pps);
   ZELH264Decoder(const ZELH264Decoder&) = delete;
@@ -44,7 +45,9 @@ class ZELH264Decoder {
 
  private:
   ZELH264Decoder(zel::platform::VideoDecoders& decoders, zel::ByteView sps, zel::ByteView pps);
+  bool createSession(zel::ByteView sps, zel::ByteView pps);
   void recreateSession();
+  zel::platform::DecodeResult decodeInSession(zel::ByteView unit, std::int64_t timestamp);
   void countFailure();
 
   zel::platform::VideoDecoders& decoders_;

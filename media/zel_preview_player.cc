@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/ports.h>
+#include "base/has_memory_for.h"
 #include "base/mutex.h"
 #include "media/adts.h"
 #include "media/h264_nalu_parser.h"
@@ -43,6 +44,8 @@ struct ZELPreviewPlayer::State {
   std::shared_ptr<ZELPixelBufferDataProtocol> pictureDelegate() const;
   struct Stream;
   void beginStream();
+  void makeSpareStream();
+  void endStream(const std::shared_ptr<Stream>& next);
   void show(const Stream* from, const PixelBufferRef& pixelBuffer, std::int64_t timestamp);
 
   const std::function<std::int64_t()> firewareVersion;
@@ -60,7 +63,8 @@ struct ZELPreviewPlayer::State {
 
   mutable zel::Mutex dataCallBackMutex;
   PixelBufferBlock currentPixelBufferBlock ZEL_GUARDED_BY(dataCallBackMutex);
-  const Stream* stream ZEL_GUARDED_BY(dataCallBackMutex) = nullptr;  // whose pictures count
+  const Stream* stream ZEL_GUARDED_BY(dataCallBackMutex) = nullptr;       // whose pictures count
+  std::shared_ptr<Stream> spareStream ZEL_GUARDED_BY(dataCallBackMutex);  // for a reset without memory
 };
 
 // Receives the pictures of one stream, which end with the player's next reset.
@@ -72,27 +76,34 @@ struct ZELPreviewPlayer::State::Stream final : ZELPixelBufferDataProtocol {
   const std::weak_ptr<ZELPreviewPlayer> player;
 };
 
+void ZELPreviewPlayer::State::makeSpareStream() {
+  const MutexLock lock(dataCallBackMutex);
+  spareStream = std::make_shared<Stream>(player);
+}
+
 std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::create(const zel::platform::Ports& ports,
                                                            std::function<std::int64_t()> firewareVersion) {
   std::shared_ptr<ZELPreviewPlayer> player(
       new ZELPreviewPlayer(std::make_unique<State>(ports, std::move(firewareVersion))));
   player->state_->player = player;
+  player->state_->makeSpareStream();
   player->state_->beginStream();
   return player;
 }
 
 ZELPreviewPlayer::ZELPreviewPlayer(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
-ZELPreviewPlayer::~ZELPreviewPlayer() { ZELPreviewPlayer::resetPlayer(); }
+ZELPreviewPlayer::~ZELPreviewPlayer() { state_->endStream(nullptr); }
 
 // Video
 
 void ZELPreviewPlayer::appendVideoBytes(ByteView bytes) {
   if (bytes.size() > kMostBytes) return;
-  for (const Unit& unit : state_->h264NaluParser.AppendData(bytes.data(), static_cast<int>(bytes.size()))) {
-    state_->decoderVideo(unit);
-  }
+  state_->h264NaluParser.AppendData(bytes.data(), static_cast<int>(bytes.size()),
+                                    [this](const Unit& unit) { state_->decoderVideo(unit); });
 }
+
+void ZELPreviewPlayer::setLargestUnit(std::int32_t bytes) { state_->h264NaluParser.setLargestPending(bytes); }
 
 void ZELPreviewPlayer::State::decoderVideo(const Unit& unit) {
   if (unit->size() < kShortestPreviewUnit) return;
@@ -199,16 +210,25 @@ zel::PreviewStatistics ZELPreviewPlayer::statistics() const { return state_->dec
 
 void ZELPreviewPlayer::resetPlayer() { state_->beginStream(); }
 
-// The old stream's pictures cease to count before the new one can begin.
+// A reset succeeds without memory once; after another one no picture is shown until the next.
 void ZELPreviewPlayer::State::beginStream() {
-  auto next = std::make_shared<Stream>(player);
+  std::shared_ptr<Stream> next;
+  if (!zel::hasMemoryFor([&] { next = std::make_shared<Stream>(player); })) {
+    const MutexLock lock(dataCallBackMutex);
+    next.swap(spareStream);
+  }
+  endStream(next);
+}
+
+// The old stream's pictures cease to count before the new one can begin.
+void ZELPreviewPlayer::State::endStream(const std::shared_ptr<Stream>& next) {
   {
     const MutexLock lock(dataCallBackMutex);
     stream = next.get();
     imageWidth.store(0, std::memory_order_relaxed);
     imageHeight.store(0, std::memory_order_relaxed);
   }
-  decoding.reset(std::move(next));
+  decoding.reset(next);
 }
 
 // Properties

@@ -6,6 +6,7 @@
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
+#include <atomic>
 #include <utility>
 
 #include <ZELTarkaSDK/platform/call_gate.h>
@@ -39,6 +40,7 @@ struct CameraStack::Graph {
   std::shared_ptr<ZELUCDFile> ucdFile;
   ZELCameraUCD ucd;
   ZELCameraManager manager;
+  std::atomic<std::int32_t> largestUnit = ReceiveLimits().unit;
 };
 
 CameraStack::CameraStack(const platform::Ports& ports, std::string serialNumber)
@@ -71,10 +73,16 @@ std::shared_ptr<ZELPreviewPlayer> CameraStack::suitablePreviewPlayerOf(const std
     return graph ? graph->accessory.firewareVersion() : 0;
   };
   auto player = ZELPreviewPlayer::create(of->ports, firewareVersion);
+  player->setLargestUnit(of->largestUnit.load());
   CameraDataParser& parser = of->parser;
   parser.setPreviewPlayer(player);
   parser.setVideoStreamRes(parser.videoStreamRes());
   return player;
+}
+
+void CameraStack::setReceiveLimits(const ReceiveLimits& limits) {
+  graph_->parser.setLongestFrame(limits.frame);
+  graph_->largestUnit.store(limits.unit);
 }
 
 LiveParts CameraStack::liveParts() {
@@ -92,6 +100,7 @@ LinkStatistics CameraStack::statistics() const {
   statistics.streamErrors = session.streamErrors();
   statistics.resendsLeft = session.syncTimeCount();
   statistics.roundTrip = graph_->accessory.syncRoundTrip();
+  statistics.lostForMemory = graph_->ucd.lostForMemory() + graph_->ucdFile->lostForMemory();
   return statistics;
 }
 

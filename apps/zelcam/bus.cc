@@ -24,6 +24,7 @@ Bus::Bus(const Settings& settings, int decoderThreads) {
   if (settings.verbose) {
     say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
   }
+  accessories_.emplace(platform_->ports().accessories, readingBound_);
   media_ = std::make_unique<LinuxMedia>(
       platform_->ports(),
       LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }, decoderThreads});
@@ -32,9 +33,10 @@ Bus::Bus(const Settings& settings, int decoderThreads) {
 }
 
 platform::Ports Bus::ports() {
-  platform::Ports ports = media_->ports();
-  ports.videoDecoders = decodes_ ? videoDecoders_.get() : nullptr;
-  return ports;
+  const platform::Ports& all = media_->ports();
+  return {all.clock,        all.threads,       all.queues,
+          *accessories_,    all.notifications, decodes_ ? videoDecoders_.get() : nullptr,
+          all.mediaLibrary, all.videoEncoders, all.documents};
 }
 
 void Bus::noteInUse(const CameraInUse& camera) {

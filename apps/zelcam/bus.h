@@ -9,6 +9,7 @@
 
 #include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/arrival_clock.h"
+#include "apps/zelcam/bounded_accessories.h"
 #include "apps/zelcam/settings.h"
 #include "base/mutex.h"
 
@@ -34,6 +35,8 @@ class Bus {
   // The times of the pictures that the ports decode, once somebody tells it of the slices.
   MediaClock& mediaClock() { return mediaClock_; }
   const ArrivalClock& arrivals() const { return arrivals_; }
+  // Stops reading from cameras while it is reached.
+  ReadingBound& readingBound() { return readingBound_; }
 
   // Who has the camera, in words, where one could not be opened for that reason since the last call. The main queue is
   // stopped when that happens.
@@ -44,6 +47,7 @@ class Bus {
 
   MediaClock mediaClock_;
   ArrivalClock arrivals_;
+  ReadingBound readingBound_;
   bool decodes_ = true;
   Mutex mutex_;
   std::optional<std::string> inUse_ ZEL_GUARDED_BY(mutex_);
@@ -51,6 +55,7 @@ class Bus {
   std::unique_ptr<LinuxMedia> media_;
   std::unique_ptr<NotingDecoders> videoDecoders_;
   std::unique_ptr<LinuxPlatform> platform_;
+  std::optional<BoundedAccessories> accessories_;
 };
 
 }  // namespace zel::app

@@ -11,6 +11,7 @@
 #include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/link_keeper.h"
 #include "apps/zelcam/output.h"
+#include "base/has_memory_for.h"
 
 namespace zel::app {
 namespace {
@@ -22,6 +23,11 @@ constexpr std::uint64_t kSessionOpen = 1;
 constexpr std::uint64_t kFramesArrive = 2;
 constexpr std::uint64_t kFramesStopped = 3;
 
+// Far more than a camera's preview and its answers need. A frame of 256 MiB would take five times as much until it is
+// shown.
+constexpr std::uint32_t kLargestFrame = 8u << 20;
+constexpr std::int32_t kLargestUnit = 8 << 20;
+
 }  // namespace
 
 CameraLink::CameraLink(Bus& bus, const Settings& settings)
@@ -29,10 +35,12 @@ CameraLink::CameraLink(Bus& bus, const Settings& settings)
       platform_(bus.platform()),
       settings_(settings),
       stack_(bus.ports(), settings.camera),
-      watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); })) {}
+      watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); })) {
+  stack_.setReceiveLimits({kLargestFrame, kLargestUnit});
+}
 
 void CameraLink::statusChanged(std::uint64_t status) {
-  noteStatus(status);
+  ifMemoryAllows([status] { noteStatus(status); });
   if (status == kFramesArrive) framesArrived_.store(true);
   if (status == kNoConnection && framesArrived_.load()) lost_.store(true);
   if (status == kSessionOpen && framesArrived_.load()) reopened_.store(true);

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -15,7 +16,9 @@
 #include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
+#include "apps/zelcam/event_queue.h"
 #include "apps/zelcam/output.h"
+#include "base/has_memory_for.h"
 
 namespace zel::app {
 namespace {
@@ -80,12 +83,35 @@ class EventPrinter final : public ZELCameraNotificationProtocol {
       : platform_(link.platform()), settings_(settings), left_(count) {}
 
   void notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value) override {
-    platform_.ports().queues.mainQueue().post([this, type, value] { print(type, value); });
+    if (queue_.put(type, value)) postPrinting();
   }
 
   bool isDone() const { return left_ && *left_ == 0; }
 
+  // Events that came while too many waited.
+  std::uint64_t dropped() const { return queue_.dropped(); }
+
  private:
+  static constexpr int kAtOnce = 100;  // before the main queue gets to something else
+
+  // One task is on its way at a time, however many events wait.
+  void postPrinting() {
+    if (isPosted_.exchange(true)) return;
+    if (!hasMemoryFor([this] { platform_.ports().queues.mainQueue().post([this] { printSome(); }); })) {
+      isPosted_.store(false);  // the next event tries again
+    }
+  }
+
+  void printSome() {
+    isPosted_.store(false);
+    for (int printed = 0; printed < kAtOnce; ++printed) {
+      const auto event = queue_.take();
+      if (!event) return;
+      print(event->type, event->value);
+    }
+    if (!queue_.empty()) postPrinting();
+  }
+
   void print(std::int64_t type, const std::optional<ZELMessageFields>& value) {
     if (isDone()) return;
     if (left_) --*left_;
@@ -103,6 +129,8 @@ class EventPrinter final : public ZELCameraNotificationProtocol {
   LinuxPlatform& platform_;
   const Settings& settings_;
   std::optional<std::int64_t> left_;
+  EventQueue queue_;
+  std::atomic<bool> isPosted_ = false;
 };
 
 }  // namespace
@@ -122,6 +150,10 @@ int runEvents(const Invocation& invocation) {
     status = end == Waited::interrupted ? kDone : tellEnd("events", end, std::nullopt, settings);
   }
   link.stack().ucd().removeCameraNotificationReceiver(printer.get());
+  if (printer->dropped() != 0) {
+    say(fmt::format("zelcam: events: {} were dropped, since they came faster than they could be shown",
+                    printer->dropped()));
+  }
   return status;
 }
 

@@ -58,7 +58,10 @@ std::optional<ZELData> readFile(const std::string& path, std::string& error, std
   }
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::vector<std::uint8_t> bytes;
+  // At once, where that is known: growing would take as much again.
+  if (!fault) bytes.reserve(size);
+  bytes.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
   if (file.is_open() && !file.bad()) return ZELData(std::move(bytes));
   error = faultOf("read", path);
   return std::nullopt;

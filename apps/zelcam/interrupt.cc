@@ -17,6 +17,7 @@
 #include <ZELTarkaSDK/platform/notification_center.h>
 #include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/settings.h"
+#include "base/has_memory_for.h"
 
 namespace zel::app {
 namespace {
@@ -46,8 +47,10 @@ sigset_t heardSignals() {
 
 void post(LinuxPlatform& platform, std::string_view name) {
   platform::NotificationCenter& notifications = platform.ports().notifications;
-  platform.ports().queues.mainQueue().post([&notifications, name] {
-    notifications.post({std::string(name), {}, nullptr});
+  ifMemoryAllows([&] {
+    platform.ports().queues.mainQueue().post([&notifications, name] {
+      notifications.post({std::string(name), {}, nullptr});
+    });
   });
 }
 

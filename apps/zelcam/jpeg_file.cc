@@ -104,6 +104,19 @@ std::size_t endOfSegment(Bytes file, std::size_t at) {
   return hasLength && length >= 2 && at + 2 + length <= file.size() ? at + 2 + length : 0;
 }
 
+// Inside of a scan the byte FF never stands before another that begins a segment.
+std::int64_t scansIn(Bytes file) {
+  constexpr std::uint8_t kMarker = 0xFF, kScan = 0xDA;
+  std::int64_t scans = 0;
+  for (auto at = file.begin(); (at = std::find(at, file.end(), kMarker)) != file.end();) {
+    const auto place = static_cast<std::size_t>(at - file.begin());
+    if (place + 1 < file.size() && file[place + 1] == kScan) ++scans;
+    const std::size_t end = endOfSegment(file, place);
+    at = end != 0 ? file.begin() + static_cast<std::ptrdiff_t>(end) : at + 1;
+  }
+  return scans;
+}
+
 bool beginsAsJpeg(Bytes file) { return file.size() >= 2 && file[0] == 0xFF && file[1] == 0xD8; }
 
 constexpr std::uint8_t kApplication0 = 0xE0, kApplication1 = 0xE1;
@@ -127,7 +140,13 @@ platform::PixelBufferRef pictureOfJpeg(Bytes file, std::string& error) {
                           &header.colours) != 0)
     return nullptr;
   error = "its size makes no sense";
-  if (std::int64_t{header.width} * header.height > kMostJpegPixels) return nullptr;
+  const std::int64_t pixels = std::int64_t{header.width} * header.height;
+  if (pixels < 1 || pixels > kMostJpegPixels) return nullptr;
+  if (const std::int64_t scans = scansIn(file); scans > 1) {
+    error = "it takes too much to decode";
+    if (pixels > kMostProgressivePixels || scans > kMostScannedPixels / pixels) return nullptr;
+  }
+  error = "its size makes no sense";
   const PicturePtr picture = MemoryPixelBuffer::create(header.width, header.height);
   if (!picture) return nullptr;
   error = "it is damaged";

@@ -13,7 +13,11 @@ namespace zel::app {
 
 using JpegBytes = std::vector<std::uint8_t>;
 
-inline constexpr std::int64_t kMostJpegPixels = 150'000'000;  // a damaged header may not eat the machine's memory
+// A file of a few bytes may claim to be a picture of any size, and to be made in any number of passes. With these a
+// panorama takes less than 1 GiB and a few seconds.
+inline constexpr std::int64_t kMostJpegPixels = 72'000'000;
+inline constexpr std::int64_t kMostProgressivePixels = 40'000'000;  // of a picture of several scans: all of it is held
+inline constexpr std::int64_t kMostScannedPixels = 400'000'000;     // of such a picture, those of all scans together
 
 // The picture of a JPEG file.
 // Errors: null; `error` then says what is wrong with the file.

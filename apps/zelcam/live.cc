@@ -17,6 +17,7 @@ extern "C" {
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <ZELTarkaSDK/platform/application_events.h>
 #include <ZELTarkaSDK/platform/run_loop.h>
@@ -51,6 +52,21 @@ std::int64_t peakMemory() {
   ::getrusage(RUSAGE_SELF, &usage);
   return std::int64_t{usage.ru_maxrss} * 1024;
 }
+
+// Stops a feed where nobody has: when memory ends, its threads must not go on with what has gone.
+class FeedEnd {
+ public:
+  explicit FeedEnd(LiveFeed& feed) : feed_(&feed) {}
+  ~FeedEnd() { stop(); }
+  FeedEnd(const FeedEnd&) = delete;
+  FeedEnd& operator=(const FeedEnd&) = delete;
+  void stop() {
+    if (LiveFeed* const feed = std::exchange(feed_, nullptr)) feed->stop();
+  }
+
+ private:
+  LiveFeed* feed_;
+};
 
 // How one connection of the camera ended.
 enum class RunEnd { complete, interrupted, lost, noPicture, failed, outputsFailed };
@@ -121,6 +137,7 @@ class Live {
     if (std::exchange(wasThere_, true)) tell("the camera is there again");
     const std::shared_ptr<LiveFeed> feed = makeFeed(link);
     writer_.beginRun();
+    FeedEnd feedEnd(*feed);
     feed->start();
     const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [&] {
       duration_.note(Clock::now(), writer_.written().newestVideo);
@@ -130,7 +147,7 @@ class Live {
     const RunEnd end = waitForEnd(link, *feed);
     reopened_ = link.wasReopened();
     const std::optional<std::string> failure = feed->failure();
-    feed->stop();
+    feedEnd.stop();
     letCameraKnow(link, end);
     figures_.add(feed->figures());
     return statusOf(end, failure);

@@ -1,9 +1,18 @@
 // zelcam: the command-line host.
 
+#include <cstdio>
+#include <new>
+
 #include "apps/zelcam/command_line.h"
 #include "apps/zelcam/interrupt.h"
+#include "apps/zelcam/settings.h"
 
 int main(int argc, char** argv) {
   zel::app::blockInterrupts();
-  return zel::app::runCommandLine(argc, argv);
+  try {
+    return zel::app::runCommandLine(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::fputs("zelcam: there is not enough memory\n", stderr);
+    return zel::app::kRefused;
+  }
 }

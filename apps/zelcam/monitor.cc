@@ -50,7 +50,8 @@ ordered_json droppedJson(const DroppedFrames& dropped) {
           {"shortMessage", dropped.shortMessage},
           {"unregisteredData", dropped.unregisteredData},
           {"shortTimestamp", dropped.shortTimestamp},
-          {"timestampOldFirmware", dropped.timestampOldFirmware}};
+          {"timestampOldFirmware", dropped.timestampOldFirmware},
+          {"noMemory", dropped.noMemory}};
 }
 
 // One run of the command. Its calls come on the main queue, but for the status, which comes on any thread.
@@ -138,6 +139,7 @@ class Monitor {
     object["clockOffset"] = stack_.accessory().timeOffset();
     object["roundTrip"] = now.roundTrip < 0 ? ordered_json() : ordered_json(now.roundTrip);
     object["resendsLeft"] = now.resendsLeft;
+    object["lostForMemory"] = now.lostForMemory;
   }
 
   void summarise() {

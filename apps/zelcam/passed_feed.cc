@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/application_events.h>
+#include "base/has_memory_for.h"
 
 namespace zel::app {
 namespace {
@@ -34,8 +35,8 @@ void PassedFeed::start() {
 void PassedFeed::stop() {
   background_.reset();
   active_.reset();
-  player_->setMediaDataDelegate({});
-  switchOff();
+  if (player_) player_->setMediaDataDelegate({});  // none where the start found no memory
+  ifMemoryAllows([this] { switchOff(); });
 }
 
 void PassedFeed::switchOn() {

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <filesystem>
 #include <memory>
@@ -17,6 +18,7 @@
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
 #include "apps/zelcam/file.h"
+#include "apps/zelcam/interrupt.h"
 #include "apps/zelcam/lens_offset.h"
 #include "apps/zelcam/number_text.h"
 #include "apps/zelcam/output.h"
@@ -50,10 +52,36 @@ std::optional<aeb_info> bracketIn(std::string_view text) {
 
 std::string folderOf(const Values& values) { return values.has("--output") ? values.text("--output") : "."; }
 
-// A photo's file.
-struct Saved {
-  std::string path;
-  ZELData picture;
+// All pictures of a bracket are in memory before the first is saved. More than this is more than zelcam holds.
+constexpr std::uint64_t kMostBytesOfABracket = std::uint64_t{384} << 20;
+
+// Stops a camera that sends more, while it sends.
+class BracketBound {
+ public:
+  explicit BracketBound(CameraLink& link) : link_(link), before_(photoBytes()) {
+    link.bus().readingBound().set([this] { return isTooMuch(); });
+  }
+  ~BracketBound() { link_.bus().readingBound().set(nullptr); }
+  BracketBound(const BracketBound&) = delete;
+  BracketBound& operator=(const BracketBound&) = delete;
+
+  bool isPassed() const { return isPassed_.load(); }
+
+ private:
+  std::uint64_t photoBytes() const {
+    return link_.stack().statistics().bytes[static_cast<std::size_t>(FrameType::photo)];
+  }
+
+  bool isTooMuch() {
+    if (photoBytes() - before_ <= kMostBytesOfABracket) return isPassed();
+    isPassed_.store(true);
+    link_.wake();
+    return true;
+  }
+
+  CameraLink& link_;
+  const std::uint64_t before_;
+  std::atomic<bool> isPassed_ = false;
 };
 
 // "folder/IMG_1.jpg" becomes "IMG_1-360.jpg". What the photo was is of no matter: a panorama is a JPEG file.
@@ -87,11 +115,12 @@ class Shot {
 
   int bracket(const Sensors& sensors, const aeb_info& steps) {
     const auto series = std::make_shared<Series>();
+    const BracketBound bound(link_);
     link_.stack().ucd().newMsgCmdShutterAEBWithGps(sensors.gps, sensors.gyro, sensors.orientation, steps, sensors.extra,
                                                    keepIn(stored_, link_.platform()), keepIn(series, link_.platform()));
     link_.sayAsked();
-    if (const int status = waitFor(*stored_, "photo"); status != kDone) return status;
-    if (const int status = waitFor(*series, "the pictures"); status != kDone) return status;
+    if (const int status = waitFor(*stored_, "photo", &bound); status != kDone) return status;
+    if (const int status = waitFor(*series, "the pictures", &bound); status != kDone) return status;
     const auto& [names, pictures] = series->values;
     int status = kDone;
     for (std::size_t i = 0; i < names.size() && i < steps.count && status == kDone; ++i) {
@@ -100,21 +129,30 @@ class Shot {
     return status;
   }
 
-  // Makes panoramas of the photos that were saved, beside them. One that fails leaves the others alone.
+  // Makes panoramas of the photos that were saved, beside them. One that fails leaves the others alone. A user who asks
+  // to stop gets those that are finished.
   int stitch(platform::MediaLibrary& library) {
     std::string offset;
     if (const int status = askLensOffset(link_, "photo", 0, offset); status != kDone) return status;
     PanoramaMaker maker(library, offset);
     int status = kDone;
-    for (const Saved& photo : saved_) status = std::max(status, stitch(maker, photo));
+    for (const std::string& photo : saved_) {
+      if (wasInterrupted()) return kInterrupted;
+      status = std::max(status, stitch(maker, photo));
+    }
     return status;
   }
 
  private:
   template <class Any>
-  int waitFor(const Any& answer, std::string_view what) {
+  int waitFor(const Any& answer, std::string_view what, const BracketBound* bound = nullptr) {
     const double timeout = invocation_.settings.timeout;
-    const Waited end = link_.waitFor([&answer] { return answer.done; }, timeout);
+    const Waited end = link_.waitFor([&] { return answer.done || (bound != nullptr && bound->isPassed()); }, timeout);
+    // The camera that is not read any more is soon taken for lost.
+    if (bound != nullptr && bound->isPassed() && (!answer.done || answer.error)) {
+      return complain(kRefused, "photo",
+                      fmt::format("the pictures of the bracket come to more than {} MiB", kMostBytesOfABracket >> 20));
+    }
     return tellEnd(what, end, answer.error, invocation_.settings);
   }
 
@@ -124,16 +162,16 @@ class Shot {
     std::string fault;
     const auto path = saveFile(folderOf(invocation_.values), photoFileName(name), picture.bytes(), fault);
     if (!path) return complain(kRefused, "photo", fault);
-    saved_.push_back({*path, picture});
-    tell(name, picture, step);
+    saved_.push_back(*path);
+    tell(name, picture.size(), step);
     return kDone;
   }
 
-  void tell(const std::string& name, const ZELData& picture, std::optional<int> step) const {
-    const std::string& path = saved_.back().path;
+  void tell(const std::string& name, std::size_t bytes, std::optional<int> step) const {
+    const std::string& path = saved_.back();
     if (!invocation_.settings.json) return printLine(path);
     const auto& [time, size, storedName] = stored_->values;
-    nlohmann::ordered_json object = {{"photo", path}, {"name", name}, {"bytes", picture.size()}};
+    nlohmann::ordered_json object = {{"photo", path}, {"name", name}, {"bytes", bytes}};
     if (step) object["step"] = *step;
     object["fileTime"] = time.value_or(0);
     object["fileSize"] = size.value_or(0);
@@ -142,17 +180,20 @@ class Shot {
     printJson(object);
   }
 
-  int stitch(PanoramaMaker& maker, const Saved& photo) const {
+  // The photo is read again, so that those of a bracket are not in memory all at once.
+  int stitch(PanoramaMaker& maker, const std::string& photo) const {
     std::string fault;
-    const auto panorama = maker.panoramaOf(photo.picture.bytes(), fault);
-    if (!panorama) return fault.empty() ? kRefused : complain(kRefused, "photo", photo.path + ": " + fault);
-    const std::filesystem::path beside(photo.path);
+    const auto file = readFile(photo, fault);
+    if (!file) return complain(kRefused, "photo", fault);
+    const auto panorama = maker.panoramaOf(file->bytes(), fault);
+    if (!panorama) return fault.empty() ? kRefused : complain(kRefused, "photo", photo + ": " + fault);
+    const std::filesystem::path beside(photo);
     const auto path = saveFile(beside.parent_path().string(), panoramaName(beside), panorama->bytes, fault);
     if (!path) return complain(kRefused, "photo", fault);
     if (!invocation_.settings.json) {
       printLine(*path);
     } else {
-      printJson({{"panorama", *path}, {"of", photo.path}, {"width", panorama->width}, {"height", panorama->height}});
+      printJson({{"panorama", *path}, {"of", photo}, {"width", panorama->width}, {"height", panorama->height}});
     }
     return kDone;
   }
@@ -160,7 +201,7 @@ class Shot {
   CameraLink& link_;
   const Invocation& invocation_;
   const std::shared_ptr<Stored> stored_ = std::make_shared<Stored>();
-  std::vector<Saved> saved_;
+  std::vector<std::string> saved_;  // the photos' files
 };
 
 }  // namespace

@@ -28,7 +28,6 @@ namespace zel::app {
 namespace {
 
 constexpr double kLine = 1.0;                            // seconds between two lines of the live report
-constexpr std::int64_t kLate = 200;                      // milliseconds behind its time from which a picture is late
 constexpr int kDefaultResolution = 3;                    // the smallest, at 30 pictures a second
 constexpr std::array<int, 4> kRates = {15, 20, 25, 30};  // pictures a second, by the resolution code's remainder
 constexpr int kFirewareVersion190 = 190;                 // from it on, times are the host's
@@ -55,8 +54,8 @@ class PictureCounter final : public ZELPixelBufferDataProtocol {
     if (decoded_.complete) return;
     decoded_.rate.note(PictureRate::Clock::now());
     if (decoded_.rate.pictures() == 1 && verbose_) say("zelcam: the first picture is here");
-    const std::int64_t age = platform::absoluteTimeMilliseconds(platform_.ports().clock) - timestamp;
-    if (timesAreHosts_ && age > kLate) ++decoded_.late;
+    const std::int64_t now = platform::absoluteTimeMilliseconds(platform_.ports().clock);
+    if (timesAreHosts_ && isLate(timestamp, now)) ++decoded_.late;
     decoded_.newest = picture;
     decoded_.complete = wanted_ && decoded_.rate.pictures() >= *wanted_;
     if (decoded_.complete) platform_.stopMainQueue();

@@ -28,6 +28,7 @@ void StitchedFeed::start() {
 }
 
 void StitchedFeed::stop() {
+  if (!source_) return;  // the start found no memory
   const FeedFigures last = figures();
   source_->stopLiveData();
   atEnd_ = last;

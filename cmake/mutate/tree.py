@@ -10,6 +10,7 @@ TOOL = Path(__file__).resolve().parent
 CORE = ("base", "protocol", "link", "support", "capture", "media", "command", "live", "stack")
 HEADERS = ("include/ZELTarkaSDK/platform", "include/ZELTarkaSDK")  # the ports, and what hosts include: those of them that hold code
 TESTED = (*CORE, "platform")
+COUNTS_MEMORY = re.compile(r'^#include "tests/(allocation_count|live_bytes|allocation_fault)\.h"', re.MULTILINE)
 KEPT_LIST = "cmake/mutate/equivalents.txt"
 
 
@@ -74,7 +75,8 @@ def test_programs(root):
         tests = root / "tests" / folder
         for name in re.findall(r"zel_tests\((\w+)", (tests / "CMakeLists.txt").read_text()):
             programs[f"{name}_tests"] = folder
-        programs |= {f"{path.stem}s": folder for kind in ("allocation", "memory") for path in tests.glob(f"*_{kind}_test.cc")}
+        counting = [path for path in tests.glob("*_test.cc") if COUNTS_MEMORY.search(path.read_text())]
+        programs |= {f"{path.stem}s": folder for path in counting}
     return programs
 
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -19,6 +20,12 @@ namespace platform {
 struct Ports;
 }
 struct LiveParts;
+
+// How much memory a single piece of what the camera sends may take. Units: bytes.
+struct ReceiveLimits {
+  std::uint32_t frame = 256u << 20;  // of any type; photos may always be of 256 MiB once one was asked for
+  std::int32_t unit = 64 << 20;      // of H.264, whose end has not come yet
+};
 
 // Everything that drives one camera: the accessory object, its session, the de-multiplexer and the commands, wired.
 // A host with one camera uses the class operations (ZELCameraAccessory::defaultCamera() and the like), which reach the
@@ -46,6 +53,11 @@ class ZEL_EXPORT CameraStack {
   ZELCameraManager& manager();
   // What the stack was built on.
   const platform::Ports& ports() const;
+
+  // A longer frame counts as a lost position in the stream, and a longer unit is dropped. Frames are not limited to
+  // more than 256 MiB, whatever is set. To be set before the camera is opened; it counts for players that are made
+  // later.
+  void setReceiveLimits(const ReceiveLimits& limits);
 
   // suitablePreviewPlayer - a new player that receives this camera's preview, at the current resolution, in place of
   // the one before. The caller holds it; it may outlive the stack, whose end resets it.

@@ -31,6 +31,7 @@ struct ZEL_EXPORT DroppedFrames {
   std::uint64_t unregisteredData = 0;      // data of type 7 that nobody claimed
   std::uint64_t shortTimestamp = 0;        // a timestamp frame below 9 bytes
   std::uint64_t timestampOldFirmware = 0;  // a timestamp frame from firmware below 190
+  std::uint64_t noMemory = 0;              // its consumer found no memory for it
 };
 
 // What one camera stack has seen of its link, since the stack was made.
@@ -48,6 +49,7 @@ struct ZEL_EXPORT LinkStatistics {
   std::uint64_t streamErrors = 0;    // stream errors, each of which reopened the session
   std::int64_t roundTrip = -1;       // of the last time synchronisation; -1 before the first
   std::int32_t resendsLeft = 0;      // time-synchronisation re-sends left to this stack
+  std::uint64_t lostForMemory = 0;   // requests and answers for which there was no memory, and nobody could be told
 };
 
 }  // namespace zel

@@ -129,6 +129,8 @@ class ZEL_EXPORT ZELCameraAccessory {
 
  private:
   struct Impl;
+  std::shared_ptr<const ZELAccessoryInfo> watchAndConnect();
+  void connectAndTell(const zel::platform::Notification& notification);
   void setAccessoryInfo(std::shared_ptr<const ZELAccessoryInfo> info);
   void setStatusWhileOpen(std::uint64_t status);
   void replaceStatus(std::uint64_t from, std::uint64_t to);

@@ -21,7 +21,9 @@ class ZELUCDFile;
 
 namespace zel {
 class KeepAlive;
+class ReplyHandler;
 class RequestEngine;
+class RequestFields;
 struct Family;
 namespace platform {
 class Queue;
@@ -39,7 +41,9 @@ class Queue;
 //
 // Owner:  the arguments of the constructor must outlive the object; no frame may arrive once it has gone.
 // Thread: any thread; handlers run on the main queue.
-// Errors: 100 no connection, 101 refused; see ZELError.h.
+// Errors: 100 no connection, 101 refused; see ZELError.h. A request for which there is no memory is not sent, and its
+//         handlers get 101. Where there is none for that either, or nobody to be told, the call does nothing and counts
+//         as lostForMemory().
 class ZEL_EXPORT ZELCameraUCD {
  public:
   using Byte = std::uint8_t;
@@ -72,6 +76,9 @@ class ZEL_EXPORT ZELCameraUCD {
   void setKeepAlive(const zel::KeepAlive& keepAlive);
   // The stack goes: every handler that waits gets 100, of requests, captures and uploads.
   void failEverything();
+
+  // Calls of the host and answers for which there was no memory, of which nobody could be told.
+  std::uint64_t lostForMemory() const;
 
   // -- The engine
 
@@ -343,9 +350,8 @@ class ZEL_EXPORT ZELCameraUCD {
   void msgReqSendSyncData(const ZELData& data, zel::RebackDic rebackBlock);
 
  private:
-  void request(const zel::Family& family, const ZELMessageFields& fields, zel::RebackDic rebackBlock);
-  template <class Block>
-  zel::RebackDic captureAdapter(Block rebackBlock);
+  bool request(const zel::Family& family, const zel::RequestFields& fields, const zel::ReplyHandler& reply);
+  void capture(const zel::Family& family, const zel::RequestFields& fields, const zel::ReplyHandler& reply);
 
   std::unique_ptr<zel::RequestEngine> engine_;
 };

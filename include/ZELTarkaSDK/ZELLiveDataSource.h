@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <ZELTarkaSDK/LiveStatistics.h>
 #include <ZELTarkaSDK/ZELCameraMediaDataDelegate.h>
@@ -136,6 +137,11 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
   explicit ZELLiveDataSource(std::unique_ptr<State> state);
   void observeApplication();
   void choosePlayer();
+  void startShowing(const ZELRect& frame, const ViewBlock& result);
+  void requestPreview(bool on, const ResultBlock& result);
+  void requestAudio(bool on, const ResultBlock& result);
+  void requestOffset(const OffsetBlock& result);
+  void fail(std::int64_t code, std::string_view description);
   ResultBlock whenStarted(std::uint64_t run, void (ZELLiveDataSource::*next)(std::uint64_t run));
   void startAudio(std::uint64_t run);
   void fetchOffset(std::uint64_t run);
@@ -143,6 +149,7 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
   void attach(std::uint64_t run);
   bool attachToPlayer(std::uint64_t run);
   void startEncoding(std::uint64_t run);
+  void openEncoder(std::uint64_t run);
   void runRenderThread(std::uint64_t run);
   void runEncodeThread(std::uint64_t run);
 

@@ -44,6 +44,10 @@ class ZEL_EXPORT ZELPreviewPlayer final : public zel::PreviewConsumer, public ZE
   void setPixelBufferDelegate(std::weak_ptr<ZELPixelBufferDataProtocol> delegate);
   std::shared_ptr<ZELPixelBufferDataProtocol> pixelBufferDelegate() const;
 
+  // Drops an H.264 unit that grows beyond so many bytes before its end comes; 64 MiB at first.
+  // Thread: any thread, before the player receives.
+  void setLargestUnit(std::int32_t bytes);
+
   // Size of the last picture, or what the resolution promises; 0 after a reset.
   std::int32_t imageWidth() const;
   std::int32_t imageHeight() const;

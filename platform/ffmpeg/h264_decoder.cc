@@ -11,6 +11,7 @@
 #include "platform/ffmpeg/libav.h"
 #include "platform/ffmpeg/owed_pictures.h"
 #include "platform/ffmpeg/picture_conversion.h"
+#include "platform/ffmpeg/picture_memory.h"
 
 namespace zel::platform {
 namespace {
@@ -124,7 +125,9 @@ enum class Feeding {
 
 class H264Decoder final : public VideoDecoder {
  public:
-  H264Decoder(CodecContextPtr context, const H264Sequence& sequence, Feeding feeding) : stream_(std::move(context)) {
+  H264Decoder(std::unique_ptr<PictureMemory> memory, CodecContextPtr context, const H264Sequence& sequence,
+              Feeding feeding)
+      : memory_(std::move(memory)), stream_(std::move(context)) {
     note(sequence);
     feed(feeding);
   }
@@ -269,6 +272,7 @@ class H264Decoder final : public VideoDecoder {
     return packet_.append(unit) ? packet_.sendTo(stream_, timestamp) : AVERROR(ENOMEM);
   }
 
+  const std::unique_ptr<PictureMemory> memory_;  // outlives the context, which takes from it
   LibavStream stream_;
   Feeding feeding_ = Feeding::undecided;
   std::int64_t macroblocks_ = 1;  // of a picture
@@ -307,14 +311,16 @@ DecoderCreation LibavVideoDecoders::create(VideoDecoder::Bytes sps, VideoDecoder
   if (!isDecodable(*sequence)) return refused(DecoderCreationStage::session, AVERROR_PATCHWELCOME);
 
   const int threads = std::clamp(options_.threads, 1, kMostThreads);
+  auto memory = std::make_unique<PictureMemory>(options_.mostHeld);
   CodecContextPtr context = makeContext(sps, pps, threads);
   if (!context) return refused(DecoderCreationStage::session, AVERROR(ENOMEM));
+  memory->serve(*context);
   context->err_recognition = AV_EF_EXPLODE;  // while the parameter sets are read
   const int status = avcodec_open2(context.get(), context->codec, nullptr);
   if (status < 0) return refused(DecoderCreationStage::description, status);
   context->err_recognition = 0;
   const Feeding feeding = threads == 1 ? Feeding::undecided : Feeding::pictureByPicture;
-  return {std::make_unique<H264Decoder>(std::move(context), *sequence, feeding), {}, 0};
+  return {std::make_unique<H264Decoder>(std::move(memory), std::move(context), *sequence, feeding), {}, 0};
 }
 
 }  // namespace zel::platform

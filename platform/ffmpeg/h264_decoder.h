@@ -4,7 +4,7 @@
 
 namespace zel::platform {
 
-// How the decoder spends processors.
+// How the decoder spends processors and memory.
 struct LibavDecoderOptions {
   // 1: every unit is decoded in the call that brings it, on the caller's thread, and a picture comes out in the call
   // that
@@ -12,6 +12,12 @@ struct LibavDecoderOptions {
   // 2 and more, at most kMostThreads: whole pictures are decoded side by side. Each picture comes out as many pictures
   //    later as there are threads.
   int threads = 1;
+
+  // What the pictures of one decoder may take together, those that it refers to and those that somebody still holds. A
+  // picture beyond that is not decoded. Eight of 7680x3840.
+  //
+  // Units: bytes.
+  std::int64_t mostHeld = std::int64_t{352} << 20;
 };
 
 // H.264 through libavcodec: 8-bit 4:2:0 of every profile, up to kMostPixels a picture.

@@ -148,8 +148,14 @@ class H264Encoder final : public VideoEncoder {
     if (!converted) return false;
     const std::int64_t number = nextNumber_++;
     const FramePtr frame = frameOf(converted, number);
-    if (!frame || avcodec_send_frame(context_.get(), frame.get()) < 0) return false;
-    waiting_.push_back({number, time});
+    if (!frame) return false;
+    waiting_.push_back({number, time});  // before the picture is taken, so that none is taken whose time is not known
+    if (const int fault = avcodec_send_frame(context_.get(), frame.get()); fault < 0) {
+      waiting_.pop_back();
+      // libx264 that has found no memory once reads what it has not got when it is called again.
+      if (fault == AVERROR_EXTERNAL) context_.reset();
+      return false;
+    }
     int status = 0;
     while ((status = avcodec_receive_packet(context_.get(), packet_.get())) >= 0) {
       handOn();
@@ -190,10 +196,11 @@ class H264Encoder final : public VideoEncoder {
 
   // The packet is the encoder's until it is unreferenced: its bytes may be written.
   void handOn() {
-    if (!std::exchange(parameterSetsSent_, true) && parameterSets_) {
+    if (!parameterSetsSent_ && parameterSets_) {
       parameterSets_(sps_.data(), static_cast<std::int32_t>(sps_.size()), pps_.data(),
                      static_cast<std::int32_t>(pps_.size()));
     }
+    parameterSetsSent_ = true;  // not before: a receiver that found no memory gets them with the next unit
     const MediaTime time = timeOf(packet_->pts);
     if (!nalu_ || av_packet_make_writable(packet_.get()) < 0) return;
     const EncodedBytes stream(packet_->data, static_cast<std::size_t>(packet_->size));

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/has_memory_for.h"
+
 namespace zel::platform {
 
 DescriptorStream::DescriptorStream(Stream& stream, UniqueDescriptor descriptor)
@@ -85,13 +87,15 @@ void DescriptorStream::finish() {
 void DescriptorStream::wait(Wait what) {
   if (waiting_ || ending_ || !running()) return;
   if (!watch()) return end(StreamEvent::errorOccurred);
-  waiting_ = true;
-  watched_->async_wait(what, loop_->handler([self = shared_from_this(), wait = waits_](const std::error_code& error) {
-    if (self->waits_ != wait) return;
-    self->waiting_ = false;
-    if (error) return self->end(StreamEvent::errorOccurred);
-    self->ready();
-  }));
+  waiting_ = hasMemoryFor([&] {
+    watched_->async_wait(what, loop_->handler([self = shared_from_this(), wait = waits_](const std::error_code& error) {
+      if (self->waits_ != wait) return;
+      self->waiting_ = false;
+      if (error) return self->end(StreamEvent::errorOccurred);
+      self->ready();
+    }));
+  });
+  if (!waiting_) end(StreamEvent::errorOccurred);
 }
 
 bool DescriptorStream::watch() {

@@ -11,6 +11,7 @@
 
 #include <ZELTarkaSDK/platform/in_process_notification_center.h>
 #include <ZELTarkaSDK/platform/ports.h>
+#include "base/has_memory_for.h"
 #include "platform/linux/accessory_folder.h"
 #include "platform/linux/linux_accessory_manager.h"
 #include "platform/linux/linux_clock.h"
@@ -154,7 +155,9 @@ bool LinuxPlatform::setMainQueueExecutor(std::function<void(std::function<void()
   state_->mainRunLoop->setExecutor(std::move(executor));
   try {
     const platform::SignalMask noSignals;
-    state_->service = std::thread([loop = state_->mainRunLoop] { loop->run(); });
+    state_->service = std::thread([loop = state_->mainRunLoop] {
+      while (!hasMemoryFor([&] { loop->run(); })) continue;  // as on every other thread
+    });
     return true;
   } catch (const std::exception&) {
     state_->mainRunLoop->setExecutor(nullptr);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/has_memory_for.h"
 namespace zel::platform {
 namespace {
 
@@ -39,7 +40,7 @@ class LinuxRunLoopSource final : public RunLoopSource {
 
 std::shared_ptr<LinuxRunLoop> LinuxRunLoop::create() { return std::shared_ptr<LinuxRunLoop>(new LinuxRunLoop); }
 
-LinuxRunLoop::LinuxRunLoop() : alarm_(io_, [this] { runNext(); }), work_(io_.get_executor()) {}
+LinuxRunLoop::LinuxRunLoop() : alarm_(io_, [this] { rung(); }), work_(io_.get_executor()) {}
 
 LinuxRunLoop::~LinuxRunLoop() {
   stopped_.store(true);  // what dies now cannot queue anything more
@@ -68,8 +69,13 @@ void LinuxRunLoop::perform(Task task) {
 
 // On the loop's own thread nobody needs to be woken.
 void LinuxRunLoop::scheduleNext() {
-  if (ofThisThread() != this) return alarm_.ring();
-  asio::post(io_, [this] { runNext(); });
+  if (ofThisThread() != this || !hasMemoryFor([this] { asio::post(io_, [this] { runNext(); }); })) alarm_.ring();
+}
+
+// With an executor the tasks are the host's to run, and the alarm only ends a sleep.
+void LinuxRunLoop::rung() {
+  if (!executor_) return runNext();
+  waiting_.store(false);
 }
 
 // One event for each task, so that tasks, timers and streams take turns. The next one is scheduled first, because the
@@ -135,13 +141,16 @@ void LinuxRunLoop::wakeUp() {
     if (executor_) runSources();
   };
   if (executor_) return executor_([self, wake] { wake(); });
-  asio::post(io_, wake);
+  if (hasMemoryFor([&] { asio::post(io_, wake); })) return;
+  wakingUp_.store(false);
+  alarm_.ring();
 }
 
-// Ends the sleep also of a loop that has not reported it yet.
+// Ends the sleep also of a loop that has not reported it yet. It takes no memory: what dies while there is none still
+// ends its loop.
 void LinuxRunLoop::nudge() {
   const auto self = shared_from_this();
-  asio::post(io_, [this] { waiting_.store(false); });
+  alarm_.ring();
 }
 
 void LinuxRunLoop::stop() {
@@ -198,9 +207,15 @@ void LinuxRunLoop::drain() {
 void LinuxRunLoop::setExecutor(Executor executor) { executor_ = std::move(executor); }
 
 void LinuxRunLoop::discard() {
-  std::deque<Task> doomed;  // destroyed without the lock: what a task holds may call the loop
+  while (takeTask()) continue;  // each destroyed without the lock: what a task holds may call the loop
+}
+
+std::optional<Task> LinuxRunLoop::takeTask() {
   const MutexLock lock(mutex_);
-  doomed.swap(tasks_);
+  if (tasks_.empty()) return std::nullopt;
+  std::optional<Task> task(std::move(tasks_.front()));
+  tasks_.pop_front();
+  return task;
 }
 
 }  // namespace zel::platform

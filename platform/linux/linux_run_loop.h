@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <ZELTarkaSDK/platform/run_loop.h>
@@ -85,10 +86,12 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   void handOver(std::function<void()> call);
   void turn();
   void scheduleNext();
+  void rung();
   void runNext();
   void runSources();
   void remove(const std::shared_ptr<SignalledTask>& source);
   void nudge();
+  std::optional<Task> takeTask() ZEL_EXCLUDES(mutex_);
 
   asio::io_context io_;
   LoopAlarm alarm_;

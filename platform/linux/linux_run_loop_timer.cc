@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/has_memory_for.h"
+
 namespace zel::platform {
 namespace {
 
@@ -54,7 +56,8 @@ LinuxTimer::LinuxTimer(std::shared_ptr<LinuxRunLoop> loop, std::chrono::steady_c
 
 LinuxTimer::~LinuxTimer() {
   state_->task.close();
-  loop_->perform([state = state_] { state->timer.cancel(); });
+  // Where there is no memory for that, the timer fires once more, for nothing.
+  ifMemoryAllows([this] { loop_->perform([state = state_] { state->timer.cancel(); }); });
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/has_memory_for.h"
 #include "platform/linux/signal_mask.h"
 
 namespace zel::platform {
@@ -22,7 +23,7 @@ void runThread(const std::string& name, LinuxRunLoop& loop, const ThreadBody& bo
   pthread_setname_np(pthread_self(), name.substr(0, kLongestName).c_str());
   const LinuxRunLoop::Scope scope(loop);
   if (body.begin) body.begin(loop);
-  loop.run();
+  while (!hasMemoryFor([&] { loop.run(); })) continue;  // what the event was for has failed; the thread goes on
   if (body.end) body.end();
 }
 

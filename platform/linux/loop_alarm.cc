@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -30,12 +31,23 @@ void LoopAlarm::ring() {
 }
 
 // A read and not a wait: it is taken up again without a call of the kernel to say so.
-void LoopAlarm::wait() {
-  event_.async_read_some(asio::buffer(&rings_, sizeof rings_), [this](const std::error_code& error, std::size_t) {
-    if (error) return;
-    wait();
-    call_();
-  });
+void LoopAlarm::wait() { event_.async_read_some(asio::buffer(&rings_, sizeof rings_), Rung{this}); }
+
+void LoopAlarm::rung(const std::error_code& error) {
+  if (error) return;
+  wait();
+  call_();
+}
+
+void* LoopAlarm::Memory::take(std::size_t size) {
+  if (taken_ || size > kBytes) return ::operator new(size);
+  taken_ = true;
+  return bytes_;
+}
+
+void LoopAlarm::Memory::giveBack(void* block) {
+  if (block != bytes_) return ::operator delete(block);
+  taken_ = false;
 }
 
 }  // namespace zel::platform

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -38,6 +39,16 @@ struct WorkerPool::State {
     }
     --idle;
     if (tasks.empty() || closed) return std::nullopt;
+    return firstTask();
+  }
+
+  std::optional<Task> takeTask() ZEL_EXCLUDES(mutex) {
+    const MutexLock lock(mutex);
+    if (tasks.empty()) return std::nullopt;
+    return firstTask();
+  }
+
+  Task firstTask() ZEL_REQUIRES(mutex) {
     Task task = std::move(tasks.front());
     tasks.pop_front();
     return task;
@@ -59,11 +70,12 @@ struct WorkerPool::State {
 WorkerPool::WorkerPool(std::chrono::milliseconds idleTime) : state_(std::make_shared<State>(idleTime)) {}
 
 WorkerPool::~WorkerPool() {
-  std::deque<Task> doomed;  // destroyed without the lock
-  const MutexLock lock(state_->mutex);
-  state_->closed = true;
-  doomed.swap(state_->tasks);
-  state_->wake.notify_all();
+  {
+    const MutexLock lock(state_->mutex);
+    state_->closed = true;
+    state_->wake.notify_all();
+  }
+  while (state_->takeTask()) continue;  // each destroyed without the lock
 }
 
 void WorkerPool::post(Task task) {
@@ -73,6 +85,9 @@ void WorkerPool::post(Task task) {
     std::thread([state = state_] { work(*state); }).detach();
   } catch (const std::system_error&) {
     // The host has no thread left to give: the task waits for the next one that is free.
+    state_->changeIdle(-1);
+  } catch (const std::bad_alloc&) {
+    // Nor memory for one.
     state_->changeIdle(-1);
   }
 }

@@ -231,6 +231,17 @@ TEST_F(ZELPhotoDataParserTest, KeepsNoMoreThanSixteenLatePictures) {
   EXPECT_EQ(images->size(), 17u);
 }
 
+TEST_F(ZELPhotoDataParserTest, KeepsNothingOfASeriesThatWasHandedOverAndLetGo) {
+  const auto parser = series(1);
+  parser->parserData(payload("A.JPG", bytes({1})));
+  host.runUntilIdle();
+  const std::weak_ptr<const ZELDataArray> handedOver = images;
+  images = nullptr;
+  EXPECT_TRUE(handedOver.expired());
+  parser->parserData(payload("B.JPG", bytes({2})));
+  EXPECT_EQ(answers, 1);
+}
+
 TEST_F(ZELPhotoDataParserTest, KeepsTheSeriesParallelWhereANameIsNotAscii) {
   const auto parser = series(2);
   parser->parserData(payload("\xFF", bytes({1})));

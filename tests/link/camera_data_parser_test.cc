@@ -332,6 +332,41 @@ TEST_F(CameraDataParserTest, WaitsForAFrameOfExactlyTheLargestLength) {
   EXPECT_EQ(held().size(), 6u);
 }
 
+TEST_F(CameraDataParserTest, TakesNoLongerFrameThanItWasTold) {
+  parser.setLongestFrame(1000);
+  receive(bytes({0xE8, 3, 0, 0, 1, 0}));  // 1000
+  EXPECT_EQ(link.positionsLost, 0);
+  parser.clearData();
+  receive(bytes({0xE9, 3, 0, 0, 1, 0}));
+  EXPECT_EQ(link.positionsLost, 1);
+}
+
+TEST_F(CameraDataParserTest, TakesNoLongerPhotoThanAnyFrameWhereNobodyWaitsForOne) {
+  parser.setPhotoParser(nullptr);
+  parser.setLongestFrame(1000);
+  receive(bytes({0xE8, 3, 0, 0, 3, 0}));  // 1000
+  EXPECT_EQ(link.positionsLost, 0);
+  parser.clearData();
+  receive(bytes({0xE9, 3, 0, 0, 3, 0}));
+  EXPECT_EQ(link.positionsLost, 1);
+}
+
+TEST_F(CameraDataParserTest, TakesAPhotoOfTheLargestLengthAllTheSame) {
+  parser.setLongestFrame(1000);
+  receive(bytes({0, 0, 0, 0x10, 3, 0}));  // 256 MiB
+  EXPECT_EQ(link.positionsLost, 0);
+  parser.clearData();
+  receive(bytes({1, 0, 0, 0x10, 3, 0}));
+  EXPECT_EQ(link.positionsLost, 1);
+}
+
+TEST_F(CameraDataParserTest, CountsAFrameForWhichItsConsumerHasNoMemoryAndGoesOn) {
+  parser.registerDataParser(ZELCameraDataParser(7, {}, [](const auto&, ByteView) { throw std::bad_alloc(); }), 7);
+  receive(join(bytes({7, 0, 0, 0, 7, 0, 1}), kVideo));
+  EXPECT_EQ(statistics().dropped.noMemory, 1u);
+  EXPECT_THAT(log, ElementsAre("video 7 9"));
+}
+
 TEST_F(CameraDataParserTest, HoldsNoMoreThanTwiceWhatHasArrivedOfAHugeFrame) {
   receive(bytes({0, 0, 0, 0x10, 1, 0}));
   receive(repeated(1000000, 0));

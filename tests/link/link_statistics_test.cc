@@ -21,6 +21,7 @@ TEST(LinkStatisticsTest, BeginWithNothingAndNoRoundTrip) {
   EXPECT_EQ(statistics.markersFound + statistics.positionsLost + statistics.streamErrors, 0u);
   EXPECT_EQ(statistics.roundTrip, -1);
   EXPECT_EQ(statistics.resendsLeft, 0);
+  EXPECT_EQ(statistics.lostForMemory, 0u);
 }
 
 }  // namespace

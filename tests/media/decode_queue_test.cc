@@ -78,6 +78,14 @@ TEST_F(DecodeQueueTest, HoldsSixtyFourMebibytesAndNoByteMore) {
   EXPECT_EQ(queue.take()->timestamp(), 1u);
 }
 
+// Each takes many times its own bytes.
+TEST_F(DecodeQueueTest, HoldsAHundredThousandUnitsOfAFewBytesAndNotOneMore) {
+  for (int i = 0; i < 100'000; ++i) append(0x65, i);
+  EXPECT_EQ(queue.size(), 100'000u);
+  append(0x65, 1);
+  EXPECT_EQ(queue.size(), 100'000u);
+}
+
 TEST(PictureQueueTest, KeepsTheLatestFive) {
   PictureQueue queue;
   const auto picture = platform::MemoryPixelBuffer::create(2, 2);

@@ -178,6 +178,39 @@ TEST_F(H264NaluParserTest, RefersToNoBytesOfTheCallerAfterwards) {
   EXPECT_EQ(pending(), kIdr);
 }
 
+// A chunk may hold millions of units, of which each takes many times its own bytes.
+TEST_F(H264NaluParserTest, HasNoUnitInMemoryButTheOneThatIsTaken) {
+  Bytes chunk;
+  for (int number = 0; number < 1000; ++number) chunk = join(chunk, unit({0x41}));
+  std::vector<std::weak_ptr<orq::MediaBuffer>> taken;
+  std::size_t most = 0;
+  const auto take = [&](const std::shared_ptr<orq::MediaBuffer>& each) {
+    taken.push_back(each);
+    const auto isThere = [](const auto& one) { return !one.expired(); };
+    most = std::max(most, static_cast<std::size_t>(std::ranges::count_if(taken, isThere)));
+  };
+  parser.AppendData(chunk.data(), static_cast<int>(chunk.size()), take);
+  EXPECT_EQ(taken.size(), 1000u);
+  EXPECT_EQ(most, 1u);
+}
+
+TEST_F(H264NaluParserTest, HoldsNothingBackWhereTheTakerThrewAndGoesOnWithTheNextChunk) {
+  append(kSps);
+  const Bytes chunk = join(kPps, kIdr);
+  EXPECT_THROW(
+      parser.AppendData(chunk.data(), static_cast<int>(chunk.size()), [](const auto&) { throw std::bad_alloc(); }),
+      std::bad_alloc);
+  EXPECT_EQ(parser.pendingSize(), 0);
+  EXPECT_THAT(append(join(kPps, kIdr)), ElementsAre(Bytes(), kPps));
+}
+
+TEST_F(H264NaluParserTest, DropsWhatGrowsBeyondASmallerUnitWhereThatWasSet) {
+  parser.setLargestPending(100);
+  append(join(kSps, repeated(93, 7)));
+  append(repeated(1, 7));
+  EXPECT_EQ(parser.pendingSize(), 1);
+}
+
 TEST_F(H264NaluParserTest, DropsWhatGrowsBeyondAnyUnit) {
   append(kSps);
   const Bytes block = repeated(1 << 20, 7);

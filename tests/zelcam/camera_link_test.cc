@@ -139,7 +139,7 @@ TEST_F(CameraLinkTest, ALengthThatSwallowsGoodFramesIsLeftBehind) {
     if (!link.isAsked()) return;
     link.sendMarker();
     link.sendFrames(3);
-    if (number == 1) link.send({0, 0, 0, 0x0C, 1, 0});  // 192 MiB, below what is impossible
+    if (number == 1) link.send({0, 0, 0x70, 0, 1, 0});  // 7 MiB, below what is impossible
     link.flow();
   });
   camera.attach();

@@ -164,6 +164,45 @@ TEST(JpegFileTest, RefusesASizeBeyondAllMemory) {
   EXPECT_THAT(error, testing::AnyOf("its size makes no sense", "it is no JPEG file"));
 }
 
+// A grey picture without content, made in so many scans of a few bytes.
+JpegBytes manyScans(int width, int height, int scans) {
+  JpegBytes file = {0xFF,
+                    0xD8,
+                    0xFF,
+                    0xC2,
+                    0,
+                    11,
+                    8,
+                    static_cast<std::uint8_t>(height >> 8),
+                    static_cast<std::uint8_t>(height),
+                    static_cast<std::uint8_t>(width >> 8),
+                    static_cast<std::uint8_t>(width),
+                    1,
+                    1,
+                    0x11,
+                    0};
+  for (int scan = 0; scan < scans; ++scan)
+    file.insert(file.end(), {0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 0, 0, 0x3F, 0xFF, 0x00});
+  file.insert(file.end(), {0xFF, 0xD9});
+  return file;
+}
+
+TEST(JpegFileTest, RefusesAPictureOfMorePassesThanItIsWorth) {
+  std::string error;
+  EXPECT_EQ(app::pictureOfJpeg(manyScans(8000, 5000, 11), error), nullptr);
+  EXPECT_EQ(error, "it takes too much to decode");
+  EXPECT_EQ(app::pictureOfJpeg(manyScans(8000, 5000, 10), error), nullptr);
+  EXPECT_EQ(error, "it is damaged");  // its passes are looked at, and hold nothing
+}
+
+TEST(JpegFileTest, RefusesAPictureOfSeveralPassesThatIsLargerThanOthersMayBe) {
+  std::string error;
+  EXPECT_EQ(app::pictureOfJpeg(manyScans(8001, 5000, 2), error), nullptr);
+  EXPECT_EQ(error, "it takes too much to decode");
+  EXPECT_EQ(app::pictureOfJpeg(manyScans(12000, 6001, 1), error), nullptr);
+  EXPECT_EQ(error, "its size makes no sense");
+}
+
 TEST(JpegFileTest, SurvivesAFileCutAnywhereOrFlipped) {
   const JpegBytes whole = photo(64);
   std::string error;

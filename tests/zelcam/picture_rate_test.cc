@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace zel::test {
 namespace {
 
+using app::isLate;
 using app::PictureRate;
 using std::chrono::milliseconds;
 
@@ -29,6 +32,16 @@ TEST(PictureRate, IsNoneWhereAllCameAtOneMoment) {
   rate.note(at(5000));
   rate.note(at(5000));
   EXPECT_EQ(rate.perSecond(), 0);
+}
+
+TEST(LatenessTest, IsCountedBeyondAFifthOfASecond) {
+  EXPECT_FALSE(isLate(699'999'999'800, 700'000'000'000));
+  EXPECT_TRUE(isLate(699'999'999'799, 700'000'000'000));
+}
+
+TEST(LatenessTest, IsToldOfTimesThatAreTooFarAwayForADifference) {
+  EXPECT_TRUE(isLate(std::numeric_limits<std::int64_t>::min(), 700'000'000'000));
+  EXPECT_FALSE(isLate(std::numeric_limits<std::int64_t>::max(), 700'000'000'000));
 }
 
 }  // namespace

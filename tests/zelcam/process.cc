@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -89,7 +90,9 @@ void Process::tell(const std::string& line) const {
 
 int Process::wait() {
   int status = 0;
-  if (!waitUntil([&] { return ::waitpid(pid_, &status, WNOHANG) == pid_; })) return -1;
+  rusage usage{};
+  if (!waitUntil([&] { return ::wait4(pid_, &status, WNOHANG, &usage) == pid_; })) return -1;
+  peakMemory_ = std::int64_t{usage.ru_maxrss} * 1024;
   pid_ = -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,8 @@ class Process {
   void endInput();
   // Its exit status, 128 and the signal's number where one ended it; -1 when it runs for longer than a minute.
   int wait();
+  // The most memory that it had at a time, in bytes; once wait() has returned its status.
+  std::int64_t peakMemory() const { return peakMemory_; }
   // Waits until its output holds the text, behind the first that is `after`; false after a minute.
   bool waitForOutput(const std::string& text, const std::string& after = {}) const;
   bool waitForErrors(const std::string& text) const;
@@ -38,6 +41,7 @@ class Process {
 
  private:
   pid_t pid_ = -1;
+  std::int64_t peakMemory_ = 0;
   int input_ = -1;
   std::string outputFile_;
   std::string errorFile_;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -116,6 +117,22 @@ TEST_F(StitchTest, EachPictureOfABracketGetsAPanorama) {
     ASSERT_TRUE(picture);
     EXPECT_GT(likeness(*picture, simulator::exposed(worldOf(640), steps[i])), 25) << steps[i];
   }
+}
+
+// Photos of the common size take long enough for the signal to come between two of them.
+TEST_F(StitchTest, AnInterruptLeavesThePanoramasThatAreFinished) {
+  const auto process = simulator({"--storage", folder.path() + "/card"});
+  const auto host = zelcam({"--timeout", "30", "photo", "-o", pictures(), "--stitch", "--bracket", "-2,0,1"});
+  ASSERT_TRUE(host->waitForOutput("-360.jpg")) << host->errors();
+  host->signal(SIGINT);
+  EXPECT_EQ(host->wait(), 130);
+  int whole = 0;
+  for (const auto& file : fs::directory_iterator(pictures())) {
+    if (!file.path().string().ends_with("-360.jpg")) continue;
+    EXPECT_TRUE(jpegIn(file.path())) << file.path();
+    ++whole;
+  }
+  EXPECT_GE(whole, 1);
 }
 
 TEST_F(StitchTest, WithoutAskingThereIsNoPanorama) {

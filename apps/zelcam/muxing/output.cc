@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "base/has_memory_for.h"
+
 namespace zel::app {
 namespace {
 
@@ -76,6 +78,10 @@ OutputReport Output::report() const {
 // Output's thread
 
 void Output::run() {
+  if (!hasMemoryFor([this] { writeStream(); })) failForMemory();
+}
+
+void Output::writeStream() {
   if (!waitForHeaders()) return;
   while (true) {
     Fault fault = connect();
@@ -162,6 +168,19 @@ bool Output::waitBeforeRetry(const std::string& fault) {
 std::optional<double> Output::nextWait() {
   const double lasted = std::exchange(wasConnected_, false) ? secondsSince(connectedAt_) : 0;
   return policy_.next(lasted, std::uniform_real_distribution<double>(0, 1)(random_));
+}
+
+// The output is at its end first, and then, if that can be, in words.
+void Output::failForMemory() {
+  {
+    const Lock lock(mutex_);
+    failed_ = true;
+    takes_ = false;
+    queue_.restart();
+    sink_.reset();
+    report_.fault.emplace();
+  }
+  ifMemoryAllows([this] { fail(fmt::format("{}: there is not enough memory", rules_.name)); });
 }
 
 void Output::fail(const std::string& fault) {

@@ -64,6 +64,8 @@ class Output {
   using Lock = std::unique_lock<std::mutex>;
 
   void run();
+  void writeStream();
+  void failForMemory();
   bool waitForHeaders();
   Fault connect();
   Fault writeAll();

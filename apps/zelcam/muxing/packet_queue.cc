@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/has_memory_for.h"
+
 namespace zel::app {
 
 bool PacketQueue::put(MediaPacket packet) {
@@ -9,10 +11,13 @@ bool PacketQueue::put(MediaPacket packet) {
     ++dropped_;
     return false;
   }
-  waitsForKey_ = false;
-  bytes_ += packet.data.size();
-  packets_.push_back(std::move(packet));
   const std::uint64_t before = dropped_;
+  waitsForKey_ = !hasMemoryFor([&] { packets_.push_back(std::move(packet)); });
+  if (waitsForKey_) {
+    ++dropped_;
+    return true;  // what follows is of no use without it
+  }
+  bytes_ += packets_.back().data.size();
   while (isTooMuch()) dropUpToKey();
   return dropped_ != before;
 }

@@ -21,7 +21,7 @@ class PacketQueue {
  public:
   explicit PacketQueue(QueueLimits limits = {}) : limits_(limits) {}
 
-  // Returns whether packets that had been taken were dropped for it.
+  // Returns whether packets that had been taken were dropped for it, or it was itself, for want of memory.
   bool put(MediaPacket packet);
 
   // The oldest. Nothing when there is none.

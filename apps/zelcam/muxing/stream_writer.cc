@@ -43,10 +43,10 @@ void StreamWriter::onPicture(Bytes picture, bool key, std::int64_t time, TimePoi
   const bool isFirst = !timeline_->hasBegun();
   const auto placed = timeline_->video(time, key);
   if (!placed || isOver(*placed)) return;
-  ++written_.pictures;
+  rules_.put({Track::video, key, *placed, withChangedSets(picture, key), arrival});
+  ++written_.pictures;  // behind what memory may end at
   written_.videoBytes += picture.size();
   written_.newestVideo = placed;
-  rules_.put({Track::video, key, *placed, withChangedSets(picture, key), arrival});
   if (isFirst) putKept(time);
 }
 
@@ -75,10 +75,10 @@ void StreamWriter::putKept(std::int64_t from) {
 void StreamWriter::put(const Sound& sound) {
   const auto placed = timeline_->audio(sound.time);
   if (!placed || (rules_.length && *placed >= *rules_.length)) return;
+  rules_.put({Track::audio, false, *placed, sound.frame, std::nullopt});
   ++written_.audioFrames;
   written_.audioBytes += sound.frame.size();
   written_.newestAudio = placed;
-  rules_.put({Track::audio, false, *placed, sound.frame, std::nullopt});
 }
 
 WrittenStream StreamWriter::written() const {

@@ -35,7 +35,16 @@ class ZEL_EXPORT CallGate {
 
   // Runs the call, unless the gate is closed. A call in progress on another thread is waited for; inside a callback the
   // call is handed to that thread instead, which makes it next. A call inside a call on the same thread runs at once.
-  void enter(const std::function<void()>& call);
+  // Takes memory inside a callback alone, where the call may have to be kept.
+  template <class Call>
+  void enter(const Call& call) {
+    std::function<void()> kept;
+    if (insideCallback()) kept = call;
+    if (!begin(kept)) return;
+    const Turn turn(*this);
+    call();
+    makeHandedOver();
+  }
 
   // Lets nothing through any more, and waits for a call in progress on another thread. Inside a callback it does not
   // wait: that call may then still be running, and is the last.
@@ -43,6 +52,23 @@ class ZEL_EXPORT CallGate {
 
  private:
   class State;
+
+  // One call in progress; it ends also where the call throws.
+  class Turn {
+   public:
+    explicit Turn(CallGate& gate) : gate_(gate) {}
+    ~Turn() { gate_.end(); }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+   private:
+    CallGate& gate_;
+  };
+
+  bool begin(std::function<void()>& kept);
+  void makeHandedOver();
+  void end();
+
   const std::unique_ptr<State> state_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <new>
 #include <semaphore>
 #include <utility>
 
@@ -24,6 +25,7 @@ struct Script {
   std::deque<Attempt> attempts;               // those after the last one go well
   std::counting_semaphore<1000> mayWrite{0};  // each packet takes one where `slow`
   bool slow = false;
+  bool hasNoMemory = false;
   Mutex mutex;
   std::vector<std::int64_t> written ZEL_GUARDED_BY(mutex);
   int finished ZEL_GUARDED_BY(mutex) = 0;
@@ -37,6 +39,7 @@ class ScriptedSink final : public Sink {
 
   Fault open(const StreamHeaders&) override { return attempt_.open; }
   Fault write(const MediaPacket& packet) override {
+    if (script_.hasNoMemory) throw std::bad_alloc();
     if (attempt_.failsAfter && count_++ == *attempt_.failsAfter) return "it broke";
     if (script_.slow) script_.mayWrite.acquire();
     ++taken_;
@@ -124,6 +127,20 @@ class OutputTest : public testing::Test {
   std::vector<std::string> told ZEL_GUARDED_BY(toldMutex);
   std::counting_semaphore<1000> tells{0};
 };
+
+TEST_F(OutputTest, FailsInWordsWhereMemoryEnds) {
+  script.hasNoMemory = true;
+  Output output(rules());
+  output.begin({});
+  output.put(picture(1, true));
+  waitFor(tells);
+  output.finish();
+  output.join();
+  EXPECT_TRUE(output.hasFailed());
+  EXPECT_EQ(output.report().fault, "it: there is not enough memory");
+  EXPECT_EQ(everythingTold(), "it: there is not enough memory\n");
+  EXPECT_EQ(finished(), 0);
+}
 
 TEST_F(OutputTest, WritesWhatCameAndFinishes) {
   Output output(rules());

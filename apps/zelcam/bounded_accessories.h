@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include <ZELTarkaSDK/platform/forwarding.h>
+#include "base/mutex.h"
+
+namespace zel::app {
+
+// How long to go on reading what cameras send. Asked before every read, it stops a camera that sends without end
+// before it is in memory, which a look from another thread could not.
+// Thread: any thread.
+class ReadingBound {
+ public:
+  // From now on asks that whether enough has come; null reads on without an end. The former one is not asked any more
+  // when the call returns, nor is it being asked. Thread of isEnough: the session thread.
+  void set(std::function<bool()> isEnough) {
+    const MutexLock lock(mutex_);
+    isEnough_.swap(isEnough);
+  }
+
+  bool isReached() {
+    const MutexLock lock(mutex_);
+    return isEnough_ && isEnough_();
+  }
+
+ private:
+  Mutex mutex_;
+  std::function<bool()> isEnough_ ZEL_GUARDED_BY(mutex_);
+};
+
+// Accessories whose streams end, without a word, where the bound is reached: their camera has fallen silent.
+// Owner: the arguments must outlive the object and its sessions.
+class BoundedAccessories final : public platform::ForwardingAccessoryManager {
+ public:
+  BoundedAccessories(platform::AccessoryManager& wrapped, ReadingBound& bound)
+      : ForwardingAccessoryManager(wrapped), bound_(bound) {}
+
+  std::unique_ptr<platform::AccessorySession> openSession(const std::shared_ptr<platform::Accessory>& accessory,
+                                                          std::string_view protocol) override;
+
+ private:
+  ReadingBound& bound_;
+};
+
+}  // namespace zel::app
