@@ -14,7 +14,7 @@
 #include "base/wire.h"
 #include "bench/ratio_report.h"
 #include "link/camera_data_parser.h"
-#include "link/marker_search.h"
+#include "link/frame_cutter.h"
 #include "protocol/frame.h"
 
 namespace zel::bench {

@@ -5,26 +5,26 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include <ZELTarkaSDK/LinkStatistics.h>
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
 
-#include "base/mutex.h"
 #include "link/camera_msg_packet.h"
 #include "link/camera_msg_parser.h"
+#include "link/frame_cutter.h"
+#include "link/frame_router.h"
 #include "link/frame_statistics.h"
 #include "link/message_registry.h"
-#include "link/receive_buffer.h"
 #include "link/roles.h"
 #include "link/zel_camera_data_parser.h"
-#include "protocol/frame.h"
 
 // Cuts the camera's byte stream into frames and hands each to its consumer; packs outbound messages.
 // Nothing on the stream is trusted: a partial frame waits, an unknown one is dropped and counted, an impossible length
 // has the session reopened. Owner:  consumers and the accessory are not owned. Thread: appendBytes, parserData and all
 // that they call run on the session thread; everything else on any thread.
-class CameraDataParser final : public zel::InboundStream {
+class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
  public:
   // The de-multiplexer of the process-wide stack.
   static CameraDataParser& shareCameraDataParser();
@@ -34,7 +34,7 @@ class CameraDataParser final : public zel::InboundStream {
   CameraDataParser& operator=(const CameraDataParser&) = delete;
 
   // Who is told of arriving data and of the clock's answer; null while there is nobody. Set before traffic starts.
-  void setAccessory(zel::AccessoryLink* accessory) { accessory_ = accessory; }
+  void setAccessory(zel::AccessoryLink* accessory);
   // Who sends the marker request. Set before traffic starts.
   void setSyncDataRequester(zel::SyncDataRequester* requester) { syncDataRequester_ = requester; }
 
@@ -43,60 +43,66 @@ class CameraDataParser final : public zel::InboundStream {
 
   // Delivers every whole frame received, in order; while resynchronising it looks for the marker instead, and what
   // follows the marker is left for the next call.
-  void parserData();
+  void parserData() { cutter_.cut(); }
 
   // The same as appendBytes() with these bytes and then parserData(), but copies only what the end of the bytes cuts
   // off: whole frames are delivered from where they lie.
-  void parserData(zel::ByteView lastRead) override;
+  void parserData(zel::ByteView lastRead) override { cutter_.cut(lastRead); }
 
   // parserDataWithUCDType:data:dataLen: - routes one frame's payload, and tells the accessory that data arrived,
   // whatever the type.
   void parserDataWithUCDType(std::int32_t type, const std::uint8_t* data, std::size_t dataLen);
 
   // parserMsg:dataLen: - dispatches a message by its code.
-  void parserMsg(const std::uint8_t* data, std::size_t dataLen);
+  void parserMsg(const std::uint8_t* data, std::size_t dataLen) { router_.parserMsg({data, dataLen}); }
 
   // Forgets the bytes received so far. Called from another thread while frames are being routed, it lets the frame in
   // progress finish and has the rest dropped.
-  void clearData() override;
+  void clearData() override { cutter_.clear(); }
 
   // Whether the marker is being looked for.
-  bool isNeedDataSynchronism() const { return isNeedDataSynchronism_.load(); }
-  void setIsNeedDataSynchronism(bool needed) override { isNeedDataSynchronism_.store(needed); }
+  bool isNeedDataSynchronism() const { return cutter_.needsMarker(); }
+  void setIsNeedDataSynchronism(bool needed) override { cutter_.setNeedsMarker(needed); }
 
   // A longer frame counts as a lost position, as every one does that is longer than kMaxFrameLength; photos may always
   // be of that length while there is a photo parser.
   //
   // Units: bytes, at most kMaxFrameLength. Thread: any thread.
-  void setLongestFrame(std::uint32_t bytes);
+  void setLongestFrame(std::uint32_t bytes) { cutter_.setLongestFrame(bytes); }
 
   // Asks the camera for the marker.
   void sendSyncData();
 
   // Bytes received and not yet consumed. Thread: session thread.
-  zel::ByteView data() const;
+  zel::ByteView data() const { return cutter_.held(); }
   // Memory held for them. Thread: session thread.
-  std::size_t dataCapacity() const { return buffer_.capacity(); }
+  std::size_t dataCapacity() const { return cutter_.capacity(); }
 
   // Consumer of types 1, 2 and 8, held weakly.
-  void setPreviewPlayer(std::weak_ptr<zel::PreviewConsumer> player);
-  std::shared_ptr<zel::PreviewConsumer> previewPlayer() const;
+  void setPreviewPlayer(std::weak_ptr<zel::PreviewConsumer> player) { router_.setPreviewPlayer(std::move(player)); }
+  std::shared_ptr<zel::PreviewConsumer> previewPlayer() const { return router_.previewPlayer(); }
   // Consumer of type 3; each capture brings its own.
-  void setPhotoParser(std::shared_ptr<zel::PhotoConsumer> parser);
-  std::shared_ptr<zel::PhotoConsumer> photoParser() const;
+  void setPhotoParser(std::shared_ptr<zel::PhotoConsumer> parser) { router_.setPhotoParser(std::move(parser)); }
+  std::shared_ptr<zel::PhotoConsumer> photoParser() const { return router_.photoParser(); }
   // Consumer of type 9.
-  void setUcdFile(std::shared_ptr<zel::FileReplyConsumer> file);
-  std::shared_ptr<zel::FileReplyConsumer> ucdFile() const;
+  void setUcdFile(std::shared_ptr<zel::FileReplyConsumer> file) { router_.setUcdFile(std::move(file)); }
+  std::shared_ptr<zel::FileReplyConsumer> ucdFile() const { return router_.ucdFile(); }
 
   // setVideoStreamRes: - keeps the code; one from 0 to 15 also sets the preview player's picture size and frame rate.
   void setVideoStreamRes(std::uint64_t code);
   std::uint64_t videoStreamRes() const { return videoStreamRes_.load(); }
 
   // Registries; an earlier record under the same key is replaced. Keys count with their low 32 bits.
-  void registerMsgPacket(CameraMsgPacket packet, std::int64_t msgType);
-  void registerMsgParser(CameraMsgParser parser, std::int64_t ucdMsgResponseType);
-  void registerDataParser(ZELCameraDataParser parser, std::int64_t ucdDataType);
-  void removeDataParser(std::int64_t ucdDataType);
+  void registerMsgPacket(CameraMsgPacket packet, std::int64_t msgType) {
+    msgPacketDic_.put(msgType, std::move(packet));
+  }
+  void registerMsgParser(CameraMsgParser parser, std::int64_t ucdMsgResponseType) {
+    router_.msgParserDic().put(ucdMsgResponseType, std::move(parser));
+  }
+  void registerDataParser(ZELCameraDataParser parser, std::int64_t ucdDataType) {
+    router_.dataParserDic().put(ucdDataType, std::move(parser));
+  }
+  void removeDataParser(std::int64_t ucdDataType) { router_.dataParserDic().remove(ucdDataType); }
 
   // packetMsgData:withData: - the whole outbound frame; nothing when no request is registered under the number.
   std::optional<ZELData> packetMsgData(std::int64_t msgType, const ZELMessageFields& fields) const;
@@ -105,54 +111,16 @@ class CameraDataParser final : public zel::InboundStream {
   void copyStatistics(zel::LinkStatistics& into) const { statistics_.copyTo(into); }
 
  private:
-  struct Consumers {
-    std::weak_ptr<zel::PreviewConsumer> player;
-    std::weak_ptr<zel::PhotoConsumer> photo;
-    std::weak_ptr<zel::FileReplyConsumer> file;
-  };
-
-  const Consumers& consumers();
-  bool wasCleared() const { return clears_.load() != clearsSeen_; }
-  void forgetClearedBytes();
-  void parseAppended();
-  void findSynchronism();
-  void startAfterMarker(std::size_t markerEnd);
-  // The following return false when the session was closed or reopened, and what was read must not be touched any more.
-  bool parseHeld();
-  bool completeHeld(zel::ByteView& lastRead);
-  // Delivers the whole frames at the front of `bytes` and removes them; `awaited` is the length of the one that is cut.
-  bool walk(zel::ByteView& bytes, std::size_t& awaited);
-  bool losePosition();
-  bool hold(zel::ByteView bytes);
-  std::uint32_t longest(std::uint16_t type);
-  void route(std::int32_t type, zel::ByteView payload);
-  void routeVideo(zel::ByteView payload);
-  void routeAudio(zel::ByteView payload);
-  void routePhoto(zel::ByteView payload);
-  void routeRegistered(zel::ByteView payload);
-  void routeTimestamp(zel::ByteView payload);
-  void routeFile(zel::ByteView payload);
+  void takeFrame(std::uint16_t type, zel::ByteView payload) override;
+  void streamBegins() override;
+  bool awaitsPhoto() override { return router_.awaitsPhoto(); }
+  void positionLost() override;
 
   zel::AccessoryLink* accessory_ = nullptr;              // set before traffic starts
   zel::SyncDataRequester* syncDataRequester_ = nullptr;  // set before traffic starts
-
-  zel::ReceiveBuffer buffer_;     // session thread only
-  std::uint64_t clearsSeen_ = 0;  // session thread only
-  std::atomic<std::uint64_t> clears_ = 0;
-  std::atomic<bool> isNeedDataSynchronism_ = false;
-  std::atomic<std::uint64_t> videoStreamRes_ = 0;
-  std::atomic<std::uint32_t> longestFrame_ = zel::kMaxFrameLength;
   zel::FrameStatistics statistics_;
-
+  zel::FrameCutter cutter_{*this, statistics_};
+  zel::FrameRouter router_{statistics_};
   zel::Registry<CameraMsgPacket> msgPacketDic_;
-  zel::Registry<CameraMsgParser> msgParserDic_;
-  zel::Registry<ZELCameraDataParser> dataParserDic_;
-
-  Consumers consumersCopy_;          // session thread only
-  std::uint64_t consumersSeen_ = 0;  // session thread only
-  std::atomic<std::uint64_t> consumersVersion_ = 0;
-  mutable zel::Mutex consumersMutex_;
-  std::weak_ptr<zel::PreviewConsumer> previewPlayer_ ZEL_GUARDED_BY(consumersMutex_);
-  std::shared_ptr<zel::PhotoConsumer> photoParser_ ZEL_GUARDED_BY(consumersMutex_);
-  std::shared_ptr<zel::FileReplyConsumer> ucdFile_ ZEL_GUARDED_BY(consumersMutex_);
+  std::atomic<std::uint64_t> videoStreamRes_ = 0;
 };

@@ -8,11 +8,10 @@
 #include <ZELTarkaSDK/platform/ports.h>
 #include "base/has_memory_for.h"
 #include "base/mutex.h"
-#include "base/observer_list.h"
 #include "link/camera_data_parser.h"
 #include "link/camera_session.h"
 #include "link/keep_alive.h"
-#include "link/link_clock.h"
+#include "link/link_state.h"
 #include "link/zel_tunnel_service.h"
 
 using zel::MutexLock;
@@ -22,13 +21,8 @@ using zel::platform::NotificationObservation;
 
 namespace {
 
-constexpr double kDetectPeriod = 1.0;       // seconds
-constexpr double kFirstFrameTimeout = 5.0;  // a fresh session is given longer than a running one
-constexpr double kSilenceTimeout = 3.0;
-constexpr double kNeverReceived = -1.0;
+constexpr double kDetectPeriod = 1.0;        // seconds
 constexpr std::int64_t kSlowRoundTrip = 12;  // milliseconds, from which a clock exchange is repeated
-
-enum Status : std::uint64_t { kClosed = 0, kOpen = 1, kFlowing = 2, kSilent = 3 };
 
 using Handler = void (ZELCameraAccessory::*)(const Notification&);
 
@@ -46,16 +40,16 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
        std::string serial)
       : accessory(owner),
         ports(hostPorts),
-        clock(ports.clock),
+        link(ports.clock),
         parser(cameraParser),
         serialNumber(std::move(serial)),
         session(ports, *this, cameraParser) {}
 
   void successCreateSession() override { accessory.successCreateSession(); }
-  void receivedData() override { accessory.receivedData(); }
-  std::int64_t firewareVersion() const override { return accessory.firewareVersion(); }
-  std::int64_t timeOffset() const override { return accessory.timeOffset(); }
-  double absoluteTime() const override { return clock.absoluteTime(); }
+  void receivedData() override { link.received(); }
+  std::int64_t firewareVersion() const override { return firewareNumber.load(); }
+  std::int64_t timeOffset() const override { return link.timeOffset(); }
+  double absoluteTime() const override { return link.absoluteTime(); }
   void sendSyncTimeCmd() override { accessory.sendSyncTimeCmd(); }
   void updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveTime) override {
     accessory.updateReceiveSyncTimeCmdTimestamp(receiveTime);
@@ -64,22 +58,13 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
 
   ZELCameraAccessory& accessory;
   const zel::platform::Ports ports;
-  zel::LinkClock clock;
+  zel::LinkState link;
   CameraDataParser& parser;
   const std::string serialNumber;  // empty: any camera
   zel::KeepAlive keepAlive;        // set before the object is used
 
-  // Read on any thread without a lock; written under linkMutex where two threads write.
-  std::atomic<std::uint64_t> status = kClosed;
-  std::atomic<double> lastReceivedDataTimer = kNeverReceived;
-  std::atomic<std::int64_t> firewareNumber = 0;
-  std::atomic<std::int64_t> timeOffset_ = 0;
+  std::atomic<std::int64_t> firewareNumber = 0;  // that of accessoryInfo, read for every frame
   std::atomic<std::int64_t> syncRoundTrip = -1;
-  zel::ObserverList<std::uint64_t> statusObservers;
-
-  // Orders what the session thread reports against the closing of the session: a last frame must not bring a closed
-  // connection back to life.
-  zel::Mutex linkMutex;
 
   mutable zel::Mutex infoMutex;
   std::shared_ptr<const ZELAccessoryInfo> accessoryInfo ZEL_GUARDED_BY(infoMutex);
@@ -113,16 +98,16 @@ void ZELCameraAccessory::setKeepAlive(const zel::KeepAlive& keepAlive) {
   impl_->session.setKeepAlive(keepAlive);
 }
 
-std::uint64_t ZELCameraAccessory::status() const { return impl_->status.load(); }
+std::uint64_t ZELCameraAccessory::status() const { return static_cast<std::uint64_t>(impl_->link.status()); }
 
 zel::Observation ZELCameraAccessory::observeStatus(StatusObserver observer) {
-  return impl_->statusObservers.add(std::move(observer));
+  return impl_->link.observe(std::move(observer));
 }
 
 std::int64_t ZELCameraAccessory::firewareVersion() const { return impl_->firewareNumber.load(); }
-std::int64_t ZELCameraAccessory::timeOffset() const { return impl_->timeOffset_.load(); }
+std::int64_t ZELCameraAccessory::timeOffset() const { return impl_->link.timeOffset(); }
 std::int64_t ZELCameraAccessory::syncRoundTrip() const { return impl_->syncRoundTrip.load(); }
-double ZELCameraAccessory::lastReceivedDataTimer() const { return impl_->lastReceivedDataTimer.load(); }
+double ZELCameraAccessory::lastReceivedDataTimer() const { return impl_->link.lastReceived(); }
 CameraSession& ZELCameraAccessory::cameraSession() { return impl_->session; }
 ZELTunnelService& ZELCameraAccessory::tunnelService() { return impl_->tunnelService; }
 void ZELCameraAccessory::simulatorConnectToHost(std::string_view, int) {}
@@ -261,35 +246,17 @@ void ZELCameraAccessory::closeConnection() {
   setAccessoryInfo(nullptr);
   impl_->tunnelService.close();
   stopDetectTimer();
-  {
-    const MutexLock lock(impl_->linkMutex);
-    impl_->timeOffset_.store(0);
-    impl_->lastReceivedDataTimer.store(kNeverReceived);
-    if (impl_->status.exchange(kClosed) == kClosed) return;
-  }
-  impl_->statusObservers.notify(kClosed);
+  impl_->link.close();
 }
 
 void ZELCameraAccessory::writeData(const ZELData& data) { impl_->session.writeData(data); }
 void ZELCameraAccessory::sendSyncTimeCmd() { impl_->session.sendSyncTimeCmd(); }
 
 void ZELCameraAccessory::successCreateSession() {
-  impl_->clock.anchor();
-  setStatusWhileOpen(kOpen);
+  impl_->link.opened([this] { return impl_->session.isOpen(); });
 }
 
-void ZELCameraAccessory::receivedData() { setStatusWhileOpen(kFlowing); }
-
-// Data has come, or a session has: the clock starts anew.
-void ZELCameraAccessory::setStatusWhileOpen(std::uint64_t status) {
-  {
-    const MutexLock lock(impl_->linkMutex);
-    if (!impl_->session.isOpen()) return;
-    impl_->lastReceivedDataTimer.store(impl_->clock.absoluteTime());
-    if (impl_->status.exchange(status) == status) return;
-  }
-  impl_->statusObservers.notify(status);
-}
+void ZELCameraAccessory::receivedData() { impl_->link.received(); }
 
 void ZELCameraAccessory::startDetectTimer() {
   stopDetectTimer();
@@ -307,26 +274,9 @@ void ZELCameraAccessory::stopDetectTimer() {
 
 void ZELCameraAccessory::onDetectTimer() {
   const auto held = impl_->keepAlive.hold();
-  const std::uint64_t seen = impl_->status.load();
-  const double last = impl_->lastReceivedDataTimer.load();
-  if (last < 0) return;  // closed, and this tick was already under way
-  const double silence = impl_->clock.absoluteTime() - last;
-  if (seen == kOpen) {
-    if (impl_->parser.isNeedDataSynchronism()) impl_->parser.sendSyncData();
-    if (silence > kFirstFrameTimeout) replaceStatus(seen, kSilent);
-  } else {
-    replaceStatus(seen, silence > kSilenceTimeout ? kSilent : kFlowing);
-  }
-}
-
-// Only if nobody changed the status meanwhile: a session that is reopened during a tick must stay at 1, since the
-// marker is asked for at 1 alone.
-void ZELCameraAccessory::replaceStatus(std::uint64_t from, std::uint64_t to) {
-  {
-    const MutexLock lock(impl_->linkMutex);
-    if (from == to || !impl_->status.compare_exchange_strong(from, to)) return;
-  }
-  impl_->statusObservers.notify(to);
+  const zel::LinkStatus seen = impl_->link.status();
+  if (seen == zel::LinkStatus::open && impl_->parser.isNeedDataSynchronism()) impl_->parser.sendSyncData();
+  impl_->link.checkSilence(seen);
 }
 
 void ZELCameraAccessory::updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveTime) {
@@ -334,6 +284,5 @@ void ZELCameraAccessory::updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveT
   const std::int64_t roundTrip = receiveTime - sent;
   impl_->syncRoundTrip.store(roundTrip);
   if (roundTrip >= kSlowRoundTrip && impl_->session.takeSyncTimeResend()) impl_->session.sendSyncTimeCmd();
-  const MutexLock lock(impl_->linkMutex);
-  if (impl_->session.isOpen()) impl_->timeOffset_.store(sent + roundTrip / 2);
+  impl_->link.setTimeOffset(sent + roundTrip / 2);
 }

@@ -132,8 +132,6 @@ class ZEL_EXPORT ZELCameraAccessory {
   std::shared_ptr<const ZELAccessoryInfo> watchAndConnect();
   void connectAndTell(const zel::platform::Notification& notification);
   void setAccessoryInfo(std::shared_ptr<const ZELAccessoryInfo> info);
-  void setStatusWhileOpen(std::uint64_t status);
-  void replaceStatus(std::uint64_t from, std::uint64_t to);
   bool isWanted(const zel::platform::Accessory& accessory) const;
   std::unique_ptr<zel::platform::NotificationObservation> observe(
       std::string_view name, void (ZELCameraAccessory::*handle)(const zel::platform::Notification&));

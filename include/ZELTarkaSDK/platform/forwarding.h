@@ -10,14 +10,16 @@
 
 #include <ZELTarkaSDK/platform/accessory.h>
 #include <ZELTarkaSDK/platform/clock.h>
+#include <ZELTarkaSDK/platform/notification_center.h>
+#include <ZELTarkaSDK/platform/queues.h>
+#include <ZELTarkaSDK/platform/run_loop.h>
 #include <ZELTarkaSDK/platform/video_decoder.h>
 #include <ZELTarkaSDK/platform/video_encoder.h>
 
 namespace zel::platform {
 
-// Bases for faults of a camera, a clock or a codec: each passes every operation on to the object that it wraps, so that
-// a subclass states only what goes wrong. A base made with a reference does not own the object, which must outlive it.
-//
+// Bases for faults: each passes every operation on to the object that it wraps, so that a subclass states only what
+// goes wrong. A base made with a reference does not own the object, which must outlive it.
 // Thread: as the wrapped object.
 
 class ForwardingClock : public Clock {
@@ -35,6 +37,47 @@ class ForwardingClock : public Clock {
 
  private:
   Clock& wrapped_;
+};
+
+class ForwardingQueue : public Queue {
+ public:
+  explicit ForwardingQueue(Queue& wrapped) : wrapped_(wrapped) {}
+
+  void post(Task task) override { wrapped_.post(std::move(task)); }
+
+ private:
+  Queue& wrapped_;
+};
+
+// Streams know only run loops of their own platform: schedule them on the wrapped one.
+class ForwardingRunLoop : public RunLoop {
+ public:
+  explicit ForwardingRunLoop(RunLoop& wrapped) : wrapped_(wrapped) {}
+
+  void perform(Task task) override { wrapped_.perform(std::move(task)); }
+  std::unique_ptr<Timer> scheduleRepeating(double seconds, Task task) override {
+    return wrapped_.scheduleRepeating(seconds, std::move(task));
+  }
+  std::unique_ptr<RunLoopSource> addSource(Task task) override { return wrapped_.addSource(std::move(task)); }
+  bool isWaiting() const override { return wrapped_.isWaiting(); }
+  void wakeUp() override { wrapped_.wakeUp(); }
+  void stop() override { wrapped_.stop(); }
+
+ private:
+  RunLoop& wrapped_;
+};
+
+class ForwardingNotificationCenter : public NotificationCenter {
+ public:
+  explicit ForwardingNotificationCenter(NotificationCenter& wrapped) : wrapped_(wrapped) {}
+
+  [[nodiscard]] std::unique_ptr<NotificationObservation> observe(std::string_view name, Observer observer) override {
+    return wrapped_.observe(name, std::move(observer));
+  }
+  void post(const Notification& notification) override { wrapped_.post(notification); }
+
+ private:
+  NotificationCenter& wrapped_;
 };
 
 // Delegates are told of the forwarding stream, not of the wrapped one, so that what they do to it is forwarded too.

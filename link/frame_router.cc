@@ -1,0 +1,148 @@
+#include "link/frame_router.h"
+
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include <ZELTarkaSDK/platform/clock.h>
+
+#include "protocol/frame.h"
+
+namespace zel {
+
+void FrameRouter::route(std::int32_t type, ByteView payload) {
+  const bool isOnTheWire = type >= 0 && type <= std::numeric_limits<std::uint16_t>::max();
+  switch (isOnTheWire ? FrameType(type) : FrameType::other) {
+    case FrameType::previewVideo:
+      return routeVideo(payload);
+    case FrameType::previewAudio:
+      return routeAudio(payload);
+    case FrameType::photo:
+      return routePhoto(payload);
+    case FrameType::message:
+      return parserMsg(payload);
+    case FrameType::registered:
+      return routeRegistered(payload);
+    case FrameType::timestamp:
+      return routeTimestamp(payload);
+    case FrameType::file:
+      return routeFile(payload);
+    case FrameType::other:
+      break;
+  }
+  statistics_.dropped.unknownType.add(1);
+}
+
+void FrameRouter::routeVideo(ByteView payload) {
+  const auto player = consumers().player.lock();
+  if (!player) return statistics_.dropped.noConsumer.add(1);
+  player->appendVideoBytes(payload);
+}
+
+void FrameRouter::routeAudio(ByteView payload) {
+  const auto player = consumers().player.lock();
+  if (!player) return statistics_.dropped.noConsumer.add(1);
+  player->appendAudioBytes(payload);
+}
+
+void FrameRouter::routePhoto(ByteView payload) {
+  const auto parser = consumers().photo.lock();
+  if (!parser) return statistics_.dropped.noConsumer.add(1);
+  parser->parserData(payload);
+}
+
+void FrameRouter::routeFile(ByteView payload) {
+  const auto file = consumers().file.lock();
+  if (!file) return statistics_.dropped.noConsumer.add(1);
+  file->parserUCD(payload);
+}
+
+void FrameRouter::routeRegistered(ByteView payload) {
+  const auto record = dataParserDic_.find(static_cast<std::int64_t>(FrameType::registered));
+  if (!record || !record->parserBlock()) return statistics_.dropped.unregisteredData.add(1);
+  record->parserBlock()(record->srcObj(), payload);
+}
+
+// Payload:
+//
+//   0      1                       9
+//   +------+-----------------------+----------
+//   | flag | camera time, ms (s64) | ignored
+//   +------+-----------------------+----------
+//
+// Flag 0 is video, anything else audio.
+void FrameRouter::routeTimestamp(ByteView payload) {
+  if (payload.size() < kTimestampPayload) return statistics_.dropped.shortTimestamp.add(1);
+  if (accessory_ == nullptr || accessory_->firewareVersion() < kFirewareVersion190) {
+    return statistics_.dropped.timestampOldFirmware.add(1);
+  }
+  const auto player = consumers().player.lock();
+  if (!player) return statistics_.dropped.noConsumer.add(1);
+  // Added as unsigned numbers, because a hostile time must wrap around and not overflow.
+  const auto cameraTime = loadLittleEndian<std::uint64_t>(payload.data() + 1);
+  const auto phoneTime = static_cast<std::int64_t>(cameraTime + static_cast<std::uint64_t>(accessory_->timeOffset()));
+  if (payload[0] == 0) return player->setNextVideoTimestamp(phoneTime);
+  player->setNextAudioTimestamp(phoneTime);
+}
+
+void FrameRouter::parserMsg(ByteView message) {
+  if (message.size() < 2) return statistics_.dropped.shortMessage.add(1);
+  const auto code = loadLittleEndian<std::uint16_t>(message.data());
+  if (message.size() >= 3 && code == kSyncTimeReply && accessory_ != nullptr) {
+    accessory_->updateReceiveSyncTimeCmdTimestamp(platform::wholeMilliseconds(accessory_->absoluteTime()));
+  }
+  const auto record = msgParserDic_.find(code);
+  if (!record) {
+    if (code != kSyncTimeReply) statistics_.dropped.unregisteredCode.add(1);
+    return;
+  }
+  std::optional<ZELData> body;  // a message of two bytes has no body at all, which is not an empty one
+  if (message.size() >= 3) body.emplace(message.subspan(2));
+  if (record->parserBlock()) record->parserBlock()(record->msgType(), body, record->sourceObj());
+}
+
+// The session thread's own copy, renewed when somebody set a consumer: a frame then costs no lock.
+const FrameRouter::Consumers& FrameRouter::consumers() {
+  const std::uint64_t version = consumersVersion_.load();
+  if (version != consumersSeen_) {
+    const MutexLock lock(consumersMutex_);
+    consumersCopy_ = {previewPlayer_, photoParser_, ucdFile_};
+    consumersSeen_ = version;
+  }
+  return consumersCopy_;
+}
+
+void FrameRouter::setPreviewPlayer(std::weak_ptr<PreviewConsumer> player) {
+  const MutexLock lock(consumersMutex_);
+  std::swap(previewPlayer_, player);
+  consumersVersion_.fetch_add(1);
+}
+
+std::shared_ptr<PreviewConsumer> FrameRouter::previewPlayer() const {
+  const MutexLock lock(consumersMutex_);
+  return previewPlayer_.lock();
+}
+
+void FrameRouter::setPhotoParser(std::shared_ptr<PhotoConsumer> parser) {
+  const MutexLock lock(consumersMutex_);
+  std::swap(photoParser_, parser);
+  consumersVersion_.fetch_add(1);
+}
+
+std::shared_ptr<PhotoConsumer> FrameRouter::photoParser() const {
+  const MutexLock lock(consumersMutex_);
+  return photoParser_;
+}
+
+void FrameRouter::setUcdFile(std::shared_ptr<FileReplyConsumer> file) {
+  const MutexLock lock(consumersMutex_);
+  std::swap(ucdFile_, file);
+  consumersVersion_.fetch_add(1);
+}
+
+std::shared_ptr<FileReplyConsumer> FrameRouter::ucdFile() const {
+  const MutexLock lock(consumersMutex_);
+  return ucdFile_;
+}
+
+}  // namespace zel
