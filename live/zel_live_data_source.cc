@@ -77,15 +77,14 @@ void ZELLiveDataSource::stopPreview() {
 // The start chain
 
 void ZELLiveDataSource::startLiveData() {
+  state_->output.restart();
   {
     const MutexLock lock(state_->statusLock);
-    state_->isLive.store(true);
+    state_->run.begin();
   }
-  state_->output.restart();
-  state_->cancelled.store(false);
   const bool begun = zel::hasMemoryFor([this] {
     choosePlayer();
-    setCameraPreviewOn(true, whenStarted(state_->currentRun(), &ZELLiveDataSource::startAudio));
+    setCameraPreviewOn(true, whenStarted(state_->run.number(), &ZELLiveDataSource::startAudio));
   });
   if (!begun) fail(1, "failed to get camera demux");
 }
@@ -95,7 +94,7 @@ ZELLiveDataSource::ResultBlock ZELLiveDataSource::whenStarted(std::uint64_t run,
                                                               void (ZELLiveDataSource::*next)(std::uint64_t)) {
   return [weak = weak_from_this(), run, next](bool success) {
     const auto self = weak.lock();
-    if (!self || !success || self->state_->isOver(run)) return;
+    if (!self || !success || self->state_->run.isOver(run)) return;
     if (!zel::hasMemoryFor([&] { (self.get()->*next)(run); })) self->fail(1, "failed to get camera demux");
   };
 }
@@ -109,7 +108,7 @@ void ZELLiveDataSource::fetchOffset(std::uint64_t run) {
                            bool success, const std::optional<std::string>& offset) {
     const auto self = weak.lock();
     bool isKept = success;
-    if (self && success && !self->state_->isOver(run)) {
+    if (self && success && !self->state_->run.isOver(run)) {
       isKept = zel::hasMemoryFor([&] { self->state_->settings.offset.set(offset); });
       if (!isKept) self->fail(3, "failed to get camera offset");
     }
@@ -133,7 +132,7 @@ void ZELLiveDataSource::attach(std::uint64_t run) {
 // The player's setters take no lock but their own, and call nobody.
 bool ZELLiveDataSource::attachToPlayer(std::uint64_t run) {
   const MutexLock lock(state_->attachMutex);
-  if (state_->isOver(run)) return false;
+  if (state_->run.isOver(run)) return false;
   const auto attached = state_->currentPlayer();
   if (!attached) {
     fail(1, "failed to get camera demux");
@@ -141,6 +140,7 @@ bool ZELLiveDataSource::attachToPlayer(std::uint64_t run) {
   }
   attached->setPixelBufferDelegate(weak_from_this());
   attached->setMediaDataDelegate(weak_from_this());
+  state_->run.attached();
   return true;
 }
 
@@ -150,8 +150,7 @@ void ZELLiveDataSource::stopLiveData() {
   State& state = *state_;
   {
     const MutexLock lock(state.attachMutex);
-    if (state.cancelled.exchange(true)) return;
-    state.stops.fetch_add(1);
+    if (!state.run.beginStop()) return;
   }
   state.stitching.join();
   state.encoding.join();
@@ -168,7 +167,7 @@ void ZELLiveDataSource::stopLiveData() {
   state.stitching.clear();
   state.encoding.clear();
   const MutexLock lock(state.statusLock);
-  state.isLive.store(false);
+  state.run.endStop();
   if (!isPreview()) releasePlayer();
 }
 

@@ -40,7 +40,7 @@ void ZELLiveDataSource::onH264Nalu(Bytes, bool, std::int64_t) {}
 // The two threads
 
 void ZELLiveDataSource::runRenderThread(std::uint64_t run) {
-  state_->stitching.run([this, run] { return state_->isOver(run); },
+  state_->stitching.run([this, run] { return state_->run.isOver(run); },
                         [this](LiveFrame stitched) {
                           ifMemoryAllows([&] {
                             const auto delegate = dataSourceDelegate();
@@ -54,7 +54,7 @@ void ZELLiveDataSource::runRenderThread(std::uint64_t run) {
 // Deliberate: the stop waits for the very thread that asks for it, and so for good. The delegate knows by then, and the
 // render thread ends.
 void ZELLiveDataSource::runEncodeThread(std::uint64_t run) {
-  state_->encoding.run([this, run] { return state_->isOver(run); },
+  state_->encoding.run([this, run] { return state_->run.isOver(run); },
                        [this] {
                          fail(7, "encode image error");
                          stopLiveData();
@@ -86,7 +86,7 @@ void ZELLiveDataSource::openEncoder(std::uint64_t run) {
   });
   {
     const MutexLock lock(state_->attachMutex);
-    if (state_->isOver(run)) return;
+    if (state_->run.isOver(run)) return;
     encoder = state_->encoding.install(std::move(encoder));
   }
   encoder.reset();

@@ -44,9 +44,9 @@ void ZELLiveDataSource::setRemovePurple(bool removePurple) { state_->stitching.s
 std::optional<std::string> ZELLiveDataSource::url() const { return state_->settings.url.get(); }
 void ZELLiveDataSource::setUrl(std::optional<std::string> url) { state_->settings.url.set(std::move(url)); }
 
-bool ZELLiveDataSource::cancelled() const { return state_->cancelled.load(); }
+bool ZELLiveDataSource::cancelled() const { return state_->run.cancelled(); }
 bool ZELLiveDataSource::isPreview() const { return state_->isPreview.load(); }
-bool ZELLiveDataSource::isLive() const { return state_->isLive.load(); }
+bool ZELLiveDataSource::isLive() const { return state_->run.isLive(); }
 bool ZELLiveDataSource::hasVideo() const { return state_->output.hasVideo(); }
 bool ZELLiveDataSource::hasAudio() const { return state_->output.hasAudio(); }
 std::int32_t ZELLiveDataSource::encodeFailCount() const { return state_->encoding.encodeFailCount(); }

@@ -13,6 +13,7 @@
 #include "live/encode_stage.h"
 #include "live/live_output.h"
 #include "live/live_parts.h"
+#include "live/live_run.h"
 #include "live/live_settings.h"
 #include "live/stitch_stage.h"
 
@@ -30,11 +31,6 @@ struct ZELLiveDataSource::State {
     return std::dynamic_pointer_cast<ZELPreviewPlayer>(parts.parser->previewPlayer());
   }
 
-  // A run is what begins with a start. It is known by the number of stops before it, so that a step of it that comes
-  // late does not begin anything after its stop.
-  std::uint64_t currentRun() const { return stops.load(); }
-  bool isOver(std::uint64_t run) const { return cancelled.load() || stops.load() != run; }
-
   const zel::LiveParts parts;
   zel::LiveSettings settings;
   zel::LiveOutput output;
@@ -42,15 +38,13 @@ struct ZELLiveDataSource::State {
   zel::EncodeStage encoding;
   zel::Guarded<std::shared_ptr<ZELPreviewPlayer>> player;
 
-  std::atomic<bool> cancelled = true;
-  std::atomic<std::uint64_t> stops = 0;
+  zel::LiveRun run;
   // Held where a run attaches itself and where it is stopped, so that neither sees the other half done.
   zel::Mutex attachMutex;
 
   // Both uses, and the decision to let the camera go, are one: the lock is held until its commands are sent.
   zel::Mutex statusLock;
   std::atomic<bool> isPreview = false;  // set with the lock
-  std::atomic<bool> isLive = false;     // likewise
 
   // Last: observers end before what they use.
   std::unique_ptr<zel::platform::NotificationObservation> background, active;

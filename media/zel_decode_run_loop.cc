@@ -42,7 +42,7 @@ void ZELDecodeRunLoop::stop() {
 
 void ZELDecodeRunLoop::abandon() {
   const MutexLock lock(loopMutex_);
-  abandoned_ = true;
+  become(State::abandoned);
   stopRunLoop();
 }
 
@@ -53,16 +53,18 @@ void ZELDecodeRunLoop::stopRunLoop() {
 // Without memory for its source the thread ends at once.
 void ZELDecodeRunLoop::begin(zel::platform::RunLoop& runLoop) {
   if (hasMemoryFor([&] { publish(runLoop); })) return;
-  failed_.store(true);
   withoutPicture_.fetch_add(1);
   runLoop.stop();
+  const MutexLock lock(loopMutex_);
+  become(State::failed);
 }
 
 void ZELDecodeRunLoop::publish(zel::platform::RunLoop& runLoop) {
   const MutexLock lock(loopMutex_);
-  if (abandoned_) return runLoop.stop();
+  if (state_.load() == State::abandoned) return runLoop.stop();
   source_ = runLoop.addSource([this] { decodeData(); });
   runLoop_ = &runLoop;
+  become(State::running);
 }
 
 void ZELDecodeRunLoop::withdraw() {
@@ -70,6 +72,7 @@ void ZELDecodeRunLoop::withdraw() {
   const MutexLock lock(loopMutex_);
   runLoop_ = nullptr;
   removed = std::move(source_);
+  if (state_.load() == State::running) become(State::idle);
 }
 
 void ZELDecodeRunLoop::appendDecodeData(Unit unit) {

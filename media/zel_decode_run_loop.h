@@ -51,7 +51,7 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   Picture getNextMediaPixelBuffer() ZEL_EXCLUDES(pixelBufferMutex_);
 
   // Whether its thread found no memory to begin; nothing is ever decoded then. Thread: any thread.
-  bool hasFailed() const { return failed_.load(); }
+  bool hasFailed() const { return state_.load() == State::failed; }
 
   // What has become of the units. Thread: any thread.
   zel::PreviewStatistics statistics() const;
@@ -63,6 +63,15 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   ZELDecodeRunLoop(zel::platform::Threads& threads, std::unique_ptr<ZELH264Decoder> h264Decoder,
                    std::weak_ptr<ZELPixelBufferDataProtocol> delegate);
 
+  enum class State {
+    idle,       // no thread runs the loop yet, or any more: units wait
+    running,    // units are decoded; runLoop_ and source_ are there
+    failed,     // there was no memory for the source: the thread ended at once
+    abandoned,  // nobody holds the object: a thread that begins only now ends at once
+  };
+
+  // The only writer of the state.
+  void become(State state) ZEL_REQUIRES(loopMutex_) { state_.store(state); }
   void abandon() ZEL_EXCLUDES(loopMutex_);
   void stopRunLoop() ZEL_REQUIRES(loopMutex_);
   void begin(zel::platform::RunLoop& runLoop) ZEL_EXCLUDES(loopMutex_);  // decode thread, before its loop runs
@@ -77,7 +86,6 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   const std::unique_ptr<ZELH264Decoder> h264Decoder_;  // decode thread only
   const std::weak_ptr<ZELPixelBufferDataProtocol> delegate_;
 
-  std::atomic<bool> failed_ = false;
   std::atomic<std::uint64_t> units_ = 0;
   std::atomic<std::uint64_t> dropped_ = 0;
   std::atomic<std::uint64_t> withoutPicture_ = 0;
@@ -92,7 +100,7 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   zel::Mutex loopMutex_;
   zel::platform::RunLoop* runLoop_ ZEL_GUARDED_BY(loopMutex_) = nullptr;  // set while the thread runs it
   std::unique_ptr<zel::platform::RunLoopSource> source_ ZEL_GUARDED_BY(loopMutex_);
-  bool abandoned_ ZEL_GUARDED_BY(loopMutex_) = false;
+  std::atomic<State> state_ = State::idle;  // written with the lock held
 
   zel::Mutex threadMutex_;
   std::unique_ptr<zel::platform::Thread> thread_ ZEL_GUARDED_BY(threadMutex_);  // last: it uses all the rest

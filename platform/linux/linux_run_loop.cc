@@ -43,7 +43,7 @@ std::shared_ptr<LinuxRunLoop> LinuxRunLoop::create() { return std::shared_ptr<Li
 LinuxRunLoop::LinuxRunLoop() : alarm_(io_, [this] { rung(); }), work_(io_.get_executor()) {}
 
 LinuxRunLoop::~LinuxRunLoop() {
-  stopped_.store(true);  // what dies now cannot queue anything more
+  end(Ending::stop);  // what dies now cannot queue anything more
   discard();
 }
 
@@ -59,7 +59,7 @@ void LinuxRunLoop::perform(Task task) {
   bool isFirst = false;
   {
     const MutexLock lock(mutex_);
-    if (stopped_.load()) return;  // the task dies with the parameter, after the lock
+    if (isStopped()) return;  // the task dies with the parameter, after the lock
     tasks_.push_back(std::move(task));
     isFirst = !std::exchange(nextIsDue_, true);
   }
@@ -75,19 +75,19 @@ void LinuxRunLoop::scheduleNext() {
 // With an executor the tasks are the host's to run, and the alarm only ends a sleep.
 void LinuxRunLoop::rung() {
   if (!executor_) return runNext();
-  waiting_.store(false);
+  becomes(Sleep::awake);
 }
 
 // One event for each task, so that tasks, timers and streams take turns. The next one is scheduled first, because the
 // task may run the loop itself.
 void LinuxRunLoop::runNext() {
-  waiting_.store(false);
+  becomes(Sleep::awake);
   Task task;
   bool more = false;
   {
     const MutexLock lock(mutex_);
-    nextIsDue_ = more = !stopped_.load() && tasks_.size() > 1;
-    if (stopped_.load() || tasks_.empty()) return;
+    nextIsDue_ = more = !isStopped() && tasks_.size() > 1;
+    if (isStopped() || tasks_.empty()) return;
     task = std::move(tasks_.front());
     tasks_.pop_front();
   }
@@ -99,7 +99,7 @@ void LinuxRunLoop::runNext() {
 
 void LinuxRunLoop::handOver(std::function<void()> call) {
   executor_([self = shared_from_this(), call = std::move(call)] {
-    if (self->stopped_.load()) return;
+    if (self->isStopped()) return;
     call();
     self->runSources();
   });
@@ -125,25 +125,33 @@ void LinuxRunLoop::runSources() {
     sources = sources_;
   }
   for (const auto& source : sources) {
-    if (!stopped_.load() && source->signalled.exchange(false)) source->task.call();
+    if (!isStopped() && source->signalled.exchange(false)) source->task.call();
   }
 }
 
 // A loop with an executor cannot know whether the host sleeps, and says so, so that nobody leaves out the wake-up.
-bool LinuxRunLoop::isWaiting() const { return executor_ || waiting_.load(); }
+bool LinuxRunLoop::isWaiting() const { return executor_ || sleep_.load() != Sleep::awake; }
 
 void LinuxRunLoop::wakeUp() {
   const auto self = shared_from_this();
-  if (!isWaiting() || wakingUp_.exchange(true)) return;
+  if (!beginWaking()) return;
   const auto wake = [this] {
-    waiting_.store(false);
-    wakingUp_.store(false);
+    becomes(Sleep::awake);
     if (executor_) runSources();
   };
   if (executor_) return executor_([self, wake] { wake(); });
   if (hasMemoryFor([&] { asio::post(io_, wake); })) return;
-  wakingUp_.store(false);
+  becomes(Sleep::asleep);
   alarm_.ring();
+}
+
+// False where nobody needs to wake it. With an executor nobody knows whether the host sleeps.
+bool LinuxRunLoop::beginWaking() {
+  Sleep seen = sleep_.load();
+  while (seen != Sleep::waking && (executor_ || seen == Sleep::asleep)) {
+    if (sleep_.compare_exchange_weak(seen, Sleep::waking)) return true;
+  }
+  return false;
 }
 
 // Ends the sleep also of a loop that has not reported it yet. It takes no memory: what dies while there is none still
@@ -156,48 +164,60 @@ void LinuxRunLoop::nudge() {
 void LinuxRunLoop::stop() {
   {
     const MutexLock lock(mutex_);
-    stopped_.store(true);
+    end(Ending::stop);
   }
   nudge();
 }
 
 void LinuxRunLoop::leave() {
-  leaving_.store(true);
+  end(Ending::leave);
   nudge();
+}
+
+// A loop that has been stopped stays so.
+void LinuxRunLoop::end(Ending how) {
+  Ending seen = ending_.load();
+  while (seen != Ending::stop && !ending_.compare_exchange_weak(seen, how)) continue;
+}
+
+// Whether somebody asked for the run to be left; the next one is not.
+bool LinuxRunLoop::takeLeave() {
+  Ending leave = Ending::leave;
+  return ending_.compare_exchange_strong(leave, Ending::none);
 }
 
 // Announcing the sleep first and looking at the signals afterwards is what loses no wake-up: whoever signals either
 // sees the announcement and wakes the loop, or has signalled before this look.
 void LinuxRunLoop::turn() {
   runSources();
-  waiting_.store(true);
-  if (!signalled_.load() && !stopped_.load() && !leaving_.load()) io_.run_one();
-  waiting_.store(false);
+  becomes(Sleep::asleep);
+  if (!signalled_.load() && ending_.load() == Ending::none) io_.run_one();
+  becomes(Sleep::awake);
 }
 
 void LinuxRunLoop::run() {
   const Scope scope(*this);
-  while (!stopped_.load() && !leaving_.exchange(false)) turn();
-  if (stopped_.load()) discard();
+  while (!isStopped() && !takeLeave()) turn();
+  if (isStopped()) discard();
 }
 
 bool LinuxRunLoop::runFor(std::chrono::steady_clock::duration time) {
   const auto ended = std::make_shared<std::atomic<bool>>(false);
   asio::steady_timer timer(io_, time);
   timer.async_wait([this, ended](const std::error_code& error) {
-    waiting_.store(false);
+    becomes(Sleep::awake);
     if (!error) ended->store(true);
   });
   const Scope scope(*this);
   bool left = false;
-  while (!ended->load() && !(left = stopped_.load() || leaving_.exchange(false))) turn();
-  if (stopped_.load()) discard();
+  while (!ended->load() && !(left = isStopped() || takeLeave())) turn();
+  if (isStopped()) discard();
   return left;
 }
 
 void LinuxRunLoop::drain() {
   const Scope scope(*this);
-  for (int turns = 0; turns < kTurnsOfOneDrain && !stopped_.load(); ++turns) {
+  for (int turns = 0; turns < kTurnsOfOneDrain && !isStopped(); ++turns) {
     const bool sourceIsDue = signalled_.load();
     runSources();
     if (io_.poll_one() == 0 && !sourceIsDue) break;

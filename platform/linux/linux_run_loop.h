@@ -32,8 +32,8 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   void wakeUp() override;
   void stop() override;
 
-  // Whether the loop has been told to end.
-  bool isStopped() const { return stopped_.load(); }
+  // Whether the loop has been told to end for ever.
+  bool isStopped() const { return ending_.load() == Ending::stop; }
 
   // Runs on the calling thread until stop() or leave(). A leave() that came before it ends it at once.
   void run();
@@ -57,9 +57,9 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   template <class Call>
   auto handler(Call call) {
     return [this, call = std::move(call)](const auto& error) mutable {
-      waiting_.store(false);
+      becomes(Sleep::awake);
       if (executor_) return handOver([call = std::move(call), error]() mutable { call(error); });
-      if (!stopped_.load()) call(error);
+      if (!isStopped()) call(error);
     };
   }
 
@@ -82,6 +82,19 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   friend class LinuxRunLoopSource;
   struct SignalledTask;
 
+  // What ends run().
+  enum class Ending {
+    none,   // nothing: it goes on
+    leave,  // the run in progress ends, or the next one; the queue is kept for the run after it
+    stop,   // the loop has ended for ever
+  };
+  // Whether the loop's thread waits for events.
+  enum class Sleep {
+    awake,   // calls are made
+    asleep,  // it waits, or is about to
+    waking,  // it has been woken, and has not noticed yet
+  };
+
   LinuxRunLoop();
   void handOver(std::function<void()> call);
   void turn();
@@ -91,6 +104,11 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   void runSources();
   void remove(const std::shared_ptr<SignalledTask>& source);
   void nudge();
+  // The only writers of the two states.
+  void end(Ending how);
+  bool takeLeave();
+  void becomes(Sleep sleep) { sleep_.store(sleep); }
+  bool beginWaking();
   std::optional<Task> takeTask() ZEL_EXCLUDES(mutex_);
 
   asio::io_context io_;
@@ -98,11 +116,9 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   asio::executor_work_guard<asio::io_context::executor_type> work_;
   Executor executor_;  // constant once the loop is in use
 
-  std::atomic<bool> waiting_ = false;
-  std::atomic<bool> signalled_ = false;
-  std::atomic<bool> wakingUp_ = false;
-  std::atomic<bool> leaving_ = false;
-  std::atomic<bool> stopped_ = false;
+  std::atomic<Sleep> sleep_ = Sleep::awake;
+  std::atomic<Ending> ending_ = Ending::none;
+  std::atomic<bool> signalled_ = false;  // a source has been, since the loop looked
 
   Mutex mutex_;
   std::deque<Task> tasks_ ZEL_GUARDED_BY(mutex_);
