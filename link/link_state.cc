@@ -13,31 +13,34 @@ bool LinkState::set(LinkStatus status) { return status_.exchange(status) != stat
 
 void LinkState::opened(const std::function<bool()>& stillOpen) {
   clock_.anchor();
+  const double now = clock_.absoluteTime();
   {
     const MutexLock lock(mutex_);
     if (!stillOpen()) return;
-    lastReceived_.store(clock_.absoluteTime());
+    lastReceived_.store(now);
     if (!set(LinkStatus::open)) return;
   }
   tell(LinkStatus::open);
 }
 
 void LinkState::received() {
+  const double now = clock_.absoluteTime();
   {
     const MutexLock lock(mutex_);
     if (status_.load() == LinkStatus::closed) return;
-    lastReceived_.store(clock_.absoluteTime());
+    lastReceived_.store(now);
     if (!set(LinkStatus::flowing)) return;
   }
   tell(LinkStatus::flowing);
 }
 
 void LinkState::checkSilence(LinkStatus seen) {
+  const double now = clock_.absoluteTime();
   LinkStatus next = seen;
   {
     const MutexLock lock(mutex_);
     if (seen == LinkStatus::closed || status_.load() != seen) return;
-    const double silence = clock_.absoluteTime() - lastReceived_.load();
+    const double silence = now - lastReceived_.load();
     if (seen == LinkStatus::open) {
       if (silence > kFirstFrameTimeout) next = LinkStatus::silent;
     } else {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "platform/ffmpeg/h264_decoder.h"
-#include "tests/platform/ffmpeg/decoded_stream.h"
-#include "tests/platform/ffmpeg/stream_maker.h"
+#include "tests/platform/ffmpeg/streams/decoded_stream.h"
+#include "tests/platform/ffmpeg/streams/stream_maker.h"
 
 namespace zel::platform {
 namespace {

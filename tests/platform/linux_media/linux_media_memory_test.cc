@@ -18,7 +18,7 @@
 #include "platform/ffmpeg/h264_encoder.h"
 #include "platform/render/stitching_library.h"
 #include "tests/allocation_fault.h"
-#include "tests/platform/ffmpeg/stream_maker.h"
+#include "tests/platform/ffmpeg/streams/stream_maker.h"
 #include "tests/platform/render/pictures.h"
 
 namespace zel::test {
