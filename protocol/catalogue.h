@@ -95,8 +95,8 @@ inline constexpr Family kFamilies[] = {
     {"registerMsgReqGetCardState",            31, 0x400E, {},                                            value(u8(ucharValue), u64(uint64Value), u64(uint64Value2))},
     {"registerMsgReqMediaOffset",             32, 0x400F, {u8(ucharValue), u8(ucharValue2)},             flag(offsetText(nsString))},
     {"registerMsgReqSetMediaOffset",          33, 0x4010, {u8(ucharValue), u8(ucharValue2), offsetText(nsString)}, flag()},
-    {"registerMsgReqUpdateGps",               27, 0x400A, {gps},                                         silent},
-    {"registerMsgReqUpdateGyro",              34, 0x4011, {gyro},                                        silent},
+    {"registerMsgReqUpdateGps",               27, 0x400A, {gps},                                         unanswered},
+    {"registerMsgReqUpdateGyro",              34, 0x4011, {gyro},                                        unanswered},
     {"registerMsgReqGetSerialNumber",         35, 0x4012, {},                                            flag(ascii(nsString))},
     {"registerMsgReqSetSerialNumber",         36, 0x4013, {ascii(nsString)},                             flag()},
     {"registerMsgReqSetIPSwitchMode",         37, 0x4014, {u8(ucharValue)},                              flag()},
@@ -156,7 +156,7 @@ inline constexpr Family kFamilies[] = {
     {"registerMsgReqBattery",                 18, 0x4001, {},                                            value(u8(ucharValue), u8(ucharValue2)), Registered::afterTheEvents},
     // Deliberate: known but never registered, so that orientation updates are asked for and never sent. Cameras take
     // the orientation with each capture, and some do not bear the update.
-    {"registerMsgReqUpdateOrientation",       50, 0x4021, {orientation},                                 silent, Registered::never},
+    {"registerMsgReqUpdateOrientation",       50, 0x4021, {orientation},                                 unanswered, Registered::never},
 };
 // clang-format on
 }  // namespace catalogue

@@ -35,7 +35,7 @@ struct Reply {
   std::string_view description;  // of a custom one, for people
 };
 
-inline constexpr Reply silent{};
+inline constexpr Reply unanswered{};
 
 template <class... Fields>
 consteval Reply flag(Fields... fields) {
