@@ -5,6 +5,7 @@
 #include <ZELTarkaSDK/CameraInUse.h>
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
+#include <ZELTarkaSDK/LinkStatus.h>
 #include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
