@@ -6,10 +6,6 @@
 namespace zel {
 namespace {
 
-constexpr std::uint64_t kSessionOpen = 1;
-constexpr std::uint64_t kFlowing = 2;
-constexpr std::uint64_t kStopped = 3;
-
 ZELMessageFields errorFields(int code) { return {{std::string(key::nsError), zelOSStatusError(code)}}; }
 
 ByteView viewOf(const std::optional<ZELData>& body) { return body ? body->bytes() : ByteView(); }
@@ -22,7 +18,7 @@ RequestEngine::RequestEngine(ZELCameraAccessory& accessory, CameraDataParser& pa
   registerFamilies(Registered::beforeTheEvents);
   for (const CameraEvent& event : kEvents) registerEvent(event);
   registerFamilies(Registered::afterTheEvents);
-  statusObservation_ = accessory_.observeStatus([this](std::uint64_t status) { statusChanged(status); });
+  statusObservation_ = accessory_.observeStatus([this](std::uint64_t status) { statusChanged(LinkStatus{status}); });
 }
 
 RequestEngine::~RequestEngine() { alive_->close(); }
@@ -78,7 +74,7 @@ void RequestEngine::msgReqSendSyncData(const ZELData& data, RebackDic rebackBloc
   wait(msgType, std::move(rebackBlock));
 }
 
-bool RequestEngine::isConnected() const { return accessory_.status() > kSessionOpen; }
+bool RequestEngine::isConnected() const { return accessory_.linkStatus() > LinkStatus::open; }
 
 void RequestEngine::announce(std::int64_t msgType) {
   const MutexLock lock(mutex_);
@@ -146,8 +142,8 @@ void RequestEngine::failEverything() {
   ucdFile_.replyAllBlockWithErrorCode(kZELErrorNotConnected);
 }
 
-void RequestEngine::statusChanged(std::uint64_t status) {
-  if (status > kStopped || status == kFlowing) return;
+void RequestEngine::statusChanged(LinkStatus status) {
+  if (status == LinkStatus::flowing) return;
   respondToAllWithError(kZELErrorNotConnected);
   ucdFile_.replyAllBlockWithErrorCode(kZELErrorNotConnected);
 }

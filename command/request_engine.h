@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include <ZELTarkaSDK/LinkStatus.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
@@ -82,7 +83,7 @@ class RequestEngine final : public SyncDataRequester {
   void registerFamilies(Registered when);
   void registerFamily(const Family& family);
   void registerEvent(const CameraEvent& event);
-  void statusChanged(std::uint64_t status);
+  void statusChanged(LinkStatus status);
   bool isConnected() const;
   void announce(std::int64_t msgType);
   void withdraw(std::int64_t msgType);

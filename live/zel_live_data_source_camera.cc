@@ -1,5 +1,6 @@
 // The camera's commands, and what the delegate is told of them.
 
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 
@@ -8,9 +9,6 @@
 #include "live/zel_live_data_source_state.h"
 
 namespace {
-
-constexpr std::uint8_t kAudioOn = 1, kAudioOff = 0;
-constexpr std::uint8_t kOffsetOfCamera = 0;
 
 using Error = std::optional<ZELError>;
 
@@ -31,7 +29,7 @@ void ZELLiveDataSource::setCameraPreviewOn(bool on, ResultBlock result) {
 
 void ZELLiveDataSource::setCameraAudioOn(bool on, ResultBlock result) {
   state_->parts.ucd->msgReqSwitchAudioStreamType(
-      on ? kAudioOn : kAudioOff, [weak = weak_from_this(), result = std::move(result)](const Error& error) {
+      on ? kAudioStreamOn : kAudioStreamOff, [weak = weak_from_this(), result = std::move(result)](const Error& error) {
         const auto self = weak.lock();
         if (self && error) self->failWithErrorCode(6, "failed to switch audio");
         if (result) result(!error);
@@ -39,7 +37,7 @@ void ZELLiveDataSource::setCameraAudioOn(bool on, ResultBlock result) {
 }
 
 void ZELLiveDataSource::getCameraMediaOffset(OffsetBlock result) {
-  state_->parts.ucd->msgReqGetMediaOffset(kOffsetOfCamera, static_cast<std::uint8_t>(resolution() & 0xFF),
+  state_->parts.ucd->msgReqGetMediaOffset(kMediaOffsetOfCamera, static_cast<std::uint8_t>(resolution() & 0xFF),
                                           [weak = weak_from_this(), result = std::move(result)](
                                               const Error& error, const std::optional<std::string>& offset) {
                                             const auto self = weak.lock();

@@ -11,6 +11,7 @@
 #include <ZELTarkaSDK/LiveStatistics.h>
 #include <ZELTarkaSDK/Observation.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/Version.h>
 #include <ZELTarkaSDK/WireConstants.h>
