@@ -1,13 +1,17 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <variant>
 
 #include <ZELTarkaSDK/ZELHandlers.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
 #include <ZELTarkaSDK/ZELMessageKeys.h>
+
+#include "protocol/catalogue.h"
 
 // Adapters that take a reply dictionary apart for a handler with typed arguments.
 
@@ -18,27 +22,47 @@ inline std::optional<ZELError> errorIn(const std::optional<ZELMessageFields>& re
 }
 
 // The value that a handler's argument of type T gets: text, bytes and boxed numbers may be absent, others are 0 then.
-template <class T>
+// The dictionary holds a Stored; a number may be wider in the handler.
+template <class T, class Stored>
 struct ReplyValue {
+  static_assert(
+      requires(const Stored& stored) { T{stored}; }, "the handler's value holds whatever the field does");
   static T in(const std::optional<ZELMessageFields>& reply, std::string_view key) {
-    return reply ? reply->get<T>(key).value_or(T{}) : T{};
+    const Stored* stored = reply ? reply->find<Stored>(key) : nullptr;
+    return stored != nullptr ? T{*stored} : T{};
   }
 };
 template <class T>
-struct ReplyValue<std::optional<T>> {
+struct ReplyValue<std::optional<T>, T> {
   static std::optional<T> in(const std::optional<ZELMessageFields>& reply, std::string_view key) {
     return reply ? reply->get<T>(key) : std::nullopt;
   }
 };
 
-// keys: one for each of the handler's values, in their order.
-template <class... Values, class... Keys>
-RebackDic takingApart(RebackBlock<Values...> rebackBlock, Keys... keys) {
-  static_assert(sizeof...(Values) == sizeof...(Keys), "a key for each value");
+template <class Value, class Stored>
+struct KeyOf {
+  std::string_view key;
+};
+
+template <class... Values, class... Stored>
+RebackDic takingApart(RebackBlock<Values...> rebackBlock, KeyOf<Values, Stored>... keys) {
   if (!rebackBlock) return nullptr;
   return [rebackBlock = std::move(rebackBlock), keys...](const std::optional<ZELMessageFields>& reply) {
-    rebackBlock(errorIn(reply), ReplyValue<std::remove_cvref_t<Values>>::in(reply, keys)...);
+    rebackBlock(errorIn(reply), ReplyValue<std::remove_cvref_t<Values>, Stored>::in(reply, keys.key)...);
   };
+}
+
+// For the replies of a row: the handler has a value for each of their fields, of its type.
+template <RowName row, class... Values>
+RebackDic takingApart(RebackBlock<Values...> rebackBlock) {
+  constexpr const FieldList& kFields = kRow<row>.reply.fields;
+  static_assert(sizeof...(Values) == kFields.count(), "the handler has a value for each field of the row's reply");
+  return [&]<std::size_t... index>(std::index_sequence<index...>) {
+    return takingApart(
+        std::move(rebackBlock),
+        KeyOf<Values, std::variant_alternative_t<kFields[index].type, ZELMessageFields::Value>>{kFields[index].key}...);
+  }
+  (std::index_sequence_for<Values...>());
 }
 
 }  // namespace zel

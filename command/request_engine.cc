@@ -3,6 +3,8 @@
 #include <string>
 #include <utility>
 
+#include "command/request_fields.h"
+
 namespace zel {
 namespace {
 
@@ -68,9 +70,9 @@ void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, R
 }
 
 void RequestEngine::msgReqSendSyncData(const ZELData& data, RebackDic rebackBlock) {
-  constexpr auto msgType = static_cast<std::int64_t>(family("registerMsgReqSendSyncData").type);
+  constexpr auto msgType = static_cast<std::int64_t>(kRow<"registerMsgReqSendSyncData">.type);
   if (rebackBlock) announce(msgType);
-  write(msgType, {{std::string(key::nsData), data}});
+  write(msgType, fieldsOf<"registerMsgReqSendSyncData">(data));
   wait(msgType, std::move(rebackBlock));
 }
 

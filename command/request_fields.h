@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -10,30 +11,36 @@
 #include <ZELTarkaSDK/ZELMediaOrientation.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
 
+#include "protocol/catalogue.h"
+
 namespace zel {
 
 template <class T>
-void setField(ZELMessageFields& fields, std::string_view key, const T& value) {
-  fields.set(key, value);
+void setField(ZELMessageFields& fields, const Field& field, const T& value) {
+  fields.set(field.key, value);
 }
 // What is absent is no field.
 template <class T>
-void setField(ZELMessageFields& fields, std::string_view key, const std::optional<T>& value) {
-  if (value) fields.set(key, *value);
+void setField(ZELMessageFields& fields, const Field& field, const std::optional<T>& value) {
+  if (value) fields.set(field.key, *value);
 }
 
-inline void setFields(ZELMessageFields&) {}
-template <class T, class... Rest>
-void setFields(ZELMessageFields& fields, std::string_view key, const T& value, const Rest&... rest) {
-  setField(fields, key, value);
-  setFields(fields, rest...);
-}
+template <class T>
+inline constexpr std::size_t kArgumentType = kTypeNumber<T>;
+template <class T>
+inline constexpr std::size_t kArgumentType<std::optional<T>> = kTypeNumber<T>;
 
-// A request's fields: key, value, key, value, ...
-template <class... KeysAndValues>
-ZELMessageFields fieldsOf(const KeysAndValues&... keysAndValues) {
+// A request's fields: an argument for each field of the row's body, of its type.
+template <RowName row, class... Arguments>
+ZELMessageFields fieldsOf(const Arguments&... arguments) {
+  constexpr const FieldList& kFields = kRow<row>.body;
+  static_assert(sizeof...(Arguments) == kFields.count(), "an argument for each field of the row's body");
   ZELMessageFields fields;
-  setFields(fields, keysAndValues...);
+  [&]<std::size_t... index>(std::index_sequence<index...>) {
+    static_assert(((kArgumentType<Arguments> == kFields[index].type) && ...), "each argument is of its field's type");
+    (setField(fields, kFields[index], arguments), ...);
+  }
+  (std::index_sequence_for<Arguments...>());
   return fields;
 }
 

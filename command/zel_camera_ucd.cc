@@ -85,7 +85,3 @@ void ZELCameraUCD::sendFileWithType(std::int64_t type, const Text& filePath, con
                                     ErrorBlock rebackBlock) {
   engine_->ucdFile().sendFileWithType(type, filePath, fileData, std::move(rebackBlock));
 }
-
-void ZELCameraUCD::request(const zel::Family& family, const ZELMessageFields& fields, RebackDic rebackBlock) {
-  engine_->send(static_cast<std::int64_t>(family.type), fields, std::move(rebackBlock));
-}

@@ -6,48 +6,24 @@
 #include <utility>
 
 #include "capture/zel_photo_data_parser.h"
-#include "command/reply_adapters.h"
-#include "command/request_engine.h"
-#include "command/request_fields.h"
-#include "protocol/catalogue.h"
+#include "command/request.h"
 
-using zel::family;
 using zel::fieldsOf;
+using zel::kMsgType;
 using zel::RebackDic;
 using zel::recordOf;
+using zel::request;
+using zel::RequestEngine;
 using zel::takingApart;
-using namespace zel::key;
 
 namespace {
 
-ZELMessageFields sensorFields(const ZELGpsData& gps, const ZELGyroData& gyro, const ZELOrientationData& orientation,
-                              const std::optional<ZELData>& jsonData = std::nullopt) {
-  return fieldsOf(gpsData, gps, gyroData, gyro, orientationData, orientation, nsData, jsonData);
-}
-
-}  // namespace
-
-void ZELCameraUCD::setDemuxVideoRes(std::uint64_t videoRes) { engine_->parser().setVideoStreamRes(videoRes); }
-
-void ZELCameraUCD::msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackBlock) {
-  setDemuxVideoRes(videoRes);
-  // Even without a handler: the player must not mix the old stream with the new one.
-  const auto resetting = [alive = engine_->whileAlive(), answer = takingApart(std::move(rebackBlock), ucharValue)](
-                             const std::optional<ZELMessageFields>& reply) {
-    alive([](CameraDataParser& parser) {
-      if (const auto player = parser.previewPlayer()) player->resetPlayer();
-    });
-    if (answer) answer(reply);
-  };
-  request(family("registerMsgCmdStartVideo"), fieldsOf(ucharValue, videoRes), resetting);
-}
-
 // A shutter command that fails fails the capture too, which else would wait for its photo.
-template <class Block>
-RebackDic ZELCameraUCD::captureAdapter(Block rebackBlock) {
+template <zel::RowName row, class Block>
+RebackDic failingTheCapture(RequestEngine& engine, Block rebackBlock) {
   if (!rebackBlock) return nullptr;
-  return [alive = engine_->whileAlive(), answer = takingApart(std::move(rebackBlock), fileTime, fileSize, fileName)](
-             const std::optional<ZELMessageFields>& reply) {
+  return [alive = engine.whileAlive(),
+          answer = takingApart<row>(std::move(rebackBlock))](const std::optional<ZELMessageFields>& reply) {
     answer(reply);
     const auto error = zel::errorIn(reply);
     if (!error) return;
@@ -57,13 +33,38 @@ RebackDic ZELCameraUCD::captureAdapter(Block rebackBlock) {
   };
 }
 
+// A request that takes a photo, and the capture that waits for its picture.
+template <zel::RowName row, class Block, class... Arguments>
+void shutter(RequestEngine& engine, std::shared_ptr<zel::PhotoConsumer> photo, Block rebackBlock,
+             const Arguments&... arguments) {
+  engine.parser().setPhotoParser(std::move(photo));
+  engine.send(kMsgType<row>, fieldsOf<row>(arguments...), failingTheCapture<row>(engine, std::move(rebackBlock)));
+}
+
+}  // namespace
+
+void ZELCameraUCD::setDemuxVideoRes(std::uint64_t videoRes) { engine_->parser().setVideoStreamRes(videoRes); }
+
+void ZELCameraUCD::msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackBlock) {
+  constexpr zel::RowName kRow = "registerMsgCmdStartVideo";
+  setDemuxVideoRes(videoRes);
+  // Even without a handler: the player must not mix the old stream with the new one.
+  const auto resetting = [alive = engine_->whileAlive(), answer = takingApart<kRow>(std::move(rebackBlock))](
+                             const std::optional<ZELMessageFields>& reply) {
+    alive([](CameraDataParser& parser) {
+      if (const auto player = parser.previewPlayer()) player->resetPlayer();
+    });
+    if (answer) answer(reply);
+  };
+  engine_->send(kMsgType<kRow>, fieldsOf<kRow>(videoRes), resetting);
+}
+
 void ZELCameraUCD::msgCmdShutterWithGps(const ZELGpsData& gps, const ZELGyroData& gyro,
                                         const ZELOrientationData& orientation, CaptureBlock rebackBlock,
                                         ZELPhotoBlock photoData) {
-  engine_->parser().setPhotoParser(
-      ZELPhotoDataParser::initWithShutterBlock(engine_->mainQueue(), std::move(photoData)));
-  request(family("registerMsgCmdShutter"), sensorFields(gps, gyro, orientation),
-          captureAdapter(std::move(rebackBlock)));
+  shutter<"registerMsgCmdShutter">(*engine_,
+                                   ZELPhotoDataParser::initWithShutterBlock(engine_->mainQueue(), std::move(photoData)),
+                                   std::move(rebackBlock), gps, gyro, orientation);
 }
 
 void ZELCameraUCD::newMsgCmdShutterWithGps(const Gps& gps, const Gyro& gyro, const Orientation& orientation,
@@ -75,10 +76,9 @@ void ZELCameraUCD::newMsgCmdShutterWithGps(const Gps& gps, const Gyro& gyro, con
 void ZELCameraUCD::msgCmdShutterExtraWithGps(const ZELGpsData& gps, const ZELGyroData& gyro,
                                              const ZELOrientationData& orientation, const Data& jsonData,
                                              CaptureBlock rebackBlock, ZELPhotoBlock photoData) {
-  engine_->parser().setPhotoParser(
-      ZELPhotoDataParser::initWithShutterBlock(engine_->mainQueue(), std::move(photoData)));
-  request(family("registerMsgCmdShutterExtra"), sensorFields(gps, gyro, orientation, jsonData),
-          captureAdapter(std::move(rebackBlock)));
+  shutter<"registerMsgCmdShutterExtra">(
+      *engine_, ZELPhotoDataParser::initWithShutterBlock(engine_->mainQueue(), std::move(photoData)),
+      std::move(rebackBlock), gps, gyro, orientation, jsonData);
 }
 
 void ZELCameraUCD::newMsgCmdShutterExtraWithGps(const Gps& gps, const Gyro& gyro, const Orientation& orientation,
@@ -92,11 +92,9 @@ void ZELCameraUCD::msgCmdShutterAEBWithGps(const ZELGpsData& gps, const ZELGyroD
                                            const ZELOrientationData& orientation, const aeb_info& aebInfo,
                                            const Data& jsonData, SeriesBlock rebackBlock,
                                            ZELPhotoSeriesBlock photoData) {
-  engine_->parser().setPhotoParser(
-      ZELPhotoDataParser::initWithAEBShutterCount(engine_->mainQueue(), aebInfo.count, std::move(photoData)));
-  ZELMessageFields fields = sensorFields(gps, gyro, orientation, jsonData);
-  fields.set(nsValue1, aebInfo);
-  request(family("registerMsgCmdShutterAEB"), fields, captureAdapter(std::move(rebackBlock)));
+  shutter<"registerMsgCmdShutterAEB">(
+      *engine_, ZELPhotoDataParser::initWithAEBShutterCount(engine_->mainQueue(), aebInfo.count, std::move(photoData)),
+      std::move(rebackBlock), gps, gyro, orientation, aebInfo, jsonData);
 }
 
 void ZELCameraUCD::newMsgCmdShutterAEBWithGps(const Gps& gps, const Gyro& gyro, const Orientation& orientation,
@@ -119,8 +117,7 @@ void ZELCameraUCD::newMsgCmdShutterHDRWithGps(const Gps& gps, const Gyro& gyro, 
 
 void ZELCameraUCD::msgCmdStartRecordWithGps(const ZELGpsData& gps, const ZELGyroData& gyro,
                                             const ZELOrientationData& orientation, ErrorBlock rebackBlock) {
-  request(family("registerMsgCmdStartRecord"), sensorFields(gps, gyro, orientation),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgCmdStartRecord">(*engine_, std::move(rebackBlock), gps, gyro, orientation);
 }
 
 void ZELCameraUCD::newMsgCmdStartRecordWithGps(const Gps& gps, const Gyro& gyro, const Orientation& orientation,
@@ -131,8 +128,7 @@ void ZELCameraUCD::newMsgCmdStartRecordWithGps(const Gps& gps, const Gyro& gyro,
 void ZELCameraUCD::msgCmdStartRecordExtraWithGps(const ZELGpsData& gps, const ZELGyroData& gyro,
                                                  const ZELOrientationData& orientation, const Data& jsonData,
                                                  ErrorBlock rebackBlock) {
-  request(family("registerMsgCmdStartRecordExtra"), sensorFields(gps, gyro, orientation, jsonData),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgCmdStartRecordExtra">(*engine_, std::move(rebackBlock), gps, gyro, orientation, jsonData);
 }
 
 void ZELCameraUCD::newMsgCmdStartRecordExtraWithGps(const Gps& gps, const Gyro& gyro, const Orientation& orientation,
@@ -142,30 +138,26 @@ void ZELCameraUCD::newMsgCmdStartRecordExtraWithGps(const Gps& gps, const Gyro& 
 
 void ZELCameraUCD::newMsgCmdStartRecordPTSWithGps(const Gps& gps, const Gyro& gyro, const Orientation& orientation,
                                                   const Data& jsonData, zel::RebackBlock<std::int64_t> rebackBlock) {
-  request(family("registerMsgCmdStartRecordPTS"),
-          sensorFields(recordOf(gps), recordOf(gyro), recordOf(orientation), jsonData),
-          takingApart(std::move(rebackBlock), int64Value));
+  request<"registerMsgCmdStartRecordPTS">(*engine_, std::move(rebackBlock), recordOf(gps), recordOf(gyro),
+                                          recordOf(orientation), jsonData);
 }
 
 void ZELCameraUCD::msgCmdStopVPWithRebackBlock(ErrorBlock rebackBlock) {
-  request(family("registerMsgCmdStopVP"), fieldsOf(), takingApart(std::move(rebackBlock)));
+  request<"registerMsgCmdStopVP">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgCmdStopRecordWithRebackBlock(CaptureBlock rebackBlock) {
-  request(family("registerMsgCmdStopRecord"), fieldsOf(),
-          takingApart(std::move(rebackBlock), fileTime, fileSize, fileName));
+  request<"registerMsgCmdStopRecord">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgCmdRecordCancelWithRebackBlock(ErrorBlock rebackBlock) {
-  request(family("registerMsgCmdRecordCancel"), fieldsOf(), takingApart(std::move(rebackBlock)));
+  request<"registerMsgCmdRecordCancel">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgCmdSetVideoRes(Byte videoRes, ByteBlock rebackBlock) {
-  request(family("registerMsgCmdSetVideoRes"), fieldsOf(ucharValue, videoRes),
-          takingApart(std::move(rebackBlock), ucharValue));
+  request<"registerMsgCmdSetVideoRes">(*engine_, std::move(rebackBlock), videoRes);
 }
 
 void ZELCameraUCD::msgCmdSetVideoBitrate(Byte type, Byte videoBitrate, ByteBlock rebackBlock) {
-  request(family("registerMsgCmdSetVideoBitrate"), fieldsOf(ucharValue, type, ucharValue2, videoBitrate),
-          takingApart(std::move(rebackBlock), ucharValue));
+  request<"registerMsgCmdSetVideoBitrate">(*engine_, std::move(rebackBlock), type, videoBitrate);
 }

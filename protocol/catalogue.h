@@ -63,11 +63,15 @@ inline constexpr Field vignetteGain = record<calib_vignette_gain>("calib_vignett
 inline constexpr Field timelapse = record<timelapse_info>("timelapse_info (8)", nsValue1);
 inline constexpr Field name32 = nameField<32>("UTF-8 name, zero-filled (32)", nsString);
 inline constexpr Field name64 = nameField<64>("UTF-8 name, zero-filled (64)", nsString);
-inline constexpr Reply capture = custom(
-    decodeCaptureResult, "`fileTime` u32, `FileSize` u64, `fileName` UTF-8 name to its zero; longer than 12 bytes");
-inline constexpr Reply textFile =
-    custom(decodeTextFileResult, "flag, `intValue` u8; where the flag is 0, `intValue` and the error together");
-inline constexpr Reply anything = custom(decodeAnything, "not read, always a success");
+inline constexpr Reply capture =
+    custom(value(u32(fileTime), u64(fileSize), toldName(fileName)), decodeCaptureResult, "longer than 12 bytes");
+inline constexpr Reply textFile = [] {
+  Reply reply =
+      custom(flag(u8OfInt(intValue)), decodeTextFileResult, "where the flag is 0, `intValue` and the error together");
+  reply.valuesWithRefusal = true;
+  return reply;
+}();
+inline constexpr Reply anything = custom(value(), decodeAnything, "not read, always a success");
 
 // All families, in the order in which they are registered: the registering operation, message type, request code,
 // request body, reply.
@@ -163,10 +167,25 @@ inline constexpr Family kFamilies[] = {
 
 using catalogue::kFamilies;
 
+void noRowBearsThisName();  // never defined: a call of it does not compile, and says why
+
 // The family that the operation of this name registers; a wrong name does not compile.
 consteval const Family& family(std::string_view registering) {
-  return *std::ranges::find(kFamilies, registering, &Family::registering);
+  const Family* const row = std::ranges::find(kFamilies, registering, &Family::registering);
+  if (row == std::end(kFamilies)) noRowBearsThisName();
+  return *row;
 }
+
+// A row's name as a template argument.
+template <std::size_t size>
+struct RowName {
+  char text[size] = {};
+  consteval RowName(const char (&name)[size]) { std::ranges::copy(name, text); }
+};
+
+// The family of that name: kRow<"registerMsgReqSetWBMode">.
+template <RowName name>
+inline constexpr const Family& kRow = family({name.text, sizeof(name.text) - 1});
 
 // Whether no two rows of a table agree in this column.
 template <class Rows, class Column>

@@ -22,7 +22,6 @@ class ZELUCDFile;
 namespace zel {
 class KeepAlive;
 class RequestEngine;
-struct Family;
 namespace platform {
 class Queue;
 }
@@ -343,9 +342,5 @@ class ZEL_EXPORT ZELCameraUCD {
   void msgReqSendSyncData(const ZELData& data, zel::RebackDic rebackBlock);
 
  private:
-  void request(const zel::Family& family, const ZELMessageFields& fields, zel::RebackDic rebackBlock);
-  template <class Block>
-  zel::RebackDic captureAdapter(Block rebackBlock);
-
   std::unique_ptr<zel::RequestEngine> engine_;
 };

@@ -1,5 +1,6 @@
 #include "tools/reference/protocol_reference.h"
 
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/ZELCameraRecords.h>
 #include <ZELTarkaSDK/ZELMediaOffset.h>
 
@@ -13,7 +14,6 @@
 #include "protocol/camera_events.h"
 #include "protocol/catalogue.h"
 #include "protocol/frame.h"
-#include "protocol/resolution_table.h"
 
 namespace zel {
 namespace {
@@ -71,9 +71,9 @@ std::string resolutions() {
   std::ostringstream text;
   text << "## Preview resolutions\n\nThe size is chosen by code / 4, the rate by code % 4.\n\n"
           "| code | size | pictures a second |\n|---|---|---|\n";
-  std::uint64_t code = 0;
-  for (auto format = previewFormat(code); format; format = previewFormat(++code)) {
-    text << "| " << code << " | " << format->width << " x " << format->height << " | " << format->fps << " |\n";
+  for (std::size_t code = 0; code < kPreviewFormats.size(); ++code) {
+    const PreviewFormat& format = kPreviewFormats[code];
+    text << "| " << code << " | " << format.width << " x " << format.height << " | " << format.fps << " |\n";
   }
   return text.str() + "\n";
 }
@@ -188,17 +188,13 @@ std::string described(const FieldList& fields) {
 }
 
 std::string described(const Reply& reply) {
-  switch (reply.form) {
-    case Reply::Form::none:
-      return "none";
-    case Reply::Form::flag:
-      return reply.fields.empty() ? "flag" : "flag, " + described(reply.fields);
-    case Reply::Form::value:
-      return described(reply.fields);
-    case Reply::Form::custom:
-      return std::string(reply.description);
+  if (reply.form == Reply::Form::none) return "none";
+  std::string text = reply.form == Reply::Form::flag ? "flag" : "";
+  for (const std::string& part : {described(reply.fields), std::string(reply.note)}) {
+    if (!text.empty() && !part.empty()) text += part == reply.note ? "; " : ", ";
+    text += part;
   }
-  return {};
+  return text;
 }
 
 std::string families() {
