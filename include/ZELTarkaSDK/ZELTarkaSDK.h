@@ -10,6 +10,7 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
 #include <ZELTarkaSDK/Observation.h>
+#include <ZELTarkaSDK/Operations.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
 #include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
