@@ -14,6 +14,7 @@
 
 #include "base/byte_reader.h"
 #include "base/wire.h"
+#include "protocol/records.h"
 
 namespace zel {
 
@@ -76,8 +77,9 @@ void readNumber(ByteReader& body, ZELMessageFields& fields, std::string_view key
   fields.set(key, static_cast<Value>(Wire{body.read<Le<Wire>>()}));
 }
 template <class Wire, class Value = Wire>
-consteval Field number(std::string_view layout, std::string_view key) {
-  return {layout, key, kTypeNumber<Value>, sizeof(Wire), appendNumber<Wire, Value>, readNumber<Wire, Value>};
+consteval Field number(std::string_view key) {
+  return {numberName<Wire>(),     key, kTypeNumber<Value>, sizeof(Wire), appendNumber<Wire, Value>,
+          readNumber<Wire, Value>};
 }
 
 template <WireRecord R>
@@ -104,17 +106,17 @@ void readVideoMnd(ByteReader& body, ZELMessageFields& fields, std::string_view k
 void neverRead(ByteReader& body, ZELMessageFields& fields, std::string_view key);
 void neverAppended(Bytes& body, const ZELMessageFields& fields, std::string_view key);
 
-consteval Field u8(std::string_view key) { return number<std::uint8_t>("u8", key); }
-consteval Field u16(std::string_view key) { return number<std::uint16_t>("u16", key); }
-consteval Field s16(std::string_view key) { return number<std::int16_t>("s16", key); }
-consteval Field u32(std::string_view key) { return number<std::uint32_t>("u32", key); }
-consteval Field s32(std::string_view key) { return number<std::int32_t>("s32", key); }
-consteval Field u64(std::string_view key) { return number<std::uint64_t>("u64", key); }
-consteval Field s64(std::string_view key) { return number<std::int64_t>("s64", key); }
+consteval Field u8(std::string_view key) { return number<std::uint8_t>(key); }
+consteval Field u16(std::string_view key) { return number<std::uint16_t>(key); }
+consteval Field s16(std::string_view key) { return number<std::int16_t>(key); }
+consteval Field u32(std::string_view key) { return number<std::uint32_t>(key); }
+consteval Field s32(std::string_view key) { return number<std::int32_t>(key); }
+consteval Field u64(std::string_view key) { return number<std::uint64_t>(key); }
+consteval Field s64(std::string_view key) { return number<std::int64_t>(key); }
 
 // One byte of the wire that is an int in the dictionary, and two bytes that are.
-consteval Field u8OfInt(std::string_view key) { return number<std::uint8_t, std::int32_t>("u8", key); }
-consteval Field u16OfInt(std::string_view key) { return number<std::uint16_t, std::int32_t>("u16", key); }
+consteval Field u8OfInt(std::string_view key) { return number<std::uint8_t, std::int32_t>(key); }
+consteval Field u16OfInt(std::string_view key) { return number<std::uint16_t, std::int32_t>(key); }
 
 // Deliberate: of these two bytes only the first was ever written and read, and cameras expect it.
 consteval Field lowByteOfU16(std::string_view key) {
