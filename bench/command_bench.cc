@@ -64,7 +64,7 @@ class Host {
   Host() {
     stack_->accessory().openCamera();
     stack_->parser().sendSyncData();
-    while (stack_->accessory().status() != 2) platform_->runMainQueueFor(0.001);
+    while (stack_->accessory().linkStatus() != LinkStatus::flowing) platform_->runMainQueueFor(0.001);
   }
 
   double exchangeMedian() {

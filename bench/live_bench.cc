@@ -171,7 +171,7 @@ class Pipeline {
     ports.mediaLibrary = &library_;
     stack_ = std::make_unique<CameraStack>(ports);
     stack_->accessory().openCamera();
-    wait([&] { return stack_->accessory().status() == 2; });
+    wait([&] { return stack_->accessory().linkStatus() == LinkStatus::flowing; });
     source_ = ZELLiveDataSource::initWitCameraResolution(
         *stack_, kFilmResolution, static_cast<std::uint64_t>(size.width), static_cast<std::uint64_t>(size.width / 2),
         static_cast<std::uint64_t>(size.bitrate));

@@ -5,14 +5,10 @@
 #include <string>
 #include <utility>
 
-#include "command/reply_adapters.h"
+#include "command/request_fields.h"
 
 namespace zel {
 namespace {
-
-constexpr std::uint64_t kSessionOpen = 1;
-constexpr std::uint64_t kFlowing = 2;
-constexpr std::uint64_t kStopped = 3;
 
 ZELMessageFields errorFields(int code) { return {{std::string(key::nsError), zelOSStatusError(code)}}; }
 
@@ -26,7 +22,7 @@ RequestEngine::RequestEngine(ZELCameraAccessory& accessory, CameraDataParser& pa
   registerFamilies(Registered::beforeTheEvents);
   for (const CameraEvent& event : kEvents) registerEvent(event);
   registerFamilies(Registered::afterTheEvents);
-  statusObservation_ = accessory_.observeStatus([this](std::uint64_t status) { statusChanged(status); });
+  statusObservation_ = accessory_.observeStatus([this](std::uint64_t status) { statusChanged(LinkStatus{status}); });
 }
 
 RequestEngine::~RequestEngine() { alive_->close(); }
@@ -75,22 +71,19 @@ void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, R
   post(rebackBlock, errorFields(kZELErrorNotConnected));
 }
 
-void RequestEngine::refuse(const ReplyHandler& reply) {
-  orCount([&] {
-    const RebackDic rebackBlock = reply.made();
-    if (!rebackBlock) throw std::bad_alloc();  // there is nobody to be told
-    post(rebackBlock, errorFields(kZELErrorRefused));
-  });
+void RequestEngine::postRefusal(const RebackDic& rebackBlock) {
+  if (rebackBlock) return post(rebackBlock, errorFields(kZELErrorRefused));
+  lostForMemory_.fetch_add(1);  // there is nobody to be told
 }
 
 void RequestEngine::msgReqSendSyncData(const ZELData& data, RebackDic rebackBlock) {
-  constexpr auto msgType = static_cast<std::int64_t>(family("registerMsgReqSendSyncData").type);
+  constexpr auto msgType = static_cast<std::int64_t>(kRow<"registerMsgReqSendSyncData">.type);
   if (rebackBlock) announce(msgType);
-  write(msgType, {{std::string(key::nsData), data}}, rebackBlock != nullptr);
+  write(msgType, fieldsOf<"registerMsgReqSendSyncData">(data), rebackBlock != nullptr);
   wait(msgType, std::move(rebackBlock));
 }
 
-bool RequestEngine::isConnected() const { return accessory_.status() > kSessionOpen; }
+bool RequestEngine::isConnected() const { return accessory_.linkStatus() > LinkStatus::open; }
 
 void RequestEngine::announce(std::int64_t msgType) {
   const MutexLock lock(mutex_);
@@ -183,8 +176,8 @@ void RequestEngine::failEverything() {
   ucdFile_.replyAllBlockWithErrorCode(kZELErrorNotConnected);
 }
 
-void RequestEngine::statusChanged(std::uint64_t status) {
-  if (status > kStopped || status == kFlowing) return;
+void RequestEngine::statusChanged(LinkStatus status) {
+  if (status == LinkStatus::flowing) return;
   respondToAllWithError(kZELErrorNotConnected);
   ucdFile_.replyAllBlockWithErrorCode(kZELErrorNotConnected);
 }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include <ZELTarkaSDK/LinkStatus.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
@@ -25,8 +26,6 @@
 #include "protocol/catalogue.h"
 
 namespace zel {
-
-class ReplyHandler;
 
 // What every request and every event goes through: it sends, matches replies to handlers, fails handlers, and hands
 // events to their receivers.
@@ -54,14 +53,18 @@ class RequestEngine final : public SyncDataRequester {
   // Reads a reply's body, and completes the handler with what it comes to.
   void respondTo(const Reply& reply, const std::optional<ZELData>& body, std::int64_t msgType);
 
-  // Makes a call that sends a request. Returns false where there was no memory for it; the handler then gets 101.
-  template <class Call>
-  bool orRefuse(const ReplyHandler& reply, const Call& call) {
+  // Makes a call that sends a request; reply makes the handler of its answer, null for nobody.
+  // Errors: false where there was no memory for it; the handler then gets 101.
+  template <class MakeReply, class Call>
+  bool orRefuse(const MakeReply& reply, const Call& call) {
     const bool isSent = hasMemoryFor(call);
     if (!isSent) refuse(reply);
     return isSent;
   }
-  void refuse(const ReplyHandler& reply);
+  template <class MakeReply>
+  void refuse(const MakeReply& reply) {
+    orCount([&] { postRefusal(reply()); });
+  }
 
   // Makes a call of which nobody can be told that there was no memory for it: that is counted.
   template <class Call>
@@ -102,13 +105,14 @@ class RequestEngine final : public SyncDataRequester {
   void registerFamilies(Registered when);
   void registerFamily(const Family& family);
   void registerEvent(const CameraEvent& event);
-  void statusChanged(std::uint64_t status);
+  void statusChanged(LinkStatus status);
   bool isConnected() const;
   void announce(std::int64_t msgType);
   void withdraw(std::int64_t msgType);
   void write(std::int64_t msgType, const ZELMessageFields& fields, bool isAnnounced);
   void wait(std::int64_t msgType, RebackDic rebackBlock);
   void post(const RebackDic& rebackBlock, const Answer& answer);
+  void postRefusal(const RebackDic& rebackBlock);
   void failAll(int code);
   std::optional<RebackDic> takeAny();
   static void failCapture(CameraDataParser& parser, int code);

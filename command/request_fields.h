@@ -1,63 +1,47 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <tuple>
+#include <utility>
 
 #include <ZELTarkaSDK/ZELMediaGps.h>
 #include <ZELTarkaSDK/ZELMediaGyro.h>
 #include <ZELTarkaSDK/ZELMediaOrientation.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
 
+#include "protocol/catalogue.h"
+
 namespace zel {
 
 template <class T>
-void setField(ZELMessageFields& fields, std::string_view key, const T& value) {
-  fields.set(key, value);
+void setField(ZELMessageFields& fields, const Field& field, const T& value) {
+  fields.set(field.key, value);
 }
 // What is absent is no field.
 template <class T>
-void setField(ZELMessageFields& fields, std::string_view key, const std::optional<T>& value) {
-  if (value) fields.set(key, *value);
+void setField(ZELMessageFields& fields, const Field& field, const std::optional<T>& value) {
+  if (value) fields.set(field.key, *value);
 }
 
-inline void setFields(ZELMessageFields&) {}
-template <class T, class... Rest>
-void setFields(ZELMessageFields& fields, std::string_view key, const T& value, const Rest&... rest) {
-  setField(fields, key, value);
-  setFields(fields, rest...);
-}
+template <class T>
+inline constexpr std::size_t kArgumentType = kTypeNumber<T>;
+template <class T>
+inline constexpr std::size_t kArgumentType<std::optional<T>> = kTypeNumber<T>;
 
-// A request's fields, made when the request is: that takes memory.
-class RequestFields {
- public:
-  // Errors: std::bad_alloc.
-  virtual ZELMessageFields made() const = 0;
-
- protected:
-  ~RequestFields() = default;
-};
-
-template <class... KeysAndValues>
-class LazyRequestFields final : public RequestFields {
- public:
-  explicit LazyRequestFields(const KeysAndValues&... keysAndValues) : keysAndValues_(keysAndValues...) {}
-
-  ZELMessageFields made() const override {
-    ZELMessageFields fields;
-    std::apply([&fields](const KeysAndValues&... all) { setFields(fields, all...); }, keysAndValues_);
-    return fields;
+// A request's fields: an argument for each field of the row's body, of its type.
+template <RowName row, class... Arguments>
+ZELMessageFields fieldsOf(const Arguments&... arguments) {
+  constexpr const FieldList& kFields = kRow<row>.body;
+  static_assert(sizeof...(Arguments) == kFields.count(), "an argument for each field of the row's body");
+  ZELMessageFields fields;
+  [&]<std::size_t... index>(std::index_sequence<index...>) {
+    static_assert(((kArgumentType<Arguments> == kFields[index].type) && ...), "each argument is of its field's type");
+    (setField(fields, kFields[index], arguments), ...);
   }
-
- private:
-  const std::tuple<const KeysAndValues&...> keysAndValues_;
-};
-
-// The fields of key, value, key, value, ..., which must live until they are made.
-template <class... KeysAndValues>
-auto fieldsOf(const KeysAndValues&... keysAndValues) {
-  return LazyRequestFields<KeysAndValues...>(keysAndValues...);
+  (std::index_sequence_for<Arguments...>());
+  return fields;
 }
 
 // The camera's record of a media library's object; all zero without one.

@@ -1,3 +1,4 @@
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
@@ -11,8 +12,6 @@
 #include "protocol/frame.h"
 
 namespace {
-
-constexpr std::uint64_t kFlowing = 2;
 
 std::int64_t numberIn(const std::optional<ZELMessageFields>& value, std::string_view key) {
   return value ? value->get<std::int32_t>(key).value_or(0) : 0;
@@ -60,7 +59,7 @@ void ZELCameraManager::queryCameraBattery(zel::RebackBlock<std::int32_t, std::in
 
 void ZELCameraManager::getCameraMediaOffset(std::uint8_t typeInfo,
                                             zel::RebackBlock<const std::optional<std::string>&> callback) {
-  ucd_.msgReqGetMediaOffset(0, typeInfo, std::move(callback));
+  ucd_.msgReqGetMediaOffset(kMediaOffsetOfCamera, typeInfo, std::move(callback));
 }
 
 void ZELCameraManager::getCameraAudioBitrateWithRebackBlock(zel::RebackBlock<std::uint32_t> rebackBlock) {
@@ -76,6 +75,7 @@ void ZELCameraManager::setCameraAudioBitrate(std::uint32_t bitrate, zel::RebackB
 }
 
 std::optional<ZELError> ZELCameraManager::checkoutAudioAsynVersion() const {
-  if (accessory_.status() != kFlowing || accessory_.firewareVersion() >= kFirewareVersion190) return std::nullopt;
+  if (accessory_.linkStatus() != zel::LinkStatus::flowing || accessory_.firewareVersion() >= kFirewareVersion190)
+    return std::nullopt;
   return zelOSStatusError(kZELErrorOldFirmware);
 }

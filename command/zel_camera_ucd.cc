@@ -9,7 +9,6 @@
 #include "command/request_engine.h"
 #include "command/request_fields.h"
 
-using zel::LazyReplyHandler;
 using zel::RebackDic;
 using zel::RequestEngine;
 using namespace zel::key;
@@ -44,8 +43,7 @@ std::uint64_t ZELCameraUCD::lostForMemory() const { return engine_->lostForMemor
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): handlers are passed by value everywhere
 void ZELCameraUCD::sendMsg(std::int64_t msgType, const ZELMessageFields& msgDataDic, RebackDic rebackBlock) {
-  const LazyReplyHandler reply([&] { return rebackBlock; });
-  engine_->orRefuse(reply, [&] { engine_->send(msgType, msgDataDic, reply.made()); });
+  engine_->orRefuse([&] { return rebackBlock; }, [&] { engine_->send(msgType, msgDataDic, rebackBlock); });
 }
 
 void ZELCameraUCD::responseCameraMsg(std::int64_t msgType, const std::optional<ZELMessageFields>& rebackDic) {
@@ -95,10 +93,4 @@ void ZELCameraUCD::sendNotification(std::int64_t type, const std::optional<ZELMe
 void ZELCameraUCD::sendFileWithType(std::int64_t type, const Text& filePath, const ZELData& fileData,
                                     ErrorBlock rebackBlock) {
   engine_->ucdFile().sendFileWithType(type, filePath, fileData, std::move(rebackBlock));
-}
-
-bool ZELCameraUCD::request(const zel::Family& family, const zel::RequestFields& fields,
-                           const zel::ReplyHandler& reply) {
-  const auto msgType = static_cast<std::int64_t>(family.type);
-  return engine_->orRefuse(reply, [&] { engine_->send(msgType, fields.made(), reply.made()); });
 }

@@ -4,246 +4,220 @@
 
 #include <utility>
 
-#include "command/reply_adapters.h"
-#include "command/request_fields.h"
-#include "protocol/catalogue.h"
+#include "command/request.h"
 
-using zel::family;
-using zel::fieldsOf;
 using zel::recordOf;
-using zel::takingApart;
-using namespace zel::key;
+using zel::request;
+using zel::tell;
 
 void ZELCameraUCD::msgReqBatteryWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint8_t> rebackBlock) {
-  request(family("registerMsgReqBattery"), fieldsOf(), takingApart(std::move(rebackBlock), ucharValue, ucharValue2));
+  request<"registerMsgReqBattery">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqGetCardStateWithRebackBlock(
     zel::RebackBlock<std::uint8_t, std::uint64_t, std::uint64_t> rebackBlock) {
-  request(family("registerMsgReqGetCardState"), fieldsOf(),
-          takingApart(std::move(rebackBlock), ucharValue, uint64Value, uint64Value2));
+  request<"registerMsgReqGetCardState">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqGetSerialNumber(TextBlock rebackBlock) {
-  request(family("registerMsgReqGetSerialNumber"), fieldsOf(), takingApart(std::move(rebackBlock), nsString));
+  request<"registerMsgReqGetSerialNumber">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetSerialNumber(const Text& serialNumber, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetSerialNumber"), fieldsOf(nsString, serialNumber),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetSerialNumber">(*engine_, std::move(rebackBlock), serialNumber);
 }
 
 void ZELCameraUCD::msgReqGetUUIDWithRebackBlock(TextBlock rebackBlock) {
-  request(family("registerMsgReqGetUUID"), fieldsOf(), takingApart(std::move(rebackBlock), nsString));
+  request<"registerMsgReqGetUUID">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqGetLensIndexWithRebackBlock(UintBlock rebackBlock) {
-  request(family("registerMsgReqGetLensIndex"), fieldsOf(), takingApart(std::move(rebackBlock), uintValue));
+  request<"registerMsgReqGetLensIndex">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqGetEVIndexWithRebackBlock(zel::RebackBlock<std::uint16_t> rebackBlock) {
-  request(family("registerMsgReqGetEVIndex"), fieldsOf(), takingApart(std::move(rebackBlock), ushortValue));
+  request<"registerMsgReqGetEVIndex">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqGetVideoTimeRemainingWithRebackBlock(UintBlock rebackBlock) {
-  request(family("registerMsgReqGetVideoTimeRemaining"), fieldsOf(), takingApart(std::move(rebackBlock), uintValue));
+  request<"registerMsgReqGetVideoTimeRemaining">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqGetPhotoShotsRemainingWithRebackBlock(UintBlock rebackBlock) {
-  request(family("registerMsgReqGetPhotoShotsRemaining"), fieldsOf(), takingApart(std::move(rebackBlock), uintValue));
+  request<"registerMsgReqGetPhotoShotsRemaining">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSysctrl(Byte command, Byte delayTime, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSysctrl"), fieldsOf(ucharValue, command, ucharValue2, delayTime),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSysctrl">(*engine_, std::move(rebackBlock), command, delayTime);
 }
 
 void ZELCameraUCD::msgReqSysctrlCancel(Byte command, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSysctrlCancel"), fieldsOf(ucharValue, command), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSysctrlCancel">(*engine_, std::move(rebackBlock), command);
 }
 
 void ZELCameraUCD::msgReqDelFileCancelWithRebackBlock(ErrorBlock rebackBlock) {
-  request(family("registerMsgReqDelFileCancel"), fieldsOf(), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqDelFileCancel">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetPhotoSize(Byte photoSize, ByteBlock rebackBlock) {
-  request(family("registerMsgReqSetPhotoSize"), fieldsOf(ucharValue, photoSize),
-          takingApart(std::move(rebackBlock), ucharValue));
+  request<"registerMsgReqSetPhotoSize">(*engine_, std::move(rebackBlock), photoSize);
 }
 
 void ZELCameraUCD::msgReqSetLocalTime(std::int32_t time, std::int32_t timeZoneMinutesWest, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetLocalTime"), fieldsOf(intValue, time, intValue2, timeZoneMinutesWest),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetLocalTime">(*engine_, std::move(rebackBlock), time, timeZoneMinutesWest);
 }
 
 void ZELCameraUCD::msgReqSetActiveTime(std::int32_t time, std::int32_t timeZoneMinutesWest, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetActiveTime"), fieldsOf(intValue, time, intValue2, timeZoneMinutesWest),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetActiveTime">(*engine_, std::move(rebackBlock), time, timeZoneMinutesWest);
 }
 
 void ZELCameraUCD::msgReqGetActiveTimeWithRebackBlock(zel::RebackBlock<std::int32_t, std::int32_t> rebackBlock) {
-  request(family("registerMsgReqGetActiveTime"), fieldsOf(), takingApart(std::move(rebackBlock), intValue, intValue2));
+  request<"registerMsgReqGetActiveTime">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetKeyFunc0(Byte function, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetKeyFunc0"), fieldsOf(ucharValue, function), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetKeyFunc0">(*engine_, std::move(rebackBlock), function);
 }
 
 void ZELCameraUCD::msgReqSetMute(Byte mute, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetMute"), fieldsOf(ucharValue, mute), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetMute">(*engine_, std::move(rebackBlock), mute);
 }
 
 void ZELCameraUCD::msgReqSetIPSwitchMode(Byte mode, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetIPSwitchMode"), fieldsOf(ucharValue, mode), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetIPSwitchMode">(*engine_, std::move(rebackBlock), mode);
 }
 
 void ZELCameraUCD::msgReqSetAEEVBias(std::int16_t bias, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetAEEVBias"), fieldsOf(shortValue, bias), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetAEEVBias">(*engine_, std::move(rebackBlock), bias);
 }
 
 void ZELCameraUCD::msgReqSetAEMeterMode(Byte mode, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetAEMeterMode"), fieldsOf(ucharValue, mode), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetAEMeterMode">(*engine_, std::move(rebackBlock), mode);
 }
 
 void ZELCameraUCD::msgReqSetAEMMWeight(const ZELIPAEMMWeight& weight, ErrorBlock rebackBlock) {
   // Deliberate: this has always gone out as the metering mode, whose packer knows no weights and sets mode 0.
-  request(family("registerMsgReqSetAEMeterMode"), fieldsOf(meteringWeights, weight),
-          takingApart(std::move(rebackBlock)));
+  constexpr zel::RowName kRow = "registerMsgReqSetAEMeterMode";
+  const auto reply = [&] { return zel::takingApart<kRow>(rebackBlock); };
+  engine_->orRefuse(reply, [&] {
+    engine_->send(zel::kMsgType<kRow>, zel::fieldsOf<"registerMsgReqSetAEMMWeight">(weight), reply());
+  });
 }
 
 void ZELCameraUCD::msgReqSetStillPMode(Byte mode, Byte value, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetStillPMode"), fieldsOf(ucharValue, mode, ucharValue2, value),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetStillPMode">(*engine_, std::move(rebackBlock), mode, value);
 }
 
 void ZELCameraUCD::msgReqSetMEParam(Byte mode, const ZELIPMEParam& param, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetMEParam"), fieldsOf(ucharValue, mode, exposureParam, param),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetMEParam">(*engine_, std::move(rebackBlock), mode, param);
 }
 
 void ZELCameraUCD::msgReqSetWBMode(Byte mode, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetWBMode"), fieldsOf(ucharValue, mode), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetWBMode">(*engine_, std::move(rebackBlock), mode);
 }
 
 void ZELCameraUCD::msgReqSetImageBrightness(std::int16_t brightness, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetImageBrightness"), fieldsOf(shortValue, brightness),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetImageBrightness">(*engine_, std::move(rebackBlock), brightness);
 }
 
 void ZELCameraUCD::msgReqSetImageContrast(std::uint16_t contrast, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetImageContrast"), fieldsOf(ushortValue, contrast),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetImageContrast">(*engine_, std::move(rebackBlock), contrast);
 }
 
 void ZELCameraUCD::msgReqSetImageSaturation(std::uint16_t saturation, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetImageSaturation"), fieldsOf(ushortValue, saturation),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetImageSaturation">(*engine_, std::move(rebackBlock), saturation);
 }
 
 void ZELCameraUCD::msgReqSetImageHue(Byte hue, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetImageHue"), fieldsOf(ucharValue, hue), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetImageHue">(*engine_, std::move(rebackBlock), hue);
 }
 
 void ZELCameraUCD::msgReqSetImageSharpness(Byte sharpness, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetImageSharpness"), fieldsOf(ucharValue, sharpness),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetImageSharpness">(*engine_, std::move(rebackBlock), sharpness);
 }
 
 void ZELCameraUCD::msgReqReqSetImageDEffect(Byte effect, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetImageDEffect"), fieldsOf(ucharValue, effect), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetImageDEffect">(*engine_, std::move(rebackBlock), effect);
 }
 
 void ZELCameraUCD::msgReqSetFlicker(Byte flicker, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetFlicker"), fieldsOf(ucharValue, flicker), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetFlicker">(*engine_, std::move(rebackBlock), flicker);
 }
 
 void ZELCameraUCD::msgReqGetFlickerWithRebackBlock(ByteBlock rebackBlock) {
-  request(family("registerMsgReqGetFlicker"), fieldsOf(), takingApart(std::move(rebackBlock), ucharValue));
+  request<"registerMsgReqGetFlicker">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetRecTimeLimit(std::int32_t limit, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetRecLimitTime"), fieldsOf(intValue, limit), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetRecLimitTime">(*engine_, std::move(rebackBlock), limit);
 }
 
 void ZELCameraUCD::msgReqGetRecTimeLimitWithRebackBlock(IntBlock rebackBlock) {
-  request(family("registerMsgReqGetRecLimitTime"), fieldsOf(), takingApart(std::move(rebackBlock), intValue));
+  request<"registerMsgReqGetRecLimitTime">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetPhotoSelfTimer(Byte seconds, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetPhotoSelfTimer"), fieldsOf(ucharValue, seconds),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetPhotoSelfTimer">(*engine_, std::move(rebackBlock), seconds);
 }
 
 void ZELCameraUCD::msgReqGetPhotoSelfTimerWithRebackBlock(IntBlock rebackBlock) {
-  request(family("registerMsgReqGetPhotoSelfTimer"), fieldsOf(), takingApart(std::move(rebackBlock), intValue));
+  request<"registerMsgReqGetPhotoSelfTimer">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetGPSTimeout(std::uint16_t timeout, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetGPSTimeout"), fieldsOf(ushortValue, timeout), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetGPSTimeout">(*engine_, std::move(rebackBlock), timeout);
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): handlers are passed by value everywhere
 void ZELCameraUCD::msgReqGetGPSTimeoutWithRebackBlock(IntBlock rebackBlock) {
-  const zel::LazyReplyHandler widened([&rebackBlock]() -> zel::RebackDic {
-    if (!rebackBlock) return nullptr;
-    using UshortBlock = zel::RebackBlock<std::uint16_t>;
-    return zel::apart(UshortBlock([rebackBlock](const auto& error, std::uint16_t value) { rebackBlock(error, value); }),
-                      ushortValue);
-  });
-  request(family("registerMsgReqGetGPSTimeout"), fieldsOf(), widened);
+  request<"registerMsgReqGetGPSTimeout">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetTriplePressMode(Byte mode, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetTriplePressMode"), fieldsOf(ucharValue, mode), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetTriplePressMode">(*engine_, std::move(rebackBlock), mode);
 }
 
 void ZELCameraUCD::msgReqGetTriplePressModeWithRebackBlock(ByteBlock rebackBlock) {
-  request(family("registerMsgReqGetTriplePressMode"), fieldsOf(), takingApart(std::move(rebackBlock), ucharValue));
+  request<"registerMsgReqGetTriplePressMode">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetTimelapseInfo(const timelapse_info& info, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetTimelapseInfo"), fieldsOf(nsValue1, info), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetTimelapseInfo">(*engine_, std::move(rebackBlock), info);
 }
 
 void ZELCameraUCD::msgReqGetTimelapseInfoWithRebackBlock(zel::RebackBlock<const timelapse_info&> rebackBlock) {
-  request(family("registerMsgReqGetTimeLapseInfo"), fieldsOf(), takingApart(std::move(rebackBlock), nsValue1));
+  request<"registerMsgReqGetTimeLapseInfo">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSetTimelapseEVBias(std::int16_t bias, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetTimelapseEVBias"), fieldsOf(shortValue, bias), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetTimelapseEVBias">(*engine_, std::move(rebackBlock), bias);
 }
 
 void ZELCameraUCD::msgReqGetTimelapseEVBiasWithRebackBlock(zel::RebackBlock<std::int16_t> rebackBlock) {
-  request(family("registerMsgReqGetTimelapseEVBias"), fieldsOf(), takingApart(std::move(rebackBlock), shortValue));
+  request<"registerMsgReqGetTimelapseEVBias">(*engine_, std::move(rebackBlock));
 }
 
 void ZELCameraUCD::msgReqSwitchAudioStreamType(Byte type, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSwitchAudioStreamType"), fieldsOf(ucharValue, type),
-          takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSwitchAudioStreamType">(*engine_, std::move(rebackBlock), type);
 }
 
 void ZELCameraUCD::msgReqSetAudioBitrate(std::uint32_t bitrate, ErrorBlock rebackBlock) {
-  request(family("registerMsgReqSetAudioBitrate"), fieldsOf(uintValue, bitrate), takingApart(std::move(rebackBlock)));
+  request<"registerMsgReqSetAudioBitrate">(*engine_, std::move(rebackBlock), bitrate);
 }
 
 void ZELCameraUCD::msgReqGetAudioBitrateWithRebackBlock(UintBlock rebackBlock) {
-  request(family("registerMsgReqGetAudioBitrate"), fieldsOf(), takingApart(std::move(rebackBlock), uintValue));
+  request<"registerMsgReqGetAudioBitrate">(*engine_, std::move(rebackBlock));
 }
 
-void ZELCameraUCD::msgReqUpdateGps(const ZELGpsData& gps) {
-  request(family("registerMsgReqUpdateGps"), fieldsOf(gpsData, gps), takingApart(ErrorBlock()));
-}
+void ZELCameraUCD::msgReqUpdateGps(const ZELGpsData& gps) { tell<"registerMsgReqUpdateGps">(*engine_, gps); }
 
 void ZELCameraUCD::newMsgReqUpdateGps(const Gps& gps) { msgReqUpdateGps(recordOf(gps)); }
 
-void ZELCameraUCD::msgReqUpdateGyro(const ZELGyroData& gyro) {
-  request(family("registerMsgReqUpdateGyro"), fieldsOf(gyroData, gyro), takingApart(ErrorBlock()));
-}
+void ZELCameraUCD::msgReqUpdateGyro(const ZELGyroData& gyro) { tell<"registerMsgReqUpdateGyro">(*engine_, gyro); }
 
 void ZELCameraUCD::newMsgReqUpdateGyro(const Gyro& gyro) { msgReqUpdateGyro(recordOf(gyro)); }
 
 void ZELCameraUCD::msgReqUpdateOrientation(const ZELOrientationData& orientation) {
-  request(family("registerMsgReqUpdateOrientation"), fieldsOf(orientationData, orientation), takingApart(ErrorBlock()));
+  tell<"registerMsgReqUpdateOrientation">(*engine_, orientation);
 }
 
 void ZELCameraUCD::newMsgReqUpdateOrientation(const Orientation& orientation) {

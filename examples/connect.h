@@ -12,7 +12,7 @@
 // Thread: main thread, whose main queue it runs.
 inline bool connect(zel::LinuxPlatform& platform, ZELCameraAccessory& accessory) {
   const auto watch = accessory.observeStatus([&](std::uint64_t status) {
-    if (status == 2) platform.stopMainQueue();
+    if (zel::LinkStatus{status} == zel::LinkStatus::flowing) platform.stopMainQueue();
   });
   if (!accessory.openCamera()) return std::cerr << "no camera is attached\n", false;
   if (!platform.runMainQueueFor(10)) return std::cerr << "the camera sends nothing\n", false;

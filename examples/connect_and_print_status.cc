@@ -28,7 +28,7 @@ int main() {
   ZELCameraAccessory& accessory = stack.accessory();
   const auto watch = accessory.observeStatus([&](std::uint64_t status) {
     std::cout << "status " << status << std::endl;
-    if (status == 2) platform->stopMainQueue();  // frames arrive
+    if (zel::LinkStatus{status} == zel::LinkStatus::flowing) platform->stopMainQueue();
   });
   const auto camera = accessory.openCamera();
   if (!camera) return fail("no camera is attached");

@@ -4,6 +4,7 @@
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/LinuxMedia.h>
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 
 #include <cstdlib>
@@ -48,7 +49,7 @@ int main(int count, char** arguments) {
   zel::CameraStack stack(media.ports());
   if (!connect(*platform, stack.accessory())) return 1;
   const auto files = std::make_shared<Files>(arguments[1], arguments[2]);
-  const auto source = ZELLiveDataSource::initWitCameraResolution(stack, 3, 1440, 720, 8'000'000);
+  const auto source = ZELLiveDataSource::initWitCameraResolution(stack, zel::kSmallestPreview, 1440, 720, 8'000'000);
   source->setDataSourceDelegate(files);
   source->startLiveData();
   platform->runMainQueueFor(std::atof(arguments[3]));

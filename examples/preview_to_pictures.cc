@@ -4,6 +4,7 @@
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/LinuxMedia.h>
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
@@ -52,8 +53,7 @@ int main() {
   saver->done = [&] { platform->stopMainQueue(); };
   const auto player = stack.suitablePreviewPlayer();
   player->setPixelBufferDelegate(saver);
-  stack.ucd().msgCmdStartVideoWithVideoRes(3, {});  // the smallest, 30 a second
+  stack.ucd().msgCmdStartVideoWithVideoRes(zel::kSmallestPreview, {});
   if (platform->runMainQueueFor(20)) return 0;
-  std::cerr << "no picture came\n";
-  return 1;
+  return std::cerr << "no picture came\n", 1;
 }

@@ -3,6 +3,7 @@
 //   two_cameras SERIAL SERIAL
 
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
 #include <array>
@@ -22,7 +23,7 @@ struct Camera {
       if (!error) battery = level;
       answered();
     });
-    stack.ucd().msgCmdStartVideoWithVideoRes(3, {});  // the smallest, 30 pictures a second
+    stack.ucd().msgCmdStartVideoWithVideoRes(zel::kSmallestPreview, {});
   }
 
   const std::string serial;

@@ -2,10 +2,10 @@
 
 #include <utility>
 
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/platform/call_gate.h>
 
 #include "base/has_memory_for.h"
-#include "protocol/resolution_table.h"
 
 void CameraDataParser::setAccessory(zel::AccessoryLink* accessory) {
   accessory_ = accessory;

@@ -40,6 +40,20 @@ struct FrameStatistics {
 };
 
 // Whether the data type is one that has a consumer.
-constexpr bool isKnownFrameType(std::uint16_t type) { return (type >= 1 && type <= 4) || (type >= 7 && type <= 9); }
+constexpr bool isKnownFrameType(std::uint16_t type) {
+  switch (FrameType{type}) {
+    case FrameType::previewVideo:
+    case FrameType::previewAudio:
+    case FrameType::photo:
+    case FrameType::message:
+    case FrameType::registered:
+    case FrameType::timestamp:
+    case FrameType::file:
+      return true;
+    case FrameType::other:
+      break;
+  }
+  return false;
+}
 
 }  // namespace zel

@@ -4,16 +4,16 @@
 #include <optional>
 #include <string>
 
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/platform/media_library.h>
 #include "live/shared_value.h"
 
 namespace zel {
 
-// Pictures a second of a camera's video resolution code. A code above 15 is deliberately left without any.
+// Pictures a second of a camera's video resolution code. A code that is not known is deliberately left without any.
 constexpr std::uint64_t framesPerSecond(std::uint64_t resolution) {
-  constexpr std::uint64_t kRates[] = {15, 20, 25, 30};
-  constexpr std::uint64_t kLastCode = 15;
-  return resolution <= kLastCode ? kRates[resolution % 4] : 0;
+  const auto format = previewFormat(resolution);
+  return format ? static_cast<std::uint64_t>(format->fps) : 0;
 }
 
 // What the host sets, and the lens offset that the camera told.

@@ -1,5 +1,6 @@
 // The camera's commands, and what the delegate is told of them.
 
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 
@@ -9,9 +10,6 @@
 #include "live/zel_live_data_source_state.h"
 
 namespace {
-
-constexpr std::uint8_t kAudioOn = 1, kAudioOff = 0;
-constexpr std::uint8_t kOffsetOfCamera = 0;
 
 using Error = std::optional<ZELError>;
 
@@ -44,7 +42,7 @@ void ZELLiveDataSource::setCameraAudioOn(bool on, ResultBlock result) {
 }
 
 void ZELLiveDataSource::requestAudio(bool on, const ResultBlock& result) {
-  state_->parts.ucd->msgReqSwitchAudioStreamType(on ? kAudioOn : kAudioOff,
+  state_->parts.ucd->msgReqSwitchAudioStreamType(on ? kAudioStreamOn : kAudioStreamOff,
                                                  [weak = weak_from_this(), result](const Error& error) {
                                                    const auto self = weak.lock();
                                                    if (self && error) self->fail(6, "failed to switch audio");
@@ -60,7 +58,7 @@ void ZELLiveDataSource::getCameraMediaOffset(OffsetBlock result) {
 
 void ZELLiveDataSource::requestOffset(const OffsetBlock& result) {
   state_->parts.ucd->msgReqGetMediaOffset(
-      kOffsetOfCamera, static_cast<std::uint8_t>(resolution() & 0xFF),
+      kMediaOffsetOfCamera, static_cast<std::uint8_t>(resolution() & 0xFF),
       [weak = weak_from_this(), result](const Error& error, const std::optional<std::string>& offset) {
         const auto self = weak.lock();
         if (self && error) self->fail(3, "failed to get camera offset");

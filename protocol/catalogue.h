@@ -63,11 +63,15 @@ inline constexpr Field vignetteGain = record<calib_vignette_gain>("calib_vignett
 inline constexpr Field timelapse = record<timelapse_info>("timelapse_info (8)", nsValue1);
 inline constexpr Field name32 = nameField<32>("UTF-8 name, zero-filled (32)", nsString);
 inline constexpr Field name64 = nameField<64>("UTF-8 name, zero-filled (64)", nsString);
-inline constexpr Reply capture = custom(
-    decodeCaptureResult, "`fileTime` u32, `FileSize` u64, `fileName` UTF-8 name to its zero; longer than 12 bytes");
-inline constexpr Reply textFile =
-    custom(decodeTextFileResult, "flag, `intValue` u8; where the flag is 0, `intValue` and the error together");
-inline constexpr Reply anything = custom(decodeAnything, "not read, always a success");
+inline constexpr Reply capture =
+    custom(value(u32(fileTime), u64(fileSize), toldName(fileName)), decodeCaptureResult, "longer than 12 bytes");
+inline constexpr Reply textFile = [] {
+  Reply reply =
+      custom(flag(u8OfInt(intValue)), decodeTextFileResult, "where the flag is 0, `intValue` and the error together");
+  reply.valuesWithRefusal = true;
+  return reply;
+}();
+inline constexpr Reply anything = custom(value(), decodeAnything, "not read, always a success");
 
 // All families, in the order in which they are registered: the registering operation, message type, request code,
 // request body, reply.
@@ -95,8 +99,8 @@ inline constexpr Family kFamilies[] = {
     {"registerMsgReqGetCardState",            31, 0x400E, {},                                            value(u8(ucharValue), u64(uint64Value), u64(uint64Value2))},
     {"registerMsgReqMediaOffset",             32, 0x400F, {u8(ucharValue), u8(ucharValue2)},             flag(offsetText(nsString))},
     {"registerMsgReqSetMediaOffset",          33, 0x4010, {u8(ucharValue), u8(ucharValue2), offsetText(nsString)}, flag()},
-    {"registerMsgReqUpdateGps",               27, 0x400A, {gps},                                         silent},
-    {"registerMsgReqUpdateGyro",              34, 0x4011, {gyro},                                        silent},
+    {"registerMsgReqUpdateGps",               27, 0x400A, {gps},                                         unanswered},
+    {"registerMsgReqUpdateGyro",              34, 0x4011, {gyro},                                        unanswered},
     {"registerMsgReqGetSerialNumber",         35, 0x4012, {},                                            flag(ascii(nsString))},
     {"registerMsgReqSetSerialNumber",         36, 0x4013, {ascii(nsString)},                             flag()},
     {"registerMsgReqSetIPSwitchMode",         37, 0x4014, {u8(ucharValue)},                              flag()},
@@ -156,17 +160,32 @@ inline constexpr Family kFamilies[] = {
     {"registerMsgReqBattery",                 18, 0x4001, {},                                            value(u8(ucharValue), u8(ucharValue2)), Registered::afterTheEvents},
     // Deliberate: known but never registered, so that orientation updates are asked for and never sent. Cameras take
     // the orientation with each capture, and some do not bear the update.
-    {"registerMsgReqUpdateOrientation",       50, 0x4021, {orientation},                                 silent, Registered::never},
+    {"registerMsgReqUpdateOrientation",       50, 0x4021, {orientation},                                 unanswered, Registered::never},
 };
 // clang-format on
 }  // namespace catalogue
 
 using catalogue::kFamilies;
 
+void noRowBearsThisName();  // never defined: a call of it does not compile, and says why
+
 // The family that the operation of this name registers; a wrong name does not compile.
 consteval const Family& family(std::string_view registering) {
-  return *std::ranges::find(kFamilies, registering, &Family::registering);
+  const Family* const row = std::ranges::find(kFamilies, registering, &Family::registering);
+  if (row == std::end(kFamilies)) noRowBearsThisName();
+  return *row;
 }
+
+// A row's name as a template argument.
+template <std::size_t size>
+struct RowName {
+  char text[size] = {};
+  consteval RowName(const char (&name)[size]) { std::ranges::copy(name, text); }
+};
+
+// The family of that name: kRow<"registerMsgReqSetWBMode">.
+template <RowName name>
+inline constexpr const Family& kRow = family({name.text, sizeof(name.text) - 1});
 
 // Whether no two rows of a table agree in this column.
 template <class Rows, class Column>

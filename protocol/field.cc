@@ -71,7 +71,9 @@ void readVideoMnd(ByteReader& body, ZELMessageFields& fields, std::string_view k
   fields.set(key, ByteReader(bytes).read<ZELVideoMnd>());
 }
 
-void neverRead(ByteReader&, ZELMessageFields&, std::string_view) { assert(false && "a field of requests only"); }
+void neverRead(ByteReader&, ZELMessageFields&, std::string_view) {
+  assert(false && "a field of requests, or of a reply with a decoder of its own");
+}
 void neverAppended(Bytes&, const ZELMessageFields&, std::string_view) { assert(false && "a field of replies only"); }
 
 }  // namespace zel::field

@@ -1,24 +1,38 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cassert>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
+#include <variant>
 
 #include <ZELTarkaSDK/ZELMessageFields.h>
 
 #include "base/byte_reader.h"
 #include "base/wire.h"
+#include "protocol/records.h"
 
 namespace zel {
+
+template <class T, class... Types>
+consteval std::size_t placeAmong(const std::variant<Types...>*) {
+  constexpr std::array kIsThis = {std::same_as<T, Types>...};
+  return static_cast<std::size_t>(std::ranges::find(kIsThis, true) - kIsThis.begin());
+}
+// Which of the types that a dictionary holds T is.
+template <class T>
+inline constexpr std::size_t kTypeNumber = placeAmong<T>(static_cast<ZELMessageFields::Value*>(nullptr));
 
 // One field of a message's body: how it stands on the wire, and under which key it stands in the dictionary.
 // A key that is missing is packed as 0, or as nothing where the field has no fixed size.
 struct Field {
   std::string_view layout;  // for people
   std::string_view key;
+  std::size_t type;  // of its value in the dictionary: a kTypeNumber
   std::size_t size;  // bytes on the wire; the fewest where it has no fixed size
   void (*append)(Bytes& body, const ZELMessageFields& fields, std::string_view key);
   void (*read)(ByteReader& body, ZELMessageFields& fields, std::string_view key);
@@ -35,6 +49,8 @@ class FieldList {
   constexpr const Field* begin() const { return fields_.data(); }
   constexpr const Field* end() const { return fields_.data() + count_; }
   constexpr bool empty() const { return count_ == 0; }
+  constexpr std::size_t count() const { return count_; }
+  constexpr const Field& operator[](std::size_t index) const { return fields_[index]; }
 
   // The fewest bytes that hold them.
   constexpr std::size_t size() const {
@@ -61,8 +77,9 @@ void readNumber(ByteReader& body, ZELMessageFields& fields, std::string_view key
   fields.set(key, static_cast<Value>(Wire{body.read<Le<Wire>>()}));
 }
 template <class Wire, class Value = Wire>
-consteval Field number(std::string_view layout, std::string_view key) {
-  return {layout, key, sizeof(Wire), appendNumber<Wire, Value>, readNumber<Wire, Value>};
+consteval Field number(std::string_view key) {
+  return {numberName<Wire>(),     key, kTypeNumber<Value>, sizeof(Wire), appendNumber<Wire, Value>,
+          readNumber<Wire, Value>};
 }
 
 template <WireRecord R>
@@ -89,45 +106,62 @@ void readVideoMnd(ByteReader& body, ZELMessageFields& fields, std::string_view k
 void neverRead(ByteReader& body, ZELMessageFields& fields, std::string_view key);
 void neverAppended(Bytes& body, const ZELMessageFields& fields, std::string_view key);
 
-consteval Field u8(std::string_view key) { return number<std::uint8_t>("u8", key); }
-consteval Field u16(std::string_view key) { return number<std::uint16_t>("u16", key); }
-consteval Field s16(std::string_view key) { return number<std::int16_t>("s16", key); }
-consteval Field u32(std::string_view key) { return number<std::uint32_t>("u32", key); }
-consteval Field s32(std::string_view key) { return number<std::int32_t>("s32", key); }
-consteval Field u64(std::string_view key) { return number<std::uint64_t>("u64", key); }
-consteval Field s64(std::string_view key) { return number<std::int64_t>("s64", key); }
+consteval Field u8(std::string_view key) { return number<std::uint8_t>(key); }
+consteval Field u16(std::string_view key) { return number<std::uint16_t>(key); }
+consteval Field s16(std::string_view key) { return number<std::int16_t>(key); }
+consteval Field u32(std::string_view key) { return number<std::uint32_t>(key); }
+consteval Field s32(std::string_view key) { return number<std::int32_t>(key); }
+consteval Field u64(std::string_view key) { return number<std::uint64_t>(key); }
+consteval Field s64(std::string_view key) { return number<std::int64_t>(key); }
 
 // One byte of the wire that is an int in the dictionary, and two bytes that are.
-consteval Field u8OfInt(std::string_view key) { return number<std::uint8_t, std::int32_t>("u8", key); }
-consteval Field u16OfInt(std::string_view key) { return number<std::uint16_t, std::int32_t>("u16", key); }
+consteval Field u8OfInt(std::string_view key) { return number<std::uint8_t, std::int32_t>(key); }
+consteval Field u16OfInt(std::string_view key) { return number<std::uint16_t, std::int32_t>(key); }
 
 // Deliberate: of these two bytes only the first was ever written and read, and cameras expect it.
 consteval Field lowByteOfU16(std::string_view key) {
-  return {"u16, of which only the low byte counts", key, 2, appendLowByteAsU16, readLowByteOfU16};
+  return {"u16, of which only the low byte counts",
+          key,
+          kTypeNumber<std::uint16_t>,
+          2,
+          appendLowByteAsU16,
+          readLowByteOfU16};
 }
 
 template <WireRecord R>
 consteval Field record(std::string_view layout, std::string_view key) {
-  return {layout, key, sizeof(R), appendRecordField<R>, readRecordField<R>};
+  return {layout, key, kTypeNumber<R>, sizeof(R), appendRecordField<R>, readRecordField<R>};
 }
 
 // Bytes to the end, possibly none.
-consteval Field rest(std::string_view key) { return {"bytes to the end", key, 0, appendRest, readRest}; }
+consteval Field rest(std::string_view key) {
+  return {"bytes to the end", key, kTypeNumber<ZELData>, 0, appendRest, readRest};
+}
 
 // ASCII text to the end, at least a byte of it in a reply. Text that is not ASCII is packed as nothing and read as
 // absent.
-consteval Field ascii(std::string_view key) { return {"ASCII text to the end", key, 1, appendAscii, readAscii}; }
+consteval Field ascii(std::string_view key) {
+  return {"ASCII text to the end", key, kTypeNumber<std::string>, 1, appendAscii, readAscii};
+}
 
 // A file name: as many of its UTF-8 bytes as it has characters, and a zero. Deliberate: a name outside ASCII is cut
 // short, as it always was. An empty name is an empty body.
 consteval Field terminatedName(std::string_view key) {
-  return {"UTF-8 name, zero-terminated", key, 0, appendTerminatedName, neverRead};
+  return {"UTF-8 name, zero-terminated", key, kTypeNumber<std::string>, 0, appendTerminatedName, neverRead};
+}
+
+// A file name that the camera tells. Its reply has a decoder of its own, since a name that is not UTF-8 is a refusal.
+consteval Field toldName(std::string_view key) {
+  return {"UTF-8 name to its zero", key, kTypeNumber<std::string>, 0, neverAppended, neverRead};
 }
 
 // A file name in a field of fixed size, filled up with zeros; a longer one is cut and has no terminator.
 template <std::size_t size>
 consteval Field nameField(std::string_view layout, std::string_view key) {
-  return {layout, key, size,
+  return {layout,
+          key,
+          kTypeNumber<std::string>,
+          size,
           [](Bytes& body, const ZELMessageFields& fields, std::string_view name) {
             appendNameField(body, fields, name, size);
           },
@@ -136,12 +170,13 @@ consteval Field nameField(std::string_view layout, std::string_view key) {
 
 // The lens offset: a record on the wire, its text in the dictionary.
 consteval Field offsetText(std::string_view key) {
-  return {"media offset record (80)", key, sizeof(ZELMediaOffset), appendOffsetText, readOffsetText};
+  return {"media offset record (80)", key,           kTypeNumber<std::string>, sizeof(ZELMediaOffset),
+          appendOffsetText,           readOffsetText};
 }
 
 // Up to a whole video metadata record; what is missing is 0, what is more is ignored.
 consteval Field videoMnd(std::string_view key) {
-  return {"VideoMnd record (up to 192)", key, 0, neverAppended, readVideoMnd};
+  return {"VideoMnd record (up to 192)", key, kTypeNumber<ZELVideoMnd>, 0, neverAppended, readVideoMnd};
 }
 
 }  // namespace field

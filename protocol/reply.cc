@@ -10,7 +10,7 @@
 namespace zel {
 
 Decoded decodeReply(const Reply& reply, ByteView body) {
-  if (reply.form == Reply::Form::custom) return reply.custom(body);
+  if (reply.decode != nullptr) return reply.decode(body);
   const std::size_t flagSize = reply.form == Reply::Form::flag ? 1 : 0;
   if (body.size() < flagSize + reply.fields.size()) return Decoded::refusal();
   if (flagSize != 0 && body[0] == 0) return Decoded::refusal();

@@ -23,30 +23,30 @@ struct Decoded {
 // How a family's replies are read.
 struct Reply {
   enum class Form {
-    none,    // the camera does not answer
-    flag,    // a byte that is not 0 where the camera agrees, then the fields
-    value,   // the fields alone: whatever the camera answers is a success
-    custom,  // as the function has it
+    none,   // the camera does not answer
+    flag,   // a byte that is not 0 where the camera agrees, then the fields
+    value,  // the fields alone: whatever the camera answers is a success
   };
 
   Form form = Form::none;
   FieldList fields;
-  Decoded (*custom)(ByteView body) = nullptr;
-  std::string_view description;  // of a custom one, for people
+  Decoded (*decode)(ByteView body) = nullptr;  // in the place of the form's own reading
+  std::string_view note = {};                  // what is special then, for people
+  bool valuesWithRefusal = false;              // a refusal carries the fields, too
 };
 
-inline constexpr Reply silent{};
+inline constexpr Reply unanswered{};
 
 template <class... Fields>
 consteval Reply flag(Fields... fields) {
-  return {Reply::Form::flag, FieldList{fields...}, nullptr, {}};
+  return {Reply::Form::flag, FieldList{fields...}};
 }
 template <class... Fields>
 consteval Reply value(Fields... fields) {
-  return {Reply::Form::value, FieldList{fields...}, nullptr, {}};
+  return {Reply::Form::value, FieldList{fields...}};
 }
-consteval Reply custom(Decoded (*decode)(ByteView), std::string_view description) {
-  return {Reply::Form::custom, {}, decode, description};
+consteval Reply custom(Reply form, Decoded (*decode)(ByteView), std::string_view note) {
+  return {form.form, form.fields, decode, note};
 }
 
 // Bytes after the last field are ignored.

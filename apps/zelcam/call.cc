@@ -13,7 +13,7 @@
 #include "apps/zelcam/answer.h"
 #include "apps/zelcam/bus.h"
 #include "apps/zelcam/camera_link.h"
-#include "apps/zelcam/operation.h"
+#include "apps/zelcam/operation_text.h"
 #include "apps/zelcam/output.h"
 
 namespace zel::app {
@@ -26,40 +26,48 @@ constexpr double kWriteLook = 0.01;  // seconds between two looks at what still 
 
 int listOperations(const Settings& settings) {
   for (const Operation& operation : operations()) {
+    const std::vector<std::string> arguments = argumentsOf(operation);
+    const std::vector<std::string_view> options = optionsOf(operation);
     if (settings.json) {
       printJson({{"operation", operation.name},
-                 {"arguments", operation.arguments},
-                 {"options", operation.sensors},
+                 {"arguments", arguments},
+                 {"options", options},
                  {"result", operation.resultKeys}});
       continue;
     }
-    const std::string options =
-        operation.sensors.empty() ? "" : fmt::format(" [{}]", fmt::join(operation.sensors, " "));
-    printLine(fmt::format("{}{}{}{}", operation.name, operation.arguments.empty() ? "" : " ",
-                          fmt::join(operation.arguments, " "), options));
+    printLine(fmt::format("{}{}{}{}", operation.name, arguments.empty() ? "" : " ", fmt::join(arguments, " "),
+                          options.empty() ? "" : fmt::format(" [{}]", fmt::join(options, " "))));
   }
   return kDone;
 }
 
+// A call that is ready to be made.
+struct ReadyCall {
+  const Operation* operation = nullptr;
+  std::vector<Operation::Value> arguments;
+};
+
 // The call that the command line asks for. Errors: nothing, and the complaint.
-ReadyCall prepared(const Values& values, const Operation*& operation, std::string& complaint) {
+std::optional<ReadyCall> prepared(const Values& values, std::string& complaint) {
   const std::string name = values.text("OPERATION");
-  const std::vector<std::string> arguments = values.list("ARG");
-  operation = findOperation(name);
+  const std::vector<std::string> texts = values.list("ARG");
+  const Operation* const operation = findOperation(name);
   if (operation == nullptr) {
     complaint = name.empty() ? "which operation? \"zelcam call --list\" shows all"
                              : fmt::format("there is no operation {}; \"zelcam call --list\" shows all", name);
-    return nullptr;
+    return std::nullopt;
   }
-  if (arguments.size() != operation->arguments.size()) {
-    const std::string takes =
-        operation->arguments.empty() ? "no arguments" : fmt::format("{}", fmt::join(operation->arguments, " "));
-    complaint = fmt::format("{} takes {}; {} were given", name, takes, arguments.size());
-    return nullptr;
+  const std::vector<std::string> taken = argumentsOf(*operation);
+  if (texts.size() != taken.size()) {
+    const std::string takes = taken.empty() ? "no arguments" : fmt::format("{}", fmt::join(taken, " "));
+    complaint = fmt::format("{} takes {}; {} were given", name, takes, texts.size());
+    return std::nullopt;
   }
-  auto sensors = sensorsIn(values, complaint);
-  if (!sensors) return nullptr;
-  return operation->prepare(*operation, {arguments, std::move(*sensors)}, complaint);
+  const auto sensors = sensorsIn(values, complaint);
+  if (!sensors) return std::nullopt;
+  auto arguments = argumentsIn(*operation, texts, *sensors, complaint);
+  if (!arguments) return std::nullopt;
+  return ReadyCall{operation, std::move(*arguments)};
 }
 
 Waited waitForWriting(CameraLink& link, double seconds) {
@@ -70,13 +78,13 @@ Waited waitForWriting(CameraLink& link, double seconds) {
   return end == Waited::done && (link.isLost() || link.wasReopened()) ? Waited::lost : end;
 }
 
-Waited waitForEnd(CameraLink& link, DoneWhen doneWhen, const CallAnswer& answer, double seconds) {
-  switch (doneWhen) {
-    case DoneWhen::answered:
+Waited waitForEnd(CameraLink& link, Operation::Done done, const CallAnswer& answer, double seconds) {
+  switch (done) {
+    case Operation::Done::answered:
       return link.waitFor([&answer] { return answer.done; }, seconds);
-    case DoneWhen::written:
+    case Operation::Done::written:
       return waitForWriting(link, seconds);
-    case DoneWhen::called:
+    case Operation::Done::called:
       break;
   }
   return Waited::done;
@@ -98,21 +106,24 @@ void show(const Operation& operation, const CallAnswer& answer, const Settings& 
 int runCall(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
   if (invocation.values.has("--list")) return listOperations(settings);
-  const Operation* operation = nullptr;
   std::string complaint;
-  const ReadyCall ready = prepared(invocation.values, operation, complaint);
+  const auto ready = prepared(invocation.values, complaint);
   if (!ready) return complain(kWrongUsage, "call", complaint);
+  const Operation& operation = *ready->operation;
 
   return withCamera(settings, [&](CameraLink& link) {
     const auto answer = std::make_shared<CallAnswer>();
     std::get<0>(answer->values) = ordered_json::object();
-    ready(link.stack(), keepIn(answer, link.platform()));
+    operation.call(link.stack(), ready->arguments,
+                   [&operation, keep = keepIn(answer, link.platform())](const auto& error, const auto& values) {
+                     keep(error, resultJson(operation, values));
+                   });
     link.sayAsked();
-    const Waited end = waitForEnd(link, operation->doneWhen, *answer, settings.timeout);
-    const int status = tellEnd(operation->name, end, answer->error, settings);
+    const Waited end = waitForEnd(link, operation.done, *answer, settings.timeout);
+    const int status = tellEnd(operation.name, end, answer->error, settings);
     // In front of the result, whose error has the form that it always had.
     if (status != kDone && settings.json) printFailure(status);
-    if (end == Waited::done) show(*operation, *answer, settings);
+    if (end == Waited::done) show(operation, *answer, settings);
     return status;
   });
 }

@@ -18,11 +18,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::uint64_t kNoConnection = 0;
-constexpr std::uint64_t kSessionOpen = 1;
-constexpr std::uint64_t kFramesArrive = 2;
-constexpr std::uint64_t kFramesStopped = 3;
-
 // Far more than a camera's preview and its answers need. A frame of 256 MiB would take five times as much until it is
 // shown.
 constexpr std::uint32_t kLargestFrame = 8u << 20;
@@ -35,15 +30,15 @@ CameraLink::CameraLink(Bus& bus, const Settings& settings)
       platform_(bus.platform()),
       settings_(settings),
       stack_(bus.ports(), settings.camera),
-      watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); })) {
+      watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(LinkStatus{status}); })) {
   stack_.setReceiveLimits({kLargestFrame, kLargestUnit});
 }
 
-void CameraLink::statusChanged(std::uint64_t status) {
+void CameraLink::statusChanged(LinkStatus status) {
   ifMemoryAllows([status] { noteStatus(status); });
-  if (status == kFramesArrive) framesArrived_.store(true);
-  if (status == kNoConnection && framesArrived_.load()) lost_.store(true);
-  if (status == kSessionOpen && framesArrived_.load()) reopened_.store(true);
+  if (status == LinkStatus::flowing) framesArrived_.store(true);
+  if (status == LinkStatus::closed && framesArrived_.load()) lost_.store(true);
+  if (status == LinkStatus::open && framesArrived_.load()) reopened_.store(true);
   wake();
 }
 
@@ -70,7 +65,7 @@ int CameraLink::open() {
 LinkLoss CameraLink::loss() {
   if (!framesArrived_.load()) return LinkLoss::none;
   if (lost_.load()) return LinkLoss::gone;
-  return stack_.accessory().status() == kFramesStopped ? LinkLoss::silent : LinkLoss::none;
+  return stack_.accessory().linkStatus() == LinkStatus::silent ? LinkLoss::silent : LinkLoss::none;
 }
 
 Waited CameraLink::waitFor(const std::function<bool()>& done, std::optional<double> seconds,
@@ -96,7 +91,7 @@ Waited CameraLink::waitFor(const std::function<bool()>& done, std::optional<doub
 
 void CameraLink::wake() { platform_.stopMainQueue(); }
 
-bool CameraLink::isLost() { return lost_.load() || stack_.accessory().status() != kFramesArrive; }
+bool CameraLink::isLost() { return lost_.load() || stack_.accessory().linkStatus() != LinkStatus::flowing; }
 
 void CameraLink::sayAsked() const {
   if (settings_.verbose) say("zelcam: the request is on its way");

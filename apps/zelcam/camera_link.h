@@ -71,7 +71,7 @@ class CameraLink {
   void sayAsked() const;
 
  private:
-  void statusChanged(std::uint64_t status);
+  void statusChanged(LinkStatus status);
   LinkLoss loss();
 
   Bus& bus_;

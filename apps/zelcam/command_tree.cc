@@ -1,12 +1,13 @@
 #include "apps/zelcam/command_tree.h"
 
+#include <ZELTarkaSDK/Operations.h>
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/Version.h>
 
 #include <string>
 #include <vector>
 
 #include "apps/zelcam/number_text.h"
-#include "apps/zelcam/operation.h"
 #include "tools/manual/describe_option.h"
 #include "tools/manual/wrong_usage.h"
 
@@ -102,7 +103,7 @@ CLI::App* describeCommand(CLI::App& app, const Command& command, Values& values)
 manual::Words usualWords() {
   manual::Words words;
   for (const Operation& operation : operations()) words["OPERATION"].push_back(std::string(operation.name));
-  for (int code = 0; code <= 15; ++code) words["CODE"].push_back(std::to_string(code));
+  for (std::size_t code = 0; code < kPreviewFormats.size(); ++code) words["CODE"].push_back(std::to_string(code));
   return words;
 }
 

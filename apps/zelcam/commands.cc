@@ -1,5 +1,7 @@
 // The one description of the program's commands.
 
+#include <ZELTarkaSDK/PreviewFormat.h>
+
 #include "apps/zelcam/call.h"
 #include "apps/zelcam/command.h"
 #include "apps/zelcam/demo.h"
@@ -19,6 +21,8 @@
 namespace zel::app {
 namespace {
 
+constexpr double kLastPreview = kPreviewFormats.size() - 1;  // resolution code
+
 const Command kCommands[] = {
     {"devices",
      "accessories present",
@@ -32,7 +36,7 @@ const Command kCommands[] = {
      {},
      {{"--seconds", "S", "end that long after the first frame", Kind::number, 0, 1e9},
       {"--preview", "CODE", "have the camera send its preview of that resolution code, with sound", Kind::integer, 0,
-       15}},
+       kLastPreview}},
      runMonitor},
     {"info", "who the camera is and how it is: identity, battery, card, what is left", "zelcam info", {}, {}, runInfo},
     {"call",
@@ -77,7 +81,7 @@ const Command kCommands[] = {
       {"--frames", "N", "end after that many pictures; default: 1 with --snapshot, else until stopped", Kind::integer,
        1, 1e15},
       {"--resolution", "CODE", "preview code 0 to 15: code / 4 is the size, code % 4 the rate; default: 3",
-       Kind::integer, 0, 15},
+       Kind::integer, 0, kLastPreview},
       {"--decoder-threads", "N", "decode so many pictures side by side; default: 1, for codes from 8 on 2",
        Kind::integer, 1, 16}},
      runPreview},
@@ -87,7 +91,7 @@ const Command kCommands[] = {
      {},
      {{"-o,--output", "OUT", "FILE.mp4, .ts, .flv or .m3u8, - for MPEG-TS on standard output, rtmp:// or srt://",
        Kind::text, 0, 0, true},
-      {"--resolution", "CODE", "preview code 0 to 15, as for preview; default: 3", Kind::integer, 0, 15},
+      {"--resolution", "CODE", "preview code 0 to 15, as for preview; default: 3", Kind::integer, 0, kLastPreview},
       {"--size", "WxH", "of the stitched pictures; default: 1920x960"},
       {"--bitrate", "BPS", "bits a second of the stitched pictures; default: 8000000", Kind::integer, 1000,
        1'000'000'000},

@@ -69,11 +69,8 @@ void noteCommandLine(int argc, const char* const* argv) {
   note(line);
 }
 
-const char* statusName(std::uint64_t status) {
-  constexpr const char* kNames[] = {"no connection", "session open", "frames arriving", "frames stopped"};
-  return status < std::size(kNames) ? kNames[status] : "unknown";
+void noteStatus(LinkStatus status) {
+  note(fmt::format("status {} ({})", static_cast<std::uint64_t>(status), toString(status)));
 }
-
-void noteStatus(std::uint64_t status) { note(fmt::format("status {} ({})", status, statusName(status))); }
 
 }  // namespace zel::app

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstdint>
+#include <ZELTarkaSDK/LinkStatus.h>
+
 #include <string>
 #include <string_view>
 
@@ -19,10 +20,7 @@ void note(std::string_view text);
 // Notes the command line of this run.
 void noteCommandLine(int argc, const char* const* argv);
 
-// What a value of the camera's status means.
-const char* statusName(std::uint64_t status);
-
 // Notes that the link's status has changed.
-void noteStatus(std::uint64_t status);
+void noteStatus(LinkStatus status);
 
 }  // namespace zel::app

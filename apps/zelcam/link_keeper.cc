@@ -12,7 +12,6 @@ namespace {
 constexpr double kLookPeriod = 0.25;  // seconds
 constexpr std::chrono::seconds kFirstPause{1};
 constexpr std::chrono::seconds kLongestPause{4};
-constexpr std::uint64_t kNoLink = 0, kLinkFlows = 2, kLinkIsSilent = 3;
 
 }  // namespace
 
@@ -25,7 +24,7 @@ LinkKeeper::LinkKeeper(LinuxPlatform& platform, const Settings& settings, ZELCam
 
 void LinkKeeper::look() {
   const Clock::time_point now = Clock::now();
-  if (accessory_.status() == kLinkFlows) pause_ = kFirstPause;
+  if (accessory_.linkStatus() == LinkStatus::flowing) pause_ = kFirstPause;
   if (!isBroken()) return brokenSince_.reset();
   if (!brokenSince_) brokenSince_ = now;
   if (now - *brokenSince_ < pause_) return;
@@ -35,10 +34,10 @@ void LinkKeeper::look() {
   accessory_.openCamera();
 }
 
-// A session that was opened a moment ago has the status 1 and is given its time; it becomes silent after that.
+// A session that was opened a moment ago is open and is given its time; it becomes silent after that.
 bool LinkKeeper::isBroken() const {
-  const std::uint64_t status = accessory_.status();
-  if (status != kNoLink) return status == kLinkIsSilent;
+  const LinkStatus status = accessory_.linkStatus();
+  if (status != LinkStatus::closed) return status == LinkStatus::silent;
   return !chosenAccessories(platform_, settings_).empty();
 }
 

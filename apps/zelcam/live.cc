@@ -1,5 +1,6 @@
 #include "apps/zelcam/live.h"
 
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
@@ -155,7 +156,7 @@ class Live {
 
   std::shared_ptr<LiveFeed> makeFeed(CameraLink& link) {
     MediaClock& clock = bus_.mediaClock();
-    clock.begin(link.stack().accessory().firewareVersion(), picturesPerSecond(options_.resolution));
+    clock.begin(link.stack().accessory().firewareVersion(), kPreviewFormats[options_.resolution].fps);
     if (!options_.stitch) return std::make_shared<PassedFeed>(link, writer_, clock, options_.resolution);
     return std::make_shared<StitchedFeed>(link, writer_, clock, options_, bus_.arrivals());
   }
@@ -197,10 +198,10 @@ class Live {
     if (end == RunEnd::lost) return;
     constexpr double kLongest = 1;
     const auto answered = std::make_shared<std::atomic<bool>>(false);
-    link.stack().ucd().msgReqSwitchAudioStreamType(0, [answered](const auto&) { answered->store(true); });
+    link.stack().ucd().msgReqSwitchAudioStreamType(kAudioStreamOff, [answered](const auto&) { answered->store(true); });
     link.platform().runMainQueueFor(0);
     const auto until = Clock::now() + std::chrono::duration<double>(kLongest);
-    while (!answered->load() && link.stack().accessory().status() != 0 && Clock::now() < until) {
+    while (!answered->load() && link.stack().accessory().linkStatus() != LinkStatus::closed && Clock::now() < until) {
       link.platform().runMainQueueFor(0.02);
     }
   }

@@ -7,12 +7,6 @@
 
 namespace zel::app {
 
-// Pictures a second. resolution: the code.
-constexpr int picturesPerSecond(int resolution) {
-  constexpr int kRates[] = {15, 20, 25, 30};  // by the code's remainder
-  return kRates[resolution % 4];
-}
-
 // Where a live stream comes from, for one connection of the camera.
 // Thread: main thread.
 class LiveFeed {

@@ -52,7 +52,7 @@ bool LiveOptions::usesStandardOutput() const {
 
 std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& complaint) {
   LiveOptions options;
-  options.resolution = static_cast<int>(values.integer("--resolution").value_or(options.resolution));
+  options.resolution = static_cast<std::uint8_t>(values.integer("--resolution").value_or(options.resolution));
   options.bitrate = values.integer("--bitrate").value_or(options.bitrate);
   options.decoderThreads = decoderThreads(values, options.resolution);
   options.duration = values.number("--duration");

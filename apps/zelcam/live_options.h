@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/platform/media_library.h>
 #include "apps/zelcam/command.h"
 #include "apps/zelcam/muxing/output_address.h"
@@ -14,7 +15,7 @@ namespace zel::app {
 // What `zelcam live` was asked for. Units: pixels, bits a second, seconds, degrees.
 struct LiveOptions {
   std::vector<OutputAddress> outputs;
-  int resolution = 3;
+  std::uint8_t resolution = kSmallestPreview;
   std::int32_t width = 1920;
   std::int32_t height = 960;
   std::int64_t bitrate = 8'000'000;

@@ -3,21 +3,16 @@
 #include <algorithm>
 #include <cmath>
 
+#include <ZELTarkaSDK/WireConstants.h>
 #include "apps/zelcam/muxing/audio_config.h"
 #include "apps/zelcam/muxing/picture_joiner.h"
 
 namespace zel::app {
-namespace {
-
-constexpr std::int64_t kTellsTimes = 190;  // firmware
-
-}  // namespace
-
 void MediaClock::begin(std::int64_t firewareVersion, int picturesPerSecond) {
   const MutexLock lock(mutex_);
   picturesPerSecond_ = picturesPerSecond;
   paced_.reset();
-  if (firewareVersion < kTellsTimes) paced_.emplace(picturesPerSecond);
+  if (firewareVersion < kFirewareVersion190) paced_.emplace(picturesPerSecond);
   next_.reset();
   times_.clear();
   unplaced_ = 0;

@@ -1,6 +1,7 @@
 #include "apps/zelcam/monitor.h"
 
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
@@ -23,9 +24,6 @@ namespace {
 
 using nlohmann::ordered_json;
 using Clock = std::chrono::steady_clock;
-
-constexpr std::uint64_t kSessionOpen = 1, kFramesArrive = 2;
-constexpr std::uint8_t kSoundOn = 1;
 
 constexpr std::pair<FrameType, const char*> kTypes[] = {
     {FrameType::previewVideo, "video"}, {FrameType::previewAudio, "audio"}, {FrameType::photo, "photo"},
@@ -89,21 +87,21 @@ class Monitor {
 
   void statusChanged(std::uint64_t status) {
     platform_.ports().queues.mainQueue().post([this, status, at = elapsed(), clock = timeOfDay()] {
-      if (preview_) keepPreviewOn(status);
+      const std::string_view name = toString(LinkStatus{status});
+      if (preview_) keepPreviewOn(LinkStatus{status});
       if (settings_.json) {
-        return printJson(
-            {{"event", "status"}, {"time", clock}, {"seconds", at}, {"status", status}, {"name", statusName(status)}});
+        return printJson({{"event", "status"}, {"time", clock}, {"seconds", at}, {"status", status}, {"name", name}});
       }
-      printLine(fmt::format("{} {:8.3f} s  status {} ({})", clock, at, status, statusName(status)));
+      printLine(fmt::format("{} {:8.3f} s  status {} ({})", clock, at, status, name));
     });
   }
 
   // A camera forgets what its host asked for when the session ends.
-  void keepPreviewOn(std::uint64_t status) {
-    if (status <= kSessionOpen) previewIsOn_ = false;
-    if (status != kFramesArrive || std::exchange(previewIsOn_, true)) return;
+  void keepPreviewOn(LinkStatus status) {
+    if (status <= LinkStatus::open) previewIsOn_ = false;
+    if (status != LinkStatus::flowing || std::exchange(previewIsOn_, true)) return;
     stack_.ucd().msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(*preview_), {});
-    stack_.ucd().msgReqSwitchAudioStreamType(kSoundOn, {});
+    stack_.ucd().msgReqSwitchAudioStreamType(kAudioStreamOn, {});
   }
 
   void secondPassed() {

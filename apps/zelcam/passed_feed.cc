@@ -1,5 +1,7 @@
 #include "apps/zelcam/passed_feed.h"
 
+#include <ZELTarkaSDK/PreviewFormat.h>
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
@@ -11,13 +13,9 @@
 #include "base/has_memory_for.h"
 
 namespace zel::app {
-namespace {
+namespace {}  // namespace
 
-constexpr std::uint8_t kSoundOff = 0, kSoundOn = 1;
-
-}  // namespace
-
-PassedFeed::PassedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, int resolution)
+PassedFeed::PassedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, std::uint8_t resolution)
     : link_(link), writer_(writer), clock_(clock), resolution_(resolution) {}
 
 void PassedFeed::start() {
@@ -27,7 +25,7 @@ void PassedFeed::start() {
   active_ = notifications.observe(platform::kApplicationDidBecomeActiveNotification,
                                   [this](const platform::Notification&) { switchOn(); });
   player_ = link_.stack().suitablePreviewPlayer();
-  player_->setFps(picturesPerSecond(resolution_));
+  player_->setFps(kPreviewFormats[resolution_].fps);
   player_->setMediaDataDelegate(weak_from_this());
   switchOn();
 }
@@ -42,14 +40,13 @@ void PassedFeed::stop() {
 void PassedFeed::switchOn() {
   ZELCameraUCD& ucd = link_.stack().ucd();
   const auto preview = failureOf("failed to open camera video stream");
-  ucd.msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(resolution_),
-                                   [preview](const auto& error, const auto&) { preview(error); });
-  ucd.msgReqSwitchAudioStreamType(kSoundOn, failureOf("failed to switch audio"));
+  ucd.msgCmdStartVideoWithVideoRes(resolution_, [preview](const auto& error, const auto&) { preview(error); });
+  ucd.msgReqSwitchAudioStreamType(kAudioStreamOn, failureOf("failed to switch audio"));
 }
 
 void PassedFeed::switchOff() {
   link_.stack().ucd().msgCmdStopVPWithRebackBlock([](const auto&) {});
-  link_.stack().ucd().msgReqSwitchAudioStreamType(kSoundOff, [](const auto&) {});
+  link_.stack().ucd().msgReqSwitchAudioStreamType(kAudioStreamOff, [](const auto&) {});
 }
 
 std::function<void(const std::optional<ZELError>&)> PassedFeed::failureOf(std::string what) {

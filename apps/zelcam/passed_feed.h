@@ -24,7 +24,7 @@ class PassedFeed final : public LiveFeed,
                          public ZELCameraMediaDataDelegate,
                          public std::enable_shared_from_this<PassedFeed> {
  public:
-  PassedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, int resolution);
+  PassedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, std::uint8_t resolution);
 
   void start() override;
   void stop() override;
@@ -45,7 +45,7 @@ class PassedFeed final : public LiveFeed,
   CameraLink& link_;
   StreamWriter& writer_;
   MediaClock& clock_;
-  const int resolution_;
+  const std::uint8_t resolution_;
   std::optional<std::string> failure_;  // main thread only
   PictureJoiner joiner_;                // session thread only
   StreamWriter::TimePoint pictureArrival_{};

@@ -1,6 +1,7 @@
 #include "apps/zelcam/photo.h"
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELMessageKeys.h>
 
 #include <fmt/format.h>
 
@@ -175,7 +176,7 @@ class Shot {
     if (step) object["step"] = *step;
     object["fileTime"] = time.value_or(0);
     object["fileSize"] = size.value_or(0);
-    object["FileSize"] = size.value_or(0);  // the interface's spelling of the same
+    object[std::string(key::fileSize)] = size.value_or(0);  // the interface's spelling of the same
     object["fileName"] = storedName ? nlohmann::ordered_json(*storedName) : nlohmann::ordered_json();
     printJson(object);
   }

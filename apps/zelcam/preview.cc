@@ -1,5 +1,7 @@
 #include "apps/zelcam/preview.h"
 
+#include <ZELTarkaSDK/PreviewFormat.h>
+#include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
@@ -8,7 +10,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,10 +28,7 @@
 namespace zel::app {
 namespace {
 
-constexpr double kLine = 1.0;                            // seconds between two lines of the live report
-constexpr int kDefaultResolution = 3;                    // the smallest, at 30 pictures a second
-constexpr std::array<int, 4> kRates = {15, 20, 25, 30};  // pictures a second, by the resolution code's remainder
-constexpr int kFirewareVersion190 = 190;                 // from it on, times are the host's
+constexpr double kLine = 1.0;  // seconds between two lines of the live report
 
 // What has been decoded so far.
 struct Decoded {
@@ -75,8 +73,8 @@ class PictureCounter final : public ZELPixelBufferDataProtocol {
   Decoded decoded_ ZEL_GUARDED_BY(mutex_);
 };
 
-int resolutionIn(const Invocation& invocation) {
-  return static_cast<int>(invocation.values.integer("--resolution").value_or(kDefaultResolution));
+std::uint8_t resolutionIn(const Invocation& invocation) {
+  return static_cast<std::uint8_t>(invocation.values.integer("--resolution").value_or(kSmallestPreview));
 }
 
 // One run of the command.
@@ -104,11 +102,11 @@ class Preview {
     return 1;
   }
 
-  std::uint8_t resolution() const { return static_cast<std::uint8_t>(resolutionIn(invocation_)); }
+  std::uint8_t resolution() const { return resolutionIn(invocation_); }
 
   int startVideo() {
     const auto answer = std::make_shared<Answer<std::uint8_t>>();
-    player_->setFps(kRates[resolution() % kRates.size()]);
+    player_->setFps(kPreviewFormats[resolution()].fps);
     link_.stack().ucd().msgCmdStartVideoWithVideoRes(resolution(), keepIn(answer, link_.platform()));
     link_.sayAsked();
     return link_.waitForAnswer("preview", *answer);

@@ -1,6 +1,7 @@
 #include "apps/zelcam/record.h"
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELMessageKeys.h>
 
 #include <fmt/format.h>
 
@@ -36,7 +37,7 @@ int tellFile(const RecordedFile& answer, const Settings& settings) {
                {"fileName", name ? nlohmann::ordered_json(*name) : nullptr},
                {"fileTime", time},
                {"fileSize", size},
-               {"FileSize", size}});  // the interface's spelling of the same
+               {std::string(key::fileSize), size}});  // the interface's spelling of the same
   } else {
     printLine(fmt::format("recorded {}: file time {}, {} bytes", printable(name.value_or("(no name)")), time, size));
   }

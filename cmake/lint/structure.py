@@ -208,7 +208,37 @@ def examples(root):
                 yield f'{relative}:{number}: an example may not include "{include}"; only public headers, as <ZELTarkaSDK/...>'
 
 
+# What stands in one place: a pattern, the files that it may not stand in again, and where the fact is.
+CODE = CORE + ("platform", "include", "apps", "examples")
+KEYS = r"u?(char|short|int)Value[23]?|u?int64Value2?|nsString|NS(Data|Value1|Error)|IPAEMMWeight|IPMEParam|gpsData|orientationData|FileSize"
+FACTS = (
+    (re.compile(r"\bcase \d+:"), CORE, "a frame type, an event or a state by its number; use its enumerator"),
+    (re.compile(r"\b15, *20, *25, *30\b"), CODE, "the preview's rates are in ZELTarkaSDK/PreviewFormat.h"),
+    (re.compile(r"\b(1440|2160|2560|3040), *(720|1080|1280|1520)\b.*\b(1440|2160|2560|3040), *(720|1080|1280|1520)\b"), CODE,
+     "the preview's sizes are in ZELTarkaSDK/PreviewFormat.h"),
+    (re.compile(r"\bstatus\(\) *([!=]=|[<>]=?) *\d"), CODE + ("bench",), "compare linkStatus() with a zel::LinkStatus"),
+    (re.compile(r"\bstatus *([!=]=|[<>]=?) *\d"), ("link", "command", "examples"), "compare it with a zel::LinkStatus"),
+    (re.compile(r"\b190\b"), CODE, "firmware levels are in ZELTarkaSDK/WireConstants.h"),
+    (re.compile(rf'"({KEYS})"'), CODE, "the keys are in ZELTarkaSDK/ZELMessageKeys.h"),
+)
+HOMES = ("include/ZELTarkaSDK/PreviewFormat.h", "include/ZELTarkaSDK/WireConstants.h", "include/ZELTarkaSDK/ZELMessageKeys.h")
+
+
+def facts(root):
+    """A fact of the protocol is written once. The simulator writes its own on purpose, and tests hold literal values."""
+    lines = [(path, path.read_text(errors="replace").splitlines(), path.relative_to(root).parts[0]) for path in sources(root)]
+    lines += [(page, page.read_text().splitlines(), "examples") for page in root.glob("README.md")]
+    for path, text, folder in lines:
+        relative = path.relative_to(root).as_posix()
+        for number, line in enumerate(text, 1):
+            code = line.split("//")[0]
+            for pattern, folders, home in FACTS:
+                if folder in folders and relative not in HOMES and pattern.search(code):
+                    yield f"{relative}:{number}: {home}"
+
+
 CHECKS = {
+    "facts": facts,
     "include-graph": lambda root: include_graph(root, read_edges(root / "cmake/lint/edges.txt")),
     "circles": lambda root: file_circles(root, read_edges(root / "cmake/lint/edges.txt")),
     "pairs": pairs_and_mirrors,

@@ -7,6 +7,12 @@
 // Firmware from which the clocks are synchronised and timestamp frames count ("Fireware" is the interface's spelling).
 inline constexpr std::int32_t kFirewareVersion190 = 190;
 
+// What msgReqSwitchAudioStreamType takes.
+inline constexpr std::uint8_t kAudioStreamOff = 0, kAudioStreamOn = 1;
+
+// The type by which msgReqGetMediaOffset asks for the camera's own lens offset.
+inline constexpr std::uint8_t kMediaOffsetOfCamera = 0;
+
 // The largest file that can be sent to the camera, in bytes: one frame carries it whole behind 74 bytes, and tells its
 // length in 32 bits.
 inline constexpr std::uint64_t kLargestFile = 0xFFFFFFFFu - 74;

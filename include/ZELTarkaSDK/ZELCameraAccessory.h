@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include <ZELTarkaSDK/LinkStatus.h>
 #include <ZELTarkaSDK/Observation.h>
 #include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
@@ -54,11 +55,12 @@ class ZEL_EXPORT ZELCameraAccessory {
   ZELCameraAccessory(const ZELCameraAccessory&) = delete;
   ZELCameraAccessory& operator=(const ZELCameraAccessory&) = delete;
 
-  // 0 no connection, 1 session open and no frame yet, 2 frames arriving, 3 frames stopped.
+  // The link's state, as the interface's number and by its name.
   std::uint64_t status() const;
+  zel::LinkStatus linkStatus() const { return zel::LinkStatus{status()}; }
 
-  // Calls the observer with each new value of `status`, on the thread that changes it. Two threads may change it at
-  // nearly the same time; status() always tells the latest.
+  // Calls the observer with each new value of `status`, a LinkStatus's number, on the thread that changes it. Two
+  // threads may change it at nearly the same time; status() always tells the latest.
   //
   // Thread: one observer is never called by two threads at once. Where a change is made inside a callback while another
   //         thread is in the observer, that thread makes the call, next.

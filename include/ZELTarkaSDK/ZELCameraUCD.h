@@ -21,10 +21,7 @@ class ZELUCDFile;
 
 namespace zel {
 class KeepAlive;
-class ReplyHandler;
 class RequestEngine;
-class RequestFields;
-struct Family;
 namespace platform {
 class Queue;
 }
@@ -350,8 +347,5 @@ class ZEL_EXPORT ZELCameraUCD {
   void msgReqSendSyncData(const ZELData& data, zel::RebackDic rebackBlock);
 
  private:
-  bool request(const zel::Family& family, const zel::RequestFields& fields, const zel::ReplyHandler& reply);
-  void capture(const zel::Family& family, const zel::RequestFields& fields, const zel::ReplyHandler& reply);
-
   std::unique_ptr<zel::RequestEngine> engine_;
 };

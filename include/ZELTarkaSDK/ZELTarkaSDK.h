@@ -5,11 +5,14 @@
 #include <ZELTarkaSDK/CameraInUse.h>
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
+#include <ZELTarkaSDK/LinkStatus.h>
 #include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
 #include <ZELTarkaSDK/Observation.h>
+#include <ZELTarkaSDK/Operations.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
+#include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/Version.h>
 #include <ZELTarkaSDK/WireConstants.h>

@@ -184,7 +184,7 @@ int main() {
   theMainLooper()->post([&answered] {
     zel::CameraStack& camera = startCamera();
     static const auto watch = camera.accessory().observeStatus([&](std::uint64_t status) {
-      if (status != 2) return;
+      if (zel::LinkStatus{status} != zel::LinkStatus::flowing) return;
       camera.manager().queryCameraBattery([&](const auto& error, std::int32_t, std::int32_t level) {
         answered = !error;
         std::printf("battery: %d %%, clock offset %s\n", level,

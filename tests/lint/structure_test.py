@@ -75,6 +75,33 @@ class StructureTest(unittest.TestCase):
     def test_finds_a_class_operation_in_the_core(self):
         self.assertEqual(self.check("text", {"command/a.cc": "X::defaultCamera().f();\n"})[0], 1)
 
+    def test_finds_a_fact_that_is_written_again(self):
+        for path, line in (
+            ("link/a.cc", "    case 4:"),
+            ("live/a.h", "constexpr int kRates[] = {15, 20, 25, 30};"),
+            ("apps/a.cc", "constexpr int kSizes[][2] = {{1440, 720}, {2160, 1080}};"),
+            ("apps/a.cc", "while (stack.accessory().status() != 2) wait();"),
+            ("examples/a.cc", "if (status == 2) stop();"),
+            ("README.md", "if (status != 2) return;"),
+            ("apps/a.cc", "constexpr int kTellsTimes = 190;"),
+            ("command/a.cc", 'fields.set("ucharValue", mode);'),
+        ):
+            code, text = self.check("facts", {path: line + "\n"})
+            self.assertEqual(code, 1, line)
+            self.assertIn(f"{path}:1", text)
+
+    def test_accepts_a_fact_where_it_is_at_home_in_tests_and_in_comments(self):
+        for path, line in (
+            ("include/ZELTarkaSDK/PreviewFormat.h", "constexpr int kRates[] = {15, 20, 25, 30};"),
+            ("include/ZELTarkaSDK/WireConstants.h", "inline constexpr int kFirewareVersion190 = 190;"),
+            ("simulator/a.cc", "constexpr int kRates[] = {15, 20, 25, 30};"),
+            ("tests/a.cc", "while (accessory.status() != 2) wait();"),
+            ("apps/a.cc", "// from firmware 190 on"),
+            ("apps/a.cc", "return status == 0 ? size : 0;"),
+            ("link/a.cc", "    case FrameType::message:"),
+        ):
+            self.assertEqual(self.check("facts", {path: line + "\n"})[0], 0, line)
+
     def test_finds_an_example_that_is_too_long_or_sees_more_than_a_host(self):
         self.assertEqual(self.check("examples", {"examples/a.cc": "#include <ZELTarkaSDK/A.h>\n" + "\n" * 58})[0], 0)
         self.assertEqual(self.check("examples", {"examples/a.cc": "\n" * 60})[0], 1)

@@ -1,19 +1,16 @@
 #include "tools/reference/protocol_reference.h"
 
-#include <ZELTarkaSDK/ZELCameraRecords.h>
-#include <ZELTarkaSDK/ZELMediaOffset.h>
+#include <ZELTarkaSDK/PreviewFormat.h>
 
 #include <cstddef>
-#include <initializer_list>
 #include <iomanip>
 #include <sstream>
 #include <string_view>
-#include <vector>
 
 #include "protocol/camera_events.h"
 #include "protocol/catalogue.h"
 #include "protocol/frame.h"
-#include "protocol/resolution_table.h"
+#include "protocol/records.h"
 
 namespace zel {
 namespace {
@@ -48,132 +45,78 @@ stream is lost.
 
 | type | from the camera | to the camera |
 |---|---|---|
-| 1 | preview video: H.264 with start codes, cut anywhere | |
-| 2 | preview audio: AAC in ADTS | |
-| 3 | photo: ASCII name of at most 63 bytes, zero-filled (64), then the image file | |
-| 4 | message: code (2), then the body | the same |
-| 7 | data that was registered for | |
-| 8 | time stamp: stream (1: 0 video, any other audio), camera time in ms (8); from firmware 190 on | |
-| 9 | file reply: unread (2), kind (2: 2 upload), status (2: 1 failed), path, zero-filled (64) | file: type (2), 0 (2), path, zero-filled (64), then the file |
-
-A message code from the host has its highest bit clear; the reply bears the same code with that bit set. The camera's own
-events have codes from 0x6001 on.
-
-A session begins in the middle of the camera's stream. The host asks with 0x402E for the ten bytes `AF FA AF FA AF FA AF FA AF FA`,
-which the camera writes between two frames; whole frames follow them.
-
-The clocks are compared with 0x4049: the request's body is the host's time in milliseconds since 1 January 2001 (8), and the
-reply's body is not read.
-
 )";
+
+struct FrameOfType {
+  FrameType type;
+  std::string_view fromTheCamera;
+  std::string_view toTheCamera;
+};
+constexpr FrameOfType kFrames[] = {
+    {FrameType::previewVideo, "preview video: H.264 with start codes, cut anywhere", ""},
+    {FrameType::previewAudio, "preview audio: AAC in ADTS", ""},
+    {FrameType::photo, "photo: ASCII name of at most 63 bytes, zero-filled (64), then the image file", ""},
+    {FrameType::message, "message: code (2), then the body", "the same"},
+    {FrameType::registered, "data that was registered for", ""},
+    {FrameType::timestamp, "time stamp: stream (1: 0 video, any other audio), camera time in ms (8); from firmware ",
+     ""},
+    {FrameType::file, "file reply: unread (2), kind (2: 2 upload), status (2: 1 failed), path, zero-filled (64)",
+     "file: type (2), 0 (2), path, zero-filled (64), then the file"},
+};
+
+std::string frames() {
+  std::ostringstream text;
+  for (const FrameOfType& frame : kFrames) {
+    text << "| " << static_cast<int>(frame.type) << " | " << frame.fromTheCamera;
+    if (frame.type == FrameType::timestamp) text << kFirewareVersion190 << " on";
+    text << " | " << frame.toTheCamera << (frame.toTheCamera.empty() ? "|\n" : " |\n");
+  }
+  text << "\nA message code from the host has its highest bit clear; the reply bears the same code with that bit set. "
+          "The "
+          "camera's own\nevents have codes from "
+       << hex(kEvents[0].code) << " on.\n\nA session begins in the middle of the camera's stream. The host asks with "
+       << hex(kRow<"registerMsgReqSendSyncData">.request) << " for the ten bytes `AF FA AF FA AF FA AF FA AF FA`,\n"
+       << "which the camera writes between two frames; whole frames follow them.\n\nThe clocks are compared with "
+       << hex(kSyncTimeRequest)
+       << ": the request's body is the host's time in milliseconds since 1 January 2001 (8), and the\nreply's body is "
+          "not "
+          "read.\n\n";
+  return text.str();
+}
 
 std::string resolutions() {
   std::ostringstream text;
   text << "## Preview resolutions\n\nThe size is chosen by code / 4, the rate by code % 4.\n\n"
           "| code | size | pictures a second |\n|---|---|---|\n";
-  std::uint64_t code = 0;
-  for (auto format = previewFormat(code); format; format = previewFormat(++code)) {
-    text << "| " << code << " | " << format->width << " x " << format->height << " | " << format->fps << " |\n";
+  for (std::size_t code = 0; code < kPreviewFormats.size(); ++code) {
+    const PreviewFormat& format = kPreviewFormats[code];
+    text << "| " << code << " | " << format.width << " x " << format.height << " | " << format.fps << " |\n";
   }
   return text.str() + "\n";
 }
 
 // -- Records
 
-struct Member {
-  std::size_t offset;
-  std::string_view name;
-  std::string_view type;
-};
-
-std::string record(std::string_view name, std::size_t size, std::initializer_list<Member> members) {
-  std::ostringstream text;
-  text << "### " << name << ", " << size << " bytes\n\n| offset | field | type |\n|---|---|---|\n";
-  for (const Member& member : members) {
-    text << "| " << member.offset << " | `" << member.name << "` | " << member.type << " |\n";
-  }
-  return text.str() + "\n";
-}
-
-std::string sensorRecords() {
-  return record("ZELGpsData", sizeof(ZELGpsData),
-                {{offsetof(ZELGpsData, latitude), "latitude", "f64, degrees"},
-                 {offsetof(ZELGpsData, longitude), "longitude", "f64, degrees"},
-                 {offsetof(ZELGpsData, altitude), "altitude", "f64, metres"}}) +
-         record("ZELGyroData", sizeof(ZELGyroData),
-                {{offsetof(ZELGyroData, ax), "ax", "f32"},
-                 {offsetof(ZELGyroData, ay), "ay", "f32"},
-                 {offsetof(ZELGyroData, az), "az", "f32"},
-                 {offsetof(ZELGyroData, gx), "gx", "f32"},
-                 {offsetof(ZELGyroData, gy), "gy", "f32"},
-                 {offsetof(ZELGyroData, gz), "gz", "f32"}}) +
-         record("ZELOrientationData", sizeof(ZELOrientationData),
-                {{offsetof(ZELOrientationData, x), "x", "s32"},
-                 {offsetof(ZELOrientationData, y), "y", "s32"},
-                 {offsetof(ZELOrientationData, z), "z", "s32"},
-                 {offsetof(ZELOrientationData, w), "w", "s32"}});
-}
-
-std::string exposureRecords() {
-  return record("aeb_info", sizeof(aeb_info),
-                {{offsetof(aeb_info, count), "count", "u8, pictures"},
-                 {offsetof(aeb_info, steps), "steps", "s8 x 9, exposure step of each"}}) +
-         record("ZELIPMEParam", sizeof(ZELIPMEParam),
-                {{offsetof(ZELIPMEParam, value1), "value1", "u8"}, {offsetof(ZELIPMEParam, value2), "value2", "u8"}}) +
-         record("ZELIPAEMMWeight", sizeof(ZELIPAEMMWeight),
-                {{offsetof(ZELIPAEMMWeight, weights), "weights", "u8 x 96"}}) +
-         record("timelapse_info", sizeof(timelapse_info),
-                {{offsetof(timelapse_info, value1), "value1", "u32"},
-                 {offsetof(timelapse_info, value2), "value2", "u8"},
-                 {offsetof(timelapse_info, value3), "value3", "u8"},
-                 {offsetof(timelapse_info, exposure), "exposure", "ZELIPMEParam"}});
-}
-
-std::string calibrationRecords() {
-  return record("calib_wb_gain", sizeof(calib_wb_gain),
-                {{offsetof(calib_wb_gain, value1), "value1", "u8"},
-                 {offsetof(calib_wb_gain, value2), "value2", "u8"},
-                 {offsetof(calib_wb_gain, gains), "gains", "s16 x 4"}}) +
-         record("calib_vignette_luma", sizeof(calib_vignette_luma),
-                {{offsetof(calib_vignette_luma, value1), "value1", "u8"},
-                 {offsetof(calib_vignette_luma, value2), "value2", "u8"},
-                 {offsetof(calib_vignette_luma, lumas), "lumas", "s16 x 2"}}) +
-         record("calib_vignette_gain", sizeof(calib_vignette_gain),
-                {{offsetof(calib_vignette_gain, value1), "value1", "u8"},
-                 {offsetof(calib_vignette_gain, value2), "value2", "u8"},
-                 {offsetof(calib_vignette_gain, gains), "gains", "s16 x 6"}});
-}
-
-std::string offsetRecords() {
-  return record("ZELLensOffset", sizeof(ZELLensOffset),
-                {{offsetof(ZELLensOffset, p), "p", "s32 x 6, in thousandths"},
-                 {offsetof(ZELLensOffset, reserved), "reserved", "s32 x 2, not read"}}) +
-         record("ZELMediaOffset", sizeof(ZELMediaOffset),
-                {{offsetof(ZELMediaOffset, valueA), "valueA", "u16"},
-                 {offsetof(ZELMediaOffset, valueB), "valueB", "u16"},
-                 {offsetof(ZELMediaOffset, valueC), "valueC", "u32"},
-                 {offsetof(ZELMediaOffset, lensCount), "lensCount", "u8, 0 to 2"},
-                 {offsetof(ZELMediaOffset, reserved1), "reserved", "7 bytes, not read"},
-                 {offsetof(ZELMediaOffset, lenses), "lenses", "ZELLensOffset x 2"}}) +
-         record("ZELOriginOffset", sizeof(ZELOriginOffset),
-                {{offsetof(ZELOriginOffset, lens0), "lens0", "s32 x 3, in thousandths"},
-                 {offsetof(ZELOriginOffset, lens1), "lens1", "s32 x 3, in thousandths"},
-                 {offsetof(ZELOriginOffset, valueA), "valueA", "u16"},
-                 {offsetof(ZELOriginOffset, valueB), "valueB", "u16"}}) +
-         record("ZELVideoMnd", sizeof(ZELVideoMnd),
-                {{offsetof(ZELVideoMnd, head), "head", "8 bytes, not read"},
-                 {offsetof(ZELVideoMnd, value), "value", "u64, not read"},
-                 {offsetof(ZELVideoMnd, offset), "offset", "ZELMediaOffset"},
-                 {offsetof(ZELVideoMnd, gps), "gps", "ZELGpsData"},
-                 {offsetof(ZELVideoMnd, gyro), "gyro", "ZELGyroData"},
-                 {offsetof(ZELVideoMnd, orientation), "orientation", "ZELOrientationData"},
-                 {offsetof(ZELVideoMnd, tail), "tail", "32 bytes, not read"}});
+std::string typeOf(const RecordMember& member) {
+  const std::string count = std::to_string(member.count);
+  std::string text = member.type == "bytes" ? count + " bytes" : std::string(member.type);
+  if (member.count > 1 && member.type != "bytes") text += " x " + count;
+  return member.note.empty() ? text : text + ", " + std::string(member.note);
 }
 
 std::string records() {
-  return "## Records\n\nA field called value, and what its numbers mean, is the camera's; the framework passes it "
-         "through.\n\n" +
-         sensorRecords() + exposureRecords() + calibrationRecords() + offsetRecords();
+  std::ostringstream text;
+  text << "## Records\n\nA field called value, and what its numbers mean, is the camera's; the framework passes it "
+          "through.\n\n";
+  for (const RecordLayout* record : kRecords) {
+    text << "### " << record->name() << ", " << record->size()
+         << " bytes\n\n| offset | field | type |\n|---|---|---|\n";
+    for (const RecordMember& member : *record) {
+      text << "| " << member.offset << " | `" << member.name << "` | " << typeOf(member) << " |\n";
+    }
+    text << "\n";
+  }
+  return text.str();
 }
 
 // -- Messages
@@ -188,17 +131,13 @@ std::string described(const FieldList& fields) {
 }
 
 std::string described(const Reply& reply) {
-  switch (reply.form) {
-    case Reply::Form::none:
-      return "none";
-    case Reply::Form::flag:
-      return reply.fields.empty() ? "flag" : "flag, " + described(reply.fields);
-    case Reply::Form::value:
-      return described(reply.fields);
-    case Reply::Form::custom:
-      return std::string(reply.description);
+  if (reply.form == Reply::Form::none) return "none";
+  std::string text = reply.form == Reply::Form::flag ? "flag" : "";
+  for (const std::string& part : {described(reply.fields), std::string(reply.note)}) {
+    if (!text.empty() && !part.empty()) text += part == reply.note ? "; " : ", ";
+    text += part;
   }
-  return {};
+  return text;
 }
 
 std::string families() {
@@ -233,7 +172,7 @@ std::string events() {
 }  // namespace
 
 std::string protocolReference() {
-  return std::string(kIntroduction) + resolutions() + records() + families() + events();
+  return std::string(kIntroduction) + frames() + resolutions() + records() + families() + events();
 }
 
 }  // namespace zel
