@@ -29,13 +29,13 @@ extern "C" {
 #include <vector>
 
 #include <ZELTarkaSDK/platform/ports.h>
-#include "apps/zelcam/muxing/outputs.h"
-#include "apps/zelcam/muxing/stream_writer.h"
 #include "bench/child_process.h"
 #include "bench/film.h"
 #include "bench/live_stages.h"
 #include "bench/media_clock.h"
 #include "bench/ratios.h"
+#include "outputs/outputs.h"
+#include "outputs/stream_writer.h"
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
 #include "platform/render/stitching_library.h"

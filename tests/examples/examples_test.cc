@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "apps/zelcam/jpeg_file.h"
-#include "tests/zelcam/muxing/read_back.h"
+#include "pictures/jpeg_file.h"
+#include "tests/outputs/read_back.h"
 #include "tests/zelcam/process.h"
 
 namespace zel::test {

@@ -8,7 +8,7 @@ extern "C" {
 #include <cmath>
 #include <span>
 
-#include "apps/zelcam/muxing/libav.h"
+#include "outputs/libav.h"
 #include "platform/ffmpeg/libav.h"
 #include "simulator/media/annex_b.h"
 

@@ -4,7 +4,7 @@
 #include <numeric>
 #include <optional>
 
-#include "apps/zelcam/muxing/libav.h"
+#include "outputs/libav.h"
 #include "simulator/lens_offset.h"
 #include "simulator/scene.h"
 

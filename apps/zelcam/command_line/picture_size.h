@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "outputs/h264_size.h"
+
+namespace zel::app {
+
+inline constexpr std::int32_t kLargestPictureSide = 16384;
+
+// "1440x720": each side even and from 2 to kLargestPictureSide. Errors: nothing for anything else.
+std::optional<PictureSize> pictureSizeIn(std::string_view text);
+
+}  // namespace zel::app

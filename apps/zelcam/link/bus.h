@@ -1,0 +1,56 @@
+#pragma once
+
+#include <ZELTarkaSDK/LinuxMedia.h>
+#include <ZELTarkaSDK/LinuxPlatform.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <ZELTarkaSDK/platform/ports.h>
+#include "apps/zelcam/command_line/settings.h"
+#include "base/mutex.h"
+#include "outputs/arrival_clock.h"
+
+namespace zel::app {
+
+// The accessory bus for one command: Ctrl-C stops its main queue for as long as it is there.
+class Bus {
+ public:
+  // A bus whose folder cannot be used says why on standard error and is not there.
+  // decoderThreads: see LinuxMedia.
+  explicit Bus(const Settings& settings, int decoderThreads = 1);
+  ~Bus();
+  Bus(const Bus&) = delete;
+  Bus& operator=(const Bus&) = delete;
+
+  bool isThere() const { return platform_ != nullptr; }
+  LinuxPlatform& platform() { return *platform_; }
+  // The platform's ports with this program's codecs and renderers. Why there is no stitched picture is said on standard
+  // error.
+  platform::Ports ports();
+  // Ports made from now on have no decoder, for who passes the camera's video on as it is.
+  void decodeNothing() { decodes_ = false; }
+  // The times of the pictures that the ports decode, once somebody tells it of the slices.
+  MediaClock& mediaClock() { return mediaClock_; }
+  const ArrivalClock& arrivals() const { return arrivals_; }
+
+  // Who has the camera, in words, where one could not be opened for that reason since the last call. The main queue is
+  // stopped when that happens.
+  std::optional<std::string> cameraInUse();
+
+ private:
+  void noteInUse(const CameraInUse& camera);
+
+  MediaClock mediaClock_;
+  ArrivalClock arrivals_;
+  bool decodes_ = true;
+  Mutex mutex_;
+  std::optional<std::string> inUse_ ZEL_GUARDED_BY(mutex_);
+  // Made after the platform, and gone after its threads, which decode.
+  std::unique_ptr<LinuxMedia> media_;
+  std::unique_ptr<NotingDecoders> videoDecoders_;
+  std::unique_ptr<LinuxPlatform> platform_;
+};
+
+}  // namespace zel::app

@@ -1,0 +1,26 @@
+#include "outputs/audio_config.h"
+
+#include <array>
+#include <cstddef>
+
+namespace zel::app {
+namespace {
+
+constexpr std::array kRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
+constexpr std::array kChannels = {0, 1, 2, 3, 4, 5, 6, 8};
+constexpr unsigned kLowComplexity = 2;
+
+}  // namespace
+
+// object type (5 bits), index of the rate (4), index of the channels (4)
+std::optional<AudioConfig> parseAudioConfig(std::span<const std::uint8_t> bytes) {
+  if (bytes.size() < 2) return std::nullopt;
+  const unsigned word = static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
+  const std::size_t rate = word >> 7 & 0xF;
+  const std::size_t channels = word >> 3 & 0xF;
+  if (word >> 11 != kLowComplexity || rate >= kRates.size()) return std::nullopt;
+  if (channels == 0 || channels >= kChannels.size()) return std::nullopt;
+  return AudioConfig{kRates[rate], kChannels[channels]};
+}
+
+}  // namespace zel::app

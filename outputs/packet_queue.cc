@@ -1,0 +1,50 @@
+#include "outputs/packet_queue.h"
+
+#include <utility>
+
+namespace zel::app {
+
+bool PacketQueue::put(MediaPacket packet) {
+  if (waitsForKey_ && !packet.key) {
+    ++dropped_;
+    return false;
+  }
+  waitsForKey_ = false;
+  bytes_ += packet.data.size();
+  packets_.push_back(std::move(packet));
+  const std::uint64_t before = dropped_;
+  while (isTooMuch()) dropUpToKey();
+  return dropped_ != before;
+}
+
+std::optional<MediaPacket> PacketQueue::take() {
+  if (packets_.empty()) return std::nullopt;
+  MediaPacket oldest = std::move(packets_.front());
+  packets_.pop_front();
+  bytes_ -= oldest.data.size();
+  return oldest;
+}
+
+void PacketQueue::restart() {
+  while (!packets_.empty()) dropFirst();
+  waitsForKey_ = true;
+}
+
+bool PacketQueue::isTooMuch() const {
+  if (packets_.empty()) return false;
+  return bytes_ > limits_.bytes || packets_.back().time - packets_.front().time > limits_.microseconds;
+}
+
+void PacketQueue::dropFirst() {
+  bytes_ -= packets_.front().data.size();
+  packets_.pop_front();
+  ++dropped_;
+}
+
+void PacketQueue::dropUpToKey() {
+  dropFirst();
+  while (!packets_.empty() && !packets_.front().key) dropFirst();
+  waitsForKey_ = packets_.empty();
+}
+
+}  // namespace zel::app

@@ -1,0 +1,35 @@
+#include "apps/zelcam/commands/picture_rate.h"
+
+#include <gtest/gtest.h>
+
+namespace zel::test {
+namespace {
+
+using app::PictureRate;
+using std::chrono::milliseconds;
+
+PictureRate::Clock::time_point at(int time) { return PictureRate::Clock::time_point() + milliseconds(time); }
+
+TEST(PictureRate, CountsFromTheFirstPictureToTheNewest) {
+  PictureRate rate;
+  for (const int time : {5000, 5040, 5080, 5120}) rate.note(at(time));
+  EXPECT_EQ(rate.pictures(), 4);
+  EXPECT_DOUBLE_EQ(rate.perSecond(), 25);
+}
+
+TEST(PictureRate, IsNoneBeforeTheSecondPicture) {
+  PictureRate rate;
+  EXPECT_EQ(rate.perSecond(), 0);
+  rate.note(at(5000));
+  EXPECT_EQ(rate.perSecond(), 0);
+}
+
+TEST(PictureRate, IsNoneWhereAllCameAtOneMoment) {
+  PictureRate rate;
+  rate.note(at(5000));
+  rate.note(at(5000));
+  EXPECT_EQ(rate.perSecond(), 0);
+}
+
+}  // namespace
+}  // namespace zel::test
