@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr std::array kRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
@@ -23,4 +23,4 @@ std::optional<AudioConfig> parseAudioConfig(std::span<const std::uint8_t> bytes)
   return AudioConfig{kRates[rate], kChannels[channels]};
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -4,9 +4,11 @@
 #include <optional>
 #include <span>
 
-namespace zel::app {
+namespace zel {
 
-// What an AudioSpecificConfig says. Units: hertz.
+// What an AudioSpecificConfig says.
+//
+// Units: hertz.
 struct AudioConfig {
   int rate = 0;
   int channels = 0;
@@ -19,4 +21,4 @@ inline constexpr int kSamplesPerFrame = 1024;
 // Errors: nothing for anything but plain AAC with a rate and channels of the standard's tables.
 std::optional<AudioConfig> parseAudioConfig(std::span<const std::uint8_t> bytes);
 
-}  // namespace zel::app
+}  // namespace zel

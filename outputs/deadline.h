@@ -6,13 +6,15 @@
 #include <cstdint>
 #include <limits>
 
-namespace zel::app {
+namespace zel {
 
 // Until when something may wait.
 // Thread: any thread.
 class Deadline {
  public:
-  // Each wait may take that long from now on. Units: seconds.
+  // Each wait may take that long from now on.
+  //
+  // Units: seconds.
   void allow(double seconds) { waitEnds_.store(after(seconds)); }
   // However long each of them may take, all of them end then.
   void endWithin(double seconds) { allEnds_.store(after(seconds)); }
@@ -33,4 +35,4 @@ class Deadline {
   std::atomic<std::int64_t> allEnds_ = kNever;
 };
 
-}  // namespace zel::app
+}  // namespace zel

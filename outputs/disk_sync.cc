@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <filesystem>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 bool isPlainFile(int file) {
@@ -38,4 +38,4 @@ int DiskSync::open(const std::string& path) {
 
 int DiskSync::sync() const { return file_ < 0 || !isPlainFile(file_) || ::fdatasync(file_) == 0 ? 0 : errno; }
 
-}  // namespace zel::app
+}  // namespace zel

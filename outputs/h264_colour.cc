@@ -3,7 +3,7 @@
 #include <ZELTarkaSDK/platform/picture_colour.h>
 #include "platform/ffmpeg/h264_headers.h"
 
-namespace zel::app {
+namespace zel {
 
 VideoColour colourOfPictures(std::span<const std::uint8_t> sps) {
   const auto sequence = platform::parseH264Sequence(sps);
@@ -14,4 +14,4 @@ VideoColour colourOfPictures(std::span<const std::uint8_t> sps) {
   return {told.fullRange, colour.primaries, colour.transfer, platform::isTold(told.matrix) ? told.matrix : matrix};
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -6,7 +6,7 @@
 
 #include "outputs/libav.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 struct ParserDeleter {
@@ -42,4 +42,4 @@ std::optional<PictureSize> sizeOfPictures(std::span<const std::uint8_t> sps, std
   return PictureSize{parser->width, parser->height};
 }
 
-}  // namespace zel::app
+}  // namespace zel

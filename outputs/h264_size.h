@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-namespace zel::app {
+namespace zel {
 
 // Units: pixels.
 struct PictureSize {
@@ -18,4 +18,4 @@ struct PictureSize {
 std::optional<PictureSize> sizeOfPictures(std::span<const std::uint8_t> sps, std::span<const std::uint8_t> pps,
                                           std::span<const std::uint8_t> unit);
 
-}  // namespace zel::app
+}  // namespace zel

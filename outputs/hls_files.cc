@@ -4,7 +4,7 @@
 
 #include "outputs/disk_sync.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 // A list may not outlive a power cut that its segments did not.
@@ -56,4 +56,4 @@ int HlsFiles::close(AVIOContext* io) {
   return error;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -5,7 +5,7 @@
 
 #include "outputs/libav.h"
 
-namespace zel::app {
+namespace zel {
 
 // The files that FFmpeg's HLS muxer opens and closes by itself, without asking how that went: a segment, or a new list,
 // that cannot be written whole is removed, and from then on nothing is written. The muxer renames a list when it has
@@ -34,4 +34,4 @@ class HlsFiles {
   int error_ = 0;
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace zel::app {
+namespace zel {
 
 void LatencyHistogram::add(double milliseconds) {
   const double whole = std::clamp(std::ceil(milliseconds), 0.0, static_cast<double>(kLongest));
@@ -22,4 +22,4 @@ std::optional<int> LatencyHistogram::quantile(double share) const {
   return kLongest;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace zel::app {
+namespace zel {
 
 // How long things took, to the millisecond, in a memory that does not grow. What took longer than it can tell counts
 // as the longest.
@@ -24,4 +24,4 @@ class LatencyHistogram {
   std::uint64_t all_ = 0;
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -10,7 +10,7 @@ extern "C" {
 
 // FFmpeg's objects with an owner, and nothing more.
 
-namespace zel::app {
+namespace zel {
 
 struct MuxerDeleter {
   void operator()(AVFormatContext* context) const {
@@ -53,4 +53,4 @@ inline std::string wordsFor(int error) {
   return text;
 }
 
-}  // namespace zel::app
+}  // namespace zel

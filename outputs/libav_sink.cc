@@ -13,7 +13,7 @@
 #include "outputs/stream_setup.h"
 #include "platform/linux/files/temporary_file.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr char kLinger[] = "5";                 // seconds
@@ -212,4 +212,4 @@ Fault LibavSink::faultFor(int error) const {
   return fmt::format("{}: the server ended the stream: {}", name, wordsFor(error));
 }
 
-}  // namespace zel::app
+}  // namespace zel

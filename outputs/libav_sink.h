@@ -3,14 +3,14 @@
 #include <memory>
 #include <string>
 
+#include <ZELTarkaSDK/OutputAddress.h>
 #include "outputs/deadline.h"
 #include "outputs/disk_sync.h"
 #include "outputs/hls_files.h"
 #include "outputs/libav.h"
-#include "outputs/output_address.h"
 #include "outputs/sink.h"
 
-namespace zel::app {
+namespace zel {
 
 // One output by libavformat. What a server does not take within a while is an error.
 //   .mp4    in fragments, a key picture or a second each, so that it plays wherever it ends; each is on the disk before
@@ -56,4 +56,4 @@ class LibavSink final : public Sink {
   MuxerPtr muxer_;
 };
 
-}  // namespace zel::app
+}  // namespace zel

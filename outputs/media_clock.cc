@@ -1,35 +1,36 @@
 #include "outputs/media_clock.h"
 
+#include <ZELTarkaSDK/WireConstants.h>
+
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "outputs/audio_config.h"
 #include "outputs/picture_joiner.h"
 
-namespace zel::app {
-namespace {
-
-constexpr std::int64_t kTellsTimes = 190;  // firmware
-
-}  // namespace
+namespace zel {
 
 void MediaClock::begin(std::int64_t firewareVersion, int picturesPerSecond) {
   const MutexLock lock(mutex_);
   picturesPerSecond_ = picturesPerSecond;
   paced_.reset();
-  if (firewareVersion < kTellsTimes) paced_.emplace(picturesPerSecond);
+  if (firewareVersion < kFirewareVersion190) paced_.emplace(picturesPerSecond);
   next_.reset();
-  times_.clear();
+  pictures_.clear();
   unplaced_ = 0;
 }
 
-std::optional<std::int64_t> MediaClock::slice(Bytes unit, std::int64_t stamp) {
+std::optional<std::int64_t> MediaClock::slice(Bytes unit, std::int64_t stamp, TimePoint now) {
   const MutexLock lock(mutex_);
   const auto came = std::exchange(next_, Moment{stamp, paced_ ? paced_->now() : std::nullopt});
-  if (!beginsPicture(unit)) return std::nullopt;
+  if (!beginsPicture(unit)) {
+    if (!pictures_.empty()) pictures_.back().picture.arrival = now;
+    return std::nullopt;
+  }
   const std::int64_t time = timeOf(came, stamp);
-  times_.emplace_back(stamp, time);
-  if (times_.size() > kMost) times_.pop_front();
+  pictures_.push_back({stamp, {time, now}});
+  if (pictures_.size() > kMost) pictures_.pop_front();
   return time;
 }
 
@@ -47,7 +48,7 @@ std::int64_t MediaClock::paced(const std::optional<Moment>& came, std::int64_t s
   }
   const std::int64_t time = std::llround(paced_->picture(*came->paced));
   for (std::int64_t back = 1; unplaced_ > 0; --unplaced_, ++back)
-    times_[times_.size() - static_cast<std::size_t>(back)].second = time - back * step;
+    pictures_[pictures_.size() - static_cast<std::size_t>(back)].picture.time = time - back * step;
   return time;
 }
 
@@ -62,11 +63,20 @@ std::int64_t MediaClock::sound(std::int64_t stamp) {
   return paced_ ? std::llround(paced_->sound(static_cast<double>(stamp))) : stamp;
 }
 
-std::int64_t MediaClock::timeOfPicture(std::int64_t stamp) const {
+MediaClock::Picture MediaClock::pictureOf(std::int64_t stamp) const {
   const MutexLock lock(mutex_);
-  for (auto picture = times_.rbegin(); picture != times_.rend(); ++picture)
-    if (picture->first == stamp) return picture->second;
-  return stamp;
+  for (auto known = pictures_.rbegin(); known != pictures_.rend(); ++known)
+    if (known->stamp == stamp) return known->picture;
+  return {stamp, std::chrono::steady_clock::now()};
 }
 
-}  // namespace zel::app
+// Times come from the camera: a difference beyond 64 bits wraps.
+std::int64_t MediaClock::lag() const {
+  const MutexLock lock(mutex_);
+  if (pictures_.empty()) return 0;
+  const auto& [stamp, picture] = pictures_.back();
+  const std::uint64_t lag = static_cast<std::uint64_t>(stamp) - static_cast<std::uint64_t>(picture.time);
+  return lag <= std::uint64_t{kMostLag} ? static_cast<std::int64_t>(lag) : 0;
+}
+
+}  // namespace zel

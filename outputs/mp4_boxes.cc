@@ -3,7 +3,7 @@
 #include <array>
 #include <limits>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
@@ -158,4 +158,4 @@ bool addSphericalBox(std::vector<std::uint8_t>& moov) {
   return false;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zel::app {
+namespace zel {
 
 // One box of an MP4 file: where it begins, where its content does, and where it ends.
 struct Mp4Box {
@@ -33,4 +33,4 @@ bool moveChunks(std::span<std::uint8_t> moov, std::uint64_t shift);
 // Errors: false where it is no such box, or has no video; it is then as it was.
 bool addSphericalBox(std::vector<std::uint8_t>& moov);
 
-}  // namespace zel::app
+}  // namespace zel

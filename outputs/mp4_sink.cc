@@ -4,7 +4,7 @@
 
 #include "outputs/plain_mp4.h"
 
-namespace zel::app {
+namespace zel {
 
 Mp4Sink::Mp4Sink(OutputAddress address, std::function<void(const std::string&)> tell)
     : path_(address.target), tell_(std::move(tell)), fragments_(std::move(address)) {}
@@ -39,4 +39,4 @@ Fault Mp4Sink::finish() {
   return std::nullopt;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -8,7 +8,7 @@
 #include "outputs/libav_sink.h"
 #include "outputs/sink.h"
 
-namespace zel::app {
+namespace zel {
 
 // An MP4 file: in fragments while it grows, plain once it is finished.
 class Mp4Sink final : public Sink {
@@ -32,4 +32,4 @@ class Mp4Sink final : public Sink {
   std::int64_t heldLength_ = 0;      // of the one before it
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -17,8 +17,7 @@ Output::Output(OutputRules rules)
     : rules_(std::move(rules)),
       policy_(rules_.retry.value_or(RetryRules{})),
       random_(std::random_device{}()),
-      queue_(rules_.limits),
-      takes_(!rules_.retry) {
+      queue_(rules_.limits) {
   report_.name = rules_.name;
   thread_ = std::thread([this] { run(); });
 }
@@ -38,8 +37,8 @@ void Output::put(const MediaPacket& packet) {
   bool tooSlow = false;
   {
     const Lock lock(mutex_);
-    if (failed_ || finishing_) return;
-    if (!takes_) {
+    if (finishing_ || report_.state == OutputState::failed) return;
+    if (!takesPackets(lock)) {
       ++report_.dropped;
       return;
     }
@@ -53,36 +52,49 @@ void Output::finish() {
   const Lock lock(mutex_);
   finishing_ = true;
   // A server that is not there yet is not worth waiting for.
-  if (sink_ && rules_.secondsToFinish) sink_->endWithin(takes_ ? *rules_.secondsToFinish : 0);
+  if (sink_ && rules_.secondsToFinish) sink_->endWithin(takesPackets(lock) ? *rules_.secondsToFinish : 0);
   changed_.notify_all();
 }
 
 void Output::join() {
+  const Lock lock(joining_);
   if (thread_.joinable()) thread_.join();
 }
 
-bool Output::hasFailed() const {
+OutputState Output::state() const {
   const Lock lock(mutex_);
-  return failed_;
+  return report_.state;
 }
 
 OutputReport Output::report() const {
   const Lock lock(mutex_);
   OutputReport report = report_;
   report.dropped += queue_.dropped();
+  report.medianLatency = latency_.quantile(0.5);
+  report.latency99 = latency_.quantile(0.99);
   return report;
+}
+
+// A file takes packets from the beginning, so that none is lost while it is opened; a server those of its connections.
+bool Output::takesPackets(const Lock&) const { return !rules_.retry || report_.state == OutputState::writing; }
+
+void Output::setState(const Lock&, OutputState to) {
+  report_.state = to;
+  changed_.notify_all();
 }
 
 // Output's thread
 
 void Output::run() {
-  if (!waitForHeaders()) return;
-  while (true) {
+  bool goesOn = waitForHeaders();
+  while (goesOn) {
     Fault fault = connect();
     if (!fault) fault = writeAll();
-    if (!fault) return;
-    if (!rules_.retry || !waitBeforeRetry(*fault)) return fail(*fault);
+    if (!fault) break;
+    goesOn = rules_.retry && waitBeforeRetry(*fault);
+    if (!goesOn) return fail(*fault);
   }
+  setState(Lock(mutex_), OutputState::finished);
 }
 
 bool Output::waitForHeaders() {
@@ -92,21 +104,22 @@ bool Output::waitForHeaders() {
 }
 
 Fault Output::connect() {
+  setState(Lock(mutex_), OutputState::connecting);
   std::shared_ptr<Sink> sink = rules_.makeSink();
+  bool again = false;
   {
     const Lock lock(mutex_);
     if (finishing_ && rules_.secondsToFinish) sink->endWithin(0);
     sink_ = sink;
+    again = report_.connections > 0;
   }
   leftOut_ = {};
   if (Fault fault = sink->open(*headers_)) return fault;
   connectedAt_ = Clock::now();
-  wasConnected_ = true;
-  if (rules_.retry)
-    rules_.tell(fmt::format("{} is connected{}", rules_.name, std::exchange(wasEverConnected_, true) ? " again" : ""));
+  if (rules_.retry) rules_.tell(fmt::format("{} is connected{}", rules_.name, again ? " again" : ""));
   const Lock lock(mutex_);
   ++report_.connections;
-  takes_ = true;
+  setState(lock, OutputState::writing);
   return std::nullopt;
 }
 
@@ -131,7 +144,7 @@ void Output::count(const MediaPacket& packet) {
   const Lock lock(mutex_);
   ++(packet.track == Track::video ? report_.pictures : report_.audioFrames);
   report_.bytes += packet.data.size();
-  if (packet.arrival) report_.latency.add(1000 * secondsSince(*packet.arrival));
+  if (packet.arrival) latency_.add(1000 * secondsSince(*packet.arrival));
 }
 
 // A sink may leave out a packet later than it took it.
@@ -148,9 +161,8 @@ void Output::countLeftOut() {
 bool Output::waitBeforeRetry(const std::string& fault) {
   const std::optional<double> wait = nextWait();
   Lock lock(mutex_);
-  sink_.reset();
-  takes_ = false;
-  queue_.restart();
+  letGoOfSink(lock);
+  setState(lock, OutputState::retrying);
   if (!wait || finishing_) return false;
   lock.unlock();
   rules_.tell(fmt::format("{}; trying again in {:.1f} s ({} of {})", fault, *wait, policy_.attempt(), policy_.most()));
@@ -160,18 +172,22 @@ bool Output::waitBeforeRetry(const std::string& fault) {
 }
 
 std::optional<double> Output::nextWait() {
-  const double lasted = std::exchange(wasConnected_, false) ? secondsSince(connectedAt_) : 0;
+  const auto connectedAt = std::exchange(connectedAt_, std::nullopt);
+  const double lasted = connectedAt ? secondsSince(*connectedAt) : 0;
   return policy_.next(lasted, std::uniform_real_distribution<double>(0, 1)(random_));
 }
 
 void Output::fail(const std::string& fault) {
   rules_.tell(fault);
   const Lock lock(mutex_);
-  failed_ = true;
-  takes_ = false;
-  queue_.restart();
-  sink_.reset();
+  letGoOfSink(lock);
   report_.fault = fault;
+  setState(lock, OutputState::failed);
 }
 
-}  // namespace zel::app
+void Output::letGoOfSink(const Lock&) {
+  queue_.restart();
+  sink_.reset();
+}
+
+}  // namespace zel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ZELTarkaSDK/OutputReport.h>
+
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -14,24 +16,15 @@
 #include "outputs/retry_policy.h"
 #include "outputs/sink.h"
 
-namespace zel::app {
-
-// What has become of an output.
-struct OutputReport {
-  std::string name;
-  std::uint64_t pictures = 0, audioFrames = 0;  // written
-  std::uint64_t bytes = 0;                      // of these
-  std::uint64_t dropped = 0;                    // packets that came and were not written
-  int connections = 0;
-  Fault fault;  // why it ended before its time, or did not end well
-  LatencyHistogram latency;
-};
+namespace zel {
 
 struct OutputRules {
   std::string name;
   // A new attempt; each sink is opened once.
   std::function<std::unique_ptr<Sink>()> makeSink;
-  // Hears what people want to know. Thread: the output's.
+  // Hears what people want to know.
+  //
+  // Thread: the output's.
   std::function<void(const std::string&)> tell;
   std::optional<RetryRules> retry;  // nothing: the first fault is the end, as of a file
   QueueLimits limits;
@@ -56,8 +49,7 @@ class Output {
   void finish();
   void join();
 
-  // Ended before its time.
-  bool hasFailed() const;
+  OutputState state() const;
   OutputReport report() const;
 
  private:
@@ -73,27 +65,28 @@ class Output {
   bool waitBeforeRetry(const std::string& fault);
   std::optional<double> nextWait();
   void fail(const std::string& fault);
+  void setState(const Lock& lock, OutputState to);
+  bool takesPackets(const Lock& lock) const;
+  void letGoOfSink(const Lock& lock);
 
   const OutputRules rules_;
-  RetryPolicy policy_;                                   // output's thread only
-  std::minstd_rand random_;                              // likewise
-  std::chrono::steady_clock::time_point connectedAt_{};  // likewise
-  bool wasConnected_ = false;                            // likewise
-  bool wasEverConnected_ = false;                        // likewise
-  LeftOut leftOut_;                                      // likewise; by this sink, as far as the report knows
+  RetryPolicy policy_;                                                // output's thread only
+  std::minstd_rand random_;                                           // also
+  std::optional<std::chrono::steady_clock::time_point> connectedAt_;  // also; of the connection that there is
+  LeftOut leftOut_;                                                   // also; by this sink, as far as the report knows
 
+  std::mutex joining_;
   mutable std::mutex mutex_;  // guards the rest
   std::condition_variable changed_;
   std::optional<StreamHeaders> headers_;
   PacketQueue queue_;
-  bool takes_ = false;
-  bool finishing_ = false;
+  bool finishing_ = false;  // no more comes
   bool toldSlow_ = false;
-  bool failed_ = false;
   std::shared_ptr<Sink> sink_;
-  OutputReport report_;
+  LatencyHistogram latency_;
+  OutputReport report_;  // its state: setState() alone writes it
 
   std::thread thread_;  // last: nothing it uses dies before it
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -1,10 +1,10 @@
-#include "outputs/output_address.h"
+#include <ZELTarkaSDK/OutputAddress.h>
 
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 struct Ending {
@@ -57,4 +57,4 @@ std::optional<OutputAddress> parseOutputAddress(std::string_view text) {
   return std::nullopt;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace zel::app {
+namespace zel {
 
 // A line of time for a camera that tells none: sound runs by its samples, pictures by their rate and drawn to the sound
 // beside which they come.
@@ -56,4 +56,4 @@ class PacedTimes {
   double weight_ = 0;  // pictures that the newest one is the mean of
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace zel::app {
+namespace zel {
 
 bool PacketQueue::put(MediaPacket packet) {
   if (waitsForKey_ && !packet.key) {
@@ -47,4 +47,4 @@ void PacketQueue::dropUpToKey() {
   waitsForKey_ = packets_.empty();
 }
 
-}  // namespace zel::app
+}  // namespace zel

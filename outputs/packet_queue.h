@@ -5,9 +5,9 @@
 #include <deque>
 #include <optional>
 
-#include "outputs/media_packet.h"
+#include <ZELTarkaSDK/MediaPacket.h>
 
-namespace zel::app {
+namespace zel {
 
 // How much may wait for an output.
 struct QueueLimits {
@@ -46,4 +46,4 @@ class PacketQueue {
   std::uint64_t dropped_ = 0;
 };
 
-}  // namespace zel::app
+}  // namespace zel

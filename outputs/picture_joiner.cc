@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <utility>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr std::size_t kSliceData = 4 + 1;                // start code, header
@@ -29,4 +29,4 @@ std::optional<JoinedPicture> PictureJoiner::add(std::span<const std::uint8_t> un
 
 std::optional<JoinedPicture> PictureJoiner::flush() { return std::exchange(picture_, std::nullopt); }
 
-}  // namespace zel::app
+}  // namespace zel

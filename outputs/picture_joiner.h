@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-namespace zel::app {
+namespace zel {
 
 // All slices of one picture, each behind its start code of 4 bytes.
 // Units: milliseconds.
@@ -32,4 +32,4 @@ class PictureJoiner {
   std::optional<JoinedPicture> picture_;
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -17,7 +17,7 @@
 #include "outputs/stream_setup.h"
 #include "platform/linux/files/temporary_file.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr std::size_t kLargestMoov = std::size_t{512} << 20;
@@ -164,4 +164,4 @@ Fault makePlainMp4(const std::string& path, bool spherical) {
   return stays + (errno != 0 ? std::strerror(errno) : "it cannot be described anew");
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace zel::app {
+namespace zel {
 
 std::optional<double> RetryPolicy::next(double lasted, double random) {
   if (lasted >= rules_.steady) attempt_ = 0;
@@ -11,4 +11,4 @@ std::optional<double> RetryPolicy::next(double lasted, double random) {
   return wait * (1 + rules_.jitter * (2 * random - 1));
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-namespace zel::app {
+namespace zel {
 
 // Units: seconds.
 struct RetryRules {
@@ -30,4 +30,4 @@ class RetryPolicy {
   int attempt_ = 0;
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -6,7 +6,7 @@
 #include <system_error>
 #include <vector>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
@@ -46,4 +46,4 @@ void forgetSegments(const std::string& playlist) {
   fs::remove(path, fault);
 }
 
-}  // namespace zel::app
+}  // namespace zel

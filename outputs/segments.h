@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace zel::app {
+namespace zel {
 
 inline constexpr int kSegmentSeconds = 2;  // at least; a segment ends where a key picture comes
 inline constexpr int kSegmentsKept = 15;   // in the list; those that have left it are removed
@@ -13,4 +13,4 @@ std::string segmentPattern(const std::string& playlist);
 // Removes the playlist and the segments that an earlier run left beside it.
 void forgetSegments(const std::string& playlist);
 
-}  // namespace zel::app
+}  // namespace zel

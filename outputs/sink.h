@@ -2,9 +2,10 @@
 
 #include <cstdint>
 
-#include "outputs/media_packet.h"
+#include <ZELTarkaSDK/MediaPacket.h>
+#include "outputs/fault.h"
 
-namespace zel::app {
+namespace zel {
 
 // Packets that a format makes nothing of.
 struct LeftOut {
@@ -17,10 +18,12 @@ class Sink {
  public:
   virtual ~Sink() = default;
 
-  // Begins; the first call. Errors: what went wrong.
+  // Begins; the first call.
+  //
+  // Errors: what went wrong.
   virtual Fault open(const StreamHeaders& headers) = 0;
   // The next packet. One that the format makes nothing of is left out.
-  // Errors: likewise; the sink is then good for nothing but destruction.
+  // Errors: the same; the sink is then good for nothing but destruction.
   virtual Fault write(const MediaPacket& packet) = 0;
   // Ends it well; the last call. A sink that is destroyed without it leaves what it has as it is.
   virtual Fault finish() = 0;
@@ -28,8 +31,10 @@ class Sink {
   // What was left out so far.
   virtual LeftOut leftOut() const { return {}; }
 
-  // What waits for somebody else, now or later, fails when that many seconds are over. Thread: any thread.
+  // Makes current and later blocking calls fail after this many seconds.
+  //
+  // Thread: any thread.
   virtual void endWithin(double /*seconds*/) {}
 };
 
-}  // namespace zel::app
+}  // namespace zel

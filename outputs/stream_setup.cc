@@ -11,7 +11,7 @@ extern "C" {
 
 #include "outputs/audio_config.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
@@ -115,4 +115,4 @@ PacketPtr packetFor(const AVFormatContext& muxer, const MediaPacket& packet) {
   return made;
 }
 
-}  // namespace zel::app
+}  // namespace zel

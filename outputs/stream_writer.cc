@@ -7,7 +7,7 @@
 #include "outputs/h264_colour.h"
 #include "outputs/h264_size.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
@@ -19,8 +19,9 @@ void append(std::vector<std::uint8_t>& bytes, std::span<const std::uint8_t> more
 
 }  // namespace
 
-void StreamWriter::beginRun() {
+void StreamWriter::beginRun(bool spherical) {
   const MutexLock lock(mutex_);
+  if (!timeline_) headers_.spherical = spherical;
   if (timeline_) timeline_->beginRun();
   written_.droppedAudio += kept_.size();
   kept_.clear();
@@ -46,7 +47,8 @@ void StreamWriter::onPicture(Bytes picture, bool key, std::int64_t time, TimePoi
   ++written_.pictures;
   written_.videoBytes += picture.size();
   written_.newestVideo = placed;
-  rules_.put({Track::video, key, *placed, withChangedSets(picture, key), arrival});
+  receiver_.onPacket(
+      {Track::video, key, *placed, withChangedSets(picture, key), arrival, 0, timeline_->takeBreak(Track::video)});
   if (isFirst) putKept(time);
 }
 
@@ -74,11 +76,11 @@ void StreamWriter::putKept(std::int64_t from) {
 
 void StreamWriter::put(const Sound& sound) {
   const auto placed = timeline_->audio(sound.time);
-  if (!placed || (rules_.length && *placed >= *rules_.length)) return;
+  if (!placed || (length_ && *placed >= *length_)) return;
   ++written_.audioFrames;
   written_.audioBytes += sound.frame.size();
   written_.newestAudio = placed;
-  rules_.put({Track::audio, false, *placed, sound.frame, std::nullopt});
+  receiver_.onPacket({Track::audio, false, *placed, sound.frame, std::nullopt, 0, timeline_->takeBreak(Track::audio)});
 }
 
 WrittenStream StreamWriter::written() const {
@@ -86,7 +88,7 @@ WrittenStream StreamWriter::written() const {
   return written_;
 }
 
-// Whether the outputs have begun; the first key picture lets them.
+// Whether the receiver has the headers; the first key picture brings them.
 bool StreamWriter::begins(Bytes picture, bool key) {
   if (timeline_) return true;
   if (!key || sps_.empty() || pps_.empty() || headers_.audioConfig.empty()) return false;
@@ -95,22 +97,22 @@ bool StreamWriter::begins(Bytes picture, bool key) {
   const auto sound = parseAudioConfig(headers_.audioConfig.bytes());
   if (!sound) return fail("the camera's sound is of an unknown kind");
   headers_ = {
-      sps_, pps_, headers_.audioConfig, size->width, size->height, rules_.spherical, colourOfPictures(sps_.bytes())};
+      sps_, pps_, headers_.audioConfig, size->width, size->height, headers_.spherical, colourOfPictures(sps_.bytes())};
   timeline_.emplace(sound->rate);
-  rules_.begin(headers_);
+  receiver_.onHeaders(headers_);
   return true;
 }
 
 bool StreamWriter::fail(const char* fault) {
   written_.fault = fault;
-  rules_.ended();
+  ended_();
   return false;
 }
 
 bool StreamWriter::isOver(std::int64_t time) {
-  if (!rules_.length || time < *rules_.length) return false;
+  if (!length_ || time < *length_) return false;
   written_.complete = true;
-  rules_.ended();
+  ended_();
   return true;
 }
 
@@ -125,4 +127,4 @@ ZELData StreamWriter::withChangedSets(Bytes picture, bool key) {
   return ZELData(std::move(bytes));
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ZELTarkaSDK/EncodedStreamReceiver.h>
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -7,15 +9,17 @@
 #include <functional>
 #include <optional>
 #include <span>
-#include <vector>
+#include <utility>
 
 #include "base/mutex.h"
-#include "outputs/media_packet.h"
+#include "outputs/fault.h"
 #include "outputs/timeline.h"
 
-namespace zel::app {
+namespace zel {
 
-// What has been handed to the outputs. Units: microseconds, bytes.
+// What has been handed to the receiver.
+//
+// Units: microseconds, bytes.
 struct WrittenStream {
   std::uint64_t pictures = 0, audioFrames = 0;
   std::uint64_t droppedAudio = 0;  // frames that came before a run's first picture, and did not sound with it either
@@ -25,32 +29,30 @@ struct WrittenStream {
   Fault fault;
 };
 
-// Makes packets for the outputs out of one source after another: waits until both headers are known and a key picture
+// Makes packets for a receiver out of one source after another: waits until both headers are known and a key picture
 // comes, and sees to the times. A picture takes longer to come than the sound beside it: until the first one is there,
 // the newest sound is kept, so that both begin together.
-// Thread: any thread; the outputs are called under its lock, and must not wait.
+// Owner:  the receiver must outlive the object.
+// Thread: any thread; the receiver is called under its lock, and must not wait.
 class StreamWriter {
  public:
   using Bytes = std::span<const std::uint8_t>;
   using TimePoint = std::chrono::steady_clock::time_point;
 
-  struct Rules {
-    bool spherical = false;
-    std::optional<std::int64_t> length;  // microseconds after which the stream is complete
-    std::function<void(const StreamHeaders&)> begin;
-    std::function<void(const MediaPacket&)> put;
-    std::function<void()> ended;  // complete, or a fault
-  };
+  // length: microseconds after which the stream is complete. ended: complete, or a fault; called under the lock.
+  StreamWriter(EncodedStreamReceiver& receiver, std::optional<std::int64_t> length, std::function<void()> ended)
+      : receiver_(receiver), length_(length), ended_(std::move(ended)) {}
 
-  explicit StreamWriter(Rules rules) : rules_(std::move(rules)) {}
-
-  // Another source takes over: its times have nothing to do with those before.
-  void beginRun();
+  // Another source takes over: its times have nothing to do with those before. spherical: its pictures are
+  // equirectangular.
+  void beginRun(bool spherical);
 
   // Parameter sets without start code; later ones are put before the next key picture where they differ.
   void onParameterSets(Bytes sps, Bytes pps);
   void onAudioConfig(Bytes config);
-  // picture: its units, each behind its start code. Units: milliseconds.
+  // picture: its units, each behind its start code.
+  //
+  // Units: milliseconds.
   void onPicture(Bytes picture, bool key, std::int64_t time, TimePoint arrival);
   void onAudio(Bytes frame, std::int64_t time);
 
@@ -71,7 +73,9 @@ class StreamWriter {
   bool isOver(std::int64_t time) ZEL_REQUIRES(mutex_);
   ZELData withChangedSets(Bytes picture, bool key) ZEL_REQUIRES(mutex_);
 
-  const Rules rules_;
+  EncodedStreamReceiver& receiver_;
+  const std::optional<std::int64_t> length_;
+  const std::function<void()> ended_;
   mutable Mutex mutex_;
   StreamHeaders headers_ ZEL_GUARDED_BY(mutex_);  // as they were begun with, once there is a timeline
   ZELData sps_ ZEL_GUARDED_BY(mutex_), pps_ ZEL_GUARDED_BY(mutex_);  // the latest
@@ -80,4 +84,4 @@ class StreamWriter {
   WrittenStream written_ ZEL_GUARDED_BY(mutex_);
 };
 
-}  // namespace zel::app
+}  // namespace zel

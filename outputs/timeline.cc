@@ -5,7 +5,7 @@
 
 #include "outputs/audio_config.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr std::int64_t kMicros = 1000;                     // in a millisecond
@@ -25,6 +25,7 @@ std::int64_t Timeline::frameLength(std::int64_t count) const { return count * kS
 void Timeline::beginRun() {
   shift_.reset();
   if (!newestVideo_) return;
+  videoBroke_ = audioBroke_ = true;
   begin_ = *newestVideo_ + (videoStep_ > 0 ? videoStep_ : kFirstStep);
   if (newestAudio_) begin_ = std::max(begin_, *newestAudio_ + frameLength(1));
 }
@@ -34,7 +35,10 @@ void Timeline::beginRun() {
 std::optional<std::int64_t> Timeline::placed(std::int64_t milliseconds, std::optional<std::int64_t> newest) {
   const std::int64_t came = milliseconds * kMicros;
   const std::int64_t step = newest ? came + *shift_ - *newest : 0;
-  if (step < -kClockWasSet || step > kClockWasSetAhead) shift_ = *newest + videoStep_ - came;
+  if (step < -kClockWasSet || step > kClockWasSetAhead) {
+    shift_ = *newest + videoStep_ - came;
+    videoBroke_ = audioBroke_ = true;
+  }
   return came + *shift_;
 }
 
@@ -68,4 +72,4 @@ std::optional<std::int64_t> Timeline::audio(std::int64_t milliseconds) {
   return time;
 }
 
-}  // namespace zel::app
+}  // namespace zel

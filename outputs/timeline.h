@@ -1,9 +1,12 @@
 #pragma once
 
+#include <ZELTarkaSDK/MediaPacket.h>
+
 #include <cstdint>
 #include <optional>
+#include <utility>
 
-namespace zel::app {
+namespace zel {
 
 // Makes one line of time out of a source's runs, for all outputs: it begins with the first key picture, goes on where
 // the run before ended, and never goes backwards on either track. Sound that comes at the camera's pace gets times
@@ -23,6 +26,10 @@ class Timeline {
   // The time of an AAC frame, likewise. Nothing before the run's first key picture, or for what sounds before it.
   std::optional<std::int64_t> audio(std::int64_t milliseconds);
 
+  // Whether the newest time of that track is the first behind a break: of another run, or of a clock that was set.
+  // Asked once for each time.
+  bool takeBreak(Track track) { return std::exchange(track == Track::video ? videoBroke_ : audioBroke_, false); }
+
   // The run's first key picture has come.
   bool hasBegun() const { return shift_.has_value(); }
 
@@ -38,8 +45,9 @@ class Timeline {
   std::int64_t begin_ = 0;             // ours, of the run's first key picture
   std::optional<std::int64_t> newestVideo_, newestAudio_;
   std::int64_t videoStep_ = 0;
+  bool videoBroke_ = false, audioBroke_ = false;
   // Sound without a break: its first frame's time, and how many frames came since.
   std::int64_t soundBegin_ = 0, soundFrames_ = 0;
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
@@ -59,4 +59,4 @@ std::optional<double> directionIn(Bytes exif) {
   return static_cast<double>(above) / below;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -10,7 +10,7 @@
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "pictures/rgb_picture.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
@@ -181,4 +181,4 @@ JpegBytes withSegments(Bytes file, std::span<const Bytes> segments) {
   return result;
 }
 
-}  // namespace zel::app
+}  // namespace zel

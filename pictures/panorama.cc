@@ -1,44 +1,59 @@
-#include "pictures/panorama.h"
+#include <ZELTarkaSDK/Panorama.h>
 
+#include <utility>
 #include <vector>
 
 #include "pictures/exif_direction.h"
+#include "pictures/jpeg_file.h"
 #include "pictures/panorama_metadata.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
-
-constexpr int kQuality = 95;
 
 // Twice as wide as high, and both even.
 int panoramaWidth(int photoWidth) { return photoWidth - photoWidth % 4; }
 
 }  // namespace
 
-std::optional<PanoramaFile> PanoramaMaker::panoramaOf(std::span<const std::uint8_t> photo, std::string& error) {
+struct PanoramaMaker::State {
+  platform::PixelBufferRef stitched(const platform::PixelBufferRef& picture);
+
+  platform::MediaLibrary& library;
+  const std::string offset;
+  std::unique_ptr<platform::FlatOffscreenRender> render = nullptr;  // for pictures as wide as the last one
+  int width = 0;
+};
+
+PanoramaMaker::PanoramaMaker(platform::MediaLibrary& library, std::string offset)
+    : state_(new State{library, std::move(offset)}) {}
+
+PanoramaMaker::~PanoramaMaker() = default;
+
+std::optional<Panorama> PanoramaMaker::panoramaOf(std::span<const std::uint8_t> photo, std::string& error) {
   const auto picture = pictureOfJpeg(photo, error);
   if (!picture) return std::nullopt;
   error.clear();
-  const auto image = stitched(picture);
+  const auto image = state_->stitched(picture);
   if (!image) return std::nullopt;
   error = "the panorama cannot be written as a JPEG file";
-  const auto file = jpegOf(*image, kQuality);
+  const auto file = jpegOf(*image, kJpegQuality);
   const auto exif = exifSegmentIn(photo);
   const auto packet = panoramaPacket(image->width(), image->height(), directionIn(exif));
   if (!file || !packet) return std::nullopt;
+  error.clear();
   const JpegBytes xmp = xmpSegmentOf(*packet);
   const std::vector<std::span<const std::uint8_t>> segments = {exif, xmp};
-  return PanoramaFile{withSegments(*file, segments), image->width(), image->height()};
+  return Panorama{withSegments(*file, segments), image->width(), image->height()};
 }
 
-platform::PixelBufferRef PanoramaMaker::stitched(const platform::PixelBufferRef& picture) {
-  const int width = panoramaWidth(picture->width());
-  if (!render_ || width != width_) {
-    render_ = library_.createFlatOffscreenRender(width, width / 2);
-    width_ = width;
-    if (render_) render_->setOffset(offset_);
+platform::PixelBufferRef PanoramaMaker::State::stitched(const platform::PixelBufferRef& picture) {
+  const int wanted = panoramaWidth(picture->width());
+  if (!render || wanted != width) {
+    render = library.createFlatOffscreenRender(wanted, wanted / 2);
+    width = wanted;
+    if (render) render->setOffset(offset);
   }
-  return render_ ? render_->renderVideo(picture) : nullptr;
+  return render ? render->renderVideo(picture) : nullptr;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr char kSpace[] = "http://ns.google.com/photos/1.0/panorama/";
@@ -42,4 +42,4 @@ std::optional<std::string> panoramaPacket(int width, int height, std::optional<d
   return std::string(xmp_string_cstr(text.get()));
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-namespace zel::app {
+namespace zel {
 
 // The XMP packet by which viewers know a whole equirectangular picture of that size. heading: where its centre looks,
 // where that is known. How it was tilted is not in it: neither the camera nor its pictures tell.
@@ -12,4 +12,4 @@ namespace zel::app {
 // Errors: nothing where the packet cannot be made.
 std::optional<std::string> panoramaPacket(int width, int height, std::optional<double> heading);
 
-}  // namespace zel::app
+}  // namespace zel

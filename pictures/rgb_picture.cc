@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr std::size_t kBytesAPixel = 4;
@@ -94,4 +94,4 @@ void setBgra(std::span<const std::uint8_t> pixels, platform::MemoryPixelBuffer& 
   }
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -6,7 +6,7 @@
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
-namespace zel::app {
+namespace zel {
 
 // The picture's pixels as blue, green, red and an opaque alpha, a byte each, in rows from the top without gaps: by its
 // own matrix, each value the nearest one.
@@ -16,4 +16,4 @@ std::vector<std::uint8_t> bgraOf(const platform::PixelBuffer& picture);
 // for which it stands.
 void setBgra(std::span<const std::uint8_t> pixels, platform::MemoryPixelBuffer& into);
 
-}  // namespace zel::app
+}  // namespace zel

@@ -4,11 +4,20 @@
 
 #include <ZELTarkaSDK/CameraInUse.h>
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/EncodedStream.h>
+#include <ZELTarkaSDK/EncodedStreamReceiver.h>
+#include <ZELTarkaSDK/EncodedStreamStatistics.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
 #include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
+#include <ZELTarkaSDK/MediaPacket.h>
 #include <ZELTarkaSDK/Observation.h>
+#include <ZELTarkaSDK/OutputAddress.h>
+#include <ZELTarkaSDK/OutputReport.h>
+#include <ZELTarkaSDK/Outputs.h>
+#include <ZELTarkaSDK/Panorama.h>
+#include <ZELTarkaSDK/PictureFile.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/Version.h>
@@ -41,7 +50,7 @@
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 #include <ZELTarkaSDK/ZELRenderView.h>
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
-#include <ZELTarkaSDK/platform/export.h>
 
 #include <ZELTarkaSDK/platform/application_events.h>
+#include <ZELTarkaSDK/platform/export.h>
 #include <ZELTarkaSDK/platform/ports.h>

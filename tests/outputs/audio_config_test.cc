@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 std::optional<AudioConfig> parsed(std::uint8_t first, std::uint8_t second) {
@@ -31,4 +31,4 @@ TEST(AudioConfigTest, RefusesAByteTooFew) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

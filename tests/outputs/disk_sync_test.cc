@@ -26,7 +26,7 @@ extern "C" int fdatasync(int file) {
   return static_cast<int>(::syscall(SYS_fdatasync, file));
 }
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using testing::Contains;
@@ -83,4 +83,4 @@ TEST_F(DiskSyncTest, AFileThatIsNotThereIsAnError) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

@@ -10,7 +10,7 @@
 #include "tests/outputs/test_film.h"
 #include "tests/platform/linux/temporary_folder.h"
 
-namespace zel::app {
+namespace zel {
 
 // A folder that a film can be written into.
 class FilmFolderTest : public testing::Test {
@@ -40,4 +40,4 @@ class FilmFolderTest : public testing::Test {
   const test::TemporaryFolder folder;
 };
 
-}  // namespace zel::app
+}  // namespace zel

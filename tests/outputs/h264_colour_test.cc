@@ -6,7 +6,7 @@
 
 #include "tests/outputs/test_film.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using Set = std::vector<std::uint8_t>;
@@ -49,4 +49,4 @@ TEST(H264ColourTest, IsFullRangeForWhatTheEncoderMakes) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

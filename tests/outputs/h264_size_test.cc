@@ -4,7 +4,7 @@
 
 #include "tests/outputs/test_film.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 TEST(H264SizeTest, IsThatOfThePicturesAndNotOfTheirMacroblocks) {
@@ -24,4 +24,4 @@ TEST(H264SizeTest, NonsenseHasNone) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

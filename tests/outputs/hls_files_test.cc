@@ -8,7 +8,7 @@
 #include "tests/outputs/film_folder.h"
 #include "tests/outputs/read_back.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
@@ -73,4 +73,4 @@ TEST_F(HlsFilesTest, AListCanBeReadByWhomFilesCan) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

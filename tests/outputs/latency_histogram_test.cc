@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 TEST(LatencyHistogramTest, TellsNothingOfNothing) { EXPECT_EQ(LatencyHistogram().quantile(0.5), std::nullopt); }
@@ -26,4 +26,4 @@ TEST(LatencyHistogramTest, RoundsUpAndKeepsWithinItsBounds) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

@@ -18,7 +18,7 @@
 #include "tests/outputs/test_film.h"
 #include "tests/platform/linux/temporary_folder.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
@@ -284,4 +284,4 @@ TEST_F(LibavSinkTest, AWaitForAServerCanBeEnded) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

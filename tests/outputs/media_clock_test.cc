@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr std::optional<std::int64_t> kGoesOn = std::nullopt;
@@ -49,6 +49,30 @@ TEST_F(MediaClockTest, APictureThatTheCameraLeftOutChangesNothing) {
   first(100);
   EXPECT_EQ(first(200), 100);  // none at 133 and 167
   EXPECT_EQ(first(233), 200);
+}
+
+TEST_F(MediaClockTest, TellsHowFarTheStampOfTheNewestPictureLags) {
+  clock.begin(192, 15);
+  EXPECT_EQ(clock.lag(), 0);
+  first(100);
+  EXPECT_EQ(clock.lag(), 0);  // nothing tells its own time
+  first(167);
+  EXPECT_EQ(clock.lag(), 67);
+  first(2000);
+  EXPECT_EQ(clock.lag(), 0);  // more than a picture is: the clock was set
+}
+
+TEST_F(MediaClockTest, TellsWhenTheLastSliceOfAPictureCame) {
+  const auto at = [](int second) { return MediaClock::TimePoint(std::chrono::seconds(second)); };
+  const std::vector<std::uint8_t> begins{0, 0, 0, 1, 0x41, 0x80}, goesOn{0, 0, 0, 1, 0x41, 0x40};
+  clock.begin(192, 30);
+  clock.slice(begins, 100, at(1));
+  clock.slice(goesOn, 133, at(2));
+  clock.slice(begins, 133, at(3));
+  EXPECT_EQ(clock.pictureOf(100).arrival, at(2));
+  EXPECT_EQ(clock.pictureOf(133).arrival, at(3));
+  const auto before = std::chrono::steady_clock::now();
+  EXPECT_GE(clock.pictureOf(134).arrival, before);
 }
 
 TEST_F(MediaClockTest, ACameraClockThatIsSetMovesNoPictureBeforeIt) {
@@ -123,4 +147,4 @@ TEST_F(MediaClockTest, KnowsTheLatestPicturesAndTheNewestOfAStamp) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

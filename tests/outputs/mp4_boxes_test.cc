@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <string>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -116,4 +116,4 @@ TEST(Mp4BoxesTest, WhatIsNoDescriptionIsRefused) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

@@ -1,8 +1,8 @@
-#include "outputs/output_address.h"
+#include <ZELTarkaSDK/OutputAddress.h>
 
 #include <gtest/gtest.h>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 void expectKind(const char* text, OutputKind kind) {
@@ -38,4 +38,4 @@ TEST(OutputAddressTest, NamesAServerWithoutItsSecrets) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

@@ -9,7 +9,7 @@
 
 #include "base/mutex.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using testing::ElementsAre;
@@ -122,7 +122,7 @@ class OutputTest : public testing::Test {
   Script script;
   Mutex toldMutex;
   std::vector<std::string> told ZEL_GUARDED_BY(toldMutex);
-  std::counting_semaphore<1000> tells{0};
+  std::counting_semaphore<1000> tells{0}, reached{0}, mayConnect{0};
 };
 
 TEST_F(OutputTest, WritesWhatCameAndFinishes) {
@@ -138,7 +138,9 @@ TEST_F(OutputTest, WritesWhatCameAndFinishes) {
   EXPECT_EQ(report.pictures, 2u);
   EXPECT_EQ(report.bytes, 20u);
   EXPECT_EQ(report.dropped, 0u);
-  EXPECT_TRUE(report.latency.quantile(0.5));
+  EXPECT_TRUE(report.medianLatency);
+  EXPECT_TRUE(report.latency99);
+  EXPECT_EQ(report.state, OutputState::finished);
   EXPECT_FALSE(report.fault);
 }
 
@@ -171,7 +173,7 @@ TEST_F(OutputTest, AFilesFirstFaultIsTheEndAndIsTold) {
   output.put(picture(1, true));
   output.finish();
   output.join();
-  EXPECT_TRUE(output.hasFailed());
+  EXPECT_EQ(output.state(), OutputState::failed);
   EXPECT_EQ(output.report().fault, "no room");
   EXPECT_EQ(everythingTold(), "no room\n");
   EXPECT_THAT(written(), ElementsAre());
@@ -212,7 +214,7 @@ TEST_F(OutputTest, AServerIsGivenUpAfterItsAttempts) {
   output.begin({});
   for (int i = 0; i < 3; ++i) waitFor(tells);
   output.join();
-  EXPECT_TRUE(output.hasFailed());
+  EXPECT_EQ(output.state(), OutputState::failed);
   EXPECT_EQ(everythingTold(),
             "refused; trying again in 0.0 s (1 of 2)\nrefused; trying again in 0.0 s (2 of 2)\nrefused\n");
 }
@@ -242,13 +244,45 @@ TEST_F(OutputTest, AConnectedServerGetsSomeSecondsToFinish) {
   EXPECT_EQ(finished(), 1);
 }
 
+TEST_F(OutputTest, IsWaitingUntilTheHeadersCome) {
+  Output output(serverRules());
+  EXPECT_EQ(output.state(), OutputState::waiting);
+  output.put(picture(1, true));
+  EXPECT_EQ(output.report().dropped, 1u);
+}
+
+TEST_F(OutputTest, IsConnectingWhileItsServerIsBeingReached) {
+  OutputRules held = serverRules();
+  held.makeSink = [this, make = held.makeSink] {
+    reached.release();
+    mayConnect.acquire();
+    return make();
+  };
+  Output output(held);
+  output.begin({});
+  waitFor(reached);
+  EXPECT_EQ(output.state(), OutputState::connecting);
+  mayConnect.release();
+  while (output.state() != OutputState::writing) std::this_thread::yield();
+}
+
+TEST_F(OutputTest, IsRetryingBetweenTwoAttempts) {
+  script.attempts = {{"refused", {}}};
+  OutputRules patient = serverRules();
+  patient.retry->first = 3600;
+  Output output(patient);
+  output.begin({});
+  waitFor(tells);
+  EXPECT_EQ(output.state(), OutputState::retrying);
+}
+
 TEST_F(OutputTest, EndsWithoutAnyHeaders) {
   Output output(rules());
   output.finish();
   output.join();
   EXPECT_EQ(finished(), 0);
-  EXPECT_FALSE(output.hasFailed());
+  EXPECT_EQ(output.state(), OutputState::finished);
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr double kFrame = 1024.0 / 48;  // milliseconds: 21.33
@@ -63,4 +63,4 @@ TEST_F(PacedTimesTest, PicturesGoOnWhereSoundStandsStill) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

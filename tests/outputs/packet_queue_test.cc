@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using testing::ElementsAre;
@@ -89,4 +89,4 @@ TEST(PacketQueueTest, APictureLargerThanAllRoomIsDropped) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using testing::ElementsAre;
@@ -47,4 +47,4 @@ TEST(PictureJoinerTest, LeavesOutWhatHasNoBeginningOrNoData) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

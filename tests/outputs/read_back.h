@@ -6,7 +6,7 @@
 
 #include "outputs/libav.h"
 
-namespace zel::app {
+namespace zel {
 
 // What can be read back from a file; nothing where it cannot be read.
 struct ReadBack {
@@ -50,4 +50,4 @@ inline ReadBack readBack(const std::string& file) {
   return read;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -7,7 +7,7 @@
 #include "tests/outputs/film_folder.h"
 #include "tests/outputs/read_back.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 // A camera may send anything; MPEG-TS takes no AAC frame of a single byte, and no picture without a start code.
@@ -58,4 +58,4 @@ TEST_F(RefusedPacketsTest, AFileWithoutAnyPictureIsAFault) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

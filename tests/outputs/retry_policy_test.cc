@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr double kMiddle = 0.5;  // no jitter
@@ -35,4 +35,4 @@ TEST(RetryPolicyTest, AConnectionThatHeldBeginsTheCountAnew) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

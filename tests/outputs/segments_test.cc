@@ -7,7 +7,7 @@
 
 #include "tests/platform/linux/temporary_folder.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
@@ -46,4 +46,4 @@ TEST_F(SegmentsTest, WithoutAPlaylistNothingIsRemoved) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

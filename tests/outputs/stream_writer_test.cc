@@ -4,22 +4,28 @@
 
 #include "tests/outputs/test_film.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using testing::ElementsAre;
 
+struct Receiver final : EncodedStreamReceiver {
+  void onHeaders(const StreamHeaders& headers) override { begun.push_back(headers); }
+  void onPacket(const MediaPacket& packet) override { packets.push_back(packet); }
+  std::vector<StreamHeaders> begun;
+  std::vector<MediaPacket> packets;
+};
+
 class StreamWriterTest : public testing::Test {
  protected:
-  StreamWriter::Rules rules(std::optional<std::int64_t> length = std::nullopt) {
-    StreamWriter::Rules made;
-    made.spherical = true;
-    made.length = length;
-    made.begin = [this](const StreamHeaders& headers) { begun.push_back(headers); };
-    made.put = [this](const MediaPacket& packet) { packets.push_back(packet); };
-    made.ended = [this] { ++ends; };
-    return made;
-  }
+  // Each stream begins with a run of stitched pictures.
+  class Writer : public StreamWriter {
+   public:
+    explicit Writer(StreamWriterTest& test, std::optional<std::int64_t> length = std::nullopt)
+        : StreamWriter(test.receiver, length, [&test] { ++test.ends; }) {
+      beginRun(true);
+    }
+  };
 
   void sendHeaders(StreamWriter& writer) const {
     writer.onParameterSets(film.headers.sps.bytes(), film.headers.pps.bytes());
@@ -37,13 +43,14 @@ class StreamWriterTest : public testing::Test {
 
   const TestFilm film{1};
   const std::vector<std::uint8_t> sound{1, 2, 3};
-  std::vector<StreamHeaders> begun;
-  std::vector<MediaPacket> packets;
+  Receiver receiver;
+  std::vector<StreamHeaders>& begun = receiver.begun;
+  std::vector<MediaPacket>& packets = receiver.packets;
   int ends = 0;
 };
 
 TEST_F(StreamWriterTest, BeginsOnceWithTheFirstKeyPicture) {
-  StreamWriter writer(rules());
+  Writer writer(*this);
   sendPicture(writer, 1000, true);  // no headers yet
   sendHeaders(writer);
   sendPicture(writer, 1033, false);
@@ -60,7 +67,7 @@ TEST_F(StreamWriterTest, BeginsOnceWithTheFirstKeyPicture) {
 }
 
 TEST_F(StreamWriterTest, IsCompleteAtItsLength) {
-  StreamWriter writer(rules(100'000));
+  Writer writer(*this, 100'000);
   sendHeaders(writer);
   sendPicture(writer, 0, true);
   writer.onAudio(sound, 99);
@@ -78,7 +85,7 @@ TEST_F(StreamWriterTest, IsCompleteAtItsLength) {
 
 // The pictures' way is longer: by the time the first one is there, the sound beside it has long come.
 TEST_F(StreamWriterTest, SoundBeginsWithTheFirstPictureThoughItCameBefore) {
-  StreamWriter writer(rules());
+  Writer writer(*this);
   sendHeaders(writer);
   for (const int time : {979, 1000, 1021, 1043}) writer.onAudio(sound, time);
   sendPicture(writer, 1000, true);
@@ -91,14 +98,14 @@ TEST_F(StreamWriterTest, SoundBeginsWithTheFirstPictureThoughItCameBefore) {
 }
 
 TEST_F(StreamWriterTest, AnotherRunsSoundBeginsWithItsFirstPictureToo) {
-  StreamWriter writer(rules());
+  Writer writer(*this);
   sendHeaders(writer);
   sendPicture(writer, 1000, true);
   sendPicture(writer, 1033, false);
   writer.onAudio(sound, 1020);
-  writer.beginRun();
+  writer.beginRun(true);
   writer.onAudio(sound, 5);
-  writer.beginRun();  // and that one never got so far
+  writer.beginRun(true);  // and that one never got so far
   packets.clear();
   for (const int time : {2'000, 5'000, 5'021, 900'000'000}) writer.onAudio(sound, time);  // the last: of another clock
   sendPicture(writer, 5'000, true);
@@ -106,8 +113,34 @@ TEST_F(StreamWriterTest, AnotherRunsSoundBeginsWithItsFirstPictureToo) {
   EXPECT_EQ(writer.written().droppedAudio, 3u);
 }
 
+TEST_F(StreamWriterTest, MarksTheFirstPacketsOfAnotherRun) {
+  Writer writer(*this);
+  sendHeaders(writer);
+  sendPicture(writer, 1000, true);
+  writer.onAudio(sound, 1000);
+  writer.beginRun(true);
+  sendPicture(writer, 5000, true);
+  writer.onAudio(sound, 5000);
+  sendPicture(writer, 5033, false);
+  writer.onAudio(sound, 5021);
+  std::vector<bool> marks;
+  for (const MediaPacket& packet : packets) marks.push_back(packet.discontinuity);
+  EXPECT_THAT(marks, ElementsAre(false, false, true, true, false, false));
+}
+
+TEST_F(StreamWriterTest, PicturesAreSphericalWhereTheRunThatBeginsTheStreamIsStitched) {
+  Writer writer(*this);
+  writer.beginRun(false);
+  sendHeaders(writer);
+  sendPicture(writer, 0, true);
+  writer.beginRun(true);
+  sendPicture(writer, 100, true);
+  ASSERT_EQ(begun.size(), 1u);
+  EXPECT_FALSE(begun[0].spherical);
+}
+
 TEST_F(StreamWriterTest, NoMoreSoundThanAFewSecondsWaitsForAPicture) {
-  StreamWriter writer(rules());
+  Writer writer(*this);
   sendHeaders(writer);
   for (int frame = 0; frame < 300; ++frame) writer.onAudio(sound, 1000 + frame);
   EXPECT_EQ(writer.written().droppedAudio, 44u);  // 256 are kept
@@ -116,7 +149,7 @@ TEST_F(StreamWriterTest, NoMoreSoundThanAFewSecondsWaitsForAPicture) {
 }
 
 TEST_F(StreamWriterTest, SetsThatHaveChangedStandBeforeTheKeyPicture) {
-  StreamWriter writer(rules());
+  Writer writer(*this);
   sendHeaders(writer);
   sendPicture(writer, 0, true);
   const std::vector<std::uint8_t> sps = {0x67, 1}, pps = {0x68, 2};
@@ -131,7 +164,7 @@ TEST_F(StreamWriterTest, SetsThatHaveChangedStandBeforeTheKeyPicture) {
 }
 
 TEST_F(StreamWriterTest, SoundOfAnUnknownKindIsAFault) {
-  StreamWriter writer(rules());
+  Writer writer(*this);
   sendHeaders(writer);
   writer.onAudioConfig(std::vector<std::uint8_t>{0xFF, 0xFF});
   sendPicture(writer, 0, true);
@@ -141,4 +174,4 @@ TEST_F(StreamWriterTest, SoundOfAnUnknownKindIsAFault) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

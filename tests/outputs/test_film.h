@@ -4,11 +4,11 @@
 #include <span>
 #include <vector>
 
+#include <ZELTarkaSDK/MediaPacket.h>
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
-#include "outputs/media_packet.h"
 #include "platform/ffmpeg/h264_encoder.h"
 
-namespace zel::app {
+namespace zel {
 
 // Some grey pictures by the real encoder, and frames of silence, as a live stream would bring them.
 class TestFilm {
@@ -55,4 +55,4 @@ class TestFilm {
   std::int64_t sound_ = 0;
 };
 
-}  // namespace zel::app
+}  // namespace zel

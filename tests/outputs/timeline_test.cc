@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 class TimelineTest : public testing::Test {
@@ -104,5 +104,18 @@ TEST_F(TimelineTest, NonsenseIsLeftOut) {
   EXPECT_EQ(timeline.video(33, false), 33'000);
 }
 
+TEST_F(TimelineTest, ARunAndAClockThatIsSetAreBreaksOnBothTracksOnce) {
+  timeline.video(1000, true), timeline.audio(1000);
+  EXPECT_FALSE(timeline.takeBreak(Track::video));
+  timeline.beginRun();
+  timeline.video(5000, true), timeline.audio(5000);
+  EXPECT_TRUE(timeline.takeBreak(Track::video));
+  EXPECT_FALSE(timeline.takeBreak(Track::video));
+  EXPECT_TRUE(timeline.takeBreak(Track::audio));
+  timeline.video(816'000'000'000, false);
+  EXPECT_TRUE(timeline.takeBreak(Track::video));
+  EXPECT_TRUE(timeline.takeBreak(Track::audio));
+}
+
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

@@ -1,4 +1,4 @@
-#include "pictures/panorama.h"
+#include <ZELTarkaSDK/Panorama.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,6 @@
 namespace zel::test {
 namespace {
 
-using app::JpegBytes;
 using Bytes = std::span<const std::uint8_t>;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -79,7 +78,7 @@ TEST(JpegFileTest, ReadsEverySampling) {
   for (const int sampling : {TJSAMP_420, TJSAMP_422, TJSAMP_444, TJSAMP_GRAY}) {
     for (const int width : {32, 33}) {
       std::string error;
-      const auto picture = app::pictureOfJpeg(plainJpeg(width, 19, sampling, 200, 100, 50), error);
+      const auto picture = pictureOfJpeg(plainJpeg(width, 19, sampling, 200, 100, 50), error);
       ASSERT_NE(picture, nullptr) << error;
       EXPECT_EQ(picture->width(), width);
       EXPECT_EQ(picture->height(), 19);
@@ -95,9 +94,9 @@ TEST(JpegFileTest, ReadsEverySampling) {
 
 TEST(JpegFileTest, WritesWhatItReads) {
   std::string error;
-  const auto picture = app::pictureOfJpeg(photo(), error);
+  const auto picture = pictureOfJpeg(photo(), error);
   ASSERT_NE(picture, nullptr);
-  const auto file = app::jpegOf(*picture, 95);
+  const auto file = jpegOf(*picture, 95);
   ASSERT_TRUE(file);
   const auto again = simulator::decodeJpeg(*file), first = simulator::decodeJpeg(photo());
   ASSERT_TRUE(again && first);
@@ -112,7 +111,7 @@ TEST(JpegFileTest, WritesThePicturesColoursWhateverItsMatrixIs) {
     const auto picture = platform::MemoryPixelBuffer::filled(
         32, 16, static_cast<std::uint8_t>(luma), static_cast<std::uint8_t>(cb), static_cast<std::uint8_t>(cr));
     picture->setColour({matrix});
-    const auto file = app::jpegOf(*picture, 95);
+    const auto file = jpegOf(*picture, 95);
     ASSERT_TRUE(file);
     const auto shown = simulator::decodeJpeg(*file);
     ASSERT_TRUE(shown);
@@ -130,7 +129,7 @@ TEST(JpegFileTest, ReadsAFileWithoutLuma) {
   file.erase(file.begin() + 2, file.begin() + static_cast<std::ptrdiff_t>(header));
   file.insert(file.begin() + 2, unmixed.begin(), unmixed.end());
   std::string error;
-  const auto picture = app::pictureOfJpeg(file, error);
+  const auto picture = pictureOfJpeg(file, error);
   ASSERT_NE(picture, nullptr) << error;
   EXPECT_NEAR(picture->luma().data[0], 108, 2);    // 0.299 * 124 + 0.587 * 86 + 0.114 * 182
   EXPECT_NEAR(picture->chroma().data[0], 170, 2);  // 128 + (182 - 108.3) / 1.772
@@ -138,19 +137,19 @@ TEST(JpegFileTest, ReadsAFileWithoutLuma) {
 }
 
 TEST(JpegFileTest, WritesNoPictureOfOddSides) {
-  EXPECT_FALSE(app::jpegOf(*platform::MemoryPixelBuffer::create(33, 32), 95));
-  EXPECT_FALSE(app::jpegOf(*platform::MemoryPixelBuffer::create(32, 33), 95));
+  EXPECT_FALSE(jpegOf(*platform::MemoryPixelBuffer::create(33, 32), 95));
+  EXPECT_FALSE(jpegOf(*platform::MemoryPixelBuffer::create(32, 33), 95));
 }
 
 TEST(JpegFileTest, SaysWhatIsWrongWithAFile) {
   std::string error;
-  EXPECT_EQ(app::pictureOfJpeg({}, error), nullptr);
+  EXPECT_EQ(pictureOfJpeg({}, error), nullptr);
   EXPECT_EQ(error, "it is no JPEG file");
   const std::string text = "no picture at all";
-  EXPECT_EQ(app::pictureOfJpeg(JpegBytes(text.begin(), text.end()), error), nullptr);
+  EXPECT_EQ(pictureOfJpeg(JpegBytes(text.begin(), text.end()), error), nullptr);
   EXPECT_EQ(error, "it is no JPEG file");
   const JpegBytes whole = photo();
-  EXPECT_EQ(app::pictureOfJpeg(Bytes(whole).first(whole.size() / 2), error), nullptr);
+  EXPECT_EQ(pictureOfJpeg(Bytes(whole).first(whole.size() / 2), error), nullptr);
   EXPECT_EQ(error, "it is damaged");
 }
 
@@ -160,7 +159,7 @@ TEST(JpegFileTest, RefusesASizeBeyondAllMemory) {
   const auto frame = std::search(file.begin(), file.end(), std::begin(header), std::end(header));
   std::fill_n(frame + 5, 4, std::uint8_t{0xFF});  // height and width
   std::string error;
-  EXPECT_EQ(app::pictureOfJpeg(file, error), nullptr);
+  EXPECT_EQ(pictureOfJpeg(file, error), nullptr);
   EXPECT_THAT(error, testing::AnyOf("its size makes no sense", "it is no JPEG file"));
 }
 
@@ -168,16 +167,16 @@ TEST(JpegFileTest, SurvivesAFileCutAnywhereOrFlipped) {
   const JpegBytes whole = photo(64);
   std::string error;
   for (std::size_t cut = 0; cut < whole.size(); ++cut) {
-    app::exifSegmentIn(Bytes(whole).first(cut));
-    app::withSegments(Bytes(whole).first(cut), {});
+    exifSegmentIn(Bytes(whole).first(cut));
+    withSegments(Bytes(whole).first(cut), {});
     if (cut % 16 != 0) continue;
-    EXPECT_EQ(app::pictureOfJpeg(Bytes(whole).first(cut), error), nullptr) << cut;
+    EXPECT_EQ(pictureOfJpeg(Bytes(whole).first(cut), error), nullptr) << cut;
   }
   for (std::size_t at = 0; at < whole.size(); at += 3) {
     JpegBytes flipped = whole;
     flipped[at] = static_cast<std::uint8_t>(flipped[at] ^ (1 << at % 8));
-    app::exifSegmentIn(flipped);
-    app::pictureOfJpeg(flipped, error);
+    exifSegmentIn(flipped);
+    pictureOfJpeg(flipped, error);
   }
 }
 
@@ -186,7 +185,7 @@ TEST(JpegFileTest, FindsTheFirstExifSegment) {
   const JpegBytes header = segment(0xE0, "JFIF"), xmp = segment(0xE1, "http://"),
                   exif = segment(0xE1, kExifStart + "A");
   const auto found = [](const JpegBytes& file) {
-    const Bytes at = app::exifSegmentIn(file);
+    const Bytes at = exifSegmentIn(file);
     return JpegBytes(at.begin(), at.end());
   };
   EXPECT_EQ(found(joined({start, exif})), exif);
@@ -204,20 +203,19 @@ TEST(JpegFileTest, PutsSegmentsBehindTheHeader) {
   const JpegBytes start{0xFF, 0xD8}, header = segment(0xE0, "JFIF"), tables = segment(0xDB, "tables");
   const JpegBytes a = segment(0xE1, "a"), b = segment(0xE1, "b");
   const std::vector<Bytes> both = {a, b};
-  EXPECT_EQ(app::withSegments(joined({start, header, tables}), both), joined({start, header, a, b, tables}));
-  EXPECT_EQ(app::withSegments(joined({start, tables}), both), joined({start, a, b, tables}));
-  EXPECT_EQ(app::withSegments(tables, both), tables);
+  EXPECT_EQ(withSegments(joined({start, header, tables}), both), joined({start, header, a, b, tables}));
+  EXPECT_EQ(withSegments(joined({start, tables}), both), joined({start, a, b, tables}));
+  EXPECT_EQ(withSegments(tables, both), tables);
 }
 
 TEST(JpegFileTest, AnXmpSegmentIsNamedAndNotTooLong) {
-  EXPECT_EQ(textOf(app::xmpSegmentOf("packet")),
-            std::string("\xFF\xE1\x00\x25http://ns.adobe.com/xap/1.0/\0packet", 39));
-  EXPECT_THAT(app::xmpSegmentOf(std::string(65504, ' ')), testing::SizeIs(65537));
-  EXPECT_THAT(app::xmpSegmentOf(std::string(65505, ' ')), IsEmpty());
+  EXPECT_EQ(textOf(xmpSegmentOf("packet")), std::string("\xFF\xE1\x00\x25http://ns.adobe.com/xap/1.0/\0packet", 39));
+  EXPECT_THAT(xmpSegmentOf(std::string(65504, ' ')), testing::SizeIs(65537));
+  EXPECT_THAT(xmpSegmentOf(std::string(65505, ' ')), IsEmpty());
 }
 
 TEST(PanoramaMetadataTest, TellsViewersWhatThePictureIs) {
-  const auto packet = app::panoramaPacket(3040, 1520, std::nullopt);
+  const auto packet = panoramaPacket(3040, 1520, std::nullopt);
   ASSERT_TRUE(packet);
   for (const char* property :
        {"xmlns:GPano=\"http://ns.google.com/photos/1.0/panorama/\"", "GPano:ProjectionType=\"equirectangular\"",
@@ -229,7 +227,7 @@ TEST(PanoramaMetadataTest, TellsViewersWhatThePictureIs) {
 }
 
 TEST(PanoramaMetadataTest, TellsWhereThePictureLooksAndNoTilt) {
-  const auto packet = app::panoramaPacket(3040, 1520, 271.5);
+  const auto packet = panoramaPacket(3040, 1520, 271.5);
   ASSERT_TRUE(packet);
   EXPECT_THAT(*packet, HasSubstr("GPano:PoseHeadingDegrees=\"271.50\""));
   EXPECT_THAT(*packet, testing::Not(testing::AnyOf(HasSubstr("PosePitch"), HasSubstr("PoseRoll"))));
@@ -251,18 +249,18 @@ const JpegBytes bigEndianExif = {0xFF, 0xE1, 0,    72, 'E', 'x', 'i', 'f', 0,   
                                  1,    0,    0,    0,  56,  0,   0,   0,   0,   0, 0,   0x0A, 0x9B, 0,    0, 0, 10};
 
 TEST(ExifDirectionTest, ReadsTheDirectionFromTrueNorth) {
-  EXPECT_EQ(app::directionIn(littleEndianExif), 271.5);
-  EXPECT_EQ(app::directionIn(bigEndianExif), 271.5);
+  EXPECT_EQ(directionIn(littleEndianExif), 271.5);
+  EXPECT_EQ(directionIn(bigEndianExif), 271.5);
 }
 
 TEST(ExifDirectionTest, WhatIsCutMissingOrOtherwiseCountedTellsNothing) {
   for (std::size_t size = 0; size < littleEndianExif.size(); ++size) {
-    EXPECT_EQ(app::directionIn(Bytes(littleEndianExif).first(size)), std::nullopt) << size;
+    EXPECT_EQ(directionIn(Bytes(littleEndianExif).first(size)), std::nullopt) << size;
   }
   const auto changed = [](std::size_t at, std::uint8_t value) {
     JpegBytes exif = littleEndianExif;
     exif[at] = value;
-    return app::directionIn(exif);
+    return directionIn(exif);
   };
   EXPECT_EQ(changed(12, 43), std::nullopt);    // no EXIF data
   EXPECT_EQ(changed(14, 0xFF), std::nullopt);  // no directory there
@@ -283,12 +281,12 @@ class PanoramaTest : public testing::Test {
 };
 
 TEST_F(PanoramaTest, ShowsTheWorldAsItIs) {
-  app::PanoramaMaker maker(library, kOffset);
+  PanoramaMaker maker(library, kOffset);
   const auto panorama = maker.panoramaOf(photo(1280, 2.5), error);
   ASSERT_TRUE(panorama) << error;
   EXPECT_EQ(panorama->width, 1280);
   EXPECT_EQ(panorama->height, 640);
-  const auto picture = simulator::decodeJpeg(panorama->bytes);
+  const auto picture = simulator::decodeJpeg(panorama->file);
   ASSERT_TRUE(picture);
   EXPECT_EQ(picture->width, 1280);
   auto truth = simulator::Scene(1280, 640).at(2.5);
@@ -301,34 +299,34 @@ TEST_F(PanoramaTest, ShowsTheWorldAsItIs) {
 TEST_F(PanoramaTest, CarriesTheExifDataOverByteForByte) {
   const JpegBytes exif = segment(0xE1, kExifStart + std::string("II*\0 and what the camera knows", 30));
   const std::vector<Bytes> segments = {exif};
-  app::PanoramaMaker maker(library, kOffset);
-  const auto panorama = maker.panoramaOf(app::withSegments(photo(), segments), error);
+  PanoramaMaker maker(library, kOffset);
+  const auto panorama = maker.panoramaOf(withSegments(photo(), segments), error);
   ASSERT_TRUE(panorama) << error;
-  const Bytes found = app::exifSegmentIn(panorama->bytes);
+  const Bytes found = exifSegmentIn(panorama->file);
   EXPECT_EQ(JpegBytes(found.begin(), found.end()), exif);
-  EXPECT_THAT(textOf(panorama->bytes), HasSubstr("GPano:FullPanoWidthPixels=\"640\""));
-  EXPECT_TRUE(simulator::decodeJpeg(panorama->bytes));
+  EXPECT_THAT(textOf(panorama->file), HasSubstr("GPano:FullPanoWidthPixels=\"640\""));
+  EXPECT_TRUE(simulator::decodeJpeg(panorama->file));
 }
 
 TEST_F(PanoramaTest, TellsWhereThePhotoLooks) {
   const std::vector<Bytes> segments = {littleEndianExif};
-  app::PanoramaMaker maker(library, kOffset);
-  const auto panorama = maker.panoramaOf(app::withSegments(photo(), segments), error);
+  PanoramaMaker maker(library, kOffset);
+  const auto panorama = maker.panoramaOf(withSegments(photo(), segments), error);
   ASSERT_TRUE(panorama) << error;
-  EXPECT_THAT(textOf(panorama->bytes), HasSubstr("GPano:PoseHeadingDegrees=\"271.50\""));
+  EXPECT_THAT(textOf(panorama->file), HasSubstr("GPano:PoseHeadingDegrees=\"271.50\""));
 }
 
 TEST_F(PanoramaTest, ADarkPictureDoesNotChangeTheNextOne) {
-  app::PanoramaMaker maker(library, kOffset), fresh(library, kOffset);
+  PanoramaMaker maker(library, kOffset), fresh(library, kOffset);
   const auto alone = fresh.panoramaOf(photo(), error);
   ASSERT_TRUE(maker.panoramaOf(simulator::PhotoStudio().take(640, 320, 0, {-3}).at(0), error));
   const auto behind = maker.panoramaOf(photo(), error);
   ASSERT_TRUE(alone && behind);
-  EXPECT_EQ(alone->bytes, behind->bytes);
+  EXPECT_EQ(alone->file, behind->file);
 }
 
 TEST_F(PanoramaTest, AnOffsetThatMakesNoSenseIsToldByTheRenderer) {
-  app::PanoramaMaker maker(library, "2_0");
+  PanoramaMaker maker(library, "2_0");
   for (int count = 0; count < 3; ++count) {
     EXPECT_FALSE(maker.panoramaOf(photo(), error));
     EXPECT_EQ(error, "");
@@ -337,7 +335,7 @@ TEST_F(PanoramaTest, AnOffsetThatMakesNoSenseIsToldByTheRenderer) {
 }
 
 TEST_F(PanoramaTest, AFileThatIsNoPictureIsTold) {
-  app::PanoramaMaker maker(library, kOffset);
+  PanoramaMaker maker(library, kOffset);
   EXPECT_FALSE(maker.panoramaOf({}, error));
   EXPECT_EQ(error, "it is no JPEG file");
   // Too narrow for a panorama.
@@ -346,7 +344,7 @@ TEST_F(PanoramaTest, AFileThatIsNoPictureIsTold) {
 }
 
 TEST_F(PanoramaTest, PhotosOfOtherSizesFollowEachOther) {
-  app::PanoramaMaker maker(library, kOffset);
+  PanoramaMaker maker(library, kOffset);
   for (const int width : {320, 642, 322, 320}) {
     const auto panorama = maker.panoramaOf(plainJpeg(width, width / 2, TJSAMP_420, 90, 90, 90), error);
     ASSERT_TRUE(panorama) << width << error;

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 using platform::ColourMatrix;
@@ -83,4 +83,4 @@ TEST(RgbPictureTest, FillsChromaWithTheMeanOfThePixels) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

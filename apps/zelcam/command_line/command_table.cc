@@ -2,19 +2,7 @@
 
 #include "apps/zelcam/command_line/command.h"
 #include "apps/zelcam/command_line/sensors.h"
-#include "apps/zelcam/commands/call.h"
-#include "apps/zelcam/commands/demo.h"
-#include "apps/zelcam/commands/devices.h"
-#include "apps/zelcam/commands/events.h"
-#include "apps/zelcam/commands/info.h"
-#include "apps/zelcam/commands/live.h"
-#include "apps/zelcam/commands/monitor.h"
-#include "apps/zelcam/commands/offset.h"
-#include "apps/zelcam/commands/photo.h"
-#include "apps/zelcam/commands/preview.h"
-#include "apps/zelcam/commands/record.h"
-#include "apps/zelcam/commands/thumbnail.h"
-#include "apps/zelcam/commands/upload.h"
+#include "apps/zelcam/commands/commands.h"
 
 namespace zel::app {
 namespace {

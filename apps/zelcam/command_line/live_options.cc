@@ -2,11 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <ZELTarkaSDK/PictureFile.h>
+
 #include <algorithm>
 
 #include "apps/zelcam/command_line/decoder_threads.h"
 #include "apps/zelcam/command_line/picture_size.h"
-#include "apps/zelcam/host/png.h"
+#include "apps/zelcam/host/file.h"
 
 namespace zel::app {
 namespace {
@@ -17,8 +19,8 @@ std::string complaintOfSize(const Values& values, LiveOptions& options) {
   if (!size || size->width < 16 || size->height < 16) {
     return fmt::format("--size takes WIDTHxHEIGHT, both even and each from 16 to {}", kLargestPictureSide);
   }
-  options.width = size->width;
-  options.height = size->height;
+  options.stitched.width = size->width;
+  options.stitched.height = size->height;
   return {};
 }
 
@@ -44,6 +46,15 @@ std::string complaintOfMixture(const Values& values, const LiveOptions& options)
   return {};
 }
 
+// Errors: nothing; `complaint` then names the file and the fault.
+std::optional<platform::RgbaImage> logoIn(const std::string& path, std::string& complaint) {
+  const auto file = readFile(path, complaint);
+  if (!file) return std::nullopt;
+  auto image = imageOfPng(file->bytes(), complaint);
+  if (!image) complaint = fmt::format("{} is {}", path, complaint);
+  return image;
+}
+
 }  // namespace
 
 bool LiveOptions::usesStandardOutput() const {
@@ -53,18 +64,18 @@ bool LiveOptions::usesStandardOutput() const {
 std::optional<LiveOptions> liveOptionsIn(const Values& values, std::string& complaint) {
   LiveOptions options;
   options.resolution = static_cast<int>(values.integer("--resolution").value_or(options.resolution));
-  options.bitrate = values.integer("--bitrate").value_or(options.bitrate);
+  options.stitched.bitrate = values.integer("--bitrate").value_or(options.stitched.bitrate);
   options.decoderThreads = decoderThreads(values, options.resolution);
   options.duration = values.number("--duration");
   options.stitch = !values.has("--no-stitch");
-  options.logoAngle = values.number("--logo-angle").value_or(0);
-  options.removePurple = values.has("--remove-purple");
+  options.stitched.logoAngle = values.number("--logo-angle").value_or(0);
+  options.stitched.removePurple = values.has("--remove-purple");
   options.reconnect = values.number("--reconnect");
   complaint = complaintOfOutputs(values, options);
   if (complaint.empty()) complaint = complaintOfSize(values, options);
   if (complaint.empty()) complaint = complaintOfMixture(values, options);
   if (!complaint.empty()) return std::nullopt;
-  if (values.has("--logo") && !(options.logo = readPng(values.text("--logo"), complaint))) return std::nullopt;
+  if (values.has("--logo") && !(options.stitched.logo = logoIn(values.text("--logo"), complaint))) return std::nullopt;
   return options;
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstdint>
+#include <ZELTarkaSDK/EncodedStream.h>
+#include <ZELTarkaSDK/OutputAddress.h>
+
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <ZELTarkaSDK/platform/media_library.h>
 #include "apps/zelcam/command_line/command.h"
-#include "outputs/output_address.h"
 
 namespace zel::app {
 
@@ -15,15 +15,10 @@ namespace zel::app {
 struct LiveOptions {
   std::vector<OutputAddress> outputs;
   int resolution = 3;
-  std::int32_t width = 1920;
-  std::int32_t height = 960;
-  std::int64_t bitrate = 8'000'000;
+  StitchedPictures stitched;
   std::optional<double> duration;
   int decoderThreads = 1;
   bool stitch = true;
-  std::optional<platform::RgbaImage> logo;
-  double logoAngle = 0;
-  bool removePurple = false;
   std::optional<double> reconnect;
 
   bool usesStandardOutput() const;

@@ -4,9 +4,12 @@
 #include <optional>
 #include <string_view>
 
-#include "outputs/h264_size.h"
-
 namespace zel::app {
+
+// Units: pixels.
+struct PictureSize {
+  std::int32_t width = 0, height = 0;
+};
 
 inline constexpr std::int32_t kLargestPictureSide = 16384;
 

@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/call.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,4 +1,8 @@
-#include "apps/zelcam/commands/demo.h"
+#include "apps/zelcam/commands/commands.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -12,12 +16,11 @@
 #include <string>
 #include <vector>
 
+#include "apps/zelcam/commands/file_summary.h"
 #include "apps/zelcam/host/child.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/file.h"
 #include "apps/zelcam/host/interrupt.h"
-#include "outputs/file_summary.h"
-#include "outputs/libav.h"
 
 namespace zel::app {
 namespace {

@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/events.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>

@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/info.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>

@@ -1,5 +1,7 @@
-#include "apps/zelcam/commands/live.h"
+#include "apps/zelcam/commands/commands.h"
 
+#include <ZELTarkaSDK/EncodedStream.h>
+#include <ZELTarkaSDK/Outputs.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
@@ -22,13 +24,11 @@ extern "C" {
 #include <ZELTarkaSDK/platform/run_loop.h>
 #include "apps/zelcam/command_line/live_options.h"
 #include "apps/zelcam/commands/live_duration.h"
-#include "apps/zelcam/commands/passed_feed.h"
-#include "apps/zelcam/commands/stitched_feed.h"
+#include "apps/zelcam/commands/live_figures.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/interrupt.h"
 #include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_link.h"
-#include "outputs/outputs.h"
 
 namespace zel::app {
 namespace {
@@ -63,8 +63,10 @@ class Live {
         settings_(settings),
         options_(options),
         duration_(options.duration),
-        outputs_(options.outputs, [this](const std::string& line) { tell(line); }),
-        writer_(writerRules()) {}
+        outputs_([this](const std::string& line) { tell(line); }),
+        stream_(outputs_, streamOptions()) {
+    for (const OutputAddress& address : options.outputs) outputs_.add(address);
+  }
 
   int run() {
     background_ = observe(platform::kApplicationDidEnterBackgroundNotification, true);
@@ -79,14 +81,11 @@ class Live {
   }
 
  private:
-  StreamWriter::Rules writerRules() {
-    StreamWriter::Rules rules;
-    rules.spherical = options_.stitch;
-    if (options_.duration) rules.length = static_cast<std::int64_t>(*options_.duration * 1e6);
-    rules.begin = [this](const StreamHeaders& headers) { outputs_.begin(headers); };
-    rules.put = [this](const MediaPacket& packet) { outputs_.put(packet); };
-    rules.ended = [this] { bus_.platform().stopMainQueue(); };
-    return rules;
+  EncodedStream::Options streamOptions() {
+    EncodedStream::Options options;
+    if (options_.duration) options.length = static_cast<std::int64_t>(*options_.duration * 1e6);
+    options.changed = [this] { bus_.platform().stopMainQueue(); };
+    return options;
   }
 
   std::unique_ptr<platform::NotificationObservation> observe(std::string_view name, bool background) {
@@ -119,60 +118,53 @@ class Live {
     if (const auto info = link.stack().accessory().accessoryInfo()) serial_ = info->serialNumber();
     if (!wasThere_) start_ = Clock::now();
     if (std::exchange(wasThere_, true)) tell("the camera is there again");
-    const std::shared_ptr<LiveFeed> feed = makeFeed(link);
-    writer_.beginRun();
-    feed->start();
+    startStream(link);
     const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [&] {
-      duration_.note(Clock::now(), writer_.written().newestVideo);
-      report(*feed);
+      duration_.note(Clock::now(), stream_.statistics().newestVideo);
+      report();
       link.wake();
     });
-    const RunEnd end = waitForEnd(link, *feed);
+    const RunEnd end = waitForEnd(link);
     reopened_ = link.wasReopened();
-    const std::optional<std::string> failure = feed->failure();
-    feed->stop();
+    const std::optional<std::string> failure = stream_.failure();
+    stream_.stop();
     letCameraKnow(link, end);
-    figures_.add(feed->figures());
     return statusOf(end, failure);
   }
 
-  std::shared_ptr<LiveFeed> makeFeed(CameraLink& link) {
-    MediaClock& clock = bus_.mediaClock();
-    clock.begin(link.stack().accessory().firewareVersion(), picturesPerSecond(options_.resolution));
-    if (!options_.stitch) return std::make_shared<PassedFeed>(link, writer_, clock, options_.resolution);
-    return std::make_shared<StitchedFeed>(link, writer_, clock, options_, bus_.arrivals());
+  void startStream(CameraLink& link) {
+    if (!options_.stitch) return stream_.startCamera(link.stack(), options_.resolution);
+    stream_.startStitched(link.stack(), options_.resolution, options_.stitched);
   }
 
   // Pictures must keep coming, but in the background: a time-out without one ends it. Until then a camera that is
   // silent may go on, unless there is a better way.
-  RunEnd waitForEnd(CameraLink& link, const LiveFeed& feed) {
-    const std::uint64_t first = writer_.written().pictures;
+  RunEnd waitForEnd(CameraLink& link) {
+    const std::uint64_t first = stream_.statistics().pictures;
     const auto isOver = [&] {
-      const WrittenStream written = writer_.written();
-      return written.complete || duration_.isOver() || written.fault || feed.failure() || outputs_.haveAllFailed() ||
+      return stream_.statistics().complete || duration_.isOver() || stream_.failure() || outputs_.haveAllFailed() ||
              link.wasReopened();
     };
     const auto bears = [&](LinkLoss loss) {
       return loss == LinkLoss::silent && (inBackground_ || !options_.reconnect);
     };
     while (true) {
-      const std::uint64_t before = writer_.written().pictures;
+      const std::uint64_t before = stream_.statistics().pictures;
       const Waited end = link.waitFor(isOver, settings_.timeout, bears);
       if (end == Waited::interrupted) return RunEnd::interrupted;
       if (end == Waited::lost) return RunEnd::lost;
-      if (end == Waited::timeOut && (inBackground_ || writer_.written().pictures != before)) continue;
+      if (end == Waited::timeOut && (inBackground_ || stream_.statistics().pictures != before)) continue;
       // A connection that brought pictures may bring more when it is made again; another one would not.
       if (end == Waited::timeOut) return options_.reconnect && before != first ? RunEnd::lost : RunEnd::noPicture;
-      return whyOver(link, feed);
+      return whyOver(link);
     }
   }
 
-  RunEnd whyOver(CameraLink& link, const LiveFeed& feed) const {
-    const WrittenStream written = writer_.written();
-    if (written.complete || duration_.isOver()) return RunEnd::complete;
+  RunEnd whyOver(CameraLink& link) const {
+    if (stream_.statistics().complete || duration_.isOver()) return RunEnd::complete;
     if (outputs_.haveAllFailed()) return RunEnd::outputsFailed;
-    const bool forWantOfACamera = link.wasReopened() || (feed.failure() && link.isLost());
-    return forWantOfACamera && !written.fault ? RunEnd::lost : RunEnd::failed;
+    const bool forWantOfACamera = link.wasReopened() || (stream_.failure() && link.isLost());
+    return forWantOfACamera ? RunEnd::lost : RunEnd::failed;
   }
 
   // The commands that switch the camera's streams off are on their way: the answer to one more tells that they came.
@@ -194,7 +186,7 @@ class Live {
         tellWhereItStood();
         return kDone;
       case RunEnd::interrupted:
-        return options_.duration || writer_.written().pictures == 0 ? kInterrupted : kDone;
+        return options_.duration || stream_.statistics().pictures == 0 ? kInterrupted : kDone;
       case RunEnd::lost:
         lost_ = true;
         if (!patienceAfter(kNoCamera)) sayFailure("live: the camera was lost", zelOSStatusError(kZELErrorNotConnected));
@@ -203,7 +195,7 @@ class Live {
         sayFailure(fmt::format("live: no picture came within {} s", settings_.timeout));
         return kNoCamera;
       case RunEnd::failed:
-        sayFailure("live: " + failure.value_or(writer_.written().fault.value_or("failed")));
+        sayFailure("live: " + failure.value_or("failed"));
         return kRefused;
       case RunEnd::outputsFailed:
         rememberFaultOfOutputs();
@@ -229,8 +221,8 @@ class Live {
 
   int statusWithOutputs(int status) const { return status == kDone && rememberFaultOfOutputs() ? kRefused : status; }
 
-  LiveFigures figures(const FeedFigures& feed) const {
-    LiveFigures all{feed, writer_.written(), outputs_.reports()};
+  LiveFigures figures() const {
+    LiveFigures all{stream_.statistics(), outputs_.reports()};
     all.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
     all.cpuSeconds = cpuSeconds();
     all.peakMemory = peakMemory();
@@ -239,16 +231,14 @@ class Live {
 
   // Standard output may be one of the outputs.
   void summarise() const {
-    const LiveFigures all = figures(figures_);
+    const LiveFigures all = figures();
     if (settings_.json) return printJson(jsonOf(all));
     for (const std::string& line : linesOf(all)) printLine(line);
   }
 
-  void report(const LiveFeed& feed) {
+  void report() {
     if (::isatty(STDERR_FILENO) == 0) return;
-    FeedFigures now = figures_;
-    now.add(feed.figures());
-    showProgress(progressOf(figures(now)));
+    showProgress(progressOf(figures()));
     showsProgress_ = true;
   }
   void endProgress() {
@@ -265,9 +255,8 @@ class Live {
   std::string serial_;
   bool wasThere_ = false, lost_ = false, reopened_ = false, inBackground_ = false, showsProgress_ = false;
   LiveDuration duration_;
-  FeedFigures figures_;  // of the connections that have ended
   Outputs outputs_;
-  StreamWriter writer_;
+  EncodedStream stream_;
   std::unique_ptr<platform::NotificationObservation> background_, active_;
 };
 

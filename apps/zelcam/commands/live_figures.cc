@@ -13,31 +13,30 @@ constexpr double kMicros = 1e6;
 
 Json orNull(const std::optional<int>& value) { return value ? Json(*value) : Json(nullptr); }
 
-Json latencyOf(const LatencyHistogram& latency) {
-  return {{"median", orNull(latency.quantile(0.5))}, {"p99", orNull(latency.quantile(0.99))}};
+Json latencyOf(const OutputReport& output) {
+  return {{"median", orNull(output.medianLatency)}, {"p99", orNull(output.latency99)}};
 }
 
 // The latency of the stream is that of its slowest output.
 Json slowestLatency(const std::vector<OutputReport>& outputs) {
-  const OutputReport* slowest = nullptr;
-  for (const OutputReport& output : outputs) {
-    if (!output.latency.quantile(0.5)) continue;
-    if (slowest == nullptr || *output.latency.quantile(0.5) > *slowest->latency.quantile(0.5)) slowest = &output;
-  }
-  return latencyOf(slowest != nullptr ? slowest->latency : LatencyHistogram());
+  const auto slowest = std::ranges::max_element(outputs, {}, &OutputReport::medianLatency);
+  return latencyOf(slowest != outputs.end() ? *slowest : OutputReport());
 }
 
-double lengthOf(const WrittenStream& written) { return static_cast<double>(written.newestVideo.value_or(0)) / kMicros; }
+double lengthOf(const EncodedStreamStatistics& stream) {
+  return static_cast<double>(stream.newestVideo.value_or(0)) / kMicros;
+}
 
 // Pictures and bits a second; both count from the first picture to the last one.
-double aSecond(double many, const WrittenStream& written) {
-  return written.pictures < 2 ? 0
-                              : many * static_cast<double>(written.pictures - 1) /
-                                    static_cast<double>(written.pictures) / std::max(lengthOf(written), 1e-3);
+double aSecond(double many, const EncodedStreamStatistics& stream) {
+  return stream.pictures < 2 ? 0
+                             : many * static_cast<double>(stream.pictures - 1) / static_cast<double>(stream.pictures) /
+                                   std::max(lengthOf(stream), 1e-3);
 }
 
 Json droppedOf(const LiveFigures& figures) {
-  const auto& [preview, live] = figures.feed;
+  const PreviewStatistics& preview = figures.stream.preview;
+  const LiveStatistics& live = figures.stream.live;
   return {{"beforeDecoding", preview.dropped},
           {"withoutPicture", preview.withoutPicture},
           {"notWanted", live.notWanted},
@@ -46,7 +45,7 @@ Json droppedOf(const LiveFigures& figures) {
           {"beforeEncoding", live.droppedBeforeEncoding},
           {"notEncoded", live.notEncoded},
           {"encodedUnits", live.droppedUnits},
-          {"audioFrames", figures.written.droppedAudio}};
+          {"audioFrames", figures.stream.droppedAudio}};
 }
 
 Json outputOf(const OutputReport& output) {
@@ -56,54 +55,35 @@ Json outputOf(const OutputReport& output) {
           {"bytes", output.bytes},
           {"dropped", output.dropped},
           {"connections", output.connections},
-          {"latency", latencyOf(output.latency)},
+          {"latency", latencyOf(output)},
           {"fault", output.fault ? Json(*output.fault) : Json(nullptr)}};
 }
 
-Json distanceOf(const WrittenStream& written) {
-  if (!written.newestVideo || !written.newestAudio) return nullptr;
-  return (*written.newestAudio - *written.newestVideo) / 1000;
+Json distanceOf(const EncodedStreamStatistics& stream) {
+  if (!stream.newestVideo || !stream.newestAudio) return nullptr;
+  return (*stream.newestAudio - *stream.newestVideo) / 1000;
 }
 
 std::string shown(const Json& number) { return number.is_null() ? "-" : number.dump(); }
 
 }  // namespace
 
-void FeedFigures::add(const FeedFigures& more) {
-  preview.units += more.preview.units;
-  preview.dropped += more.preview.dropped;
-  preview.withoutPicture += more.preview.withoutPicture;
-  preview.pictures += more.preview.pictures;
-  live.pictures += more.live.pictures;
-  live.notWanted += more.live.notWanted;
-  live.droppedBeforeStitching += more.live.droppedBeforeStitching;
-  live.notStitched += more.live.notStitched;
-  live.stitched += more.live.stitched;
-  live.droppedBeforeEncoding += more.live.droppedBeforeEncoding;
-  live.notEncoded += more.live.notEncoded;
-  live.encoded += more.live.encoded;
-  live.units += more.live.units;
-  live.droppedUnits += more.live.droppedUnits;
-  live.audioFrames += more.live.audioFrames;
-  live.droppedAudio += more.live.droppedAudio;
-}
-
 Json jsonOf(const LiveFigures& figures) {
-  const WrittenStream& written = figures.written;
-  const auto pictures = static_cast<double>(written.pictures);
+  const EncodedStreamStatistics& stream = figures.stream;
+  const auto pictures = static_cast<double>(stream.pictures);
   Json object = {{"seconds", figures.seconds},
-                 {"received", figures.feed.preview.units},
-                 {"decoded", figures.feed.preview.pictures},
-                 {"stitched", figures.feed.live.stitched},
-                 {"encoded", figures.feed.live.encoded},
-                 {"pictures", written.pictures},
-                 {"audioFrames", written.audioFrames},
+                 {"received", figures.stream.preview.units},
+                 {"decoded", figures.stream.preview.pictures},
+                 {"stitched", figures.stream.live.stitched},
+                 {"encoded", figures.stream.live.encoded},
+                 {"pictures", stream.pictures},
+                 {"audioFrames", stream.audioFrames},
                  {"dropped", droppedOf(figures)},
-                 {"fps", aSecond(pictures, written)},
-                 {"bitrate", aSecond(8.0 * static_cast<double>(written.videoBytes), written)},
-                 {"audioVideoDistance", distanceOf(written)},
+                 {"fps", aSecond(pictures, stream)},
+                 {"bitrate", aSecond(8.0 * static_cast<double>(stream.videoBytes), stream)},
+                 {"audioVideoDistance", distanceOf(stream)},
                  {"latency", slowestLatency(figures.outputs)},
-                 {"cpuSecondsPerPicture", written.pictures == 0 ? Json(nullptr) : Json(figures.cpuSeconds / pictures)},
+                 {"cpuSecondsPerPicture", stream.pictures == 0 ? Json(nullptr) : Json(figures.cpuSeconds / pictures)},
                  {"peakMemory", figures.peakMemory},
                  {"outputs", Json::array()}};
   for (const OutputReport& output : figures.outputs) object["outputs"].push_back(outputOf(output));
@@ -142,9 +122,9 @@ std::string progressOf(const LiveFigures& figures) {
   std::uint64_t dropped = 0;
   for (const OutputReport& output : figures.outputs) dropped += output.dropped;
   return fmt::format("{:.1f} s  {:.1f} pictures a second  {:.2f} Mbit/s  {} pictures  {} packets dropped",
-                     lengthOf(figures.written), aSecond(static_cast<double>(figures.written.pictures), figures.written),
-                     aSecond(8.0 * static_cast<double>(figures.written.videoBytes), figures.written) / 1e6,
-                     figures.written.pictures, dropped);
+                     lengthOf(figures.stream), aSecond(static_cast<double>(figures.stream.pictures), figures.stream),
+                     aSecond(8.0 * static_cast<double>(figures.stream.videoBytes), figures.stream) / 1e6,
+                     figures.stream.pictures, dropped);
 }
 
 }  // namespace zel::app

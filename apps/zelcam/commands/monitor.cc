@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/monitor.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>

@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/offset.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/ZELMediaOffset.h>
 

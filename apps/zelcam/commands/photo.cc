@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/photo.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
@@ -13,16 +13,16 @@
 #include <tuple>
 #include <vector>
 
+#include <ZELTarkaSDK/Panorama.h>
+#include <ZELTarkaSDK/PictureFile.h>
 #include "apps/zelcam/command_line/number_text.h"
 #include "apps/zelcam/command_line/sensors.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/file.h"
-#include "apps/zelcam/host/picture_file.h"
 #include "apps/zelcam/link/answer.h"
 #include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_link.h"
 #include "apps/zelcam/link/lens_offset.h"
-#include "pictures/panorama.h"
 
 namespace zel::app {
 namespace {
@@ -147,7 +147,7 @@ class Shot {
     const auto panorama = maker.panoramaOf(photo.picture.bytes(), fault);
     if (!panorama) return fault.empty() ? kRefused : complain(kRefused, "photo", photo.path + ": " + fault);
     const std::filesystem::path beside(photo.path);
-    const auto path = saveFile(beside.parent_path().string(), panoramaName(beside), panorama->bytes, fault);
+    const auto path = saveFile(beside.parent_path().string(), panoramaName(beside), panorama->file, fault);
     if (!path) return complain(kRefused, "photo", fault);
     if (!invocation_.settings.json) {
       printLine(*path);

@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/preview.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
@@ -13,11 +13,11 @@
 #include <optional>
 #include <string>
 
+#include <ZELTarkaSDK/PictureFile.h>
 #include "apps/zelcam/command_line/decoder_threads.h"
 #include "apps/zelcam/commands/picture_rate.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/interrupt.h"
-#include "apps/zelcam/host/picture_file.h"
 #include "apps/zelcam/link/answer.h"
 #include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_link.h"

@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/record.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 

@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/thumbnail.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
 
@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include <ZELTarkaSDK/PictureFile.h>
 #include "apps/zelcam/command_line/picture_size.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/file.h"
-#include "apps/zelcam/host/picture_file.h"
 #include "apps/zelcam/link/bus.h"
 
 namespace zel::app {

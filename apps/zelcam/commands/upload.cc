@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/upload.h"
+#include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>

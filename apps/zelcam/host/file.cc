@@ -119,12 +119,4 @@ std::optional<std::string> saveFile(const std::string& folder, const std::string
   return std::nullopt;
 }
 
-bool replaceFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
-  TemporaryFile file(folder.empty() ? "." : folder);
-  if (file.isThere() && file.write(bytes) && file.replace(path)) return true;
-  error = faultOf("write", path);
-  return false;
-}
-
 }  // namespace zel::app

@@ -37,8 +37,4 @@ bool prepareFolder(const std::string& folder, std::string& error);
 std::optional<std::string> saveFile(const std::string& folder, const std::string& name,
                                     std::span<const std::uint8_t> bytes, std::string& error);
 
-// Writes the bytes as the file of that path, which it replaces when it is whole. The folder must exist.
-// Errors: false; `error` then names the file and the fault.
-bool replaceFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error);
-
 }  // namespace zel::app

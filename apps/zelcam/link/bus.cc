@@ -27,13 +27,12 @@ Bus::Bus(const Settings& settings, int decoderThreads) {
   media_ = std::make_unique<LinuxMedia>(
       platform_->ports(),
       LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }, decoderThreads});
-  videoDecoders_ = std::make_unique<NotingDecoders>(*media_->ports().videoDecoders, mediaClock_, arrivals_);
   stopMainQueueOnInterrupt(*platform_);
 }
 
 platform::Ports Bus::ports() {
   platform::Ports ports = media_->ports();
-  ports.videoDecoders = decodes_ ? videoDecoders_.get() : nullptr;
+  if (!decodes_) ports.videoDecoders = nullptr;
   return ports;
 }
 

@@ -10,7 +10,6 @@
 #include <ZELTarkaSDK/platform/ports.h>
 #include "apps/zelcam/command_line/settings.h"
 #include "base/mutex.h"
-#include "outputs/arrival_clock.h"
 
 namespace zel::app {
 
@@ -29,11 +28,8 @@ class Bus {
   // The platform's ports with this program's codecs and renderers. Why there is no stitched picture is said on standard
   // error.
   platform::Ports ports();
-  // Ports made from now on have no decoder, for who passes the camera's video on as it is.
+  // Ports made from now on have no decoder, for pass-through streaming.
   void decodeNothing() { decodes_ = false; }
-  // The times of the pictures that the ports decode, once somebody tells it of the slices.
-  MediaClock& mediaClock() { return mediaClock_; }
-  const ArrivalClock& arrivals() const { return arrivals_; }
 
   // Who has the camera, in words, where one could not be opened for that reason since the last call. The main queue is
   // stopped when that happens.
@@ -42,14 +38,11 @@ class Bus {
  private:
   void noteInUse(const CameraInUse& camera);
 
-  MediaClock mediaClock_;
-  ArrivalClock arrivals_;
   bool decodes_ = true;
   Mutex mutex_;
   std::optional<std::string> inUse_ ZEL_GUARDED_BY(mutex_);
   // Made after the platform, and gone after its threads, which decode.
   std::unique_ptr<LinuxMedia> media_;
-  std::unique_ptr<NotingDecoders> videoDecoders_;
   std::unique_ptr<LinuxPlatform> platform_;
 };
 

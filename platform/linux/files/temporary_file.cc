@@ -11,7 +11,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
@@ -121,4 +121,4 @@ void removeLeftovers(const std::string& folder) {
   }
 }
 
-}  // namespace zel::app
+}  // namespace zel

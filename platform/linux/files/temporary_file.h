@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-namespace zel::app {
+namespace zel {
 
 // A file in the folder that it shall stay in, removed again unless it was given its name. Until then it is called
 // ".zelcam-" and six letters, and it is locked: a program that was killed holds no lock any more, and so whoever makes
@@ -24,10 +24,14 @@ class TemporaryFile {
   int descriptor() const { return file_; }
   const std::string& path() const { return path_; }
 
-  // Writes behind what it holds. Errors: false; errno says why.
+  // Writes behind what it holds.
+  //
+  // Errors: false; errno says why.
   bool write(std::span<const std::uint8_t> bytes) const;
 
-  // Both see to it first that a power cut finds it whole under its name. Errors: false; errno says why.
+  // Both see to it first that a power cut finds it whole under its name.
+  //
+  // Errors: false; errno says why.
   bool replace(const std::string& path);
   // Never replaces a file: errno is then EEXIST.
   bool appearAs(const std::string& path);
@@ -40,4 +44,4 @@ class TemporaryFile {
 // Removes temporary files that nobody holds any more.
 void removeLeftovers(const std::string& folder);
 
-}  // namespace zel::app
+}  // namespace zel

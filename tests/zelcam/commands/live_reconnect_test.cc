@@ -15,7 +15,6 @@ namespace zel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using app::readBack;
 using testing::HasSubstr;
 using testing::Not;
 

@@ -18,8 +18,6 @@ namespace zel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using app::ReadBack;
-using app::readBack;
 using testing::HasSubstr;
 using testing::Not;
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <ostream>
@@ -14,9 +13,6 @@
 
 namespace zel::test {
 namespace {
-
-using app::ReadBack;
-using app::readBack;
 
 // Units: milliseconds.
 struct SynchronyCase {
@@ -50,17 +46,9 @@ class LiveSynchronyTest : public LiveTest, public testing::WithParamInterface<Sy
     return 0.022 + given.mostApart / 1000 + (waits ? 1.0 / given.picturesPerSecond : 0);
   }
 
-  // By how much each beep is heard after its lamp was seen. A lamp whose picture was dropped does not count, and
-  // neither does the first second, in which the host may still be comparing its clock with the camera's.
   std::vector<double> delays() const {
     const LampPlace lamp = GetParam().stitch ? lampInPanorama() : lampInFisheyes();
-    const TicksAndBeeps found = ticksAndBeepsIn(path("a.mp4"), lamp, GetParam().picturesPerSecond);
-    std::vector<double> delays;
-    for (const double tick : found.ticks)
-      for (const double beep : found.beeps)
-        if (beep > 1 && std::abs(tick - beep) <= 0.5) delays.push_back(1000 * (beep - tick));
-    std::ranges::sort(delays);
-    return delays;
+    return delaysOf(ticksAndBeepsIn(path("a.mp4"), lamp, GetParam().picturesPerSecond));
   }
 };
 

@@ -17,8 +17,6 @@ namespace zel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using app::ReadBack;
-using app::readBack;
 using testing::HasSubstr;
 
 // Pictures: the host sets its clock by the camera's again while that streams, and a second may then hold more or fewer.

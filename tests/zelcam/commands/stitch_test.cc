@@ -97,7 +97,7 @@ TEST_F(StitchTest, APanoramaKeepsThePhotosTimeAndPlace) {
   const auto told = run({"photo", "-o", pictures(), "--stitch", "--gps", "48.5,-11.25,519.5"});
   ASSERT_THAT(told, SizeIs(2));
   const Bytes photo = contents(told[0]["photo"]), panorama = contents(told[1]["panorama"]);
-  const auto ofPhoto = app::exifSegmentIn(photo), ofPanorama = app::exifSegmentIn(panorama);
+  const auto ofPhoto = exifSegmentIn(photo), ofPanorama = exifSegmentIn(panorama);
   EXPECT_EQ(Bytes(ofPanorama.begin(), ofPanorama.end()), Bytes(ofPhoto.begin(), ofPhoto.end()));
   // The same but for the time, which the test cannot know.
   const Bytes expected = simulator::exifSegment("0000:00:00 00:00:00", simulator::Position{48.5, -11.25, 519.5});

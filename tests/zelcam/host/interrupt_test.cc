@@ -9,7 +9,6 @@
 namespace zel::test {
 namespace {
 
-using app::readBack;
 using testing::HasSubstr;
 using testing::Not;
 

@@ -13,7 +13,7 @@
 
 #include "tests/platform/linux/temporary_folder.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
@@ -111,4 +111,4 @@ TEST_F(TemporaryFileTest, AFolderThatIsNotThereIsAnError) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel

@@ -8,29 +8,30 @@
 #include <optional>
 #include <string>
 
-#include "apps/zelcam/command_line/live_options.h"
-#include "apps/zelcam/commands/live_feed.h"
-#include "apps/zelcam/link/camera_link.h"
-#include "outputs/arrival_clock.h"
-#include "outputs/media_clock.h"
-#include "outputs/stream_writer.h"
+#include "base/mutex.h"
+#include "outputs/run_gate.h"
+#include "outputs/stream_core.h"
+#include "outputs/stream_feed.h"
 
-namespace zel::app {
+namespace zel {
 
-// The camera's pictures stitched and encoded anew, with its sound.
+class CameraStack;
+
+// The camera's pictures stitched and encoded again, with its sound.
 //
-// Stands between the player and the source as soon as there is sound: it sees every slice come, and so knows the
-// pictures' own times, and it keeps the sound that the source drops until its first picture has been encoded.
-// Owner: the arguments must outlive the object.
-class StitchedFeed final : public LiveFeed,
+// Stands between the player and the live data source as soon as there is sound: it sees every slice come, and so knows
+// the pictures' own times, and it keeps the sound that the source drops until its first picture has been encoded. The
+// source itself works with the reported times; they come back with its units, and are looked up then.
+//
+// Owner: the stack must outlive the run.
+class StitchedFeed final : public StreamFeed,
                            public ZELLiveDataSourceProtocol,
                            public ZELCameraMediaDataDelegate,
                            public std::enable_shared_from_this<StitchedFeed> {
  public:
   using Bytes = StreamWriter::Bytes;
 
-  StitchedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, const LiveOptions& options,
-               const ArrivalClock& arrivals);
+  StitchedFeed(CameraStack& stack, std::shared_ptr<StreamCore> core, int resolution, StitchedPictures pictures);
 
   void start() override;
   void stop() override;
@@ -50,14 +51,12 @@ class StitchedFeed final : public LiveFeed,
   void onAACAdts(Bytes data, std::int64_t timestamp) override;
 
  private:
-  CameraLink& link_;
-  StreamWriter& writer_;
-  MediaClock& clock_;
-  const LiveOptions& options_;
-  const ArrivalClock& arrivals_;
-  std::shared_ptr<ZELLiveDataSource> source_;
-  std::optional<std::string> failure_;  // main thread only
-  FeedFigures atEnd_;                   // likewise
+  const std::shared_ptr<StreamCore> core_;
+  const StitchedPictures pictures_;
+  const std::shared_ptr<ZELLiveDataSource> source_;
+  RunGate gate_;
+  mutable Mutex mutex_;
+  mutable PreviewStatistics preview_ ZEL_GUARDED_BY(mutex_);  // the last that the player told
 };
 
-}  // namespace zel::app
+}  // namespace zel

@@ -1,4 +1,4 @@
-#include "outputs/file_summary.h"
+#include "apps/zelcam/commands/file_summary.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 #include "outputs/libav.h"
 #include "tests/outputs/test_film.h"
-#include "tests/platform/linux/temporary_folder.h"
+#include "tests/zelcam/process.h"
 
 namespace zel::app {
 namespace {
@@ -23,7 +23,7 @@ class FileSummaryTest : public testing::Test {
   FileSummaryTest() { av_log_set_level(AV_LOG_QUIET); }
 
   std::string write(const std::string& name, const std::vector<std::uint8_t>& bytes) const {
-    const std::string path = folder_.file(name);
+    const std::string path = folder_.path() + "/" + name;
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     return path;

@@ -1,21 +1,26 @@
-#include "outputs/file_summary.h"
+#include "apps/zelcam/commands/file_summary.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
 
 #include <fmt/format.h>
 
+#include <memory>
 #include <utility>
-
-#include "outputs/libav.h"
 
 namespace zel::app {
 namespace {
 
-struct DecoderDeleter {
+struct Deleter {
+  void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
   void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-struct FrameDeleter {
+  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
   void operator()(AVFrame* frame) const { av_frame_free(&frame); }
 };
-using DecoderPtr = std::unique_ptr<AVCodecContext, DecoderDeleter>;
+using DemuxerPtr = std::unique_ptr<AVFormatContext, Deleter>;
+using DecoderPtr = std::unique_ptr<AVCodecContext, Deleter>;
 
 DemuxerPtr open(const std::string& path) {
   AVFormatContext* opened = nullptr;
@@ -53,7 +58,7 @@ class StreamReader {
 
  private:
   DecoderPtr decoder_;
-  std::unique_ptr<AVFrame, FrameDeleter> frame_{av_frame_alloc()};
+  std::unique_ptr<AVFrame, Deleter> frame_{av_frame_alloc()};
   StreamSummary summary_;
   bool isGood_ = false;
 };
@@ -66,7 +71,7 @@ std::vector<StreamSummary> fileSummary(const std::string& path) {
   std::vector<StreamReader> readers;
   readers.reserve(demuxer->nb_streams);
   for (unsigned i = 0; i < demuxer->nb_streams; ++i) readers.emplace_back(*demuxer->streams[i]);
-  const PacketPtr packet(av_packet_alloc());
+  const std::unique_ptr<AVPacket, Deleter> packet(av_packet_alloc());
   int end = 0;
   while ((end = av_read_frame(demuxer.get(), packet.get())) >= 0) {
     const auto stream = static_cast<std::size_t>(packet->stream_index);

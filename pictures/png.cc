@@ -1,31 +1,28 @@
-#include "apps/zelcam/host/png.h"
+#include <ZELTarkaSDK/PictureFile.h>
 
 #include <png.h>
 
 #include <cstddef>
 #include <utility>
 
-#include "apps/zelcam/host/file.h"
 #include "pictures/rgb_picture.h"
 
-namespace zel::app {
+namespace zel {
 namespace {
 
 constexpr png_uint_32 kLargestSide = 8192;
 
 }  // namespace
 
-std::optional<platform::RgbaImage> readPng(const std::string& path, std::string& error) {
-  const auto file = readFile(path, error);
-  if (!file) return std::nullopt;
+std::optional<platform::RgbaImage> imageOfPng(std::span<const std::uint8_t> file, std::string& error) {
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
-  error = path + " is no PNG picture";
-  if (png_image_begin_read_from_memory(&image, file->bytes().data(), file->size()) == 0) return std::nullopt;
+  error = "no PNG picture";
+  if (png_image_begin_read_from_memory(&image, file.data(), file.size()) == 0) return std::nullopt;
   image.format = PNG_FORMAT_RGBA;
   if (image.width > kLargestSide || image.height > kLargestSide) {
     png_image_free(&image);
-    error = path + " is larger than 8192 x 8192 pixels";
+    error = "larger than 8192 x 8192 pixels";
     return std::nullopt;
   }
   std::vector<std::uint8_t> pixels(PNG_IMAGE_SIZE(image));
@@ -49,4 +46,4 @@ std::optional<std::vector<std::uint8_t>> pngOf(const platform::PixelBuffer& pict
   return bytes;
 }
 
-}  // namespace zel::app
+}  // namespace zel

@@ -1,34 +1,38 @@
 #pragma once
 
 #include <ZELTarkaSDK/ZELCameraMediaDataDelegate.h>
+#include <ZELTarkaSDK/ZELError.h>
+#include <ZELTarkaSDK/platform/notification_center.h>
 
 #include <atomic>
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include <ZELTarkaSDK/platform/notification_center.h>
-#include "apps/zelcam/commands/live_feed.h"
-#include "apps/zelcam/link/camera_link.h"
-#include "outputs/media_clock.h"
 #include "outputs/picture_joiner.h"
-#include "outputs/stream_writer.h"
+#include "outputs/run_gate.h"
+#include "outputs/stream_core.h"
+#include "outputs/stream_feed.h"
 
 class ZELPreviewPlayer;
 
-namespace zel::app {
+namespace zel {
+
+class CameraStack;
 
 // The camera's own H.264 and sound, as they are: nothing is decoded.
-// Owner: the arguments must outlive the object.
-class PassedFeed final : public LiveFeed,
+//
+// Owner: the stack must outlive the run.
+class CameraFeed final : public StreamFeed,
                          public ZELCameraMediaDataDelegate,
-                         public std::enable_shared_from_this<PassedFeed> {
+                         public std::enable_shared_from_this<CameraFeed> {
  public:
-  PassedFeed(CameraLink& link, StreamWriter& writer, MediaClock& clock, int resolution);
+  CameraFeed(CameraStack& stack, std::shared_ptr<StreamCore> core, int resolution);
 
   void start() override;
   void stop() override;
-  std::optional<std::string> failure() const override { return failure_; }
   FeedFigures figures() const override;
 
   // Thread: session thread.
@@ -42,16 +46,14 @@ class PassedFeed final : public LiveFeed,
   void switchOff();
   std::function<void(const std::optional<ZELError>&)> failureOf(std::string what);
 
-  CameraLink& link_;
-  StreamWriter& writer_;
-  MediaClock& clock_;
+  CameraStack& stack_;
+  const std::shared_ptr<StreamCore> core_;
   const int resolution_;
-  std::optional<std::string> failure_;  // main thread only
-  PictureJoiner joiner_;                // session thread only
-  StreamWriter::TimePoint pictureArrival_{};
+  RunGate gate_;
+  PictureJoiner joiner_;  // session thread only
   std::atomic<std::uint64_t> units_ = 0;
   std::shared_ptr<ZELPreviewPlayer> player_;
   std::unique_ptr<platform::NotificationObservation> background_, active_;
 };
 
-}  // namespace zel::app
+}  // namespace zel
