@@ -12,7 +12,7 @@ extern "C" {
 #include <vector>
 
 #include "platform/ffmpeg/annex_b.h"
-#include "platform/ffmpeg/h264_headers.h"
+#include "platform/h264/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
 #include "platform/ffmpeg/matrix_conversion.h"
 

@@ -14,7 +14,7 @@
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "platform/ffmpeg/h264_decoder.h"
-#include "platform/ffmpeg/h264_headers.h"
+#include "platform/h264/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
 #include "tests/platform/ffmpeg/annex_b.h"
 

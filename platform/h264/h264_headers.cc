@@ -1,8 +1,8 @@
-#include "platform/ffmpeg/h264_headers.h"
+#include "platform/h264/h264_headers.h"
 
 #include <algorithm>
 
-#include "platform/ffmpeg/bit_reader.h"
+#include "platform/h264/bit_reader.h"
 
 namespace zel::platform {
 namespace {
