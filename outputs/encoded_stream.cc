@@ -31,7 +31,8 @@ void FeedFigures::add(const FeedFigures& more) {
   live.droppedAudio += more.live.droppedAudio;
 }
 
-struct EncodedStream::State {
+// Hidden, as no host can name it.
+struct [[gnu::visibility("hidden")]] EncodedStream::State {
   State(EncodedStreamReceiver& receiver, Options options)
       : core(std::make_shared<StreamCore>(receiver, std::move(options))) {}
 

@@ -15,7 +15,8 @@ int panoramaWidth(int photoWidth) { return photoWidth - photoWidth % 4; }
 
 }  // namespace
 
-struct PanoramaMaker::State {
+// Hidden, as no host can name it.
+struct [[gnu::visibility("hidden")]] PanoramaMaker::State {
   platform::PixelBufferRef stitched(const platform::PixelBufferRef& picture);
 
   platform::MediaLibrary& library;
