@@ -6,7 +6,7 @@
 #include <cmath>
 #include <utility>
 
-#include "outputs/audio_config.h"
+#include <ZELTarkaSDK/AudioConfig.h>
 #include "outputs/picture_joiner.h"
 
 namespace zel {

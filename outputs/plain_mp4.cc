@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "outputs/audio_config.h"
+#include <ZELTarkaSDK/AudioConfig.h>
 #include "outputs/libav.h"
 #include "outputs/mp4_boxes.h"
 #include "outputs/stream_setup.h"

@@ -58,8 +58,7 @@ std::optional<std::string> StitchedFeed::failure() const {
 void StitchedFeed::sourceOnError(const ZELError& error) {
   std::string why = fmt::format("{} ({} {})", error.description.value_or("failed"), error.domain, error.code);
   if (error.code == kEncoderFault && source_->statistics().encoded == 0) {
-    why += fmt::format("; pictures of {}x{} may be more than it takes: try a smaller size", pictures_.width,
-                       pictures_.height);
+    why += fmt::format("; pictures of {}x{} may be more than it takes", pictures_.width, pictures_.height);
   }
   gate_.enter([&] { core_->fail(std::move(why)); });
 }

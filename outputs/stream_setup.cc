@@ -9,7 +9,7 @@ extern "C" {
 #include <array>
 #include <vector>
 
-#include "outputs/audio_config.h"
+#include <ZELTarkaSDK/AudioConfig.h>
 
 namespace zel {
 namespace {

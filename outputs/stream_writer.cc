@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "outputs/audio_config.h"
+#include <ZELTarkaSDK/AudioConfig.h>
 #include "outputs/h264_colour.h"
 #include "outputs/h264_size.h"
 

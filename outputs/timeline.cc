@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "outputs/audio_config.h"
+#include <ZELTarkaSDK/AudioConfig.h>
 
 namespace zel {
 namespace {

@@ -23,7 +23,7 @@ struct ZEL_EXPORT VideoColour {
 struct ZEL_EXPORT StreamHeaders {
   ZELData sps;
   ZELData pps;
-  ZELData audioConfig;  // AudioSpecificConfig
+  ZELData audioConfig;  // AudioSpecificConfig, see AudioConfig.h
   std::int32_t width = 0;
   std::int32_t height = 0;
   bool spherical = false;  // the pictures are equirectangular and show the whole sphere

@@ -2,6 +2,7 @@
 
 // Everything that the framework offers a host.
 
+#include <ZELTarkaSDK/AudioConfig.h>
 #include <ZELTarkaSDK/CameraInUse.h>
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/EncodedStream.h>

@@ -1,4 +1,4 @@
-#include "outputs/audio_config.h"
+#include <ZELTarkaSDK/AudioConfig.h>
 
 #include <gtest/gtest.h>
 
@@ -28,6 +28,18 @@ TEST(AudioConfigTest, RefusesWhatTheTablesDoNotHold) {
 TEST(AudioConfigTest, RefusesAByteTooFew) {
   EXPECT_EQ(parseAudioConfig({}), std::nullopt);
   EXPECT_EQ(parseAudioConfig(std::array<std::uint8_t, 1>{0x11}), std::nullopt);
+}
+
+TEST(AdtsHeader, TellsTheConfigAndTheLengthWithItself) {
+  const std::vector<std::uint8_t> stereo = {0x11, 0x90};     // AAC-LC, 48 kHz, 2 channels
+  const std::array<std::uint8_t, 7> expected = {0xFF, 0xF1,  // MPEG-4, no checksum
+                                                0x4C, 0x80,  // AAC-LC, rate 3, 2 channels
+                                                0x0D, 0x7F,  // 107 bytes
+                                                0xFC};
+  EXPECT_EQ(adtsHeaderOf(stereo, 100), expected);
+  EXPECT_TRUE(adtsHeaderOf(stereo, 8184));
+  EXPECT_FALSE(adtsHeaderOf(stereo, 8185));
+  EXPECT_FALSE(adtsHeaderOf({}, 100));
 }
 
 }  // namespace

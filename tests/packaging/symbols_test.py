@@ -9,7 +9,7 @@ import xml.etree.ElementTree as ElementTree
 def kept_symbols(path):
     root = ElementTree.parse(path).getroot()
     return {f"{symbol.get('name')}@@{symbol.get('version')}"
-            for kind in ("elf-function-symbols", "elf-variable-symbols") for symbol in root.find(kind)
+            for kind in ("elf-function-symbols", "elf-variable-symbols") for symbol in root.findall(f"{kind}/elf-symbol")
             if symbol.get("is-defined") == "yes"}
 
 

@@ -195,7 +195,7 @@ class Live {
         sayFailure(fmt::format("live: no picture came within {} s", settings_.timeout));
         return kNoCamera;
       case RunEnd::failed:
-        sayFailure("live: " + failure.value_or("failed"));
+        sayFailure("live: " + failure.value_or("failed") + adviceFor(failure));
         return kRefused;
       case RunEnd::outputsFailed:
         rememberFaultOfOutputs();
@@ -203,6 +203,10 @@ class Live {
         return kRefused;
     }
     return kRefused;
+  }
+
+  static std::string adviceFor(const std::optional<std::string>& failure) {
+    return failure && failure->ends_with("may be more than it takes") ? ": try a smaller --size" : "";
   }
 
   void tellWhereItStood() const {
