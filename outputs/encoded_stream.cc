@@ -31,12 +31,21 @@ void FeedFigures::add(const FeedFigures& more) {
   live.droppedAudio += more.live.droppedAudio;
 }
 
-// Hidden, as no host can name it.
-struct [[gnu::visibility("hidden")]] EncodedStream::State {
+// Its functions stand in the class, so that they are inline and not shown to hosts.
+struct EncodedStream::State {
   State(EncodedStreamReceiver& receiver, Options options)
       : core(std::make_shared<StreamCore>(receiver, std::move(options))) {}
 
-  void start(CameraStack& stack, int resolution, std::shared_ptr<StreamFeed> next, bool spherical);
+  void start(CameraStack& stack, int resolution, const std::shared_ptr<StreamFeed>& next, bool spherical) {
+    core->forgetFailure();
+    core->clock.begin(stack.accessory().firewareVersion(), picturesPerSecond(resolution));
+    core->writer.beginRun(spherical);
+    {
+      const MutexLock lock(mutex);
+      feed = next;
+    }
+    next->start();
+  }
   std::shared_ptr<StreamFeed> running() const {
     const MutexLock lock(mutex);
     return feed;
@@ -47,17 +56,6 @@ struct [[gnu::visibility("hidden")]] EncodedStream::State {
   std::shared_ptr<StreamFeed> feed ZEL_GUARDED_BY(mutex);  // null between two runs
   FeedFigures before ZEL_GUARDED_BY(mutex);                // of the runs that have ended
 };
-
-void EncodedStream::State::start(CameraStack& stack, int resolution, std::shared_ptr<StreamFeed> next, bool spherical) {
-  core->forgetFailure();
-  core->clock.begin(stack.accessory().firewareVersion(), picturesPerSecond(resolution));
-  core->writer.beginRun(spherical);
-  {
-    const MutexLock lock(mutex);
-    feed = next;
-  }
-  next->start();
-}
 
 EncodedStream::EncodedStream(EncodedStreamReceiver& receiver) : EncodedStream(receiver, Options{}) {}
 

@@ -15,9 +15,17 @@ int panoramaWidth(int photoWidth) { return photoWidth - photoWidth % 4; }
 
 }  // namespace
 
-// Hidden, as no host can name it.
-struct [[gnu::visibility("hidden")]] PanoramaMaker::State {
-  platform::PixelBufferRef stitched(const platform::PixelBufferRef& picture);
+// Its function stands in the class, so that it is inline and not shown to hosts.
+struct PanoramaMaker::State {
+  platform::PixelBufferRef stitched(const platform::PixelBufferRef& picture) {
+    const int wanted = panoramaWidth(picture->width());
+    if (!render || wanted != width) {
+      render = library.createFlatOffscreenRender(wanted, wanted / 2);
+      width = wanted;
+      if (render) render->setOffset(offset);
+    }
+    return render ? render->renderVideo(picture) : nullptr;
+  }
 
   platform::MediaLibrary& library;
   const std::string offset;
@@ -45,16 +53,6 @@ std::optional<Panorama> PanoramaMaker::panoramaOf(std::span<const std::uint8_t> 
   const JpegBytes xmp = xmpSegmentOf(*packet);
   const std::vector<std::span<const std::uint8_t>> segments = {exif, xmp};
   return Panorama{withSegments(*file, segments), image->width(), image->height()};
-}
-
-platform::PixelBufferRef PanoramaMaker::State::stitched(const platform::PixelBufferRef& picture) {
-  const int wanted = panoramaWidth(picture->width());
-  if (!render || wanted != width) {
-    render = library.createFlatOffscreenRender(wanted, wanted / 2);
-    width = wanted;
-    if (render) render->setOffset(offset);
-  }
-  return render ? render->renderVideo(picture) : nullptr;
 }
 
 }  // namespace zel

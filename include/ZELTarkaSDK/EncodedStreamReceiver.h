@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ZELTarkaSDK/platform/export.h>
 #include <ZELTarkaSDK/MediaPacket.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <optional>
 
-#include <ZELTarkaSDK/platform/export.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <optional>
 
-#include <ZELTarkaSDK/platform/export.h>
 #include <ZELTarkaSDK/ZELData.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

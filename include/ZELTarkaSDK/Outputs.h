@@ -7,9 +7,9 @@
 #include <vector>
 
 #include <ZELTarkaSDK/EncodedStreamReceiver.h>
-#include <ZELTarkaSDK/platform/export.h>
 #include <ZELTarkaSDK/OutputAddress.h>
 #include <ZELTarkaSDK/OutputReport.h>
+#include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
 

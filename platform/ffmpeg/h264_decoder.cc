@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "platform/h264/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
 #include "platform/ffmpeg/owed_pictures.h"
 #include "platform/ffmpeg/picture_conversion.h"
+#include "platform/h264/h264_headers.h"
 
 namespace zel::platform {
 namespace {

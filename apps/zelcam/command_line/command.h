@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -69,8 +68,5 @@ struct Command {
   std::vector<Option> options;
   int (*run)(const Invocation& invocation);  // returns the exit status
 };
-
-// All commands, in the order in which they are shown.
-std::span<const Command> commands();
 
 }  // namespace zel::app

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <span>
+
 #include "apps/zelcam/command_line/command.h"
 
 namespace zel::app {
+
+// All commands, in the order in which they are shown.
+std::span<const Command> commands();
 
 // One function a command. Each returns the exit status.
 

@@ -14,7 +14,7 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/ZELDateFormatter.h>
 
-#include "apps/zelcam/host/console.h"
+#include "apps/zelcam/host/printable.h"
 
 namespace zel::app {
 namespace {

@@ -1,12 +1,11 @@
-// The one description of the program's commands.
-
-#include "apps/zelcam/command_line/command.h"
-#include "apps/zelcam/command_line/sensors.h"
 #include "apps/zelcam/commands/commands.h"
+
+#include "apps/zelcam/command_line/sensors.h"
 
 namespace zel::app {
 namespace {
 
+// The one description of the program's commands.
 const Command kCommands[] = {
     {"devices",
      "accessories present",
