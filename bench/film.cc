@@ -3,7 +3,7 @@
 #include <span>
 #include <utility>
 
-#include "platform/ffmpeg/h264_headers.h"
+#include "platform/h264/h264_headers.h"
 #include "simulator/media/annex_b.h"
 #include "simulator/media/scene_film.h"
 

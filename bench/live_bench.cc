@@ -28,14 +28,14 @@ extern "C" {
 #include <thread>
 #include <vector>
 
+#include <ZELTarkaSDK/Outputs.h>
 #include <ZELTarkaSDK/platform/ports.h>
-#include "apps/zelcam/muxing/outputs.h"
-#include "apps/zelcam/muxing/stream_writer.h"
 #include "bench/child_process.h"
 #include "bench/film.h"
 #include "bench/live_stages.h"
 #include "bench/media_clock.h"
 #include "bench/ratios.h"
+#include "outputs/stream_writer.h"
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
 #include "platform/render/stitching_library.h"
@@ -69,13 +69,9 @@ double seconds(Clock::duration duration) { return std::chrono::duration<double>(
 class Recorder final : public ZELLiveDataSourceProtocol {
  public:
   explicit Recorder(const std::string& file)
-      : outputs_(std::array{*app::parseOutputAddress(file)}, [](const std::string& line) { std::puts(line.c_str()); }),
-        writer_({.spherical = true,
-                 .length = {},
-                 .begin = [this](const auto& headers) { outputs_.begin(headers); },
-                 .put = [this](const auto& packet) { outputs_.put(packet); },
-                 .ended = [] {}}) {
-    writer_.beginRun();
+      : outputs_([](const std::string& line) { std::puts(line.c_str()); }), writer_(outputs_, std::nullopt, [] {}) {
+    outputs_.add(*parseOutputAddress(file));
+    writer_.beginRun(true);
   }
   ~Recorder() override { outputs_.finish(); }
 
@@ -104,8 +100,8 @@ class Recorder final : public ZELLiveDataSourceProtocol {
   }
 
  private:
-  app::Outputs outputs_;
-  app::StreamWriter writer_;
+  Outputs outputs_;
+  StreamWriter writer_;
   std::mutex mutex_;
   std::condition_variable changed_;
   std::uint64_t pictures_ = 0;

@@ -2,6 +2,7 @@
 //
 //   live_to_a_file FILE.h264 FILE.aac SECONDS
 
+#include <ZELTarkaSDK/AudioConfig.h>
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/PreviewFormat.h>
@@ -9,6 +10,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <vector>
 
 #include "connect.h"
 
@@ -23,20 +25,18 @@ struct Files final : ZELLiveDataSourceProtocol {
     for (const Bytes part : {Bytes(kStartCode), sps, Bytes(kStartCode), pps}) write(video, part);
   }
   void sourceOnH264Nalu(Bytes nalu, bool, std::int64_t) override { write(video, nalu); }  // has its start code
-  void sourceOnAACHeader(Bytes header) override { config = header[0] << 8 | header[1]; }
-  void sourceOnAACData(Bytes data, std::int64_t) override {  // behind an ADTS header of 7 bytes
-    const int size = static_cast<int>(data.size()) + 7;
-    const int object = config >> 11, rate = config >> 7 & 15, channels = config >> 3 & 15;
-    for (const int byte : {0xFF, 0xF1, (object - 1) << 6 | rate << 2 | channels >> 2, channels << 6 | size >> 11,
-                           size >> 3, size << 5 | 0x1F, 0xFC})
-      sound.put(static_cast<char>(byte & 0xFF));
+  void sourceOnAACHeader(Bytes header) override { config.assign(header.begin(), header.end()); }
+  void sourceOnAACData(Bytes data, std::int64_t) override {
+    const auto header = zel::adtsHeaderOf(config, data.size());
+    if (!header) return;
+    write(sound, *header);
     write(sound, data);
   }
   static void write(std::ostream& file, Bytes bytes) {
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   }
   std::ofstream video, sound;
-  int config = 0;  // the AudioSpecificConfig
+  std::vector<std::uint8_t> config;  // the AudioSpecificConfig
 };
 
 }  // namespace

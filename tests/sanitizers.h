@@ -20,8 +20,10 @@
 namespace zel::test {
 
 #ifdef ZEL_SANITIZED
+inline constexpr bool kSanitized = true;
 inline constexpr bool kKeepsFreedMemory = true;  // so that a process grows; it finds leaks by itself
 #else
+inline constexpr bool kSanitized = false;
 inline constexpr bool kKeepsFreedMemory = false;
 #endif
 

@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <new>
 
-#include "apps/zelcam/command_line.h"
-#include "apps/zelcam/interrupt.h"
-#include "apps/zelcam/settings.h"
+#include "apps/zelcam/command_line/command_line.h"
+#include "apps/zelcam/command_line/settings.h"
+#include "apps/zelcam/host/interrupt.h"
 
 int main(int argc, char** argv) {
   zel::app::blockInterrupts();

@@ -2,13 +2,18 @@
 
 // Everything that the framework offers a host.
 
+#include <ZELTarkaSDK/AudioConfig.h>
 #include <ZELTarkaSDK/CameraInUse.h>
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/EncodedStream.h>
+#include <ZELTarkaSDK/EncodedStreamReceiver.h>
+#include <ZELTarkaSDK/EncodedStreamStatistics.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
 #include <ZELTarkaSDK/LinkStatus.h>
 #include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/LiveStatistics.h>
+#include <ZELTarkaSDK/MediaPacket.h>
 #include <ZELTarkaSDK/Observation.h>
 #include <ZELTarkaSDK/Operations.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
@@ -44,7 +49,7 @@
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 #include <ZELTarkaSDK/ZELRenderView.h>
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
-#include <ZELTarkaSDK/platform/export.h>
 
 #include <ZELTarkaSDK/platform/application_events.h>
+#include <ZELTarkaSDK/platform/export.h>
 #include <ZELTarkaSDK/platform/ports.h>

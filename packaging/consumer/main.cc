@@ -1,6 +1,7 @@
-// A host outside the project, with nothing but an installed copy of the library: it looks for cameras in a folder.
+// A host outside the project, with nothing but an installed copy of the libraries: it looks for cameras in a folder.
 
 #include <ZELTarkaSDK/ZELTarkaSDK.h>
+#include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
 #include <cstdio>
 #include <string>
@@ -13,10 +14,14 @@ int main(int argc, char** argv) {
   const zel::LinuxMedia media(platform->ports());
   zel::CameraStack stack(media.ports());
   const bool attached = stack.accessory().openCamera() != nullptr;
-  std::printf("ZELTarkaSDK %s (%.1f), %zu accessories, a camera: %s, decodes: %s, offset %s\n",
+  zel::Outputs outputs;
+  outputs.add(*zel::parseOutputAddress("rtmp://localhost/live"));
+  const auto png = zel::pngOf(*zel::platform::MemoryPixelBuffer::filled(2, 2, 0, 128, 128));
+  std::printf("ZELTarkaSDK %s (%.1f), %zu accessories, a camera: %s, decodes: %s, offset %s, output %s, a PNG: %s\n",
               ZELTarkaSDKVersionString, ZELTarkaSDKVersionNumber,
               platform->ports().accessories.connectedAccessories().size(), attached ? "yes" : "no",
               media.ports().videoDecoders != nullptr ? "yes" : "no",
-              getOffsetFromZELMediaOffset(getMediaOffsetFromOffset("1_1_2_3_4_5_6_7_8_9")).c_str());
+              getOffsetFromZELMediaOffset(getMediaOffsetFromOffset("1_1_2_3_4_5_6_7_8_9")).c_str(),
+              outputs.reports().at(0).name.c_str(), png ? "yes" : "no");
   return 0;
 }

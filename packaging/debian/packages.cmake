@@ -1,4 +1,4 @@
-# The Debian packages: the library, what its users compile with, and the two programs.
+# The Debian packages: the libraries, what their users compile with, and the two programs.
 file(STRINGS debian/changelog newest LIMIT_COUNT 1)
 if(NOT newest MATCHES "\\(${PROJECT_VERSION}\\)")
   message(FATAL_ERROR "packaging/debian/changelog does not begin with version ${PROJECT_VERSION}")
@@ -12,7 +12,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_COMPONENTS_ALL runtime development tools)
+set(CPACK_COMPONENTS_ALL runtime outputs pictures development tools)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/compress.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/without_scripts.cmake)
 
@@ -42,16 +42,34 @@ preview, and stitches and encodes live video.
 ")
 zel_package(runtime libzeltarkasdk${ZEL_SOVERSION} libs "device framework for 360-degree cameras"
   "${what}This package holds the shared library.")
+zel_package(outputs libzeltarkasdk-outputs${ZEL_SOVERSION} libs "360-degree camera streams to files and servers"
+  "${what}This package holds the shared library that writes a camera's stream to
+files and servers.")
+zel_package(pictures libzeltarkasdk-pictures${ZEL_SOVERSION} libs "panoramas of 360-degree camera photos"
+  "${what}This package holds the shared library that makes panoramas of photos.")
 zel_package(development libzeltarkasdk-dev libdevel "device framework for 360-degree cameras (development files)"
-  "${what}This package holds the headers, the static library, and the files by which
-CMake and pkg-config find both.")
+  "${what}This package holds the headers, the static libraries, and the files by
+which CMake and pkg-config find them and the shared ones.")
 zel_package(tools zeltarkasdk-tools utils "command-line host and simulator for 360-degree cameras"
   "${what}This package holds zelcam, the command-line host, and zelcam-sim, a
 simulated camera.")
 # The shared library's users find it once the linker's cache is made anew.
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libzeltarkasdk${ZEL_SOVERSION} (= ${PROJECT_VERSION})")
-# Needed to link the static library alone.
-list(TRANSFORM ZEL_LINKED_WITH REPLACE "(.+)" "lib\\1-dev" OUTPUT_VARIABLE packages)
+foreach(component RUNTIME OUTPUTS PICTURES)
+  set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
+endforeach()
+# The packages' own libraries are of one version; no other package tells of them.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
+set(all)
+foreach(part "" -outputs -pictures)
+  list(APPEND all "libzeltarkasdk${part}${ZEL_SOVERSION} (= ${PROJECT_VERSION})")
+endforeach()
+list(GET all 0 CPACK_DEBIAN_OUTPUTS_PACKAGE_DEPENDS)
+list(GET all 0 CPACK_DEBIAN_PICTURES_PACKAGE_DEPENDS)
+list(JOIN all ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS)
+# Needed to link the static libraries alone.
+set(packages ${ZEL_LINKED_WITH} ${ZEL_OUTPUTS_LINKED_WITH} ${ZEL_PICTURES_LINKED_WITH})
+list(REMOVE_DUPLICATES packages)
+list(TRANSFORM packages REPLACE "turbojpeg" "turbojpeg0")
+list(TRANSFORM packages REPLACE "(.+)" "lib\\1-dev")
 list(JOIN packages ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS)
 include(CPack)

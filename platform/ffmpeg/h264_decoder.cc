@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/ffmpeg/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
 #include "platform/ffmpeg/owed_pictures.h"
 #include "platform/ffmpeg/picture_conversion.h"

@@ -12,9 +12,9 @@ extern "C" {
 #include <vector>
 
 #include "platform/ffmpeg/annex_b.h"
-#include "platform/ffmpeg/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
 #include "platform/ffmpeg/matrix_conversion.h"
+#include "platform/h264/h264_headers.h"
 
 namespace zel::platform {
 namespace {

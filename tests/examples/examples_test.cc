@@ -13,8 +13,10 @@
 #include <string>
 #include <vector>
 
-#include "apps/zelcam/jpeg_file.h"
-#include "tests/zelcam/muxing/read_back.h"
+#include <ZELTarkaSDK/PictureFile.h>
+
+#include "tests/outputs/read_back.h"
+#include "tests/platform/render/pictures.h"
 #include "tests/zelcam/process.h"
 
 namespace zel::test {
@@ -69,7 +71,7 @@ TEST_F(ExamplesTest, TakeAPhoto) {
   ASSERT_EQ(host->wait(), 0) << host->errors();
   EXPECT_THAT(host->output(), MatchesRegex("IMG_[0-9_]+\\.jpg: [0-9]+ bytes\n"));
   std::string error;
-  const auto picture = app::pictureOfJpeg(contents("photo.jpg"), error);
+  const auto picture = pictureOfJpeg(contents("photo.jpg"), error);
   ASSERT_NE(picture, nullptr) << error;
   EXPECT_EQ(picture->width(), 3040);
   EXPECT_EQ(picture->height(), 1520);
@@ -121,13 +123,62 @@ TEST_F(ExamplesTest, LiveToAFile) {
   const auto attached = camera();
   const auto host = example("live_to_a_file", {"live.h264", "live.aac", "4"});
   ASSERT_EQ(host->wait(), 0) << host->errors();
-  const app::ReadBack video = app::readBack("live.h264");
+  const ReadBack video = readBack("live.h264");
   EXPECT_EQ(video.width, 1440);
   EXPECT_EQ(video.height, 720);
   EXPECT_GE(video.pictures, 5);  // 120 on a machine that has the time
   const int frames = framesOfAdts(contents("live.aac"));
   EXPECT_GE(frames, 20);  // of 47 a second
-  EXPECT_EQ(app::readBack("live.aac").audioFrames, frames);
+  EXPECT_EQ(readBack("live.aac").audioFrames, frames);
+}
+
+TEST_F(ExamplesTest, RecordToMp4) {
+  const auto attached = camera();
+  const auto host = example("record_to_mp4", {"film.mp4", "2"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_THAT(host->output(), MatchesRegex("film.mp4: [0-9]+ pictures, [0-9]+ frames of sound\n"));
+  const ReadBack film = readBack("film.mp4");
+  EXPECT_EQ(film.width, 1440);
+  EXPECT_EQ(film.height, 720);
+  EXPECT_GE(film.pictures, 30);  // of 60, where the machine has no time
+  EXPECT_LE(film.pictures, 61);
+  EXPECT_GE(film.audioFrames, 45);
+  EXPECT_FALSE(film.spherical);
+}
+
+TEST_F(ExamplesTest, RecordToMp4Stitches) {
+  const auto attached = camera();
+  const auto host = example("record_to_mp4", {"film.mp4", "2", "3", "480"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  const ReadBack film = readBack("film.mp4");
+  EXPECT_EQ(film.width, 480);
+  EXPECT_EQ(film.height, 240);
+  EXPECT_TRUE(film.spherical);
+}
+
+TEST_F(ExamplesTest, RecordToMp4TellsThatTheCameraRefuses) {
+  const auto attached = camera("A1", {"--fault", "refuse=0x0004"});
+  const auto host = example("record_to_mp4", {"film.mp4", "1"});
+  EXPECT_EQ(host->wait(), 1);
+  EXPECT_EQ(host->errors(), "failed to open camera video stream\n");
+}
+
+TEST_F(ExamplesTest, StitchAPhoto) {
+  const auto attached = camera();
+  ASSERT_EQ(example("take_a_photo", {"photo.jpg"})->wait(), 0);
+  const auto host = example("stitch_a_photo", {"photo.jpg", render::kFactoryOffset, "panorama.jpg"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_EQ(host->output(), "panorama.jpg: 3040 x 1520\n");
+  const Bytes panorama = contents("panorama.jpg");
+  EXPECT_THAT(std::string(panorama.begin(), panorama.end()), HasSubstr("equirectangular"));
+  std::string error;
+  EXPECT_NE(pictureOfJpeg(panorama, error), nullptr) << error;
+}
+
+TEST_F(ExamplesTest, StitchAPhotoTellsWhatIsWrongWithThePhoto) {
+  const auto host = example("stitch_a_photo", {"no.jpg", render::kFactoryOffset, "panorama.jpg"});
+  EXPECT_EQ(host->wait(), 1);
+  EXPECT_THAT(host->errors(), testing::StartsWith("no.jpg: "));
 }
 
 TEST_F(ExamplesTest, TwoCameras) {
@@ -170,9 +221,10 @@ TEST_F(ExamplesTest, HostEventLoopOutlivesItsCamera) {
 
 TEST_F(ExamplesTest, AllSayThatThereIsNoCamera) {
   const std::vector<std::pair<std::string, Arguments>> hosts = {
-      {"connect_and_print_status", {}}, {"take_a_photo", {"photo.jpg"}},
-      {"preview_to_pictures", {}},      {"live_to_a_file", {"live.h264", "live.aac", "2"}},
-      {"two_cameras", {"A1", "B2"}},    {"host_event_loop", {}}};
+      {"connect_and_print_status", {}},    {"take_a_photo", {"photo.jpg"}},
+      {"preview_to_pictures", {}},         {"live_to_a_file", {"live.h264", "live.aac", "2"}},
+      {"two_cameras", {"A1", "B2"}},       {"host_event_loop", {}},
+      {"record_to_mp4", {"film.mp4", "2"}}};
   for (const auto& [name, arguments] : hosts) {
     const auto host = example(name, arguments);
     EXPECT_EQ(host->wait(), 1) << name;
@@ -194,7 +246,7 @@ TEST_F(ExamplesTest, AllSayWhyTheAccessoryFolderIsRefused) {
 }
 
 TEST_F(ExamplesTest, ThoseThatTakeArgumentsTellWhich) {
-  for (const char* name : {"take_a_photo", "live_to_a_file", "two_cameras"}) {
+  for (const char* name : {"take_a_photo", "live_to_a_file", "two_cameras", "record_to_mp4", "stitch_a_photo"}) {
     const auto host = example(name);
     EXPECT_EQ(host->wait(), 1) << name;
     EXPECT_THAT(host->errors(), MatchesRegex("usage: " + std::string(name) + " [A-Z].*\n"));

@@ -8,7 +8,7 @@ extern "C" {
 #include <cmath>
 #include <span>
 
-#include "apps/zelcam/muxing/libav.h"
+#include "outputs/libav.h"
 #include "platform/ffmpeg/libav.h"
 #include "simulator/media/annex_b.h"
 
@@ -183,7 +183,7 @@ std::array<Rgb, 8> barsInPanorama(const simulator::Picture& picture) {
 std::optional<ReadPicture> firstPictureIn(const std::string& file) {
   AVFormatContext* opened = nullptr;
   if (avformat_open_input(&opened, file.c_str(), nullptr, nullptr) < 0) return std::nullopt;
-  const app::DemuxerPtr demuxer(opened);
+  const DemuxerPtr demuxer(opened);
   if (avformat_find_stream_info(demuxer.get(), nullptr) < 0) return std::nullopt;
   const int video = av_find_best_stream(demuxer.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
   const CodecContextPtr decoder = video >= 0 ? decoderOf(*demuxer->streams[video]) : nullptr;

@@ -11,7 +11,7 @@
 #include <thread>
 #include <utility>
 
-#include "tests/zelcam/muxing/read_back.h"
+#include "tests/outputs/read_back.h"
 #include "tests/zelcam/zelcam_test.h"
 
 namespace zel::test {

@@ -1,10 +1,11 @@
 #include "tests/zelcam/tick_and_beep.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <optional>
 
-#include "apps/zelcam/muxing/libav.h"
+#include "outputs/libav.h"
 #include "simulator/lens_offset.h"
 #include "simulator/scene.h"
 
@@ -85,15 +86,24 @@ LampPlace lampInFisheyes() {
   return {at.x / offset.width, at.y / offset.height};
 }
 
+std::vector<double> delaysOf(const TicksAndBeeps& found) {
+  std::vector<double> delays;
+  for (const double tick : found.ticks)
+    for (const double beep : found.beeps)
+      if (beep > 1 && std::abs(tick - beep) <= 0.5) delays.push_back(1000 * (beep - tick));
+  std::ranges::sort(delays);
+  return delays;
+}
+
 TicksAndBeeps ticksAndBeepsIn(const std::string& film, LampPlace lamp, int picturesPerSecond) {
   AVFormatContext* opened = nullptr;
   if (avformat_open_input(&opened, film.c_str(), nullptr, nullptr) < 0) return {};
-  const app::DemuxerPtr demuxer(opened);
+  const DemuxerPtr demuxer(opened);
   if (avformat_find_stream_info(opened, nullptr) < 0) return {};
   std::vector<Decoder> decoders;
   for (unsigned i = 0; i < demuxer->nb_streams; ++i) decoders.push_back(decoderFor(*demuxer->streams[i]));
   Observer observer(lamp, picturesPerSecond);
-  const app::PacketPtr packet(av_packet_alloc());
+  const PacketPtr packet(av_packet_alloc());
   while (av_read_frame(opened, packet.get()) >= 0) {
     const auto stream = static_cast<std::size_t>(packet->stream_index);
     if (decoders[stream] && avcodec_send_packet(decoders[stream].get(), packet.get()) == 0) {

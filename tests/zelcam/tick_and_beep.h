@@ -19,6 +19,11 @@ struct LampPlace {
 LampPlace lampInPanorama();
 LampPlace lampInFisheyes();
 
+// By how much each beep is heard after its lamp was seen, the least first. A lamp whose picture was dropped does not
+// count, and neither does the first second, in which the host may still be comparing its clock with the camera's.
+// Units: milliseconds.
+std::vector<double> delaysOf(const TicksAndBeeps& found);
+
 // Decodes the whole film. A lamp counts where the picture before shows it dark and is the one before it at that many
 // pictures a second.
 TicksAndBeeps ticksAndBeepsIn(const std::string& film, LampPlace lamp = lampInPanorama(), int picturesPerSecond = 30);

@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "platform/ffmpeg/h264_headers.h"
+#include "platform/h264/h264_headers.h"
 #include "tests/platform/ffmpeg/streams/decoded_stream.h"
 #include "tests/platform/ffmpeg/streams/stream_maker.h"
 

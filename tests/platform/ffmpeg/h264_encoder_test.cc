@@ -14,8 +14,8 @@
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include "platform/ffmpeg/h264_decoder.h"
-#include "platform/ffmpeg/h264_headers.h"
 #include "platform/ffmpeg/libav.h"
+#include "platform/h264/h264_headers.h"
 #include "tests/platform/ffmpeg/annex_b.h"
 
 namespace zel::platform {

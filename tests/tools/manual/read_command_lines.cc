@@ -6,7 +6,7 @@
 #include <iostream>
 #include <string>
 
-#include "apps/zelcam/command_tree.h"
+#include "apps/zelcam/command_line/command_tree.h"
 #include "simulator/command_line.h"
 
 namespace {

@@ -1,0 +1,27 @@
+#include "apps/zelcam/command_line/hex.h"
+
+#include <charconv>
+#include <system_error>
+
+namespace zel::app {
+
+std::string hexOf(std::span<const std::uint8_t> bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string hex;
+  hex.reserve(2 * bytes.size());
+  for (const std::uint8_t byte : bytes) hex.append({kDigits[byte >> 4], kDigits[byte & 0xF]});
+  return hex;
+}
+
+std::optional<std::vector<std::uint8_t>> bytesIn(std::string_view hex) {
+  if (hex.size() % 2 != 0) return std::nullopt;
+  std::vector<std::uint8_t> bytes(hex.size() / 2);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const char* const pair = hex.data() + 2 * i;
+    const auto [end, fault] = std::from_chars(pair, pair + 2, bytes[i], 16);
+    if (fault != std::errc() || end != pair + 2) return std::nullopt;
+  }
+  return bytes;
+}
+
+}  // namespace zel::app

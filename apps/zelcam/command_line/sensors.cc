@@ -1,0 +1,81 @@
+#include "apps/zelcam/command_line/sensors.h"
+
+#include <ZELTarkaSDK/ZELCameraRecords.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include "apps/zelcam/command_line/number_text.h"
+#include "apps/zelcam/host/file.h"
+
+namespace zel::app {
+namespace {
+
+// Behind a frame's header, a message's code and all records that a capture can have.
+constexpr std::uint64_t kMostExtra = std::numeric_limits<std::uint32_t>::max() - (4 + 2 + 2) - sizeof(ZELGpsData) -
+                                     sizeof(ZELGyroData) - sizeof(ZELOrientationData) - sizeof(aeb_info);
+
+// The comma-separated numbers of an option, zeros where it was not given.
+template <std::size_t count>
+std::optional<std::array<double, count>> numbersOf(const Values& values, std::string_view option, std::string& error) {
+  std::array<double, count> numbers{};
+  if (!values.has(option)) return numbers;
+  const std::string text = values.text(option);
+  std::string_view left = text;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t end = i + 1 < count ? left.find(',') : left.size();
+    const auto number = numberIn<double>(left.substr(0, end));
+    if (!number || end == std::string_view::npos) {
+      error = fmt::format("{} takes {} numbers with commas between them, not \"{}\"", option, count, text);
+      return std::nullopt;
+    }
+    numbers[i] = *number;
+    left.remove_prefix(std::min(left.size(), end + 1));
+  }
+  return numbers;
+}
+
+}  // namespace
+
+std::vector<Option> sensorOptionsAnd(std::vector<Option> others) {
+  std::vector<Option> options = {
+      {"--gps", "LAT,LON,ALT", "where it is taken: degrees, degrees, metres"},
+      {"--gyro", "AX,AY,AZ,GX,GY,GZ", "acceleration and rotation along the three axes"},
+      {"--orientation", "X,Y,Z,W", "orientation as a quaternion"},
+      {"--extra", "FILE", "file whose bytes go with it"},
+  };
+  options.insert(options.end(), std::move_iterator(others.begin()), std::move_iterator(others.end()));
+  return options;
+}
+
+std::optional<Sensors> sensorsIn(const Values& values, std::string& error) {
+  Sensors sensors;
+  const auto gps = numbersOf<3>(values, "--gps", error);
+  const auto gyro = numbersOf<6>(values, "--gyro", error);
+  const auto orientation = numbersOf<4>(values, "--orientation", error);
+  if (!gps || !gyro || !orientation) return std::nullopt;
+  sensors.gps = ZELMediaGps::initWithLatitude((*gps)[0], (*gps)[1], (*gps)[2]);
+  const auto moved = std::make_shared<ZELMediaGyro>();
+  moved->setAx((*gyro)[0]);
+  moved->setAy((*gyro)[1]);
+  moved->setAz((*gyro)[2]);
+  moved->setGx((*gyro)[3]);
+  moved->setGy((*gyro)[4]);
+  moved->setGz((*gyro)[5]);
+  sensors.gyro = moved;
+  const auto& o = *orientation;
+  sensors.orientation = ZELMediaOrientation::initWithX(o[0], o[1], o[2], o[3]);
+  if (!values.has("--extra")) return sensors;
+  sensors.extra = readFile(values.text("--extra"), error, kMostExtra);
+  return sensors.extra ? std::optional(std::move(sensors)) : std::nullopt;
+}
+
+}  // namespace zel::app

@@ -1,0 +1,97 @@
+#include "apps/zelcam/commands/commands.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <ZELTarkaSDK/platform/ports.h>
+#include "apps/zelcam/host/console.h"
+#include "apps/zelcam/link/bus.h"
+#include "apps/zelcam/link/camera_choice.h"
+
+namespace zel::app {
+namespace {
+
+using nlohmann::ordered_json;
+using platform::AccessoryDescription;
+
+ordered_json toJson(const AccessoryDescription& description) {
+  return {{"connectionID", description.connectionID},
+          {"manufacturer", description.manufacturer},
+          {"name", description.name},
+          {"modelNumber", description.modelNumber},
+          {"serialNumber", description.serialNumber},
+          {"firmwareRevision", description.firmwareRevision},
+          {"hardwareRevision", description.hardwareRevision},
+          {"protocolStrings", description.protocolStrings},
+          {"dockType", description.dockType}};
+}
+
+void printForPeople(const AccessoryDescription& description) {
+  printLine(printable(description.serialNumber));
+  const auto field = [](const char* name, const std::string& value) {
+    printLine(fmt::format("  {:<18}{}", name, printable(value)));
+  };
+  field("connectionID", std::to_string(description.connectionID));
+  field("manufacturer", description.manufacturer);
+  field("name", description.name);
+  field("modelNumber", description.modelNumber);
+  field("firmwareRevision", description.firmwareRevision);
+  field("hardwareRevision", description.hardwareRevision);
+  field("protocolStrings", fmt::format("{}", fmt::join(description.protocolStrings, ", ")));
+  field("dockType", description.dockType);
+}
+
+void print(const AccessoryDescription& description, const Settings& settings) {
+  if (settings.json) {
+    printJson(toJson(description));
+  } else {
+    printForPeople(description);
+  }
+}
+
+void report(const char* event, const platform::Notification& notification, const Settings& settings) {
+  const auto accessory = notification.accessory(platform::kAccessoryKey);
+  if (!accessory) return;
+  const AccessoryDescription& description = accessory->description();
+  if (!settings.camera.empty() && description.serialNumber != settings.camera) return;
+  if (settings.json) {
+    ordered_json object = {{"event", event}, {"time", timeOfDay()}};
+    object.update(toJson(description));
+    return printJson(object);
+  }
+  printLine(fmt::format("{} {} {} ({})", timeOfDay(), event, printable(description.serialNumber),
+                        printable(description.name)));
+}
+
+int watchDevices(LinuxPlatform& platform, const Settings& settings) {
+  const auto& ports = platform.ports();
+  const auto connected = ports.notifications.observe(platform::kAccessoryDidConnectNotification,
+                                                     [&](const auto& one) { report("connected", one, settings); });
+  const auto disconnected = ports.notifications.observe(
+      platform::kAccessoryDidDisconnectNotification, [&](const auto& one) { report("disconnected", one, settings); });
+  ports.accessories.registerForLocalNotifications();
+  for (const auto& one : chosenAccessories(platform, settings)) print(one->description(), settings);
+  platform.runMainQueue();
+  ports.accessories.unregisterForLocalNotifications();
+  return kDone;
+}
+
+}  // namespace
+
+int runDevices(const Invocation& invocation) {
+  const Settings& settings = invocation.settings;
+  Bus bus(settings);
+  if (!bus.isThere()) return kNoCamera;
+  LinuxPlatform& platform = bus.platform();
+  if (invocation.values.has("--watch")) return watchDevices(platform, settings);
+  const Accessories accessories = chosenAccessories(platform, settings);
+  for (const auto& one : accessories) print(one->description(), settings);
+  if (accessories.empty() && !settings.camera.empty()) {
+    sayUnknownCamera(platform, settings);
+    return kNoCamera;
+  }
+  if (accessories.empty()) say("no accessory is attached");
+  return kDone;
+}
+
+}  // namespace zel::app

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ZELTarkaSDK/EncodedStreamStatistics.h>
+#include <ZELTarkaSDK/OutputReport.h>
+
+#include <nlohmann/json.hpp>
+#include <span>
+#include <string>
+
+namespace zel::app {
+
+// Everything that the end of a live stream tells.
+struct LiveFigures {
+  EncodedStreamStatistics stream;
+  std::vector<OutputReport> outputs;
+  double seconds = 0;           // since the camera was there
+  double cpuSeconds = 0;        // of the whole process
+  std::int64_t peakMemory = 0;  // bytes, also
+  bool stitched = true;
+};
+
+nlohmann::ordered_json jsonOf(const LiveFigures& figures);
+
+// Lines for people.
+std::vector<std::string> linesOf(const LiveFigures& figures);
+
+// One line while it runs.
+std::string progressOf(const LiveFigures& figures);
+
+}  // namespace zel::app

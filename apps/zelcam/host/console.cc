@@ -1,0 +1,162 @@
+#include "apps/zelcam/host/console.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <mutex>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "apps/zelcam/command_line/settings.h"
+#include "apps/zelcam/host/diagnostics.h"
+#include "apps/zelcam/host/interrupt.h"
+
+namespace zel::app {
+namespace {
+
+constexpr std::string_view kSpeaker = "zelcam: ";
+
+struct Failure {
+  std::string message;
+  std::optional<ZELError> error;
+};
+
+// What the end of a run has to know. Never destroyed: threads of the global queue may still have something to say while
+// the process ends.
+struct Told {
+  std::mutex mutex;
+  std::optional<Failure> failure;  // the first
+  std::string line;                // the last that was said
+  bool asJson = false;
+  bool elsewhere = false;
+  int outputFault = 0;
+};
+
+Told& told() {
+  static auto* const all = new Told;
+  return *all;
+}
+
+bool write(std::FILE* file, const std::string& text) {
+  errno = 0;
+  const bool isWritten = std::fputs(text.c_str(), file) >= 0;
+  return std::fflush(file) == 0 && isWritten;
+}
+
+// Who would go on for ever has nobody left to tell.
+void writeToStandardOutput(const std::string& text) {
+  if (write(stdout, text) || errno == EPIPE) return;
+  const std::lock_guard lock(told().mutex);
+  if (std::exchange(told().outputFault, errno != 0 ? errno : EIO) == 0) interrupt();
+}
+
+bool goesElsewhere() {
+  const std::lock_guard lock(told().mutex);
+  return told().elsewhere;
+}
+
+std::string wordsOfStatus(int status) {
+  switch (status) {
+    case kInterrupted:
+      return "interrupted before it was done";
+    case kNoCamera:
+      return "no camera, no answer in time, or the camera was lost";
+    case kWrongUsage:
+      return "wrong usage";
+    default:
+      return "it failed";
+  }
+}
+
+}  // namespace
+
+std::string jsonLine(const nlohmann::ordered_json& object) {
+  return printableJson(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+}
+
+void printJson(const nlohmann::ordered_json& object) { printLine(jsonLine(object)); }
+
+void leaveStandardOutput() {
+  const std::lock_guard lock(told().mutex);
+  told().elsewhere = true;
+}
+
+nlohmann::ordered_json errorJson(const std::optional<ZELError>& error) {
+  if (!error) return nullptr;
+  return {{"domain", error->domain}, {"code", error->code}};
+}
+
+void printLine(const std::string& line) {
+  if (goesElsewhere()) return say(line);
+  writeToStandardOutput(printable(line) + '\n');
+}
+
+void printText(const std::string& text) { writeToStandardOutput(text); }
+
+void say(const std::string& line) {
+  {
+    const std::lock_guard lock(told().mutex);
+    if (line.starts_with(kSpeaker)) told().line = line.substr(kSpeaker.size());
+  }
+  write(stderr, printable(line) + '\n');
+  note(line);
+}
+
+void rememberFailure(const std::string& message, const std::optional<ZELError>& error) {
+  const std::lock_guard lock(told().mutex);
+  if (!told().failure) told().failure = Failure{message, error};
+}
+
+void sayFailure(const std::string& message, const std::optional<ZELError>& error) {
+  rememberFailure(message, error);
+  say(std::string(kSpeaker) + message);
+}
+
+int complain(int status, std::string_view command, std::string_view complaint) {
+  const std::string message = fmt::format("{}: {}", command, complaint);
+  status == kDone ? say(std::string(kSpeaker) + message) : sayFailure(message);
+  return status;
+}
+
+nlohmann::ordered_json failureJson(int status) {
+  const std::lock_guard lock(told().mutex);
+  told().asJson = true;
+  Failure failure = told().failure.value_or(Failure{});
+  if (failure.message.empty() && status != kInterrupted) failure.message = told().line;
+  if (failure.message.empty()) failure.message = wordsOfStatus(status);
+  return {{"code", failure.error ? failure.error->code : status},
+          {"domain", failure.error ? failure.error->domain : "zelcam"},
+          {"message", failure.message}};
+}
+
+void printFailure(int status) {
+  {
+    const std::lock_guard lock(told().mutex);
+    if (told().asJson) return;
+  }
+  printJson({{"error", failureJson(status)}});
+}
+
+int standardOutputFault() {
+  const std::lock_guard lock(told().mutex);
+  return told().outputFault;
+}
+
+void showProgress(const std::string& line) {
+  std::fprintf(stderr, "\r%s\033[K", printable(line).c_str());
+  std::fflush(stderr);
+}
+
+std::string timeOfDay() {
+  const auto now = std::chrono::system_clock::now();
+  const auto milliseconds =
+      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  return fmt::format("{:02}:{:02}:{:02}.{:03}", local.tm_hour, local.tm_min, local.tm_sec, milliseconds);
+}
+
+}  // namespace zel::app

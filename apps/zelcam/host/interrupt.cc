@@ -1,0 +1,134 @@
+#include "apps/zelcam/host/interrupt.h"
+
+#include <pthread.h>
+
+#include <ZELTarkaSDK/LinuxPlatform.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include <ZELTarkaSDK/platform/application_events.h>
+#include <ZELTarkaSDK/platform/notification_center.h>
+#include <ZELTarkaSDK/platform/ports.h>
+#include "apps/zelcam/command_line/settings.h"
+#include "base/has_memory_for.h"
+
+namespace zel::app {
+namespace {
+
+std::atomic<bool> interrupted = false;
+std::atomic<bool> tellsSuspension = false;
+std::mutex platformMutex;
+LinuxPlatform* watchedPlatform = nullptr;
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kOneRequest{1};  // signals that come within it are one
+
+bool isIgnored(int signal) {
+  struct sigaction action {};
+  return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+sigset_t heardSignals() {
+  sigset_t signals = stopSignals();
+  if (tellsSuspension.load()) {
+    sigaddset(&signals, SIGTSTP);
+    sigaddset(&signals, SIGCONT);
+  }
+  return signals;
+}
+
+void post(LinuxPlatform& platform, std::string_view name) {
+  platform::NotificationCenter& notifications = platform.ports().notifications;
+  ifMemoryAllows([&] {
+    platform.ports().queues.mainQueue().post([&notifications, name] {
+      notifications.post({std::string(name), {}, nullptr});
+    });
+  });
+}
+
+void tellSuspension(int signal) {
+  const std::lock_guard lock(platformMutex);
+  if (watchedPlatform == nullptr) return;
+  post(*watchedPlatform, signal == SIGTSTP ? platform::kApplicationDidEnterBackgroundNotification
+                                           : platform::kApplicationDidBecomeActiveNotification);
+}
+
+void waitForSignals() {
+  const sigset_t signals = heardSignals();
+  int signal = 0;
+  std::optional<Clock::time_point> first;
+  while (sigwait(&signals, &signal) == 0) {
+    if (signal == SIGTSTP || signal == SIGCONT) {
+      tellSuspension(signal);
+      continue;
+    }
+    if (first && Clock::now() - *first > kOneRequest) std::_Exit(kInterrupted);
+    if (!first) first = Clock::now();
+    interrupt();
+  }
+}
+
+}  // namespace
+
+sigset_t stopSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  if (!isIgnored(SIGHUP)) sigaddset(&signals, SIGHUP);
+  return signals;
+}
+
+void blockInterrupts() {
+  const sigset_t signals = heardSignals();
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void turnSuspensionIntoEvents() {
+  tellsSuspension.store(true);
+  blockInterrupts();
+}
+
+void stopMainQueueOnInterrupt(LinuxPlatform& platform) {
+  {
+    const std::lock_guard lock(platformMutex);
+    watchedPlatform = &platform;
+  }
+  std::thread(waitForSignals).detach();
+}
+
+void detachInterrupts() {
+  const std::lock_guard lock(platformMutex);
+  watchedPlatform = nullptr;
+}
+
+void interrupt() {
+  interrupted.store(true);
+  const std::lock_guard lock(platformMutex);
+  if (watchedPlatform != nullptr) watchedPlatform->stopMainQueue();
+}
+
+bool wasInterrupted() { return interrupted.load(); }
+
+bool isInterruptPending() {
+  const sigset_t signals = stopSignals();
+  sigset_t pending;
+  sigemptyset(&pending);
+  ::sigpending(&pending);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    if (sigismember(&signals, signal) == 1 && sigismember(&pending, signal) == 1) return true;
+  }
+  return false;
+}
+
+}  // namespace zel::app

@@ -1,0 +1,56 @@
+#include "apps/zelcam/link/bus.h"
+
+#include <string>
+#include <utility>
+
+#include "apps/zelcam/host/console.h"
+#include "apps/zelcam/host/interrupt.h"
+
+namespace zel::app {
+
+Bus::Bus(const Settings& settings, int decoderThreads) {
+  std::string error;
+  // One command is one host: between two connections of `live --reconnect` the camera stays this program's.
+  platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories,
+                                     .warn = say,
+                                     .inUse = [this](const CameraInUse& camera) { noteInUse(camera); },
+                                     .program = "zelcam " + settings.command,
+                                     .keepCameras = true},
+                                    error);
+  if (!platform_) {
+    sayFailure(error);
+    return;
+  }
+  if (settings.verbose) {
+    say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
+  }
+  accessories_.emplace(platform_->ports().accessories, readingBound_);
+  media_ = std::make_unique<LinuxMedia>(
+      platform_->ports(),
+      LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }, decoderThreads});
+  stopMainQueueOnInterrupt(*platform_);
+}
+
+platform::Ports Bus::ports() {
+  const platform::Ports& all = media_->ports();
+  return {all.clock,        all.threads,       all.queues,
+          *accessories_,    all.notifications, decodes_ ? all.videoDecoders : nullptr,
+          all.mediaLibrary, all.videoEncoders, all.documents};
+}
+
+void Bus::noteInUse(const CameraInUse& camera) {
+  {
+    const MutexLock lock(mutex_);
+    inUse_ = camera.inWords();
+  }
+  platform_->stopMainQueue();
+}
+
+std::optional<std::string> Bus::cameraInUse() {
+  const MutexLock lock(mutex_);
+  return std::exchange(inUse_, std::nullopt);
+}
+
+Bus::~Bus() { detachInterrupts(); }
+
+}  // namespace zel::app

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <ZELTarkaSDK/LinuxMedia.h>
+#include <ZELTarkaSDK/LinuxPlatform.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <ZELTarkaSDK/platform/ports.h>
+#include "apps/zelcam/command_line/settings.h"
+#include "apps/zelcam/link/bounded_accessories.h"
+#include "base/mutex.h"
+
+namespace zel::app {
+
+// The accessory bus for one command: Ctrl-C stops its main queue for as long as it is there.
+class Bus {
+ public:
+  // A bus whose folder cannot be used says why on standard error and is not there.
+  // decoderThreads: see LinuxMedia.
+  explicit Bus(const Settings& settings, int decoderThreads = 1);
+  ~Bus();
+  Bus(const Bus&) = delete;
+  Bus& operator=(const Bus&) = delete;
+
+  bool isThere() const { return platform_ != nullptr; }
+  LinuxPlatform& platform() { return *platform_; }
+  // The platform's ports with this program's codecs and renderers. Why there is no stitched picture is said on standard
+  // error.
+  platform::Ports ports();
+  // Ports made from now on have no decoder, for pass-through streaming.
+  void decodeNothing() { decodes_ = false; }
+  // Stops reading from cameras while it is reached.
+  ReadingBound& readingBound() { return readingBound_; }
+
+  // Who has the camera, in words, where one could not be opened for that reason since the last call. The main queue is
+  // stopped when that happens.
+  std::optional<std::string> cameraInUse();
+
+ private:
+  void noteInUse(const CameraInUse& camera);
+
+  ReadingBound readingBound_;
+  bool decodes_ = true;
+  Mutex mutex_;
+  std::optional<std::string> inUse_ ZEL_GUARDED_BY(mutex_);
+  // Made after the platform, and gone after its threads, which decode.
+  std::unique_ptr<LinuxMedia> media_;
+  std::unique_ptr<LinuxPlatform> platform_;
+  std::optional<BoundedAccessories> accessories_;
+};
+
+}  // namespace zel::app

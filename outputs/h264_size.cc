@@ -1,0 +1,45 @@
+#include "outputs/h264_size.h"
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "outputs/libav.h"
+
+namespace zel {
+namespace {
+
+struct ParserDeleter {
+  void operator()(AVCodecParserContext* parser) const { av_parser_close(parser); }
+  void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+};
+
+constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
+
+}  // namespace
+
+std::optional<PictureSize> sizeOfPictures(std::span<const std::uint8_t> sps, std::span<const std::uint8_t> pps,
+                                          std::span<const std::uint8_t> unit) {
+  std::vector<std::uint8_t> stream;
+  for (const auto& set : {sps, pps}) {
+    stream.insert(stream.end(), kStartCode.begin(), kStartCode.end());
+    stream.insert(stream.end(), set.begin(), set.end());
+  }
+  stream.insert(stream.end(), unit.begin(), unit.end());
+  const int size = static_cast<int>(stream.size());
+  stream.resize(stream.size() + AV_INPUT_BUFFER_PADDING_SIZE);
+
+  const std::unique_ptr<AVCodecParserContext, ParserDeleter> parser(av_parser_init(AV_CODEC_ID_H264));
+  const std::unique_ptr<AVCodecContext, ParserDeleter> context(avcodec_alloc_context3(nullptr));
+  if (!parser || !context) return std::nullopt;
+  context->log_level_offset = 100;  // above every level that is shown
+  context->codec_id = AV_CODEC_ID_H264;
+  parser->flags |= PARSER_FLAG_COMPLETE_FRAMES;
+  std::uint8_t* out = nullptr;
+  int outSize = 0;
+  av_parser_parse2(parser.get(), context.get(), &out, &outSize, stream.data(), size, 0, 0, 0);
+  if (parser->width <= 0 || parser->height <= 0) return std::nullopt;
+  return PictureSize{parser->width, parser->height};
+}
+
+}  // namespace zel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <ZELTarkaSDK/EncodedStream.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "base/mutex.h"
+#include "outputs/media_clock.h"
+#include "outputs/stream_writer.h"
+
+namespace zel {
+
+// What all runs of an encoded stream share. A feed keeps it alive, since the camera's threads may be inside of the feed
+// when the stream is destroyed.
+//
+// Thread: any thread.
+class StreamCore {
+ public:
+  StreamCore(EncodedStreamReceiver& receiver, EncodedStream::Options options)
+      : options_(std::move(options)), writer(receiver, options_.length, [this] { tellChange(); }) {}
+
+  void fail(std::string why) {
+    {
+      const MutexLock lock(mutex_);
+      failure_ = std::move(why);
+    }
+    tellChange();
+  }
+  void forgetFailure() {
+    const MutexLock lock(mutex_);
+    failure_.reset();
+  }
+  std::optional<std::string> failure() const {
+    const MutexLock lock(mutex_);
+    return failure_;
+  }
+
+ private:
+  void tellChange() const {
+    if (options_.changed) options_.changed();
+  }
+
+  const EncodedStream::Options options_;
+  mutable Mutex mutex_;
+  std::optional<std::string> failure_ ZEL_GUARDED_BY(mutex_);
+
+ public:
+  MediaClock clock;
+  StreamWriter writer;
+};
+
+}  // namespace zel

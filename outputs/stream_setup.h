@@ -1,0 +1,24 @@
+#pragma once
+
+#include <ZELTarkaSDK/MediaPacket.h>
+#include "outputs/libav.h"
+
+namespace zel {
+
+inline constexpr int kVideoStream = 0, kAudioStream = 1;
+
+// Gives the muxer its two streams, the video with the word that it is spherical where it is.
+// Errors: false where there is no memory, or the sound is of a kind that is not known.
+bool addStreams(AVFormatContext& muxer, const StreamHeaders& headers);
+
+// Tells players that the pictures are equirectangular.
+//
+// Errors: false where there is no memory.
+bool markSpherical(AVStream& stream);
+
+// The packet as the muxer takes it, with a copy of the bytes.
+//
+// Errors: null where there is no memory.
+PacketPtr packetFor(const AVFormatContext& muxer, const MediaPacket& packet);
+
+}  // namespace zel

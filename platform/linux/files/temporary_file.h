@@ -1,0 +1,47 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace zel {
+
+// A file in the folder that it shall stay in, removed again unless it was given its name. Until then it is called
+// ".zelcam-" and six letters, and it is locked: a program that was killed holds no lock any more, and so whoever makes
+// the next one in that folder can tell what was left behind, and removes it.
+// Thread: one at a time.
+class TemporaryFile {
+ public:
+  // Errors: isThere() is then false, and errno says why.
+  explicit TemporaryFile(const std::string& folder, mode_t mode = 0644);
+  ~TemporaryFile();
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  bool isThere() const { return file_ >= 0; }
+  int descriptor() const { return file_; }
+  const std::string& path() const { return path_; }
+
+  // Writes behind what it holds.
+  //
+  // Errors: false; errno says why.
+  bool write(std::span<const std::uint8_t> bytes) const;
+
+  // Both see to it first that a power cut finds it whole under its name.
+  //
+  // Errors: false; errno says why.
+  bool replace(const std::string& path);
+  // Never replaces a file: errno is then EEXIST.
+  bool appearAs(const std::string& path);
+
+ private:
+  std::string path_;
+  int file_ = -1;
+};
+
+// Removes temporary files that nobody holds any more.
+void removeLeftovers(const std::string& folder);
+
+}  // namespace zel
