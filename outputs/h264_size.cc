@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "outputs/libav.h"
+#include "platform/h264/h264_headers.h"
 
 namespace zel {
 namespace {
@@ -14,15 +15,13 @@ struct ParserDeleter {
   void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
 };
 
-constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
-
 }  // namespace
 
 std::optional<PictureSize> sizeOfPictures(std::span<const std::uint8_t> sps, std::span<const std::uint8_t> pps,
                                           std::span<const std::uint8_t> unit) {
   std::vector<std::uint8_t> stream;
   for (const auto& set : {sps, pps}) {
-    stream.insert(stream.end(), kStartCode.begin(), kStartCode.end());
+    stream.insert(stream.end(), platform::kStartCode.begin(), platform::kStartCode.end());
     stream.insert(stream.end(), set.begin(), set.end());
   }
   stream.insert(stream.end(), unit.begin(), unit.end());

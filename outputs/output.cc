@@ -187,11 +187,9 @@ std::optional<double> Output::nextWait() {
 void Output::failForMemory() {
   {
     const Lock lock(mutex_);
-    failed_ = true;
-    takes_ = false;
-    queue_.restart();
-    sink_.reset();
+    letGoOfSink(lock);
     report_.fault.emplace();
+    setState(lock, OutputState::failed);
   }
   ifMemoryAllows([this] { fail(fmt::format("{}: there is not enough memory", rules_.name)); });
 }

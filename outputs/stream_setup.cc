@@ -11,17 +11,18 @@ extern "C" {
 
 #include <ZELTarkaSDK/AudioConfig.h>
 
+#include "platform/h264/h264_headers.h"
+
 namespace zel {
 namespace {
 
-constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
 constexpr AVRational kMicroseconds = {1, 1'000'000};
 constexpr AVRational kVideoClock = {1, 90'000};
 
 std::vector<std::uint8_t> withStartCodes(const StreamHeaders& headers) {
   std::vector<std::uint8_t> bytes;
   for (const ZELData& set : {headers.sps, headers.pps}) {
-    bytes.insert(bytes.end(), kStartCode.begin(), kStartCode.end());
+    bytes.insert(bytes.end(), platform::kStartCode.begin(), platform::kStartCode.end());
     bytes.insert(bytes.end(), set.bytes().begin(), set.bytes().end());
   }
   return bytes;

@@ -6,11 +6,11 @@
 #include <ZELTarkaSDK/AudioConfig.h>
 #include "outputs/h264_colour.h"
 #include "outputs/h264_size.h"
+#include "platform/h264/h264_headers.h"
 
 namespace zel {
 namespace {
 
-constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
 constexpr std::int64_t kLongestWait = 10'000;  // milliseconds; what is further away is of another clock
 
 void append(std::vector<std::uint8_t>& bytes, std::span<const std::uint8_t> more) {
@@ -120,7 +120,7 @@ ZELData StreamWriter::withChangedSets(Bytes picture, bool key) {
   if (!key || (sps_ == headers_.sps && pps_ == headers_.pps)) return ZELData(picture);
   std::vector<std::uint8_t> bytes;
   for (const ZELData& set : {sps_, pps_}) {
-    append(bytes, kStartCode);
+    append(bytes, platform::kStartCode);
     append(bytes, set.bytes());
   }
   append(bytes, picture);

@@ -16,6 +16,11 @@
 #include <ZELTarkaSDK/MediaPacket.h>
 #include <ZELTarkaSDK/Observation.h>
 #include <ZELTarkaSDK/Operations.h>
+#include <ZELTarkaSDK/OutputAddress.h>
+#include <ZELTarkaSDK/OutputReport.h>
+#include <ZELTarkaSDK/Outputs.h>
+#include <ZELTarkaSDK/Panorama.h>
+#include <ZELTarkaSDK/PictureFile.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
 #include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
@@ -49,7 +54,6 @@
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 #include <ZELTarkaSDK/ZELRenderView.h>
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
-
 #include <ZELTarkaSDK/platform/application_events.h>
 #include <ZELTarkaSDK/platform/export.h>
 #include <ZELTarkaSDK/platform/ports.h>

@@ -11,13 +11,13 @@
 #include "platform/ffmpeg/owed_pictures.h"
 #include "platform/ffmpeg/picture_conversion.h"
 #include "platform/ffmpeg/picture_memory.h"
+#include "platform/h264/h264_headers.h"
 
 namespace zel::platform {
 namespace {
 
 using Bytes = VideoDecoder::Bytes;
 
-constexpr std::uint8_t kStartCode[] = {0, 0, 0, 1};
 constexpr std::uint8_t kDelimiter[] = {9, 0xF0};        // an access-unit delimiter before a picture of any kind
 constexpr std::size_t kLargestUnit = 64u << 20;         // bytes
 constexpr std::size_t kLargestParameterSet = 1u << 16;  // bytes
@@ -82,7 +82,7 @@ class UnitPacket {
     if (!packet_) packet_.reset(av_packet_alloc());
     const std::size_t held = size();
     if (!packet_ || av_grow_packet(packet_.get(), static_cast<int>(sizeof kStartCode + unit.size())) < 0) return false;
-    std::memcpy(packet_->data + held, kStartCode, sizeof kStartCode);
+    std::memcpy(packet_->data + held, kStartCode.data(), sizeof kStartCode);
     std::memcpy(packet_->data + held + sizeof kStartCode, unit.data(), unit.size());
     return true;
   }

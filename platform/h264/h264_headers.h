@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -10,6 +12,8 @@ namespace zel::platform {
 
 // Before a unit that decoders take and encoders give stands its length, big-endian.
 inline constexpr std::size_t kLengthPrefix = 4;
+// Before a unit in a stream that is cut by its contents.
+inline constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
 
 enum class H264UnitType : std::uint8_t { slice = 1, partition = 2, keySlice = 5, sequence = 7, picture = 8 };
 

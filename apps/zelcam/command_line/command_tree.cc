@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "apps/zelcam/command_line/number_text.h"
+#include "apps/zelcam/commands/commands.h"
 #include "tools/manual/describe_option.h"
 #include "tools/manual/wrong_usage.h"
 namespace zel::app {

@@ -1,5 +1,7 @@
 #include "apps/zelcam/commands/commands.h"
 
+#include <ZELTarkaSDK/EncodedStream.h>
+#include <ZELTarkaSDK/Outputs.h>
 #include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
@@ -35,7 +37,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr double kLine = 0.5;  // seconds between two lines of progress
+constexpr double kProgressPeriod = 0.5;  // seconds between two lines of progress
 
 double cpuSeconds() {
   rusage usage{};
@@ -52,19 +54,16 @@ std::int64_t peakMemory() {
   return std::int64_t{usage.ru_maxrss} * 1024;
 }
 
-// Stops a feed where nobody has: when memory ends, its threads must not go on with what has gone.
-class FeedEnd {
+// Stops the stream where nobody has: when memory ends, it must not outlive the connection that it comes from.
+class StreamEnd {
  public:
-  explicit FeedEnd(LiveFeed& feed) : feed_(&feed) {}
-  ~FeedEnd() { stop(); }
-  FeedEnd(const FeedEnd&) = delete;
-  FeedEnd& operator=(const FeedEnd&) = delete;
-  void stop() {
-    if (LiveFeed* const feed = std::exchange(feed_, nullptr)) feed->stop();
-  }
+  explicit StreamEnd(EncodedStream& stream) : stream_(stream) {}
+  ~StreamEnd() { stream_.stop(); }
+  StreamEnd(const StreamEnd&) = delete;
+  StreamEnd& operator=(const StreamEnd&) = delete;
 
  private:
-  LiveFeed* feed_;
+  EncodedStream& stream_;
 };
 
 // How one connection of the camera ended.
@@ -133,8 +132,9 @@ class Live {
     if (const auto info = link.stack().accessory().accessoryInfo()) serial_ = info->serialNumber();
     if (!wasThere_) start_ = Clock::now();
     if (std::exchange(wasThere_, true)) tell("the camera is there again");
+    const StreamEnd streamEnd(stream_);
     startStream(link);
-    const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [&] {
+    const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kProgressPeriod, [&] {
       duration_.note(Clock::now(), stream_.statistics().newestVideo);
       report();
       link.wake();

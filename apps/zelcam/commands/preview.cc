@@ -28,7 +28,7 @@
 namespace zel::app {
 namespace {
 
-constexpr double kLine = 1.0;  // seconds between two lines of the live report
+constexpr double kReportPeriod = 1.0;  // seconds between two lines of the live report
 
 // What has been decoded so far.
 struct Decoded {
@@ -88,7 +88,8 @@ class Preview {
     player_->setPixelBufferDelegate(counter_);
     if (const int status = startVideo(); status != kDone) return status;
     if (const int status = readOffset(); status != kDone) return status;
-    const auto tick = link_.platform().ports().threads.currentRunLoop().scheduleRepeating(kLine, [this] { report(); });
+    const auto tick =
+        link_.platform().ports().threads.currentRunLoop().scheduleRepeating(kReportPeriod, [this] { report(); });
     const int status = waitForPictures();
     tellEndOfLine();
     if (status != kDone) return status;
