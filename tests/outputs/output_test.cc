@@ -136,7 +136,7 @@ TEST_F(OutputTest, FailsInWordsWhereMemoryEnds) {
   waitFor(tells);
   output.finish();
   output.join();
-  EXPECT_TRUE(output.hasFailed());
+  EXPECT_TRUE(output.state() == OutputState::failed);
   EXPECT_EQ(output.report().fault, "it: there is not enough memory");
   EXPECT_EQ(everythingTold(), "it: there is not enough memory\n");
   EXPECT_EQ(finished(), 0);

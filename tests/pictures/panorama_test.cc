@@ -188,17 +188,17 @@ JpegBytes manyScans(int width, int height, int scans) {
 
 TEST(JpegFileTest, RefusesAPictureOfMorePassesThanItIsWorth) {
   std::string error;
-  EXPECT_EQ(app::pictureOfJpeg(manyScans(8000, 5000, 11), error), nullptr);
+  EXPECT_EQ(pictureOfJpeg(manyScans(8000, 5000, 11), error), nullptr);
   EXPECT_EQ(error, "it takes too much to decode");
-  EXPECT_EQ(app::pictureOfJpeg(manyScans(8000, 5000, 10), error), nullptr);
+  EXPECT_EQ(pictureOfJpeg(manyScans(8000, 5000, 10), error), nullptr);
   EXPECT_EQ(error, "it is damaged");  // its passes are looked at, and hold nothing
 }
 
 TEST(JpegFileTest, RefusesAPictureOfSeveralPassesThatIsLargerThanOthersMayBe) {
   std::string error;
-  EXPECT_EQ(app::pictureOfJpeg(manyScans(8001, 5000, 2), error), nullptr);
+  EXPECT_EQ(pictureOfJpeg(manyScans(8001, 5000, 2), error), nullptr);
   EXPECT_EQ(error, "it takes too much to decode");
-  EXPECT_EQ(app::pictureOfJpeg(manyScans(12000, 6001, 1), error), nullptr);
+  EXPECT_EQ(pictureOfJpeg(manyScans(12000, 6001, 1), error), nullptr);
   EXPECT_EQ(error, "its size makes no sense");
 }
 
