@@ -19,7 +19,8 @@ inline bool connect(zel::LinuxPlatform& platform, ZELCameraAccessory& accessory)
   return true;
 }
 
-// The platform on the accessory folder of the environment. Errors: null, and says why.
+// The platform on the accessory folder of the environment.
+// Errors: null, and says why.
 inline std::unique_ptr<zel::LinuxPlatform> makePlatform() {
   std::string fault;
   auto platform = zel::LinuxPlatform::create({}, fault);

@@ -19,10 +19,11 @@
 #include "link/roles.h"
 #include "link/zel_camera_data_parser.h"
 
-// Cuts the camera's byte stream into frames and hands each to its consumer; packs outbound messages.
-// Nothing on the stream is trusted: a partial frame waits, an unknown one is dropped and counted, an impossible length
-// has the session reopened. Owner:  consumers and the accessory are not owned. Thread: appendBytes, parserData and all
-// that they call run on the session thread; everything else on any thread.
+// Cuts the camera's byte stream into frames and hands each to its consumer; packs outbound messages. Nothing on the
+// stream is trusted: a partial frame waits, an unknown one is dropped and counted, an impossible length has the session
+// reopened.
+// Owner:  consumers and the accessory are not owned.
+// Thread: appendBytes, parserData and all that they call run on the session thread; everything else on any thread.
 class CameraDataParser final : public zel::InboundStream {
  public:
   // The de-multiplexer of the process-wide stack.
@@ -66,9 +67,11 @@ class CameraDataParser final : public zel::InboundStream {
   // Asks the camera for the marker.
   void sendSyncData();
 
-  // Bytes received and not yet consumed. Thread: session thread.
+  // Bytes received and not yet consumed.
+  // Thread: session thread.
   zel::ByteView data() const;
-  // Memory held for them. Thread: session thread.
+  // Memory held for them.
+  // Thread: session thread.
   std::size_t dataCapacity() const { return buffer_.capacity(); }
 
   // Consumer of types 1, 2 and 8, held weakly.
@@ -94,7 +97,8 @@ class CameraDataParser final : public zel::InboundStream {
   // packetMsgData:withData: - the whole outbound frame; nothing when no request is registered under the number.
   std::optional<ZELData> packetMsgData(std::int64_t msgType, const ZELMessageFields& fields) const;
 
-  // Fills in what the de-multiplexer counts. Thread: any thread.
+  // Fills in what the de-multiplexer counts.
+  // Thread: any thread.
   void copyStatistics(zel::LinkStatistics& into) const { statistics_.copyTo(into); }
 
  private:

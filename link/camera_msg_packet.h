@@ -16,7 +16,7 @@ class CameraMsgPacket {
       std::function<std::optional<ZELData>(std::int32_t ucdMsgType, const ZELMessageFields& fields, void* sourceObj)>;
 
   // initWithUCDMsgType:source:packetBlock: and initWithUCDMsgType:packetBlock:
-  // Owner: sourceObj is not owned and never cleared; it must live as long as the record.
+  // Owner:  sourceObj is not owned and never cleared; it must live as long as the record.
   CameraMsgPacket(std::int32_t ucdMsgType, void* sourceObj, PacketBlock packetBlock)
       : UCDMsgType_(ucdMsgType), sourceObj_(sourceObj), packetBlock_(std::move(packetBlock)) {}
   CameraMsgPacket(std::int32_t ucdMsgType, PacketBlock packetBlock)

@@ -14,7 +14,7 @@ class CameraMsgParser {
   using ParserBlock = std::function<void(std::uint64_t msgType, const std::optional<ZELData>& body, void* sourceObj)>;
 
   // initWithMsgType:source:parserBlock: and initWithMsgType:parserBlock:
-  // Owner: sourceObj is not owned and never cleared; it must live as long as the record.
+  // Owner:  sourceObj is not owned and never cleared; it must live as long as the record.
   CameraMsgParser(std::uint64_t msgType, void* sourceObj, ParserBlock parserBlock)
       : msgType_(msgType), sourceObj_(sourceObj), parserBlock_(std::move(parserBlock)) {}
   CameraMsgParser(std::uint64_t msgType, ParserBlock parserBlock)

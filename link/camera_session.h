@@ -24,7 +24,7 @@
 // Thread: any thread.
 class CameraSession final : zel::ConnectionOwner {
  public:
-  // Owner: all arguments must outlive the object.
+  // Owner:  all arguments must outlive the object.
   CameraSession(const zel::platform::Ports& ports, zel::AccessoryLink& accessory, zel::InboundStream& parser);
   // Closes, and waits for the session thread.
   ~CameraSession();
@@ -64,7 +64,8 @@ class CameraSession final : zel::ConnectionOwner {
   // Spends one; false when none is left.
   bool takeSyncTimeResend();
 
-  // The de-multiplexer lost its position in the stream: reopens as after a stream error. Thread: session thread.
+  // The de-multiplexer lost its position in the stream: reopens as after a stream error.
+  // Thread: session thread.
   void reopenAfterLostPosition();
 
   // Bytes that the streams have taken, of all sessions together, and bytes that the open one has not taken yet.

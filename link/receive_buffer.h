@@ -9,9 +9,9 @@
 
 namespace zel {
 
-// The bytes received and not yet consumed, in one piece.
-// Its memory follows the frame that it waits for: it grows by doubling up to that frame's length, never beyond twice
-// what is needed, and shrinks again after a large frame. Thread: one.
+// The bytes received and not yet consumed, in one piece. Its memory follows the frame that it waits for: it grows by
+// doubling up to that frame's length, never beyond twice what is needed, and shrinks again after a large frame.
+// Thread: one.
 class ReceiveBuffer {
  public:
   void append(ByteView bytes) {

@@ -51,7 +51,8 @@ class PhotoConsumer {
   virtual void replyBlockWithError(const ZELError& error) = 0;
 };
 
-// The file transfer: frames of type 9. Thread: session thread. The bytes are valid during the call only.
+// The file transfer: frames of type 9. The bytes are valid during the call only.
+// Thread: session thread.
 class FileReplyConsumer {
  public:
   virtual ~FileReplyConsumer() = default;

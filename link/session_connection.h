@@ -19,7 +19,8 @@ namespace zel {
 
 class SessionConnection;
 
-// The session, as its connections see it. Thread: session thread.
+// The session, as its connections see it.
+// Thread: session thread.
 class ConnectionOwner {
  public:
   virtual void streamFailed(SessionConnection& connection) = 0;

@@ -14,7 +14,7 @@ class ZELCameraDataParser {
   using ParserBlock = std::function<void(const std::shared_ptr<void>& srcObj, zel::ByteView payload)>;
 
   // initWithDataType:source:parserBlock:
-  // Owner: srcObj is held weakly.
+  // Owner:  srcObj is held weakly.
   ZELCameraDataParser(std::int32_t dataType, std::weak_ptr<void> srcObj, ParserBlock parserBlock)
       : dataType_(dataType), srcObj_(std::move(srcObj)), parserBlock_(std::move(parserBlock)) {}
 

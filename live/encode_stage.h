@@ -25,7 +25,8 @@ class EncodeStage {
   EncodeStage(platform::Clock& clock, platform::VideoEncoders* encoders)
       : clock_(clock), encoders_(encoders), encodeThreadJoinLock_(clock) {}
 
-  // A new encoder that is ready. Errors: null where there is none or it does not open.
+  // A new encoder that is ready.
+  // Errors: null where there is none or it does not open.
   Encoder open(const platform::VideoEncoderSettings& settings);
 
   // Feeds that encoder from now on, or none. Returns the one before; it lives until the picture that it is at is done.

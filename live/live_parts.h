@@ -12,7 +12,7 @@ class ZELPreviewPlayer;
 namespace zel {
 
 // What a live data source works with.
-// Owner: shared, so that a source may outlive the stack that it was made for; the camera is then not connected.
+// Owner:  shared, so that a source may outlive the stack that it was made for; the camera is then not connected.
 struct LiveParts {
   platform::Ports ports;
   std::shared_ptr<ZELCameraUCD> ucd;

@@ -24,7 +24,7 @@ class PreviewDecoding {
   // A unit with a parameter set. A PPS with which the sets are complete starts decoding for the stream's receiver,
   // unless it runs already.
   // Errors: sets that make no decoder, or for which no thread can be had, are forgotten, so that the next pair is
-  // tried.
+  //         tried.
   void offerSps(ByteView unit);
   void offerPps(ByteView unit);
 

@@ -36,7 +36,8 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   bool start();
 
   // Ends the thread after the unit that it is at, without waiting; pictures that the decoder holds back never come.
-  // Before the thread has begun to run its loop, this has no effect. Thread: any thread.
+  // Before the thread has begun to run its loop, this has no effect.
+  // Thread: any thread.
   void stop();
 
   // appendDecodeData: - queues one unit: 4 bytes of length, highest first, then the NAL header and the rest. Units that
@@ -46,14 +47,16 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   // Thread: any thread. Never waits for decoding.
   void appendDecodeData(Unit unit) ZEL_EXCLUDES(h264DataMutex_, loopMutex_);
 
-  // The oldest picture that nobody has polled, null when there is none. Thread: any thread, but not inside the
-  // delegate's call.
+  // The oldest picture that nobody has polled, null when there is none.
+  // Thread: any thread, but not inside the delegate's call.
   Picture getNextMediaPixelBuffer() ZEL_EXCLUDES(pixelBufferMutex_);
 
-  // What has become of the units. Thread: any thread.
+  // What has become of the units.
+  // Thread: any thread.
   zel::PreviewStatistics statistics() const;
 
-  // Forgets all units and pictures that wait. Thread: as getNextMediaPixelBuffer.
+  // Forgets all units and pictures that wait.
+  // Thread: as getNextMediaPixelBuffer.
   void clearData() ZEL_EXCLUDES(h264DataMutex_, pixelBufferMutex_);
 
  private:

@@ -10,8 +10,8 @@ namespace zel::simulator {
 // The time of day in the camera, by which its files are named.
 class CameraClock {
  public:
-  // Units: seconds since 1970.
-  // Owner: the world outlives it.
+  // Units:  seconds since 1970.
+  // Owner:  the world outlives it.
   CameraClock(const CameraWorld& world, std::int64_t now);
 
   void set(std::int32_t now, std::int32_t minutesWest);

@@ -30,7 +30,8 @@ struct SimulatorOptions {
 };
 
 // A simulated camera on the accessory bus: publishes one accessory with a socket, serves its host on a thread of its
-// own, and takes both away when it ends. Thread: the public operations on any thread.
+// own, and takes both away when it ends.
+// Thread: the public operations on any thread.
 class CameraSimulator {
  public:
   explicit CameraSimulator(SimulatorOptions options);

@@ -8,7 +8,8 @@
 
 namespace zel::simulator {
 
-// What a camera needs of the world around it. Thread: the simulator's, which calls the camera as well.
+// What a camera needs of the world around it.
+// Thread: the simulator's, which calls the camera as well.
 class CameraWorld {
  public:
   virtual std::chrono::milliseconds uptime() const = 0;  // never goes back
@@ -40,7 +41,7 @@ class HostLink {
   virtual void stopPreview() = 0;
   virtual void switchSound(bool on) = 0;  // of the preview
 
-  // Units: milliseconds of the connection's media clock.
+  // Units:  milliseconds of the connection's media clock.
   virtual std::int64_t mediaTime() const = 0;
 
  protected:

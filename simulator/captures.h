@@ -18,7 +18,7 @@ inline constexpr std::uint16_t kShutter = 0x0007, kShutterExtra = 0x0011, kShutt
 // Thread: the simulator's; pictures are made on the worker.
 class Captures {
  public:
-  // Owner: all outlive it and the worker's jobs.
+  // Owner:  all outlive it and the worker's jobs.
   Captures(CameraWorld& world, CameraState& state, const Faults& faults)
       : world_(world), state_(state), faults_(faults), studio_(std::make_shared<PhotoStudio>()) {}
 

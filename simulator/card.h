@@ -7,7 +7,8 @@ namespace zel::simulator {
 
 inline constexpr std::uint8_t kCardReady = 0, kCardFull = 2;  // every other state: it cannot be used
 
-// The memory card: how much room it has. Units: bytes.
+// The memory card: how much room it has.
+// Units:  bytes.
 class Card {
  public:
   explicit Card(std::uint64_t size) : total_(size), free_(size) {}

@@ -28,7 +28,8 @@ class FisheyeProjector {
   // The rows that show any of the scene's rows.
   Rows rowsShowing(Rows ofScene) const;
 
-  // Shows those rows of the scene anew on a picture of the output's size. Errors: as above, the picture then stays.
+  // Shows those rows of the scene anew on a picture of the output's size.
+  // Errors: as above, the picture then stays.
   void renew(const Picture& scene, Rows rows, Picture& out) const;
 
  private:

@@ -14,7 +14,7 @@ namespace zel::simulator {
 Bytes encodeJpeg(const Picture& picture, int quality);
 
 // Errors: nothing for bytes that are no JPEG file or only a part of one, and for pictures of more than 100 megapixels.
-// A flipped bit among the picture's data may go unnoticed, as the format has no check sum.
+//         A flipped bit among the picture's data may go unnoticed, as the format has no check sum.
 std::optional<Picture> decodeJpeg(std::span<const std::uint8_t> file);
 
 // The same view with 2^stops times the light. What is too bright for the picture becomes white.

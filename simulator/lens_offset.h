@@ -9,7 +9,8 @@
 
 namespace zel::simulator {
 
-// One lens of the camera. Units: pixels of the picture that LensOffset names; degrees.
+// One lens of the camera.
+// Units:  pixels of the picture that LensOffset names; degrees.
 struct Lens {
   double radius = 0;                    // p0: of the image circle
   double centreX = 0, centreY = 0;      // p1, p2: of the image circle

@@ -10,7 +10,8 @@
 
 namespace zel::simulator {
 
-// Takes pictures of the scene through both lenses. Thread: one at a time.
+// Takes pictures of the scene through both lenses.
+// Thread: one at a time.
 class PhotoStudio {
  public:
   // One JPEG file for each exposure. width is twice the height. seconds: of the scene's clock. stops: of each picture.

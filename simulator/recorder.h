@@ -11,10 +11,11 @@
 namespace zel::simulator {
 
 // Recordings: they fill the card with time, at the bitrate that was set when they began. One that reaches the time
-// limit or the end of the card ends itself and says so. Thread: the simulator's.
+// limit or the end of the card ends itself and says so.
+// Thread: the simulator's.
 class Recorder {
  public:
-  // Owner: all outlive it and the world's timers.
+  // Owner:  all outlive it and the world's timers.
   Recorder(CameraWorld& world, CameraState& state, const Faults& faults)
       : world_(world), state_(state), faults_(faults) {}
 
@@ -23,10 +24,12 @@ class Recorder {
   // Errors: false while one is under way, and when the card takes no byte.
   bool start(Bytes sensors, Bytes extra);
 
-  // The file. Errors: nothing when none is under way.
+  // The file.
+  // Errors: nothing when none is under way.
   std::optional<FileEntry> stop();
 
-  // The card gets its room back. Errors: false when none is under way.
+  // The card gets its room back.
+  // Errors: false when none is under way.
   bool cancel();
 
   // Brings the card up to now; a recording that has reached an end ends.

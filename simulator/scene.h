@@ -6,7 +6,8 @@
 
 namespace zel::simulator {
 
-// Where the scene's moving things are, for those who look for them in a picture. Units: degrees, as in sphere.h.
+// Where the scene's moving things are, for those who look for them in a picture.
+// Units:  degrees, as in sphere.h.
 inline constexpr double kClockLatitude = 10.5;  // both clocks: forward (longitude 0) and backward (180)
 inline constexpr double kMovingLatitude = 14;   // nothing moves above it, nor as far below the horizon
 inline constexpr double kLampAside = 24;        // how far to the right of each clock's middle its lamp is

@@ -15,15 +15,17 @@ struct Colour {
   bool operator==(const Colour&) const = default;
 };
 
-// A piece of the sphere, centred at a longitude and latitude; it may lie across the picture's edge. Units: degrees.
+// A piece of the sphere, centred at a longitude and latitude; it may lie across the picture's edge.
+// Units:  degrees.
 struct Box {
   double longitude, latitude, halfWidth, halfHeight;
 };
 
 Colour mixed(Colour from, Colour to, double share);
 
-// Draws on an equirectangular picture. Units: degrees, as in sphere.h.
-// Owner: borrows the picture.
+// Draws on an equirectangular picture.
+// Units:  degrees, as in sphere.h.
+// Owner:  borrows the picture.
 class SceneCanvas {
  public:
   explicit SceneCanvas(Picture& picture)

@@ -20,7 +20,7 @@ namespace zel::simulator {
 // Thread: the simulator's.
 class SimulatedCamera {
  public:
-  // Owner: all outlive it, and the world's timers and jobs are not run after it.
+  // Owner:  all outlive it, and the world's timers and jobs are not run after it.
   SimulatedCamera(CameraWorld& world, const CameraStart& start, const Storage& storage, const Faults& faults);
 
   // From now on its battery goes down.

@@ -18,7 +18,8 @@ struct Point {
 
 inline constexpr double kRadians = std::numbers::pi / 180;  // in a degree
 
-// Longitude 0 is forward and 90 right; latitude 90 is up. Units: degrees.
+// Longitude 0 is forward and 90 right; latitude 90 is up.
+// Units:  degrees.
 inline Direction directionAt(double longitude, double latitude) {
   const double level = std::cos(latitude * kRadians);
   return {std::sin(longitude * kRadians) * level, -std::sin(latitude * kRadians),

@@ -13,7 +13,8 @@ namespace zel::simulator {
 // Errors: nothing for an empty or absolute path, for one with an empty, "." or ".." part, and for control characters.
 std::optional<std::filesystem::path> safePath(const std::string& path);
 
-// The folder that stands for the card's files. Thread: any thread for write(), until end().
+// The folder that stands for the card's files.
+// Thread: any thread for write(), until end().
 class Storage {
  public:
   // folder: made when it is missing. Empty: a temporary one, which is removed at the end with everything in it.

@@ -12,11 +12,11 @@ inline constexpr std::uint8_t kShutDown = 1, kRestart = 2;
 // Orders to the camera as a whole, which are carried out after a delay and may be cancelled until then.
 class SystemControl {
  public:
-  // Owner: the world outlives it.
+  // Owner:  the world outlives it.
   explicit SystemControl(CameraWorld& world) : world_(world) {}
 
-  // A second order of a command takes the place of the first. Errors: false for an unknown command, and for too
-  // many orders in too short a time.
+  // A second order of a command takes the place of the first.
+  // Errors: false for an unknown command, and for too many orders in too short a time.
   bool order(std::uint8_t command, std::uint8_t seconds);
 
   // Errors: false when no such command is waiting.

@@ -11,10 +11,11 @@
 
 namespace zel::simulator {
 
-// Takes the files that the host sends to the card. Thread: the simulator's; the files are written on the worker.
+// Takes the files that the host sends to the card.
+// Thread: the simulator's; the files are written on the worker.
 class Uploads {
  public:
-  // Owner: all outlive it and the worker's jobs.
+  // Owner:  all outlive it and the worker's jobs.
   Uploads(CameraWorld& world, CameraState& state, const Storage& storage, const Faults& faults)
       : world_(world), state_(state), storage_(storage), faults_(faults) {}
 

@@ -14,7 +14,8 @@
 
 namespace zel::app {
 
-// When the last units of the latest pictures were taken for decoding, by their times. Thread: any thread.
+// When the last units of the latest pictures were taken for decoding, by their times.
+// Thread: any thread.
 class ArrivalClock {
  public:
   using Clock = std::chrono::steady_clock;
@@ -42,7 +43,7 @@ class ArrivalClock {
 };
 
 // Decoders whose pictures bear the times at which they were taken, and that note when a unit is taken for decoding.
-// Owner: the arguments must outlive them.
+// Owner:  the arguments must outlive them.
 class NotingDecoders final : public platform::ForwardingVideoDecoders {
  public:
   NotingDecoders(platform::VideoDecoders& wrapped, const MediaClock& times, ArrivalClock& arrivals)

@@ -41,7 +41,8 @@ int listOperations(const Settings& settings) {
   return kDone;
 }
 
-// The call that the command line asks for. Errors: nothing, and the complaint.
+// The call that the command line asks for.
+// Errors: nothing, and the complaint.
 ReadyCall prepared(const Values& values, const Operation*& operation, std::string& complaint) {
   const std::string name = values.text("OPERATION");
   const std::vector<std::string> arguments = values.list("ARG");

@@ -6,8 +6,8 @@
 
 namespace zel::app {
 
-// From now on every note goes to that file, behind what it holds already. Errors: false where it cannot be written, and
-// then `error` says why.
+// From now on every note goes to that file, behind what it holds already.
+// Errors: false where it cannot be written, and then `error` says why.
 // Thread: the main one, before there is another.
 bool keepLog(const std::string& path, std::string& error);
 

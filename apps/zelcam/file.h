@@ -32,8 +32,8 @@ bool prepareFolder(const std::string& folder, std::string& error);
 
 // Writes the bytes as a file of that plain name into the folder, which is made where it is missing. The file appears
 // under its name when it is whole; a name that is taken gets "-2", "-3" and so on before its extension, and one that is
-// too long for the file system is cut.
-// Returns the path. Errors: nothing; `error` then names the file and the fault.
+// too long for the file system is cut. Returns the path.
+// Errors: nothing; `error` then names the file and the fault.
 std::optional<std::string> saveFile(const std::string& folder, const std::string& name,
                                     std::span<const std::uint8_t> bytes, std::string& error);
 

@@ -24,7 +24,7 @@ void turnSuspensionIntoEvents();
 // From now on the first of these signals stops the platform's main queue, and another one ends the program at once. But
 // not within a second of the first: who ends a program often sends it two, to itself and to its group, and files would
 // stay unfinished.
-// Owner: the platform must outlive the program's use of it; call detachInterrupts() before it goes.
+// Owner:  the platform must outlive the program's use of it; call detachInterrupts() before it goes.
 void stopMainQueueOnInterrupt(LinuxPlatform& platform);
 void detachInterrupts();
 

@@ -26,10 +26,12 @@ std::optional<JpegBytes> jpegOf(const platform::PixelBuffer& picture, int qualit
 // The first segment with EXIF data, from its marker to its end; empty where the file has none before its picture.
 std::span<const std::uint8_t> exifSegmentIn(std::span<const std::uint8_t> file);
 
-// A segment with an XMP packet. Errors: empty for a packet that is too long for one.
+// A segment with an XMP packet.
+// Errors: empty for a packet that is too long for one.
 JpegBytes xmpSegmentOf(std::string_view packet);
 
-// The file with those segments put behind its first header. Errors: the file as it is where it is no JPEG file.
+// The file with those segments put behind its first header.
+// Errors: the file as it is where it is no JPEG file.
 JpegBytes withSegments(std::span<const std::uint8_t> file, std::span<const std::span<const std::uint8_t>> segments);
 
 }  // namespace zel::app

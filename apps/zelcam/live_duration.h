@@ -14,7 +14,7 @@ class LiveDuration {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
 
-  // Units: seconds. Nothing: it is never over.
+  // Units:  seconds. Nothing: it is never over.
   explicit LiveDuration(std::optional<double> asked) : asked_(asked) {}
 
   // To be told at least once a second. stream: the newest picture's time in microseconds; nothing before the first one.
@@ -31,9 +31,11 @@ class LiveDuration {
     }
   }
 
-  // How long the stream stood still, all in all. Units: seconds.
+  // How long the stream stood still, all in all.
+  // Units:  seconds.
   double stoodStill() const { return stood_ + standsFor_; }
-  // What is left; nothing where no end was asked for. Units: seconds.
+  // What is left; nothing where no end was asked for.
+  // Units:  seconds.
   std::optional<double> left() const {
     if (!asked_) return std::nullopt;
     return std::max(0.0, *asked_ - stream_ - stoodStill());

@@ -11,7 +11,8 @@
 
 namespace zel::app {
 
-// What `zelcam live` was asked for. Units: pixels, bits a second, seconds, degrees.
+// What `zelcam live` was asked for.
+// Units:  pixels, bits a second, seconds, degrees.
 struct LiveOptions {
   std::vector<OutputAddress> outputs;
   int resolution = 3;

@@ -42,7 +42,8 @@ struct Operation {
   std::vector<std::string_view> resultKeys;  // of the reply's values, in the handler's order
   DoneWhen doneWhen = DoneWhen::answered;
   bool valueWithError = false;  // a refusal carries the values too
-  // Reads the input. Errors: no call; `error` then names the argument and what it takes.
+  // Reads the input.
+  // Errors: no call; `error` then names the argument and what it takes.
   std::function<ReadyCall(const Operation& operation, const CallInput& input, std::string& error)> prepare;
 };
 

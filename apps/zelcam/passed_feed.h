@@ -19,7 +19,7 @@ class ZELPreviewPlayer;
 namespace zel::app {
 
 // The camera's own H.264 and sound, as they are: nothing is decoded.
-// Owner: the arguments must outlive the object.
+// Owner:  the arguments must outlive the object.
 class PassedFeed final : public LiveFeed,
                          public ZELCameraMediaDataDelegate,
                          public std::enable_shared_from_this<PassedFeed> {

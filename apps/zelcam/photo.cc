@@ -32,7 +32,8 @@ using Stored = Answer<std::optional<std::uint32_t>, std::optional<std::uint64_t>
 using Photo = Answer<Text, std::optional<ZELData>>;
 using Series = Answer<std::vector<std::string>, std::shared_ptr<const ZELDataArray>>;
 
-// The exposure steps of a bracket. Errors: nothing.
+// The exposure steps of a bracket.
+// Errors: nothing.
 std::optional<aeb_info> bracketIn(std::string_view text) {
   aeb_info bracket;
   std::uint8_t count = 0;

@@ -9,7 +9,8 @@ namespace zel::app {
 
 enum class PictureForm { png, jpeg };
 
-// What a picture's file is, by its extension: ".png", ".jpg" or ".jpeg". Errors: nothing for any other.
+// What a picture's file is, by its extension: ".png", ".jpg" or ".jpeg".
+// Errors: nothing for any other.
 std::optional<PictureForm> pictureFormOf(const std::string& path);
 
 // Writes the picture as the file of that path, in the form of its extension; it is replaced when the new one is whole.

@@ -14,7 +14,8 @@ namespace zel::app {
 // Errors: nothing where the picture is too large for memory.
 std::optional<std::vector<std::uint8_t>> pngOf(const platform::PixelBuffer& picture);
 
-// A PNG file's picture, whatever its colours are. Errors: nothing; `error` then names the file and the fault.
+// A PNG file's picture, whatever its colours are.
+// Errors: nothing; `error` then names the file and the fault.
 std::optional<platform::RgbaImage> readPng(const std::string& path, std::string& error);
 
 }  // namespace zel::app

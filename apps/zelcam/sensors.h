@@ -25,7 +25,8 @@ struct Sensors {
 // --gps, --gyro, --orientation and --extra, for the commands that take them, before options of their own.
 std::vector<Option> sensorOptionsAnd(std::vector<Option> others);
 
-// What those options gave. Errors: nothing; `error` then names the option and what it takes.
+// What those options gave.
+// Errors: nothing; `error` then names the option and what it takes.
 std::optional<Sensors> sensorsIn(const Values& values, std::string& error);
 
 }  // namespace zel::app

@@ -21,7 +21,7 @@ namespace zel::app {
 //
 // Stands between the player and the source as soon as there is sound: it sees every slice come, and so knows the
 // pictures' own times, and it keeps the sound that the source drops until its first picture has been encoded.
-// Owner: the arguments must outlive the object.
+// Owner:  the arguments must outlive the object.
 class StitchedFeed final : public LiveFeed,
                            public ZELLiveDataSourceProtocol,
                            public ZELCameraMediaDataDelegate,

@@ -30,8 +30,7 @@ struct LiveParts;
 //         own callbacks, of any kind and on any thread, it waits for nobody: what another thread is at may still be
 //         finishing.
 // Errors: every completion handler that still waits, of a request, a photo or an upload, is called on the main queue
-// with
-//         error 100, once; a handler that a later one has replaced is not.
+//         with error 100, once; a handler that a later one has replaced is not.
 class ZEL_EXPORT CameraStack {
  public:
   // serialNumber: the one camera to connect to; empty takes the first.
@@ -54,7 +53,8 @@ class ZEL_EXPORT CameraStack {
   // What a live data source of this camera works with; it keeps the camera's objects alive.
   LiveParts liveParts();
 
-  // What the link has seen so far. Thread: any thread.
+  // What the link has seen so far.
+  // Thread: any thread.
   LinkStatistics statistics() const;
 
  private:

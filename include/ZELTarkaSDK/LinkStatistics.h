@@ -34,7 +34,7 @@ struct ZEL_EXPORT DroppedFrames {
 };
 
 // What one camera stack has seen of its link, since the stack was made.
-// Units: frames; bytes of whole frames, headers included; milliseconds.
+// Units:  frames; bytes of whole frames, headers included; milliseconds.
 struct ZEL_EXPORT LinkStatistics {
   std::array<std::uint64_t, kFrameTypeCount> frames{};  // by data type, see FrameType
   std::array<std::uint64_t, kFrameTypeCount> bytes{};

@@ -25,7 +25,8 @@ struct Ports;
 class ZEL_EXPORT LinuxMedia {
  public:
   struct Options {
-    // Hears why a picture could not be stitched, one sentence each. Empty: standard error. Thread: any thread.
+    // Hears why a picture could not be stitched, one sentence each. Empty: standard error.
+    // Thread: any thread.
     std::function<void(const std::string&)> warn;
     // 1: a picture comes out in the call that decodes it. Several, up to 16, decode pictures side by side, and each
     // comes out so many pictures later: for streams that one processor is too slow for.

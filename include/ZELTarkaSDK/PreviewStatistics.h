@@ -7,7 +7,7 @@
 namespace zel {
 
 // What has become of a preview's encoded pictures, since its player was made.
-// Units: units of the stream that hold a picture or a slice of one.
+// Units:  units of the stream that hold a picture or a slice of one.
 struct ZEL_EXPORT PreviewStatistics {
   std::uint64_t units = 0;           // that came to be decoded
   std::uint64_t dropped = 0;         // of those, never decoded, since too many waited

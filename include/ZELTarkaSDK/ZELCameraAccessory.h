@@ -48,7 +48,7 @@ class ZEL_EXPORT ZELCameraAccessory {
   static ZELCameraAccessory& defaultCamera();
 
   // serialNumber: the one accessory to connect to; empty takes the first that speaks the camera's protocol.
-  // Owner: ports and parser must outlive the object.
+  // Owner:  ports and parser must outlive the object.
   ZELCameraAccessory(const zel::platform::Ports& ports, CameraDataParser& parser, std::string serialNumber = {});
   ~ZELCameraAccessory();
   ZELCameraAccessory(const ZELCameraAccessory&) = delete;
@@ -99,7 +99,8 @@ class ZEL_EXPORT ZELCameraAccessory {
   void openConnection();
   void closeConnection();
 
-  // writeData: - queues bytes for the camera. Thread: any thread. Without a session they are dropped.
+  // writeData: - queues bytes for the camera. Without a session they are dropped.
+  // Thread: any thread.
   void writeData(const ZELData& data);
 
   // Called by the transport: a frame was routed; a session has opened; synchronise the clocks; the camera's answer to

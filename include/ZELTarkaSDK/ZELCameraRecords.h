@@ -9,7 +9,8 @@
 // Records that the camera's messages carry: their memory is their wire form. Where a field has no name of its own, its
 // meaning is the camera's; the framework passes it through.
 
-// Where a picture is taken. Units:  degrees, degrees, metres.
+// Where a picture is taken.
+// Units:  degrees, degrees, metres.
 struct ZELGpsData {
   zel::F64 latitude;   //  0
   zel::F64 longitude;  //  8

@@ -98,7 +98,7 @@ class ZEL_EXPORT ZELCameraUCD {
   void parserReceiveUint8ResponseAndUint32ValueData(const Data& data, std::int64_t msgType);
 
   // addCameraNotificationReceiver: - the receiver hears of every event; one that is added twice hears twice.
-  // Owner: held until it is removed.
+  // Owner:  held until it is removed.
   void addCameraNotificationReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver);
   // removeCameraNotificationReceiver: - every addition of it. Afterwards it hears nothing and is not being called;
   // inside a callback nobody is waited for, and a call in progress on another thread is the last.
@@ -187,7 +187,7 @@ class ZEL_EXPORT ZELCameraUCD {
   // msgReqBatteryWithRebackBlock: - power type, battery level.
   void msgReqBatteryWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint8_t> rebackBlock);
   // msgReqGetCardStateWithRebackBlock: - state, then the card's whole and free space.
-  // Units: bytes.
+  // Units:  bytes.
   void msgReqGetCardStateWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint64_t, std::uint64_t> rebackBlock);
   // msgReqGetSerialNumber: - the text is absent where the camera's is not ASCII.
   void msgReqGetSerialNumber(TextBlock rebackBlock);

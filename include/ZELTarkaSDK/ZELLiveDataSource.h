@@ -44,7 +44,8 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
 
   // initWitCameraResolution:stitchWidth:stitchHeight:bitrate: ("Wit" is the interface's spelling) - for the
   // process-wide stack, for any stack, or for parts that stand by themselves. resolution: the camera's video resolution
-  // code. Units: pixels of the stitched pictures; the bitrate is the encoder's.
+  // code.
+  // Units:  pixels of the stitched pictures; the bitrate is the encoder's.
   static Source initWitCameraResolution(Number resolution, Number stitchWidth, Number stitchHeight, Number bitrate);
   static Source initWitCameraResolution(zel::CameraStack& stack, Number resolution, Number stitchWidth,
                                         Number stitchHeight, Number bitrate);
@@ -65,7 +66,8 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
   void getCameraMediaOffset(OffsetBlock result);
 
   // startPreviewWithFrame:result: - the view that plays the preview, null where the host shows nothing. After a failure
-  // result is never called. Thread: result runs on the main queue.
+  // result is never called.
+  // Thread: result runs on the main queue.
   void startPreviewWithFrame(const ZELRect& frame, ViewBlock result);
   void stopPreview();
 
@@ -101,7 +103,7 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
   bool isEncode() const;
   void setIsStitch(bool isStitch);
   void setIsEncode(bool isEncode);
-  // Units: degrees. They count when the renderer is made, which is when the first picture comes.
+  // Units:  degrees. They count when the renderer is made, which is when the first picture comes.
   float logoAngle() const;
   std::optional<zel::platform::RgbaImage> logoImage() const;
   void setLogoAngle(float angle);

@@ -17,15 +17,17 @@ class ZEL_EXPORT ZELLiveDataSourceProtocol {
 
   virtual ~ZELLiveDataSourceProtocol() = default;
 
-  // sourceOnError: - see the codes in ZELLiveDataSource.h. Thread: main queue.
+  // sourceOnError: - see the codes in ZELLiveDataSource.h.
+  // Thread: main queue.
   virtual void sourceOnError(const ZELError& error) = 0;
 
-  // sourceOnRawPixelBuffer:timestamp: - a picture as the camera sent it. Optional. Thread: decode thread.
+  // sourceOnRawPixelBuffer:timestamp: - a picture as the camera sent it. Optional.
+  // Thread: decode thread.
   virtual void sourceOnRawPixelBuffer(const zel::platform::PixelBufferRef& /*pixelBuffer*/,
                                       std::int64_t /*timestamp*/) {}
 
-  // sourceOnStitchPixelBuffer:timestamp: - a stitched picture. Optional. Thread: render thread; do not stop the source
-  // from inside, which waits for this very thread.
+  // sourceOnStitchPixelBuffer:timestamp: - a stitched picture. Optional.
+  // Thread: render thread; do not stop the source from inside, which waits for this very thread.
   virtual void sourceOnStitchPixelBuffer(const zel::platform::PixelBufferRef& /*pixelBuffer*/,
                                          std::int64_t /*timestamp*/) {}
 
@@ -36,7 +38,8 @@ class ZEL_EXPORT ZELLiveDataSourceProtocol {
   // sourceOnH264Nalu:size:keyFrame:timestamp: - one unit behind its start code of 4 bytes.
   virtual void sourceOnH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) = 0;
 
-  // sourceOnAACHeader:size: - the AudioSpecificConfig, once a run. Thread: session thread, as for the next.
+  // sourceOnAACHeader:size: - the AudioSpecificConfig, once a run.
+  // Thread: session thread, as for the next.
   virtual void sourceOnAACHeader(Bytes header) = 0;
 
   // sourceOnAACData:size:timestamp: - one AAC frame.

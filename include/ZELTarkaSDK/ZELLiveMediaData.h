@@ -8,7 +8,7 @@
 #include <ZELTarkaSDK/platform/export.h>
 
 // One encoded piece of media, for a host that queues what it receives. What the types mean is the host's.
-// Units: timestamp in milliseconds.
+// Units:  timestamp in milliseconds.
 class ZEL_EXPORT ZELLiveMediaData {
  public:
   // initWithMediaData:timestamp:type: - no key frame at first.

@@ -81,16 +81,19 @@ class ZEL_EXPORT ZELPreviewPlayer final : public zel::PreviewConsumer, public ZE
   // given; null, and the time untouched, when there is none.
   zel::platform::PixelBufferRef copyNextFrame(std::int64_t* timestamp);
 
-  // What has become of the encoded pictures. Thread: any thread.
+  // What has become of the encoded pictures.
+  // Thread: any thread.
   zel::PreviewStatistics statistics() const;
 
-  // onPixelBuffer:withTimesTamp: - a decoded picture. Thread: decode thread.
+  // onPixelBuffer:withTimesTamp: - a decoded picture.
+  // Thread: decode thread.
   void onPixelBuffer(const zel::platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) override;
 
   // isValid: - whether a parameter set with this NAL header byte counts.
   static bool isValid(std::uint8_t nalHeader);
 
-  // synTimestamp - sets both clocks to the later of the two. Thread: session thread.
+  // synTimestamp - sets both clocks to the later of the two.
+  // Thread: session thread.
   void synTimestamp();
 
  private:

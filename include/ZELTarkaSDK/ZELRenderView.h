@@ -35,7 +35,8 @@ class ZEL_EXPORT ZELRenderView {
   // playVideoStream:offset: - shows the player's pictures from now on. offset: the camera's lens offset, as its text.
   void playVideoStream(std::shared_ptr<ZELPreviewPlayer> player, std::string_view offset);
 
-  // The image that is shown; null before the first, and where the host cannot tell. Thread: any thread.
+  // The image that is shown; null before the first, and where the host cannot tell.
+  // Thread: any thread.
   zel::platform::PixelBufferRef picture() const;
 
  private:

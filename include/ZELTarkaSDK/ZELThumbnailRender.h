@@ -35,8 +35,8 @@ class ZEL_EXPORT ZELThumbnailRender {
   void setHeight(std::int32_t height) { height_ = height; }
 
   // copyPixelBufferWithDecodeH264Data: - the last key frame's picture. data: units, each behind a start code of 4
-  // bytes. Errors: null, whatever is wrong: no data, no valid parameter sets before the key frame, a picture that
-  // cannot be
+  // bytes.
+  // Errors: null, whatever is wrong: no data, no valid parameter sets before the key frame, a picture that cannot be
   //         decoded.
   zel::platform::PixelBufferRef copyPixelBufferWithDecodeH264Data(const ZELData& data);
 

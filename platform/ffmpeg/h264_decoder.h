@@ -19,8 +19,9 @@ struct LibavDecoderOptions {
 // A stream that declares limited range is stretched to full range; every other one is handed on as it was decoded. A
 // picture of which a slice is broken is not shown. Where parameter sets within the stream change the picture's size,
 // pictures of the new size follow. A stream that reorders pictures, and whose parameter set does not say how far, is
-// found out by its first B slice; from then on as many pictures are held back as its level allows. Errors: a stream in
-// another format gives no decoder, and where the parameter set does not tell, no picture. The stage's
+// found out by its first B slice; from then on as many pictures are held back as its level allows.
+// Errors: a stream in another format gives no decoder, and where the parameter set does not tell, no picture. The
+//         stage's
 //         status is FFmpeg's.
 class LibavVideoDecoders final : public VideoDecoders {
  public:

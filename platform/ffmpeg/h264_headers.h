@@ -51,7 +51,8 @@ struct H264SliceStart {
   bool bidirectional = false;  // a B slice, which only a stream with reordered pictures has
 };
 
-// unit: from the header byte on. Errors: nothing for what is no slice, or too short.
+// unit: from the header byte on.
+// Errors: nothing for what is no slice, or too short.
 std::optional<H264SliceStart> parseH264SliceStart(std::span<const std::uint8_t> unit);
 
 }  // namespace zel::platform

@@ -12,11 +12,12 @@ std::string accessoryFolderPath(const std::string& chosen);
 
 // Makes the folder, and the one above it, with mode 0700 where they are missing, and checks that nobody but this user
 // can plug there: the folder is this user's and neither group nor others may write it. A symbolic link is followed when
-// this user made it, since a stranger's link could be turned elsewhere at any time. Errors: false; `error` names the
-// folder, the fault and the remedy.
+// this user made it, since a stranger's link could be turned elsewhere at any time.
+// Errors: false; `error` names the folder, the fault and the remedy.
 bool prepareAccessoryFolder(const std::string& path, std::string& error);
 
-// Makes the folder and its missing parents with mode 0700. Errors: the error's number, else 0.
+// Makes the folder and its missing parents with mode 0700.
+// Errors: the error's number, else 0.
 int makeFolders(std::string_view path);
 
 }  // namespace zel::platform

@@ -11,7 +11,8 @@
 
 namespace zel::render {
 
-// Hears of faults, a sentence each. Thread: any thread, several at a time.
+// Hears of faults, a sentence each.
+// Thread: any thread, several at a time.
 using Diagnostics = std::function<void(const std::string& fault)>;
 
 // Tells each fault once, since most would come back with every picture; of those that come after the first

@@ -6,7 +6,7 @@
 namespace zel::render {
 
 // A plane to read from: of luma with a byte a pixel, or of chroma with Cb and Cr, two bytes a pixel.
-// Units: width and height in pixels of the plane, at least 2; stride in bytes, at least a row's.
+// Units:  width and height in pixels of the plane, at least 2; stride in bytes, at least a row's.
 struct SourcePlane {
   const std::uint8_t* data = nullptr;
   std::int32_t stride = 0;

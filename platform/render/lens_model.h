@@ -17,7 +17,8 @@ struct Direction {
   double x = 0, y = 0, z = 1;
 };
 
-// One lens. Units: pixels of the picture that LensModel names; degrees.
+// One lens.
+// Units:  pixels of the picture that LensModel names; degrees.
 struct Lens {
   double radius = 0;                    // of the image circle
   double centreX = 0, centreY = 0;      // of the image circle
@@ -40,8 +41,8 @@ struct ParsedLensModel {
 // Reads "2_750.000_760.000_760.000_0.000_0.300_-0.400_750.000_2280.000_760.000_179.800_-0.200_0.500_3040_1520_7": the
 // number of lenses; of each radius, centre x, centre y, yaw, pitch, roll; the picture's width and height; the model.
 // Thread: any thread.
-// Errors: strict. A field too many or too few, anything but a plain decimal number, and numbers that no camera has
-// give no model.
+// Errors: strict. A field too many or too few, anything but a plain decimal number, and numbers that no camera has give
+//         no model.
 ParsedLensModel parseLensModel(std::string_view text);
 
 double fieldOfView(std::uint32_t modelNumber);  // degrees

@@ -7,7 +7,7 @@
 
 namespace zel::render {
 
-// Units: pixels.
+// Units:  pixels.
 struct PictureSize {
   int width = 0, height = 0;
 
@@ -15,7 +15,8 @@ struct PictureSize {
 };
 
 // The planes of an NV12 picture to be written: luma, a byte a pixel, and Cb and Cr in turn at half the width and
-// height. Units: bytes from one row to the next.
+// height.
+// Units:  bytes from one row to the next.
 struct OutputPicture {
   std::uint8_t* luma = nullptr;
   std::size_t lumaStride = 0;

@@ -17,7 +17,8 @@ class PicturePool {
   // most: pictures that may be in use at a time; none is made before it is needed.
   PicturePool(PictureSize size, std::size_t most);
 
-  // A picture of anybody's former pixels. Errors: null while all are in use, and for a size that no picture has.
+  // A picture of anybody's former pixels.
+  // Errors: null while all are in use, and for a size that no picture has.
   std::shared_ptr<platform::MemoryPixelBuffer> take();
 
   // How many have been made.

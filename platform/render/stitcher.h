@@ -34,8 +34,8 @@ struct StitcherCreation {
 // Makes one equirectangular picture of what the camera's two lenses see.
 //
 // Everything that depends on the sizes alone is worked out when the first picture comes, or in prepare(), and again
-// when the source's size changes; after that a picture takes no allocation. Thread: one at a time, but for
-// setRemovePurple().
+// when the source's size changes; after that a picture takes no allocation.
+// Thread: one at a time, but for setRemovePurple().
 class Stitcher {
  public:
   static constexpr int kLargestSide = 16384;
@@ -67,7 +67,7 @@ class Stitcher {
 
   // Fills the whole output.
   // Errors: false, and nothing is written, for a source without pixels, with planes smaller than its size says, or of a
-  // size that prepare() refuses, and for an output without planes or with too short rows.
+  //         size that prepare() refuses, and for an output without planes or with too short rows.
   [[nodiscard]] bool stitch(const platform::PixelBuffer& source, const OutputPicture& output);
 
   PictureSize size() const { return output_; }

@@ -17,7 +17,8 @@ namespace zel::platform {
 class SimulatedRunLoop;
 
 // Runs every run loop and queue of the simulated platform one at a time, in virtual time. Each loop keeps its own
-// order; which loop or task goes next is drawn by the seed. Thread: one, but for what tasks of the global queue call.
+// order; which loop or task goes next is drawn by the seed.
+// Thread: one, but for what tasks of the global queue call.
 class SimulatedScheduler {
  public:
   explicit SimulatedScheduler(std::uint64_t seed) : random_(seed) {}

@@ -17,8 +17,7 @@ struct AudioTrack {
 
 // Cuts a file of ADTS frames. A last frame that is cut off is left out.
 // Errors: no frames for bytes that do not begin with a whole frame; nothing behind a frame that is followed by
-// something
-//         else.
+//         something else.
 AudioTrack framesIn(std::span<const std::uint8_t> file);
 
 // The header of 7 bytes before a frame of AAC-LC with `size` bytes, at 48 kHz in stereo.

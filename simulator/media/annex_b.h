@@ -13,7 +13,8 @@ struct VideoPicture {
   bool key = false;  // decoding can begin here
 };
 
-// A unit within a stream. Units: bytes from the stream's beginning.
+// A unit within a stream.
+// Units:  bytes from the stream's beginning.
 struct UnitPlace {
   std::size_t begin = 0;   // of the start code, with the zero of a code of four bytes
   std::size_t header = 0;  // of the unit's own first byte

@@ -13,7 +13,8 @@ inline constexpr double kBeepHertz = 1000;
 double beepSample(double seconds, bool right);
 
 // kLoopSeconds of it in AAC-LC, 48 kHz, stereo. Frame n sounds from n * 1024 / 48000 on, and the last one goes over
-// into the first one without a seam. Errors: no frames where FFmpeg has no AAC encoder.
+// into the first one without a seam.
+// Errors: no frames where FFmpeg has no AAC encoder.
 AudioTrack makeBeeps();
 
 }  // namespace zel::simulator

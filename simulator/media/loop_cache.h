@@ -18,7 +18,8 @@ class LoopCache {
   // No bytes where there is no such file, or none that can be read.
   Bytes find(const std::string& name) const;
 
-  // The file appears under its name when it is whole. Errors: none; what cannot be written is not kept.
+  // The file appears under its name when it is whole.
+  // Errors: none; what cannot be written is not kept.
   void keep(const std::string& name, const Bytes& content) const;
 
  private:

@@ -15,7 +15,8 @@
 
 namespace zel::simulator {
 
-// A frame of the stream, and when it is to be sent. Units: seconds since the source began.
+// A frame of the stream, and when it is to be sent.
+// Units:  seconds since the source began.
 struct MediaFrame {
   std::uint16_t type = 0;  // kVideo, kAudio or kTimestamp
   Bytes payload;

@@ -2,7 +2,8 @@
 
 namespace zel::simulator {
 
-// What a preview resolution code asks for, and how well it is seen. Units: pixels, pictures a second.
+// What a preview resolution code asks for, and how well it is seen.
+// Units:  pixels, pictures a second.
 struct PreviewFormat {
   int width = 0, height = 0, rate = 0;
   int bitrate = 0;  // bits a second, with the grain of a sensor; 0: without grain, in as many bits as that takes

@@ -13,7 +13,8 @@
 namespace zel::simulator {
 
 // The camera's view of the moving scene as H.264: both lenses' circles, full range, a key picture with its parameter
-// sets each second, start codes of four bytes, no reordering. Thread: one at a time.
+// sets each second, start codes of four bytes, no reordering.
+// Thread: one at a time.
 class SceneFilm {
  public:
   // The map of the lenses is built here, which takes longer than a picture. The width is a multiple of 4.
@@ -21,7 +22,8 @@ class SceneFilm {
 
   bool ok() const { return encoder_ != nullptr; }  // false where FFmpeg has no libx264
 
-  // The next picture; its time is its number divided by the rate. Errors: a picture without bytes.
+  // The next picture; its time is its number divided by the rate.
+  // Errors: a picture without bytes.
   VideoPicture next();
 
  private:

@@ -6,7 +6,8 @@
 
 namespace zel::app {
 
-// What an AudioSpecificConfig says. Units: hertz.
+// What an AudioSpecificConfig says.
+// Units:  hertz.
 struct AudioConfig {
   int rate = 0;
   int channels = 0;

@@ -12,7 +12,8 @@ namespace zel::app {
 // Thread: any thread.
 class Deadline {
  public:
-  // Each wait may take that long from now on. Units: seconds.
+  // Each wait may take that long from now on.
+  // Units:  seconds.
   void allow(double seconds) { waitEnds_.store(after(seconds)); }
   // However long each of them may take, all of them end then.
   void endWithin(double seconds) { allEnds_.store(after(seconds)); }

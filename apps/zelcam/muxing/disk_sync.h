@@ -14,9 +14,11 @@ class DiskSync {
   DiskSync(const DiskSync&) = delete;
   DiskSync& operator=(const DiskSync&) = delete;
 
-  // The file, which must be there, and its name in its folder. Errors: the error's number, else 0.
+  // The file, which must be there, and its name in its folder.
+  // Errors: the error's number, else 0.
   int open(const std::string& path);
-  // Waits for the disk. Errors: likewise.
+  // Waits for the disk.
+  // Errors: likewise.
   int sync() const;
 
  private:

@@ -6,7 +6,7 @@
 
 namespace zel::app {
 
-// Units: pixels.
+// Units:  pixels.
 struct PictureSize {
   std::int32_t width = 0, height = 0;
 

@@ -10,7 +10,7 @@ namespace zel::app {
 // The files that FFmpeg's HLS muxer opens and closes by itself, without asking how that went: a segment, or a new list,
 // that cannot be written whole is removed, and from then on nothing is written. The muxer renames a list when it has
 // closed it; one that is no longer there takes no other's place.
-// Owner: the object must outlive the muxer.
+// Owner:  the object must outlive the muxer.
 class HlsFiles {
  public:
   HlsFiles() = default;

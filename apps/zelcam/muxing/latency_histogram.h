@@ -9,7 +9,7 @@ namespace zel::app {
 
 // How long things took, to the millisecond, in a memory that does not grow. What took longer than it can tell counts
 // as the longest.
-// Units: milliseconds.
+// Units:  milliseconds.
 class LatencyHistogram {
  public:
   static constexpr int kLongest = 9'999;

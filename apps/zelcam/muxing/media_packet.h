@@ -18,7 +18,7 @@ struct VideoColour {
 };
 
 // What an output must know before the first packet. Parameter sets without start code; the sound is AAC.
-// Units: pixels.
+// Units:  pixels.
 struct StreamHeaders {
   ZELData sps;
   ZELData pps;
@@ -34,7 +34,7 @@ struct StreamHeaders {
 enum class Track { video, audio };
 
 // One picture with start codes of four bytes, or one AAC frame without header.
-// Units: microseconds, the time since the first picture.
+// Units:  microseconds, the time since the first picture.
 struct MediaPacket {
   Track track = Track::video;
   bool key = false;  // a picture from which decoding can begin

@@ -31,7 +31,8 @@ struct OutputRules {
   std::string name;
   // A new attempt; each sink is opened once.
   std::function<std::unique_ptr<Sink>()> makeSink;
-  // Hears what people want to know. Thread: the output's.
+  // Hears what people want to know.
+  // Thread: the output's.
   std::function<void(const std::string&)> tell;
   std::optional<RetryRules> retry;  // nothing: the first fault is the end, as of a file
   QueueLimits limits;

@@ -11,10 +11,12 @@
 
 namespace zel::app {
 
-// All outputs of a stream. Thread: any thread; nothing but finish() waits.
+// All outputs of a stream.
+// Thread: any thread; nothing but finish() waits.
 class Outputs {
  public:
-  // tell: hears what people want to know. Thread: any thread, several at a time.
+  // tell: hears what people want to know.
+  // Thread: any thread, several at a time.
   Outputs(std::span<const OutputAddress> addresses, const std::function<void(const std::string&)>& tell);
 
   void begin(const StreamHeaders& headers);

@@ -8,7 +8,7 @@
 namespace zel::app {
 
 // All slices of one picture, each behind its start code of 4 bytes.
-// Units: milliseconds.
+// Units:  milliseconds.
 struct JoinedPicture {
   std::vector<std::uint8_t> bytes;
   bool key = false;

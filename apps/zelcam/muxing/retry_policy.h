@@ -4,7 +4,7 @@
 
 namespace zel::app {
 
-// Units: seconds.
+// Units:  seconds.
 struct RetryRules {
   int most = 20;  // attempts in a row
   double first = 2;

@@ -17,7 +17,8 @@ class Sink {
  public:
   virtual ~Sink() = default;
 
-  // Begins; the first call. Errors: what went wrong.
+  // Begins; the first call.
+  // Errors: what went wrong.
   virtual Fault open(const StreamHeaders& headers) = 0;
   // The next packet. One that the format makes nothing of is left out.
   // Errors: likewise; the sink is then good for nothing but destruction.
@@ -28,7 +29,8 @@ class Sink {
   // What was left out so far.
   virtual LeftOut leftOut() const { return {}; }
 
-  // What waits for somebody else, now or later, fails when that many seconds are over. Thread: any thread.
+  // What waits for somebody else, now or later, fails when that many seconds are over.
+  // Thread: any thread.
   virtual void endWithin(double /*seconds*/) {}
 };
 

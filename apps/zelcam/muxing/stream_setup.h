@@ -11,10 +11,12 @@ inline constexpr int kVideoStream = 0, kAudioStream = 1;
 // Errors: false where there is no memory, or the sound is of a kind that is not known.
 bool addStreams(AVFormatContext& muxer, const StreamHeaders& headers);
 
-// Tells players that the pictures are equirectangular. Errors: false where there is no memory.
+// Tells players that the pictures are equirectangular.
+// Errors: false where there is no memory.
 bool markSpherical(AVStream& stream);
 
-// The packet as the muxer takes it, with a copy of the bytes. Errors: null where there is no memory.
+// The packet as the muxer takes it, with a copy of the bytes.
+// Errors: null where there is no memory.
 PacketPtr packetFor(const AVFormatContext& muxer, const MediaPacket& packet);
 
 }  // namespace zel::app

@@ -15,7 +15,8 @@
 
 namespace zel::app {
 
-// What has been handed to the outputs. Units: microseconds, bytes.
+// What has been handed to the outputs.
+// Units:  microseconds, bytes.
 struct WrittenStream {
   std::uint64_t pictures = 0, audioFrames = 0;
   std::uint64_t droppedAudio = 0;  // frames that came before a run's first picture, and did not sound with it either
@@ -50,7 +51,8 @@ class StreamWriter {
   // Parameter sets without start code; later ones are put before the next key picture where they differ.
   void onParameterSets(Bytes sps, Bytes pps);
   void onAudioConfig(Bytes config);
-  // picture: its units, each behind its start code. Units: milliseconds.
+  // picture: its units, each behind its start code.
+  // Units:  milliseconds.
   void onPicture(Bytes picture, bool key, std::int64_t time, TimePoint arrival);
   void onAudio(Bytes frame, std::int64_t time);
 

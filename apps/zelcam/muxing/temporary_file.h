@@ -24,10 +24,12 @@ class TemporaryFile {
   int descriptor() const { return file_; }
   const std::string& path() const { return path_; }
 
-  // Writes behind what it holds. Errors: false; errno says why.
+  // Writes behind what it holds.
+  // Errors: false; errno says why.
   bool write(std::span<const std::uint8_t> bytes) const;
 
-  // Both see to it first that a power cut finds it whole under its name. Errors: false; errno says why.
+  // Both see to it first that a power cut finds it whole under its name.
+  // Errors: false; errno says why.
   bool replace(const std::string& path);
   // Never replaces a file: errno is then EEXIST.
   bool appearAs(const std::string& path);

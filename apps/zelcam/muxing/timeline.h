@@ -8,7 +8,7 @@ namespace zel::app {
 // Makes one line of time out of a source's runs, for all outputs: it begins with the first key picture, goes on where
 // the run before ended, and never goes backwards on either track. Sound that comes at the camera's pace gets times
 // that are exact to the sample.
-// Units: milliseconds in, microseconds out.
+// Units:  milliseconds in, microseconds out.
 class Timeline {
  public:
   // rate: of the sound, in hertz.

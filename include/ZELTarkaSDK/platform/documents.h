@@ -10,7 +10,8 @@ class Documents {
  public:
   virtual ~Documents() = default;
 
-  // The documents folder, which is there when the call returns. Errors: empty where there is none.
+  // The documents folder, which is there when the call returns.
+  // Errors: empty where there is none.
   virtual std::string folder() = 0;
 };
 

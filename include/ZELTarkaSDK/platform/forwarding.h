@@ -90,7 +90,7 @@ class ForwardingOutputStream : public ForwardingStream<OutputStream> {
   std::ptrdiff_t write(std::span<const std::uint8_t> bytes) override { return wrapped().write(bytes); }
 };
 
-// Owner: owns the wrapped session. A subclass returns its own forwarding streams.
+// Owner:  owns the wrapped session. A subclass returns its own forwarding streams.
 class ForwardingAccessorySession : public AccessorySession {
  public:
   explicit ForwardingAccessorySession(std::unique_ptr<AccessorySession> wrapped) : wrapped_(std::move(wrapped)) {}
@@ -119,7 +119,7 @@ class ForwardingAccessoryManager : public AccessoryManager {
   AccessoryManager& wrapped_;
 };
 
-// Owner: owns the wrapped session.
+// Owner:  owns the wrapped session.
 class ForwardingVideoDecoder : public VideoDecoder {
  public:
   explicit ForwardingVideoDecoder(std::unique_ptr<VideoDecoder> wrapped) : wrapped_(std::move(wrapped)) {}
@@ -143,7 +143,7 @@ class ForwardingVideoDecoders : public VideoDecoders {
   VideoDecoders& wrapped_;
 };
 
-// Owner: owns the wrapped encoder.
+// Owner:  owns the wrapped encoder.
 class ForwardingVideoEncoder : public VideoEncoder {
  public:
   explicit ForwardingVideoEncoder(std::unique_ptr<VideoEncoder> wrapped) : wrapped_(std::move(wrapped)) {}

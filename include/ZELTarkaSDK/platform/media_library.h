@@ -13,7 +13,7 @@ class ZELPreviewPlayer;
 namespace zel::platform {
 
 // A picture of red, green, blue and straight (not multiplied) alpha, a byte each, in rows from the top without gaps.
-// Units: pixels. A receiver takes pictures of other sizes than `pixels` holds for none.
+// Units:  pixels. A receiver takes pictures of other sizes than `pixels` holds for none.
 struct RgbaImage {
   std::int32_t width = 0;
   std::int32_t height = 0;
@@ -22,7 +22,8 @@ struct RgbaImage {
   bool operator==(const RgbaImage&) const = default;
 };
 
-// A place on the screen. Units: points.
+// A place on the screen.
+// Units:  points.
 struct Rectangle {
   double x = 0, y = 0, width = 0, height = 0;
 
@@ -44,16 +45,18 @@ class FlatOffscreenRender {
   // setIsRenderVideo: - whether the pictures are those of a video; told before every picture of one.
   virtual void setIsRenderVideo(bool) {}
 
-  // setLogoAngle:, setLogoImage: - the logo at the nadir and how far it is turned. Units: degrees.
+  // setLogoAngle:, setLogoImage: - the logo at the nadir and how far it is turned.
+  // Units:  degrees.
   virtual void setLogoAngle(float) {}
   virtual void setLogoImage(const std::optional<RgbaImage>&) {}
 
-  // setRemovePurple: - whether purple fringes are removed, from the next picture on. Thread: any thread, also while a
-  // picture is being rendered.
+  // setRemovePurple: - whether purple fringes are removed, from the next picture on.
+  // Thread: any thread, also while a picture is being rendered.
   virtual void setRemovePurple(bool) {}
 
   // glContext - makes the renderer's own graphics context the calling thread's, and returns which one was it before.
-  // The second makes that one current again. Thread: any thread. A renderer without such a context does nothing.
+  // restoreContext makes that one current again. A renderer without such a context does nothing.
+  // Thread: any thread.
   virtual GraphicsContext makeContextCurrent() { return nullptr; }
   virtual void restoreContext(GraphicsContext) {}
 
@@ -73,7 +76,8 @@ class RenderView {
   // shows nothing more.
   virtual void playVideoStream(std::shared_ptr<ZELPreviewPlayer> player, std::string_view offset) = 0;
 
-  // The image that is shown; null before the first. Thread: any thread.
+  // The image that is shown; null before the first.
+  // Thread: any thread.
   virtual PixelBufferRef picture() { return nullptr; }
 };
 

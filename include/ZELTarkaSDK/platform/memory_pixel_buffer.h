@@ -17,7 +17,8 @@ class MemoryPixelBuffer final : public PixelBuffer {
   // The largest width and height; a picture of both takes 384 MiB.
   static constexpr std::int32_t kLargestSide = 16384;
 
-  // A black picture. Errors: null for a side below 1 or above kLargestSide.
+  // A black picture.
+  // Errors: null for a side below 1 or above kLargestSide.
   static std::shared_ptr<MemoryPixelBuffer> create(std::int32_t width, std::int32_t height) {
     if (std::min(width, height) < 1 || std::max(width, height) > kLargestSide) return nullptr;
     return std::shared_ptr<MemoryPixelBuffer>(new MemoryPixelBuffer(width, height));

@@ -51,7 +51,7 @@ struct ColourDifferences {
   double red = 0, green = 0, blue = 0;
 };
 
-// Units: cb and cr as in a picture of full range, 128 for no colour; the differences in the same steps.
+// Units:  cb and cr as in a picture of full range, 128 for no colour; the differences in the same steps.
 constexpr ColourDifferences differencesOf(ColourMatrix matrix, double cb, double cr) {
   const LumaShares share = lumaSharesOf(matrix);
   const double red = 2 * (1 - share.red) * (cr - 128), blue = 2 * (1 - share.blue) * (cb - 128);

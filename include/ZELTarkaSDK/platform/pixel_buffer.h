@@ -27,7 +27,7 @@ class PixelBuffer {
  public:
   virtual ~PixelBuffer() = default;
 
-  // Units: pixels, at least 1.
+  // Units:  pixels, at least 1.
   virtual std::int32_t width() const = 0;
   virtual std::int32_t height() const = 0;
 

@@ -63,7 +63,7 @@ struct ThreadBody {
 
 // A named thread with a run loop.
 // Owner:  destroying the handle stops the loop and waits for the thread's end; destroyed on its own thread, it does not
-// wait.
+//         wait.
 class Thread {
  public:
   virtual ~Thread() = default;

@@ -16,7 +16,7 @@ struct MediaTime {
   bool operator==(const MediaTime&) const = default;
 };
 
-// Units: pixels; pictures a second. The encoder says what the bitrate counts.
+// Units:  pixels; pictures a second. The encoder says what the bitrate counts.
 struct VideoEncoderSettings {
   std::int32_t width = 0;
   std::int32_t height = 0;
@@ -40,7 +40,8 @@ class VideoEncoder {
 
   virtual ~VideoEncoder() = default;
 
-  // Gets ready. Errors: false where the settings cannot be met.
+  // Gets ready.
+  // Errors: false where the settings cannot be met.
   virtual bool open() = 0;
 
   // Who gets the output; set after open() and before the first picture. Without a receiver the output is dropped.
