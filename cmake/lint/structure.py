@@ -16,6 +16,7 @@ PORTS = "include/ZELTarkaSDK/platform"
 LONGEST_FUNCTION = 60
 LONGEST_EXAMPLE = 59
 STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, and nothing with a slash or a suffix
+LABEL_IN_MID_LINE = re.compile(r"(^|\s)//.*\S.*\b(Units|Owner|Thread|Errors):( |$)")
 CLASS_OPERATION = re.compile(r"\b(default[A-Z]\w*|share[A-Z]\w*)\(")
 
 
@@ -175,6 +176,8 @@ def text_rules(root):
             text = line.decode("ascii", "replace")
             if re.search(r"\b(TODO|FIXME|XXX)\b(?!\([a-z]+\): )", text):
                 yield f"{relative}:{number}: write TODO(word): what is to be done"
+            if LABEL_IN_MID_LINE.search(text) and not relative.startswith("tests/"):
+                yield f"{relative}:{number}: a label of a contract begins its own line of the comment"
             is_declaration = relative.startswith("link/") and re.match(r"\s*static ", text)
             if CLASS_OPERATION.search(text) and not allowed_here and not is_declaration and "//" not in text:
                 yield f"{relative}:{number}: class operations are for hosts; take a reference in the constructor"

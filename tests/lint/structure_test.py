@@ -75,6 +75,16 @@ class StructureTest(unittest.TestCase):
     def test_finds_a_class_operation_in_the_core(self):
         self.assertEqual(self.check("text", {"command/a.cc": "X::defaultCamera().f();\n"})[0], 1)
 
+    def test_finds_a_label_of_a_contract_in_mid_line(self):
+        for text in ("// Sends it. Errors: false.\n", "int a;  // of the card; Units: bytes.\n", "// A.\n// B. Thread:\n// any.\n"):
+            code, output = self.check("text", {"link/a.h": text})
+            self.assertEqual(code, 1, text)
+            self.assertIn("label", output)
+
+    def test_accepts_a_label_that_begins_its_line(self):
+        self.assertEqual(self.check("text", {"link/a.h": "// Sends it.\n// Errors: false.\nint a;  // Units: bytes.\n"})[0], 0)
+        self.assertEqual(self.check("text", {"link/a.cc": 'auto text = "Thread: none";\n'})[0], 0)
+
     def test_finds_an_example_that_is_too_long_or_sees_more_than_a_host(self):
         self.assertEqual(self.check("examples", {"examples/a.cc": "#include <ZELTarkaSDK/A.h>\n" + "\n" * 58})[0], 0)
         self.assertEqual(self.check("examples", {"examples/a.cc": "\n" * 60})[0], 1)
