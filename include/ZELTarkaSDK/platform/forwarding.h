@@ -15,8 +15,9 @@
 
 namespace zel::platform {
 
-// Bases for faults of a camera, a clock or a codec: each passes every operation on to the object that it wraps, so that
-// a subclass states only what goes wrong. A base made with a reference does not own the object, which must outlive it.
+// Base classes for injecting faults of a camera, a clock or a codec. Each forwards every operation to the object that
+// it wraps, so a subclass contains only the fault. A base made with a reference does not own the object, which must
+// outlive it.
 //
 // Thread: as the wrapped object.
 
@@ -37,8 +38,8 @@ class ForwardingClock : public Clock {
   Clock& wrapped_;
 };
 
-// Delegates are told of the forwarding stream, not of the wrapped one, so that what they do to it is forwarded too.
-// The run loop is passed on untouched.
+// Delegates receive the forwarding stream, not the wrapped one, so their calls are forwarded too. The run loop is
+// passed on unchanged.
 template <class Port>
 class ForwardingStream : public Port {
  public:
@@ -54,7 +55,7 @@ class ForwardingStream : public Port {
   void close() override { wrapped_.close(); }
 
  protected:
-  // Passes an event on; override it to lose, double or change events.
+  // Forwards an event; override it to drop, repeat or change events.
   virtual void deliver(StreamDelegate& delegate, StreamEvent event) { delegate.streamHandleEvent(*this, event); }
 
   Port& wrapped() { return wrapped_; }
@@ -71,7 +72,7 @@ class ForwardingStream : public Port {
   };
 
   Port& wrapped_;
-  std::shared_ptr<Relay> relay_;  // goes with this stream, so that a wrapped one that lives longer tells nobody
+  std::shared_ptr<Relay> relay_;  // destroyed with this stream, so a wrapped stream that lives longer reports to no one
 };
 
 class ForwardingInputStream : public ForwardingStream<InputStream> {
