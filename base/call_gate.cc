@@ -39,7 +39,7 @@ class CallGate::State {
   bool closed_ ZEL_GUARDED_BY(mutex_) = false;
 };
 
-// One call in progress; it ends also where the call throws.
+// One call in progress; it also ends when the call throws.
 class CallGate::State::Turn {
  public:
   explicit Turn(State& gate) : gate_(gate) {}
@@ -60,7 +60,7 @@ void CallGate::State::enter(const std::function<void()>& call) {
 
 bool CallGate::State::isBusyElsewhere() const { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
 
-// Whether the calling thread makes the call.
+// Whether the calling thread runs the call.
 bool CallGate::State::begin(const std::function<void()>& call) {
   const MutexLock lock(mutex_);
   if (!closed_ && isBusyElsewhere() && insideCallback()) {
@@ -74,9 +74,9 @@ bool CallGate::State::begin(const std::function<void()>& call) {
   return true;
 }
 
-// The outermost call makes what has been handed over meanwhile.
+// The outermost call runs the calls that were handed over meanwhile.
 bool CallGate::State::takeHandedOver(std::function<void()>& call) {
-  std::function<void()> made = std::exchange(call, nullptr);  // what it holds goes without the lock
+  std::function<void()> made = std::exchange(call, nullptr);  // its captures are destroyed without the lock
   const MutexLock lock(mutex_);
   if (calls_ != 1 || handedOver_.empty()) return false;
   call = std::move(handedOver_.front());

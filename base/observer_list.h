@@ -14,8 +14,8 @@ namespace zel {
 
 // Observers called in the order of their addition, on the notifying thread, without the list's lock.
 //
-// Thread: any thread. One observer is never called by two threads at once. A thread that notifies from inside a
-//         callback does not wait for the other one: it leaves the call to it.
+// Thread: any thread. One observer is never called by two threads at once. A thread that notifies inside a callback
+//         does not wait for another thread in the observer: that thread makes the call.
 template <class... Args>
 class ObserverList {
  public:
@@ -24,7 +24,7 @@ class ObserverList {
   [[nodiscard]] Observation add(Observer observer) {
     auto entry = std::make_shared<Entry>(std::move(observer));
     const MutexLock lock(mutex_);
-    // Entries whose observation has gone are known by being held here alone.
+    // An entry whose observation was destroyed has no other owner than this list.
     std::erase_if(entries_, [](const auto& known) { return known.use_count() == 1; });
     entries_.push_back(entry);
     return Observation(std::shared_ptr<CallGate>(entry, &entry->gate));

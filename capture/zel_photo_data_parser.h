@@ -12,8 +12,8 @@
 #include "base/mutex.h"
 #include "link/roles.h"
 
-// Turns the photo frames that follow one shutter command into its answer: one picture, or a bracketed series. One
-// parser serves one command; its handler is called at most once.
+// Turns the photo frames that follow one shutter command into its result: one picture, or a bracketed series. Each
+// command has its own parser; its handler is called at most once.
 // Owner:  mainQueue must outlive the object.
 // Thread: parserData on the session thread, the rest on any thread; handlers run on the main queue.
 class ZELPhotoDataParser final : public zel::PhotoConsumer {
@@ -21,12 +21,12 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
   // initWithShutterBlock: - expects one picture.
   static std::unique_ptr<ZELPhotoDataParser> initWithShutterBlock(zel::platform::Queue& mainQueue, ZELPhotoBlock block);
 
-  // initWithAEBShutterCount:photoBlock: - expects that many; with 0 the first picture answers.
+  // initWithAEBShutterCount:photoBlock: - expects that many pictures; with 0 the first picture completes it.
   static std::unique_ptr<ZELPhotoDataParser> initWithAEBShutterCount(zel::platform::Queue& mainQueue,
                                                                      std::int32_t count, ZELPhotoSeriesBlock block);
 
-  // parserData:size: - one photo frame's payload. Shorter than a name and one byte of image it fails the capture with
-  // 101.
+  // parserData:size: - one photo frame's payload. If it is shorter than a name and one byte of image, the capture fails
+  // with 101.
   void parserData(zel::ByteView bytes) override;
 
   // replyBlockWithError: - the command failed.
@@ -47,9 +47,9 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
   ZELPhotoDataParser(zel::platform::Queue& mainQueue, std::variant<Single, Series> capture)
       : mainQueue_(mainQueue), capture_(std::move(capture)) {}
 
-  // The one call of a handler, for the main queue; null where there is nothing to call.
+  // The call of a handler, for the main queue; null when there is none.
   using Answer = zel::platform::Task;
-  // Each takes the handler out where it answers. The answer is posted once the lock is let go.
+  // Each removes the handler that it completes. The call is posted after the lock is released.
   static Answer parserShutterData(Single& single, zel::ByteView bytes);
   static Answer parserShutterAEBData(Series& series, zel::ByteView bytes);
   static Answer replyShutterBlockWithError(Single& single, const std::optional<ZELError>& error,

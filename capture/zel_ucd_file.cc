@@ -22,7 +22,7 @@ constexpr std::size_t kPathField = 64;
 constexpr std::size_t kFileHeader = zel::kFrameHeader + 2 + 2 + kPathField;  // file type, reserved, path
 static_assert(kLargestFile + kFileHeader == std::numeric_limits<std::uint32_t>::max());
 
-// The camera's answer:
+// The camera's reply:
 //
 //   0        2      4        6
 //   +--------+------+--------+------------------
@@ -32,7 +32,7 @@ constexpr std::size_t kReplyHeader = 2 + 2 + 2;
 constexpr std::uint16_t kUploadReply = 2;
 constexpr std::uint16_t kFailed = 1;
 
-// The first three characters go wherever the drive stands; hosts have come to rely on the name that results.
+// Removes the first three characters, wherever the drive is; hosts rely on the resulting name.
 std::string normalisedPath(const std::string& path) {
   for (const std::string_view drive : {"C:\\", "c:\\", "C:/", "c:/"}) {
     if (path.find(drive) != std::string::npos) return std::string(zel::withoutCharacters(path, 3));
@@ -69,7 +69,7 @@ void ZELUCDFile::sendFileWithType(std::int64_t type, const std::optional<std::st
   }
   const std::string path = normalisedPath(filePath.value_or(""));
   const ZELData frame = fileFrame(type, path, fileData.bytes());
-  const bool waits = !path.empty() && rebackBlock;  // an answer that names nothing is everybody's
+  const bool waits = !path.empty() && rebackBlock;  // a reply without a path completes all transfers
   if (waits) {
     const zel::MutexLock lock(mutex_);
     blocks_.announce(path);
@@ -101,8 +101,8 @@ void ZELUCDFile::parserUCD(zel::ByteView bytes) {
     expected = blocks_.isExpected(path);
     block = blocks_.take(path, answer);
   }
-  // Deliberate: who is named is answered here and at once; an answer that names nobody is everybody's, as a path longer
-  // than the field comes back cut.
+  // Deliberate: a transfer whose path is named is completed here, at once. A reply with an unknown path completes all
+  // transfers, because a path longer than the field is returned cut.
   if (block) return (*block)(answer);
   if (!expected) replyAllBlockWithError(answer);
 }

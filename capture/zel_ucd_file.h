@@ -13,8 +13,8 @@
 #include "base/pending_table.h"
 #include "link/roles.h"
 
-// Sends whole files to the camera, and matches its answers to the callers by the file's path.
-// There is no time-out: a transfer waits until its answer comes, or one that answers everybody.
+// Sends whole files to the camera, and matches its replies to the handlers by the file's path.
+// There is no timeout: a transfer is pending until its own reply, or a reply that completes all transfers.
 // Owner:  mainQueue must outlive the object.
 // Thread: parserUCD on the session thread, the rest on any thread.
 class ZELUCDFile final : public zel::FileReplyConsumer {
@@ -23,21 +23,21 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
   ZELUCDFile(std::function<void(const ZELData&)> writeData, zel::platform::Queue& mainQueue)
       : writeData_(std::move(writeData)), mainQueue_(mainQueue) {}
 
-  // sendFileWithType:filePath:fileData:rebackBlock: - sends the file as one frame. type: its low 16 bits go to the
-  // camera. filePath: what it shall be called there. A drive in it cuts its first three characters, wherever the drive
-  // stands: "C:/a" becomes "a", and "x/C:/a" becomes ":/a". The camera gets at most its first 64 bytes. Where nothing
-  // is left of the path, the handler is not kept and so never called; the answer, if any, goes to everybody who waits.
-  // Thread: the handler runs on the session thread where the answer names the path, and on the main queue where it
-  //         answers everybody or came before the call had returned.
-  // Errors: 100 connection lost; 101 the camera failed, answered nonsense, or the file is larger than a frame can say.
+  // sendFileWithType:filePath:fileData:rebackBlock: - sends the file as one frame. type: its low 16 bits are sent.
+  // filePath: the file's name on the camera. A path with a drive loses its first three characters, wherever the drive
+  // is: "C:/a" becomes "a", and "x/C:/a" becomes ":/a". The camera gets its first 64 bytes. If nothing is left of the
+  // path, the handler is dropped and never called; the reply, if any, completes all transfers.
+  // Thread: the handler runs on the session thread when the reply names the path, and on the main queue when the reply
+  //         completes all transfers or arrived before this call returned.
+  // Errors: 100 connection lost; 101 the camera failed, its reply is malformed, or the file is too large for a frame.
   void sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath, const ZELData& fileData,
                         zel::RebackBlock<> rebackBlock);
 
-  // parserUCD:size: - one answer of the camera.
+  // parserUCD:size: - one reply of the camera.
   void parserUCD(zel::ByteView bytes) override;
 
-  // replyAllBlockWithError:, replyAllBlockWithErrorCode:, replyAllBlockWithCameraError - answer every transfer that
-  // waits.
+  // replyAllBlockWithError:, replyAllBlockWithErrorCode:, replyAllBlockWithCameraError - complete every pending
+  // transfer.
   void replyAllBlockWithError(const std::optional<ZELError>& error);
   void replyAllBlockWithErrorCode(int code) { replyAllBlockWithError(zelOSStatusError(code)); }
   void replyAllBlockWithCameraError() { replyAllBlockWithErrorCode(kZELErrorRefused); }

@@ -9,7 +9,7 @@
 #include <ZELTarkaSDK/ZELMessageFields.h>
 #include <ZELTarkaSDK/ZELMessageKeys.h>
 
-// Adapters that take a reply dictionary apart for a handler with typed arguments.
+// Adapters from a reply dictionary to a handler with typed arguments.
 
 namespace zel {
 
@@ -17,7 +17,8 @@ inline std::optional<ZELError> errorIn(const std::optional<ZELMessageFields>& re
   return reply ? reply->get<ZELError>(key::nsError) : std::nullopt;
 }
 
-// The value that a handler's argument of type T gets: text, bytes and boxed numbers may be absent, others are 0 then.
+// The value of a handler's argument of type T. A missing text, byte buffer or optional number is absent, any other
+// missing value is 0.
 template <class T>
 struct ReplyValue {
   static T in(const std::optional<ZELMessageFields>& reply, std::string_view key) {

@@ -59,7 +59,7 @@ void RequestEngine::registerEvent(const CameraEvent& event) {
                             static_cast<std::int64_t>(event.code));
 }
 
-// The request is announced before the status is read: a link that is lost after that fails it, wherever it stands.
+// The request is announced before the status is read, so that a link that is lost after that fails it at any point.
 void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock) {
   if (rebackBlock) announce(msgType);
   if (isConnected()) {
@@ -139,7 +139,7 @@ void RequestEngine::failCapture(CameraDataParser& parser, int code) {
   if (const auto photo = parser.photoParser()) photo->replyBlockWithError(zelOSStatusError(code));
 }
 
-// The step that fails the capture does not run any more once the engine has gone, so it is failed here.
+// The step that fails the capture no longer runs once the engine is destroyed, so the capture is failed here.
 void RequestEngine::failEverything() {
   respondToAllWithError(kZELErrorNotConnected);
   failCapture(parser_, kZELErrorNotConnected);
@@ -161,7 +161,7 @@ void RequestEngine::addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> r
 }
 
 void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver) {
-  decltype(notificationReceivers_) removed;  // they may go with the last reference, and not under a lock
+  decltype(notificationReceivers_) removed;  // may hold the last references, which must not be released under a lock
   {
     const MutexLock lock(receiversMutex_);
     std::erase_if(notificationReceivers_, [&](const auto& one) {
@@ -171,7 +171,7 @@ void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver
       return true;
     });
   }
-  if (insideCallback()) return;  // the receiver's call may wait for this very thread
+  if (insideCallback()) return;  // the receiver's call may be waiting for this thread
   const MutexLock delivered(deliveryMutex_);
 }
 
@@ -182,9 +182,8 @@ void RequestEngine::removeAllReceivers() {
   for (const auto& one : removed) one->removed.store(true);
 }
 
-// Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
-// first, so that a receiver that changes it from inside, which it must not, does no harm; one that it removed may be
-// gone, where nobody holds it.
+// Deliberate: receivers run under the lock, so a removed one is not called any more. The list is copied first, so that
+// a receiver that wrongly changes it from inside does no harm. A receiver that it removed may already be destroyed.
 void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
   const auto held = keepAlive_.hold();
   const CallbackScope scope;

@@ -16,7 +16,7 @@ template <class T>
 void setField(ZELMessageFields& fields, std::string_view key, const T& value) {
   fields.set(key, value);
 }
-// What is absent is no field.
+// An absent value gives no field.
 template <class T>
 void setField(ZELMessageFields& fields, std::string_view key, const std::optional<T>& value) {
   if (value) fields.set(key, *value);
@@ -37,7 +37,7 @@ ZELMessageFields fieldsOf(const KeysAndValues&... keysAndValues) {
   return fields;
 }
 
-// The camera's record of a media library's object; all zero without one.
+// The camera's record of a media library's object; all zero for null.
 inline ZELGpsData recordOf(const std::shared_ptr<const ZELMediaGps>& gps) {
   return gps ? gps->getGpsData() : ZELGpsData{};
 }

@@ -31,7 +31,7 @@ void ZELCameraUCD::setDemuxVideoRes(std::uint64_t videoRes) { engine_->parser().
 
 void ZELCameraUCD::msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackBlock) {
   setDemuxVideoRes(videoRes);
-  // Even without a handler: the player must not mix the old stream with the new one.
+  // Also without a handler, so that the player does not mix the old stream with the new one.
   const auto resetting = [alive = engine_->whileAlive(), answer = takingApart(std::move(rebackBlock), ucharValue)](
                              const std::optional<ZELMessageFields>& reply) {
     alive([](CameraDataParser& parser) {
@@ -42,7 +42,7 @@ void ZELCameraUCD::msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackB
   request(family("registerMsgCmdStartVideo"), fieldsOf(ucharValue, videoRes), resetting);
 }
 
-// A shutter command that fails fails the capture too, which else would wait for its photo.
+// A failed shutter command also fails the capture, which would otherwise stay pending.
 template <class Block>
 RebackDic ZELCameraUCD::captureAdapter(Block rebackBlock) {
   if (!rebackBlock) return nullptr;

@@ -1,4 +1,4 @@
-// State, settings, and where the host is.
+// State, settings, and the host's position.
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
@@ -106,7 +106,7 @@ void ZELCameraUCD::msgReqSetAEMeterMode(Byte mode, ErrorBlock rebackBlock) {
 }
 
 void ZELCameraUCD::msgReqSetAEMMWeight(const ZELIPAEMMWeight& weight, ErrorBlock rebackBlock) {
-  // Deliberate: this has always gone out as the metering mode, whose packer knows no weights and sets mode 0.
+  // Deliberate: this has always been sent as the metering mode, whose packer ignores the weights and sets mode 0.
   request(family("registerMsgReqSetAEMeterMode"), fieldsOf(meteringWeights, weight),
           takingApart(std::move(rebackBlock)));
 }

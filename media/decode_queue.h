@@ -12,15 +12,15 @@
 
 namespace zel {
 
-// Units that wait to be decoded. From 16 on the oldest is dropped, so that a stall costs little delay; a key unit at
-// the head stays, since everything behind it needs it.
+// NAL units queued for decoding. From 16 on the oldest is dropped, so that a stall adds little delay. A key unit at the
+// head stays, because the units behind it depend on it.
 class DecodeQueue {
  public:
   using Unit = std::shared_ptr<orq::MediaBuffer>;
 
   static constexpr std::size_t kFull = 16;
-  // Only where nothing is decoded for many seconds do the units behind a waiting key unit come to this much; then the
-  // key unit goes too.
+  // The units behind a key unit reach this size only when nothing is decoded for many seconds; then the key unit is
+  // dropped too.
   static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 
   // Returns how many were dropped.
@@ -54,7 +54,7 @@ class DecodeQueue {
   std::size_t bytes_ = 0;
 };
 
-// Pictures that wait to be polled: the latest five.
+// Pictures for polling: the latest five.
 class PictureQueue {
  public:
   using Picture = std::shared_ptr<orq::MediaPixelBuffer>;

@@ -16,9 +16,9 @@ std::shared_ptr<MediaBuffer> piece(const std::uint8_t* data, std::int64_t begin,
   return std::make_shared<MediaBuffer>(data + begin, static_cast<int>(end - begin), 0);
 }
 
-// The unit that begins with the start code at `at`, which moves to where the next one begins, or to the end. It is
-// searched while it is copied, since a camera's chunk is mostly one large unit; its room grows with it.
-// Deliberate: a start code that begins in the last four bytes is not seen. It stays within its unit.
+// The unit that begins with the start code at `at`; `at` moves to the next start code, or to the end. The search and
+// the copy are one pass, since a camera's chunk is mostly one large unit; the buffer grows with the unit. Deliberate: a
+// start code that begins in the last four bytes is not recognised and stays part of its unit.
 std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_t* end) {
   constexpr std::int32_t kRoom = 120 << 10;
   const std::uint8_t* const first = std::exchange(at, end);
@@ -44,7 +44,7 @@ std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_
   return std::make_shared<MediaBuffer>(std::move(unit));
 }
 
-// Cuts bytes that begin with a start code; the last unit is apart.
+// Cuts bytes that begin with a start code; the last unit is returned separately.
 std::shared_ptr<MediaBuffer> cutAll(const std::uint8_t* at, const std::uint8_t* end, H264NaluParser::Units& units) {
   while (true) {
     auto unit = takeUnit(at, end);
@@ -61,7 +61,7 @@ H264NaluParser::Units H264NaluParser::AppendData(const void* data, int size) {
   return size >= kStartCode && zel::isStartCode(bytes) ? cutChunk(bytes, size) : continuePending(bytes, size);
 }
 
-// The very first chunk thus gives an empty unit first, which consumers skip by its size.
+// The very first chunk therefore gives an empty unit first, which consumers skip by its size.
 H264NaluParser::Units H264NaluParser::cutChunk(const std::uint8_t* data, std::int32_t size) {
   Units units{std::move(pending_)};
   pending_ = cutAll(data, data + size, units);
@@ -71,14 +71,15 @@ H264NaluParser::Units H264NaluParser::cutChunk(const std::uint8_t* data, std::in
 H264NaluParser::Units H264NaluParser::continuePending(const std::uint8_t* data, std::int32_t size) {
   if (pending_->size() > kLargestPending - std::min(size, kLargestPending)) pending_ = std::make_shared<MediaBuffer>();
   const std::int32_t held = pending_->size();
-  // A start code may straddle the seam: its first three bytes may be held already.
+  // A start code may span both: its first three bytes may be held already.
   const std::int32_t lookBack = std::min(held, kStartCode - 1) + size;
   if (held == 0 || pending_->data()[held - 1] != 0) return cutBehindSeam(data, size, lookBack);
   pending_->AppendData(data, size);
   return ProcessBuffer(lookBack);
 }
 
-// What ProcessBuffer() would do, where no start code straddles the seam, without a copy of what it cuts off.
+// The same result as ProcessBuffer() when no start code spans the held bytes and the chunk, without a copy of the
+// cut-off units.
 H264NaluParser::Units H264NaluParser::cutBehindSeam(const std::uint8_t* data, std::int32_t size,
                                                     std::int32_t lookBack) {
   const std::int32_t held = pending_->size();
@@ -89,7 +90,7 @@ H264NaluParser::Units H264NaluParser::cutBehindSeam(const std::uint8_t* data, st
     pending_->AppendData(data, size);
     return {};
   }
-  // Deliberate, as there: the first piece begins at offset lookBack of what is held and the chunk.
+  // Deliberate, as in ProcessBuffer(): the first piece begins at offset lookBack of the held bytes and the chunk.
   auto first = piece(pending_->data(), lookBack, held);
   const std::int32_t skipped = std::max(lookBack - held, 0);
   first->AppendData(data + skipped, static_cast<int>(found - data) - skipped);
@@ -106,7 +107,7 @@ H264NaluParser::Units H264NaluParser::ProcessBuffer(int lookBack) {
   const std::uint8_t* const end = data + size - kStartCode;
   const std::uint8_t* const found = zel::findStartCode(data + start, end);
   if (found == end) return {};
-  // Deliberate: the first piece begins at the look-back count, as an offset, and not at 0.
+  // Deliberate: the first piece begins at offset lookBack, not at 0.
   Units units{piece(data, lookBack, found - data)};
   pending_ = cutAll(found, data + size, units);
   return units;

@@ -8,8 +8,8 @@
 
 namespace orq {
 
-// Cuts the camera's H.264 stream at its start codes. The last unit of a chunk is held back: only the next start code
-// tells that it is complete. Every unit is a copy of its own, with timestamp 0.
+// Cuts the camera's H.264 stream into NAL units at its start codes. The last unit of a chunk is held back, because only
+// the next start code shows that it is complete. Every unit is a separate copy with timestamp 0.
 //
 //   chunk that begins with a start code:  what was held back goes out, the chunk is cut, its last unit is held back
 //   any other chunk:                      continues what is held back, and cuts it where a start code shows
@@ -19,14 +19,14 @@ class H264NaluParser {
  public:
   using Units = std::vector<std::shared_ptr<MediaBuffer>>;
 
-  // More than this without a start code is no H.264, and is dropped.
+  // More bytes than this without a start code are not H.264, and are dropped.
   static constexpr std::int32_t kLargestPending = 64 << 20;
 
-  // Takes one received chunk and gives the units that are complete. Null or a count below 1 is ignored.
+  // Takes one received chunk and returns the complete units. Null or a count below 1 is ignored.
   Units AppendData(const void* data, int size);
 
-  // Cuts what is held back, looking for start codes from `lookBack` bytes before its end on; the first unit begins at
-  // offset `lookBack`.
+  // Cuts the held-back bytes, searching for start codes from `lookBack` bytes before their end on; the first unit
+  // begins at offset `lookBack`.
   Units ProcessBuffer(int lookBack);
 
   // Bytes held back.

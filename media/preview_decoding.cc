@@ -29,7 +29,7 @@ void PreviewDecoding::offerPps(ByteView unit) {
   start(used, receiver);
 }
 
-// The decoder is made without the lock, since that takes time. A reset meanwhile makes it useless.
+// The decoder is created without the lock, because that takes time. A reset in between discards it.
 void PreviewDecoding::start(const ParameterSets& used, const Receiver& receiver) {
   auto made = ZELDecodeRunLoop::initWidthSps(threads_, *decoders_, used.sps(), used.pps(), receiver);
   const MutexLock lock(mutex_);
@@ -66,7 +66,7 @@ PreviewStatistics PreviewDecoding::statistics() const {
 }
 
 void PreviewDecoding::reset(Receiver receiver) {
-  std::shared_ptr<ZELDecodeRunLoop> ended;  // let go after the lock, as is the former receiver
+  std::shared_ptr<ZELDecodeRunLoop> ended;  // released after the lock, like the former receiver
   const MutexLock lock(mutex_);
   sets_ = {};
   receiver_.swap(receiver);

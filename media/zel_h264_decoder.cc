@@ -14,7 +14,7 @@ using zel::platform::DecodeStatus;
 namespace {
 
 constexpr std::size_t kShortestUnit = 4;
-constexpr std::int32_t kFailuresBeforeRecreation = 30;  // the 31st recreates: it is compared before it is counted
+constexpr std::int32_t kFailuresBeforeRecreation = 30;  // the 31st recreates: compared before incremented
 
 void printFailure(const DecoderCreation& creation) {
   if (creation.failedAt == DecoderCreationStage::description) {
@@ -63,7 +63,7 @@ DecodedPicture ZELH264Decoder::decodeFrame(zel::ByteView unit, std::int64_t time
   if (isWaitIFrame_ && !zel::isIdr(unit)) return {};
   isWaitIFrame_ = false;
   auto [status, picture] = session_->decode(unit, timestamp);
-  if (status == DecodeStatus::kept) return {};  // neither a failure nor a success
+  if (status == DecodeStatus::kept) return {};  // counts neither as failure nor as success
   if (status == DecodeStatus::sessionInvalid) {
     recreateSession();
     isWaitIFrame_ = true;
@@ -76,7 +76,7 @@ DecodedPicture ZELH264Decoder::decodeFrame(zel::ByteView unit, std::int64_t time
   return {};
 }
 
-// Deliberate: only a picture ends the count, so that behind the 31st every further failure recreates the session.
+// Deliberate: only a picture resets the count, so after the 31st every further failure recreates the session.
 void ZELH264Decoder::countFailure() {
   const bool isOneTooMany = decodeContinuousError_ >= kFailuresBeforeRecreation;
   if (decodeContinuousError_ < std::numeric_limits<std::int32_t>::max()) ++decodeContinuousError_;

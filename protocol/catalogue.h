@@ -13,11 +13,12 @@
 
 namespace zel {
 
-// The command layer's own number of a family of messages, and a code on the wire: two number spaces that must not meet.
+// The command layer's number of a family of messages, and a code on the wire. Two types, so that they cannot be mixed
+// up.
 enum class MsgType : std::int16_t {};
 enum class UcdCode : std::uint16_t {};
 
-// A reply bears its request's code with the highest bit set.
+// A reply has its request's code with the highest bit set.
 constexpr UcdCode replyTo(UcdCode request) { return UcdCode(static_cast<std::uint16_t>(request) | 0x8000); }
 
 // When the engine registers a family.
@@ -154,8 +155,8 @@ inline constexpr Family kFamilies[] = {
     {"registerMsgReqSetAudioBitrate",         90, 0x0013, {u32(uintValue)},                              flag()},
     {"registerMsgReqGetAudioBitrate",         91, 0x4048, {},                                            flag(u32(uintValue))},
     {"registerMsgReqBattery",                 18, 0x4001, {},                                            value(u8(ucharValue), u8(ucharValue2)), Registered::afterTheEvents},
-    // Deliberate: known but never registered, so that orientation updates are asked for and never sent. Cameras take
-    // the orientation with each capture, and some do not bear the update.
+    // Deliberate: never registered, so orientation updates are never sent. Cameras take the orientation from each
+    // capture, and some cannot handle the update.
     {"registerMsgReqUpdateOrientation",       50, 0x4021, {orientation},                                 silent, Registered::never},
 };
 // clang-format on
@@ -163,12 +164,12 @@ inline constexpr Family kFamilies[] = {
 
 using catalogue::kFamilies;
 
-// The family that the operation of this name registers; a wrong name does not compile.
+// The family registered by the operation of this name; a wrong name does not compile.
 consteval const Family& family(std::string_view registering) {
   return *std::ranges::find(kFamilies, registering, &Family::registering);
 }
 
-// Whether no two rows of a table agree in this column.
+// Whether all rows of a table differ in this column.
 template <class Rows, class Column>
 consteval bool distinct(const Rows& rows, Column column) {
   for (auto one = std::begin(rows); one != std::end(rows); ++one) {

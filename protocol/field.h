@@ -14,17 +14,17 @@
 
 namespace zel {
 
-// One field of a message's body: how it stands on the wire, and under which key it stands in the dictionary.
-// A key that is missing is packed as 0, or as nothing where the field has no fixed size.
+// One field of a message's body: its wire form and its key in the dictionary.
+// A missing key is packed as 0, or as nothing if the field has no fixed size.
 struct Field {
   std::string_view layout;  // for people
   std::string_view key;
-  std::size_t size;  // bytes on the wire; the fewest where it has no fixed size
+  std::size_t size;  // bytes on the wire; the minimum if it has no fixed size
   void (*append)(Bytes& body, const ZELMessageFields& fields, std::string_view key);
   void (*read)(ByteReader& body, ZELMessageFields& fields, std::string_view key);
 };
 
-// The fields of one body, in the order of the wire.
+// The fields of one body, in wire order.
 class FieldList {
  public:
   consteval FieldList() = default;
@@ -36,7 +36,7 @@ class FieldList {
   constexpr const Field* end() const { return fields_.data() + count_; }
   constexpr bool empty() const { return count_ == 0; }
 
-  // The fewest bytes that hold them.
+  // Their minimum size in bytes.
   constexpr std::size_t size() const {
     std::size_t sum = 0;
     for (const Field& field : *this) sum += field.size;
@@ -50,7 +50,7 @@ class FieldList {
 
 namespace field {
 
-// The wire's number may be another than the dictionary's; the number is then cut to its low bits.
+// The wire's type may be smaller than the dictionary's; the number is then truncated to its low bits.
 template <class Wire, class Value>
 void appendNumber(Bytes& body, const ZELMessageFields& fields, std::string_view key) {
   const Value* value = fields.find<Value>(key);
@@ -97,11 +97,11 @@ consteval Field s32(std::string_view key) { return number<std::int32_t>("s32", k
 consteval Field u64(std::string_view key) { return number<std::uint64_t>("u64", key); }
 consteval Field s64(std::string_view key) { return number<std::int64_t>("s64", key); }
 
-// One byte of the wire that is an int in the dictionary, and two bytes that are.
+// One or two bytes on the wire, an int in the dictionary.
 consteval Field u8OfInt(std::string_view key) { return number<std::uint8_t, std::int32_t>("u8", key); }
 consteval Field u16OfInt(std::string_view key) { return number<std::uint16_t, std::int32_t>("u16", key); }
 
-// Deliberate: of these two bytes only the first was ever written and read, and cameras expect it.
+// Deliberate: only the first of these two bytes was ever written and read, and cameras expect that.
 consteval Field lowByteOfU16(std::string_view key) {
   return {"u16, of which only the low byte counts", key, 2, appendLowByteAsU16, readLowByteOfU16};
 }
@@ -114,17 +114,16 @@ consteval Field record(std::string_view layout, std::string_view key) {
 // Bytes to the end, possibly none.
 consteval Field rest(std::string_view key) { return {"bytes to the end", key, 0, appendRest, readRest}; }
 
-// ASCII text to the end, at least a byte of it in a reply. Text that is not ASCII is packed as nothing and read as
-// absent.
+// ASCII text to the end, at least one byte in a reply. Other text is packed as nothing and read as absent.
 consteval Field ascii(std::string_view key) { return {"ASCII text to the end", key, 1, appendAscii, readAscii}; }
 
-// A file name: as many of its UTF-8 bytes as it has characters, and a zero. Deliberate: a name outside ASCII is cut
-// short, as it always was. An empty name is an empty body.
+// A file name: as many of its UTF-8 bytes as it has characters, and a zero. Deliberate: a name that is not ASCII is cut
+// short, as it always was. An empty name gives an empty body.
 consteval Field terminatedName(std::string_view key) {
   return {"UTF-8 name, zero-terminated", key, 0, appendTerminatedName, neverRead};
 }
 
-// A file name in a field of fixed size, filled up with zeros; a longer one is cut and has no terminator.
+// A file name in a field of fixed size, padded with zeros; a longer one is cut and has no terminator.
 template <std::size_t size>
 consteval Field nameField(std::string_view layout, std::string_view key) {
   return {layout, key, size,
@@ -139,7 +138,7 @@ consteval Field offsetText(std::string_view key) {
   return {"media offset record (80)", key, sizeof(ZELMediaOffset), appendOffsetText, readOffsetText};
 }
 
-// Up to a whole video metadata record; what is missing is 0, what is more is ignored.
+// A video metadata record; missing bytes are 0, extra bytes are ignored.
 consteval Field videoMnd(std::string_view key) {
   return {"VideoMnd record (up to 192)", key, 0, neverAppended, readVideoMnd};
 }

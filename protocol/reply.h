@@ -10,8 +10,7 @@
 
 namespace zel {
 
-// What a reply's body comes to: refused, which includes one that is too short to be used, or a success with a
-// dictionary or without one.
+// A decoded reply: refused (also when it is too short), or a success with or without a dictionary.
 struct Decoded {
   bool refused = false;
   std::optional<ZELMessageFields> fields;
@@ -20,13 +19,13 @@ struct Decoded {
   static Decoded success(std::optional<ZELMessageFields> fields = std::nullopt) { return {false, std::move(fields)}; }
 };
 
-// How a family's replies are read.
+// How a family's replies are decoded.
 struct Reply {
   enum class Form {
-    none,    // the camera does not answer
-    flag,    // a byte that is not 0 where the camera agrees, then the fields
-    value,   // the fields alone: whatever the camera answers is a success
-    custom,  // as the function has it
+    none,    // the camera does not reply
+    flag,    // a byte, 0 for a refusal, then the fields
+    value,   // only the fields: every reply is a success
+    custom,  // decoded by the function
   };
 
   Form form = Form::none;
@@ -52,13 +51,13 @@ consteval Reply custom(Decoded (*decode)(ByteView), std::string_view description
 // Bytes after the last field are ignored.
 Decoded decodeReply(const Reply& reply, ByteView body);
 
-// A capture: file time u32, file size u64, and a UTF-8 name that is there even where it is empty. No flag.
+// A capture: file time u32, file size u64, and a UTF-8 name, present even if empty. No flag.
 Decoded decodeCaptureResult(ByteView body);
 
 // A text file: flag, and the camera's own code, which a refusal carries beside the error.
 Decoded decodeTextFileResult(ByteView body);
 
-// Whatever comes is a success.
+// Every reply is a success.
 Decoded decodeAnything(ByteView body);
 
 }  // namespace zel

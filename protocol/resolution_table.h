@@ -11,8 +11,8 @@ struct PreviewFormat {
   bool operator==(const PreviewFormat&) const = default;
 };
 
-// What a preview resolution code stands for: the size by code / 4, the rate by code % 4.
-// Codes from 16 on are not known here: nullopt.
+// The format of a preview resolution code: the size by code / 4, the rate by code % 4.
+// Codes from 16 on are unknown: nullopt.
 constexpr std::optional<PreviewFormat> previewFormat(std::uint64_t code) {
   constexpr std::int32_t kSizes[][2] = {{1440, 720}, {2160, 1080}, {2560, 1280}, {3040, 1520}};
   constexpr std::int32_t kRates[] = {15, 20, 25, 30};
