@@ -9,14 +9,14 @@
 
 namespace zel {
 
-// Pictures a second of a camera's video resolution code. A code above 15 is deliberately left without any.
+// Pictures a second of a camera's video resolution code. Deliberately 0 for a code above 15.
 constexpr std::uint64_t framesPerSecond(std::uint64_t resolution) {
   constexpr std::uint64_t kRates[] = {15, 20, 25, 30};
   constexpr std::uint64_t kLastCode = 15;
   return resolution <= kLastCode ? kRates[resolution % 4] : 0;
 }
 
-// What the host sets, and the lens offset that the camera told.
+// The host's settings, and the camera's lens offset.
 // Thread: any thread.
 struct LiveSettings {
   LiveSettings(std::uint64_t resolutionCode, std::uint64_t stitchWidth, std::uint64_t stitchHeight,

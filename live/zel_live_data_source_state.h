@@ -25,13 +25,13 @@ struct ZELLiveDataSource::State {
         stitching(parts.ports.clock, parts.ports.mediaLibrary, settings),
         encoding(parts.ports.clock, parts.ports.videoEncoders) {}
 
-  // The de-multiplexer's, which another may have put there.
+  // The de-multiplexer's player, which other code may have set.
   std::shared_ptr<ZELPreviewPlayer> currentPlayer() const {
     return std::dynamic_pointer_cast<ZELPreviewPlayer>(parts.parser->previewPlayer());
   }
 
-  // A run is what begins with a start. It is known by the number of stops before it, so that a step of it that comes
-  // late does not begin anything after its stop.
+  // A run begins with a start and is identified by the number of stops before it, so that a late step does not start
+  // anything after its stop.
   std::uint64_t currentRun() const { return stops.load(); }
   bool isOver(std::uint64_t run) const { return cancelled.load() || stops.load() != run; }
 
@@ -44,14 +44,14 @@ struct ZELLiveDataSource::State {
 
   std::atomic<bool> cancelled = true;
   std::atomic<std::uint64_t> stops = 0;
-  // Held where a run attaches itself and where it is stopped, so that neither sees the other half done.
+  // Held while a run attaches itself and while it is stopped, so that each is atomic to the other.
   zel::Mutex attachMutex;
 
-  // Both uses, and the decision to let the camera go, are one: the lock is held until its commands are sent.
+  // Guards both uses and the decision to release the camera: it is held until the commands are sent.
   zel::Mutex statusLock;
-  std::atomic<bool> isPreview = false;  // set with the lock
-  std::atomic<bool> isLive = false;     // likewise
+  std::atomic<bool> isPreview = false;  // written under the lock
+  std::atomic<bool> isLive = false;     // written under the lock
 
-  // Last: observers end before what they use.
+  // Last: observers are removed before the objects that they use.
   std::unique_ptr<zel::platform::NotificationObservation> background, active;
 };

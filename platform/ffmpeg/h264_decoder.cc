@@ -22,7 +22,7 @@ constexpr std::uint8_t kDelimiter[] = {9, 0xF0};        // an access-unit delimi
 constexpr std::size_t kLargestUnit = 64u << 20;         // bytes
 constexpr std::size_t kLargestParameterSet = 1u << 16;  // bytes
 
-// FFmpeg looks for start codes anyway, so that the ones which a cutter left inside of a unit do no harm.
+// FFmpeg searches for start codes itself, so those that are left inside a unit do no harm.
 void appendUnit(std::vector<std::uint8_t>& stream, Bytes unit) {
   stream.insert(stream.end(), std::begin(kStartCode), std::end(kStartCode));
   stream.insert(stream.end(), unit.begin(), unit.end());
@@ -43,7 +43,7 @@ std::size_t lengthPrefix(Bytes unit) {
   return std::size_t{unit[0]} << 24 | std::size_t{unit[1]} << 16 | std::size_t{unit[2]} << 8 | std::size_t{unit[3]};
 }
 
-// The unit behind its length; nothing where the two do not fit.
+// The unit after its length; nothing when the length does not match.
 std::optional<Bytes> unitIn(Bytes prefixed) {
   if (prefixed.size() <= kLengthPrefix || prefixed.size() > kLargestUnit) return std::nullopt;
   const Bytes unit = prefixed.subspan(kLengthPrefix);
@@ -57,7 +57,7 @@ class LibavStream {
 
   AVCodecContext& context() { return *context_; }
 
-  // FFmpeg's code for the fault, 0 for none. The picture, if one came out, waits for receive().
+  // FFmpeg's error code, 0 for none. A decoded picture is returned by receive().
   int send(Bytes stream, std::int64_t timestamp) {
     const PacketPtr packet(av_packet_alloc());
     if (!packet || av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0) return AVERROR(ENOMEM);
@@ -89,11 +89,11 @@ bool isDecodable(const H264Sequence& sequence) {
   return sequence.chromaFormat <= 1 && sequence.bitDepth == 8 && 256 * macroblocks <= LibavVideoDecoders::kMostPixels;
 }
 
-// How units become packets.
+// How units are grouped into packets.
 enum class Feeding {
-  undecided,         // unit by unit; the first key picture tells how to go on
-  unitByUnit,        // each unit at once: FFmpeg gives a picture as soon as its last macroblock has been decoded
-  pictureByPicture,  // all units of a picture together, when the next picture shows that it is whole
+  undecided,         // unit by unit; the first keyframe decides how to continue
+  unitByUnit,        // each unit at once: FFmpeg returns a picture as soon as its last macroblock is decoded
+  pictureByPicture,  // all units of a picture together, once the next picture shows that it is complete
 };
 
 class H264Decoder final : public VideoDecoder {
@@ -142,7 +142,7 @@ class H264Decoder final : public VideoDecoder {
     reorderingIsKnown_ = sequence.reordersNever || sequence.reorderingIsDeclared;
   }
 
-  // False for a set that makes no sense: FFmpeg might take it and hold pictures back without end.
+  // False for an invalid SPS: FFmpeg might accept it and hold pictures back forever.
   bool followSequence(Bytes unit) {
     const auto sequence = parseH264Sequence(unit);
     if (!sequence || !isDecodable(*sequence)) return false;
@@ -150,7 +150,7 @@ class H264Decoder final : public VideoDecoder {
     return true;
   }
 
-  // FFmpeg would raise this by itself, step by step, and lose a picture at each.
+  // FFmpeg would raise this by itself, step by step, and lose a picture at each step.
   void expectReordering() {
     if (std::exchange(reorderingIsKnown_, true)) return;
     stream_.context().has_b_frames = std::max(stream_.context().has_b_frames, heldBackIfReordered_);
@@ -171,7 +171,7 @@ class H264Decoder final : public VideoDecoder {
     return withoutPicture(slice && fault >= 0 && !lostOne);
   }
 
-  // The first key picture consists of several units. It is decoded once more when all of them are there.
+  // The first keyframe consists of several units. It is decoded again when all of them have arrived.
   DecodeResult collectFromNowOn(Bytes unit, const std::optional<H264SliceStart>& slice, std::int64_t timestamp) {
     forgetPictures();
     feed(Feeding::pictureByPicture);
@@ -189,8 +189,8 @@ class H264Decoder final : public VideoDecoder {
     return result;
   }
 
-  // Several threads sometimes agree on a list of references that none of them can use; a key picture needs none, but
-  // they are freed from it only by force.
+  // With several threads FFmpeg sometimes gets an unusable reference list. A keyframe needs none, but only a flush
+  // resets it.
   DecodeResult decodeCollected() {
     const bool taken = sendCollected();
     packet_.clear();
@@ -201,7 +201,7 @@ class H264Decoder final : public VideoDecoder {
     return withoutPicture(taken && !lostOne);
   }
 
-  // With several threads a fault is that of a picture before.
+  // With several threads an error belongs to an earlier picture.
   bool sendCollected() {
     const bool taken = stream_.send(packet_, timestamp_) >= 0;
     if (taken || stream_.context().thread_count > 1) owed_.add(timestamp_);
@@ -225,9 +225,8 @@ class H264Decoder final : public VideoDecoder {
 
   static DecodeResult withoutPicture(bool kept) { return {kept ? DecodeStatus::kept : DecodeStatus::noPicture, {}}; }
 
-  // While FFmpeg waits for units of a picture it takes none of the next one. A packet that is said to be whole ends
-  // that. True where a picture before was lost: the new one may be unfinished, and those that are held back may be
-  // owed.
+  // While FFmpeg waits for units of a picture, it accepts none of the next one. A packet that is marked complete ends
+  // that. True when an earlier picture was lost; the new one may be incomplete, and others may be held back.
   bool beginPicture(std::int64_t timestamp) {
     owed_.add(timestamp);
     if (std::exchange(pictureBegun_, true)) {
@@ -254,11 +253,11 @@ class H264Decoder final : public VideoDecoder {
   OwedPictures owed_;
   int heldBackIfReordered_ = 1;
   bool reorderingIsKnown_ = false;
-  std::vector<std::uint8_t> packet_;  // units of the picture that is being collected
+  std::vector<std::uint8_t> packet_;  // units of the picture being collected
   std::int64_t timestamp_ = 0;        // of its first slice
   bool hasSlice_ = false;
-  bool failed_ = false;        // a picture since the last key picture
-  bool pictureBegun_ = false;  // unit by unit: a first slice was decoded, and no picture has come out since
+  bool failed_ = false;        // a picture failed since the last keyframe
+  bool pictureBegun_ = false;  // unit by unit: a first slice was decoded, and no picture was returned since
   bool ended_ = false;
 };
 
@@ -287,7 +286,7 @@ DecoderCreation LibavVideoDecoders::create(VideoDecoder::Bytes sps, VideoDecoder
   const int threads = std::clamp(options_.threads, 1, kMostThreads);
   CodecContextPtr context = makeContext(sps, pps, threads);
   if (!context) return refused(DecoderCreationStage::session, AVERROR(ENOMEM));
-  context->err_recognition = AV_EF_EXPLODE;  // while the parameter sets are read
+  context->err_recognition = AV_EF_EXPLODE;  // while the parameter sets are parsed
   const int status = avcodec_open2(context.get(), context->codec, nullptr);
   if (status < 0) return refused(DecoderCreationStage::description, status);
   context->err_recognition = 0;

@@ -7,7 +7,7 @@ namespace {
 
 thread_local LinuxRunLoop* loopOfThisThread = nullptr;
 
-// More than any sensible number of events that are due at once.
+// More than any realistic number of due events.
 constexpr int kTurnsOfOneDrain = 1000;
 
 }  // namespace
@@ -42,7 +42,7 @@ std::shared_ptr<LinuxRunLoop> LinuxRunLoop::create() { return std::shared_ptr<Li
 LinuxRunLoop::LinuxRunLoop() : alarm_(io_, [this] { runNext(); }), work_(io_.get_executor()) {}
 
 LinuxRunLoop::~LinuxRunLoop() {
-  stopped_.store(true);  // what dies now cannot queue anything more
+  stopped_.store(true);  // destructors of tasks cannot queue anything any more
   discard();
 }
 
@@ -52,13 +52,13 @@ LinuxRunLoop::Scope::Scope(LinuxRunLoop& loop) : outer_(std::exchange(loopOfThis
 
 LinuxRunLoop::Scope::~Scope() { loopOfThisThread = outer_; }
 
-// The task may let go of the loop before the call that brought it has returned, here and in wakeUp().
+// The task may release the loop before this call has returned, here and in wakeUp().
 void LinuxRunLoop::perform(Task task) {
   const auto self = shared_from_this();
   bool isFirst = false;
   {
     const MutexLock lock(mutex_);
-    if (stopped_.load()) return;  // the task dies with the parameter, after the lock
+    if (stopped_.load()) return;  // the task is destroyed with the parameter, after the lock
     tasks_.push_back(std::move(task));
     isFirst = !std::exchange(nextIsDue_, true);
   }
@@ -66,7 +66,7 @@ void LinuxRunLoop::perform(Task task) {
   if (isFirst) scheduleNext();
 }
 
-// On the loop's own thread nobody needs to be woken.
+// On the loop's own thread no wake-up is needed.
 void LinuxRunLoop::scheduleNext() {
   if (ofThisThread() != this) return alarm_.ring();
   asio::post(io_, [this] { runNext(); });
@@ -87,7 +87,7 @@ void LinuxRunLoop::runNext() {
   }
   if (more && !executor_) scheduleNext();
   task();
-  task = nullptr;  // what it holds goes before anything else runs
+  task = nullptr;  // its captures are destroyed before anything else runs
   if (executor_) runSources();
 }
 
@@ -123,7 +123,7 @@ void LinuxRunLoop::runSources() {
   }
 }
 
-// A loop with an executor cannot know whether the host sleeps, and says so, so that nobody leaves out the wake-up.
+// A loop with an executor does not know whether the host sleeps; it returns true, so that wake-ups are not omitted.
 bool LinuxRunLoop::isWaiting() const { return executor_ || waiting_.load(); }
 
 void LinuxRunLoop::wakeUp() {
@@ -138,7 +138,7 @@ void LinuxRunLoop::wakeUp() {
   asio::post(io_, wake);
 }
 
-// Ends the sleep also of a loop that has not reported it yet.
+// Also wakes a loop that is about to sleep and has not reported it yet.
 void LinuxRunLoop::nudge() {
   const auto self = shared_from_this();
   asio::post(io_, [this] { waiting_.store(false); });
@@ -157,8 +157,8 @@ void LinuxRunLoop::leave() {
   nudge();
 }
 
-// Announcing the sleep first and looking at the signals afterwards is what loses no wake-up: whoever signals either
-// sees the announcement and wakes the loop, or has signalled before this look.
+// Reports the sleep first and checks the signals afterwards, so that no wake-up is lost: a signalling thread either
+// sees the report and wakes the loop, or has signalled before the check.
 void LinuxRunLoop::turn() {
   runSources();
   waiting_.store(true);
@@ -198,7 +198,7 @@ void LinuxRunLoop::drain() {
 void LinuxRunLoop::setExecutor(Executor executor) { executor_ = std::move(executor); }
 
 void LinuxRunLoop::discard() {
-  std::deque<Task> doomed;  // destroyed without the lock: what a task holds may call the loop
+  std::deque<Task> doomed;  // destroyed without the lock, because a task's captures may call the loop
   const MutexLock lock(mutex_);
   doomed.swap(tasks_);
 }

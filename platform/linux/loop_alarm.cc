@@ -23,13 +23,13 @@ LoopAlarm::LoopAlarm(asio::io_context& context, std::function<void()> call)
   wait();
 }
 
-// It cannot fail: the count does not overflow in the life of a machine.
+// It cannot fail: the count does not overflow in practice.
 void LoopAlarm::ring() {
   const std::uint64_t one = 1;
   [[maybe_unused]] const ssize_t written = write(event_.native_handle(), &one, sizeof one);
 }
 
-// A read and not a wait: it is taken up again without a call of the kernel to say so.
+// A read instead of a wait: it is resumed without an extra system call.
 void LoopAlarm::wait() {
   event_.async_read_some(asio::buffer(&rings_, sizeof rings_), [this](const std::error_code& error, std::size_t) {
     if (error) return;

@@ -8,8 +8,8 @@
 
 namespace zel::platform {
 
-// Wakes a run loop from other threads. It holds no lock while it does so: a loop that wakes at once, on the same
-// processor, would only fall asleep again on that lock.
+// Wakes a run loop from other threads, without holding a lock: a loop that wakes at once on the same processor would
+// only sleep again on that lock.
 class LoopAlarm {
  public:
   // `call` runs on the thread that runs the context, after one or more calls of ring().
@@ -24,7 +24,7 @@ class LoopAlarm {
   void wait();
 
   asio::posix::stream_descriptor event_;
-  std::uint64_t rings_ = 0;  // since it was read last; the kernel's, never looked at
+  std::uint64_t rings_ = 0;  // buffer for the kernel's count; never used
   const std::function<void()> call_;
 };
 
