@@ -8,10 +8,10 @@
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
 
-// How one kind of request is built: the wire code and the handler that makes the body.
+// How one kind of request is packed: the wire code and the function that makes the body.
 class CameraMsgPacket {
  public:
-  // Called with the record's UCDMsgType, the request's fields and the source object. Nothing means an empty body.
+  // Called with the record's UCDMsgType, the request's fields and the source object. An empty result is an empty body.
   using PacketBlock =
       std::function<std::optional<ZELData>(std::int32_t ucdMsgType, const ZELMessageFields& fields, void* sourceObj)>;
 

@@ -7,7 +7,7 @@
 
 #include <ZELTarkaSDK/ZELData.h>
 
-// How one kind of reply or event is read: the command layer's message number and the handler that takes the body.
+// How one kind of reply or event is parsed: the command layer's message number and the function that reads the body.
 class CameraMsgParser {
  public:
   // Called with the record's msgType, the body (absent when the message has none) and the source object.

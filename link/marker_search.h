@@ -7,7 +7,7 @@
 
 namespace zel {
 
-// Where the synchronisation marker first stands in the bytes, nullopt where it does not.
+// The position of the first synchronisation marker; nullopt without one.
 std::optional<std::size_t> findMarker(ByteView bytes);
 
 }  // namespace zel

@@ -14,7 +14,7 @@ struct PictureSize {
   bool operator==(const PictureSize&) const = default;
 };
 
-// The planes of an NV12 picture to be written: luma, a byte a pixel, and Cb and Cr in turn at half the width and
+// The planes of an NV12 picture for writing: luma, one byte a pixel, and interleaved Cb and Cr at half the width and
 // height.
 // Units:  bytes from one row to the next.
 struct OutputPicture {
