@@ -1,4 +1,4 @@
-# The Debian packages: the library, what its users compile with, and the two programs.
+# The Debian packages: the library, its development files, and the two programs.
 file(STRINGS debian/changelog newest LIMIT_COUNT 1)
 if(NOT newest MATCHES "\\(${PROJECT_VERSION}\\)")
   message(FATAL_ERROR "packaging/debian/changelog does not begin with version ${PROJECT_VERSION}")
@@ -20,7 +20,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-# A program that was linked to one version loads the later ones of the same SOVERSION.
+# A program that was linked to one version can load later ones with the same SOVERSION.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
@@ -48,10 +48,10 @@ CMake and pkg-config find both.")
 zel_package(tools zeltarkasdk-tools utils "command-line host and simulator for 360-degree cameras"
   "${what}This package holds zelcam, the command-line host, and zelcam-sim, a
 simulated camera.")
-# The shared library's users find it once the linker's cache is made anew.
+# Programs find the shared library after ldconfig has run.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libzeltarkasdk${ZEL_SOVERSION} (= ${PROJECT_VERSION})")
-# Needed to link the static library alone.
+# Needed only for linking the static library.
 list(TRANSFORM ZEL_LINKED_WITH REPLACE "(.+)" "lib\\1-dev" OUTPUT_VARIABLE packages)
 list(JOIN packages ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS)
 include(CPack)
