@@ -13,7 +13,7 @@
 
 namespace {
 
-// The picture's operations are called on the encode thread, the sound's on the session thread.
+// Video is delivered on the encode thread, sound on the session thread.
 struct Files final : ZELLiveDataSourceProtocol {
   Files(const char* h264, const char* aac) : video(h264, std::ios::binary), sound(aac, std::ios::binary) {}
   void sourceOnError(const ZELError& error) override { std::cerr << error.description.value_or("failed") << '\n'; }
@@ -23,7 +23,7 @@ struct Files final : ZELLiveDataSourceProtocol {
   }
   void sourceOnH264Nalu(Bytes nalu, bool, std::int64_t) override { write(video, nalu); }  // has its start code
   void sourceOnAACHeader(Bytes header) override { config = header[0] << 8 | header[1]; }
-  void sourceOnAACData(Bytes data, std::int64_t) override {  // behind an ADTS header of 7 bytes
+  void sourceOnAACData(Bytes data, std::int64_t) override {  // after an ADTS header of 7 bytes
     const int size = static_cast<int>(data.size()) + 7;
     const int object = config >> 11, rate = config >> 7 & 15, channels = config >> 3 & 15;
     for (const int byte : {0xFF, 0xF1, (object - 1) << 6 | rate << 2 | channels >> 2, channels << 6 | size >> 11,
