@@ -14,7 +14,7 @@
 
 namespace zel::app {
 
-// When the last units of the latest pictures were taken for decoding, by their times.
+// The times at which the last NAL units of the latest pictures were decoded, by timestamp.
 // Thread: any thread.
 class ArrivalClock {
  public:
@@ -22,12 +22,12 @@ class ArrivalClock {
 
   void note(std::int64_t time) {
     const MutexLock lock(mutex_);
-    if (!arrivals_.empty() && arrivals_.back().first == time) arrivals_.pop_back();  // one slice more
+    if (!arrivals_.empty() && arrivals_.back().first == time) arrivals_.pop_back();  // another slice
     arrivals_.emplace_back(time, Clock::now());
     if (arrivals_.size() > kMost) arrivals_.pop_front();
   }
 
-  // When that picture's last unit was; now, if it is not known.
+  // The time of that picture's last unit; now, if unknown.
   Clock::time_point of(std::int64_t time) const {
     const MutexLock lock(mutex_);
     for (auto arrival = arrivals_.rbegin(); arrival != arrivals_.rend(); ++arrival)
@@ -42,7 +42,7 @@ class ArrivalClock {
   std::deque<std::pair<std::int64_t, Clock::time_point>> arrivals_ ZEL_GUARDED_BY(mutex_);
 };
 
-// Decoders whose pictures bear the times at which they were taken, and that note when a unit is taken for decoding.
+// Decoders whose pictures have their true timestamps, and that record when a unit is decoded.
 // Owner:  the arguments must outlive them.
 class NotingDecoders final : public platform::ForwardingVideoDecoders {
  public:

@@ -41,8 +41,8 @@ int listOperations(const Settings& settings) {
   return kDone;
 }
 
-// The call that the command line asks for.
-// Errors: nothing, and the complaint.
+// The call of the command line.
+// Errors: nothing, and an error message.
 ReadyCall prepared(const Values& values, const Operation*& operation, std::string& complaint) {
   const std::string name = values.text("OPERATION");
   const std::vector<std::string> arguments = values.list("ARG");
@@ -67,7 +67,7 @@ Waited waitForWriting(CameraLink& link, double seconds) {
   const auto wake = [&link] { link.wake(); };
   const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kWriteLook, wake);
   const Waited end = link.waitFor([&link] { return link.stack().statistics().bytesToWrite == 0; }, seconds);
-  // A session that has ended has nothing to write either.
+  // An ended session also has nothing to write.
   return end == Waited::done && (link.isLost() || link.wasReopened()) ? Waited::lost : end;
 }
 
@@ -111,7 +111,7 @@ int runCall(const Invocation& invocation) {
     link.sayAsked();
     const Waited end = waitForEnd(link, operation->doneWhen, *answer, settings.timeout);
     const int status = tellEnd(operation->name, end, answer->error, settings);
-    // In front of the result, whose error has the form that it always had.
+    // Printed before the result, whose error keeps its form.
     if (status != kDone && settings.json) printFailure(status);
     if (end == Waited::done) show(*operation, *answer, settings);
     return status;

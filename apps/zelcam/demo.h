@@ -4,7 +4,7 @@
 
 namespace zel::app {
 
-// Runs the simulator and every kind of command against it, and reads back what they made.
+// Runs the simulator and every kind of command with it, and checks the results.
 int runDemo(const Invocation& invocation);
 
 }  // namespace zel::app

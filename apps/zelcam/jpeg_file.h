@@ -13,25 +13,25 @@ namespace zel::app {
 
 using JpegBytes = std::vector<std::uint8_t>;
 
-inline constexpr std::int64_t kMostJpegPixels = 150'000'000;  // a damaged header may not eat the machine's memory
+inline constexpr std::int64_t kMostJpegPixels = 150'000'000;  // limits the memory that a damaged header can cause
 
 // The picture of a JPEG file.
 // Errors: null; `error` then says what is wrong with the file.
 platform::PixelBufferRef pictureOfJpeg(std::span<const std::uint8_t> file, std::string& error);
 
 // A picture of even sides as a JPEG file. quality: 1 to 100.
-// Errors: nothing where the picture is larger than the format or the memory knows.
+// Errors: nothing if the picture is too large for the format or the memory.
 std::optional<JpegBytes> jpegOf(const platform::PixelBuffer& picture, int quality);
 
-// The first segment with EXIF data, from its marker to its end; empty where the file has none before its picture.
+// The first segment with EXIF data, from its marker to its end; empty if the file has none before its image data.
 std::span<const std::uint8_t> exifSegmentIn(std::span<const std::uint8_t> file);
 
 // A segment with an XMP packet.
 // Errors: empty for a packet that is too long for one.
 JpegBytes xmpSegmentOf(std::string_view packet);
 
-// The file with those segments put behind its first header.
-// Errors: the file as it is where it is no JPEG file.
+// The file with those segments inserted after its first header.
+// Errors: the unchanged file if it is no JPEG file.
 JpegBytes withSegments(std::span<const std::uint8_t> file, std::span<const std::span<const std::uint8_t>> segments);
 
 }  // namespace zel::app

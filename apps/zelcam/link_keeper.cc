@@ -35,7 +35,7 @@ void LinkKeeper::look() {
   accessory_.openCamera();
 }
 
-// A session that was opened a moment ago has the status 1 and is given its time; it becomes silent after that.
+// A new session has status 1 until its own timeout, after which it counts as silent.
 bool LinkKeeper::isBroken() const {
   const std::uint64_t status = accessory_.status();
   if (status != kNoLink) return status == kLinkIsSilent;

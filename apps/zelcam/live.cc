@@ -52,7 +52,7 @@ std::int64_t peakMemory() {
   return std::int64_t{usage.ru_maxrss} * 1024;
 }
 
-// How one connection of the camera ended.
+// The end of one connection of the camera.
 enum class RunEnd { complete, interrupted, lost, noPicture, failed, outputsFailed };
 
 // One run of the command.
@@ -96,8 +96,8 @@ class Live {
     });
   }
 
-  // How long to wait for the camera after a connection that ended with that status; nothing where it is over. A camera
-  // that is there, and has only lost the connection, is waited for in any case.
+  // How long to wait for the camera after a connection that ended with that status; nothing to give up. An attached
+  // camera that only lost the connection is always waited for.
   std::optional<double> patienceAfter(int status) const {
     if (status != kNoCamera || !lost_) return std::nullopt;
     return reopened_ && !options_.reconnect ? settings_.timeout : options_.reconnect;
@@ -112,7 +112,7 @@ class Live {
     return stream(again);
   }
 
-  // One connection, from waiting for the camera to its end. Returns the exit status.
+  // Runs one connection, from waiting for the camera to its end. Returns the exit status.
   int stream(const Settings& toOpen) {
     CameraLink link(bus_, toOpen);
     if (const int status = link.open(); status != kDone) return status;
@@ -143,8 +143,8 @@ class Live {
     return std::make_shared<StitchedFeed>(link, writer_, clock, options_, bus_.arrivals());
   }
 
-  // Pictures must keep coming, but in the background: a time-out without one ends it. Until then a camera that is
-  // silent may go on, unless there is a better way.
+  // Pictures must keep arriving, except in the background: a timeout without one ends the connection. Until then a
+  // silent camera may continue, unless reconnecting is possible.
   RunEnd waitForEnd(CameraLink& link, const LiveFeed& feed) {
     const std::uint64_t first = writer_.written().pictures;
     const auto isOver = [&] {
@@ -161,7 +161,7 @@ class Live {
       if (end == Waited::interrupted) return RunEnd::interrupted;
       if (end == Waited::lost) return RunEnd::lost;
       if (end == Waited::timeOut && (inBackground_ || writer_.written().pictures != before)) continue;
-      // A connection that brought pictures may bring more when it is made again; another one would not.
+      // Reconnects only after a connection that has delivered pictures.
       if (end == Waited::timeOut) return options_.reconnect && before != first ? RunEnd::lost : RunEnd::noPicture;
       return whyOver(link, feed);
     }
@@ -175,7 +175,8 @@ class Live {
     return forWantOfACamera && !written.fault ? RunEnd::lost : RunEnd::failed;
   }
 
-  // The commands that switch the camera's streams off are on their way: the answer to one more tells that they came.
+  // The commands that switch the camera's streams off are queued: the reply to a further request shows that they have
+  // arrived.
   void letCameraKnow(CameraLink& link, RunEnd end) const {
     if (end == RunEnd::lost) return;
     constexpr double kLongest = 1;
@@ -218,7 +219,7 @@ class Live {
     tell(fmt::format("the stream stood still for {:.1f} s, which count", duration_.stoodStill()));
   }
 
-  // They have been told when they came. Returns whether there is one.
+  // Faults were printed when they occurred. Returns whether there is one.
   bool rememberFaultOfOutputs() const {
     const auto reports = outputs_.reports();
     const auto failed = std::ranges::find_if(reports, [](const auto& report) { return report.fault.has_value(); });
@@ -237,7 +238,7 @@ class Live {
     return all;
   }
 
-  // Standard output may be one of the outputs.
+  // Standard output may carry a stream.
   void summarise() const {
     const LiveFigures all = figures(figures_);
     if (settings_.json) return printJson(jsonOf(all));
@@ -265,7 +266,7 @@ class Live {
   std::string serial_;
   bool wasThere_ = false, lost_ = false, reopened_ = false, inBackground_ = false, showsProgress_ = false;
   LiveDuration duration_;
-  FeedFigures figures_;  // of the connections that have ended
+  FeedFigures figures_;  // of ended connections
   Outputs outputs_;
   StreamWriter writer_;
   std::unique_ptr<platform::NotificationObservation> background_, active_;
@@ -278,7 +279,7 @@ int runLive(const Invocation& invocation) {
   const auto options = liveOptionsIn(invocation.values, complaint);
   if (!options) return complain(kWrongUsage, "live", complaint);
   if (options->usesStandardOutput()) leaveStandardOutput();
-  av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in our own words
+  av_log_set_level(AV_LOG_QUIET);  // zelcam prints its own messages
   turnSuspensionIntoEvents();
   Bus bus(invocation.settings, options->decoderThreads);
   if (!bus.isThere()) return kNoCamera;

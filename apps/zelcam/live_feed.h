@@ -13,7 +13,7 @@ constexpr int picturesPerSecond(int resolution) {
   return kRates[resolution % 4];
 }
 
-// Where a live stream comes from, for one connection of the camera.
+// The source of a live stream, for one connection of the camera.
 // Thread: main thread.
 class LiveFeed {
  public:
@@ -21,10 +21,10 @@ class LiveFeed {
 
   // Switches the camera's preview and sound on.
   virtual void start() = 0;
-  // Ends the stream; nothing comes any more when it returns.
+  // Ends the stream; nothing is delivered after its return.
   virtual void stop() = 0;
 
-  // Why it cannot go on, in words.
+  // Why it cannot continue, in words.
   virtual std::optional<std::string> failure() const = 0;
   virtual FeedFigures figures() const = 0;
 };

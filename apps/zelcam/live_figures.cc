@@ -29,7 +29,7 @@ Json slowestLatency(const std::vector<OutputReport>& outputs) {
 
 double lengthOf(const WrittenStream& written) { return static_cast<double>(written.newestVideo.value_or(0)) / kMicros; }
 
-// Pictures and bits a second; both count from the first picture to the last one.
+// Pictures and bits a second, from the first picture to the last.
 double aSecond(double many, const WrittenStream& written) {
   return written.pictures < 2 ? 0
                               : many * static_cast<double>(written.pictures - 1) /

@@ -12,7 +12,7 @@
 
 namespace zel::app {
 
-// What became of the camera's pictures and sound before they came to the outputs, over all connections.
+// Counters of the camera's pictures and sound before the outputs, over all connections.
 struct FeedFigures {
   PreviewStatistics preview;
   LiveStatistics live;
@@ -20,14 +20,14 @@ struct FeedFigures {
   void add(const FeedFigures& more);
 };
 
-// Everything that the end of a live stream tells.
+// The summary of a live stream.
 struct LiveFigures {
   FeedFigures feed;
   WrittenStream written;
   std::vector<OutputReport> outputs;
-  double seconds = 0;           // since the camera was there
+  double seconds = 0;           // since the camera was connected
   double cpuSeconds = 0;        // of the whole process
-  std::int64_t peakMemory = 0;  // bytes, likewise
+  std::int64_t peakMemory = 0;  // bytes, of the whole process
   bool stitched = true;
 };
 
@@ -36,7 +36,7 @@ nlohmann::ordered_json jsonOf(const LiveFigures& figures);
 // Lines for people.
 std::vector<std::string> linesOf(const LiveFigures& figures);
 
-// One line while it runs.
+// The progress line.
 std::string progressOf(const LiveFigures& figures);
 
 }  // namespace zel::app

@@ -11,7 +11,7 @@
 
 namespace zel::app {
 
-// What `zelcam live` was asked for.
+// The options of `zelcam live`.
 // Units:  pixels, bits a second, seconds, degrees.
 struct LiveOptions {
   std::vector<OutputAddress> outputs;

@@ -20,15 +20,15 @@
 #include "apps/zelcam/number_text.h"
 #include "apps/zelcam/operation.h"
 
-// Makes a row of the table of operations out of a member function: which arguments are typed, how they are read, and
-// how a reply is shown follows from the parameters' types.
+// Makes a row of the operations table from a member function. The parameters' types determine which arguments are
+// typed, how they are parsed, and how a reply is printed.
 namespace zel::app::binding {
 
 inline constexpr char kExtra[] = "--extra";
 
 // -- Parameters
 
-// A parameter that is not typed as an argument: it comes from the options, or is the handler.
+// The source of a parameter: an argument, an option, or the handler.
 enum class Source { argument, gps, gyro, orientation, handler, photoHandler };
 
 template <class T>
@@ -109,8 +109,8 @@ nlohmann::ordered_json shown(T number) {
 template <WireRecord R>
 requires(!std::integral<R>) nlohmann::ordered_json shown(const R& record) { return recordHex(record); }
 
-// The handler that shows a reply's values under the operation's keys. An operation whose refusal carries a value too
-// shows it; others have nothing but the error then.
+// The handler that prints a reply's values under the operation's keys. A refusal prints values only for operations
+// whose refusals have some.
 template <class Block>
 struct HandlerMaker;
 template <class... Values>
@@ -127,7 +127,7 @@ struct HandlerMaker<RebackBlock<Values...>> {
   }
 };
 
-// A handler of a reply dictionary that shows nothing but the error.
+// A handler of a reply dictionary that prints only the error.
 template <>
 struct HandlerMaker<RebackDic> {
   static RebackDic make(const Operation&, CallDone done) {
@@ -142,7 +142,7 @@ struct HandlerMaker<RebackDic> {
 inline ZELCameraUCD& object(CameraStack& stack, ZELCameraUCD*) { return stack.ucd(); }
 inline ZELCameraManager& object(CameraStack& stack, ZELCameraManager*) { return stack.manager(); }
 
-// Reads the arguments one after another; the first that cannot be read leaves its complaint.
+// Parses the arguments in order; stores the error of the first invalid one.
 class ArgumentReader {
  public:
   ArgumentReader(const Operation& operation, const CallInput& input, std::string& error)
@@ -195,7 +195,7 @@ class ArgumentReader {
   std::size_t next_ = 0;
 };
 
-// All member functions of the same parameters share one instance of this.
+// All member functions with the same parameters share one instantiation.
 template <class Object, class... Parameters>
 struct Binding {
   using Function = void (Object::*)(Parameters...);
@@ -266,7 +266,7 @@ Operation answered(std::string_view name, void (Object::*function)(Parameters...
   return Binding<Object, Parameters...>::row(name, function, names, resultKeys, DoneWhen::answered);
 }
 
-// The camera's answer has values even where it is a refusal.
+// The camera's reply has values even if it is a refusal.
 template <class Object, class... Parameters>
 Operation answeredEvenWithError(std::string_view name, void (Object::*function)(Parameters...), Names names,
                                 Names resultKeys) {

@@ -18,8 +18,8 @@ struct PanoramaFile {
   int width = 0, height = 0;
 };
 
-// Makes panoramas of the camera's photos: equirectangular, as wide as the photo, with the photo's EXIF data and what
-// viewers look for.
+// Makes panoramas from the camera's photos: equirectangular, as wide as the photo, with the photo's EXIF data and the
+// XMP data for viewers.
 // Owner:  the library must outlive the object.
 // Thread: one at a time.
 class PanoramaMaker {
@@ -28,7 +28,7 @@ class PanoramaMaker {
   PanoramaMaker(platform::MediaLibrary& library, std::string offset) : library_(library), offset_(std::move(offset)) {}
 
   // photo: the camera's JPEG file.
-  // Errors: nothing; `error` then says what is wrong, and is empty where the renderer has said so.
+  // Errors: nothing; `error` then says what is wrong, and is empty if the renderer has reported it.
   std::optional<PanoramaFile> panoramaOf(std::span<const std::uint8_t> photo, std::string& error);
 
  private:
@@ -36,7 +36,7 @@ class PanoramaMaker {
 
   platform::MediaLibrary& library_;
   const std::string offset_;
-  std::unique_ptr<platform::FlatOffscreenRender> render_;  // for pictures as wide as the last one
+  std::unique_ptr<platform::FlatOffscreenRender> render_;  // for the width of the last picture
   int width_ = 0;
 };
 

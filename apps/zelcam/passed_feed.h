@@ -18,7 +18,7 @@ class ZELPreviewPlayer;
 
 namespace zel::app {
 
-// The camera's own H.264 and sound, as they are: nothing is decoded.
+// Pass-through of the camera's own H.264 and sound: nothing is decoded.
 // Owner:  the arguments must outlive the object.
 class PassedFeed final : public LiveFeed,
                          public ZELCameraMediaDataDelegate,

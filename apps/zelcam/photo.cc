@@ -57,13 +57,13 @@ struct Saved {
   ZELData picture;
 };
 
-// "folder/IMG_1.jpg" becomes "IMG_1-360.jpg". What the photo was is of no matter: a panorama is a JPEG file.
+// "folder/IMG_1.jpg" becomes "IMG_1-360.jpg". A panorama is always a JPEG file.
 std::string panoramaName(std::filesystem::path photo) {
   if (pictureFormOf(photo.string()) != PictureForm::jpeg) photo.replace_extension(".jpg");
   return fileNameWith(photo.filename().string(), "-360", NAME_MAX);
 }
 
-// One photo or bracket: asks for it, waits for the camera's word and for the pictures, and saves them.
+// One photo or bracket: requests it, waits for the reply and the pictures, and saves them.
 class Shot {
  public:
   Shot(CameraLink& link, const Invocation& invocation) : link_(link), invocation_(invocation) {}
@@ -101,7 +101,7 @@ class Shot {
     return status;
   }
 
-  // Makes panoramas of the photos that were saved, beside them. One that fails leaves the others alone.
+  // Makes panoramas of the saved photos, next to them. A failure does not affect the others.
   int stitch(platform::MediaLibrary& library) {
     std::string offset;
     if (const int status = askLensOffset(link_, "photo", 0, offset); status != kDone) return status;
@@ -177,7 +177,7 @@ int runPhoto(const Invocation& invocation) {
                     "--bracket takes 1 to 9 exposure steps from -128 to 127 with commas between them");
   }
   return withCamera(invocation.settings, [&](CameraLink& link) {
-    // Before the camera takes a photo that would then be lost.
+    // Checked before the camera takes a photo that could not be saved.
     if (!prepareFolder(folderOf(values), complaint)) return complain(kRefused, "photo", complaint);
     Shot shot(link, invocation);
     const int status = bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);

@@ -4,8 +4,7 @@
 
 namespace zel::app {
 
-// `zelcam photo`: has the camera take a photo, or an exposure bracket, and saves what it sends. Returns the exit
-// status.
+// `zelcam photo`: takes a photo, or an exposure bracket, and saves the pictures. Returns the exit status.
 int runPhoto(const Invocation& invocation);
 
 }  // namespace zel::app

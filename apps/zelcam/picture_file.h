@@ -9,11 +9,12 @@ namespace zel::app {
 
 enum class PictureForm { png, jpeg };
 
-// What a picture's file is, by its extension: ".png", ".jpg" or ".jpeg".
+// The format of a picture's file, by its extension: ".png", ".jpg" or ".jpeg".
 // Errors: nothing for any other.
 std::optional<PictureForm> pictureFormOf(const std::string& path);
 
-// Writes the picture as the file of that path, in the form of its extension; it is replaced when the new one is whole.
+// Saves the picture at that path, in the format of its extension; an existing file is replaced once the new one is
+// complete.
 // Errors: false; `error` then says what is wrong.
 bool savePicture(const platform::PixelBuffer& picture, const std::string& path, std::string& error);
 

@@ -5,8 +5,8 @@
 
 namespace zel::app {
 
-// How many pictures come, and how many a second from the first to the newest: neither the wait for the first one nor a
-// camera that is silent afterwards counts.
+// Counts pictures, and their rate from the first to the newest. The wait for the first one and a silence after the
+// newest one do not count.
 class PictureRate {
  public:
   using Clock = std::chrono::steady_clock;

@@ -11,7 +11,7 @@
 namespace zel::app {
 
 // A picture as a PNG file's bytes: red, green and blue, 8 bits each, by the picture's own matrix.
-// Errors: nothing where the picture is too large for memory.
+// Errors: nothing if the picture is too large for memory.
 std::optional<std::vector<std::uint8_t>> pngOf(const platform::PixelBuffer& picture);
 
 // A PNG file's picture, whatever its colours are.

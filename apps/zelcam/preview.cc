@@ -28,20 +28,20 @@ namespace zel::app {
 namespace {
 
 constexpr double kLine = 1.0;                            // seconds between two lines of the live report
-constexpr std::int64_t kLate = 200;                      // milliseconds behind its time from which a picture is late
+constexpr std::int64_t kLate = 200;                      // milliseconds of delay from which a picture counts as late
 constexpr int kDefaultResolution = 3;                    // the smallest, at 30 pictures a second
 constexpr std::array<int, 4> kRates = {15, 20, 25, 30};  // pictures a second, by the resolution code's remainder
 constexpr int kFirewareVersion190 = 190;                 // from it on, times are the host's
 
-// What has been decoded so far.
+// The pictures decoded so far.
 struct Decoded {
   PictureRate rate;
   std::int64_t late = 0;
   platform::PixelBufferRef newest;
-  bool complete = false;  // as many as were asked for
+  bool complete = false;  // the requested number is reached
 };
 
-// Counts pictures on the decode thread and keeps the newest.
+// Counts pictures on the decode thread and stores the newest.
 class PictureCounter final : public ZELPixelBufferDataProtocol {
  public:
   PictureCounter(CameraLink& link, std::optional<std::int64_t> wanted, bool verbose)
@@ -122,7 +122,7 @@ class Preview {
     return askLensOffset(link_, "preview", resolution(), offset_);
   }
 
-  // Pictures must keep coming: a time-out without one ends the command.
+  // Pictures must keep arriving: a timeout without one ends the command.
   int waitForPictures() {
     while (true) {
       const std::int64_t before = counter_->decoded().rate.pictures();
@@ -177,7 +177,7 @@ class Preview {
     return kDone;
   }
 
-  // The last picture; null where it cannot be stitched, which the renderer has said.
+  // The last picture; null if it cannot be stitched, which the renderer has reported.
   platform::PixelBufferRef snapshot() const {
     platform::PixelBufferRef newest = counter_->decoded().newest;
     if (!stitches()) return newest;

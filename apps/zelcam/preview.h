@@ -4,8 +4,8 @@
 
 namespace zel::app {
 
-// `zelcam preview`: decodes the camera's preview, tells how it runs, and saves one picture where `--snapshot` asks for
-// it. `--frames` pictures, or until the user stops it. Returns the exit status.
+// `zelcam preview`: decodes the camera's preview, prints statistics, and saves one picture with `--snapshot`. Ends
+// after `--frames` pictures, or when the user stops it. Returns the exit status.
 int runPreview(const Invocation& invocation);
 
 }  // namespace zel::app

@@ -17,10 +17,10 @@
 
 namespace zel::app {
 
-// The camera's pictures stitched and encoded anew, with its sound.
+// The camera's pictures, stitched and encoded, with its sound.
 //
-// Stands between the player and the source as soon as there is sound: it sees every slice come, and so knows the
-// pictures' own times, and it keeps the sound that the source drops until its first picture has been encoded.
+// Once there is sound, it stands between the player and the source. It sees every slice, and so knows the pictures'
+// true times. It keeps the sound that the source drops before its first encoded picture.
 // Owner:  the arguments must outlive the object.
 class StitchedFeed final : public LiveFeed,
                            public ZELLiveDataSourceProtocol,
@@ -57,7 +57,7 @@ class StitchedFeed final : public LiveFeed,
   const ArrivalClock& arrivals_;
   std::shared_ptr<ZELLiveDataSource> source_;
   std::optional<std::string> failure_;  // main thread only
-  FeedFigures atEnd_;                   // likewise
+  FeedFigures atEnd_;                   // main thread only
 };
 
 }  // namespace zel::app

@@ -4,8 +4,8 @@
 
 namespace zel::app {
 
-// `zelcam thumbnail`: one picture out of a file's key frame, unwrapped where `--offset` is given. Returns the exit
-// status. No camera is needed.
+// `zelcam thumbnail`: one picture from a file's last keyframe, unwrapped with `--offset`. Returns the exit status. No
+// camera is needed.
 int runThumbnail(const Invocation& invocation);
 
 }  // namespace zel::app

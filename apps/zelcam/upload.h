@@ -4,8 +4,8 @@
 
 namespace zel::app {
 
-// `zelcam upload`: sends a file to the camera. The time-out counts from the last byte that the camera took. Returns the
-// exit status.
+// `zelcam upload`: sends a file to the camera. The timeout counts from the last byte that the camera accepted. Returns
+// the exit status.
 int runUpload(const Invocation& invocation);
 
 }  // namespace zel::app

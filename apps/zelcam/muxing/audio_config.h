@@ -6,7 +6,7 @@
 
 namespace zel::app {
 
-// What an AudioSpecificConfig says.
+// The content of an AudioSpecificConfig.
 // Units:  hertz.
 struct AudioConfig {
   int rate = 0;
@@ -17,7 +17,7 @@ struct AudioConfig {
 
 inline constexpr int kSamplesPerFrame = 1024;
 
-// Errors: nothing for anything but plain AAC with a rate and channels of the standard's tables.
+// Errors: nothing for anything but AAC-LC with a rate and channels from the standard's tables.
 std::optional<AudioConfig> parseAudioConfig(std::span<const std::uint8_t> bytes);
 
 }  // namespace zel::app

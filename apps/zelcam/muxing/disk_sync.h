@@ -4,8 +4,7 @@
 
 namespace zel::app {
 
-// Puts on the disk what somebody else writes into a file, so that a power cut leaves it. A pipe or a device has nothing
-// to put there.
+// Syncs a file that other code writes to disk, so that it survives a power cut. Does nothing for a pipe or a device.
 // Thread: one at a time.
 class DiskSync {
  public:
@@ -14,11 +13,11 @@ class DiskSync {
   DiskSync(const DiskSync&) = delete;
   DiskSync& operator=(const DiskSync&) = delete;
 
-  // The file, which must be there, and its name in its folder.
-  // Errors: the error's number, else 0.
+  // Opens the file, which must exist, and syncs its name in its folder.
+  // Errors: errno, else 0.
   int open(const std::string& path);
-  // Waits for the disk.
-  // Errors: likewise.
+  // Syncs the file's content.
+  // Errors: errno, else 0.
   int sync() const;
 
  private:

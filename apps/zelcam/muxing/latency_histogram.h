@@ -7,8 +7,7 @@
 
 namespace zel::app {
 
-// How long things took, to the millisecond, in a memory that does not grow. What took longer than it can tell counts
-// as the longest.
+// A histogram of latencies in milliseconds, with constant memory. Longer latencies count as the longest.
 // Units:  milliseconds.
 class LatencyHistogram {
  public:
@@ -16,7 +15,7 @@ class LatencyHistogram {
 
   void add(double milliseconds);
 
-  // The least time that such a share of all did not exceed: 0.5 is the median. Nothing when there was none.
+  // The quantile: 0.5 is the median. Nothing without values.
   std::optional<int> quantile(double share) const;
 
  private:

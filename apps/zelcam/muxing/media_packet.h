@@ -9,7 +9,7 @@
 
 namespace zel::app {
 
-// How the pictures' samples become colours: numbers of ITU-T H.273, of which none is untold.
+// The pictures' colour description: numbers of ITU-T H.273, all specified.
 struct VideoColour {
   bool fullRange = false;
   std::uint8_t primaries = 6, transfer = 6, matrix = 6;  // BT.601
@@ -17,7 +17,7 @@ struct VideoColour {
   bool operator==(const VideoColour&) const = default;
 };
 
-// What an output must know before the first packet. Parameter sets without start code; the sound is AAC.
+// The data that an output needs before the first packet. Parameter sets without start code; the sound is AAC.
 // Units:  pixels.
 struct StreamHeaders {
   ZELData sps;
@@ -25,7 +25,7 @@ struct StreamHeaders {
   ZELData audioConfig;  // AudioSpecificConfig
   std::int32_t width = 0;
   std::int32_t height = 0;
-  bool spherical = false;  // the pictures are equirectangular, all around
+  bool spherical = false;  // the pictures are equirectangular, 360 degrees
   VideoColour colour = {};
 
   bool operator==(const StreamHeaders&) const = default;
@@ -33,18 +33,18 @@ struct StreamHeaders {
 
 enum class Track { video, audio };
 
-// One picture with start codes of four bytes, or one AAC frame without header.
+// One picture with four-byte start codes, or one AAC frame without header.
 // Units:  microseconds, the time since the first picture.
 struct MediaPacket {
   Track track = Track::video;
-  bool key = false;  // a picture from which decoding can begin
+  bool key = false;  // a keyframe (IDR)
   std::int64_t time = 0;
   ZELData data;
-  std::optional<std::chrono::steady_clock::time_point> arrival;  // when the camera's picture came
-  std::int64_t length = 0;                                       // until the next picture; 0 where that is not known
+  std::optional<std::chrono::steady_clock::time_point> arrival;  // when the camera's picture arrived
+  std::int64_t length = 0;                                       // until the next picture; 0 if unknown
 };
 
-// What went wrong, as a sentence for people; nothing where it went well.
+// An error as a sentence for people; nothing on success.
 using Fault = std::optional<std::string>;
 
 }  // namespace zel::app

@@ -52,7 +52,7 @@ void Output::put(const MediaPacket& packet) {
 void Output::finish() {
   const Lock lock(mutex_);
   finishing_ = true;
-  // A server that is not there yet is not worth waiting for.
+  // Does not wait for a server that is not connected yet.
   if (sink_ && rules_.secondsToFinish) sink_->endWithin(takes_ ? *rules_.secondsToFinish : 0);
   changed_.notify_all();
 }
@@ -134,7 +134,7 @@ void Output::count(const MediaPacket& packet) {
   if (packet.arrival) report_.latency.add(1000 * secondsSince(*packet.arrival));
 }
 
-// A sink may leave out a packet later than it took it.
+// A sink may leave out a packet after it has accepted it.
 void Output::countLeftOut() {
   const LeftOut now = sink_->leftOut();
   const std::uint64_t pictures = now.pictures - leftOut_.pictures, audioFrames = now.audioFrames - leftOut_.audioFrames;

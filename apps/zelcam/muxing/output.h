@@ -16,31 +16,30 @@
 
 namespace zel::app {
 
-// What has become of an output.
+// The statistics of an output.
 struct OutputReport {
   std::string name;
   std::uint64_t pictures = 0, audioFrames = 0;  // written
   std::uint64_t bytes = 0;                      // of these
-  std::uint64_t dropped = 0;                    // packets that came and were not written
+  std::uint64_t dropped = 0;                    // packets that were not written
   int connections = 0;
-  Fault fault;  // why it ended before its time, or did not end well
+  Fault fault;  // why it ended early, or with an error
   LatencyHistogram latency;
 };
 
 struct OutputRules {
   std::string name;
-  // A new attempt; each sink is opened once.
+  // Creates the sink of a new attempt; each sink is opened once.
   std::function<std::unique_ptr<Sink>()> makeSink;
-  // Hears what people want to know.
+  // Receives messages for people.
   // Thread: the output's.
   std::function<void(const std::string&)> tell;
-  std::optional<RetryRules> retry;  // nothing: the first fault is the end, as of a file
+  std::optional<RetryRules> retry;  // nothing: no retry, as for a file
   QueueLimits limits;
-  std::optional<double> secondsToFinish;  // for what somebody else must take
+  std::optional<double> secondsToFinish;  // for data that another process must accept
 };
 
-// One output with a thread of its own and a queue of what waits for it, so that however slow or dead it is, nobody
-// else is kept waiting.
+// One output with its own thread and queue, so that a slow or dead output does not block others.
 // Thread: any thread.
 class Output {
  public:
@@ -53,11 +52,11 @@ class Output {
   void begin(const StreamHeaders& headers);
   void put(const MediaPacket& packet);
 
-  // No more comes. Does not wait; join() waits until all is written, or cannot be.
+  // No more packets follow. Does not wait; join() waits until everything is written or has failed.
   void finish();
   void join();
 
-  // Ended before its time.
+  // Whether it ended early.
   bool hasFailed() const;
   OutputReport report() const;
 
@@ -94,7 +93,7 @@ class Output {
   std::shared_ptr<Sink> sink_;
   OutputReport report_;
 
-  std::thread thread_;  // last: nothing it uses dies before it
+  std::thread thread_;  // last: destroyed before the members that it uses
 };
 
 }  // namespace zel::app

@@ -8,20 +8,20 @@ namespace zel::app {
 
 enum class OutputKind { mp4, ts, flv, hls, standardOutput, rtmp, srt };
 
-// Where an output goes.
+// The address of an output.
 struct OutputAddress {
   OutputKind kind = OutputKind::mp4;
-  std::string target;  // path or address as it was given
+  std::string target;  // path or address as given
 
   bool isServer() const { return kind == OutputKind::rtmp || kind == OutputKind::srt; }
   bool isFile() const { return !isServer() && kind != OutputKind::standardOutput; }
-  // For people. Of a server the host alone: what stands behind it is often a secret.
+  // For people. For a server only the host, because the rest often contains a secret.
   std::string name() const;
 
   bool operator==(const OutputAddress&) const = default;
 };
 
-// Errors: nothing where the text is none of the kinds.
+// Errors: nothing if the text is of no known kind.
 std::optional<OutputAddress> parseOutputAddress(std::string_view text);
 
 // All kinds, for people.

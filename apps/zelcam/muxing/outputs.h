@@ -12,17 +12,17 @@
 namespace zel::app {
 
 // All outputs of a stream.
-// Thread: any thread; nothing but finish() waits.
+// Thread: any thread; only finish() waits.
 class Outputs {
  public:
-  // tell: hears what people want to know.
+  // tell: receives messages for people.
   // Thread: any thread, several at a time.
   Outputs(std::span<const OutputAddress> addresses, const std::function<void(const std::string&)>& tell);
 
   void begin(const StreamHeaders& headers);
   void put(const MediaPacket& packet);
 
-  // Waits until all have ended: files are written wholly, servers get some seconds.
+  // Waits until all have ended: files are written completely, servers have a few seconds.
   void finish();
 
   bool haveAllFailed() const;

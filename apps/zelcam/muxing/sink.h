@@ -6,30 +6,30 @@
 
 namespace zel::app {
 
-// Packets that a format makes nothing of.
+// Packets that are invalid in the output's format.
 struct LeftOut {
   std::uint64_t pictures = 0, audioFrames = 0;
 };
 
-// Where one output's packets end up: a file, or one connection to a server.
-// Thread: one at a time, but for endWithin().
+// The destination of one output's packets: a file, or one connection to a server.
+// Thread: one at a time, except endWithin().
 class Sink {
  public:
   virtual ~Sink() = default;
 
-  // Begins; the first call.
+  // Opens the output; the first call.
   // Errors: what went wrong.
   virtual Fault open(const StreamHeaders& headers) = 0;
-  // The next packet. One that the format makes nothing of is left out.
-  // Errors: likewise; the sink is then good for nothing but destruction.
+  // Writes the next packet. An invalid one is left out.
+  // Errors: what went wrong; the sink can then only be destroyed.
   virtual Fault write(const MediaPacket& packet) = 0;
-  // Ends it well; the last call. A sink that is destroyed without it leaves what it has as it is.
+  // Completes the output; the last call. A sink that is destroyed without it leaves the output incomplete.
   virtual Fault finish() = 0;
 
-  // What was left out so far.
+  // The packets left out so far.
   virtual LeftOut leftOut() const { return {}; }
 
-  // What waits for somebody else, now or later, fails when that many seconds are over.
+  // Makes current and later blocking calls fail after this many seconds.
   // Thread: any thread.
   virtual void endWithin(double /*seconds*/) {}
 };

@@ -7,16 +7,16 @@ namespace zel::app {
 
 inline constexpr int kVideoStream = 0, kAudioStream = 1;
 
-// Gives the muxer its two streams, the video with the word that it is spherical where it is.
-// Errors: false where there is no memory, or the sound is of a kind that is not known.
+// Adds the two streams to the muxer, and marks the video if it is spherical.
+// Errors: false if memory runs out, or the sound's format is unknown.
 bool addStreams(AVFormatContext& muxer, const StreamHeaders& headers);
 
-// Tells players that the pictures are equirectangular.
-// Errors: false where there is no memory.
+// Marks the pictures as equirectangular for players.
+// Errors: false if memory runs out.
 bool markSpherical(AVStream& stream);
 
-// The packet as the muxer takes it, with a copy of the bytes.
-// Errors: null where there is no memory.
+// The packet for the muxer, with a copy of the bytes.
+// Errors: null if memory runs out.
 PacketPtr packetFor(const AVFormatContext& muxer, const MediaPacket& packet);
 
 }  // namespace zel::app

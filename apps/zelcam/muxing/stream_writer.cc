@@ -11,7 +11,7 @@ namespace zel::app {
 namespace {
 
 constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
-constexpr std::int64_t kLongestWait = 10'000;  // milliseconds; what is further away is of another clock
+constexpr std::int64_t kLongestWait = 10'000;  // milliseconds; a larger distance means another clock
 
 void append(std::vector<std::uint8_t>& bytes, std::span<const std::uint8_t> more) {
   bytes.insert(bytes.end(), more.begin(), more.end());
@@ -64,7 +64,7 @@ void StreamWriter::keep(Sound sound) {
   ++written_.droppedAudio;
 }
 
-// from: the time of the picture that they waited for.
+// from: the time of the first picture.
 void StreamWriter::putKept(std::int64_t from) {
   for (const Sound& sound : std::exchange(kept_, {})) {
     const bool soundsWithIt = sound.time >= from && sound.time <= from + kLongestWait;
@@ -86,7 +86,7 @@ WrittenStream StreamWriter::written() const {
   return written_;
 }
 
-// Whether the outputs have begun; the first key picture lets them.
+// Whether the outputs have begun, which the first keyframe starts.
 bool StreamWriter::begins(Bytes picture, bool key) {
   if (timeline_) return true;
   if (!key || sps_.empty() || pps_.empty() || headers_.audioConfig.empty()) return false;

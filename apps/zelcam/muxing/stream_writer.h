@@ -15,20 +15,20 @@
 
 namespace zel::app {
 
-// What has been handed to the outputs.
+// Counters of the packets passed to the outputs.
 // Units:  microseconds, bytes.
 struct WrittenStream {
   std::uint64_t pictures = 0, audioFrames = 0;
-  std::uint64_t droppedAudio = 0;  // frames that came before a run's first picture, and did not sound with it either
+  std::uint64_t droppedAudio = 0;  // frames before a run's first picture
   std::uint64_t videoBytes = 0, audioBytes = 0;
   std::optional<std::int64_t> newestVideo, newestAudio;
-  bool complete = false;  // as long as it was asked for
+  bool complete = false;  // the requested length is reached
   Fault fault;
 };
 
-// Makes packets for the outputs out of one source after another: waits until both headers are known and a key picture
-// comes, and sees to the times. A picture takes longer to come than the sound beside it: until the first one is there,
-// the newest sound is kept, so that both begin together.
+// Makes packets for the outputs from one source after another: waits for both headers and a keyframe, and puts all
+// times on one timeline. A picture arrives later than the sound of its time. Until the first picture, the newest sound
+// is kept, so that both begin together.
 // Thread: any thread; the outputs are called under its lock, and must not wait.
 class StreamWriter {
  public:
@@ -45,13 +45,13 @@ class StreamWriter {
 
   explicit StreamWriter(Rules rules) : rules_(std::move(rules)) {}
 
-  // Another source takes over: its times have nothing to do with those before.
+  // A new source begins; its times are unrelated to earlier ones.
   void beginRun();
 
-  // Parameter sets without start code; later ones are put before the next key picture where they differ.
+  // Parameter sets without start code; different later ones are inserted before the next keyframe.
   void onParameterSets(Bytes sps, Bytes pps);
   void onAudioConfig(Bytes config);
-  // picture: its units, each behind its start code.
+  // picture: its NAL units, each with its start code.
   // Units:  milliseconds.
   void onPicture(Bytes picture, bool key, std::int64_t time, TimePoint arrival);
   void onAudio(Bytes frame, std::int64_t time);
@@ -75,10 +75,10 @@ class StreamWriter {
 
   const Rules rules_;
   mutable Mutex mutex_;
-  StreamHeaders headers_ ZEL_GUARDED_BY(mutex_);  // as they were begun with, once there is a timeline
+  StreamHeaders headers_ ZEL_GUARDED_BY(mutex_);  // those of the begun stream, once there is a timeline
   ZELData sps_ ZEL_GUARDED_BY(mutex_), pps_ ZEL_GUARDED_BY(mutex_);  // the latest
   std::optional<Timeline> timeline_ ZEL_GUARDED_BY(mutex_);
-  std::deque<Sound> kept_ ZEL_GUARDED_BY(mutex_);  // of a run whose first picture has not come
+  std::deque<Sound> kept_ ZEL_GUARDED_BY(mutex_);  // before a run's first picture
   WrittenStream written_ ZEL_GUARDED_BY(mutex_);
 };
 
