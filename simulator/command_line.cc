@@ -21,7 +21,7 @@ const char kCommandHelp[] = R"(Commands on standard input:
 
 namespace {
 
-// What shells offer: the faults' names, which are the first words of their list, and the preview's codes.
+// Values for shell completion: the faults' names, which are the first words in their list, and the preview's codes.
 manual::Words usualWords() {
   manual::Words words;
   for (int code = 0; code <= 15; ++code) words["CODE"].push_back(std::to_string(code));

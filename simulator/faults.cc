@@ -74,14 +74,14 @@ bool readStall(const std::string& text, std::optional<Stall>& stall) {
   return slash == std::string::npos || readNumber(text.substr(slash + 1), 0.1, 3600.0, stall->every);
 }
 
-// A number that may be left out.
+// An optional number.
 template <class T>
 bool readOptional(const std::string& text, T otherwise, T most, T& value) {
   value = otherwise;
   return text.empty() || readNumber(text, T{1}, most, value);
 }
 
-// A share above 0 that may be left out.
+// An optional share above 0.
 bool readShare(const std::string& text, double otherwise, double& share) {
   share = otherwise;
   return text.empty() || (readNumber(text, 0.0, 1.0, share) && share > 0);

@@ -35,15 +35,14 @@ class SceneCanvas {
 
   void set(int column, int row, Colour colour);
 
-  // Lays a colour over each pixel of a box. cover(right, up), of a pixel's distance from the box's centre in degrees,
-  // is how much of the colour the pixel gets, 0 to 1.
+  // Blends a colour into each pixel of a box. cover(right, up), for a pixel's distance from the box's centre in
+  // degrees, is the colour's share, 0 to 1.
   template <class Cover>
   void paint(const Box& box, Colour colour, Cover cover);
 
   void fill(const Box& box, Colour colour);
 
-  // cell: height of a glyph's dot, of which a line takes eight. Dots are widened so that they look square from the
-  // inside of the sphere.
+  // cell: height of a glyph's dot; a line has eight. Dots are widened so that they look square from inside the sphere.
   void text(double longitude, double latitude, double cell, std::string_view characters, Colour colour);
 
  private:
