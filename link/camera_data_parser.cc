@@ -51,7 +51,7 @@ void CameraDataParser::parseAppended() {
 void CameraDataParser::parserData(ByteView lastRead) {
   forgetClearedBytes();
   statistics_.bytesReceived.add(lastRead.size());
-  // A short read is cheaper to copy than to take apart.
+  // A short read is cheaper to copy than to parse in place.
   if (lastRead.size() < kShortRead || isNeedDataSynchronism()) {
     buffer_.append(lastRead);
     return parseAppended();
@@ -72,8 +72,7 @@ bool CameraDataParser::parseHeld() {
   return true;
 }
 
-// Moves no more bytes behind the held beginning of a frame than that frame lacks, so that all others are delivered from
-// where they were read.
+// Completes the held frame with only its missing bytes, so that all others are delivered in place.
 bool CameraDataParser::completeHeld(ByteView& lastRead) {
   while (buffer_.size() != 0 && !lastRead.empty()) {
     const std::size_t wanted = std::max(buffer_.awaited(), zel::kFrameHeader);
@@ -106,7 +105,7 @@ bool CameraDataParser::walk(ByteView& bytes, std::size_t& awaited) {
 bool CameraDataParser::losePosition() {
   statistics_.positionsLost.add(1);
   buffer_.clear();
-  setIsNeedDataSynchronism(true);  // nothing more is taken for a frame, even where reopening fails
+  setIsNeedDataSynchronism(true);  // parses no more frames, even if reopening fails
   if (accessory_ != nullptr) accessory_->streamPositionLost();
   return false;
 }
@@ -115,9 +114,9 @@ void CameraDataParser::findSynchronism() {
   constexpr std::size_t kMarker = dataSynchronismValue.size();
   const ByteView held = buffer_.view();
   if (held.size() < kMarker) return;
-  // A marker at the very end is left for a later call: it counts only once a byte follows it.
+  // A marker at the very end is left for a later call: it is recognised only when a byte follows it.
   if (const auto at = zel::findMarker(held.first(held.size() - 1))) return startAfterMarker(*at + kMarker);
-  const std::size_t garbage = held.size() - kMarker;  // the rest may be the beginning of a marker that a read has split
+  const std::size_t garbage = held.size() - kMarker;  // the rest may be the beginning of a split marker
   statistics_.bytesDiscarded.add(garbage);
   buffer_.consume(garbage, 0);
 }
@@ -204,7 +203,7 @@ void CameraDataParser::routeTimestamp(ByteView payload) {
   }
   const auto player = consumers().player.lock();
   if (!player) return statistics_.dropped.noConsumer.add(1);
-  // Added as unsigned numbers, because a hostile time must wrap around and not overflow.
+  // Unsigned addition, so that a hostile time wraps instead of overflowing.
   const auto cameraTime = zel::loadLittleEndian<std::uint64_t>(payload.data() + 1);
   const auto phoneTime = static_cast<std::int64_t>(cameraTime + static_cast<std::uint64_t>(accessory_->timeOffset()));
   if (payload[0] == 0) return player->setNextVideoTimestamp(phoneTime);
@@ -222,7 +221,7 @@ void CameraDataParser::parserMsg(const std::uint8_t* data, std::size_t dataLen) 
     if (code != zel::kSyncTimeReply) statistics_.dropped.unregisteredCode.add(1);
     return;
   }
-  std::optional<ZELData> body;  // a message of two bytes has no body at all, which is not an empty one
+  std::optional<ZELData> body;  // a message of two bytes has no body, which differs from an empty one
   if (dataLen >= 3) body.emplace(ByteView(data + 2, dataLen - 2));
   if (record->parserBlock()) record->parserBlock()(record->msgType(), body, record->sourceObj());
 }
@@ -232,7 +231,7 @@ void CameraDataParser::sendSyncData() {
   syncDataRequester_->msgReqSendSyncData(ZELData(ByteView(dataSynchronismValue)), [](const auto&) {});
 }
 
-// The session thread's own copy, renewed when somebody set a consumer: a frame then costs no lock.
+// The session thread's own copy, updated when a consumer was set, so that a frame needs no lock.
 const CameraDataParser::Consumers& CameraDataParser::consumers() {
   const std::uint64_t version = consumersVersion_.load();
   if (version != consumersSeen_) {

@@ -19,9 +19,9 @@
 #include "link/roles.h"
 #include "link/zel_camera_data_parser.h"
 
-// Cuts the camera's byte stream into frames and hands each to its consumer; packs outbound messages. Nothing on the
-// stream is trusted: a partial frame waits, an unknown one is dropped and counted, an impossible length has the session
-// reopened.
+// Cuts the camera's byte stream into frames and delivers each to its consumer; packs outbound messages. Nothing on the
+// stream is trusted: a partial frame waits for the rest, an unknown one is dropped and counted, an invalid length
+// reopens the session.
 // Owner:  consumers and the accessory are not owned.
 // Thread: appendBytes, parserData and all that they call run on the session thread; everything else on any thread.
 class CameraDataParser final : public zel::InboundStream {
@@ -33,62 +33,62 @@ class CameraDataParser final : public zel::InboundStream {
   CameraDataParser(const CameraDataParser&) = delete;
   CameraDataParser& operator=(const CameraDataParser&) = delete;
 
-  // Who is told of arriving data and of the clock's answer; null while there is nobody. Set before traffic starts.
+  // Receives the reports of arriving data and of the time synchronisation; may be null. Set before traffic starts.
   void setAccessory(zel::AccessoryLink* accessory) { accessory_ = accessory; }
-  // Who sends the marker request. Set before traffic starts.
+  // Sends the marker request. Set before traffic starts.
   void setSyncDataRequester(zel::SyncDataRequester* requester) { syncDataRequester_ = requester; }
 
   // appendBytes:length: - appends received bytes without parsing them.
   void appendBytes(const std::uint8_t* bytes, std::size_t length) override;
 
-  // Delivers every whole frame received, in order; while resynchronising it looks for the marker instead, and what
-  // follows the marker is left for the next call.
+  // Delivers every whole received frame in order. While resynchronising it searches for the marker instead, and leaves
+  // the bytes after the marker for the next call.
   void parserData();
 
-  // The same as appendBytes() with these bytes and then parserData(), but copies only what the end of the bytes cuts
-  // off: whole frames are delivered from where they lie.
+  // The same as appendBytes() with these bytes and then parserData(), but copies only an incomplete frame at the end:
+  // whole frames are delivered in place.
   void parserData(zel::ByteView lastRead) override;
 
-  // parserDataWithUCDType:data:dataLen: - routes one frame's payload, and tells the accessory that data arrived,
-  // whatever the type.
+  // parserDataWithUCDType:data:dataLen: - routes one frame's payload, and reports arriving data to the accessory, for
+  // any type.
   void parserDataWithUCDType(std::int32_t type, const std::uint8_t* data, std::size_t dataLen);
 
   // parserMsg:dataLen: - dispatches a message by its code.
   void parserMsg(const std::uint8_t* data, std::size_t dataLen);
 
-  // Forgets the bytes received so far. Called from another thread while frames are being routed, it lets the frame in
-  // progress finish and has the rest dropped.
+  // Drops the received bytes. Called from another thread while frames are being routed, it lets the current frame
+  // finish and drops the rest.
   void clearData() override;
 
-  // Whether the marker is being looked for.
+  // Whether it searches for the marker.
   bool isNeedDataSynchronism() const { return isNeedDataSynchronism_.load(); }
   void setIsNeedDataSynchronism(bool needed) override { isNeedDataSynchronism_.store(needed); }
 
-  // Asks the camera for the marker.
+  // Requests the marker from the camera.
   void sendSyncData();
 
-  // Bytes received and not yet consumed.
+  // Received bytes that are not consumed yet.
   // Thread: session thread.
   zel::ByteView data() const;
-  // Memory held for them.
+  // The size of their buffer.
   // Thread: session thread.
   std::size_t dataCapacity() const { return buffer_.capacity(); }
 
   // Consumer of types 1, 2 and 8, held weakly.
   void setPreviewPlayer(std::weak_ptr<zel::PreviewConsumer> player);
   std::shared_ptr<zel::PreviewConsumer> previewPlayer() const;
-  // Consumer of type 3; each capture brings its own.
+  // Consumer of type 3; each capture sets its own.
   void setPhotoParser(std::shared_ptr<zel::PhotoConsumer> parser);
   std::shared_ptr<zel::PhotoConsumer> photoParser() const;
   // Consumer of type 9.
   void setUcdFile(std::shared_ptr<zel::FileReplyConsumer> file);
   std::shared_ptr<zel::FileReplyConsumer> ucdFile() const;
 
-  // setVideoStreamRes: - keeps the code; one from 0 to 15 also sets the preview player's picture size and frame rate.
+  // setVideoStreamRes: - stores the code; one from 0 to 15 also sets the preview player's picture size and frame rate.
   void setVideoStreamRes(std::uint64_t code);
   std::uint64_t videoStreamRes() const { return videoStreamRes_.load(); }
 
-  // Registries; an earlier record under the same key is replaced. Keys count with their low 32 bits.
+  // Registries; an earlier record under the same key is replaced. Only the low 32 bits of keys are used.
   void registerMsgPacket(CameraMsgPacket packet, std::int64_t msgType);
   void registerMsgParser(CameraMsgParser parser, std::int64_t ucdMsgResponseType);
   void registerDataParser(ZELCameraDataParser parser, std::int64_t ucdDataType);
@@ -97,7 +97,7 @@ class CameraDataParser final : public zel::InboundStream {
   // packetMsgData:withData: - the whole outbound frame; nothing when no request is registered under the number.
   std::optional<ZELData> packetMsgData(std::int64_t msgType, const ZELMessageFields& fields) const;
 
-  // Fills in what the de-multiplexer counts.
+  // Sets the de-multiplexer's counters in `into`.
   // Thread: any thread.
   void copyStatistics(zel::LinkStatistics& into) const { statistics_.copyTo(into); }
 
@@ -114,10 +114,10 @@ class CameraDataParser final : public zel::InboundStream {
   void parseAppended();
   void findSynchronism();
   void startAfterMarker(std::size_t markerEnd);
-  // The following return false when the session was closed or reopened, and what was read must not be touched any more.
+  // The following return false when the session was closed or reopened; the read bytes are then invalid.
   bool parseHeld();
   bool completeHeld(zel::ByteView& lastRead);
-  // Delivers the whole frames at the front of `bytes` and removes them; `awaited` is the length of the one that is cut.
+  // Delivers the whole frames at the front of `bytes` and removes them; `awaited` is the length of the incomplete one.
   bool walk(zel::ByteView& bytes, std::size_t& awaited);
   bool losePosition();
   void route(std::int32_t type, zel::ByteView payload);

@@ -22,7 +22,7 @@ using zel::platform::NotificationObservation;
 namespace {
 
 constexpr double kDetectPeriod = 1.0;       // seconds
-constexpr double kFirstFrameTimeout = 5.0;  // a fresh session is given longer than a running one
+constexpr double kFirstFrameTimeout = 5.0;  // a new session gets more time than a running one
 constexpr double kSilenceTimeout = 3.0;
 constexpr double kNeverReceived = -1.0;
 constexpr std::int64_t kSlowRoundTrip = 12;  // milliseconds, from which a clock exchange is repeated
@@ -76,8 +76,8 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
   std::atomic<std::int64_t> syncRoundTrip = -1;
   zel::ObserverList<std::uint64_t> statusObservers;
 
-  // Orders what the session thread reports against the closing of the session: a last frame must not bring a closed
-  // connection back to life.
+  // Orders reports of the session thread against the closing of the session: a last frame must not change a closed
+  // connection's status.
   zel::Mutex linkMutex;
 
   mutable zel::Mutex infoMutex;
@@ -88,9 +88,9 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
   std::unique_ptr<zel::platform::Timer> detectTimer ZEL_GUARDED_BY(watchMutex);
   std::unique_ptr<zel::platform::NotificationObservation> connectObservation ZEL_GUARDED_BY(watchMutex);
   std::unique_ptr<zel::platform::NotificationObservation> disconnectObservation ZEL_GUARDED_BY(watchMutex);
-  std::atomic<std::uint64_t> watches = 0;  // changes whenever anybody opens or closes the camera
+  std::atomic<std::uint64_t> watches = 0;  // changes with each opening and closing of the camera
 
-  CameraSession session;  // last but for the service: its thread uses all of the above
+  CameraSession session;  // last except the service: its thread uses all members above
   ZELTunnelService tunnelService{session};
 };
 
@@ -101,7 +101,7 @@ ZELCameraAccessory::ZELCameraAccessory(const zel::platform::Ports& ports, Camera
 }
 
 ZELCameraAccessory::~ZELCameraAccessory() {
-  impl_->keepAlive = {};  // what it was part of is going
+  impl_->keepAlive = {};  // the stack is being destroyed
   closeCamera();
   impl_->session.waitForThreadEnd();
   impl_->parser.setAccessory(nullptr);
@@ -165,7 +165,7 @@ std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
   if (!watching) impl_->ports.accessories.registerForLocalNotifications();
   for (const auto& accessory : impl_->ports.accessories.connectedAccessories()) {
     const bool connected = connectCamera(accessory);
-    if (impl_->watches.load() != watch) return nullptr;  // who was told of the session closed the camera
+    if (impl_->watches.load() != watch) return nullptr;  // an observer of the session closed the camera
     if (!connected) continue;
     openConnection();
     return ZELAccessoryInfo::initWithAccessory(*accessory);
@@ -231,7 +231,7 @@ void ZELCameraAccessory::accessoryDidDisconnectNotification(const Notification& 
 }
 
 void ZELCameraAccessory::openConnection() {
-  // The tunnel always fails; the report is all that comes of it.
+  // The tunnel always fails; only the report has an effect.
   if (!impl_->tunnelService.open() && delegate()) {
     impl_->ports.queues.mainQueue().post([weak = std::weak_ptr(delegate())] {
       const auto listener = weak.lock();
@@ -266,7 +266,7 @@ void ZELCameraAccessory::successCreateSession() {
 
 void ZELCameraAccessory::receivedData() { setStatusWhileOpen(kFlowing); }
 
-// Data has come, or a session has: the clock starts anew.
+// Data has arrived or a session has opened: restarts the silence timer.
 void ZELCameraAccessory::setStatusWhileOpen(std::uint64_t status) {
   {
     const MutexLock lock(impl_->linkMutex);
@@ -295,7 +295,7 @@ void ZELCameraAccessory::onDetectTimer() {
   const auto held = impl_->keepAlive.hold();
   const std::uint64_t seen = impl_->status.load();
   const double last = impl_->lastReceivedDataTimer.load();
-  if (last < 0) return;  // closed, and this tick was already under way
+  if (last < 0) return;  // closed while this tick was in progress
   const double silence = impl_->clock.absoluteTime() - last;
   if (seen == kOpen) {
     if (impl_->parser.isNeedDataSynchronism()) impl_->parser.sendSyncData();
@@ -305,8 +305,8 @@ void ZELCameraAccessory::onDetectTimer() {
   }
 }
 
-// Only if nobody changed the status meanwhile: a session that is reopened during a tick must stay at 1, since the
-// marker is asked for at 1 alone.
+// Only if the status was not changed meanwhile: a session that is reopened during a tick must stay at 1, since the
+// marker is requested only at 1.
 void ZELCameraAccessory::replaceStatus(std::uint64_t from, std::uint64_t to) {
   {
     const MutexLock lock(impl_->linkMutex);
