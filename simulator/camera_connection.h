@@ -24,8 +24,8 @@ namespace zel::simulator {
 // The parameters shared by all connections of one simulator.
 struct ConnectionSetup {
   int firmware = 192;
-  int bitrate = 0;  // as SimulatorOptions has it
-  int slices = 1;   // likewise
+  int bitrate = 0;  // see SimulatorOptions
+  int slices = 1;   // see SimulatorOptions
   std::uint64_t seed = 1;
   SimulatedCamera* camera = nullptr;
   MediaLibrary* media = nullptr;
@@ -34,7 +34,7 @@ struct ConnectionSetup {
   std::function<void()> unplug;                    // requested by a fault
   std::function<void()> closed;                    // called once, when the connection has ended
   std::function<void(const std::string&)> warn;
-  std::function<double()> mediaSeconds;  // as SimulatorOptions has it
+  std::function<double()> mediaSeconds;  // see SimulatorOptions
 };
 
 // The camera's end of one connection. It begins in the middle of a frame, and passes the host's requests to the camera.

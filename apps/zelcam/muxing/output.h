@@ -76,11 +76,11 @@ class Output {
 
   const OutputRules rules_;
   RetryPolicy policy_;                                   // output's thread only
-  std::minstd_rand random_;                              // likewise
-  std::chrono::steady_clock::time_point connectedAt_{};  // likewise
-  bool wasConnected_ = false;                            // likewise
-  bool wasEverConnected_ = false;                        // likewise
-  LeftOut leftOut_;                                      // likewise; by this sink, as far as the report knows
+  std::minstd_rand random_;                              // output's thread only
+  std::chrono::steady_clock::time_point connectedAt_{};  // output's thread only
+  bool wasConnected_ = false;                            // output's thread only
+  bool wasEverConnected_ = false;                        // output's thread only
+  LeftOut leftOut_;                                      // output's thread only; reported so far, by this sink
 
   mutable std::mutex mutex_;  // guards the rest
   std::condition_variable changed_;
