@@ -12,7 +12,7 @@
 
 namespace {
 
-// A file on its way to the camera:
+// The frame of a file for the camera:
 //
 //   0        4       6           8          10        74
 //   +--------+-------+-----------+----------+---------+-----------

@@ -24,7 +24,7 @@ class FrameQueue {
 
   // Returns false when the oldest was dropped for it.
   bool append(LiveFrame frame) {
-    LiveFrame oldest;  // let go after the lock
+    LiveFrame oldest;  // destroyed after the lock
     const MutexLock lock(mutex_);
     const bool full = frames_.size() >= kMost;
     if (full) {
@@ -54,7 +54,7 @@ class FrameQueue {
   }
 
   void clear() {
-    std::deque<LiveFrame> all;  // let go after the lock
+    std::deque<LiveFrame> all;  // destroyed after the lock
     const MutexLock lock(mutex_);
     all.swap(frames_);
   }

@@ -213,7 +213,7 @@ class Demo {
 }  // namespace
 
 int runDemo(const Invocation& invocation) {
-  av_log_set_level(AV_LOG_QUIET);  // what cannot be read back is told in our own words
+  av_log_set_level(AV_LOG_QUIET);  // zelcam prints its own messages
   std::error_code error;
   const fs::path self = fs::read_symlink("/proc/self/exe", error);
   if (error) return complain(kRefused, "demo", "this program cannot find itself: " + error.message());

@@ -4,8 +4,8 @@
 
 namespace zel::app {
 
-// `zelcam devices`: the accessories present; with `--watch` also those that come and go, until the user stops it.
-// Returns the exit status. No accessory at all is an empty list and no failure.
+// `zelcam devices`: lists the attached accessories; with `--watch` also reports attaching and detaching, until the user
+// stops it. Returns the exit status. An empty list is no failure.
 int runDevices(const Invocation& invocation);
 
 }  // namespace zel::app

@@ -4,8 +4,8 @@
 
 namespace zel::app {
 
-// `zelcam info`: who the camera is and how it is, in one table. Returns the exit status: what the camera refused or did
-// not answer is told apart from the rest, which is shown.
+// `zelcam info`: prints the camera's identity and state as a table. Returns the exit status. Values that the camera
+// refuses or does not send are reported separately.
 int runInfo(const Invocation& invocation);
 
 }  // namespace zel::app
