@@ -12,7 +12,7 @@
 
 namespace zel {
 
-// Reads records one after another and never beyond the end: what is missing reads as 0, and ok() tells of it.
+// Reads records in sequence and never past the end: missing bytes read as 0, and ok() is then false.
 class ByteReader {
  public:
   explicit ByteReader(ByteView bytes) : rest_(bytes) {}
@@ -30,7 +30,7 @@ class ByteReader {
     return std::bit_cast<R>(bytes);
   }
 
-  // What has not been read yet.
+  // The unread bytes.
   ByteView rest() const { return rest_; }
   bool ok() const { return ok_; }
 

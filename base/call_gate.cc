@@ -54,9 +54,9 @@ bool CallGate::State::begin(std::function<void()>& kept) {
   return true;
 }
 
-// The outermost call makes what has been handed over meanwhile.
+// The outermost call runs the calls that were handed over meanwhile.
 bool CallGate::State::takeHandedOver(std::function<void()>& call) {
-  std::function<void()> made = std::exchange(call, nullptr);  // what it holds goes without the lock
+  std::function<void()> made = std::exchange(call, nullptr);  // its captures are destroyed without the lock
   const MutexLock lock(mutex_);
   if (calls_ != 1 || handedOver_.empty()) return false;
   call = std::move(handedOver_.front());

@@ -14,8 +14,8 @@ namespace zel {
 
 // Observers called in the order of their addition, on the notifying thread, without the list's lock.
 //
-// Thread: any thread. One observer is never called by two threads at once. A thread that notifies from inside a
-//         callback does not wait for the other one: it leaves the call to it.
+// Thread: any thread. One observer is never called by two threads at once. A thread that notifies inside a callback
+//         does not wait for another thread in the observer: that thread makes the call.
 template <class... Args>
 class ObserverList {
  public:

@@ -8,13 +8,12 @@
 
 namespace zel {
 
-// Handlers that wait for an answer, at most one under each key: a later one takes the place of an earlier one.
+// Pending handlers, at most one for each key: a later one replaces an earlier one.
 //
-// A request is announced, then written, and only then its handler is put here, because that order can be observed: an
-// answer that comes in between belongs to the handler that still waits from before. Where none waits, the answer is the
-// announced request's own, which was faster than its sender; it is kept until the handler is put, so that no completion
-// is lost.
-// Thread: none of its own; the owner guards it with a lock.
+// A request is announced, then written, and only then its handler is stored, because that order is observable: a reply
+// that arrives in between belongs to an earlier handler that is still pending. Without one it is the reply of the
+// announced request, which arrived before put(). It is kept until put(), so that no completion is lost.
+// Thread: none; the owner guards it with a lock.
 template <class Key, class Handler, class Answer>
 class PendingTable {
  public:
@@ -23,8 +22,8 @@ class PendingTable {
   // The announced request was not sent after all.
   void withdraw(const Key& key) { leave(entries_.find(key)); }
 
-  // Stores the handler of an announced request, or gives the answer that is already there for it. `handler` is left
-  // with the one that was replaced, if any, for the owner to destroy without its lock.
+  // Stores the handler of an announced request, or returns the reply that has already arrived for it. Afterwards
+  // `handler` holds the replaced one, if any, so that the owner destroys it without its lock.
   [[nodiscard]] std::optional<Answer> put(const Key& key, std::optional<Handler>& handler) {
     const auto entry = entries_.find(key);
     std::optional<Answer> answer;
@@ -38,7 +37,7 @@ class PendingTable {
     return answer;
   }
 
-  // Takes out the handler that waits. Where only an announced one is to come, the answer is kept for it.
+  // Removes and returns the pending handler. When a request is only announced, the reply is kept for it.
   [[nodiscard]] std::optional<Handler> take(const Key& key, const Answer& answer) {
     const auto entry = entries_.find(key);
     if (entry == entries_.end()) return std::nullopt;
@@ -73,7 +72,7 @@ class PendingTable {
     return handlers;
   }
 
-  // Whether a handler waits under the key, or is announced and has no answer yet.
+  // Whether a handler is pending for the key, or a request is announced and has no reply yet.
   bool isExpected(const Key& key) const {
     const auto entry = entries_.find(key);
     return entry != entries_.end() && (entry->second.handler || entry->second.early.size() < entry->second.announced);

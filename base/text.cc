@@ -32,7 +32,7 @@ Character decode(std::string_view text, const Form& form) {
   return {form.bytes, code > 0xFFFF ? 2u : 1u, true};
 }
 
-// The character at the front of a text that is not empty.
+// The first character of a non-empty text.
 Character firstCharacter(std::string_view text) {
   const auto lead = static_cast<std::uint8_t>(text[0]);
   for (const Form& form : kForms) {

@@ -19,11 +19,11 @@ inline bool isAscii(std::string_view text) {
 // Whether the bytes are UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
 bool isUtf8(std::string_view text);
 
-// The number of 16-bit units that the text has in UTF-16, which is what hosts count as characters. Bytes that are not
-// UTF-8 count one each.
+// The number of 16-bit units that the text has in UTF-16, which hosts count as characters. A byte that is not UTF-8
+// counts as one.
 std::size_t characterCount(std::string_view text);
 
-// The text without its first `count` such characters; one that is cut in half goes whole.
+// The text without its first `count` such characters. A character that would be cut in half is removed whole.
 std::string_view withoutCharacters(std::string_view text, std::size_t count);
 
 // The bytes up to the first zero, or to the end, as UTF-8 text; nothing when they are not UTF-8.

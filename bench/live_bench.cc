@@ -111,7 +111,8 @@ class Recorder final : public ZELLiveDataSourceProtocol {
 // The pipeline from the camera's socket to an MP4 file, once its first pictures have come.
 class Pipeline {
  public:
-  // underWay: pictures in it at a time. Units: pixels, bits a second.
+  // underWay: pictures in it at a time.
+  // Units:  pixels, bits a second.
   Pipeline(const std::string& film, const Size& size, std::uint64_t underWay, int decoderThreads)
       : clock_(underWay), decoders_({decoderThreads}) {
     simulator::SimulatorOptions camera;

@@ -32,7 +32,7 @@ class MediaClock {
   }
 
   // Goes on by a picture when there is room for one and the one before has arrived, or seems not to come.
-  // Units: seconds.
+  // Units:  seconds.
   double now() {
     const MutexLock lock(mutex_);
     processorSeconds_ = threadProcessorSeconds();

@@ -27,7 +27,8 @@ inline void answerHelp(int argc, char** argv, const char* usage) {
 }
 
 // How many rounds the command line asks for; `./run bench` hands the options of Google Benchmark to every program, and
-// they mean nothing here. Errors: below 1.
+// they mean nothing here.
+// Errors: below 1.
 inline int roundsIn(int argc, char** argv, int usual) {
   return argc > 1 && argv[1][0] != '-' ? std::atoi(argv[1]) : usual;
 }

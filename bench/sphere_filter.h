@@ -13,7 +13,8 @@ namespace zel::bench {
 // instead. Pictures are planar 4:2:0, for v360 has no NV12.
 class SphereFilter {
  public:
-  // options: v360's own. Errors: ready() is false where this FFmpeg cannot build the filter.
+  // options: v360's own.
+  // Errors: ready() is false where this FFmpeg cannot build the filter.
   SphereFilter(int sourceWidth, int sourceHeight, int threads, const std::string& options);
   ~SphereFilter();
   SphereFilter(const SphereFilter&) = delete;
@@ -21,7 +22,8 @@ class SphereFilter {
 
   bool ready() const { return ready_; }
 
-  // Filters one picture without copying it. Owner: the caller gets the result; null on failure.
+  // Filters one picture without copying it.
+  // Owner:  the caller gets the result; null on failure.
   std::shared_ptr<AVFrame> filter(const AVFrame& source);
 
  private:

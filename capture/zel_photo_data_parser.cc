@@ -16,11 +16,11 @@ namespace {
 //   | file name, ASCII  | the image file
 //   +-------------------+---------------------
 //
-// The name ends at its first zero; its last byte counts as one whatever it holds.
+// The name ends at its first zero; its last byte is always treated as one.
 constexpr std::size_t kNameField = 64;
 constexpr std::size_t kShortestPayload = kNameField + 1;  // and one byte of image
 
-// A camera that goes on sending after its series was answered does not fill the memory.
+// Limits the memory when a camera continues to send after its series is complete.
 constexpr std::size_t kPicturesAfterTheAnswer = 16;
 
 std::optional<std::string> nameIn(zel::ByteView payload) {

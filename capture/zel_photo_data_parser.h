@@ -24,12 +24,12 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
   // initWithShutterBlock: - expects one picture.
   static std::unique_ptr<ZELPhotoDataParser> initWithShutterBlock(zel::platform::Queue& mainQueue, ZELPhotoBlock block);
 
-  // initWithAEBShutterCount:photoBlock: - expects that many; with 0 the first picture answers.
+  // initWithAEBShutterCount:photoBlock: - expects that many pictures; with 0 the first picture completes it.
   static std::unique_ptr<ZELPhotoDataParser> initWithAEBShutterCount(zel::platform::Queue& mainQueue,
                                                                      std::int32_t count, ZELPhotoSeriesBlock block);
 
-  // parserData:size: - one photo frame's payload. Shorter than a name and one byte of image it fails the capture with
-  // 101.
+  // parserData:size: - one photo frame's payload. If it is shorter than a name and one byte of image, the capture fails
+  // with 101.
   void parserData(zel::ByteView bytes) override;
 
   // replyBlockWithError: - the command failed.
@@ -51,9 +51,9 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
   ZELPhotoDataParser(zel::platform::Queue& mainQueue, std::variant<Single, Series> capture)
       : mainQueue_(mainQueue), capture_(std::move(capture)) {}
 
-  // The one call of a handler, for the main queue; null where there is nothing to call.
+  // The call of a handler, for the main queue; null when there is none.
   using Answer = zel::platform::Task;
-  // Each takes the handler out where it answers. The answer is posted once the lock is let go.
+  // Each removes the handler that it completes. The call is posted after the lock is released.
   static Answer parserShutterData(Single& single, zel::ByteView bytes);
   static Answer parserShutterAEBData(Series& series, zel::ByteView bytes);
   static void keep(Series& series, zel::ByteView bytes);

@@ -14,7 +14,7 @@
 
 namespace {
 
-// A file on its way to the camera:
+// The frame of a file for the camera:
 //
 //   0        4       6           8          10        74
 //   +--------+-------+-----------+----------+---------+-----------
@@ -24,7 +24,7 @@ constexpr std::size_t kPathField = 64;
 constexpr std::size_t kFileHeader = zel::kFrameHeader + 2 + 2 + kPathField;  // file type, reserved, path
 static_assert(kLargestFile + kFileHeader == std::numeric_limits<std::uint32_t>::max());
 
-// The camera's answer:
+// The camera's reply:
 //
 //   0        2      4        6
 //   +--------+------+--------+------------------
@@ -34,7 +34,7 @@ constexpr std::size_t kReplyHeader = 2 + 2 + 2;
 constexpr std::uint16_t kUploadReply = 2;
 constexpr std::uint16_t kFailed = 1;
 
-// The first three characters go wherever the drive stands; hosts have come to rely on the name that results.
+// Removes the first three characters, wherever the drive is; hosts rely on the resulting name.
 std::string normalisedPath(const std::string& path) {
   for (const std::string_view drive : {"C:\\", "c:\\", "C:/", "c:/"}) {
     if (path.find(drive) != std::string::npos) return std::string(zel::withoutCharacters(path, 3));
@@ -124,8 +124,8 @@ void ZELUCDFile::parserUCD(zel::ByteView bytes) {
     expected = blocks_.isExpected(path);
     block = blocks_.take(path, answer);
   }
-  // Deliberate: who is named is answered here and at once; an answer that names nobody is everybody's, as a path longer
-  // than the field comes back cut.
+  // Deliberate: a transfer whose path is named is completed here, at once. A reply with an unknown path completes all
+  // transfers, because a path longer than the field is returned cut.
   if (block) return (*block)(answer);
   if (!expected) replyAllBlockWithError(answer);
 }

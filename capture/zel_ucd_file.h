@@ -14,8 +14,8 @@
 #include "base/pending_table.h"
 #include "link/roles.h"
 
-// Sends whole files to the camera, and matches its answers to the callers by the file's path.
-// There is no time-out: a transfer waits until its answer comes, or one that answers everybody.
+// Sends whole files to the camera, and matches its replies to the handlers by the file's path.
+// There is no timeout: a transfer is pending until its own reply, or a reply that completes all transfers.
 // Owner:  mainQueue must outlive the object.
 // Thread: parserUCD on the session thread, the rest on any thread.
 class ZELUCDFile final : public zel::FileReplyConsumer {
@@ -38,7 +38,7 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
   // Files that were not sent, and answers, of which nobody could be told for want of memory.
   std::uint64_t lostForMemory() const { return lostForMemory_.load(); }
 
-  // parserUCD:size: - one answer of the camera.
+  // parserUCD:size: - one reply of the camera.
   void parserUCD(zel::ByteView bytes) override;
 
   // replyAllBlockWithError:, replyAllBlockWithErrorCode:, replyAllBlockWithCameraError - answer every transfer that

@@ -26,13 +26,13 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
 else()
   # g++ 12 sees an overlap, or a size beyond all memory, in std::string concatenations that it inlines.
   target_compile_options(zel_settings INTERFACE -Wno-restrict -Wno-stringop-overflow)
-  # A class's hidden state may have members of types that its file alone knows; compiled together with other files, that
-  # file is taken for a header.
+  # A class's hidden state may have members of types that are local to its file; in a unity build that file counts as a
+  # header.
   target_compile_options(zel_settings INTERFACE -Wno-subobject-linkage)
 endif()
 target_link_libraries(zel_settings INTERFACE Threads::Threads)
 
-# What nobody calls can then be left out by the linker, a function at a time.
+# Lets the linker remove unused functions one by one.
 if(ZEL_CORE_ONLY)
   add_compile_options(-ffunction-sections -fdata-sections)
 endif()
@@ -42,9 +42,9 @@ if(ZEL_SANITIZE)
   add_link_options(-fsanitize=${ZEL_SANITIZE})
 endif()
 
-# A folder is a library, made of all sources in it (but a program's main.cc) and linked with the libraries of the folders
-# that cmake/lint/edges.txt lets it include. Sources are compiled in groups, which saves reading their headers again; so
-# what stands in an anonymous namespace needs a name that is unique in its folder. ZEL_UNITY=OFF compiles them one by one.
+# A folder is a library of all its sources (except a program's main.cc), linked with the libraries of the folders that it
+# may include according to cmake/lint/edges.txt. Sources are compiled in groups (unity build), to parse headers less
+# often; so names in anonymous namespaces must be unique in their folder. ZEL_UNITY=OFF compiles them one by one.
 option(ZEL_UNITY "Compile several files of a folder as one" ON)
 
 # zel_folder([SUBFOLDERS names] [LINKS libraries] [PRIVATE_LINKS libraries]): this folder's library, zel_ and the folder's
@@ -69,7 +69,7 @@ function(zel_library_of folder result)
   set(${result} zel_${name} PARENT_SCOPE)
 endfunction()
 
-# All sources of this folder and of the named ones in it, but programs' own.
+# All sources of this folder and of the named subfolders, except those of programs.
 function(zel_sources result subfolders)
   set(patterns *.cc)
   foreach(subfolder ${subfolders})

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Names the tests that failed and why others were skipped, and prints the counts: N passed, N failed, N skipped.
 
-Takes ctest's report and a folder with those of the programs that ran many tests each."""
+Reads ctest's report and a folder with the reports of programs that ran many tests each."""
 import re
 import sys
 import xml.etree.ElementTree as ElementTree
@@ -14,7 +14,7 @@ def is_skipped(case):
 
 
 def cases_of(case, folder):
-    """The tests that one of ctest's stands for. A program that did not come to its end has no report, or an old one."""
+    """The tests of one ctest entry. A program that crashed has no report, or an old one."""
     report = folder / f"{case.get('name')}.xml"
     if not report.exists():
         return [case]
@@ -24,7 +24,7 @@ def cases_of(case, folder):
 
 
 def reason_of(case):
-    """What a skipped test says behind the line that names its place."""
+    """The message of a skipped test, after the line with its location."""
     own = case.find("skipped")
     texts = [own.get("message", "") if own is not None else "", case.findtext("system-out", "")]
     found = [re.search(r"\.(?:cc|py):\d+(?:: Skipped)?\n(.+)", text) for text in texts]

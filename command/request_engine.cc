@@ -59,7 +59,7 @@ void RequestEngine::registerEvent(const CameraEvent& event) {
                             static_cast<std::int64_t>(event.code));
 }
 
-// The request is announced before the status is read: a link that is lost after that fails it, wherever it stands.
+// The request is announced before the status is read, so that a link that is lost after that fails it at any point.
 void RequestEngine::send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock) {
   if (rebackBlock) announce(msgType);
   if (isConnected()) {
@@ -169,7 +169,7 @@ void RequestEngine::failCapture(CameraDataParser& parser, int code) {
   if (const auto photo = parser.photoParser()) photo->replyBlockWithError(zelOSStatusError(code));
 }
 
-// The step that fails the capture does not run any more once the engine has gone, so it is failed here.
+// The step that fails the capture no longer runs once the engine is destroyed, so the capture is failed here.
 void RequestEngine::failEverything() {
   respondToAllWithError(kZELErrorNotConnected);
   orCount([this] { failCapture(parser_, kZELErrorNotConnected); });

@@ -27,9 +27,8 @@
 
 namespace zel {
 
-// What every request and every event goes through: it sends, matches replies to handlers, fails handlers, and hands
-// events to their receivers.
-// Owner:  the arguments of the constructor must outlive the object, and no frame may arrive once it has gone.
+// Sends requests, matches replies to handlers, fails handlers, and delivers events to their receivers.
+// Owner:  the arguments of the constructor must outlive the object, and no frame may arrive after its destruction.
 // Thread: any thread; handlers run on the main queue, each at most once.
 class RequestEngine final : public SyncDataRequester {
  public:
@@ -44,13 +43,13 @@ class RequestEngine final : public SyncDataRequester {
   // Errors: std::bad_alloc; the request was not sent then, and the handler is not kept.
   void send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock);
 
-  // The marker request, which is what brings the first frame and so waits for no status.
+  // The marker request. It does not depend on the status, because the camera sends no frame before it.
   void msgReqSendSyncData(const ZELData& data, RebackDic rebackBlock) override;
 
-  // Completes the handler that waits under the type.
+  // Completes the type's pending handler.
   void respond(std::int64_t msgType, const std::optional<ZELMessageFields>& reply);
   void respondWithError(std::int64_t msgType);
-  // Reads a reply's body, and completes the handler with what it comes to.
+  // Decodes a reply's body, and completes the handler with the result.
   void respondTo(const Reply& reply, const std::optional<ZELData>& body, std::int64_t msgType);
 
   // Makes a call that sends a request; reply makes the handler of its answer, null for nobody.
@@ -82,14 +81,14 @@ class RequestEngine final : public SyncDataRequester {
   // Calls every receiver before it returns, with the receivers' lock held.
   void notify(std::int64_t type, const std::optional<ZELMessageFields>& value);
 
-  // The end of the engine's stack: every handler that waits gets 100, of requests, captures and uploads. Uploads wait
-  // whatever the link's status, and so do marker requests.
+  // Called when the engine's stack is destroyed: every pending handler of requests, captures and uploads gets 100.
+  // Uploads and marker requests can be pending at any status.
   void failEverything();
 
-  // What is held while receivers and steps run. Set before traffic starts.
+  // Keeps the stack alive while receivers and steps run. Set before traffic starts.
   void setKeepAlive(const KeepAlive& keepAlive) { keepAlive_ = keepAlive; }
 
-  // Runs the step now, on this thread, unless the engine has gone meanwhile. For handlers, which may outlive it.
+  // Runs the step now, on this thread, unless the engine was destroyed. For handlers, which may outlive it.
   std::function<void(const std::function<void(CameraDataParser&)>&)> whileAlive();
 
   CameraDataParser& parser() { return parser_; }
@@ -132,16 +131,16 @@ class RequestEngine final : public SyncDataRequester {
 
   struct Receiver {
     std::shared_ptr<ZELCameraNotificationProtocol> object;
-    std::atomic<bool> removed = false;  // hears nothing more
+    std::atomic<bool> removed = false;  // gets no more events
   };
 
-  // Held while receivers are called, so that whoever removes one can wait for its call. Recursive, because a receiver
-  // may cause an event.
+  // Held while receivers are called, so that removing one can wait for its call. Recursive, because a receiver may
+  // cause an event.
   RecursiveMutex deliveryMutex_;
   Mutex receiversMutex_;  // nothing is called with it held
   std::vector<std::shared_ptr<Receiver>> notificationReceivers_ ZEL_GUARDED_BY(receiversMutex_);
 
-  Observation statusObservation_;  // last: it ends before what it uses
+  Observation statusObservation_;  // last: destroyed before everything that it uses
 };
 
 }  // namespace zel

@@ -19,7 +19,7 @@ template <class T>
 void setField(ZELMessageFields& fields, const Field& field, const T& value) {
   fields.set(field.key, value);
 }
-// What is absent is no field.
+// An absent value gives no field.
 template <class T>
 void setField(ZELMessageFields& fields, const Field& field, const std::optional<T>& value) {
   if (value) fields.set(field.key, *value);
@@ -44,7 +44,7 @@ ZELMessageFields fieldsOf(const Arguments&... arguments) {
   return fields;
 }
 
-// The camera's record of a media library's object; all zero without one.
+// The camera's record of a media library's object; all zero for null.
 inline ZELGpsData recordOf(const std::shared_ptr<const ZELMediaGps>& gps) {
   return gps ? gps->getGpsData() : ZELGpsData{};
 }

@@ -27,7 +27,7 @@ ZELCameraManager::ZELCameraManager(ZELCameraAccessory& accessory, ZELCameraUCD& 
 
 ZELCameraManager::~ZELCameraManager() { unRegisterForCameraNotifications(); }
 
-// The pointer owns nothing: what the command layer holds must not keep the manager, which removes itself as it goes.
+// The pointer does not own: the command layer must not keep the manager alive, whose destructor removes it.
 void ZELCameraManager::registerForCameraNotifications() {
   ucd_.addCameraNotificationReceiver({std::shared_ptr<void>(), this});
 }

@@ -1,4 +1,4 @@
-// The command layer's engine as hosts see it. Its requests stand in the files beside this one: commands, settings,
+// The public side of the request engine. The requests are in the files next to this one: commands, settings,
 // calibration, files.
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
@@ -29,7 +29,7 @@ ZELCameraUCD::ZELCameraUCD(ZELCameraAccessory& accessory, CameraDataParser& pars
   parser.setSyncDataRequester(engine_.get());
 }
 
-// Receivers that are let go with it may remove themselves as they go: the engine is still whole then.
+// Receivers that are destroyed with it may remove themselves in their destructors; the engine is still complete then.
 ZELCameraUCD::~ZELCameraUCD() {
   engine_->parser().setSyncDataRequester(nullptr);
   engine_->removeAllReceivers();

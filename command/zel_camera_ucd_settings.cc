@@ -1,4 +1,4 @@
-// State, settings, and where the host is.
+// State, settings, and the host's position.
 
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 

@@ -1,4 +1,4 @@
-// The media library's object and the three sensor objects that it is made of.
+// The media library's object and its three sensor objects.
 
 #include <ZELTarkaSDK/ZELExtraJsonInfo.h>
 #include <ZELTarkaSDK/ZELMediaGps.h>
@@ -11,7 +11,7 @@
 
 namespace {
 
-// With these floats a value beyond their range is infinite, and the narrowing is defined for every value.
+// With IEC 559 floats a value out of range becomes infinite, and narrowing is defined for every value.
 static_assert(std::numeric_limits<float>::is_iec559);
 float narrowed(double value) { return static_cast<float>(value); }
 

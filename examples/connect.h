@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-// Opens the camera and waits until its frames arrive; connect_and_print_status.cc shows the same step by step.
-// Errors: false, and says why, where no camera is attached or it sends nothing for ten seconds.
+// Opens the camera and waits until its frames arrive; connect_and_print_status.cc shows the steps.
+// Errors: false, and prints why, when no camera is attached or it sends nothing for ten seconds.
 // Thread: main thread, whose main queue it runs.
 inline bool connect(zel::LinuxPlatform& platform, ZELCameraAccessory& accessory) {
   const auto watch = accessory.observeStatus([&](std::uint64_t status) {
@@ -19,7 +19,8 @@ inline bool connect(zel::LinuxPlatform& platform, ZELCameraAccessory& accessory)
   return true;
 }
 
-// The platform on the accessory folder of the environment. Errors: null, and says why.
+// The platform on the accessory folder of the environment.
+// Errors: null, and prints why.
 inline std::unique_ptr<zel::LinuxPlatform> makePlatform() {
   std::string fault;
   auto platform = zel::LinuxPlatform::create({}, fault);

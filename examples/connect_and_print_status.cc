@@ -1,4 +1,4 @@
-// Connects to the camera and prints what it says of itself.
+// Connects to the camera and prints its description.
 //
 //   connect_and_print_status
 

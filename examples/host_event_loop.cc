@@ -1,4 +1,4 @@
-// Runs the main queue inside a poll() loop of the host's own. Each line of standard input asks for the battery.
+// Runs the main queue inside the host's own poll() loop. Each line of standard input requests the battery level.
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
@@ -12,7 +12,7 @@
 
 #include "connect.h"
 
-// Tasks for the host's loop, and a descriptor that is readable while there are some.
+// Tasks for the host's loop, and a file descriptor that is readable while there are any.
 class HostQueue {
  public:
   void post(std::function<void()> task) {  // any thread

@@ -16,7 +16,7 @@
 
 namespace {
 
-// The picture's operations are called on the encode thread, the sound's on the session thread.
+// Video is delivered on the encode thread, sound on the session thread.
 struct Files final : ZELLiveDataSourceProtocol {
   Files(const char* h264, const char* aac) : video(h264, std::ios::binary), sound(aac, std::ios::binary) {}
   void sourceOnError(const ZELError& error) override { std::cerr << error.description.value_or("failed") << '\n'; }

@@ -15,7 +15,7 @@
 
 namespace {
 
-// Red, green and blue: a picture tells the matrix of its luma and chroma; its range is always the full one.
+// Converts to RGB with the picture's colour matrix; the range is always full.
 void writePixel(std::ostream& file, double luma, const zel::platform::ColourDifferences& above) {
   for (const double value : {luma + above.red, luma + above.green, luma + above.blue})
     file.put(static_cast<char>(static_cast<std::uint8_t>(std::clamp(value + 0.5, 0.0, 255.0))));

@@ -39,9 +39,9 @@ int main(int count, char** arguments) {
     failure = file.flush() ? "" : "the picture cannot be written";
     std::cout << name.value_or("a photo") << ": " << bytes.size() << " bytes\n";
   };
-  // A refusal reaches save only through a handler of the reply, whatever that does itself.
+  // save gets a refusal only if there is a handler of the reply, even an empty one.
   const auto stored = [](const auto&, std::uint32_t, std::uint64_t, const auto&) {};
-  // Where the camera is and how it is held may stay unknown.
+  // Position and orientation may be unknown.
   stack.ucd().msgCmdShutterWithGps({}, {}, {}, stored, save);
   platform->runMainQueueFor(30);
   return failure.empty() ? 0 : fail(failure);

@@ -1,4 +1,4 @@
-// Drives two cameras at once, each by a stack of its own, and prints what both have sent after two seconds.
+// Drives two cameras at once, each with its own stack, and prints what both have sent after two seconds.
 //
 //   two_cameras SERIAL SERIAL
 

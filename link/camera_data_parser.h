@@ -49,8 +49,8 @@ class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
   // off: whole frames are delivered from where they lie.
   void parserData(zel::ByteView lastRead) override { cutter_.cut(lastRead); }
 
-  // parserDataWithUCDType:data:dataLen: - routes one frame's payload, and tells the accessory that data arrived,
-  // whatever the type.
+  // parserDataWithUCDType:data:dataLen: - routes one frame's payload, and reports arriving data to the accessory, for
+  // any type.
   void parserDataWithUCDType(std::int32_t type, const std::uint8_t* data, std::size_t dataLen);
 
   // parserMsg:dataLen: - dispatches a message by its code.
@@ -70,7 +70,7 @@ class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
   // Units: bytes, at most kMaxFrameLength. Thread: any thread.
   void setLongestFrame(std::uint32_t bytes) { cutter_.setLongestFrame(bytes); }
 
-  // Asks the camera for the marker.
+  // Requests the marker from the camera.
   void sendSyncData();
 
   // Bytes received and not yet consumed. Thread: session thread.
@@ -88,7 +88,7 @@ class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
   void setUcdFile(std::shared_ptr<zel::FileReplyConsumer> file) { router_.setUcdFile(std::move(file)); }
   std::shared_ptr<zel::FileReplyConsumer> ucdFile() const { return router_.ucdFile(); }
 
-  // setVideoStreamRes: - keeps the code; one from 0 to 15 also sets the preview player's picture size and frame rate.
+  // setVideoStreamRes: - stores the code; one from 0 to 15 also sets the preview player's picture size and frame rate.
   void setVideoStreamRes(std::uint64_t code);
   std::uint64_t videoStreamRes() const { return videoStreamRes_.load(); }
 
@@ -107,7 +107,8 @@ class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
   // packetMsgData:withData: - the whole outbound frame; nothing when no request is registered under the number.
   std::optional<ZELData> packetMsgData(std::int64_t msgType, const ZELMessageFields& fields) const;
 
-  // Fills in what the de-multiplexer counts. Thread: any thread.
+  // Sets the de-multiplexer's counters in `into`.
+  // Thread: any thread.
   void copyStatistics(zel::LinkStatistics& into) const { statistics_.copyTo(into); }
 
  private:

@@ -7,14 +7,14 @@
 
 #include <ZELTarkaSDK/ZELData.h>
 
-// How one kind of reply or event is read: the command layer's message number and the handler that takes the body.
+// How one kind of reply or event is parsed: the command layer's message number and the function that reads the body.
 class CameraMsgParser {
  public:
   // Called with the record's msgType, the body (absent when the message has none) and the source object.
   using ParserBlock = std::function<void(std::uint64_t msgType, const std::optional<ZELData>& body, void* sourceObj)>;
 
   // initWithMsgType:source:parserBlock: and initWithMsgType:parserBlock:
-  // Owner: sourceObj is not owned and never cleared; it must live as long as the record.
+  // Owner:  sourceObj is not owned and never cleared; it must live as long as the record.
   CameraMsgParser(std::uint64_t msgType, void* sourceObj, ParserBlock parserBlock)
       : msgType_(msgType), sourceObj_(sourceObj), parserBlock_(std::move(parserBlock)) {}
   CameraMsgParser(std::uint64_t msgType, ParserBlock parserBlock)

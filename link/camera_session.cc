@@ -9,7 +9,7 @@ using zel::SessionConnection;
 
 namespace {
 
-constexpr std::size_t kReadBuffer = 0x200000;  // 2 MiB: a whole burst of preview in one read
+constexpr std::size_t kReadBuffer = 0x200000;  // 2 MiB: a whole preview burst in one read
 
 }  // namespace
 
@@ -53,7 +53,7 @@ CameraSession::Connection CameraSession::takeCurrent(std::uint64_t& opening) {
 void CameraSession::finishClosing(const Connection& closed) {
   if (!closed) return;
   closed->close();
-  parser_.clearData();  // the session thread may be parsing: what it still holds goes nowhere
+  parser_.clearData();  // the session thread may be parsing: the rest of its bytes is dropped
 }
 
 bool CameraSession::openAs(std::uint64_t opening, const std::shared_ptr<zel::platform::Accessory>& accessory,
@@ -70,7 +70,7 @@ bool CameraSession::openAs(std::uint64_t opening, const std::shared_ptr<zel::pla
   return beginOrLeaveWaiting(connection, accepted);
 }
 
-// The thread is made before anybody hears of the session, so that there is nothing to take back where it cannot be.
+// The thread is created before the session is announced, so that a failure needs no undoing.
 CameraSession::Connection CameraSession::connect(const std::shared_ptr<zel::platform::Accessory>& accessory,
                                                  std::string_view protocol) {
   if (!accessory) return nullptr;
@@ -83,7 +83,7 @@ CameraSession::Connection CameraSession::connect(const std::shared_ptr<zel::plat
 bool CameraSession::install(std::uint64_t opening, const Connection& connection,
                             const std::shared_ptr<zel::platform::Accessory>& accessory) {
   const MutexLock lock(mutex_);
-  if (openings_ != opening) return false;  // somebody opened or closed while this one was connecting
+  if (openings_ != opening) return false;  // another thread opened or closed a session while this one was connecting
   connection_ = connection;
   sessionAccessory_ = accessory;
   return true;
@@ -110,7 +110,7 @@ void CameraSession::threadEnded() {
   if (connection_ && mayBegin_) begin(true);
 }
 
-// The thread before may have delivered a last frame, or a last read, after this session was opened.
+// The previous thread may have delivered a last frame, or a last read, after this session was opened.
 void CameraSession::threadBeganAfterAnother() {
   resetParser();
   accessory_.successCreateSession();
@@ -188,7 +188,7 @@ bool CameraSession::takeSyncTimeResend() {
   return false;
 }
 
-// One block for the life of the session object and not one for the process: two stacks read at the same time.
+// One block for the session object, not for the process: two stacks read at the same time.
 std::span<std::uint8_t> CameraSession::readBuffer() {
   if (readBuffer_.empty()) readBuffer_.resize(kReadBuffer);
   return readBuffer_;

@@ -17,32 +17,32 @@
 #include "link/roles.h"
 #include "link/session_connection.h"
 
-// The byte stream to the camera: opens and closes it, queues what is written, reopens it after a stream error.
-// Each open session is a SessionConnection with a thread of its own; at most one of these threads reads and parses at a
-// time, since a new one begins only when the one before has ended. That is why the de-multiplexer needs no lock.
+// The byte stream to the camera: opens and closes it, queues written bytes, reopens it after a stream error. Each open
+// session is a SessionConnection with its own thread. A new thread begins only when the previous one has ended, so only
+// one reads and parses at a time, and the de-multiplexer needs no lock.
 //
 // Thread: any thread.
 class CameraSession final : zel::ConnectionOwner {
  public:
-  // Owner: all arguments must outlive the object.
+  // Owner:  all arguments must outlive the object.
   CameraSession(const zel::platform::Ports& ports, zel::AccessoryLink& accessory, zel::InboundStream& parser);
   // Closes, and waits for the session thread.
   ~CameraSession();
   CameraSession(const CameraSession&) = delete;
   CameraSession& operator=(const CameraSession&) = delete;
 
-  // What a session thread keeps alive until it has ended. Set before the first opening.
+  // Keeps the stack alive until the session thread has ended. Set before the first opening.
   void setKeepAlive(const zel::KeepAlive& keepAlive) { keepAlive_ = keepAlive; }
 
-  // openSessionWithAccessory:protocol: - closes the current session and opens a new one. `accepted` is called once the
-  // session has been announced and stands, before its first byte is read, with a lock held: it must call nobody.
-  // Errors: false when no session or no thread could be had, when who was told of the session closed it again, or when
-  //         another thread opened or closed meanwhile.
+  // openSessionWithAccessory:protocol: - closes the current session and opens a new one. `accepted` is called after the
+  // session was announced and before its first byte is read, with a lock held: it must not make callbacks.
+  // Errors: false when no session or no thread is available, when an observer of the announcement closed the session
+  //         again, or when another thread opened or closed one meanwhile.
   bool openSessionWithAccessory(const std::shared_ptr<zel::platform::Accessory>& accessory, std::string_view protocol,
                                 const std::function<void()>& accepted = {});
 
-  // Closes the current session, if any. The session thread is asked to end and not waited for; what is written from now
-  // until the next opening is lost.
+  // Closes the current session, if any. Asks the session thread to end and does not wait. Bytes written until the next
+  // opening are lost.
   void closeSession();
 
   // Whether a session exists.
@@ -52,29 +52,29 @@ class CameraSession final : zel::ConnectionOwner {
   void writeData(const ZELData& data);
   void writeData(const std::uint8_t* bytes, std::int32_t length);
 
-  // Has the session thread send the time synchronisation.
+  // Sends the time synchronisation from the session thread.
   void sendSyncTimeCmd();
 
   // When the last time-synchronisation command was built, in milliseconds since 2001.
   std::int64_t syncTimestamp() const { return syncTimestamp_.load(); }
 
-  // Re-sends of the time synchronisation that are left. 10 at first and never refilled: a reconnection does not
-  // earn new ones.
+  // Remaining re-sends of the time synchronisation. 10 at first and never refilled, not even by a reconnection.
   std::int32_t syncTimeCount() const { return syncTimeCount_.load(); }
-  // Spends one; false when none is left.
+  // Uses one; false when none is left.
   bool takeSyncTimeResend();
 
-  // The de-multiplexer lost its position in the stream: reopens as after a stream error. Thread: session thread.
+  // The de-multiplexer lost its position in the stream: reopens as after a stream error.
+  // Thread: session thread.
   void reopenAfterLostPosition();
 
-  // Bytes that the streams have taken, of all sessions together, and bytes that the open one has not taken yet.
+  // Bytes that the streams of all sessions have accepted, and bytes that the open one has not accepted yet.
   std::uint64_t bytesWritten() const { return bytesWritten_.load(); }
   std::uint64_t bytesToWrite() const;
 
-  // Times that the stream reported an error.
+  // Number of stream errors.
   std::uint64_t streamErrors() const { return streamErrors_.load(); }
 
-  // accessoryDidDisconnect: - does nothing; the accessory manager's notification ends the connection.
+  // accessoryDidDisconnect: - does nothing: the accessory manager's notification ends the connection.
   void accessoryDidDisconnect(const zel::platform::Accessory& accessory);
 
   // Waits for the session thread to end after a close; returns at once on that thread.
@@ -114,9 +114,9 @@ class CameraSession final : zel::ConnectionOwner {
   std::atomic<std::uint64_t> bytesWritten_ = 0;
 
   mutable zel::Mutex mutex_;
-  std::uint64_t openings_ ZEL_GUARDED_BY(mutex_) = 0;  // changes whenever anybody opens or closes
+  std::uint64_t openings_ ZEL_GUARDED_BY(mutex_) = 0;  // changes with each opening and closing
   std::shared_ptr<zel::platform::Accessory> sessionAccessory_ ZEL_GUARDED_BY(mutex_);
   Connection connection_ ZEL_GUARDED_BY(mutex_);  // the open session
-  bool mayBegin_ ZEL_GUARDED_BY(mutex_) = false;  // the open session is set up, and waits for the thread before it
-  Connection running_ ZEL_GUARDED_BY(mutex_);     // the one whose thread has begun and has not ended
+  bool mayBegin_ ZEL_GUARDED_BY(mutex_) = false;  // the open session is ready, and waits for the previous thread
+  Connection running_ ZEL_GUARDED_BY(mutex_);     // the one whose thread is running
 };

@@ -11,7 +11,7 @@ namespace zel {
 // A count with one writer and any number of readers.
 class Counter {
  public:
-  // A plain store is enough, and cheaper than an atomic addition, because one thread at a time parses.
+  // Only one thread parses at a time, so a plain store suffices. It is cheaper than an atomic addition.
   void add(std::uint64_t count) { value_.store(value() + count, std::memory_order_relaxed); }
   std::uint64_t value() const { return value_.load(std::memory_order_relaxed); }
 
@@ -19,7 +19,7 @@ class Counter {
   std::atomic<std::uint64_t> value_ = 0;
 };
 
-// What the de-multiplexer counts.
+// Counters of the de-multiplexer.
 // Thread: written on the session thread, read on any.
 struct FrameStatistics {
   struct Dropped {
@@ -35,7 +35,7 @@ struct FrameStatistics {
   // Counts a whole frame of that data type.
   void addFrame(std::uint16_t type, std::uint64_t length);
 
-  // Fills in what is counted here and leaves the rest of `into` alone.
+  // Sets these counters in `into`, and no others.
   void copyTo(LinkStatistics& into) const;
 };
 

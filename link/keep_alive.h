@@ -5,9 +5,8 @@
 
 namespace zel {
 
-// Whom an object is part of, to be held while the object calls out: the host may let go of the whole inside such a
-// call. A stack names itself to its parts. An object that belongs to nobody is destroyed by its owner, outside its
-// calls.
+// A reference to the stack that an object belongs to, held while the object makes a callback, because the host may
+// destroy the stack inside it. An object without a stack is destroyed by its owner outside callbacks.
 //
 // Thread: hold() on any thread; set before the object is used.
 class KeepAlive {
@@ -15,13 +14,13 @@ class KeepAlive {
   KeepAlive() = default;
   explicit KeepAlive(std::weak_ptr<void> whole) : whole_(std::move(whole)), isPart_(true) {}
 
-  // Null where the whole has gone already.
+  // Null when the stack has already been destroyed.
   std::shared_ptr<void> hold() const {
     static char nobody;
     return isPart_ ? whole_.lock() : std::shared_ptr<void>(std::shared_ptr<void>(), &nobody);
   }
 
-  // The same call, made only while the whole is there, and with the whole held. For observers and timers.
+  // Wraps a call so that it runs only while the stack exists, and keeps the stack alive. For observers and timers.
   template <class Call>
   auto during(Call call) const {
     return [keepAlive = *this, call = std::move(call)](const auto&... args) {

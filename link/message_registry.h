@@ -15,8 +15,8 @@
 
 namespace zel {
 
-// Records under integer keys. Only the low 32 bits of a key take part, as keys have always been 32-bit numbers.
-// Records are normally registered before traffic starts; the lock makes a late registration safe as well.
+// Records by integer key. Only the low 32 bits of a key are used, as keys have always been 32-bit numbers. Records are
+// normally registered before traffic starts; the lock makes late registration safe too.
 // Thread: any thread.
 template <class Record>
 class Registry {
@@ -32,7 +32,7 @@ class Registry {
     records_.erase(narrow(key));
   }
 
-  // Null where nothing is registered. The record stays usable when it is replaced meanwhile.
+  // Null for an unregistered key. The record stays valid when it is replaced.
   std::shared_ptr<const Record> find(std::int64_t key) const {
     const MutexLock lock(mutex_);
     const auto found = records_.find(narrow(key));
@@ -46,7 +46,7 @@ class Registry {
   std::unordered_map<std::int32_t, std::shared_ptr<const Record>> records_ ZEL_GUARDED_BY(mutex_);
 };
 
-// The complete outbound frame that the record makes of the request's fields.
+// The complete outbound frame of the request's fields.
 ZELData packedFrame(const CameraMsgPacket& packet, const ZELMessageFields& fields);
 
 }  // namespace zel

@@ -8,9 +8,9 @@
 namespace zel {
 namespace {
 
-constexpr std::size_t kSmallest = 64 * 1024;            // holds most frames and the reads of most bursts
-constexpr std::size_t kKeptCapacity = 4 * 1024 * 1024;  // not given back: two full reads
-constexpr std::size_t kShortRest = 1024;  // cheaper to move to the front at once than to let the buffer wander
+constexpr std::size_t kSmallest = 64 * 1024;            // fits most frames and the reads of most bursts
+constexpr std::size_t kKeptCapacity = 4 * 1024 * 1024;  // never freed: two full reads
+constexpr std::size_t kShortRest = 1024;                // cheaper to move to the front at once than to keep in place
 
 }  // namespace
 
@@ -36,7 +36,7 @@ void ReceiveBuffer::clear() {
 
 void ReceiveBuffer::makeRoom(std::size_t count) {
   const std::size_t needed = size() + count;
-  // At most one move for each consumed frame: afterwards the bytes stand at the front, and only growing helps.
+  // At most one move for each consumed frame: after that the bytes are at the front, and the buffer must grow.
   if (needed <= capacity_) return moveToFront();
   reallocate(std::max({kSmallest, needed, std::min(2 * needed, awaited_)}));
 }

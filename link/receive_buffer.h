@@ -9,9 +9,9 @@
 
 namespace zel {
 
-// The bytes received and not yet consumed, in one piece.
-// Its memory follows the frame that it waits for: it grows by doubling up to that frame's length, never beyond twice
-// what is needed, and shrinks again after a large frame. Thread: one.
+// The bytes received and not yet consumed, in one piece. It doubles until the awaited frame fits, never holds more than
+// twice the needed memory, and shrinks again after a large frame.
+// Thread: one.
 class ReceiveBuffer {
  public:
   // Errors: std::bad_alloc; what was held is held still.
@@ -24,12 +24,11 @@ class ReceiveBuffer {
   ByteView view() const { return {storage_.get() + begin_, end_ - begin_}; }
   std::size_t size() const { return end_ - begin_; }
 
-  // Removes bytes from the front, and tells how long the frame is that the rest waits for (0 when that is not known
-  // yet).
+  // Removes bytes from the front, and sets the length of the frame that the rest begins (0 when unknown).
   void consume(std::size_t count, std::size_t awaited);
   void clear();
 
-  // Length of the frame whose beginning is held; 0 when that is not known yet.
+  // Length of the incomplete frame in the buffer; 0 when unknown.
   std::size_t awaited() const { return awaited_; }
 
   std::size_t capacity() const { return capacity_; }
@@ -44,7 +43,7 @@ class ReceiveBuffer {
   std::size_t capacity_ = 0;
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
-  std::size_t awaited_ = 0;  // length of the frame whose beginning is held, 0 when unknown
+  std::size_t awaited_ = 0;  // length of the incomplete frame, 0 when unknown
 };
 
 }  // namespace zel

@@ -9,11 +9,11 @@
 
 #include "base/wire.h"
 
-// What the transport asks of those above it, one narrow interface each.
+// The interfaces through which the link calls the parts above it.
 
 namespace zel {
 
-// The accessory object, as the de-multiplexer and the session see it.
+// The accessory object, for the de-multiplexer and the session.
 // Thread: session thread, successCreateSession on the thread that opens.
 class AccessoryLink {
  public:
@@ -21,16 +21,16 @@ class AccessoryLink {
   virtual void receivedData() = 0;          // a frame was routed, or dropped
   virtual std::int64_t firewareVersion() const = 0;
   virtual std::int64_t timeOffset() const = 0;  // milliseconds
-  virtual double absoluteTime() const = 0;      // seconds since 2001, as the link counts them
+  virtual double absoluteTime() const = 0;      // seconds since 2001, see LinkClock
   virtual void sendSyncTimeCmd() = 0;
   virtual void updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveTime) = 0;  // milliseconds since 2001
-  virtual void streamPositionLost() = 0;                                         // an impossible length: reopen
+  virtual void streamPositionLost() = 0;                                         // an invalid length: reopen
 
  protected:
   ~AccessoryLink() = default;
 };
 
-// The de-multiplexer, as the session sees it.
+// The de-multiplexer, for the session.
 class InboundStream {
  public:
   virtual void appendBytes(const std::uint8_t* bytes, std::size_t length) = 0;  // session thread
@@ -42,7 +42,7 @@ class InboundStream {
   ~InboundStream() = default;
 };
 
-// The photo parser: frames of type 3, and the failure of the capture that they belong to.
+// The photo parser: frames of type 3, and the failure of their capture.
 // Thread: session thread, replyBlockWithError on any thread. The bytes are valid during the call only.
 class PhotoConsumer {
  public:
@@ -51,17 +51,18 @@ class PhotoConsumer {
   virtual void replyBlockWithError(const ZELError& error) = 0;
 };
 
-// The file transfer: frames of type 9. Thread: session thread. The bytes are valid during the call only.
+// The file transfer: frames of type 9. The bytes are valid during the call only.
+// Thread: session thread.
 class FileReplyConsumer {
  public:
   virtual ~FileReplyConsumer() = default;
   virtual void parserUCD(ByteView bytes) = 0;
 };
 
-// The command layer, as far as the marker request needs it.
+// The command layer, for the marker request.
 class SyncDataRequester {
  public:
-  // msgReqSendSyncData:rebackBlock: - asks the camera for the marker, whatever the connection's status.
+  // msgReqSendSyncData:rebackBlock: - requests the marker, at any status of the connection.
   // Thread: any thread.
   virtual void msgReqSendSyncData(const ZELData& marker, RebackDic rebackBlock) = 0;
 

@@ -9,7 +9,7 @@
 namespace zel {
 namespace {
 
-// Reads of one burst before it is parsed. A camera that never pauses must not keep the session thread from parsing.
+// Reads before parsing. Without a limit, a camera that never pauses would keep the session thread from parsing.
 constexpr int kReadsPerBurst = 8;
 
 }  // namespace
@@ -44,7 +44,7 @@ void SessionConnection::begin(bool afterAnother) {
 }
 
 void SessionConnection::runSessionThread() {
-  if (closed_.load()) return;  // the order to end follows
+  if (closed_.load()) return;  // the request to end follows
   if (afterAnother_) owner_.threadBeganAfterAnother();
   if (!hasMemoryFor([this] { openStreams(); })) return fail();
   writeStreamData();  // what was queued before there was a thread to write it
@@ -69,8 +69,8 @@ std::array<platform::Stream*, 2> SessionConnection::streams() {
 
 void SessionConnection::close() {
   closed_.store(true);
-  session_->letGo();  // a session that takes this one's place is opened before the streams of this one are closed
-  // A thread that never began has nothing to finish, and nobody else would wait for it.
+  session_->letGo();  // the next session is opened before this one's streams are closed
+  // A thread that never began has no work, and is not joined anywhere else.
   if (!begun_.load()) return join();
   // Where there is no memory to ask it, the thread is stopped, and closes the streams as it ends.
   if (!hasMemoryFor([this] { performOnThread(&SessionConnection::closeSesionThread); })) stopThread();
@@ -95,7 +95,7 @@ void SessionConnection::closeStreams() {
 }
 
 void SessionConnection::endSessionThread() {
-  closeStreams();  // again, because join() stops the loop without asking for a close
+  closeStreams();  // again, because join() stops the loop without closing
   const auto kept = std::move(keepAlive_);
   if (begun_.load()) ifMemoryAllows([this] { owner_.threadEnded(); });
   join();  // lets go of the handle, which otherwise would keep this object, and this object it, for good
@@ -129,7 +129,7 @@ void SessionConnection::handle(platform::StreamEvent event) {
       return owner_.streamFailed(*this);
     case platform::StreamEvent::openCompleted:
     case platform::StreamEvent::endEncountered:
-      return;  // an unplugged camera is announced by its accessory's departure
+      return;  // the end of the stream is handled when the accessory is detached
   }
 }
 

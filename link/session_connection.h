@@ -19,19 +19,20 @@ namespace zel {
 
 class SessionConnection;
 
-// The session, as its connections see it. Thread: session thread.
+// The session, for its connections.
+// Thread: session thread.
 class ConnectionOwner {
  public:
   virtual void streamFailed(SessionConnection& connection) = 0;
-  // A session thread begins after waiting for the one of the connection before.
+  // Called when a session thread begins that had to wait for the previous connection's thread.
   virtual void threadBeganAfterAnother() = 0;
-  // The last that the thread does to its owner.
+  // The thread's last call to its owner.
   virtual void threadEnded() = 0;
-  // Where reads go: one block, reused by every read of every connection of the session.
+  // The read buffer: one block for all reads of all connections of the session.
   virtual std::span<std::uint8_t> readBuffer() = 0;
-  // Takes the time of the synchronisation command that is being built and keeps it.
+  // Records and returns the time of a synchronisation command that is being built.
   virtual std::int64_t stampSyncTime() = 0;
-  // The stream has taken that many bytes.
+  // The stream has accepted that many bytes.
   virtual void bytesWritten(std::size_t count) = 0;
 
  protected:
@@ -39,41 +40,40 @@ class ConnectionOwner {
 };
 
 // One open session with the camera: its streams, its outbound queue and its "session thread".
-// It lives as long as its thread does, which may be a little longer than the session keeps it: a session that closes
-// only asks the thread to end.
+// It lives until its thread has ended, which may be after the session has released it: a closing session only asks the
+// thread to end.
 //
 // Owner:  the owner and the inbound stream must outlive the thread.
 // Thread: any thread for the public operations, the session thread for the rest.
 class SessionConnection final : public platform::StreamDelegate,
                                 public std::enable_shared_from_this<SessionConnection> {
  public:
-  // A connection whose thread exists and does nothing until begin(). `keepAlive` is let go as the thread's last act.
-  // Errors: null where no thread can be had.
+  // A connection whose thread exists and does nothing until begin(). `keepAlive` is released at the thread's end.
+  // Errors: null when no thread can be started.
   static std::shared_ptr<SessionConnection> create(ConnectionOwner& owner, InboundStream& inbound,
                                                    std::unique_ptr<platform::AccessorySession> session,
                                                    platform::Threads& threads, std::shared_ptr<void> keepAlive);
   SessionConnection(const SessionConnection&) = delete;
   SessionConnection& operator=(const SessionConnection&) = delete;
 
-  // Opens the streams on the session thread: from here on the camera is read. `afterAnother` tells that the thread of
-  // an earlier connection had to be waited for. To be called once at most; the owner hears of the end of a thread that
-  // has begun.
+  // Opens the streams on the session thread, which starts reading. `afterAnother`: the thread of an earlier connection
+  // had to end first. Call at most once. threadEnded() is called only for a thread that has begun.
   void begin(bool afterAnother);
 
-  // Asks the session thread to close the streams and to end. It may still deliver what it is at.
+  // Asks the session thread to close the streams and to end. It may still deliver the current frame.
   void close();
 
-  // Waits for the thread's end; on the session thread itself it returns at once.
+  // Waits for the thread's end; returns at once on the session thread itself.
   void join();
 
   // Queues the bytes as a whole and has the session thread write them.
   // Errors: std::bad_alloc; nothing is queued then.
   void writeData(ByteView bytes);
 
-  // Bytes that are queued.
+  // Queued bytes.
   std::size_t bytesToWrite() const { return bytesToWrite_.load(); }
 
-  // Has the session thread send the time synchronisation.
+  // Sends the time synchronisation from the session thread.
   void sendSyncTimeCmd();
 
   // stream:handleEvent:
@@ -106,15 +106,15 @@ class SessionConnection final : public platform::StreamDelegate,
   const std::unique_ptr<platform::AccessorySession> session_;
   platform::RunLoop* runLoop_ = nullptr;  // session thread only
   std::atomic<bool> begun_ = false;
-  bool afterAnother_ = false;        // session thread only, once begun
-  std::shared_ptr<void> keepAlive_;  // session thread only, once the thread exists
+  bool afterAnother_ = false;        // session thread only, after begin()
+  std::shared_ptr<void> keepAlive_;  // session thread only
   std::atomic<bool> closed_ = false;
-  std::atomic<bool> writeScheduled_ = false;  // one request to write is enough for any number of queued frames
+  std::atomic<bool> writeScheduled_ = false;  // one write task serves any number of queued frames
 
-  // Held while bytes are written as well, so that no producer sees a half-removed queue.
+  // Also held while bytes are written, so that no producer sees a partly removed queue.
   Mutex writeDataLock_;
   WriteQueue writeData_ ZEL_GUARDED_BY(writeDataLock_);
-  std::atomic<std::size_t> bytesToWrite_ = 0;  // as the queue has it, to be read without its lock
+  std::atomic<std::size_t> bytesToWrite_ = 0;  // the queue's size, readable without its lock
 
   Mutex threadMutex_;
   std::unique_ptr<platform::Thread> sessionThread_ ZEL_GUARDED_BY(threadMutex_);

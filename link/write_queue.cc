@@ -3,7 +3,7 @@
 namespace zel {
 namespace {
 
-constexpr std::size_t kKeptBytes = 1024 * 1024;  // an upload's memory is given back once it is written
+constexpr std::size_t kKeptBytes = 1024 * 1024;  // larger memory, after an upload, is freed
 
 }  // namespace
 

@@ -6,8 +6,8 @@
 
 namespace zel {
 
-// Bytes queued for the camera, taken from the front as the stream accepts them.
-// Removing from the front moves no bytes until half of the memory is free, so that draining stays linear.
+// Bytes queued for the camera, removed from the front as the stream accepts them.
+// Removing moves no bytes until half of the memory is free, so that draining takes linear time.
 // Thread: one at a time.
 class WriteQueue {
  public:

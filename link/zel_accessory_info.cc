@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr double kDockTypeFoundationVersion = 1240.1;  // older platforms do not tell the dock type
+constexpr double kDockTypeFoundationVersion = 1240.1;  // older platforms have no dock type
 
 template <class T>
 bool assignTo(T& property, const ZELAccessoryDict::mapped_type& value) {

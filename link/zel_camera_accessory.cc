@@ -74,9 +74,9 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
   std::unique_ptr<zel::platform::Timer> detectTimer ZEL_GUARDED_BY(watchMutex);
   std::unique_ptr<zel::platform::NotificationObservation> connectObservation ZEL_GUARDED_BY(watchMutex);
   std::unique_ptr<zel::platform::NotificationObservation> disconnectObservation ZEL_GUARDED_BY(watchMutex);
-  std::atomic<std::uint64_t> watches = 0;  // changes whenever anybody opens or closes the camera
+  std::atomic<std::uint64_t> watches = 0;  // changes with each opening and closing of the camera
 
-  CameraSession session;  // last but for the service: its thread uses all of the above
+  CameraSession session;  // last except the service: its thread uses all members above
   ZELTunnelService tunnelService{session};
 };
 
@@ -87,7 +87,7 @@ ZELCameraAccessory::ZELCameraAccessory(const zel::platform::Ports& ports, Camera
 }
 
 ZELCameraAccessory::~ZELCameraAccessory() {
-  impl_->keepAlive = {};  // what it was part of is going
+  impl_->keepAlive = {};  // the stack is being destroyed
   closeCamera();
   impl_->session.waitForThreadEnd();
   impl_->parser.setAccessory(nullptr);
@@ -158,7 +158,7 @@ std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::watchAndConnect() {
   if (!watching) impl_->ports.accessories.registerForLocalNotifications();
   for (const auto& accessory : impl_->ports.accessories.connectedAccessories()) {
     const bool connected = connectCamera(accessory);
-    if (impl_->watches.load() != watch) return nullptr;  // who was told of the session closed the camera
+    if (impl_->watches.load() != watch) return nullptr;  // an observer of the session closed the camera
     if (!connected) continue;
     openConnection();
     return ZELAccessoryInfo::initWithAccessory(*accessory);
@@ -230,7 +230,7 @@ void ZELCameraAccessory::accessoryDidDisconnectNotification(const Notification& 
 }
 
 void ZELCameraAccessory::openConnection() {
-  // The tunnel always fails; the report is all that comes of it.
+  // The tunnel always fails; only the report has an effect.
   if (!impl_->tunnelService.open() && delegate()) {
     impl_->ports.queues.mainQueue().post([weak = std::weak_ptr(delegate())] {
       const auto listener = weak.lock();

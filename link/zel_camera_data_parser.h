@@ -7,14 +7,14 @@
 
 #include "base/wire.h"
 
-// Who consumes the payloads of data type 7.
+// A consumer of payloads of data type 7.
 class ZELCameraDataParser {
  public:
-  // Called with the source object (null once it has gone) and the payload, which is valid during the call only.
+  // Called with the source object (null after its destruction) and the payload, which is valid during the call only.
   using ParserBlock = std::function<void(const std::shared_ptr<void>& srcObj, zel::ByteView payload)>;
 
   // initWithDataType:source:parserBlock:
-  // Owner: srcObj is held weakly.
+  // Owner:  srcObj is held weakly.
   ZELCameraDataParser(std::int32_t dataType, std::weak_ptr<void> srcObj, ParserBlock parserBlock)
       : dataType_(dataType), srcObj_(std::move(srcObj)), parserBlock_(std::move(parserBlock)) {}
 

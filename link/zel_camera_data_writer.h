@@ -8,11 +8,11 @@
 
 class CameraSession;
 
-// A placeholder for a writer beside the session: it knows a session and writes nothing.
+// A placeholder for a separate writer: it refers to a session and writes nothing.
 // Thread: any thread.
 class ZELCameraDataWriter {
  public:
-  // The one writer of the process.
+  // The only writer of the process.
   static ZELCameraDataWriter& defaultWriter();
 
   ZELCameraDataWriter() = default;

@@ -14,35 +14,36 @@
 
 namespace zel {
 
-// The stitched pictures that wait to be encoded, the encoder, and the thread that feeds it.
+// The queue of stitched pictures, the encoder, and the encode thread's loop.
 // Owner:  the arguments of the constructor must outlive the object.
 // Thread: any thread, except where an operation says otherwise.
 class EncodeStage {
  public:
   using Encoder = std::shared_ptr<platform::VideoEncoder>;
 
-  // encoders: null encodes nothing.
+  // encoders: null disables encoding.
   EncodeStage(platform::Clock& clock, platform::VideoEncoders* encoders)
       : clock_(clock), encoders_(encoders), encodeThreadJoinLock_(clock) {}
 
   // A new encoder that is ready. Errors: null where there is none, it does not open, or memory ends.
   Encoder open(const platform::VideoEncoderSettings& settings);
 
-  // Feeds that encoder from now on, or none. Returns the one before; it lives until the picture that it is at is done.
+  // Sets the encoder to feed, or none. Returns the previous one, which stays alive until its current picture is
+  // encoded.
   Encoder install(Encoder encoder) { return encoder_.set(std::move(encoder)); }
 
   // Errors: none; a picture for which there is no memory counts as dropped.
   void append(LiveFrame frame);
 
-  // The body of the encode thread. whenFailed is called, by the thread that is still joined, when five pictures in a
-  // row could not be encoded; the run then ends.
-  // Thread: encode thread; one that comes while another is at it waits for its end.
+  // The body of the encode thread. whenFailed is called on this thread, before it can be joined, when five pictures in
+  // a row could not be encoded; the run then ends.
+  // Thread: encode thread; a second caller waits until the first has returned.
   void run(const std::function<bool()>& isOver, const std::function<void()>& whenFailed);
 
-  // Waits until the encode thread has left its loop: for good, on that thread itself.
+  // Waits until the encode thread has left its loop; on that thread itself, forever.
   void join() { encodeThreadJoinLock_.join(); }
 
-  // Forgets the pictures that wait.
+  // Drops all queued pictures.
   void clear() { pixel_queue_.clear(); }
 
   // Pictures in a row, over all runs.

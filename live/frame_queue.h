@@ -12,20 +12,20 @@
 
 namespace zel {
 
-// A picture on its way through the live pipeline; its time counts from the run's first sound.
+// A picture in the live pipeline; its timestamp counts from the run's first sound.
 using LiveFrame = std::shared_ptr<const orq::MediaPixelBuffer>;
 
-// Pictures that wait for the next stage: the five newest. A slow stage costs pictures, never memory or delay.
+// The queue before a stage: the five newest pictures. A slow stage drops pictures, and adds neither memory nor delay.
 // Thread: any thread; only waitForOne waits.
 class FrameQueue {
  public:
   static constexpr std::size_t kMost = 5;
-  static constexpr double kPollInterval = 0.01;  // seconds that its reader sleeps at most when there is none
+  static constexpr double kPollInterval = 0.01;  // seconds: the longest sleep of its reader
 
   // Returns false where the oldest had to go for it.
   // Errors: std::bad_alloc; those that wait are as they were.
   bool append(LiveFrame frame) {
-    LiveFrame oldest;  // let go after the lock
+    LiveFrame oldest;  // destroyed after the lock
     const MutexLock lock(mutex_);
     const bool full = frames_.size() >= kMost;
     frames_.push_back(std::move(frame));
@@ -46,8 +46,8 @@ class FrameQueue {
     return oldest;
   }
 
-  // Lets the one reader sleep for as long as it may while there is none: it has a stop to look for. A picture that
-  // comes ends the sleep; two stages that slept on would cost every picture 10 ms.
+  // Lets the only reader sleep while the queue is empty, at most kPollInterval, because it has to notice a stop. A new
+  // picture ends the sleep; otherwise two stages would delay every picture by 10 ms.
   void waitForOne(platform::Clock& clock) {
     if (!clock.acquireFor(told_, kPollInterval)) return;
     const MutexLock lock(mutex_);
@@ -66,7 +66,7 @@ class FrameQueue {
  private:
   mutable Mutex mutex_;
   std::deque<LiveFrame> frames_ ZEL_GUARDED_BY(mutex_);
-  bool isTold_ ZEL_GUARDED_BY(mutex_) = false;  // the reader, of a picture
+  bool isTold_ ZEL_GUARDED_BY(mutex_) = false;  // the reader was woken for a picture
   std::binary_semaphore told_{0};
 };
 

@@ -6,8 +6,8 @@
 
 namespace zel {
 
-// Held by one thread for its whole run, so that others join it by locking and unlocking. Its holder may lock it again,
-// and then waits for good: that is defined for a semaphore, and would not be for a mutex.
+// Held by a thread for its whole run, so that others join it by locking and unlocking. If its holder locks it again, it
+// waits forever: this is defined for a semaphore, but not for a mutex.
 // Thread: any thread.
 class JoinLock {
  public:

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
 
-// Times come from the camera: a difference beyond 64 bits wraps.
+// Times are the camera's: a difference beyond 64 bits wraps.
 std::int64_t difference(std::int64_t a, std::int64_t b) {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
 }
@@ -78,7 +78,7 @@ void LiveOutput::addH264Nalu(std::span<std::uint8_t> unit, bool keyframe, std::i
   (delivered ? units_ : droppedUnits_).add(1);
 }
 
-// Deliberate: the newest picture's time is the camera's, and the unit's counts from the origin.
+// Deliberate: compares the newest picture's camera time with the unit's time from the origin.
 bool LiveOutput::letsThrough(std::int64_t unitsTimestamp) const {
   return bufferTimestamp_.get() >= unitsTimestamp && hasAudio_.get() && hasVideo_.get();
 }

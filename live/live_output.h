@@ -13,8 +13,8 @@
 
 namespace zel {
 
-// The delegate, and what decides which sound and video it gets: the first sound is the origin of all times; the header
-// of each comes first, and once a run; encoded video and its sound wait for each other's header.
+// Delivers sound and video to the delegate. The first sound is the origin of all times. The header of each is delivered
+// first, and once a run. Encoded video and sound are held back until both headers are known.
 // Units:  milliseconds; timestamps in are the camera's, as phone time, and those out count from the origin.
 // Owner:  the settings must outlive the object.
 // Thread: any thread. The delegate is called without a lock.
@@ -28,11 +28,11 @@ class LiveOutput {
   void setDelegate(std::weak_ptr<ZELLiveDataSourceProtocol> delegate) { delegate_.set(std::move(delegate)); }
   Delegate delegate() const { return delegate_.get().lock(); }
 
-  // A run begins.
+  // Begins a run.
   void restart();
 
-  // A picture's time from the origin. Nothing where it is not wanted: while cancelled, before the first sound, or from
-  // before it.
+  // A picture's time from the origin. Empty when the picture is dropped: while cancelled, before the first sound, or
+  // older than that.
   std::optional<std::int64_t> takePicture(std::int64_t timestamp, bool cancelled);
 
   // onAACHeader:size:, onAACAdts:size:timestamp: - the camera's sound.
@@ -41,8 +41,8 @@ class LiveOutput {
 
   // addVideoStream:spsSize:pps:ppsSize: - the encoder's parameter sets.
   void addVideoStream(Bytes sps, Bytes pps);
-  // addH264Nalu:size:keyframe:timestamp: - one unit behind its length of 4 bytes, in whose place the start code is put.
-  // Nobody gets a unit that holds no more than that.
+  // addH264Nalu:size:keyframe:timestamp: - one unit with its 4-byte length, which the start code overwrites. An empty
+  // unit is dropped.
   void addH264Nalu(std::span<std::uint8_t> unit, bool keyframe, std::int64_t timestamp);
 
   bool hasVideo() const { return hasVideo_.get(); }
@@ -62,8 +62,8 @@ class LiveOutput {
   Guarded<std::weak_ptr<ZELLiveDataSourceProtocol>> delegate_;
   Relaxed<bool> hasVideo_ = false;
   Relaxed<bool> hasAudio_ = false;
-  Relaxed<std::int64_t> firstTimestamp_ = 0;   // 0: no sound has come
-  Relaxed<std::int64_t> bufferTimestamp_ = 0;  // the newest picture's, not counted from the origin
+  Relaxed<std::int64_t> firstTimestamp_ = 0;   // 0: no sound yet
+  Relaxed<std::int64_t> bufferTimestamp_ = 0;  // of the newest picture, in camera time
   RelaxedCount pictures_ = 0, notWanted_ = 0, units_ = 0, droppedUnits_ = 0, audioFrames_ = 0, droppedAudio_ = 0;
 };
 

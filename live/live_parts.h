@@ -11,8 +11,8 @@ class ZELPreviewPlayer;
 
 namespace zel {
 
-// What a live data source works with.
-// Owner: shared, so that a source may outlive the stack that it was made for; the camera is then not connected.
+// The objects that a live data source needs.
+// Owner:  shared, so that a source may outlive its stack; the camera is then not connected.
 struct LiveParts {
   platform::Ports ports;
   std::shared_ptr<ZELCameraUCD> ucd;

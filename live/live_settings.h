@@ -16,7 +16,7 @@ constexpr std::uint64_t framesPerSecond(std::uint64_t resolution) {
   return format ? static_cast<std::uint64_t>(format->fps) : 0;
 }
 
-// What the host sets, and the lens offset that the camera told.
+// The host's settings, and the camera's lens offset.
 // Thread: any thread.
 struct LiveSettings {
   LiveSettings(std::uint64_t resolutionCode, std::uint64_t stitchWidth, std::uint64_t stitchHeight,

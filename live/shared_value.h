@@ -8,7 +8,7 @@
 
 namespace zel {
 
-// A plain value that several threads touch, each for itself: no order between two of them is promised.
+// A value that several threads access, without any order between two such values.
 template <class T>
 class Relaxed {
  public:
@@ -24,7 +24,7 @@ class Relaxed {
 
 using RelaxedCount = Relaxed<std::uint64_t>;
 
-// The same for a value that needs a lock.
+// The same for a type that needs a lock.
 template <class T>
 class Guarded {
  public:
@@ -32,7 +32,7 @@ class Guarded {
     const MutexLock lock(mutex_);
     return value_;
   }
-  // Returns the value before, so that it dies without the lock.
+  // Returns the previous value, so that it is destroyed without the lock.
   T set(T value) {
     const MutexLock lock(mutex_);
     return std::exchange(value_, std::move(value));

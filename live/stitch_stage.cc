@@ -7,7 +7,7 @@
 namespace zel {
 namespace {
 
-// The renderer's own graphics context, current for a scope.
+// Makes the renderer's graphics context current for a scope.
 class CurrentContext {
  public:
   explicit CurrentContext(platform::FlatOffscreenRender& render)
@@ -61,8 +61,8 @@ StitchStage::Render StitchStage::render() {
   return createRender();
 }
 
-// Only the render thread makes one, without the lock, since that takes time. The last setting is told under the lock,
-// and so is every change of it: none is lost between the two.
+// Only the render thread creates one, without the lock, since that takes time. The setting is then applied under the
+// lock, like every change of it, so that no change is lost.
 StitchStage::Render StitchStage::createRender() {
   if (library_ == nullptr) return nullptr;
   Render made = library_->createFlatOffscreenRender(static_cast<std::int32_t>(settings_.width.get()),

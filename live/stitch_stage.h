@@ -13,29 +13,30 @@
 
 namespace zel {
 
-// The camera's pictures that wait to be stitched, and the thread that does it.
+// The queue of the camera's pictures, and the render thread's loop, which stitches them.
 // Owner:  the arguments of the constructor must outlive the object.
 // Thread: any thread, except where an operation says otherwise.
 class StitchStage {
  public:
-  // library: null stitches nothing.
+  // library: null disables stitching.
   StitchStage(platform::Clock& clock, platform::MediaLibrary* library, LiveSettings& settings)
       : clock_(clock), library_(library), settings_(settings), renderLock_(clock) {}
 
   // Errors: none; a picture for which there is no memory counts as dropped, and so does null, which stands for one.
   void append(LiveFrame frame);
 
-  // Keeps the setting, and tells the renderer if there is one.
+  // Stores the setting, and passes it to the current renderer, if any.
   void setRemovePurple(bool removePurple) ZEL_EXCLUDES(renderMutex_);
 
-  // The body of the render thread: hands on every stitched picture until the run is over. The renderer goes with it.
-  // Thread: render thread; one that comes while another is at it waits for its end.
+  // The body of the render thread: passes on every stitched picture until the run is over. The renderer is destroyed at
+  // its end.
+  // Thread: render thread; a second caller waits until the first has returned.
   void run(const std::function<bool()>& isOver, const std::function<void(LiveFrame)>& handOn);
 
   // Waits until the render thread has left its loop.
   void join() { renderLock_.join(); }
 
-  // Forgets the pictures that wait.
+  // Drops all queued pictures.
   void clear() { pixel_render_queue_.clear(); }
 
   void copyStatistics(LiveStatistics& into) const;

@@ -74,7 +74,7 @@ void ZELLiveDataSource::stopPreview() {
   if (!isLive()) releasePlayer();
 }
 
-// The start chain
+// The start sequence
 
 void ZELLiveDataSource::startLiveData() {
   state_->output.restart();
@@ -89,7 +89,7 @@ void ZELLiveDataSource::startLiveData() {
   if (!begun) fail(1, "failed to get camera demux");
 }
 
-// A failed step has told the delegate; the chain ends there, as it does where the source or the run is over.
+// A failed step has told the delegate and ends the sequence, and so does the end of the source or the run.
 ZELLiveDataSource::ResultBlock ZELLiveDataSource::whenStarted(std::uint64_t run,
                                                               void (ZELLiveDataSource::*next)(std::uint64_t)) {
   return [weak = weak_from_this(), run, next](bool success) {
@@ -129,7 +129,7 @@ void ZELLiveDataSource::attach(std::uint64_t run) {
   if (isEncode()) startEncoding(run);
 }
 
-// The player's setters take no lock but their own, and call nobody.
+// The player's setters take only their own lock, and make no callbacks.
 bool ZELLiveDataSource::attachToPlayer(std::uint64_t run) {
   const MutexLock lock(state_->attachMutex);
   if (state_->run.isOver(run)) return false;
@@ -154,7 +154,7 @@ void ZELLiveDataSource::stopLiveData() {
   }
   state.stitching.join();
   state.encoding.join();
-  zel::EncodeStage::Encoder encoder;  // destroyed without the lock: that waits for its callbacks
+  zel::EncodeStage::Encoder encoder;  // destroyed without the lock, since that waits for its callbacks
   {
     const MutexLock lock(state.attachMutex);
     if (const auto attached = state.currentPlayer()) {

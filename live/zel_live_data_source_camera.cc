@@ -1,4 +1,4 @@
-// The camera's commands, and what the delegate is told of them.
+// The camera's commands, and their errors for the delegate.
 
 #include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>

@@ -1,4 +1,4 @@
-// The road of pictures and sound.
+// The path of pictures and sound.
 
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 
@@ -14,7 +14,7 @@ using zel::MutexLock;
 
 namespace {
 
-// A size that an encoder tells.
+// A size from an encoder.
 std::size_t sizeOf(std::int32_t size) { return static_cast<std::size_t>(std::max(size, 0)); }
 
 }  // namespace
@@ -51,8 +51,8 @@ void ZELLiveDataSource::runRenderThread(std::uint64_t run) {
                         });
 }
 
-// Deliberate: the stop waits for the very thread that asks for it, and so for good. The delegate knows by then, and the
-// render thread ends.
+// Deliberate: the stop waits for its own thread, and so forever. The delegate has been told before, and the render
+// thread ends.
 void ZELLiveDataSource::runEncodeThread(std::uint64_t run) {
   state_->encoding.run([this, run] { return state_->run.isOver(run); },
                        [this] {
@@ -63,8 +63,8 @@ void ZELLiveDataSource::runEncodeThread(std::uint64_t run) {
 
 // The encoder
 
-// It keeps the source alive by its callbacks, until the stop destroys it. One that is ready only after the stop is
-// dropped, as no other stop would come.
+// The encoder's callbacks keep the source alive until the stop destroys the encoder. One that is opened after the stop
+// is dropped, since no other stop follows.
 void ZELLiveDataSource::startEncoding(std::uint64_t run) {
   if (!zel::hasMemoryFor([&] { openEncoder(run); })) fail(7, "failed to open encoder");
 }

@@ -26,7 +26,7 @@ struct ZELLiveDataSource::State {
         stitching(parts.ports.clock, parts.ports.mediaLibrary, settings),
         encoding(parts.ports.clock, parts.ports.videoEncoders) {}
 
-  // The de-multiplexer's, which another may have put there.
+  // The de-multiplexer's player, which other code may have set.
   std::shared_ptr<ZELPreviewPlayer> currentPlayer() const {
     return std::dynamic_pointer_cast<ZELPreviewPlayer>(parts.parser->previewPlayer());
   }
@@ -42,10 +42,10 @@ struct ZELLiveDataSource::State {
   // Held where a run attaches itself and where it is stopped, so that neither sees the other half done.
   zel::Mutex attachMutex;
 
-  // Both uses, and the decision to let the camera go, are one: the lock is held until its commands are sent.
+  // Guards both uses and the decision to release the camera: it is held until the commands are sent.
   zel::Mutex statusLock;
   std::atomic<bool> isPreview = false;  // set with the lock
 
-  // Last: observers end before what they use.
+  // Last: observers are removed before the objects that they use.
   std::unique_ptr<zel::platform::NotificationObservation> background, active;
 };

@@ -6,8 +6,8 @@
 
 namespace orq {
 
-// Owned bytes that tell on standard output what happens to them. The traces are read by people and by scripts: their
-// wording, the misleading prefixes included, stays as it is.
+// Owned bytes that print what happens to them on standard output. Deliberate: people and scripts read these traces, so
+// their wording stays, including the misleading prefixes.
 // Thread: one.
 class Buffer {
  public:

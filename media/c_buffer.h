@@ -5,7 +5,7 @@
 #include <memory>
 #include <span>
 
-// A copy of bytes, held by shared ownership.
+// A shared copy of bytes.
 class CBuffer {
  public:
   // data must hold that many bytes.

@@ -12,8 +12,8 @@
 
 namespace zel {
 
-// Units that wait to be decoded. From 16 on the oldest is dropped, so that a stall costs little delay; a key unit at
-// the head stays, since everything behind it needs it.
+// NAL units queued for decoding. From 16 on the oldest is dropped, so that a stall adds little delay. A key unit at the
+// head stays, because the units behind it depend on it.
 class DecodeQueue {
  public:
   using Unit = std::shared_ptr<orq::MediaBuffer>;
@@ -55,7 +55,7 @@ class DecodeQueue {
   std::size_t bytes_ = 0;
 };
 
-// Pictures that wait to be polled: the latest five.
+// Pictures for polling: the latest five.
 class PictureQueue {
  public:
   using Picture = std::shared_ptr<orq::MediaPixelBuffer>;

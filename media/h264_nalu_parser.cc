@@ -26,9 +26,9 @@ std::shared_ptr<MediaBuffer> piece(const std::uint8_t* data, std::int64_t begin,
   return made;
 }
 
-// The unit that begins with the start code at `at`, which moves to where the next one begins, or to the end. It is
-// searched while it is copied, since a camera's chunk is mostly one large unit; its room grows with it.
-// Deliberate: a start code that begins in the last four bytes is not seen. It stays within its unit.
+// The unit that begins with the start code at `at`; `at` moves to the next start code, or to the end. The search and
+// the copy are one pass, since a camera's chunk is mostly one large unit; the buffer grows with the unit. Deliberate: a
+// start code that begins in the last four bytes is not recognised and stays part of its unit.
 std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_t* end) {
   constexpr std::int32_t kRoom = 120 << 10;
   const std::uint8_t* const first = std::exchange(at, end);

@@ -10,8 +10,8 @@
 
 namespace orq {
 
-// Cuts the camera's H.264 stream at its start codes. The last unit of a chunk is held back: only the next start code
-// tells that it is complete. Every unit is a copy of its own, with timestamp 0.
+// Cuts the camera's H.264 stream into NAL units at its start codes. The last unit of a chunk is held back, because only
+// the next start code shows that it is complete. Every unit is a separate copy with timestamp 0.
 //
 //   chunk that begins with a start code:  what was held back goes out, the chunk is cut, its last unit is held back
 //   any other chunk:                      continues what is held back, and cuts it where a start code shows
@@ -23,7 +23,7 @@ class H264NaluParser {
   using Units = std::vector<Unit>;
   using TakeUnit = std::function<void(Unit)>;
 
-  // More than this without a start code is no H.264, and is dropped.
+  // More bytes than this without a start code are not H.264, and are dropped.
   static constexpr std::int32_t kLargestPending = 64 << 20;
 
   // Drops what is held back from fewer bytes on.

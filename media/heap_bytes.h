@@ -8,7 +8,7 @@
 
 namespace zel {
 
-// Bytes in one block of the C heap, which is exactly as large as they are; without bytes there is no block.
+// Bytes in one heap block of exactly their size; no block without bytes.
 class HeapBytes {
  public:
   HeapBytes() = default;
@@ -18,17 +18,17 @@ class HeapBytes {
   HeapBytes(const HeapBytes&) = delete;
   HeapBytes& operator=(const HeapBytes&) = delete;
 
-  // Copies bytes, which must not be this object's own, behind those held. No spare capacity, so that a queue of these
-  // holds no more memory than its bytes; realloc() can mostly extend the block where it lies.
-  // Errors: nothing changes for null, for a count below 1, and where there is no memory for the bytes.
+  // Appends a copy of the bytes, which must not be this object's own. No spare capacity, so that a queue of these holds
+  // no more memory than its bytes; realloc() can mostly extend the block in place.
+  // Errors: nothing changes for null, for a count below 1, and when memory runs out.
   void append(const void* source, std::int32_t count) {
     const std::int32_t before = size_;
     if (source == nullptr || count < 1 || count > std::numeric_limits<std::int32_t>::max() - before) return;
     if (resize(before + count)) std::memcpy(data_ + before, source, static_cast<std::size_t>(count));
   }
 
-  // Cuts bytes off the end, or adds some of any value. size: at least 1.
-  // Errors: false, and nothing changes, where there is no memory.
+  // Removes bytes from the end, or adds bytes with undefined values. size: at least 1.
+  // Errors: false, and nothing changes, when memory runs out.
   bool resize(std::int32_t size) {
     void* const resized = std::realloc(data_, static_cast<std::size_t>(size));
     if (resized == nullptr && size > size_) return false;

@@ -7,21 +7,21 @@
 
 namespace orq {
 
-// Owned bytes with a presentation time, handed along the preview by shared ownership.
-// Units:  timestamp in milliseconds, 0 until somebody stamps it.
+// Shared bytes with a presentation time.
+// Units:  timestamp in milliseconds, 0 until it is set.
 // Thread: one at a time.
 class MediaBuffer {
  public:
   MediaBuffer() = default;
 
-  // Copies the bytes; null or a count below 1 makes an empty buffer. The timestamp is kept in any case.
+  // Copies the bytes; null or a count below 1 makes an empty buffer. The timestamp is kept in both cases.
   MediaBuffer(const void* data, int size, unsigned long long timestamp) : timestamp_(timestamp) {
     bytes_.append(data, size);
   }
 
   explicit MediaBuffer(zel::HeapBytes bytes) : bytes_(std::move(bytes)) {}
 
-  // Copies the bytes, which must not be the buffer's own, behind those held; null or a count below 1 changes nothing.
+  // Appends a copy of the bytes, which must not be the buffer's own; null or a count below 1 changes nothing.
   void AppendData(const void* data, int size) { bytes_.append(data, size); }
 
   // Null exactly when the size is 0.

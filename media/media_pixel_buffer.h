@@ -7,9 +7,9 @@
 
 namespace orq {
 
-// A decoded picture and its time, held by shared ownership.
+// A decoded picture and its timestamp; shared.
 // Units:  timestamp in milliseconds.
-// Owner:  keeps the picture as long as it lives.
+// Owner:  keeps the picture alive.
 struct MediaPixelBuffer {
   MediaPixelBuffer(zel::platform::PixelBufferRef picture, std::int64_t time)
       : timestamp(time), pixelBuffer(std::move(picture)) {}

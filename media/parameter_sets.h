@@ -9,16 +9,16 @@ namespace zel {
 // The first valid SPS and PPS of a stream, without start code. Copies share the bytes.
 class ParameterSets {
  public:
-  // Keeps a copy of the set in the unit, unless there is one already or its header is invalid.
+  // Stores a copy of the unit's parameter set, unless one is stored already or the header is invalid.
   void offerSps(ByteView unit) { offer(unit, sps_); }
   void offerPps(ByteView unit) { offer(unit, pps_); }
 
   bool areComplete() const { return sps_ && pps_; }
-  // The bytes; empty while there is no such set.
+  // The bytes; empty without such a set.
   ByteView sps() const { return sps_ ? ByteView(*sps_) : ByteView(); }
   ByteView pps() const { return pps_ ? ByteView(*pps_) : ByteView(); }
 
-  // Whether both are the very copies of the other object, and not just equal.
+  // Whether both share their bytes with the other object's, not just equal them.
   bool areThoseOf(const ParameterSets& other) const { return sps_ == other.sps_ && pps_ == other.pps_; }
 
  private:

@@ -5,15 +5,15 @@
 
 namespace zel {
 
-// Presentation times of the next picture and the next audio frame. A camera from firmware 190 on sets them; for an
-// older one they run by the frames, and the earlier is set to the later once a second of audio.
+// Presentation times of the next picture and the next audio frame. A camera from firmware 190 on sets them. For an
+// older one they advance with the frames, and once a second of audio the earlier one is set to the later one.
 // Units:  milliseconds; a sum beyond 64 bits wraps.
 // Thread: one.
 struct PreviewClocks {
   std::int64_t video = 0;
   std::int64_t audio = 0;  // 0: stopped
   std::int32_t fps = 30;
-  bool parameterSetsSent = false;  // the delegate knows them, and so audio may start
+  bool parameterSetsSent = false;  // the delegate has them, so audio may start
 
   // An older camera sent a slice. Deliberate: a picture of several slices counts several times.
   void advanceVideo() {
@@ -30,7 +30,7 @@ struct PreviewClocks {
 
   void synchronise() { video = audio = lastReset_ = std::max(audio, video); }
 
-  // Another delegate: the audio clock stands until the delegate knows the parameter sets.
+  // A new delegate: the audio clock stops until the delegate has the parameter sets.
   void restartAudio() {
     audio = 0;
     parameterSetsSent = false;

@@ -79,7 +79,7 @@ PreviewStatistics PreviewDecoding::statistics() const {
 }
 
 void PreviewDecoding::reset(Receiver receiver) {
-  std::shared_ptr<ZELDecodeRunLoop> ended;  // let go after the lock, as is the former receiver
+  std::shared_ptr<ZELDecodeRunLoop> ended;  // released after the lock, like the former receiver
   const MutexLock lock(mutex_);
   sets_ = {};
   receiver_.swap(receiver);

@@ -11,8 +11,8 @@
 
 namespace zel {
 
-// The parameter sets of the stream, and the decode thread that the first complete pair of them starts. Without decoders
-// in the ports nothing is decoded.
+// The stream's parameter sets, and the decode thread, which starts with the first complete pair. Without decoders in
+// the ports nothing is decoded.
 // Owner:  as ZELDecodeRunLoop. Keeps the receiver of the stream's pictures until the next reset.
 // Thread: any thread.
 class PreviewDecoding {
@@ -21,27 +21,26 @@ class PreviewDecoding {
 
   using Receiver = std::shared_ptr<ZELPixelBufferDataProtocol>;
 
-  // A unit with a parameter set. A PPS with which the sets are complete starts decoding for the stream's receiver,
-  // unless it runs already.
-  // Errors: sets that make no decoder, or for which no thread can be had, are forgotten, so that the next pair is
-  // tried.
+  // A unit with a parameter set. The PPS that completes the sets starts decoding for the stream's receiver, unless it
+  // runs already.
+  // Errors: sets for which no decoder or no thread can be created are dropped, so that the next pair is tried.
   void offerSps(ByteView unit);
   void offerPps(ByteView unit);
 
-  // The sets of now.
+  // The current sets.
   ParameterSets sets() const;
 
-  // Queues a unit that bears its length; dropped where nothing is being decoded.
+  // Queues a length-prefixed unit; it is dropped when decoding is not running.
   void append(ZELDecodeRunLoop::Unit unit);
 
-  // The oldest picture that was not polled; null when there is none.
+  // The oldest picture that was not polled yet; null when there is none.
   ZELDecodeRunLoop::Picture nextPicture();
 
-  // What has become of all units, those before a reset included.
+  // Counters of all units, including those before a reset.
   PreviewStatistics statistics() const;
 
-  // Forgets the sets and ends the decode thread, without waiting for it. Of the stream that follows, the receiver gets
-  // the pictures; null: nobody.
+  // Clears the sets and ends the decode thread without waiting for it. The receiver gets the pictures of the next
+  // stream; null: they are dropped.
   void reset(Receiver receiver = nullptr);
 
  private:

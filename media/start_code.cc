@@ -10,12 +10,12 @@ constexpr std::size_t kAlignment = 64;   // a cache line, so that no load stradd
 constexpr std::ptrdiff_t kLook = 256;    // bytes looked at one by one where a zero word was seen
 constexpr std::ptrdiff_t kCopied = 256;  // bytes of a block that is copied too
 
-// The first of the blocks that holds a zero word of 16 bits, or the place where less than a block is left.
+// The first block that contains a 16-bit zero word, or the position where less than a block is left.
 using Skip = const std::uint8_t* (*)(const std::uint8_t* block, const std::uint8_t* end);
-// The same; the blocks up to and with that one are copied.
+// The same; the blocks up to and including that one are copied.
 using Copy = const std::uint8_t* (*)(const std::uint8_t* block, const std::uint8_t* end, std::uint8_t* to);
 
-// Written so that compilers make vector code of it: a load and a minimum for each vector, and a store where it copies.
+// Written so that compilers vectorise it: a load and a minimum for each vector, and a store when it copies.
 template <std::ptrdiff_t kBlock, bool kCopies>
 [[gnu::always_inline]] inline const std::uint8_t* passBlocks(const std::uint8_t* __restrict block,
                                                              const std::uint8_t* end, std::uint8_t* __restrict to) {
@@ -70,8 +70,8 @@ const std::uint8_t* aligned(const std::uint8_t* at, const std::uint8_t* end) {
 
 }  // namespace
 
-// Three zeros in a row always hold a zero word of 16 bits at an even distance from any place. So a block without such a
-// word holds no start code but one that begins at its last byte, whose word belongs to the next block.
+// Three zero bytes in a row always contain a 16-bit zero word at an even offset. So a block without such a word
+// contains no start code, except one that begins at its last byte, whose zero word is in the next block.
 const std::uint8_t* findStartCode(const std::uint8_t* first, const std::uint8_t* end) {
   static const Skip skip = widestSkip();
   if (first >= end) return end;

@@ -15,7 +15,7 @@ ZELDecodeRunLoop::ZELDecodeRunLoop(zel::platform::Threads& threads, std::unique_
 
 ZELDecodeRunLoop::~ZELDecodeRunLoop() = default;
 
-// The thread keeps the object alive until it has ended; what the caller gets ends the thread when it is let go.
+// The thread keeps the object alive until it has ended. The caller's pointer ends the thread when it is released.
 std::shared_ptr<ZELDecodeRunLoop> ZELDecodeRunLoop::initWidthSps(zel::platform::Threads& threads,
                                                                  zel::platform::VideoDecoders& decoders,
                                                                  zel::ByteView sps, zel::ByteView pps,
@@ -68,7 +68,7 @@ void ZELDecodeRunLoop::publish(zel::platform::RunLoop& runLoop) {
 }
 
 void ZELDecodeRunLoop::withdraw() {
-  std::unique_ptr<zel::platform::RunLoopSource> removed;  // destroyed without the lock, which its own task takes
+  std::unique_ptr<zel::platform::RunLoopSource> removed;  // destroyed without the lock, which the source's task takes
   const MutexLock lock(loopMutex_);
   runLoop_ = nullptr;
   removed = std::move(source_);
@@ -83,7 +83,7 @@ void ZELDecodeRunLoop::appendDecodeData(Unit unit) {
   }
   const MutexLock lock(loopMutex_);
   if (runLoop_ == nullptr) return;
-  // The signal first: a loop that falls asleep after the question has seen it.
+  // Signal before asking: a loop that falls asleep after the question has seen the signal.
   source_->signal();
   if (runLoop_->isWaiting()) runLoop_->wakeUp();
 }
@@ -101,7 +101,7 @@ ZELDecodeRunLoop::Unit ZELDecodeRunLoop::takeUnit() {
   return h264Datas_.take();
 }
 
-// The receiver runs under the lock, as it always has: nobody polls a picture that was not delivered.
+// Deliberate: the receiver runs under the lock, so that no picture is polled before it was delivered.
 void ZELDecodeRunLoop::deliver(const zel::platform::DecodedPicture& picture) {
   (picture.pixelBuffer ? pictures_ : withoutPicture_).fetch_add(1);
   if (!picture.pixelBuffer) return;
@@ -117,7 +117,7 @@ void ZELDecodeRunLoop::deliver(const zel::platform::DecodedPicture& picture) {
   }
 }
 
-// The loop is awake, being in this call, and comes back by itself.
+// The loop is awake, because it runs this call, and needs no wakeUp().
 void ZELDecodeRunLoop::signalIfMoreWaits() {
   {
     const MutexLock lock(h264DataMutex_);

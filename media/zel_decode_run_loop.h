@@ -12,16 +12,17 @@
 #include "media/decode_queue.h"
 #include "media/zel_h264_decoder.h"
 
-// The thread "preview decode": takes units, hands their pictures to the delegate, and keeps the latest for polling.
-// Owner:  letting go of the object ends its thread without waiting for it; what the thread is at, the delegate's call
-//         included, may end a little later. Threads and decoders must outlive the thread.
+// The thread "preview decode": decodes units, delivers their pictures to the delegate, and keeps the latest for
+// polling.
+// Owner:  releasing the object ends its thread without waiting for it; a unit or a delegate's call in progress may
+//         finish a little later. Threads and decoders must outlive the thread.
 class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
  public:
   using Unit = zel::DecodeQueue::Unit;
   using Picture = zel::PictureQueue::Picture;
 
   // initWidthSps:spsSize:pps:ppsSize:delegate: ("Width" is the interface's spelling) - the delegate is held weakly.
-  // Errors: null where the parameter sets make no decoder.
+  // Errors: null when no decoder can be created for the parameter sets.
   static std::shared_ptr<ZELDecodeRunLoop> initWidthSps(zel::platform::Threads& threads,
                                                         zel::platform::VideoDecoders& decoders, zel::ByteView sps,
                                                         zel::ByteView pps,
@@ -30,24 +31,25 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   ZELDecodeRunLoop(const ZELDecodeRunLoop&) = delete;
   ZELDecodeRunLoop& operator=(const ZELDecodeRunLoop&) = delete;
 
-  // Starts the thread; only the first call does.
+  // Starts the thread; later calls do nothing.
   // Thread: any thread.
-  // Errors: false where no thread can be had.
+  // Errors: false when no thread can be started.
   bool start();
 
-  // Ends the thread after the unit that it is at, without waiting; pictures that the decoder holds back never come.
-  // Before the thread has begun to run its loop, this has no effect. Thread: any thread.
+  // Ends the thread after the current unit, without waiting; pictures that the decoder holds back are not delivered. No
+  // effect before the thread runs its loop.
+  // Thread: any thread.
   void stop();
 
-  // appendDecodeData: - queues one unit: 4 bytes of length, highest first, then the NAL header and the rest. Units that
-  // come before the thread runs its loop wait for the first that comes after.
+  // appendDecodeData: - queues one unit: a 4-byte big-endian length, then the NAL header and the payload. Units queued
+  // before the thread runs its loop are decoded only after the first unit that is queued later.
   // Units:  the unit's timestamp in milliseconds.
-  // Errors: none; where 16 wait, the oldest is dropped unless it is a key unit.
+  // Errors: none; when 16 are queued, the oldest is dropped unless it is a key unit.
   // Thread: any thread. Never waits for decoding.
   void appendDecodeData(Unit unit) ZEL_EXCLUDES(h264DataMutex_, loopMutex_);
 
-  // The oldest picture that nobody has polled, null when there is none. Thread: any thread, but not inside the
-  // delegate's call.
+  // The oldest picture that was not polled yet; null when there is none.
+  // Thread: any thread, but not inside the delegate's call.
   Picture getNextMediaPixelBuffer() ZEL_EXCLUDES(pixelBufferMutex_);
 
   // Whether its thread found no memory to begin; nothing is ever decoded then. Thread: any thread.
@@ -56,7 +58,8 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   // What has become of the units. Thread: any thread.
   zel::PreviewStatistics statistics() const;
 
-  // Forgets all units and pictures that wait. Thread: as getNextMediaPixelBuffer.
+  // Drops all queued units and pictures.
+  // Thread: as getNextMediaPixelBuffer.
   void clearData() ZEL_EXCLUDES(h264DataMutex_, pixelBufferMutex_);
 
  private:
@@ -98,10 +101,10 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   zel::PictureQueue pixelBuffers_ ZEL_GUARDED_BY(pixelBufferMutex_);
 
   zel::Mutex loopMutex_;
-  zel::platform::RunLoop* runLoop_ ZEL_GUARDED_BY(loopMutex_) = nullptr;  // set while the thread runs it
+  zel::platform::RunLoop* runLoop_ ZEL_GUARDED_BY(loopMutex_) = nullptr;  // set while the thread runs the loop
   std::unique_ptr<zel::platform::RunLoopSource> source_ ZEL_GUARDED_BY(loopMutex_);
   std::atomic<State> state_ = State::idle;  // written with the lock held
 
   zel::Mutex threadMutex_;
-  std::unique_ptr<zel::platform::Thread> thread_ ZEL_GUARDED_BY(threadMutex_);  // last: it uses all the rest
+  std::unique_ptr<zel::platform::Thread> thread_ ZEL_GUARDED_BY(threadMutex_);  // last: uses all other members
 };

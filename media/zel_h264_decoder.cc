@@ -15,7 +15,7 @@ using zel::platform::DecodeStatus;
 namespace {
 
 constexpr std::size_t kShortestUnit = 4;
-constexpr std::int32_t kFailuresBeforeRecreation = 30;  // the 31st recreates: it is compared before it is counted
+constexpr std::int32_t kFailuresBeforeRecreation = 30;  // the 31st recreates: compared before incremented
 
 void printFailure(const DecoderCreation& creation) {
   if (creation.failedAt == DecoderCreationStage::description) {

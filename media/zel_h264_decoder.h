@@ -7,7 +7,7 @@
 #include <ZELTarkaSDK/platform/video_decoder.h>
 #include "base/wire.h"
 
-// Decodes H.264 units, one a call, and mends its session where that fails.
+// Decodes H.264 units, one a call, and recreates its session after errors.
 // Owner:  the decoders must outlive the object.
 // Thread: one at a time.
 class ZELH264Decoder {
@@ -21,26 +21,27 @@ class ZELH264Decoder {
   ZELH264Decoder(const ZELH264Decoder&) = delete;
   ZELH264Decoder& operator=(const ZELH264Decoder&) = delete;
 
-  // createDecompressionSessionWithSps:spsSize:pps:ppsSize: - false, and a line on standard error, where there is none.
+  // createDecompressionSessionWithSps:spsSize:pps:ppsSize: - false, and a line on standard error, when none can be
+  // created.
   bool createDecompressionSessionWithSps(zel::ByteView sps, zel::ByteView pps);
   void releaseDecompressionSession() { session_.reset(); }
 
-  // createPixelBufferUseDecodedData:size: - as decodeFrame, but a unit below 4 bytes gives no picture and counts for
-  // nothing.
+  // createPixelBufferUseDecodedData:size: - as decodeFrame, but a unit below 4 bytes gives no picture and does not
+  // count as an error.
   zel::platform::DecodedPicture createPixelBufferUseDecodedData(zel::ByteView unit, std::int64_t timestamp);
 
-  // decodeFrame:dataSize: - decodes a unit: its length in 4 bytes, highest first, then the NAL header and the rest.
-  // Units:  timestamp in milliseconds; a picture brings that of its own unit.
-  // Errors: no picture, and the session may be made anew: at once where it became invalid, and after 31 failures in a
-  //         row. A unit of a picture that is not whole yet is none.
+  // decodeFrame:dataSize: - decodes a unit: a 4-byte big-endian length, then the NAL header and the payload.
+  // Units:  timestamp in milliseconds; a picture has that of its own unit.
+  // Errors: no picture. The session is recreated at once when it is invalid, and after 31 failures in a row. A unit of
+  //         an incomplete picture is not a failure.
   zel::platform::DecodedPicture decodeFrame(zel::ByteView unit, std::int64_t timestamp);
 
-  // The next of the pictures that a stream with reordering still holds back at its end.
+  // The next picture that is still held back at the end of a stream with reordering.
   zel::platform::DecodedPicture flush();
 
-  // Whether every unit is refused until a key unit comes.
+  // Whether every unit is refused until the next key unit.
   bool isWaitIFrame() const { return isWaitIFrame_; }
-  // Units in a row that failed. One that is kept for a picture that is not whole yet counts neither up nor down.
+  // Failed units in a row. A unit of an incomplete picture does not change it.
   std::int32_t decodeContinuousError() const { return decodeContinuousError_; }
 
  private:

@@ -21,7 +21,7 @@ using zel::platform::PixelBufferRef;
 namespace {
 
 constexpr std::int32_t kShortestPreviewUnit = 6;
-// More than a frame of the camera can hold.
+// Larger than any frame of the camera.
 constexpr std::size_t kMostBytes = std::size_t{1} << 30;
 
 using Unit = std::shared_ptr<orq::MediaBuffer>;
@@ -49,7 +49,7 @@ struct ZELPreviewPlayer::State {
   void show(const Stream* from, const PixelBufferRef& pixelBuffer, std::int64_t timestamp);
 
   const std::function<std::int64_t()> firewareVersion;
-  std::weak_ptr<ZELPreviewPlayer> player;  // set when the player is made
+  std::weak_ptr<ZELPreviewPlayer> player;  // set when the player is created
   orq::H264NaluParser h264NaluParser;      // session thread only; a reset leaves it as it is
   zel::PreviewDecoding decoding;
   std::atomic<std::int32_t> imageWidth = 0, imageHeight = 0;
@@ -67,7 +67,7 @@ struct ZELPreviewPlayer::State {
   std::shared_ptr<Stream> spareStream ZEL_GUARDED_BY(dataCallBackMutex);  // for a reset without memory
 };
 
-// Receives the pictures of one stream, which end with the player's next reset.
+// Receives the pictures of one stream, until the player's next reset.
 struct ZELPreviewPlayer::State::Stream final : ZELPixelBufferDataProtocol {
   explicit Stream(std::weak_ptr<ZELPreviewPlayer> receiver) : player(std::move(receiver)) {}
   void onPixelBuffer(const PixelBufferRef& pixelBuffer, std::int64_t timestamp) override {
@@ -120,7 +120,7 @@ void ZELPreviewPlayer::State::decoderVideo(const Unit& unit) {
   }
 }
 
-// Deliberate: every PPS sends the sets again, also one that was not taken.
+// Deliberate: every PPS sends the sets again, also an ignored one.
 void ZELPreviewPlayer::State::sendParameterSets() {
   const zel::ParameterSets sets = decoding.sets();
   const auto delegate = mediaDelegate();
@@ -132,7 +132,7 @@ void ZELPreviewPlayer::State::sendParameterSets() {
   delegate->onSps(sets.sps(), sets.pps());
 }
 
-// The delegate has done with the bytes when its call returns: the start code then gives way to the length.
+// The delegate no longer uses the bytes after its call, so the length replaces the start code.
 void ZELPreviewPlayer::State::handleSlice(const Unit& unit, bool keyFrame) {
   const std::int64_t time = timeOfNextSlice();
   if (const auto delegate = mediaDelegate()) delegate->onH264Nalu(bytesOf(unit), keyFrame, time);
@@ -174,8 +174,8 @@ void ZELPreviewPlayer::onPixelBuffer(const PixelBufferRef& pixelBuffer, std::int
   state_->show(nullptr, pixelBuffer, timestamp);
 }
 
-// from: null for a picture that belongs to no stream. One of a stream that has been reset sets no size and answers no
-// snapshot, though its decoding was under way.
+// from: null for a picture without a stream. A picture of a stream that was reset during decoding sets no size and
+// completes no snapshot.
 void ZELPreviewPlayer::State::show(const Stream* from, const PixelBufferRef& pixelBuffer, std::int64_t timestamp) {
   PixelBufferBlock block;
   {
@@ -191,7 +191,7 @@ void ZELPreviewPlayer::State::show(const Stream* from, const PixelBufferRef& pix
 
 void ZELPreviewPlayer::createSnapshot(PixelBufferBlock block) {
   const MutexLock lock(state_->dataCallBackMutex);
-  state_->currentPixelBufferBlock.swap(block);  // an earlier one dies after the lock, with the parameter
+  state_->currentPixelBufferBlock.swap(block);  // the earlier one is destroyed after the lock, with the parameter
 }
 
 bool ZELPreviewPlayer::hasPendingSnapshot() const {

@@ -16,12 +16,13 @@ namespace {
 constexpr std::size_t kShortestData = 7;
 constexpr std::size_t kLongestSingleUnit = 8;
 
-// What one call decodes.
+// The data of one call.
 class Fragment {
  public:
   explicit Fragment(zel::platform::VideoDecoders& decoders) : decoders_(decoders) {}
 
-  // appendBytes:length: - deliberate: as in the preview, a start code that begins in the last four bytes is not seen.
+  // appendBytes:length: - deliberate: as in the preview, a start code that begins in the last four bytes is not
+  // recognised.
   void appendBytes(ByteView bytes) {
     if (bytes.size() < kShortestData) return;
     const std::uint8_t* last = bytes.data();
@@ -37,14 +38,14 @@ class Fragment {
     decoderData({last, end});
   }
 
-  // The last key frame's picture. A stream with reordering gives it only when it is told that nothing follows.
+  // The last keyframe's picture. With reordering, the decoder returns it only after flush().
   PixelBufferRef picture() {
     for (auto late = flush(); late; late = flush()) pixelBuffer_ = late;
     return pixelBuffer_;
   }
 
  private:
-  // decoderData:length: - one unit with its start code.
+  // decoderData:length: - one NAL unit with its start code.
   void decoderData(ByteView unit) {
     if (unit.size() <= zel::kNalHeaderAt) return;
     switch (zel::nalType(unit[zel::kNalHeaderAt])) {

@@ -8,7 +8,7 @@
 
 namespace zel {
 
-// Until when something may wait.
+// A time limit for waits.
 // Thread: any thread.
 class Deadline {
  public:
@@ -16,7 +16,7 @@ class Deadline {
   //
   // Units: seconds.
   void allow(double seconds) { waitEnds_.store(after(seconds)); }
-  // However long each of them may take, all of them end then.
+  // All waits together end after that time.
   void endWithin(double seconds) { allEnds_.store(after(seconds)); }
 
   bool isOver() const { return now() >= std::min(waitEnds_.load(), allEnds_.load()); }

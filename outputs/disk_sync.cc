@@ -15,7 +15,7 @@ bool isPlainFile(int file) {
   return ::fstat(file, &found) == 0 && S_ISREG(found.st_mode);
 }
 
-// Some file systems have nothing to do for a folder, and say that it cannot be done.
+// Some file systems do not support syncing a folder, and report an error.
 void syncFolder(const std::string& folder) {
   const int file = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (file < 0) return;

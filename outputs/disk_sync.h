@@ -4,8 +4,7 @@
 
 namespace zel {
 
-// Puts on the disk what somebody else writes into a file, so that a power cut leaves it. A pipe or a device has nothing
-// to put there.
+// Syncs a file that other code writes to disk, so that it survives a power cut. Does nothing for a pipe or a device.
 // Thread: one at a time.
 class DiskSync {
  public:

@@ -7,8 +7,8 @@
 
 namespace zel {
 
-// The colours that a sequence parameter set declares, completed where it leaves them untold: limited range, BT.601, and
-// what goes with the matrix. That is how the decoder reads such a stream, so that a file shows what a snapshot does.
+// The colours that an SPS declares, with defaults for undeclared ones: limited range, BT.601, and the values that
+// belong to the matrix. The decoder uses the same defaults, so that a file looks like a snapshot.
 VideoColour colourOfPictures(std::span<const std::uint8_t> sps);
 
 }  // namespace zel

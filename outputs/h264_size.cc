@@ -31,7 +31,7 @@ std::optional<PictureSize> sizeOfPictures(std::span<const std::uint8_t> sps, std
   const std::unique_ptr<AVCodecParserContext, ParserDeleter> parser(av_parser_init(AV_CODEC_ID_H264));
   const std::unique_ptr<AVCodecContext, ParserDeleter> context(avcodec_alloc_context3(nullptr));
   if (!parser || !context) return std::nullopt;
-  context->log_level_offset = 100;  // above every level that is shown
+  context->log_level_offset = 100;  // above every printed level
   context->codec_id = AV_CODEC_ID_H264;
   parser->flags |= PARSER_FLAG_COMPLETE_FRAMES;
   std::uint8_t* out = nullptr;

@@ -7,7 +7,7 @@
 namespace zel {
 namespace {
 
-// A list may not outlive a power cut that its segments did not.
+// After a power cut a list must not name segments that were lost.
 int putOnDisk(const std::string& path) {
   DiskSync disk;
   const int fault = disk.open(path);

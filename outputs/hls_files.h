@@ -7,30 +7,30 @@
 
 namespace zel {
 
-// The files that FFmpeg's HLS muxer opens and closes by itself, without asking how that went: a segment, or a new list,
-// that cannot be written whole is removed, and from then on nothing is written. The muxer renames a list when it has
-// closed it; one that is no longer there takes no other's place.
-// Owner: the object must outlive the muxer.
+// The files that FFmpeg's HLS muxer opens and closes by itself, without checking for errors. A segment or a new list
+// that cannot be written completely is removed, and nothing more is written. The muxer renames a list after closing it;
+// a removed one replaces no other.
+// Owner:  the object must outlive the muxer.
 class HlsFiles {
  public:
   HlsFiles() = default;
-  ~HlsFiles();  // closes what a muxer that failed has left open
+  ~HlsFiles();  // closes files that a failed muxer has left open
   HlsFiles(const HlsFiles&) = delete;
   HlsFiles& operator=(const HlsFiles&) = delete;
 
   void attachTo(AVFormatContext& muxer);
 
-  // From now on nothing is written.
+  // Writes nothing more.
   void giveUp();
 
-  // The first error, as FFmpeg counts them; 0 where there was none.
+  // The first FFmpeg error; 0 for none.
   int error() const { return error_; }
 
  private:
   int open(const AVFormatContext& muxer, AVIOContext*& io, const char* url, int flags, AVDictionary** options);
   int close(AVIOContext* io);
 
-  std::map<AVIOContext*, std::string> paths_;  // of what is open
+  std::map<AVIOContext*, std::string> paths_;  // of open files
   int error_ = 0;
 };
 

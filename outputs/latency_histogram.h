@@ -7,16 +7,15 @@
 
 namespace zel {
 
-// How long things took, to the millisecond, in a memory that does not grow. What took longer than it can tell counts
-// as the longest.
-// Units: milliseconds.
+// A histogram of latencies in milliseconds, with constant memory. Longer latencies count as the longest.
+// Units:  milliseconds.
 class LatencyHistogram {
  public:
   static constexpr int kLongest = 9'999;
 
   void add(double milliseconds);
 
-  // The least time that such a share of all did not exceed: 0.5 is the median. Nothing when there was none.
+  // The quantile: 0.5 is the median. Nothing without values.
   std::optional<int> quantile(double share) const;
 
  private:

@@ -8,7 +8,7 @@ extern "C" {
 #include <memory>
 #include <string>
 
-// FFmpeg's objects with an owner, and nothing more.
+// Owning pointers to FFmpeg's objects.
 
 namespace zel {
 
@@ -29,7 +29,7 @@ using MuxerPtr = std::unique_ptr<AVFormatContext, MuxerDeleter>;
 using DemuxerPtr = std::unique_ptr<AVFormatContext, DemuxerDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
 
-// Options by name, as FFmpeg takes them.
+// FFmpeg's options by name.
 class Options {
  public:
   Options() = default;
@@ -46,7 +46,7 @@ class Options {
   AVDictionary* options_ = nullptr;
 };
 
-// FFmpeg's word for an error.
+// FFmpeg's text for an error.
 inline std::string wordsFor(int error) {
   char text[AV_ERROR_MAX_STRING_SIZE] = {};
   av_strerror(error, text, sizeof text);

@@ -17,7 +17,7 @@ namespace zel {
 namespace {
 
 constexpr char kLinger[] = "5";                 // seconds
-constexpr std::int64_t kMostAhead = 1'000'000;  // microseconds that one track waits for the other
+constexpr std::int64_t kMostAhead = 1'000'000;  // microseconds that one track may be ahead of the other
 
 const char* formatOf(OutputKind kind) {
   switch (kind) {
@@ -36,7 +36,7 @@ const char* formatOf(OutputKind kind) {
   return "";
 }
 
-// A pipe is opened anew, so that a reader who stands still can be given up without changing the pipe for others.
+// A pipe is opened again, so that it can be made non-blocking without changing it for other users.
 std::string standardOutputUrl() {
   struct stat type {};
   const bool isPipe = ::fstat(STDOUT_FILENO, &type) == 0 && S_ISFIFO(type.st_mode);
@@ -44,13 +44,13 @@ std::string standardOutputUrl() {
   return fmt::format("pipe:{}", file >= 0 ? file : STDOUT_FILENO);
 }
 
-// An absolute path, so that nothing of it is taken for a protocol's name.
+// An absolute path, so that no part of it is parsed as a protocol name.
 std::string urlOf(const OutputAddress& address) {
   if (address.kind == OutputKind::standardOutput) return standardOutputUrl();
   return address.isServer() ? address.target : std::filesystem::absolute(address.target).string();
 }
 
-// A pipe that nobody reads would be waited for without end.
+// A pipe without a reader would block forever.
 bool isNoFile(const std::string& path) {
   std::error_code fault;
   const auto type = std::filesystem::status(path, fault).type();
@@ -63,7 +63,7 @@ bool isNoFile(const std::string& path) {
 LibavSink::LibavSink(OutputAddress address, double secondsToWait)
     : address_(std::move(address)), secondsToWait_(secondsToWait) {}
 
-// The HLS muxer lets go of its memory nowhere but in its trailer.
+// The HLS muxer frees its memory only when it writes the trailer.
 LibavSink::~LibavSink() {
   deadline_.endWithin(1);
   if (!hlsFiles_ || !muxer_ || !isConnected_) return;
@@ -105,14 +105,14 @@ Fault LibavSink::openTarget() {
   if (address_.isFile()) removeLeftovers(std::filesystem::absolute(address_.target).parent_path().string());
   if ((muxer_->oformat->flags & AVFMT_NOFILE) != 0) return folderFault();
   Options options;
-  // Otherwise the last pictures go with the connection, before the server has confirmed them.
+  // Otherwise the connection is closed before the server has confirmed the last pictures.
   if (address_.kind == OutputKind::srt) options.set("linger", kLinger);
   int error = avio_open2(&muxer_->pb, muxer_->url, AVIO_FLAG_WRITE, &muxer_->interrupt_callback, options.get());
   if (error >= 0 && address_.kind == OutputKind::mp4) error = AVERROR(disk_.open(muxer_->url));
   return error < 0 ? faultFor(error) : std::nullopt;
 }
 
-// The muxer opens its files by itself, and loses memory where it cannot.
+// Checked here, because the muxer leaks memory when it cannot open its files.
 Fault LibavSink::folderFault() const {
   const std::string folder = std::filesystem::absolute(address_.target).parent_path().string();
   return ::access(folder.c_str(), W_OK | X_OK) == 0 ? std::nullopt : Fault(faultFor(AVERROR(errno)));
@@ -121,7 +121,7 @@ Fault LibavSink::folderFault() const {
 void LibavSink::chooseOptions(Options& options) const {
   switch (address_.kind) {
     case OutputKind::mp4:
-      // The description waits for the first fragment, so that it can tell how much later the sound begins.
+      // delay_moov: the moov box is written with the first fragment, so that it contains the delay of the sound.
       options.set("movflags", "frag_keyframe+empty_moov+delay_moov+default_base_moof");
       options.set("frag_duration", "1000000");
       break;
@@ -157,7 +157,7 @@ Fault LibavSink::write(const MediaPacket& packet) {
   return settled(av_interleaved_write_frame(muxer_.get(), made.get()));
 }
 
-// What stands behind a packet that is left out is written at once, since only then the counts tell what it was.
+// After a refused packet everything is flushed, because only then the counts show what it was.
 Fault LibavSink::settled(int error) {
   const bool leavesOut = isRefusal(error);
   while (isRefusal(error)) error = av_interleaved_write_frame(muxer_.get(), nullptr);
@@ -167,7 +167,7 @@ Fault LibavSink::settled(int error) {
   return address_.kind == OutputKind::mp4 ? syncFragment() : std::nullopt;
 }
 
-// The muxer itself makes nothing of a packet; all that it wrote before went well.
+// The muxer refused a packet; all earlier writes have succeeded.
 bool LibavSink::isRefusal(int error) const {
   const bool isWritten = (muxer_->pb == nullptr || muxer_->pb->error >= 0) && (!hlsFiles_ || hlsFiles_->error() == 0);
   return error < 0 && error != AVERROR(ENOMEM) && error != AVERROR_EXIT && isWritten;
@@ -180,7 +180,7 @@ void LibavSink::countLeftOut() {
   leftOut_ = {missing(kVideoStream), missing(kAudioStream)};
 }
 
-// Nothing is written between two fragments.
+// Syncs after each fragment; nothing is written between two fragments.
 Fault LibavSink::syncFragment() {
   const std::int64_t written = avio_tell(muxer_->pb);
   if (written == synced_) return std::nullopt;

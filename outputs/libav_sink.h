@@ -12,11 +12,11 @@
 
 namespace zel {
 
-// One output by libavformat. What a server does not take within a while is an error.
+// One output through libavformat. A server that does not accept data in time is an error.
 //   .mp4    in fragments, a key picture or a second each, so that it plays wherever it ends; each is on the disk before
 //           the next one begins
 //   .m3u8   segments of two seconds and more, NAME-00000.ts and so on, of which the newest are kept
-// Files replace what bore their names. Standard output is given up when its reader stands still at the end.
+// Existing files are replaced. Standard output is abandoned when its reader has stopped reading at the end.
 class LibavSink final : public Sink {
  public:
   // secondsToWait: for a server, each time.
@@ -47,11 +47,11 @@ class LibavSink final : public Sink {
   const double secondsToWait_;
   Deadline deadline_;
   bool isConnected_ = false;
-  std::int64_t last_[2] = {INT64_MIN, INT64_MIN};  // time stamps by stream
+  std::int64_t last_[2] = {INT64_MIN, INT64_MIN};  // timestamps by stream
   std::uint64_t handed_[2] = {0, 0};               // packets by stream
   LeftOut leftOut_;
   DiskSync disk_;
-  std::int64_t synced_ = 0;  // bytes that are on the disk
+  std::int64_t synced_ = 0;  // bytes synced to disk
   std::unique_ptr<HlsFiles> hlsFiles_;
   MuxerPtr muxer_;
 };

@@ -40,7 +40,7 @@ std::int64_t MediaClock::timeOf(const std::optional<Moment>& came, std::int64_t 
   return came ? came->stamp : stamp;
 }
 
-// Before the first sound, the player's count is all that is known; it has counted this picture as well.
+// Before the first sound only the player's count is known, which includes this picture.
 std::int64_t MediaClock::paced(const std::optional<Moment>& came, std::int64_t stamp) {
   const std::int64_t step = 1000 / picturesPerSecond_;
   if (!came || !came->paced) {

@@ -12,16 +12,16 @@
 
 namespace zel {
 
-// When the camera's pictures were taken and its sound was heard.
+// The true times of the camera's pictures and sound.
 //
-// The preview player knows that a unit is whole when the next one begins, and stamps it with the time in force by then.
-// That is the next picture's time for a picture of one slice, and its own for one of several: a unit's own time is
-// always that which the unit before it was stamped with.
-// A camera before firmware 190 tells no times, and the player's clocks for it are only joined once a second. Its
-// pictures are then placed by the sound beside which they come.
+// The preview player knows that a unit is complete only when the next one begins, and gives it the timestamp that is
+// current by then. That is the next picture's time for a picture of one slice, and its own for one of several slices. A
+// unit's true time is therefore the timestamp of the previous unit.
+// A camera before firmware 190 sends no times, and the player synchronises its own clocks only once a second. Its
+// pictures get their times from the sound that arrives with them.
 //
 // Units:  milliseconds.
-// Thread: any thread; slices and sound in the order in which they come, on the session thread.
+// Thread: any thread; slices and sound in the order of arrival, on the session thread.
 class MediaClock {
  public:
   using Bytes = std::span<const std::uint8_t>;
@@ -32,13 +32,13 @@ class MediaClock {
     TimePoint arrival;  // of its last slice so far
   };
 
-  // A stream begins. Times that were found out before count no more.
+  // Begins a stream. Earlier times are dropped.
   void begin(std::int64_t firewareVersion, int picturesPerSecond);
 
   // A slice as the player hands it on. The picture's time, nothing for a slice that goes on with a picture.
   std::optional<std::int64_t> slice(Bytes unit, std::int64_t stamp, TimePoint now = std::chrono::steady_clock::now());
 
-  // The description of the sound, and a frame of it. Returns when it was heard.
+  // The sound's configuration, and a frame of it. Returns the frame's time.
   void soundConfig(Bytes audioSpecificConfig);
   std::int64_t sound(std::int64_t stamp);
 
@@ -55,7 +55,7 @@ class MediaClock {
   static constexpr std::size_t kMost = 256;  // pictures; more than wait to be decoded unless nothing is
   static constexpr std::int64_t kMostLag = 1000;
 
-  // What was in force when a unit was stamped, which is when the first bytes of the next one had come.
+  // The state when a unit got its timestamp, which is when the first bytes of the next one had arrived.
   struct Moment {
     std::int64_t stamp = 0;
     std::optional<double> paced;
@@ -69,7 +69,7 @@ class MediaClock {
   std::int64_t paced(const std::optional<Moment>& came, std::int64_t stamp) ZEL_REQUIRES(mutex_);
 
   mutable Mutex mutex_;
-  std::optional<PacedTimes> paced_ ZEL_GUARDED_BY(mutex_);  // of a camera that tells no times
+  std::optional<PacedTimes> paced_ ZEL_GUARDED_BY(mutex_);  // for a camera without times
   int picturesPerSecond_ ZEL_GUARDED_BY(mutex_) = 30;
   std::optional<Moment> next_ ZEL_GUARDED_BY(mutex_);  // of the unit behind the newest one
   std::deque<Known> pictures_ ZEL_GUARDED_BY(mutex_);

@@ -50,7 +50,7 @@ std::optional<Mp4Box> boxAt(Bytes bytes, std::size_t at, std::size_t to) {
                 at + static_cast<std::size_t>(size)};
 }
 
-// The first box of a type among those side by side.
+// The first box of a type among consecutive boxes.
 std::optional<Mp4Box> find(Bytes bytes, std::size_t from, std::size_t to, std::uint32_t type) {
   const auto boxes = boxesIn(bytes, from, to);
   if (!boxes) return std::nullopt;
@@ -60,7 +60,7 @@ std::optional<Mp4Box> find(Bytes bytes, std::size_t from, std::size_t to, std::u
   return std::nullopt;
 }
 
-// The box at the end of a path of types below another one.
+// The box at a path of types inside another one.
 std::optional<Mp4Box> descend(Bytes bytes, Mp4Box box, std::initializer_list<std::uint32_t> path) {
   for (const std::uint32_t type : path) {
     const auto inner = find(bytes, box.content, box.end, type);

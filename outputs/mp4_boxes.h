@@ -9,7 +9,7 @@
 
 namespace zel {
 
-// One box of an MP4 file: where it begins, where its content does, and where it ends.
+// One box of an MP4 file: the positions of its begin, its content and its end.
 struct Mp4Box {
   std::uint32_t type = 0;
   std::size_t begin = 0, content = 0, end = 0;
@@ -21,16 +21,16 @@ constexpr std::uint32_t boxType(std::string_view name) {
   return type;
 }
 
-// The boxes that stand side by side in bytes[from, to).
-// Errors: nothing where they do not fill it exactly.
+// The consecutive boxes in bytes[from, to).
+// Errors: nothing if they do not fill it exactly.
 std::optional<std::vector<Mp4Box>> boxesIn(std::span<const std::uint8_t> bytes, std::size_t from, std::size_t to);
 
-// Makes every chunk's place in the file that many bytes later. moov: one whole box.
-// Errors: false where it is no such box, or a place would not fit.
+// Adds that many bytes to every chunk offset. moov: one whole box.
+// Errors: false if it is no such box, or an offset would overflow.
 bool moveChunks(std::span<std::uint8_t> moov, std::uint64_t shift);
 
-// Puts the box of spherical metadata, version 1, into the video's track: stitched, equirectangular.
-// Errors: false where it is no such box, or has no video; it is then as it was.
+// Adds the spherical metadata box, version 1, to the video track: stitched, equirectangular.
+// Errors: false if it is no such box, or has no video; it is then unchanged.
 bool addSphericalBox(std::vector<std::uint8_t>& moov);
 
 }  // namespace zel

@@ -14,8 +14,8 @@ Fault Mp4Sink::open(const StreamHeaders& headers) {
   return fragments_.open(headers);
 }
 
-// A fragment tells how long its last picture is shown, and the next one's times count from there: a picture waits for
-// the one behind it, or pictures that come unevenly would be moved.
+// A fragment contains the duration of its last picture, and the next one's times count from its end. So a picture is
+// held back until the next one arrives; otherwise unevenly spaced pictures would be shifted.
 Fault Mp4Sink::write(const MediaPacket& packet) {
   if (packet.track == Track::audio) return fragments_.write(packet);
   if (held_) {

@@ -13,7 +13,7 @@ namespace zel {
 // An MP4 file: in fragments while it grows, plain once it is finished.
 class Mp4Sink final : public Sink {
  public:
-  // tell: hears where the file had to stay in fragments; it plays all the same.
+  // tell: called if the file has to stay fragmented; it can still be played.
   Mp4Sink(OutputAddress address, std::function<void(const std::string&)> tell);
 
   Fault open(const StreamHeaders& headers) override;
@@ -29,7 +29,7 @@ class Mp4Sink final : public Sink {
   bool spherical_ = false;
   LibavSink fragments_;
   std::optional<MediaPacket> held_;  // the newest picture
-  std::int64_t heldLength_ = 0;      // of the one before it
+  std::int64_t heldLength_ = 0;      // of the previous one
 };
 
 }  // namespace zel

@@ -153,7 +153,7 @@ void Output::count(const MediaPacket& packet) {
   if (packet.arrival) latency_.add(1000 * secondsSince(*packet.arrival));
 }
 
-// A sink may leave out a packet later than it took it.
+// A sink may leave out a packet after it has accepted it.
 void Output::countLeftOut() {
   const LeftOut now = sink_->leftOut();
   const std::uint64_t pictures = now.pictures - leftOut_.pictures, audioFrames = now.audioFrames - leftOut_.audioFrames;

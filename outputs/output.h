@@ -20,19 +20,18 @@ namespace zel {
 
 struct OutputRules {
   std::string name;
-  // A new attempt; each sink is opened once.
+  // Creates the sink of a new attempt; each sink is opened once.
   std::function<std::unique_ptr<Sink>()> makeSink;
   // Hears what people want to know.
   //
   // Thread: the output's.
   std::function<void(const std::string&)> tell;
-  std::optional<RetryRules> retry;  // nothing: the first fault is the end, as of a file
+  std::optional<RetryRules> retry;  // nothing: no retry, as for a file
   QueueLimits limits;
-  std::optional<double> secondsToFinish;  // for what somebody else must take
+  std::optional<double> secondsToFinish;  // for data that another process must accept
 };
 
-// One output with a thread of its own and a queue of what waits for it, so that however slow or dead it is, nobody
-// else is kept waiting.
+// One output with its own thread and queue, so that a slow or dead output does not block others.
 // Thread: any thread.
 class Output {
  public:
@@ -45,7 +44,7 @@ class Output {
   void begin(const StreamHeaders& headers);
   void put(const MediaPacket& packet);
 
-  // No more comes. Does not wait; join() waits until all is written, or cannot be.
+  // No more packets follow. Does not wait; join() waits until everything is written or has failed.
   void finish();
   void join();
 
@@ -88,7 +87,7 @@ class Output {
   LatencyHistogram latency_;
   OutputReport report_;  // its state: setState() alone writes it
 
-  std::thread thread_;  // last: nothing it uses dies before it
+  std::thread thread_;  // last: destroyed before the members that it uses
 };
 
 }  // namespace zel

@@ -25,7 +25,7 @@ bool hasControlCharacters(std::string_view text) {
   return std::ranges::any_of(text, [](unsigned char letter) { return letter < 0x20 || letter == 0x7F; });
 }
 
-// From behind the user's name and password up to the path or the options.
+// The part between user name and password and the path or the options.
 std::string_view hostOf(std::string_view afterScheme) {
   std::string_view host = afterScheme.substr(0, afterScheme.find_first_of("/?#"));
   const std::size_t at = host.rfind('@');

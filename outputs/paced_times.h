@@ -6,8 +6,8 @@
 
 namespace zel {
 
-// A line of time for a camera that tells none: sound runs by its samples, pictures by their rate and drawn to the sound
-// beside which they come.
+// A timeline for a camera without timestamps: sound advances by its samples, pictures by their rate, corrected towards
+// the sound that arrives with them.
 // Units:  milliseconds.
 // Thread: one.
 class PacedTimes {
@@ -16,21 +16,21 @@ class PacedTimes {
 
   void setSoundRate(double hertz) { frame_ = kSamples * 1000 / hertz; }
 
-  // The next frame of sound. first: where the line begins.
+  // The time of the next frame of sound. first: the begin of the timeline.
   double sound(double first) {
     sound_ = sound_ ? *sound_ + frame_ : first;
-    if (picture_ && *picture_ - *sound_ > kApart) sound_ = picture_;  // there was none for a while
+    if (picture_ && *picture_ - *sound_ > kApart) sound_ = picture_;  // there was no sound for a while
     return *sound_;
   }
 
-  // Where on the line that stands which comes now: between the newest sound and the next. Nothing before the first.
+  // The time of data that arrives now: between the newest sound and the next. Nothing before the first sound.
   std::optional<double> now() const {
     if (!sound_) return std::nullopt;
     return *sound_ + frame_ / 2;
   }
 
-  // The next picture, whose first bytes came then. A single one is known no better than a frame of sound is long; many
-  // of them, which come evenly, are.
+  // The time of the next picture, whose first bytes arrived at `came`. A single arrival is only as exact as the length
+  // of an audio frame; the mean of many evenly spaced pictures is more exact.
   double picture(double came) {
     const double next = picture_ ? *picture_ + step_ : came;
     const double behind = came - next;
@@ -38,7 +38,7 @@ class PacedTimes {
     if (behind > kApart) {
       picture_ = came;  // pictures are missing
     } else if (behind < -kApart) {
-      picture_ = next;  // sound is
+      picture_ = next;  // sound is missing
     } else {
       picture_ = next + behind / weight_;
     }
@@ -46,14 +46,14 @@ class PacedTimes {
   }
 
  private:
-  static constexpr double kSamples = 1024;  // of a frame
+  static constexpr double kSamples = 1024;  // in a frame
   static constexpr double kApart = 300;
   static constexpr double kMostWeight = 8;
 
   const double step_;
   double frame_ = kSamples * 1000 / 48000;
   std::optional<double> sound_, picture_;
-  double weight_ = 0;  // pictures that the newest one is the mean of
+  double weight_ = 0;  // number of pictures in the mean
 };
 
 }  // namespace zel

@@ -9,14 +9,14 @@
 
 namespace zel {
 
-// How much may wait for an output.
+// The limits of an output's queue.
 struct QueueLimits {
   std::size_t bytes = std::size_t{32} << 20;
   std::int64_t microseconds = 10'000'000;
 };
 
-// The packets that wait for one output, from a key picture on. What is too much costs the oldest, up to the next key
-// picture, so that what is left can be decoded.
+// The packets queued for one output, starting with a keyframe. When it is full, the oldest packets up to the next
+// keyframe are dropped, so that the rest can be decoded.
 class PacketQueue {
  public:
   explicit PacketQueue(QueueLimits limits = {}) : limits_(limits) {}
@@ -24,14 +24,14 @@ class PacketQueue {
   // Returns whether packets that had been taken were dropped for it, or it was itself, for want of memory.
   bool put(MediaPacket packet);
 
-  // The oldest. Nothing when there is none.
+  // The oldest packet; nothing when empty.
   std::optional<MediaPacket> take();
 
-  // Forgets what waits, and takes the next key picture first.
+  // Drops all packets, and continues with the next keyframe.
   void restart();
 
   bool empty() const { return packets_.empty(); }
-  // Packets that were not taken, or forgotten.
+  // Packets that were refused or dropped.
   std::uint64_t dropped() const { return dropped_; }
 
  private:

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t kSliceData = 4 + 1;                // start code, header
 constexpr std::size_t kLargest = std::size_t{16} << 20;  // bytes of a picture
-constexpr std::uint8_t kFirstMacroblock = 0x80;          // the number 0 is written as a single bit that is set
+constexpr std::uint8_t kFirstMacroblock = 0x80;          // ue(v) 0 is a single 1 bit
 
 }  // namespace
 

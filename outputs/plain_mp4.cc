@@ -46,7 +46,7 @@ bool copyRange(int from, std::uint64_t begin, std::uint64_t end, const Temporary
   return true;
 }
 
-// A box of the file itself.
+// A top-level box.
 struct FileBox {
   std::uint32_t type = 0;
   std::uint64_t begin = 0, end = 0;
@@ -79,7 +79,7 @@ const FileBox* find(const std::vector<FileBox>& boxes, std::uint32_t type) {
   return nullptr;
 }
 
-// The description in front of what lies before it.
+// Moves the moov box to the front.
 bool arrange(int from, const TemporaryFile& to, bool spherical) {
   const std::vector<FileBox> boxes = boxesOf(from);
   const FileBox* const type = find(boxes, boxType("ftyp"));
@@ -105,7 +105,7 @@ bool addStreamsLike(const AVFormatContext& from, AVFormatContext& to, bool spher
   return true;
 }
 
-// A fragment leaves out how long its last frame sounds; without it the plain file would end before that frame.
+// A fragment has no duration for its last audio frame; without one the plain file would end before that frame.
 void completeSound(const AVStream& stream, AVPacket& packet) {
   const AVCodecParameters& sound = *stream.codecpar;
   if (sound.codec_type != AVMEDIA_TYPE_AUDIO || packet.duration > 0 || sound.sample_rate <= 0) return;
@@ -127,7 +127,7 @@ int copyPackets(AVFormatContext& from, AVFormatContext& to) {
   return error == AVERROR_EOF ? 0 : error;
 }
 
-// libavformat's own plain file, whose description comes last.
+// Remuxes to libavformat's plain file, whose moov box is last.
 int remux(const std::string& from, const std::string& to, bool spherical) {
   AVFormatContext* opened = nullptr;
   int error = avformat_open_input(&opened, std::filesystem::absolute(from).c_str(), nullptr, nullptr);
@@ -145,7 +145,7 @@ int remux(const std::string& from, const std::string& to, bool spherical) {
   return avio_closep(&muxer->pb);
 }
 
-// Whoever may read the file that grew may read this one.
+// Keeps the permissions of the fragmented file.
 bool takePlaceOf(const std::string& path, TemporaryFile& file) {
   struct stat old {};
   return ::stat(path.c_str(), &old) == 0 && ::fchmod(file.descriptor(), old.st_mode & 07777) == 0 && file.replace(path);

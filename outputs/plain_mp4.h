@@ -6,9 +6,9 @@
 
 namespace zel {
 
-// Makes a fragmented MP4 file a plain one that begins to play before it is wholly there: the description first, then
-// the media; of spherical video with its metadata in both versions. The file is replaced when the new one is whole.
-// Errors: what went wrong; the file is then as it was.
+// Converts a fragmented MP4 file to a plain one that can be played while it is downloaded: the index (moov) first, then
+// the media; for spherical video with the metadata in both versions. The file is replaced when the new one is complete.
+// Errors: what went wrong; the file is then unchanged.
 Fault makePlainMp4(const std::string& path, bool spherical);
 
 }  // namespace zel

@@ -7,13 +7,13 @@
 
 namespace zel {
 
-// Packets that a format makes nothing of.
+// Packets that are invalid in the output's format.
 struct LeftOut {
   std::uint64_t pictures = 0, audioFrames = 0;
 };
 
-// Where one output's packets end up: a file, or one connection to a server.
-// Thread: one at a time, but for endWithin().
+// The destination of one output's packets: a file, or one connection to a server.
+// Thread: one at a time, except endWithin().
 class Sink {
  public:
   virtual ~Sink() = default;
@@ -25,10 +25,10 @@ class Sink {
   // The next packet. One that the format makes nothing of is left out.
   // Errors: the same; the sink is then good for nothing but destruction.
   virtual Fault write(const MediaPacket& packet) = 0;
-  // Ends it well; the last call. A sink that is destroyed without it leaves what it has as it is.
+  // Completes the output; the last call. A sink that is destroyed without it leaves the output incomplete.
   virtual Fault finish() = 0;
 
-  // What was left out so far.
+  // The packets left out so far.
   virtual LeftOut leftOut() const { return {}; }
 
   // Makes current and later blocking calls fail after this many seconds.

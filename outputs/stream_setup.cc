@@ -37,7 +37,7 @@ bool setExtraData(AVCodecParameters& parameters, std::span<const std::uint8_t> b
   return true;
 }
 
-// MP4 has a box for it; the other kinds of output leave it to the stream itself.
+// MP4 has a box for it; in other formats only the stream declares it.
 void describeColour(AVCodecParameters& parameters, const VideoColour& colour) {
   parameters.format = colour.fullRange ? AV_PIX_FMT_YUVJ420P : AV_PIX_FMT_YUV420P;
   parameters.color_range = colour.fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
@@ -99,7 +99,7 @@ bool addStreams(AVFormatContext& muxer, const StreamHeaders& headers) {
   return addVideo(muxer, headers) && addAudio(muxer, headers);
 }
 
-// A copy, since FFmpeg may read a few bytes beyond a packet's end.
+// A copy with padding, since FFmpeg may read beyond a packet's end.
 PacketPtr packetFor(const AVFormatContext& muxer, const MediaPacket& packet) {
   PacketPtr made(av_packet_alloc());
   const std::span<const std::uint8_t> bytes = packet.data.bytes();

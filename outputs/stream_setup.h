@@ -7,8 +7,8 @@ namespace zel {
 
 inline constexpr int kVideoStream = 0, kAudioStream = 1;
 
-// Gives the muxer its two streams, the video with the word that it is spherical where it is.
-// Errors: false where there is no memory, or the sound is of a kind that is not known.
+// Adds the two streams to the muxer, and marks the video if it is spherical.
+// Errors: false if memory runs out, or the sound's format is unknown.
 bool addStreams(AVFormatContext& muxer, const StreamHeaders& headers);
 
 // Tells players that the pictures are equirectangular.

@@ -66,7 +66,7 @@ void StreamWriter::keep(Sound sound) {
   ++written_.droppedAudio;
 }
 
-// from: the time of the picture that they waited for.
+// from: the time of the first picture.
 void StreamWriter::putKept(std::int64_t from) {
   for (const Sound& sound : std::exchange(kept_, {})) {
     const bool soundsWithIt = sound.time >= from && sound.time <= from + kLongestWait;

@@ -22,10 +22,10 @@ namespace zel {
 // Units: microseconds, bytes.
 struct WrittenStream {
   std::uint64_t pictures = 0, audioFrames = 0;
-  std::uint64_t droppedAudio = 0;  // frames that came before a run's first picture, and did not sound with it either
+  std::uint64_t droppedAudio = 0;  // frames before a run's first picture
   std::uint64_t videoBytes = 0, audioBytes = 0;
   std::optional<std::int64_t> newestVideo, newestAudio;
-  bool complete = false;  // as long as it was asked for
+  bool complete = false;  // the requested length is reached
   Fault fault;
 };
 
@@ -47,7 +47,7 @@ class StreamWriter {
   // equirectangular.
   void beginRun(bool spherical);
 
-  // Parameter sets without start code; later ones are put before the next key picture where they differ.
+  // Parameter sets without start code; different later ones are inserted before the next keyframe.
   void onParameterSets(Bytes sps, Bytes pps);
   void onAudioConfig(Bytes config);
   // picture: its units, each behind its start code.
@@ -77,10 +77,10 @@ class StreamWriter {
   const std::optional<std::int64_t> length_;
   const std::function<void()> ended_;
   mutable Mutex mutex_;
-  StreamHeaders headers_ ZEL_GUARDED_BY(mutex_);  // as they were begun with, once there is a timeline
+  StreamHeaders headers_ ZEL_GUARDED_BY(mutex_);  // those of the begun stream, once there is a timeline
   ZELData sps_ ZEL_GUARDED_BY(mutex_), pps_ ZEL_GUARDED_BY(mutex_);  // the latest
   std::optional<Timeline> timeline_ ZEL_GUARDED_BY(mutex_);
-  std::deque<Sound> kept_ ZEL_GUARDED_BY(mutex_);  // of a run whose first picture has not come
+  std::deque<Sound> kept_ ZEL_GUARDED_BY(mutex_);  // before a run's first picture
   WrittenStream written_ ZEL_GUARDED_BY(mutex_);
 };
 

@@ -9,11 +9,11 @@ namespace zel {
 namespace {
 
 constexpr std::int64_t kMicros = 1000;                     // in a millisecond
-constexpr std::int64_t kFurthest = std::int64_t{1} << 50;  // milliseconds; beyond it a time is nonsense
+constexpr std::int64_t kFurthest = std::int64_t{1} << 50;  // milliseconds; larger times are invalid
 constexpr std::int64_t kSmallest = 1 * kMicros;            // between two pictures, or two frames of sound
-constexpr std::int64_t kClockWasSet = 1'000'000;           // a step back from which it is no mere disorder
-constexpr std::int64_t kClockWasSetAhead = 3'600'000'000;  // a step ahead that no pause explains
-constexpr std::int64_t kRounding = 2 * kMicros;            // how far whole milliseconds lie beside the sample
+constexpr std::int64_t kClockWasSet = 1'000'000;           // a step back from which the clock was set
+constexpr std::int64_t kClockWasSetAhead = 3'600'000'000;  // a step ahead that is longer than any pause
+constexpr std::int64_t kRounding = 2 * kMicros;            // rounding error of whole milliseconds
 constexpr std::int64_t kFirstStep = 33'333;                // after a run of a single picture
 
 }  // namespace
@@ -30,8 +30,8 @@ void Timeline::beginRun() {
   if (newestAudio_) begin_ = std::max(begin_, *newestAudio_ + frameLength(1));
 }
 
-// Where the camera's clock was set, both tracks go on from there. A stream may begin before the clocks have been
-// compared: its times then step by years.
+// If the camera's clock was set, both tracks continue from there. In a stream that begins before the clocks are
+// synchronised, the times step by years.
 std::optional<std::int64_t> Timeline::placed(std::int64_t milliseconds, std::optional<std::int64_t> newest) {
   const std::int64_t came = milliseconds * kMicros;
   const std::int64_t step = newest ? came + *shift_ - *newest : 0;

@@ -8,22 +8,23 @@
 
 namespace zel {
 
-// Makes one line of time out of a source's runs, for all outputs: it begins with the first key picture, goes on where
-// the run before ended, and never goes backwards on either track. Sound that comes at the camera's pace gets times
-// that are exact to the sample.
-// Units: milliseconds in, microseconds out.
+// Joins the times of a source's runs to one timeline for all outputs. It begins with the first keyframe, continues
+// where the previous run ended, and never goes backwards on either track. Sound at the camera's rate gets times that
+// are exact to the sample.
+// Units:  milliseconds in, microseconds out.
 class Timeline {
  public:
   // rate: of the sound, in hertz.
   explicit Timeline(int rate);
 
-  // The times that follow are another run's, which begins with its first key picture.
+  // Begins another run, which starts with its first keyframe.
   void beginRun();
 
-  // The time of a picture, later than the one before. Nothing for what comes before the run's first key picture.
+  // The time of a picture, later than the previous one. Nothing before the run's first keyframe.
   std::optional<std::int64_t> video(std::int64_t milliseconds, bool key);
 
-  // The time of an AAC frame, likewise. Nothing before the run's first key picture, or for what sounds before it.
+  // The time of an AAC frame, later than the previous one. Nothing before the run's first keyframe, or for earlier
+  // sound.
   std::optional<std::int64_t> audio(std::int64_t milliseconds);
 
   // Whether the newest time of that track is the first behind a break: of another run, or of a clock that was set.
@@ -41,8 +42,8 @@ class Timeline {
   std::int64_t frameLength(std::int64_t count) const;
 
   const int rate_;
-  std::optional<std::int64_t> shift_;  // from a time that came to ours; none before the run's first key picture
-  std::int64_t begin_ = 0;             // ours, of the run's first key picture
+  std::optional<std::int64_t> shift_;  // from the source's time to ours; none before the run's first keyframe
+  std::int64_t begin_ = 0;             // of the run's first keyframe, in our time
   std::optional<std::int64_t> newestVideo_, newestAudio_;
   std::int64_t videoStep_ = 0;
   bool videoBroke_ = false, audioBroke_ = false;

@@ -14,8 +14,8 @@ constexpr std::uint32_t kTiff = 42;
 constexpr std::uint32_t kText = 2, kLong = 4, kRational = 5;
 constexpr std::uint32_t kPlaceOfGps = 0x8825, kDirectionsNorth = 0x0010, kDirection = 0x0011;
 
-// EXIF data as they are laid out: directories of entries, in the byte order that the first two bytes tell. What lies
-// outside is read as zeros, which is no entry.
+// A reader of EXIF data: directories of entries, in the byte order of the first two bytes. Bytes outside are read as
+// zeros, which are not a valid entry.
 class Tiff {
  public:
   explicit Tiff(Bytes bytes) : bytes_(bytes), bigEndian_(!bytes.empty() && bytes[0] == 'M') {}
@@ -27,7 +27,7 @@ class Tiff {
     return value;
   }
 
-  // Where the value of that entry stands in the directory; 0 where there is none of that type and count.
+  // The position of that entry's value in the directory; 0 without an entry of that type and count.
   std::size_t find(std::size_t directory, std::uint32_t tag, std::uint32_t type, std::uint32_t count) const {
     const std::size_t entries = directory == 0 ? 0 : number(directory, 2);
     for (std::size_t i = 0; i < entries; ++i) {

@@ -6,9 +6,9 @@
 
 namespace zel {
 
-// Where a photo looks, by the GPSImgDirection of its EXIF data: degrees from true north by east, from 0 to below 360.
-// exif: a segment as exifSegmentIn() finds it, or nothing.
-// Errors: nothing where the data do not tell, or tell a direction from magnetic north, which is another one.
+// The direction of a photo from GPSImgDirection in its EXIF data: degrees clockwise from true north, 0 to below 360.
+// exif: the result of exifSegmentIn(), may be empty.
+// Errors: nothing if the data have no direction, or one from magnetic north.
 std::optional<double> directionIn(std::span<const std::uint8_t> exif);
 
 }  // namespace zel

@@ -27,7 +27,7 @@ struct Header {
   int width = 0, height = 0, subsampling = 0, colours = 0;
 };
 
-// The planes of Cb and Cr, one behind the other, at half the width and height.
+// The Cb plane followed by the Cr plane, with half the width and height.
 struct ChromaPlanes {
   ChromaPlanes(int width, int height)
       : stride(chromaSamples(width)), rows(chromaSamples(height)), bytes(2 * stride * rows) {}
@@ -39,7 +39,7 @@ struct ChromaPlanes {
   std::vector<std::uint8_t> bytes;
 };
 
-// A file with luma, and chroma of half the width and height, has just what is wanted.
+// A 4:2:0 file already has the required planes.
 bool readPlanes(void* decoder, Bytes file, const Header& header, MemoryPixelBuffer& into) {
   ChromaPlanes chroma(header.width, header.height);
   std::uint8_t* planes[] = {into.lumaRow(0).data(), chroma.cb(), chroma.cr()};
@@ -68,8 +68,7 @@ bool read(void* decoder, Bytes file, const Header& header, MemoryPixelBuffer& in
   return (isSame ? readPlanes : readColours)(decoder, file, header, into);
 }
 
-// Both fill `file`, which is as large as any of the size can be, and return how much of it they took; 0 where they
-// failed.
+// Both fill `file`, which has the maximum size, and return the used size; 0 on failure.
 unsigned long writePlanes(void* encoder, const platform::PixelBuffer& picture, int quality, JpegBytes& file) {
   ChromaPlanes chroma(picture.width(), picture.height());
   const platform::PixelPlane luma = picture.luma(), both = picture.chroma();
@@ -93,7 +92,7 @@ unsigned long writeColours(void* encoder, const platform::PixelBuffer& picture, 
   return status == 0 ? size : 0;
 }
 
-// Where the segment of a header ends that begins at `at`, a marker; 0 where no segment is.
+// The end of the header segment that begins with the marker at `at`; 0 without a segment.
 std::size_t endOfSegment(Bytes file, std::size_t at) {
   constexpr std::uint8_t kFirstWithLength = 0xC0, kScan = 0xDA, kRestart = 0xD0, kEnd = 0xD9;
   if (at + 4 > file.size() || file[at] != 0xFF) return 0;
@@ -159,7 +158,7 @@ std::optional<JpegBytes> jpegOf(const platform::PixelBuffer& picture, int qualit
   const unsigned long most = tjBufSize(width, height, TJSAMP_420);
   if (!encoder || width % 2 != 0 || height % 2 != 0 || most == static_cast<unsigned long>(-1)) return std::nullopt;
   JpegBytes file(most);
-  // The format knows the matrix of BT.601 alone.
+  // The format supports only the matrix of BT.601.
   const bool isSame = picture.colour().matrix == platform::ColourMatrix::bt601;
   const unsigned long size = (isSame ? writePlanes : writeColours)(encoder.get(), picture, quality, file);
   if (size == 0) return std::nullopt;

@@ -11,7 +11,7 @@ constexpr std::size_t kBytesAPixel = 4;
 
 std::uint8_t byteOf(long value) { return static_cast<std::uint8_t>(std::clamp(value, 0L, 255L)); }
 
-// How much blue, green and red are above luma, which is whole: rounding them rounds the sums.
+// The differences of blue, green and red from luma. Luma is an integer, so rounding them rounds the sums.
 struct Above {
   long blue = 0, green = 0, red = 0;
 };
@@ -37,7 +37,7 @@ struct Source {
   const std::uint8_t* pixels;
   std::size_t width, height;
 
-  // Of those in a square, as far as it is within the picture.
+  // The sum in a square, clipped to the picture.
   Light sum(std::size_t left, std::size_t top, std::size_t side) const {
     Light light;
     for (std::size_t y = top; y < std::min(top + side, height); ++y) {

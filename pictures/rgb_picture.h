@@ -8,12 +8,11 @@
 
 namespace zel {
 
-// The picture's pixels as blue, green, red and an opaque alpha, a byte each, in rows from the top without gaps: by its
-// own matrix, each value the nearest one.
+// The picture's pixels as BGRA with opaque alpha, one byte each, in rows from the top without gaps: converted with its
+// own matrix, rounded to nearest.
 std::vector<std::uint8_t> bgraOf(const platform::PixelBuffer& picture);
 
-// The other way: fills a picture of that size, by the matrix that it bears. Chroma is that of the mean of the pixels
-// for which it stands.
+// The inverse: fills a picture of that size with its own matrix. Chroma is computed from the mean of its pixels.
 void setBgra(std::span<const std::uint8_t> pixels, platform::MemoryPixelBuffer& into);
 
 }  // namespace zel

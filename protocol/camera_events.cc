@@ -22,7 +22,7 @@ std::optional<ZELMessageFields> decodeUpdateDone(ByteView payload) {
   return fields;
 }
 
-// Payload; the number that is cut is not there at all, and the name stands in its place:
+// Payload. In a short payload an incomplete number is left out, and the name begins in its place:
 //
 //   0           4           12
 //   +-----------+-----------+------------------------

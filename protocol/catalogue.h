@@ -13,11 +13,12 @@
 
 namespace zel {
 
-// The command layer's own number of a family of messages, and a code on the wire: two number spaces that must not meet.
+// The command layer's number of a family of messages, and a code on the wire. Two types, so that they cannot be mixed
+// up.
 enum class MsgType : std::int16_t {};
 enum class UcdCode : std::uint16_t {};
 
-// A reply bears its request's code with the highest bit set.
+// A reply has its request's code with the highest bit set.
 constexpr UcdCode replyTo(UcdCode request) { return UcdCode(static_cast<std::uint16_t>(request) | 0x8000); }
 
 // When the engine registers a family.

@@ -38,7 +38,7 @@ struct Field {
   void (*read)(ByteReader& body, ZELMessageFields& fields, std::string_view key);
 };
 
-// The fields of one body, in the order of the wire.
+// The fields of one body, in wire order.
 class FieldList {
  public:
   consteval FieldList() = default;
@@ -52,7 +52,7 @@ class FieldList {
   constexpr std::size_t count() const { return count_; }
   constexpr const Field& operator[](std::size_t index) const { return fields_[index]; }
 
-  // The fewest bytes that hold them.
+  // Their minimum size in bytes.
   constexpr std::size_t size() const {
     std::size_t sum = 0;
     for (const Field& field : *this) sum += field.size;
@@ -66,7 +66,7 @@ class FieldList {
 
 namespace field {
 
-// The wire's number may be another than the dictionary's; the number is then cut to its low bits.
+// The wire's type may be smaller than the dictionary's; the number is then truncated to its low bits.
 template <class Wire, class Value>
 void appendNumber(Bytes& body, const ZELMessageFields& fields, std::string_view key) {
   const Value* value = fields.find<Value>(key);
@@ -118,7 +118,7 @@ consteval Field s64(std::string_view key) { return number<std::int64_t>(key); }
 consteval Field u8OfInt(std::string_view key) { return number<std::uint8_t, std::int32_t>(key); }
 consteval Field u16OfInt(std::string_view key) { return number<std::uint16_t, std::int32_t>(key); }
 
-// Deliberate: of these two bytes only the first was ever written and read, and cameras expect it.
+// Deliberate: only the first of these two bytes was ever written and read, and cameras expect that.
 consteval Field lowByteOfU16(std::string_view key) {
   return {"u16, of which only the low byte counts",
           key,
@@ -144,8 +144,8 @@ consteval Field ascii(std::string_view key) {
   return {"ASCII text to the end", key, kTypeNumber<std::string>, 1, appendAscii, readAscii};
 }
 
-// A file name: as many of its UTF-8 bytes as it has characters, and a zero. Deliberate: a name outside ASCII is cut
-// short, as it always was. An empty name is an empty body.
+// A file name: as many of its UTF-8 bytes as it has characters, and a zero. Deliberate: a name that is not ASCII is cut
+// short, as it always was. An empty name gives an empty body.
 consteval Field terminatedName(std::string_view key) {
   return {"UTF-8 name, zero-terminated", key, kTypeNumber<std::string>, 0, appendTerminatedName, neverRead};
 }
@@ -155,7 +155,7 @@ consteval Field toldName(std::string_view key) {
   return {"UTF-8 name to its zero", key, kTypeNumber<std::string>, 0, neverAppended, neverRead};
 }
 
-// A file name in a field of fixed size, filled up with zeros; a longer one is cut and has no terminator.
+// A file name in a field of fixed size, padded with zeros; a longer one is cut and has no terminator.
 template <std::size_t size>
 consteval Field nameField(std::string_view layout, std::string_view key) {
   return {layout,
@@ -174,7 +174,7 @@ consteval Field offsetText(std::string_view key) {
           appendOffsetText,           readOffsetText};
 }
 
-// Up to a whole video metadata record; what is missing is 0, what is more is ignored.
+// A video metadata record; missing bytes are 0, extra bytes are ignored.
 consteval Field videoMnd(std::string_view key) {
   return {"VideoMnd record (up to 192)", key, kTypeNumber<ZELVideoMnd>, 0, neverAppended, readVideoMnd};
 }

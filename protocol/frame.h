@@ -26,7 +26,7 @@ inline constexpr std::size_t kTimestampPayload = 1 + 8;          // stream flag,
 // No camera sends a larger frame; a larger length means that the position in the stream is lost.
 inline constexpr std::uint32_t kMaxFrameLength = 256u * 1024 * 1024;
 
-// The time synchronisation, the one message that the transport itself knows.
+// The time synchronisation, the only message that the link itself uses.
 inline constexpr std::uint16_t kSyncTimeRequest = 0x4049;
 inline constexpr std::uint16_t kSyncTimeReply = 0xC049;
 

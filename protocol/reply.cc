@@ -45,7 +45,7 @@ Decoded decodeTextFileResult(ByteView body) {
   const bool agreed = reader.read<U8>() != 0;
   ZELMessageFields fields;
   fields.set(key::intValue, std::int32_t{reader.read<U8>()});
-  // Deliberate: the camera's code tells why it refused, so that it travels with the error.
+  // Deliberate: the camera's code says why it refused, so it accompanies the error.
   if (!agreed) fields.set(key::nsError, zelOSStatusError(kZELErrorRefused));
   return Decoded::success(std::move(fields));
 }

@@ -10,8 +10,7 @@
 
 namespace zel {
 
-// What a reply's body comes to: refused, which includes one that is too short to be used, or a success with a
-// dictionary or without one.
+// A decoded reply: refused (also when it is too short), or a success with or without a dictionary.
 struct Decoded {
   bool refused = false;
   std::optional<ZELMessageFields> fields;
@@ -20,7 +19,7 @@ struct Decoded {
   static Decoded success(std::optional<ZELMessageFields> fields = std::nullopt) { return {false, std::move(fields)}; }
 };
 
-// How a family's replies are read.
+// How a family's replies are decoded.
 struct Reply {
   enum class Form {
     none,   // the camera does not answer
@@ -52,13 +51,13 @@ consteval Reply custom(Reply form, Decoded (*decode)(ByteView), std::string_view
 // Bytes after the last field are ignored.
 Decoded decodeReply(const Reply& reply, ByteView body);
 
-// A capture: file time u32, file size u64, and a UTF-8 name that is there even where it is empty. No flag.
+// A capture: file time u32, file size u64, and a UTF-8 name, present even if empty. No flag.
 Decoded decodeCaptureResult(ByteView body);
 
 // A text file: flag, and the camera's own code, which a refusal carries beside the error.
 Decoded decodeTextFileResult(ByteView body);
 
-// Whatever comes is a success.
+// Every reply is a success.
 Decoded decodeAnything(ByteView body);
 
 }  // namespace zel

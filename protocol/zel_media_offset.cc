@@ -10,16 +10,16 @@
 
 namespace {
 
-constexpr std::size_t kLenses = 2;         // that the record has room for
-constexpr std::size_t kValuesPerLens = 6;  // that the text carries
+constexpr std::size_t kLenses = 2;         // that fit into the record
+constexpr std::size_t kValuesPerLens = 6;  // in the text
 
 std::string_view withoutLeadingSpace(std::string_view text) {
   const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
   return start == std::string_view::npos ? std::string_view() : text.substr(start);
 }
 
-// The number's text without a plus sign, which the standard's readers do not take; empty where no number begins. A
-// number has one sign at most.
+// The number's text without a plus sign, which std::from_chars does not accept; empty if no number begins there. A
+// number has at most one sign.
 std::string_view numberText(std::string_view text) {
   text = withoutLeadingSpace(text);
   const bool plus = text.starts_with('+');
@@ -38,7 +38,7 @@ std::int64_t integerValue(std::string_view text) {
   return number.starts_with('-') ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
 }
 
-// A number too near to 0 for a double, or too far from it.
+// A number out of the range of double: too small or too large.
 float beyondDouble(std::string_view number) {
   if (number.find("e-") != number.npos || number.find("E-") != number.npos) return 0;
   return number.starts_with('-') ? -std::numeric_limits<float>::infinity() : std::numeric_limits<float>::infinity();
@@ -81,7 +81,7 @@ void appendThousandths(std::string& text, std::int32_t value) {
 std::size_t lensesIn(const ZELMediaOffset& offset) { return std::min<std::size_t>(offset.lensCount, kLenses); }
 
 std::string lensText(const ZELMediaOffset& offset) {
-  if (lensesIn(offset) == 0) return "(null)";  // deliberate: cameras without a lens have always been shown so
+  if (lensesIn(offset) == 0) return "(null)";  // deliberate: a record without a lens has always been shown like this
   std::string text;
   for (std::size_t lens = 0; lens < lensesIn(offset); ++lens) {
     for (const std::int32_t value : offset.lenses[lens].p) {

@@ -19,7 +19,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// A new number for each attachment, on this machine and among all simulators.
+// A number that is unique for each attachment, among all simulators on this machine.
 std::uint64_t newConnectionID() {
   const auto now = std::chrono::system_clock::now().time_since_epoch();
   return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(now).count());

@@ -6,17 +6,17 @@
 
 namespace zel::simulator {
 
-// What the simulated camera says of itself.
+// The simulated camera's description of itself.
 struct Identity {
   std::string name = "Example 360";
   std::string serial = "E1A0001";
   int firmware = 192;
 };
 
-// Puts the accessory's file into the bus folder and takes it away again.
+// Writes the accessory's file into the bus folder and removes it.
 class AccessoryPublisher {
  public:
-  // Errors: ok() is false and error() tells why the folder cannot be used.
+  // Errors: ok() is false and error() says why the folder cannot be used.
   AccessoryPublisher(const std::string& chosenFolder, Identity identity);
   ~AccessoryPublisher() { withdraw(); }
   AccessoryPublisher(const AccessoryPublisher&) = delete;
@@ -26,7 +26,7 @@ class AccessoryPublisher {
   const std::string& error() const { return error_; }
 
   // Writes the file under a hidden name and renames it, with a new connection identifier each time.
-  // Errors: false when it cannot be written, or is another simulator's; error() tells why.
+  // Errors: false when it cannot be written, or belongs to another simulator; error() says why.
   bool publish(const std::string& socketPath);
   void withdraw();
 
@@ -38,7 +38,7 @@ class AccessoryPublisher {
   std::string file_;
   std::string error_;
   bool published_ = false;
-  // The file, locked for as long as it is published: one that was left behind is nobody's.
+  // The file, locked while it is published: an unlocked one is a leftover.
   platform::UniqueDescriptor lock_;
 };
 

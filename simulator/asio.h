@@ -1,6 +1,6 @@
 #pragma once
 
-// Asio as the Linux platform includes it, and the local sockets besides. Its headers do not pass our warnings.
+// Asio as included by the Linux platform, plus local sockets. Its headers cause warnings with our flags.
 #include "platform/linux/asio.h"
 
 #pragma GCC diagnostic push

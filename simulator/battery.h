@@ -7,7 +7,7 @@
 
 namespace zel::simulator {
 
-inline constexpr std::uint8_t kOnBattery = 1;  // every other power type feeds the camera from outside
+inline constexpr std::uint8_t kOnBattery = 1;  // every other power type is external
 
 struct Battery {
   std::uint8_t powerType = kOnBattery;
@@ -16,7 +16,7 @@ struct Battery {
 
 inline constexpr std::uint8_t kLowBattery = 10;
 
-// A while later: one percent less, and what the camera says of it.
+// Drains one percent, and returns the camera's events.
 std::vector<Bytes> drain(Battery& battery);
 
 }  // namespace zel::simulator

@@ -160,7 +160,7 @@ constexpr Question kQuestions[] = {
     {0x403A, 0, 0, whiteBalanceEnable},
     {0x403B, 0, 0, vignetteEnable},
     {0x403C, 0, 0, lensIndex},
-    {0x4041, 0, 0, nothingToDo},  // deletions of this camera have ended before anybody can cancel them
+    {0x4041, 0, 0, nothingToDo},  // deletions end before they can be cancelled
     {0x4042, 0, 0, secondsLeft},
     {0x4043, 0, 0, shotsLeft},
 };
@@ -205,7 +205,7 @@ std::optional<Bytes> answerAtOnce(CameraState& state, const Storage& storage, st
   return fits ? question->answer(state, body) : refusal(code);
 }
 
-// The clock's answer is a time. Only a refusal of it is a flag.
+// The time synchronisation's reply is a time; only its refusal is a flag.
 bool hasFlag(std::uint16_t code) { return code != kSyncTime && !isIn(kWithoutFlag, code); }
 
 Bytes refusal(std::uint16_t code) { return isIn(kWithoutFlag, code) ? Bytes() : kRefused; }

@@ -8,14 +8,14 @@
 
 namespace zel::simulator {
 
-// The reply's body to a request that the camera answers at once out of what it knows. Bodies of a wrong length and
-// requests that it does not know are refused. Nothing for the sensor updates, which have no reply.
+// The body of the reply to a request that is answered at once from the camera's state. Refuses unknown requests and
+// bodies of the wrong length. Nothing for sensor updates, which have no reply.
 std::optional<Bytes> answerAtOnce(CameraState& state, const Storage& storage, std::uint16_t code, const Bytes& body);
 
 // Whether the reply to a request begins with a flag.
 bool hasFlag(std::uint16_t code);
 
-// The body by which a request is refused: a flag of 0. Replies without a flag are refused by an empty body.
+// The body of a refusal: flag 0, or an empty body if the reply has no flag.
 Bytes refusal(std::uint16_t code);
 
 }  // namespace zel::simulator

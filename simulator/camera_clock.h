@@ -7,21 +7,21 @@
 
 namespace zel::simulator {
 
-// The time of day in the camera, by which its files are named.
+// The camera's time of day, used in file names.
 class CameraClock {
  public:
-  // Units: seconds since 1970.
-  // Owner: the world outlives it.
+  // Units:  seconds since 1970.
+  // Owner:  the world outlives it.
   CameraClock(const CameraWorld& world, std::int64_t now);
 
   void set(std::int32_t now, std::int32_t minutesWest);
 
   std::uint32_t now() const { return static_cast<std::uint32_t>(seconds()); }
 
-  // Local time as photos tell it, "2026:01:02 03:04:05".
+  // Local time in the form of EXIF data, "2026:01:02 03:04:05".
   std::string photoTime() const;
 
-  // PREFIX_20260102_030405_00_001SUFFIX by the local time; the number goes up with each.
+  // PREFIX_20260102_030405_00_001SUFFIX with the local time; the number increases with each file.
   std::string nextFileName(const std::string& prefix, const std::string& suffix);
 
  private:

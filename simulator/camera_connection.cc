@@ -9,14 +9,14 @@
 namespace zel::simulator {
 namespace {
 
-constexpr std::size_t kQueueForMedia = 1024 * 1024;     // bytes waiting, above which a picture is dropped
-constexpr std::size_t kQueueForAll = 64 * 1024 * 1024;  // a host that asks and never reads is let go
+constexpr std::size_t kQueueForMedia = 1024 * 1024;     // queued bytes above which pictures are dropped
+constexpr std::size_t kQueueForAll = 64 * 1024 * 1024;  // a host that sends requests and never reads is disconnected
 constexpr double kHeartbeat = 0.5;                      // seconds
-constexpr double kToFirstPicture = 0.1;                 // seconds that the camera's encoder takes
-constexpr std::size_t kPhoneTime = 8;                   // bytes, which the camera has no use for
+constexpr double kToFirstPicture = 0.1;                 // seconds, the delay of the camera's encoder
+constexpr std::size_t kPhoneTime = 8;                   // bytes, which the camera ignores
 constexpr int kPicturesBeforeFault = 20;
-constexpr double kLook = 0.002;        // seconds between two looks at a clock that somebody else moves
-constexpr double kMakingPause = 0.01;  // seconds, while the next picture is still being made
+constexpr double kLook = 0.002;        // seconds between two reads of an external clock
+constexpr double kMakingPause = 0.01;  // seconds, while the next picture is being rendered
 
 std::chrono::steady_clock::duration steady(double seconds) {
   return std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(seconds));
@@ -32,7 +32,7 @@ CameraConnection::CameraConnection(Socket socket, ConnectionSetup setup)
       clockStart_(mediaSeconds()) {}
 
 void CameraConnection::start() {
-  // The host sees a stream that was already under way: the rest of a frame whose beginning nobody heard.
+  // The connection begins in the middle of a stream, with the rest of a frame.
   send(source_.tornFrame());
   if (setup_.faults->earlyMarker) sendMarker();
   receive();
@@ -94,7 +94,7 @@ void CameraConnection::sendMarker() {
   send(copyOf(kMarkerBytes));
 }
 
-// The camera counts its media time from here, so that the host's offset is the moment of this exchange.
+// The camera's media time starts here, so the host's offset is the time of this exchange.
 void CameraConnection::answerSyncTime(const HostMessage& request) {
   if (request.body.size() != kPhoneTime) return reply(kSyncTime, refusal(kSyncTime));
   clockStart_ = mediaSeconds();
@@ -139,7 +139,7 @@ std::int64_t CameraConnection::mediaTime() const {
   return static_cast<std::int64_t>((mediaSeconds() - clockStart_) * 1000);
 }
 
-// From the loop's first picture on, at the size and rate in force. The camera's clock goes on.
+// Starts with the loop's first picture, at the current size and rate. The camera's clock continues.
 void CameraConnection::beginMedia() {
   const PreviewFormat format = previewFormat(setup_.camera->resolution(), setup_.bitrate, setup_.slices);
   MediaSetup media;
@@ -160,7 +160,7 @@ void CameraConnection::sendMedia(std::uint64_t preview) {
   for (; nextFrame_ && nextFrame_->due <= now; nextFrame_ = media_->next(now)) sendMediaFrame(*nextFrame_);
   if (!nextFrame_) nextFrame_ = media_->next(now);
   double pause = nextFrame_ ? std::max(0.0, nextFrame_->due - now) : kMakingPause;
-  if (setup_.mediaSeconds) pause = kLook;  // nobody knows how long that clock takes to the next frame
+  if (setup_.mediaSeconds) pause = kLook;  // an external clock has an unknown speed
   wait(steady(pause), [this, preview] { sendMedia(preview); });
 }
 

@@ -21,26 +21,26 @@
 
 namespace zel::simulator {
 
-// What all connections of one simulator share.
+// The parameters shared by all connections of one simulator.
 struct ConnectionSetup {
   int firmware = 192;
-  int bitrate = 0;  // as SimulatorOptions has it
-  int slices = 1;   // likewise
+  int bitrate = 0;  // see SimulatorOptions
+  int slices = 1;   // see SimulatorOptions
   std::uint64_t seed = 1;
   SimulatedCamera* camera = nullptr;
   MediaLibrary* media = nullptr;
-  Faults* faults = nullptr;                        // the counted ones are spent
+  Faults* faults = nullptr;                        // counted faults are used up
   std::function<void(std::uint16_t)> requestSeen;  // for every message of the host, with its code
-  std::function<void()> unplug;                    // asked for by a fault
-  std::function<void()> closed;                    // the connection has ended, once
+  std::function<void()> unplug;                    // requested by a fault
+  std::function<void()> closed;                    // called once, when the connection has ended
   std::function<void(const std::string&)> warn;
-  std::function<double()> mediaSeconds;  // as SimulatorOptions has it
+  std::function<double()> mediaSeconds;  // see SimulatorOptions
 };
 
-// The camera's end of one connection: begins inside a frame, and brings the host's requests to the camera. Pictures are
-// sent from the preview's start to its stop, sound with them while it is switched on; both are off at first. Otherwise
-// a time stamp now and then shows that the camera is there. Media is dropped while the host does not read; answers are
-// not.
+// The camera's end of one connection. It begins in the middle of a frame, and passes the host's requests to the camera.
+// Pictures are sent from the preview's start to its stop, sound with them while it is switched on; both are off at
+// first. Otherwise it sends a timestamp regularly. While the host does not read, media is dropped and replies are
+// queued.
 // Thread: that of the io_context.
 class CameraConnection final : public HostLink, public std::enable_shared_from_this<CameraConnection> {
  public:
@@ -50,7 +50,7 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
 
   void start();
   void close();
-  // No byte is sent for that long.
+  // Sends nothing for that long.
   void beSilent(double seconds);
 
   std::uint64_t bytesSent() const { return bytesSent_; }
@@ -100,11 +100,11 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   bool markerSent_ = false;
   bool closed_ = false;
   bool sound_ = false;
-  std::uint64_t preview_ = 0;  // counts starts and stops; only the last is heard
+  std::uint64_t preview_ = 0;  // counts starts and stops; only the last one is in effect
   int pictures_ = 0;
   Clock::time_point silentUntil_ = Clock::time_point::min();
-  double clockStart_ = 0;  // as mediaSeconds() counts
-  double mediaStart_ = 0;  // as mediaSeconds() counts
+  double clockStart_ = 0;  // in mediaSeconds()
+  double mediaStart_ = 0;  // in mediaSeconds()
 };
 
 }  // namespace zel::simulator

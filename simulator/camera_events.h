@@ -5,11 +5,11 @@
 
 #include "simulator/wire.h"
 
-// What the camera says unasked, as whole frames.
+// The camera's events, as whole frames.
 
 namespace zel::simulator {
 
-// A file of the card, as replies and events name it.
+// A file of the card, as in replies and events.
 struct FileEntry {
   std::uint32_t time = 0;  // seconds since 1970
   std::uint64_t size = 0;
@@ -32,7 +32,7 @@ Bytes shutterStateEvent(std::uint8_t state);
 Bytes deleteProgressEvent(std::uint32_t first, std::uint32_t second, std::uint32_t third);
 Bytes gyroEvent(const Bytes& record);
 
-// A recording that ended, or went on in another file. body: that of an entry, or none.
+// A recording that ended, or continues in another file. body: that of an entry, or empty.
 Bytes splitEvent(const Bytes& body);
 Bytes cardRunoutEvent(const Bytes& body);
 Bytes timeRunoutEvent(const Bytes& body);

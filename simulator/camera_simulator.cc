@@ -40,7 +40,7 @@ std::string makeSocketFolder() {
 
 }  // namespace
 
-// Everything is touched on the simulator's own thread; what others ask for is posted to it.
+// Used only on the simulator's own thread; calls from other threads are posted to it.
 struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<State> {
   explicit State(SimulatorOptions given)
       : options(std::move(given)),
@@ -73,7 +73,7 @@ struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<
   asio::thread_pool worker{1};
   std::string folder;
   std::string socketPath;
-  // Both go when the thread has ended: what still waits in the context holds this state.
+  // Both are destroyed after the thread has ended, because pending work in the context holds this state.
   std::unique_ptr<asio::io_context> context = std::make_unique<asio::io_context>();
   std::unique_ptr<Protocol::acceptor> acceptor = std::make_unique<Protocol::acceptor>(*context);
   std::shared_ptr<CameraConnection> connection;
@@ -97,7 +97,7 @@ bool CameraSimulator::State::open(std::string& error) {
   }
   if (!options.video.empty() && !media.useVideo(options.video, error)) return false;
   if (!options.audio.empty() && !media.useAudio(options.audio, error)) return false;
-  media.video(previewFormat(options.resolution, options.bitrate, options.slices));  // the making begins
+  media.video(previewFormat(options.resolution, options.bitrate, options.slices));  // starts rendering
   media.audio();
   folder = makeSocketFolder();
   socketPath = folder + "/camera.sock";
@@ -144,7 +144,7 @@ void CameraSimulator::State::accept() {
   });
 }
 
-// A camera has one host: a new connection takes the place of the one before.
+// A camera has one host: a new connection replaces the previous one.
 void CameraSimulator::State::serve(Protocol::socket socket) {
   if (const auto before = std::exchange(connection, nullptr)) before->close();
   ++connections;

@@ -17,20 +17,21 @@ struct SimulatorOptions {
   Identity identity;
   int resolution = 3;          // preview resolution code, 0 to 15
   int bitrate = 0;             // of the scene's pictures, see PreviewFormat
-  int slices = 1;              // of each of them, likewise
+  int slices = 1;              // of each of them, see PreviewFormat
   std::string video, audio;    // files instead of the scene and its beeps, see MediaLibrary
-  std::string storage;         // the folder of uploaded files; empty: one of its own, which ends with it
+  std::string storage;         // the folder of uploaded files; empty: a temporary one, removed at the end
   std::uint64_t cardSize = 0;  // bytes; 0: the usual card
   std::uint64_t seed = 1;
   Faults faults;
-  std::function<double()> mediaSeconds;  // the media's time, if it shall not be the real one; it is looked at often
-  bool once = false;                     // ends after the first connection has ended
-  bool verbose = false;                  // every request of the host is told, as "request 0x0004"
+  std::function<double()> mediaSeconds;          // replaces the media's real time; called often
+  bool once = false;                             // ends after the first connection has ended
+  bool verbose = false;                          // prints every request of the host, as "request 0x0004"
   std::function<void(const std::string&)> warn;  // empty: standard error
 };
 
-// A simulated camera on the accessory bus: publishes one accessory with a socket, serves its host on a thread of its
-// own, and takes both away when it ends. Thread: the public operations on any thread.
+// A simulated camera on the accessory bus: publishes one accessory with a socket, serves its host on a separate thread,
+// and removes both at the end.
+// Thread: the public operations on any thread.
 class CameraSimulator {
  public:
   explicit CameraSimulator(SimulatorOptions options);
@@ -38,28 +39,28 @@ class CameraSimulator {
   CameraSimulator(const CameraSimulator&) = delete;
   CameraSimulator& operator=(const CameraSimulator&) = delete;
 
-  // Publishes, and serves from now on.
-  // Errors: false; `error` names what cannot be used.
+  // Publishes the accessory and starts serving.
+  // Errors: false; `error` says what cannot be used.
   bool start(std::string& error);
 
-  // Unplugs for good and waits for the thread.
+  // Unplugs finally and waits for the thread.
   void stop();
 
   // Waits until the simulator has ended by itself, as with `once`, or was stopped.
   void wait();
 
-  // Detaches: the file goes, the connection is closed. Attaches again, under a new connection identifier.
+  // unplug(): removes the file and closes the connection. plug(): attaches again, with a new connection identifier.
   void unplug();
   void plug();
 
   // No byte is sent for that long.
   void beSilent(double seconds);
 
-  // Makes something happen to the camera, by a line as "battery 1 40"; kEventHelp of event_lines.h has them all.
+  // Triggers an event by a line such as "battery 1 40"; kEventHelp in event_lines.h lists all.
   // Errors: false; `error` then says what is wrong.
   bool tell(const std::string& line, std::string& error);
 
-  // The camera says something unasked: a message of that code. To the host that is connected, else to nobody.
+  // Sends an event message with that code to the connected host, if any.
   void sendEvent(std::uint16_t code, const std::vector<std::uint8_t>& body);
 
   // The accessory's file; the folder of uploaded files, once started.

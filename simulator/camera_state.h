@@ -16,14 +16,14 @@ namespace zel::simulator {
 
 struct PhotoSize {
   int width, height;
-  std::uint64_t room;  // bytes of the card that each picture takes
+  std::uint64_t room;  // bytes on the card for each picture
 };
 
 inline constexpr std::uint64_t kKiB = 1024, kMiB = 1024 * kKiB, kGiB = 1024 * kMiB;
 inline constexpr PhotoSize kPhotoSizes[] = {{3040, 1520, 4 * kMiB}, {1440, 720, kMiB}, {640, 320, 256 * kKiB}};
-inline constexpr int kFirmwareWithClock = 190;  // from which the clock and the audio bitrate are known
+inline constexpr int kFirmwareWithClock = 190;  // supports the clock and the audio bitrate from here on
 
-// What a camera starts with.
+// The camera's initial state.
 struct CameraStart {
   std::string serial = "E1A0001";
   int firmware = 192;
@@ -40,18 +40,18 @@ struct Modes {
   std::uint8_t photo = 0;       // index into kPhotoSizes
 };
 
-// What the host says while it moves. Empty until it does.
+// The host's latest sensor updates. Empty until the first.
 struct SensorUpdates {
   Bytes gps, gyro, orientation;
 };
 
-// Everything that the camera knows. What it does is elsewhere.
+// The camera's whole state, without behaviour.
 struct CameraState {
   CameraState(const CameraWorld& world, const CameraStart& start);
 
   const int firmware;
   std::string serial;
-  const std::string uuid;  // made of the first serial number
+  const std::string uuid;  // derived from the first serial number
   Modes modes;
   Settings settings;
   SensorUpdates sensors;
@@ -67,7 +67,7 @@ struct CameraState {
   std::uint64_t videoBytesPerMs() const { return std::uint64_t{125} * modes.videoRate; }
   std::uint8_t cardState() const { return card.state(photoSize().room); }
 
-  // Enters a finished file with its sensor triple under the lens offset in force.
+  // Records a finished file with its sensor triple and the current lens offset.
   void addFile(const FileEntry& file, const Bytes& sensorTriple);
 };
 

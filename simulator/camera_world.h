@@ -8,27 +8,28 @@
 
 namespace zel::simulator {
 
-// What a camera needs of the world around it. Thread: the simulator's, which calls the camera as well.
+// The services that the simulated camera needs.
+// Thread: the simulator's, which also calls the camera.
 class CameraWorld {
  public:
-  virtual std::chrono::milliseconds uptime() const = 0;  // never goes back
+  virtual std::chrono::milliseconds uptime() const = 0;  // monotonic
 
   virtual void later(std::chrono::milliseconds time, std::function<void()> then) = 0;
 
-  // Runs the job on a thread of its own, one job after the other, and what the job returns on the simulator's.
+  // Runs jobs in order on a worker thread, and the function that a job returns on the simulator's thread.
   virtual void onWorker(std::function<std::function<void()>()> job) = 0;
 
-  // Sends a whole frame to the host, if there is one.
+  // Sends a whole frame to the host, if connected.
   virtual void tellHost(Bytes frame) = 0;
 
   virtual void unplug() = 0;
-  virtual void restart() = 0;  // unplugs, and plugs again a while later
+  virtual void restart() = 0;  // unplugs, and plugs in again later
 
  protected:
   ~CameraWorld() = default;
 };
 
-// The host that asked. Its connection may have ended when the answer is ready; the answer is then dropped.
+// The host that sent a request. If its connection has ended when the reply is ready, the reply is dropped.
 // Thread: the simulator's.
 class HostLink {
  public:
@@ -40,7 +41,7 @@ class HostLink {
   virtual void stopPreview() = 0;
   virtual void switchSound(bool on) = 0;  // of the preview
 
-  // Units: milliseconds of the connection's media clock.
+  // Units:  milliseconds of the connection's media clock.
   virtual std::int64_t mediaTime() const = 0;
 
  protected:

@@ -14,18 +14,18 @@ namespace zel::simulator {
 
 inline constexpr std::uint16_t kShutter = 0x0007, kShutterExtra = 0x0011, kShutterBracketed = 0x000F;
 
-// Photos: one, or a bracketed row of them. The reply names the first; the pictures follow it in frames of their own.
-// Thread: the simulator's; pictures are made on the worker.
+// Single photos and brackets. The reply names the first; the pictures follow in separate frames.
+// Thread: the simulator's; pictures are rendered on the worker.
 class Captures {
  public:
-  // Owner: all outlive it and the worker's jobs.
+  // Owner:  all outlive it and the worker's jobs.
   Captures(CameraWorld& world, CameraState& state, const Faults& faults)
       : world_(world), state_(state), faults_(faults), studio_(std::make_shared<PhotoStudio>()) {}
 
   bool busy() const { return busy_; }
 
-  // code: one of the three above. Refused with an empty body are bodies of a wrong length, a bracket of no step or more
-  // than nine, a capture during another, and one for which the card has no room.
+  // code: one of the three above. Refuses, with an empty body: bodies of the wrong length, a bracket without steps or
+  // with more than nine, a capture during another, and one for which the card has no space.
   void shoot(const std::shared_ptr<HostLink>& host, std::uint16_t code, const Bytes& body);
 
  private:

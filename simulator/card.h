@@ -5,9 +5,10 @@
 
 namespace zel::simulator {
 
-inline constexpr std::uint8_t kCardReady = 0, kCardFull = 2;  // every other state: it cannot be used
+inline constexpr std::uint8_t kCardReady = 0, kCardFull = 2;  // every other state: unusable
 
-// The memory card: how much room it has. Units: bytes.
+// The memory card: its state and free space.
+// Units:  bytes.
 class Card {
  public:
   explicit Card(std::uint64_t size) : total_(size), free_(size) {}
@@ -15,14 +16,14 @@ class Card {
   std::uint64_t total() const { return total_; }
   std::uint64_t free() const { return free_; }
 
-  // Full when so many bytes more do not fit.
+  // The state; full if that many more bytes do not fit.
   std::uint8_t state(std::uint64_t picture) const;
 
   bool takes(std::uint64_t size) const { return !trouble_ && size <= free_; }
   void take(std::uint64_t size) { free_ -= size < free_ ? size : free_; }
   void give(std::uint64_t size) { free_ += size < total_ - free_ ? size : total_ - free_; }
 
-  // What somebody does to it from outside. Ready after a trouble or on a full one means another, empty card.
+  // Sets the state from outside. Ready after an unusable or full state means a new, empty card.
   void setState(std::uint8_t state);
 
  private:

@@ -21,7 +21,7 @@ const char kCommandHelp[] = R"(Commands on standard input:
 
 namespace {
 
-// What shells offer: the faults' names, which are the first words of their list, and the preview's codes.
+// Values for shell completion: the faults' names, which are the first words in their list, and the preview's codes.
 manual::Words usualWords() {
   manual::Words words;
   for (int code = 0; code <= 15; ++code) words["CODE"].push_back(std::to_string(code));
@@ -56,13 +56,13 @@ CommandLine::CommandLine() {
   option("--serial", options_.identity.serial, "TEXT", "its serial number")->check(complaintOfSerial);
   option("--firmware", options_.identity.firmware, "N", "firmware number")->check(CLI::Range(0, 999999));
   option("--resolution", options_.resolution, "CODE", "preview resolution code")->check(CLI::Range(0, 15));
-  option("--bitrate", options_.bitrate, "BPS", "the scene with a sensor's grain, in so many bits a second")
+  option("--bitrate", options_.bitrate, "BPS", "add sensor noise to the scene, at that many bits a second")
       ->check(CLI::Range(100'000, 200'000'000));
-  option("--slices", options_.slices, "N", "the scene's pictures in so many slices each")->check(CLI::Range(1, 40));
-  option("--video", options_.video, "FILE.h264", "H.264 file with start codes that is shown instead of the scene");
-  option("--audio", options_.audio, "FILE.aac", "ADTS AAC file that sounds instead of the beeps");
+  option("--slices", options_.slices, "N", "slices in each picture of the scene")->check(CLI::Range(1, 40));
+  option("--video", options_.video, "FILE.h264", "H.264 file with start codes, instead of the scene");
+  option("--audio", options_.audio, "FILE.aac", "ADTS AAC file, instead of the beeps");
   option("--storage", options_.storage, "DIR", "folder of the files that the host sends; default: a temporary one");
-  option("--seed", options_.seed, "N", "what is random comes out of it");
+  option("--seed", options_.seed, "N", "seed of everything random");
   const auto addFault = [this](const std::string& spec) {
     std::string error;
     options_.faults.add(spec, error);
@@ -72,12 +72,12 @@ CommandLine::CommandLine() {
           [addFault](const auto& specs) {
             for (const auto& spec : specs) addFault(spec);
           },
-          "what goes wrong on purpose")
+          "inject a fault")
       ->type_name("SPEC")
       ->allow_extra_args(false)
       ->check(complaintOfFault);
   app_.add_flag("--once", options_.once, "end after the first connection has ended");
-  app_.add_flag("--verbose", options_.verbose, "tell every request of the host on standard error");
+  app_.add_flag("--verbose", options_.verbose, "print every request of the host on standard error");
   manual::addDescribeOption(app_, usualWords());
   manual::explainWrongUsage(app_);
 }

@@ -6,7 +6,7 @@
 
 namespace zel::simulator {
 
-// The lines that the program takes on standard input besides events.
+// The commands on standard input besides events.
 extern const char kCommandHelp[];
 
 // zelcam-sim's command line.
@@ -17,7 +17,7 @@ class CommandLine {
   CommandLine& operator=(const CommandLine&) = delete;
 
   CLI::App& parser() { return app_; }
-  // What the parsed line asks for.
+  // The parsed options.
   const SimulatorOptions& options() const { return options_; }
 
  private:

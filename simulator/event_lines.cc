@@ -32,7 +32,7 @@ using Numbers = std::vector<std::uint32_t>;
 
 struct Line {
   const char* name;
-  std::size_t least, most;  // numbers behind the name
+  std::size_t least, most;  // numbers after the name
   std::uint32_t largest;    // of them
   void (*happen)(SimulatedCamera&, const Numbers&);
 };

@@ -9,11 +9,11 @@ namespace zel::simulator {
 
 using CameraHappening = std::function<void(SimulatedCamera&)>;
 
-// A line by which somebody makes something happen to the camera, as "battery 1 40".
+// Parses a line that triggers an event, such as "battery 1 40".
 // Errors: an empty function; `error` then says what is wrong.
 CameraHappening readEventLine(const std::string& line, std::string& error);
 
-// One line for each that readEventLine() knows.
+// One line for each event of readEventLine().
 extern const char kEventHelp[];
 
 }  // namespace zel::simulator

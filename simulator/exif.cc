@@ -52,7 +52,7 @@ std::uint32_t entryBytes(const Directory& directory) {
   return static_cast<std::uint32_t>(count);
 }
 
-// A directory that begins there: its entries, the end of the list, and the values that are too long for their entry.
+// A directory at that offset: its entries, the end of the list, and the values that do not fit into their entry.
 Bytes bytesOf(const Directory& directory, std::uint32_t at) {
   Bytes bytes, values;
   put(bytes, static_cast<std::uint16_t>(directory.size()));
@@ -87,7 +87,7 @@ Directory placeDirectory(const Position& position) {
           {0x0006, kRational, 1, altitude}};
 }
 
-// The first directory points at the others, which follow it.
+// The first directory points to the others, which follow it.
 Bytes tiff(const std::string& localTime, const std::optional<Position>& position) {
   const Directory details = {{0x9000, kUndefined, 4, {'0', '2', '3', '2'}}, textEntry(0x9003, localTime)};
   Directory first = {textEntry(0x0132, localTime), {0x8769, kLong, 1, numberOf(0)}};

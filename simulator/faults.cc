@@ -9,10 +9,10 @@ namespace zel::simulator {
 const char kFaultHelp[] = R"(Faults:
   garbage[=BYTES]            bytes before the marker (1000)
   early-marker               the marker is sent on connection, unasked, and not again
-  one-byte-writes            every byte is a write of its own
+  one-byte-writes            every byte is a separate write
   split                      frames are written in random pieces
   stall[=SECONDS[/EVERY]]    silence of SECONDS (3.5) after every EVERY seconds (10) of sending
-  unknown-types              frames of data types that nobody knows
+  unknown-types              frames of unknown data types
   length-zero[=TIMES]        a frame with a length of 0 (once)
   length-4gib[=TIMES]        a frame with a length of 4 GiB (once)
   disconnect=BYTES           unplugged after BYTES of each connection, plugged again a second later
@@ -22,21 +22,21 @@ const char kFaultHelp[] = R"(Faults:
   refuse=CODE                requests of that code are refused
   duplicate-reply[=CODE]     replies come twice: of that request, or all
   short-reply[=CODE]         replies come without their body: of that request, or all
-  late-reply=CODE/MS         replies to that request come MS milliseconds late, past others
-  high-flags[=CODE]          replies say yes by a flag of 2 to 255: of that request, or all
-  trailing-bytes[=CODE]      replies end with 1 to 16 bytes that are not theirs: of that request, or all
-  no-photo                   photos are announced by the reply, but never come
+  late-reply=CODE/MS         replies to that request arrive MS milliseconds late, after others
+  high-flags[=CODE]          successful replies have a flag of 2 to 255: of that request, or all
+  trailing-bytes[=CODE]      replies end with 1 to 16 extra bytes: of that request, or all
+  no-photo                   photos are announced by the reply, but never sent
   short-photo                photo frames end after the 64 bytes of the name
   utf8-names                 files are named with letters outside ASCII
-  latin1-names               files are named in bytes that are no UTF-8
+  latin1-names               files are named in bytes that are not UTF-8
   upload-fail                files are refused
-  file-kinds                 replies of kinds that nobody knows come before that of a file, and say no
-  unmatched-paths            replies to files name a path that nobody sent
+  file-kinds                 replies of unknown kinds precede that of a file, and report a failure
+  unmatched-paths            replies to files name an unknown path
   corrupt-video[=SHARE]      bits are flipped in that share of the slices (0.1)
   lost-keys[=SHARE]          that share of the key pictures is not sent (0.5)
   no-parameter-sets[=COUNT]  the first COUNT key pictures (3) come without parameter sets
-  split-pictures             a picture comes as several frames, cut at any byte
-  bursts[=PICTURES]          so many pictures (10) are held back and then sent at once
+  split-pictures             a picture is sent in several frames, cut at any byte
+  bursts[=PICTURES]          this many pictures (10) are held back and then sent at once
 )";
 
 namespace {
@@ -74,14 +74,14 @@ bool readStall(const std::string& text, std::optional<Stall>& stall) {
   return slash == std::string::npos || readNumber(text.substr(slash + 1), 0.1, 3600.0, stall->every);
 }
 
-// A number that may be left out.
+// An optional number.
 template <class T>
 bool readOptional(const std::string& text, T otherwise, T most, T& value) {
   value = otherwise;
   return text.empty() || readNumber(text, T{1}, most, value);
 }
 
-// A share above 0 that may be left out.
+// An optional share above 0.
 bool readShare(const std::string& text, double otherwise, double& share) {
   share = otherwise;
   return text.empty() || (readNumber(text, 0.0, 1.0, share) && share > 0);

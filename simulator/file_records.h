@@ -21,7 +21,7 @@ inline constexpr std::size_t kFileRecord = 192;
 // | 160 | u8 x 32 | zeros            |
 Bytes fileRecord(std::uint64_t size, const Bytes& lensOffset, const Bytes& sensorTriple);
 
-// The records of the files that the camera made: of the last thousand.
+// The records of the last thousand files of the camera.
 class FileRecords {
  public:
   void add(const std::string& name, Bytes record);

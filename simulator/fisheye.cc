@@ -12,8 +12,8 @@ std::uint32_t pixelAt(const Picture& scene, int x, int y) {
   return std::uint32_t{rgb[0]} | std::uint32_t{rgb[1]} << 8 | std::uint32_t{rgb[2]} << 16;
 }
 
-// One word a pixel, for some rows. After the last column comes the first one again, after the last row the same row, so
-// that every pixel has a neighbour to the right and below.
+// One word a pixel, for some rows. The first column is repeated after the last, and the last row after itself, so that
+// every pixel has a neighbour to the right and below.
 std::vector<std::uint32_t> continued(const Picture& scene, FisheyeProjector::Rows rows) {
   std::vector<std::uint32_t> words;
   words.reserve(static_cast<std::size_t>(scene.width + 1) * static_cast<std::size_t>(rows.end - rows.first));
@@ -25,7 +25,7 @@ std::vector<std::uint32_t> continued(const Picture& scene, FisheyeProjector::Row
   return words;
 }
 
-// Red, blue and green in 16 bits each: shares of 256 add up without touching the next one.
+// Red, blue and green in 16 bits each: sums of shares of 256 do not overflow into the next one.
 std::uint64_t lanes(std::uint32_t word) {
   return (word & 0x00FF00FFu) | static_cast<std::uint64_t>(word & 0x0000FF00u) << 24;
 }
@@ -125,7 +125,7 @@ void FisheyeProjector::addRow(const LensOffset& offset, const LensProjection (&l
 
 FisheyeProjector::Tap FisheyeProjector::tapAt(Direction direction) const {
   const Point at = equirectangularPoint(direction, sceneWidth_, sceneHeight_);
-  // Half a pixel left of the first column's middle the last column begins.
+  // Left of the first column's centre, the last column is the neighbour.
   const double x = at.x < 0.5 ? at.x - 0.5 + sceneWidth_ : at.x - 0.5;
   const double y = std::clamp(at.y - 0.5, 0.0, sceneHeight_ - 1.0);
   const double column = std::min(std::floor(x), sceneWidth_ - 1.0), row = std::floor(y);

@@ -9,15 +9,15 @@
 
 namespace zel::simulator {
 
-// Shows an equirectangular scene as the two lenses see it: two circles on one picture, black around them.
+// Projects an equirectangular scene to the two lenses: two circles on one picture, black around them.
 // Thread: any thread after construction, several at a time.
 class FisheyeProjector {
  public:
-  // The map is built here, which takes far longer than a picture. The offset's pixels are stretched to the output's
-  // width and height. Sizes are at least 1.
+  // Builds the map, which takes much longer than a picture. The offset's pixels are scaled to the output's width and
+  // height. Sizes are at least 1.
   FisheyeProjector(const LensOffset& offset, int outWidth, int outHeight, int sceneWidth, int sceneHeight);
 
-  // Errors: a scene of another size than the map is for gives a black picture.
+  // Errors: a scene whose size does not match the map gives a black picture.
   Picture project(const Picture& scene) const;
 
   // Rows of a picture, from `first` to before `end`.
@@ -25,14 +25,15 @@ class FisheyeProjector {
     int first = 0, end = 0;
   };
 
-  // The rows that show any of the scene's rows.
+  // The output rows that show any of these scene rows.
   Rows rowsShowing(Rows ofScene) const;
 
-  // Shows those rows of the scene anew on a picture of the output's size. Errors: as above, the picture then stays.
+  // Updates these rows in a picture of the output's size.
+  // Errors: for a scene of another size the picture is unchanged.
   void renew(const Picture& scene, Rows rows, Picture& out) const;
 
  private:
-  // Where a pixel is read: four neighbours in the scene with its edges continued, see continued() in the source.
+  // The source of a pixel: four neighbours in the scene with its edges continued, see continued() in the source.
   struct Tap {
     std::uint32_t corner;       // the top left neighbour
     std::uint16_t right, down;  // shares of the others, in 256ths
@@ -48,8 +49,8 @@ class FisheyeProjector {
 
   const int outWidth_, outHeight_, sceneWidth_, sceneHeight_;
   std::vector<Span> spans_;
-  std::vector<Tap> taps_;                          // of all spans, one after the other
-  std::vector<std::size_t> spanOfRow_, tapOfRow_;  // the first ones of each row, and behind the last
+  std::vector<Tap> taps_;                          // of all spans in order
+  std::vector<std::size_t> spanOfRow_, tapOfRow_;  // the first ones of each row, and the end
 };
 
 }  // namespace zel::simulator

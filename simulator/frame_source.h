@@ -7,18 +7,18 @@
 
 namespace zel::simulator {
 
-// What a connection sends beside its media and the camera's answers.
+// The frames of a connection besides media and replies.
 class FrameSource {
  public:
   explicit FrameSource(std::uint64_t seed) : random_(seed) {}
 
-  // The rest of a picture whose beginning nobody heard.
+  // The rest of a picture frame without its beginning.
   Bytes tornFrame();
 
-  // What shows that the camera is there while it sends no pictures. cameraTime in milliseconds.
+  // The timestamp frame that is sent while there are no pictures. cameraTime in milliseconds.
   Bytes heartbeat(std::int64_t cameraTime) const;
 
-  // A frame whose data type nobody knows.
+  // A frame of an unknown data type.
   Bytes unknownFrame();
 
  private:

@@ -12,7 +12,7 @@
 
 namespace zel::simulator {
 
-inline constexpr std::size_t kLargestFile = 256u * 1024 * 1024;  // that a host may send
+inline constexpr std::size_t kLargestFile = 256u * 1024 * 1024;  // from a host
 
 // One request of the host.
 struct HostMessage {
@@ -20,23 +20,23 @@ struct HostMessage {
   Bytes body;
 };
 
-// A file that the host sends: file type, reserved, 64 bytes of path, the file's bytes. Nothing of it is checked yet.
+// A file that the host sends: file type, reserved, 64 bytes of path, the file's bytes. Not checked yet.
 struct HostFile {
   Bytes payload;
 };
 
 using HostFrame = std::variant<HostMessage, HostFile>;
 
-// Cuts what the host sends into frames, whatever the chunks. Frames of other data types are skipped.
+// Cuts the host's bytes into frames, independent of the chunks. Frames of other data types are skipped.
 class HostFrames {
  public:
-  // Every byte is copied once or twice, however large its frame; what a frame claims to be is not reserved for it.
+  // Every byte is copied at most twice, for any frame size. Memory is not reserved from a frame's claimed length.
   void append(std::span<const std::uint8_t> bytes);
 
   // The next whole frame; nullopt when more bytes are needed, or after a fault.
   std::optional<HostFrame> next();
 
-  // What is wrong with the stream; empty while it is well. What comes after it is not read.
+  // The fault of the stream; empty without one. Nothing is read after a fault.
   const std::string& fault() const { return fault_; }
 
  private:

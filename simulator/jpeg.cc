@@ -12,7 +12,7 @@ namespace zel::simulator {
 namespace {
 
 constexpr int kLongestSide = 65500;
-constexpr std::int64_t kMostPixels = 100'000'000;  // a damaged header may not eat the machine's memory
+constexpr std::int64_t kMostPixels = 100'000'000;  // limits the memory that a damaged header can cause
 
 struct Destroy {
   void operator()(void* handle) const { tjDestroy(handle); }

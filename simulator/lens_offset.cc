@@ -15,7 +15,7 @@ void putLens(Bytes& into, const Lens& lens) {
   put(into, std::uint64_t{0});
 }
 
-// Both turned by an angle in their plane, from the first towards the second.
+// Rotates both by an angle in their plane, from the first towards the second.
 void turn(Direction& first, Direction& second, double degrees) {
   const double c = std::cos(degrees * kRadians), s = std::sin(degrees * kRadians);
   const Direction a = first, b = second;
@@ -74,7 +74,7 @@ Point LensProjection::pointOf(Direction world) const {
   const double aside = std::hypot(x, y);
   if (aside == 0 && z > 0) return {lens_.centreX, lens_.centreY};
   const double distance = std::atan2(aside, z) / kRadians / degreesPerPixel_;
-  // Straight behind every angle is as good as the next.
+  // Straight behind, the angle is arbitrary.
   const double c = aside > 0 ? x / aside : 1, s = aside > 0 ? y / aside : 0;
   return {lens_.centreX + distance * c, lens_.centreY + distance * s};
 }

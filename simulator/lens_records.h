@@ -11,8 +11,8 @@ namespace zel::simulator {
 
 inline constexpr std::size_t kOffsetRecord = 80, kOriginRecord = 28;
 
-// The lens offsets that the camera keeps for its host, by the request's two leading bytes: a kind and a type. Until
-// the host sets one it is the factory's. Nothing that is set here moves the lenses.
+// The lens offsets that the host can set, by the request's two leading bytes: a kind and a type. Factory values until
+// they are set. Setting one does not change the pictures.
 class LensRecords {
  public:
   using Key = std::pair<std::uint8_t, std::uint8_t>;

@@ -1,4 +1,4 @@
-// zelcam-sim: a camera for everybody who has none.
+// zelcam-sim: the simulated camera.
 
 #include <pthread.h>
 #include <csignal>
@@ -25,7 +25,7 @@ void blockSignals(sigset_t& signals) {
   sigaddset(&signals, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGTTIN, SIG_IGN);  // in a terminal's background it runs without commands, rather than be stopped
+  std::signal(SIGTTIN, SIG_IGN);  // in the background of a terminal it runs without commands instead of being stopped
 }
 
 void beSilent(CameraSimulator& simulator, const std::string& text) {
@@ -79,7 +79,7 @@ int run(const SimulatorOptions& options) {
   sigwait(&signals, &signal);
   simulator.stop();
   std::cout.flush();
-  std::_Exit(0);  // the thread that reads standard input cannot be woken
+  std::_Exit(0);  // the thread that reads standard input cannot be interrupted
 }
 
 }  // namespace

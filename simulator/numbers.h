@@ -7,7 +7,7 @@
 
 namespace zel::simulator {
 
-// A whole text as a decimal number.
+// Parses a whole text as a decimal number.
 // Errors: false for anything else and outside the range.
 template <class T>
 bool readNumber(std::string_view text, T least, T most, T& value) {

@@ -10,11 +10,12 @@
 
 namespace zel::simulator {
 
-// Takes pictures of the scene through both lenses. Thread: one at a time.
+// Renders photos of the scene through both lenses.
+// Thread: one at a time.
 class PhotoStudio {
  public:
   // One JPEG file for each exposure. width is twice the height. seconds: of the scene's clock. stops: of each picture.
-  // The first picture of a size takes longer, as its map is built.
+  // The first picture of a size takes longer, because its map is built.
   std::vector<Bytes> take(int width, int height, double seconds, const std::vector<double>& stops);
 
  private:

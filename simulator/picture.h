@@ -22,7 +22,7 @@ inline Picture blackPicture(int width, int height) {
   return {width, height, std::vector<std::uint8_t>(byteCount(width, height))};
 }
 
-// Where the three bytes of a pixel begin.
+// The index of a pixel's first byte.
 inline std::size_t indexOf(const Picture& picture, int x, int y) {
   return byteCount(picture.width, y) + 3 * static_cast<std::size_t>(x);
 }

@@ -10,29 +10,33 @@
 
 namespace zel::simulator {
 
-// Recordings: they fill the card with time, at the bitrate that was set when they began. One that reaches the time
-// limit or the end of the card ends itself and says so. Thread: the simulator's.
+// Recordings, which fill the card at the bitrate that was set when they began. At the time limit, or when the card is
+// full, a recording ends by itself with an event.
+// Thread: the simulator's.
 class Recorder {
  public:
-  // Owner: all outlive it and the world's timers.
+  // Owner:  all outlive it and the world's timers.
   Recorder(CameraWorld& world, CameraState& state, const Faults& faults)
       : world_(world), state_(state), faults_(faults) {}
 
   bool recording() const { return current_.has_value(); }
 
-  // Errors: false while one is under way, and when the card takes no byte.
+  // Errors: false during another recording, and when the card has no space.
   bool start(Bytes sensors, Bytes extra);
 
-  // The file. Errors: nothing when none is under way.
+  // The file.
+  // Errors: nothing without a recording.
   std::optional<FileEntry> stop();
 
-  // The card gets its room back. Errors: false when none is under way.
+  // Frees the space on the card.
+  // Errors: false without a recording.
   bool cancel();
 
-  // Brings the card up to now; a recording that has reached an end ends.
+  // Updates the card to the current time; ends a recording that has reached its end.
   void settle();
 
-  // The file ends and the recording goes on in another. Without one, the event alone is sent. So with the others.
+  // Ends the file and continues the recording in another. Without a recording, only the event is sent; also for the
+  // next two.
   void split();
   void endForCard();
   void endForTime();
@@ -42,7 +46,7 @@ class Recorder {
 
   struct Recording {
     Bytes sensors, extra;
-    FileEntry file;  // its size is what the card has taken
+    FileEntry file;  // its size is the space used on the card
     Time began;
     std::uint64_t bytesPerMs;
   };
@@ -57,7 +61,7 @@ class Recorder {
   CameraState& state_;
   const Faults& faults_;
   std::optional<Recording> current_;
-  std::uint64_t timers_ = 0;  // only the youngest is heard
+  std::uint64_t timers_ = 0;  // only the newest timer counts
 };
 
 }  // namespace zel::simulator

@@ -8,7 +8,7 @@
 
 namespace zel::simulator {
 
-// The body of a reply as it is sent, after those of the faults that change it. code: the request's.
+// The body of a reply after the faults that change it. code: the request's.
 Bytes replyAfterFaults(const Faults& faults, std::uint16_t code, Bytes body, std::mt19937_64& random);
 
 }  // namespace zel::simulator

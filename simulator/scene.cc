@@ -39,7 +39,7 @@ std::int64_t timeOfDay(double seconds) {
   return ((micros + kDay * 1000) / 1000) % kDay;
 }
 
-// How much of a pixel a line takes whose middle is so many degrees away.
+// The share of a pixel that is covered by a line whose centre is that many degrees away.
 double lineCover(double distance, double halfWidth, double pixelsPerDegree) {
   return std::clamp(0.5 + (halfWidth - distance) * pixelsPerDegree, 0.0, 1.0);
 }
@@ -51,7 +51,7 @@ Colour worldColour(double latitude) {
   return latitude >= 0 ? mixed(kSkyline, kZenith, std::sqrt(height)) : mixed(kNearGround, kNadir, height);
 }
 
-// Every other field of the grid is a little darker, so that no part of the world is plain.
+// Every other field of the grid is slightly darker, so that no part of the scene is uniform.
 void paintWorld(SceneCanvas& canvas, int width, int height) {
   for (int row = 0; row < height; ++row) {
     const double latitude = 90 - (row + 0.5) / height * 180;
@@ -67,7 +67,7 @@ void paintWorld(SceneCanvas& canvas, int width, int height) {
 void paintGrid(SceneCanvas& canvas) {
   const double sharp = canvas.pixelsPerDegree();
   canvas.paint({0, 0, 179.999, 90}, kGrid, [sharp](double longitude, double latitude) {
-    // Towards the poles the meridians would run together.
+    // Fewer meridians near the poles, where they converge.
     const double step = std::abs(latitude) > 75 ? 45 : kGridStep;
     const double aside = distanceToMultiple(longitude, step) * std::cos(latitude * kRadians);
     const double apart = std::min(aside, distanceToMultiple(latitude, kGridStep));

@@ -46,7 +46,7 @@ void SceneCanvas::text(double longitude, double latitude, double cell, std::stri
   const auto dot = [&](double right, double up) {
     return dotAt(characters, right / cellWidth + halfColumns, halfRows - up / cell) ? 0.25 : 0.0;
   };
-  // Four samples a pixel: dots are rarely a whole number of pixels.
+  // Four samples a pixel, because dots are rarely a whole number of pixels.
   paint({longitude, latitude, halfColumns * cellWidth, halfRows * cell}, colour, [&](double right, double up) {
     return dot(right - quarterX, up - quarterY) + dot(right + quarterX, up - quarterY) +
            dot(right - quarterX, up + quarterY) + dot(right + quarterX, up + quarterY);

@@ -15,15 +15,17 @@ struct Colour {
   bool operator==(const Colour&) const = default;
 };
 
-// A piece of the sphere, centred at a longitude and latitude; it may lie across the picture's edge. Units: degrees.
+// A piece of the sphere, centred at a longitude and latitude; it may lie across the picture's edge.
+// Units:  degrees.
 struct Box {
   double longitude, latitude, halfWidth, halfHeight;
 };
 
 Colour mixed(Colour from, Colour to, double share);
 
-// Draws on an equirectangular picture. Units: degrees, as in sphere.h.
-// Owner: borrows the picture.
+// Draws on an equirectangular picture.
+// Units:  degrees, as in sphere.h.
+// Owner:  borrows the picture.
 class SceneCanvas {
  public:
   explicit SceneCanvas(Picture& picture)
@@ -33,15 +35,14 @@ class SceneCanvas {
 
   void set(int column, int row, Colour colour);
 
-  // Lays a colour over each pixel of a box. cover(right, up), of a pixel's distance from the box's centre in degrees,
-  // is how much of the colour the pixel gets, 0 to 1.
+  // Blends a colour into each pixel of a box. cover(right, up), for a pixel's distance from the box's centre in
+  // degrees, is the colour's share, 0 to 1.
   template <class Cover>
   void paint(const Box& box, Colour colour, Cover cover);
 
   void fill(const Box& box, Colour colour);
 
-  // cell: height of a glyph's dot, of which a line takes eight. Dots are widened so that they look square from the
-  // inside of the sphere.
+  // cell: height of a glyph's dot; a line has eight. Dots are widened so that they look square from inside the sphere.
   void text(double longitude, double latitude, double cell, std::string_view characters, Colour colour);
 
  private:

@@ -8,7 +8,7 @@
 
 namespace zel::simulator {
 
-// A value that the host sets with one request and may read with another.
+// A value that the host sets with one request and can read with another.
 struct Setting {
   std::uint16_t set;
   std::uint16_t get;  // 0: it cannot be read
@@ -49,18 +49,18 @@ inline constexpr Setting kSettings[] = {
     {0x4046, 0x4047, 2},                      // timelapse exposure bias
 };
 
-// The setting that a request sets; null for another request. The setting that it reads.
+// The setting that a request sets, or reads; null for another request.
 const Setting* settingSetBy(std::uint16_t code);
 const Setting* settingReadBy(std::uint16_t code);
 
-// What the host has set, each as the body of its request.
+// The host's settings, each as the body of its request.
 class Settings {
  public:
-  // Errors: false for a body of another size than the setting's.
+  // Errors: false for a body of the wrong size.
   bool set(const Setting& setting, Bytes body);
   bool wasSet(std::uint16_t setCode) const { return values_.contains(setCode); }
 
-  // What was set, else what the camera comes with: zeros for most.
+  // The set value, else the default: zeros for most.
   Bytes value(const Setting& setting) const;
   Bytes value(std::uint16_t setCode) const { return value(*settingSetBy(setCode)); }
 

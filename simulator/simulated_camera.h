@@ -16,20 +16,20 @@
 
 namespace zel::simulator {
 
-// The camera behind the wire: answers its host's requests and files, and does what happens to a camera.
+// The camera's behaviour: answers the host's requests and files, and produces events.
 // Thread: the simulator's.
 class SimulatedCamera {
  public:
-  // Owner: all outlive it, and the world's timers and jobs are not run after it.
+  // Owner:  all outlive it; the world's timers and jobs do not run after its destruction.
   SimulatedCamera(CameraWorld& world, const CameraStart& start, const Storage& storage, const Faults& faults);
 
-  // From now on its battery goes down.
+  // Starts draining the battery.
   void start();
 
   void answer(const std::shared_ptr<HostLink>& host, const HostMessage& request);
   void take(const std::shared_ptr<HostLink>& host, HostFile file) { uploads_.take(host, std::move(file)); }
 
-  // What happens to it; each is told to the host.
+  // Changes from outside; each sends an event to the host.
   void setBattery(std::uint8_t powerType, std::uint8_t level);
   void setCard(std::uint8_t cardState);
   void fillCard();

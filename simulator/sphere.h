@@ -11,14 +11,15 @@ struct Direction {
   double x = 0, y = 0, z = 1;
 };
 
-// A place on a picture in its own pixels; the middle of the top left pixel is (0.5, 0.5).
+// A point on a picture in pixels; the centre of the top left pixel is (0.5, 0.5).
 struct Point {
   double x = 0, y = 0;
 };
 
 inline constexpr double kRadians = std::numbers::pi / 180;  // in a degree
 
-// Longitude 0 is forward and 90 right; latitude 90 is up. Units: degrees.
+// Longitude 0 is forward and 90 right; latitude 90 is up.
+// Units:  degrees.
 inline Direction directionAt(double longitude, double latitude) {
   const double level = std::cos(latitude * kRadians);
   return {std::sin(longitude * kRadians) * level, -std::sin(latitude * kRadians),
@@ -29,8 +30,8 @@ inline double longitudeOf(Direction to) { return std::atan2(to.x, to.z) / kRadia
 
 inline double latitudeOf(Direction to) { return std::asin(std::clamp(-to.y, -1.0, 1.0)) / kRadians; }
 
-// Where an equirectangular picture shows a direction. Forward is the middle; the left edge and the right one are
-// backward; the top is up:
+// The point of a direction on an equirectangular picture. The middle is forward, the left and right edges are backward,
+// the top is up:
 //   x = width * (longitude / 360 + 1/2)        y = height * (1/2 - latitude / 180)
 inline Point equirectangularPoint(Direction to, int width, int height) {
   return {width * (longitudeOf(to) / 360 + 0.5), height * (0.5 - latitudeOf(to) / 180)};

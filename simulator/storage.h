@@ -9,15 +9,16 @@
 
 namespace zel::simulator {
 
-// A path that a host names, as one below a folder.
+// A host's path as a relative path below a folder.
 // Errors: nothing for an empty or absolute path, for one with an empty, "." or ".." part, and for control characters.
 std::optional<std::filesystem::path> safePath(const std::string& path);
 
-// The folder that stands for the card's files. Thread: any thread for write(), until end().
+// The folder with the card's files.
+// Thread: any thread for write(), until end().
 class Storage {
  public:
-  // folder: made when it is missing. Empty: a temporary one, which is removed at the end with everything in it.
-  // Errors: ok() is false when it cannot be made.
+  // folder: created if missing. Empty: a temporary one, which is removed at the end with its content.
+  // Errors: ok() is false when it cannot be created.
   explicit Storage(const std::string& folder);
   ~Storage() { end(); }
   Storage(const Storage&) = delete;
@@ -26,11 +27,11 @@ class Storage {
   bool ok() const { return !folder_.empty(); }
   const std::filesystem::path& folder() const { return folder_; }
 
-  // Removes a temporary folder now; nothing can be written any more.
+  // Removes a temporary folder; later writes fail.
   void end();
 
-  // Makes the sub-folders; the file appears under its name when it is whole, in place of one that was there.
-  // Errors: false for a path that is not safe, and when the file cannot be written; nothing is left of it then.
+  // Creates sub-folders. The file appears under its name when it is complete, and replaces an existing one.
+  // Errors: false for an unsafe path, and when the file cannot be written; no partial file is left.
   bool write(const std::string& path, std::span<const std::uint8_t> bytes) const;
 
  private:

@@ -4,7 +4,7 @@ namespace zel::simulator {
 namespace {
 
 constexpr std::chrono::milliseconds kForTheReply{200};
-constexpr int kMostTimers = 100;  // orders that were replaced or cancelled keep theirs for up to four minutes
+constexpr int kMostTimers = 100;  // replaced or cancelled orders keep their timers for up to four minutes
 
 }  // namespace
 

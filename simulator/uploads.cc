@@ -8,7 +8,7 @@ namespace {
 constexpr std::size_t kPathAt = 2 + 2, kPathSize = 64;  // file type, reserved; path
 constexpr std::size_t kFileAt = kPathAt + kPathSize;
 constexpr std::size_t kMostWaiting = 2 * kLargestFile;
-constexpr std::size_t kPerFile = 4096;  // what a waiting file costs besides its bytes, generously
+constexpr std::size_t kPerFile = 4096;  // upper bound of a queued file's memory besides its bytes
 constexpr std::uint16_t kDone = 0, kFailed = 1;
 constexpr std::uint16_t kUploaded = 2, kOtherKinds[] = {0, 1, 3, 0x0102, 0xFFFF};
 constexpr char kNobodysPath[] = "nobody/sent/this";

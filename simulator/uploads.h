@@ -11,15 +11,16 @@
 
 namespace zel::simulator {
 
-// Takes the files that the host sends to the card. Thread: the simulator's; the files are written on the worker.
+// Receives the host's files.
+// Thread: the simulator's; the files are written on the worker.
 class Uploads {
  public:
-  // Owner: all outlive it and the worker's jobs.
+  // Owner:  all outlive it and the worker's jobs.
   Uploads(CameraWorld& world, CameraState& state, const Storage& storage, const Faults& faults)
       : world_(world), state_(state), storage_(storage), faults_(faults) {}
 
-  // Answers once the file is written, or cannot be. Refused are paths that are not safe, and more than the card holds.
-  // Errors: a payload that is too short for its header is dropped without an answer.
+  // Replies once the file is written or has failed. Refuses unsafe paths, and files that do not fit on the card.
+  // Errors: a payload that is too short for its header is dropped without a reply.
   void take(const std::shared_ptr<HostLink>& host, HostFile file);
 
  private:
@@ -29,7 +30,7 @@ class Uploads {
   CameraState& state_;
   const Storage& storage_;
   const Faults& faults_;
-  std::size_t waiting_ = 0;  // what the worker has not written yet, in bytes
+  std::size_t waiting_ = 0;  // bytes that the worker has not written yet
 };
 
 }  // namespace zel::simulator

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-// The camera's side of the wire. It is written apart from the framework's, so that one mistake cannot hide in both.
+// The camera's side of the wire. Deliberately separate from the framework's code, so that a mistake in one does not
+// hide in the other.
 
 namespace zel::simulator {
 
@@ -25,7 +26,7 @@ void put(Bytes& into, T value) {
     into.push_back(static_cast<std::uint8_t>(value >> shift));
 }
 
-// The number at a place whose bytes are there, little-endian.
+// The little-endian number at an offset. All its bytes must exist.
 template <std::unsigned_integral T>
 T numberAt(std::span<const std::uint8_t> bytes, std::size_t at) {
   std::uint64_t value = 0;
@@ -44,7 +45,7 @@ inline std::string textIn(std::span<const std::uint8_t> field) {
   return text;
 }
 
-// Text as a field of that many bytes: zeros behind it, or cut.
+// Text as a field of that many bytes: zero-padded, or cut.
 inline Bytes textField(const std::string& text, std::size_t size) {
   Bytes field(text.begin(), text.end());
   field.resize(size);
@@ -60,7 +61,7 @@ inline Bytes frame(std::uint16_t type, const Bytes& payload) {
   return whole;
 }
 
-// A message frame: the code stands before the body.
+// A message frame: the code, then the body.
 inline Bytes message(std::uint16_t code, const Bytes& body) {
   Bytes payload;
   put(payload, code);

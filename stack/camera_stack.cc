@@ -19,7 +19,7 @@
 
 namespace zel {
 
-// Members stand in the order of what they need.
+// Members are in the order of their dependencies.
 struct CameraStack::Graph {
   Graph(const platform::Ports& given, std::string serialNumber)
       : ports(given),
@@ -30,7 +30,7 @@ struct CameraStack::Graph {
         manager(accessory, ucd, ports.notifications) {
     parser.setUcdFile(ucdFile);
   }
-  ~Graph() { ucd.failEverything(); }  // what was sent while the stack went
+  ~Graph() { ucd.failEverything(); }  // handlers of requests that were sent during destruction
   Graph(const Graph&) = delete;
   Graph& operator=(const Graph&) = delete;
 
@@ -50,12 +50,12 @@ CameraStack::CameraStack(const platform::Ports& ports, std::string serialNumber)
   graph_->ucd.setKeepAlive(keepAlive);
 }
 
-// Inside a callback the session thread is not waited for: it may be waiting for that very callback.
+// Inside a callback it does not wait for the session thread, which may be waiting for that callback.
 CameraStack::~CameraStack() {
   graph_->accessory.closeCamera();
   if (!insideCallback()) graph_->accessory.cameraSession().waitForThreadEnd();
   graph_->ucd.failEverything();
-  // Nothing comes to be decoded any more. Whoever still holds the player would keep its thread.
+  // Nothing is received for decoding any more. A player that the host still holds would keep its thread.
   if (const auto player = graph_->parser.previewPlayer()) player->resetPlayer();
 }
 

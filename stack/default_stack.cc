@@ -1,4 +1,4 @@
-// The only file that knows of the process-wide stack.
+// The process-wide stack. No other file uses it.
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
@@ -31,7 +31,7 @@ std::atomic<bool> stackMade = false;
   std::abort();
 }
 
-// The clock of the default ports. A host may log before it has any: the time is then the system's, in UTC.
+// The clock of the default ports. Before they are set, a host may already log: the time is then the system's, in UTC.
 class DefaultClock final : public platform::Clock {
  public:
   double absoluteTime() const override {
@@ -59,7 +59,7 @@ CameraStack* makeProcessStack() {
 
 void setDefaultPorts(const platform::Ports& ports) {
   if (stackMade.load()) misused("setDefaultPorts() comes too late: a class operation has been used already");
-  // Those that are replaced stay: a log line of another thread may be on its way with them.
+  // Replaced ports are kept, because another thread may still be writing a log line with them.
   static Mutex mutex;
   static auto* const named = new std::deque<platform::Ports>();
   const MutexLock lock(mutex);
@@ -93,7 +93,7 @@ ZELCameraDataWriter& ZELCameraDataWriter::defaultWriter() {
   static auto* const writer = new ZELCameraDataWriter();
   return *writer;
 }
-// Needs no stack: diagnostics may be the first thing that a host does.
+// Needs no stack: a host may log before anything else.
 ZELDateFormatter& ZELDateFormatter::defaultFormatter() {
   static auto* const formatter = new ZELDateFormatter(*new zel::DefaultClock(), []() -> std::string {
     const auto* ports = zel::defaultPorts.load();

@@ -8,20 +8,20 @@
 namespace zel {
 namespace {
 
-constexpr int kMostNames = 100;  // of temporary files that others are writing, or left when they were ended
+constexpr int kMostNames = 100;  // attempts to find a temporary name that is not in use
 
 struct Closer {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using File = std::unique_ptr<std::FILE, Closer>;
 
-// False where the bytes did not all reach the file.
+// False when not all bytes were written.
 bool writeAndClose(File file, std::span<const std::uint8_t> bytes) {
   const bool written = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
   return std::fclose(file.release()) == 0 && written;
 }
 
-// A file beside that one, which nobody else has; "x" makes it or fails.
+// A new file next to that one; "x" fails if the name is in use.
 File makeTemporary(const std::string& path, std::string& name) {
   for (int number = 0; number < kMostNames; ++number) {
     name = path + "." + std::to_string(number) + ".part";
@@ -30,8 +30,8 @@ File makeTemporary(const std::string& path, std::string& name) {
   return nullptr;
 }
 
-// A file is opened for appending alone, which needs no right to read it. Whatever else has the name is opened to be
-// read as well, since a pipe would else be waited for.
+// A regular file is opened only for appending, which needs no read permission. Anything else is also opened for
+// reading, because opening a pipe would otherwise block.
 File openExisting(const std::string& path) {
   std::error_code ignored;
   if (std::filesystem::is_regular_file(path, ignored)) return File{std::fopen(path.c_str(), "ab")};

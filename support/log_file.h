@@ -6,9 +6,9 @@
 
 namespace zel {
 
-// Appends the bytes to the file. One that cannot be opened, mostly because there is none yet, is replaced by a new one
-// that appears whole under its name.
-// Errors: none; what cannot be written is lost, and no file of another name is left behind.
+// Appends the bytes to the file. A file that cannot be opened, usually because it does not exist, is replaced by a new
+// one that appears under its name when it is complete.
+// Errors: none; bytes that cannot be written are lost, and no temporary file is left.
 void appendToFile(const std::string& path, std::span<const std::uint8_t> bytes);
 
 }  // namespace zel

@@ -19,7 +19,7 @@ constexpr char kTimeStampFormat[] = "yyyy-MM-dd HH:mm:ss:SSS";
 constexpr char kLogName[] = "log.txt";
 constexpr std::chrono::sys_days kEpoch = std::chrono::January / 1 / 2001;
 
-// A moment taken apart.
+// A point in time, split into its fields.
 struct LocalTime {
   explicit LocalTime(std::chrono::sys_time<std::chrono::microseconds> moment)
       : date(std::chrono::floor<std::chrono::days>(moment)),
@@ -35,7 +35,7 @@ std::string padded(std::int64_t number, std::size_t digits) {
   return text;
 }
 
-// What a run of so many of the letter stands for.
+// The text for a run of that many of the letter.
 std::string fieldText(char letter, std::size_t run, const LocalTime& moment) {
   switch (letter) {
     case 'y':
@@ -100,7 +100,7 @@ void ZELDateFormatter::setDateFormat(const std::string& dateFormat) {
 
 std::string ZELDateFormatter::stringFromDate(double date) const {
   const std::string format = dateFormat();
-  // Microseconds are what the clock's seconds resolve today; their rounding keeps 0.007 s from becoming 6.999 ms.
+  // A double resolves today's seconds to microseconds; rounding to them keeps 0.007 s from becoming 6.999 ms.
   const std::chrono::microseconds sinceEpoch(std::llround(date * 1e6));
   const LocalTime moment(kEpoch + sinceEpoch + std::chrono::seconds(clock_.localTimeOffset(date)));
   std::string text;

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""All that ./run lint checks: format, structure, headers that compile alone, clang-tidy."""
+"""The checks of ./run lint: format, structure, self-contained headers, clang-tidy."""
 import argparse
 import json
 import subprocess
@@ -28,7 +28,7 @@ def check_format(pool):
 
 
 def is_included_first(header):
-    """Whether the build itself shows that the header compiles alone: its source includes it before anything else."""
+    """Whether the build already shows that the header is self-contained, because its source includes it first."""
     source = header.with_suffix(".cc")
     if not source.exists():
         return False
@@ -44,7 +44,7 @@ def check_headers(pool):
         code, output = run([*command, "-include", str(path), "/dev/null"])
         return f"{path.relative_to(ROOT)}:1: does not compile alone\n{output}" if code else None
 
-    # Those of the tests are read by their own tests alone.
+    # Headers of tests are included only by their own tests.
     headers = [header for header in files(".h")
                if str(header.relative_to(ROOT)).startswith((*TIDIED, "include/")) and not is_included_first(header)]
     return [fault for fault in pool.map(compile_alone, headers) if fault]
@@ -54,12 +54,12 @@ def check_tidy(pool, build):
     entries = json.loads((build / "compile_commands.json").read_text())
     sources = sorted({str(Path(entry["file"]).relative_to(ROOT)) for entry in entries
                       if Path(entry["file"]).is_relative_to(ROOT)})
-    # A file that the build made of several stands under the folder that they come from.
+    # A generated unity file is listed under the folder of its sources.
     folder = f"{build.relative_to(ROOT)}/"
     sources = [source for source in sources if source.removeprefix(folder).startswith(TIDIED)]
 
     def tidy(source):
-        # In the headers of JSON and of command lines this check alone takes as long as all the others.
+        # In the headers of JSON and CLI11 this check takes as long as all the others together.
         reads_large_headers = source.removeprefix(folder).startswith(("apps/", "simulator/"))
         left_out = ["--checks=-performance-unnecessary-value-param"] if reads_large_headers else []
         return run(["clang-tidy", "--quiet", "-p", str(build), *left_out, source])

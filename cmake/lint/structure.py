@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The rules of the house that need no compiler: the include graph, pairs and mirrors, ASCII, the length of functions.
+"""The project's rules that need no compiler: include graph, circles, pairs of source and test, ASCII, labels, length of functions.
 
 Prints file:line: what is wrong and what to do. Ends with 1 when anything was found.
 """
@@ -16,11 +16,12 @@ PORTS = "include/ZELTarkaSDK/platform"
 LONGEST_FUNCTION = 60
 LONGEST_EXAMPLE = 59
 STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, and nothing with a slash or a suffix
+LABEL_IN_MID_LINE = re.compile(r"(^|\s)//.*\S.*\b(Units|Owner|Thread|Errors):( |$)")
 CLASS_OPERATION = re.compile(r"\b(default[A-Z]\w*|share[A-Z]\w*)\(")
 
 
 def read_edges(path):
-    """What each folder may include, from the ground up."""
+    """The folders that each folder may include, from the lowest up."""
     edges = {}
     for line in path.read_text().splitlines():
         line = line.split("#")[0].strip()
@@ -45,7 +46,7 @@ def folder_of(relative, edges):
 
 
 def includes(path):
-    """Line, kind of quote and file of each include; a public header's as it stands in the project."""
+    """Line, kind of quote and file of each include; public headers with their path in the project."""
     for number, line in enumerate(path.read_text(errors="replace").splitlines(), 1):
         found = re.match(r'\s*#\s*include\s*([<"])([^>"]+)[>"]', line)
         if found:
@@ -69,7 +70,7 @@ def check_include(folder, quote, include, edges):
 
 
 def arrows_up(edges):
-    """Folders that are let include what does not stand below them, which is also how a circle would begin."""
+    """Edges to folders that are not listed above their line. Without such edges there is no circle."""
     below = set()
     for folder, allowed in edges.items():
         for one in allowed:
@@ -92,8 +93,8 @@ def include_graph(root, edges):
 
 
 def owner_of(path, public):
-    """The header that a source belongs to, None where it has none. A large class may be spread over files that bear its
-    name and one of their own: zel_camera_ucd_files.cc, zel_live_data_source_state.h."""
+    """The header of a source, or None. A large class may be split into files whose names begin with its
+    name: zel_camera_ucd_files.cc, zel_live_data_source_state.h."""
     owner = path.stem
     while owner:
         beside = path.with_name(owner + ".h")
@@ -106,7 +107,7 @@ def owner_of(path, public):
 
 
 def file_circles(root, edges):
-    """Headers, each with its sources, that include one another in a circle."""
+    """Headers (each with its sources) that include each other in a circle."""
     public = {snake(path.stem): path for path in (root / PUBLIC).glob("**/*.h")}
     graph = {}
     for path in sources(root):
@@ -123,7 +124,7 @@ def file_circles(root, edges):
 
 
 def circles(graph):
-    """One circle for each group of nodes that reach one another."""
+    """One circle for each group of nodes that reach each other."""
     done, seen = set(), set()
 
     def visit(node, trail):
@@ -175,13 +176,15 @@ def text_rules(root):
             text = line.decode("ascii", "replace")
             if re.search(r"\b(TODO|FIXME|XXX)\b(?!\([a-z]+\): )", text):
                 yield f"{relative}:{number}: write TODO(word): what is to be done"
+            if LABEL_IN_MID_LINE.search(text) and not relative.startswith("tests/"):
+                yield f"{relative}:{number}: a label of a contract begins its own line of the comment"
             is_declaration = relative.startswith("link/") and re.match(r"\s*static ", text)
             if CLASS_OPERATION.search(text) and not allowed_here and not is_declaration and "//" not in text:
                 yield f"{relative}:{number}: class operations are for hosts; take a reference in the constructor"
 
 
 def long_functions(root):
-    """A function's body starts on a line that ends with '{' at column 0's declaration and ends with a lone '}' as indented."""
+    """A function's body starts after a declaration line that ends with '{', and ends at a '}' with the same indentation."""
     for path in sources(root):
         lines = path.read_text(errors="replace").splitlines()
         for start, line in enumerate(lines):
@@ -196,7 +199,7 @@ def long_functions(root):
 
 
 def examples(root):
-    """A small host sees what any host sees: the public headers, the standard library and the system."""
+    """An example may include what any host may: the public headers, the standard library and the system's."""
     for path in sorted((root / "examples").glob("*")):
         relative = path.relative_to(root).as_posix()
         if path.suffix == ".cc" and len(path.read_text().splitlines()) > LONGEST_EXAMPLE:

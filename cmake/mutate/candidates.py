@@ -22,7 +22,7 @@ def immediate_functions(texts):
 
 
 def find(unit, root, wanted):
-    """The mutants of each of the unit's files that is wanted: a dictionary from the file's name to a list."""
+    """The mutants of the unit's wanted files: a dictionary from the file's name to a list."""
     sources, finders, cursors = {}, {}, []
     immediate = immediate_functions((root / name).read_text() for name in wanted)
     for cursor in unit.cursor.get_children():
@@ -43,7 +43,7 @@ def find(unit, root, wanted):
 
 
 def named(finder):
-    """Mutants in the order in which they stand, each with its number among those that are alike."""
+    """Mutants in source order, each with its number among equal ones."""
     counts, out, source = Counter(), [], finder.source
     for start, function, operator, change, edit in sorted(finder.found, key=lambda one: (one[0], one[2], one[3])):
         told = (source.name, function, source.text_of_line_at(start), operator, change)

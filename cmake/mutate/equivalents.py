@@ -1,4 +1,4 @@
-"""The kept list of mutants that change nothing which anybody could see, each with the reason."""
+"""The list of mutants that change no observable behaviour, each with the reason."""
 from collections import namedtuple
 
 Equivalent = namedtuple("Equivalent", "file function text operator change occurrence reason")
@@ -6,7 +6,7 @@ FIELDS = {"file": "file", "in": "function", "line": "text", "mutant": "mutant", 
 
 
 def parse(text):
-    """The entries: paragraphs of "key: value"; an indented line goes on with the value above; "#" begins a comment."""
+    """The entries: paragraphs of "key: value"; an indented line continues the value above; "#" begins a comment."""
     entries, current, key = [], {}, None
     for number, line in enumerate([*text.splitlines(), ""], 1):
         if line.startswith("#"):
@@ -26,7 +26,7 @@ def parse(text):
 
 
 def _entry(values, number):
-    # Where a fault stands in no function, "in" is empty.
+    # Outside functions "in" is empty.
     missing = [key for key in FIELDS if not values.get(key) and key not in ("in", "number")]
     if missing:
         raise ValueError(f"the entry before line {number} lacks {', '.join(missing)}")
@@ -38,7 +38,7 @@ def _entry(values, number):
 
 
 def matching(entries, mutants):
-    """The listed mutants among those, and the entries that match none."""
+    """The given mutants that are listed, and the entries that match none."""
     known = {entry[:-1]: entry for entry in entries}
     found = {one for one in mutants if key_of(one) in known}
     seen = {key_of(one) for one in found}
@@ -50,7 +50,7 @@ def key_of(mutant):
 
 
 def entry_of(mutant):
-    """What the list would say of it, but for the reason."""
+    """The mutant's entry for the list, without a reason."""
     number = f"number: {mutant.occurrence}\n" if mutant.occurrence > 1 else ""
     return (f"file: {mutant.file}\nin: {mutant.function}\nline: {mutant.text}\nmutant: {mutant.operator}: {mutant.change}\n"
             f"{number}because: \n")

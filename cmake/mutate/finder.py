@@ -1,4 +1,4 @@
-"""Tells what can be changed in a piece of code, by the compiler's own reading of it.
+"""Finds what can be changed in a piece of code, from the compiler's syntax tree.
 
 Left out is what is decided while compiling (static_assert, constexpr and static variables, template arguments, array
 bounds, case labels, enumerators, consteval functions and what they are called with) and what comes from a macro: a choice
@@ -37,7 +37,7 @@ def kind_of(cursor):
 
 
 class Finder:
-    """Walks one file's part of a translation unit, and keeps what can be changed."""
+    """Walks one file's part of a translation unit, and collects the possible changes."""
 
     def __init__(self, source, immediate):
         self.source = source
@@ -106,7 +106,7 @@ class Finder:
         is_local = parent is not None and (parent.kind in FUNCTIONS or parent.kind.is_statement())
         if re.search(r"\b(constexpr|constinit|static)\b", head) or not is_local:
             return True
-        # The compiler tries to make a constant of it.
+        # The compiler evaluates it as a constant.
         return cursor.type.is_const_qualified() and kind_of(cursor) in NUMBERS and not self.is_known_when_running(cursor)
 
     def head_of(self, cursor):
@@ -131,7 +131,7 @@ class Finder:
         return declaration.type.is_const_qualified() and re.match(r"k[A-Z]", declaration.spelling) is not None
 
     def is_template_argument(self, parent, child):
-        """Template arguments and array bounds stand among the children of what they belong to."""
+        """Template arguments and array bounds are children of the node that they belong to."""
         if parent.kind in (CursorKind.VAR_DECL, CursorKind.FIELD_DECL):
             return child.kind.is_expression() and child.extent.start.offset < parent.location.offset or (
                 kind_of(parent) == TypeKind.CONSTANTARRAY and self.source.behind(child.extent.end.offset) == "]")
@@ -217,7 +217,7 @@ class Finder:
                 self.drop(child)
 
     def condition_of(self, children):
-        """The child between the brackets; a declaration is none."""
+        """The child between the brackets; None for a declaration."""
         for child in children:
             start, end = child.extent.start.offset, child.extent.end.offset
             if child.kind.is_expression() and self.source.before(start) in "(;" and self.source.behind(end) in ");":
@@ -230,7 +230,7 @@ class Finder:
         return cursor.kind.is_expression() and is_behind and self.source.behind(end) == ";" and not self.is_in_head(start)
 
     def is_in_head(self, start):
-        """Whether the place stands in the head of a for statement."""
+        """Whether the position is in the head of a for statement."""
         line = self.source.text[self.source.text.rfind("\n", 0, start) + 1:start]
         return re.search(r"\bfor \([^{]*$", line) is not None and line.count("(") > line.count(")")
 

@@ -1,4 +1,4 @@
-"""What a mutant is, and how the drawn ones are written into a source, all at once.
+"""Mutants, and how the drawn ones are written into a source, all at once.
 
 A source with mutants in it chooses at run time: each place where one stands asks mutate::on(NUMBER).
 """
@@ -8,7 +8,7 @@ from dataclasses import dataclass, field
 
 @dataclass(frozen=True)
 class Mutant:
-    """One small fault. All but the place tells what it is, so that it is known again when lines have moved."""
+    """One small fault. It is identified by everything but its position, so that it is found again after lines have moved."""
 
     file: str
     function: str  # the one that it stands in
@@ -30,7 +30,7 @@ class Mutant:
 
 @dataclass(frozen=True)
 class Wrap:
-    """Puts text before and behind what stands from start to end; NUMBER is the mutant's."""
+    """Inserts text before start and after end; NUMBER is the mutant's."""
 
     start: int
     end: int
@@ -43,7 +43,7 @@ class Wrap:
 
 @dataclass(frozen=True)
 class Swap:
-    """Has another operator between what ends at left_end and what begins at right_start."""
+    """Replaces the operator between left_end and right_start."""
 
     start: int
     end: int
@@ -53,22 +53,22 @@ class Swap:
 
 
 def drawn_order(mutants, seed):
-    """The mutants in the order in which a sample takes them. Another line in the code moves none of the others."""
+    """The mutants in the order of the sample. Adding code does not change the order of the others."""
     return sorted(mutants, key=lambda one: hashlib.sha256(f"{seed}\n{one.identity()}".encode()).digest())
 
 
 def with_mutants(source, edits):
-    """The source with all (number, edit) in it. Edits stand one in the other or side by side, as expressions do."""
+    """The source with all (number, edit) applied. Edits are nested or side by side, as expressions are."""
     places = {}
     for number, edit in edits:
         places.setdefault((edit.start, edit.end), []).append((number, edit))
-    # Outer places first, so that each finds its inner ones behind it.
+    # Outer positions first, each followed by its inner ones.
     ordered = sorted(places, key=lambda place: (place[0], -place[1]))
     return _written(source, 0, len(source), ordered, places)
 
 
 def _written(source, start, end, ordered, places):
-    """The source from start to end. `ordered` are the places inside it."""
+    """The source from start to end. `ordered` are the positions inside it."""
     out, at = [], start
     for index, place in enumerate(ordered):
         if place[0] < at:

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds the tests to small faults in the core: a drawn sample of them, compiled into one build and chosen one at a time.
+"""Runs the tests with small faults in the core: a random sample, compiled into one build and enabled one at a time.
 
 Ends with 1 where at least one in twenty of those that count goes unseen by every test.
 """
@@ -47,7 +47,7 @@ def mutants_of(unit):
 
 
 def all_mutants(jobs, fingerprint):
-    """Kept beside the build, since reading all sources takes a minute or two."""
+    """Cached next to the build, since parsing all sources takes a minute or two."""
     kept, state = FOLDER / "all.pickle", (fingerprint, *((tree.TOOL / name).read_text() for name in FINDERS))
     with contextlib.suppress(OSError, EOFError, pickle.UnpicklingError):
         known, mutants = pickle.loads(kept.read_bytes())
@@ -68,7 +68,7 @@ def read_mutants(jobs):
 
 
 class Sample:
-    """The first COUNT that compile, in the drawn order. A mutant's number is its place in that order."""
+    """The first COUNT that compile, in the drawn order. A mutant's number is its position in that order."""
 
     def __init__(self, mutants, count, seed):
         self.waiting = list(enumerate(drawn_order(mutants, seed), 1))
@@ -116,12 +116,12 @@ def build(sample, fingerprint, jobs):
 # -- the trials
 
 class Results:
-    """What is known of each mutant, on disk as soon as it is known. Those of another state of the project are dropped."""
+    """The result of each mutant, written to disk at once. Results of another state of the project are dropped."""
 
     def __init__(self, path, fingerprint):
         self.path, self.known = path, {}
         lines = path.read_text().split("\n") if path.exists() else []
-        # What stands behind the last line's end was cut off.
+        # An incomplete last line is dropped.
         whole = lines[1:-1] if lines and lines[0] == fingerprint else []
         for line in whole:
             entry = json.loads(line)
@@ -152,7 +152,7 @@ def learn(programs, sample):
 
 
 def try_all(sample, equal, programs, results, jobs):
-    """Returns False where the time was over before."""
+    """Returns False when the time was over."""
     started, done = time.monotonic(), Counter()
     todo = [(number, one) for number, one in sample.taken if one not in equal and results.verdict(one) is None]
 
@@ -171,7 +171,7 @@ def try_all(sample, equal, programs, results, jobs):
 
 
 def report(sample, equal, stale, results, seed):
-    """Prints what no test saw, and the closing line. Returns the exit status."""
+    """Prints the undetected mutants, and the summary. Returns the exit status."""
     counted = [one for _, one in sample.taken if one not in equal]
     count = Counter(results.verdict(one) for one in counted)
     unseen = sorted((one for one in counted if results.verdict(one) in UNSEEN), key=lambda one: (one.file, one.line))

@@ -1,4 +1,4 @@
-"""The text of a file that mutants are looked for in."""
+"""The text of a file in which mutants are searched."""
 import re
 
 
@@ -7,7 +7,7 @@ def without_comments(text):
 
 
 class Source:
-    """The text, and the places in it that macros have written."""
+    """The text, and the positions of macro expansions."""
 
     def __init__(self, name, text):
         self.name, self.text, self.macros = name, text, []
@@ -24,7 +24,7 @@ class Source:
         return self.text[begin:end if end >= 0 else len(self.text)].strip()
 
     def before(self, offset):
-        """The last character that is no space before the place."""
+        """The last non-space character before the position."""
         return self.text[:offset].rstrip()[-1:]
 
     def behind(self, offset):

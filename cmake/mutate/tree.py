@@ -1,4 +1,4 @@
-"""The copy of the project that mutants are written into, and its build."""
+"""The copy of the project with the mutants, and its build."""
 import hashlib
 import re
 import subprocess
@@ -15,12 +15,12 @@ KEPT_LIST = "cmake/mutate/equivalents.txt"
 
 
 def units(root):
-    """The sources that are compiled, but for programs of their own."""
+    """The compiled sources, except those of separate programs."""
     return [path for folder in CORE for path in sorted((root / folder).glob("*.cc")) if not path.stem.endswith("_main")]
 
 
 def wanted(root):
-    """The names of all files that mutants may stand in."""
+    """The names of all files that may contain mutants."""
     files = [path for folder in CORE for path in (root / folder).glob("*") if path.suffix in (".h", ".cc")]
     files += [path for folder in HEADERS for path in (root / folder).glob("*.h")]
     return {path.relative_to(root).as_posix() for path in files}
@@ -33,7 +33,7 @@ def project_files(root):
 
 
 def fingerprint(root):
-    """Of all that is compiled: two runs with the same one share their results."""
+    """A hash of everything that is compiled: runs with the same hash share their results."""
     sum_of_all = hashlib.sha256()
     for name in project_files(root):
         if name.endswith((".h", ".cc", ".cmake", "CMakeLists.txt")) and not name.startswith("tests/mutate/"):
@@ -42,7 +42,7 @@ def fingerprint(root):
 
 
 def write_copy(root, copy, numbered):
-    """The project, and in it the mutants, each with its number. What does not change keeps its time, and is not built again."""
+    """Writes the project with the numbered mutants. Unchanged files keep their time stamps, and are not built again."""
     by_file = {}
     for number, mutant in numbered:
         by_file.setdefault(mutant.file, []).append((number, mutant.edit))
@@ -69,7 +69,7 @@ def _write(path, content, mode):
 
 
 def test_programs(root):
-    """The names of the programs that test the core, each with the folder whose tests it holds."""
+    """The names of the programs that test the core, each with its folder of tests."""
     programs = {}
     for folder in TESTED:
         tests = root / "tests" / folder
@@ -81,7 +81,7 @@ def test_programs(root):
 
 
 def configure(copy, build, cache):
-    """Warnings are off: a mutant may well compare what is always so."""
+    """Warnings are off, because a mutant may contain constant comparisons."""
     command = ["cmake", "-S", copy, "-B", build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DZEL_BUILD_BENCH=OFF",
                "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -DNDEBUG", "-DCMAKE_CXX_FLAGS=-w -Wno-narrowing -fpermissive",
                f"-DZEL_TEST_CACHE={cache}"]
@@ -91,14 +91,14 @@ def configure(copy, build, cache):
 
 
 def compile_programs(build, programs, jobs):
-    """What the compiler says where it fails, None where it does not."""
+    """The compiler's messages if it fails, else None."""
     command = ["cmake", "--build", build, "-j", str(jobs), "--target", *programs, "--", "-k", "0"]
     done = subprocess.run(command, capture_output=True, text=True, check=False)
     return None if done.returncode == 0 else done.stdout + done.stderr
 
 
 def refused(said, numbered):
-    """Those of the mutants that an error of the compiler names a line of."""
+    """The mutants on lines with compiler errors."""
     places = {(name, int(line)) for name, line in re.findall(r"^([\w./-]+):(\d+):\d+: (?:fatal )?error:", said, re.MULTILINE)}
     return [(number, one) for number, one in numbered
             if any(name == one.file and one.line <= line <= one.last_line for name, line in places)]

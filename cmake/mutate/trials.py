@@ -1,4 +1,4 @@
-"""Runs test programs: once as they are, to learn which mutants each reaches, then for each mutant until one of them fails."""
+"""Runs test programs: once unchanged, to learn which mutants each reaches, then for each mutant until one of them fails."""
 import os
 import resource
 import signal
@@ -11,7 +11,7 @@ from pathlib import Path
 
 MOST_MEMORY = 8 << 30
 MOST_FILE = 1 << 30
-# A mutant that makes a test wait for good is told from a machine that is busy by these: seconds, and times a plain run.
+# Limits that distinguish a mutant that hangs from a busy machine: seconds, and multiples of an unchanged run.
 WALL_TIMES, WALL_MORE = 4, 15
 CPU_TIMES, CPU_MORE = 5, 5
 SLOW_TEST = 0.2  # seconds; most mutants fall to a quicker one, so that these are run last
@@ -37,7 +37,7 @@ def _limited(path, cpu):
 
 
 def run(program, environment, wall=None, cpu=None):
-    """How it ended ("passed", "failed", "timed out"), and the end of what it said. It runs in a folder of its own."""
+    """The result ("passed", "failed", "timed out"), and the end of the output. Runs in a separate folder."""
     with tempfile.TemporaryDirectory(prefix="mutant-") as folder:
         own = {**os.environ, "HOME": folder, "TMPDIR": folder, "XDG_RUNTIME_DIR": folder, "XDG_DATA_HOME": folder,
                "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1", **environment}
@@ -55,7 +55,7 @@ def run(program, environment, wall=None, cpu=None):
 
 
 def learn(program, highest, environment):
-    """Measures a plain run, and which mutants it reaches. Returns what a failing one said, None where it passes."""
+    """Measures an unchanged run, and which mutants it reaches. Returns the output of a failing one, else None."""
     with tempfile.NamedTemporaryFile(prefix="reached-") as file, tempfile.NamedTemporaryFile(suffix=".xml") as times:
         file.truncate(highest + 1)
         before, started = resource.getrusage(resource.RUSAGE_CHILDREN), time.monotonic()
@@ -69,18 +69,18 @@ def learn(program, highest, environment):
 
 
 def slow_tests(report):
-    """Those that take long, in what GoogleTest reports."""
+    """The slow tests in GoogleTest's report."""
     cases = ElementTree.fromstring(report).iter("testcase") if report else []
     return [f"{one.get('classname')}.{one.get('name')}" for one in cases if float(one.get("time")) > SLOW_TEST]
 
 
 def likely_order(programs, number, folder):
-    """Those that reach the mutant: first those of its own folder, then the quick ones."""
+    """The programs that reach the mutant: first those of its own folder, then the fast ones."""
     return sorted((one for one in programs if number in one.reached), key=lambda one: (one.folder != folder, one.seconds))
 
 
 def verdict(programs, number, folder, environment):
-    """What became of a mutant ("killed", "timed out", "survived", "not covered"), and by which program."""
+    """The result of a mutant ("killed", "timed out", "survived", "not covered"), and the program that decided it."""
     reaching = likely_order(programs, number, folder)
     if not reaching:
         return "not covered", ""

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Turns a header's plain comments into what Doxygen reads, so that headers need no marks for it.
+"""Converts a header's plain comments for Doxygen, so that headers need no markup.
 
 A comment directly above a declaration documents it, one behind a declaration documents that. "Units:", "Owner:", "Thread:" and "Errors:"
 become paragraphs under a heading. A comment with an empty line below it, or one that begins with "--", is none of a declaration's.
@@ -12,7 +12,7 @@ CONTRACT = re.compile(r"^(Units|Owner|Thread|Errors): +(.*)$")
 
 
 def plain(text):
-    """The text as it stands: nothing in it is a mark."""
+    """The text with all markup characters escaped."""
     return re.sub(r"([\\@<>#%&*_`~\"])", r"\\\1", text).replace("\\*", "&lowast;").replace("\\_", "_").replace("\\`", "`").replace("\\~", "~")
 
 

@@ -7,7 +7,7 @@
 
 namespace zel {
 
-// A camera that was asked for, and who has it.
+// A camera that could not be opened because another process has it.
 struct ZEL_EXPORT CameraInUse {
   std::string camera;        // its serial number, else its accessory file's name
   std::int64_t process = 0;  // 0: not known

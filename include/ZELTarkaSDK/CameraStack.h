@@ -34,11 +34,10 @@ struct ReceiveLimits {
 // Owner:  the ports must outlive the stack.
 // Thread: destroy on any thread. Outside a callback the destructor closes the camera and waits for the session thread;
 //         hold no lock there that an observer takes, and no observer or receiver is called after it. Inside one of its
-//         own callbacks, of any kind and on any thread, it waits for nobody: what another thread is at may still be
-//         finishing.
-// Errors: every completion handler that still waits, of a request, a photo or an upload, is called on the main queue
-// with
-//         error 100, once; a handler that a later one has replaced is not.
+//         own callbacks, of any kind and on any thread, it does not wait: a call in progress on another thread may
+//         still be finishing.
+// Errors: every pending handler of a request, a photo or an upload is called once, on the main queue, with error 100. A
+//         handler that a later one has replaced is not called.
 class ZEL_EXPORT CameraStack {
  public:
   // serialNumber: the one camera to connect to; empty takes the first.
@@ -63,10 +62,11 @@ class ZEL_EXPORT CameraStack {
   // the one before. The caller holds it; it may outlive the stack, whose end resets it.
   std::shared_ptr<ZELPreviewPlayer> suitablePreviewPlayer();
 
-  // What a live data source of this camera works with; it keeps the camera's objects alive.
+  // What a live data source needs of this camera. It keeps the camera's objects alive.
   LiveParts liveParts();
 
-  // What the link has seen so far. Thread: any thread.
+  // Counters of the link, since the stack was made.
+  // Thread: any thread.
   LinkStatistics statistics() const;
 
  private:
@@ -75,9 +75,9 @@ class ZEL_EXPORT CameraStack {
   std::shared_ptr<Graph> graph_;
 };
 
-// Names the ports of the process-wide stack; the host calls it once, before it uses any class operation.
-// Errors: ends the process with a message when a class operation was used before, or is used without it; but for
-//         ZELDateFormatter::defaultFormatter(), which can be used at any time.
+// Sets the ports of the process-wide stack. The host calls it once, before it uses any class operation.
+// Errors: ends the process with a message when a class operation was used before this call, or is used without it.
+//         ZELDateFormatter::defaultFormatter() can be used at any time.
 ZEL_EXPORT void setDefaultPorts(const platform::Ports& ports);
 
 // The process-wide stack, made on first use and never destroyed.

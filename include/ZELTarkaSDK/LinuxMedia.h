@@ -13,27 +13,28 @@ struct Ports;
 }
 
 // The codecs and the renderer on Linux: FFmpeg decodes and encodes H.264, the processor stitches both lenses' pictures.
-// A host that only commands the camera needs none of them, and builds its stack on the platform's own ports.
+// A host that only sends commands does not need this class, and builds its stack on the platform's own ports.
 //
 //   const auto platform = zel::LinuxPlatform::create({}, error);
 //   zel::LinuxMedia media(platform->ports());
 //   zel::CameraStack stack(media.ports());
 //
-// Owner:  every stack, player, view and live run built on its ports must be gone, a live run by stopLiveData(). The
-//         decode thread of a player that has gone may still run.
+// Owner:  destroy every stack, player and view built on its ports first, and stop every live run with stopLiveData().
+//         The decode thread of a destroyed player may still run.
 // Thread: any thread.
 class ZEL_EXPORT LinuxMedia {
  public:
   struct Options {
-    // Hears why a picture could not be stitched, one sentence each. Empty: standard error. Thread: any thread.
+    // Called with one sentence when a picture could not be stitched. Empty: standard error.
+    // Thread: any thread.
     std::function<void(const std::string&)> warn;
-    // 1: a picture comes out in the call that decodes it. Several, up to 16, decode pictures side by side, and each
-    // comes out so many pictures later: for streams that one processor is too slow for.
+    // 1: a picture comes out in the call that decodes it. 2 to 16: pictures are decoded in parallel, and each comes out
+    // one picture later for each thread. For streams that one processor cannot decode in time.
     int decoderThreads = 1;
   };
 
-  // ports: what the host has otherwise, normally LinuxPlatform::ports(). They are copied; what they refer to must
-  // outlive every use of this object's ports.
+  // ports: the host's other ports, normally LinuxPlatform::ports(). They are copied; the objects that they refer to
+  // must outlive every use of this object's ports.
   explicit LinuxMedia(const platform::Ports& ports);
   LinuxMedia(const platform::Ports& ports, Options options);
   ~LinuxMedia();

@@ -7,9 +7,9 @@
 
 namespace zel {
 
-// Keeps an observer registered for as long as it lives; movable, may outlive what it observes.
-// Afterwards the observer neither runs nor is running. Destroyed inside a callback, the token waits for nobody: a call
-// of the observer in progress on another thread may then still be running, and is the last.
+// Keeps an observer registered while it exists. Movable; may outlive the observed object.
+// After its destruction the observer neither runs nor is running. Destroyed inside a callback, it does not wait: a call
+// in progress on another thread may then still be running, and is the last.
 class Observation {
  public:
   Observation() = default;

@@ -13,7 +13,7 @@ enum class OutputKind { mp4, ts, flv, hls, standardOutput, rtmp, srt };
 // Where an output goes.
 struct ZEL_EXPORT OutputAddress {
   OutputKind kind = OutputKind::mp4;
-  std::string target;  // path or address as it was given
+  std::string target;  // path or address as given
 
   bool isServer() const { return kind == OutputKind::rtmp || kind == OutputKind::srt; }
   bool isFile() const { return !isServer() && kind != OutputKind::standardOutput; }

@@ -7,7 +7,7 @@
 
 namespace zel {
 
-// Who takes the camera's preview: frames of types 1, 2 and 8, and the picture that the resolution code promises.
+// Receives the camera's preview: frames of types 1, 2 and 8, and the picture format of the resolution code.
 // Owner:  the bytes are valid during the call only.
 // Thread: session thread; the three setters on the thread that sets the resolution.
 class ZEL_EXPORT PreviewConsumer {

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
-// Firmware from which the clocks are synchronised and timestamp frames count ("Fireware" is the interface's spelling).
+// From this firmware on the clocks are synchronised and timestamp frames count ("Fireware" is the interface's
+// spelling).
 inline constexpr std::int32_t kFirewareVersion190 = 190;
 
 // What msgReqSwitchAudioStreamType takes.
@@ -17,7 +18,7 @@ inline constexpr std::uint8_t kMediaOffsetOfCamera = 0;
 // length in 32 bits.
 inline constexpr std::uint64_t kLargestFile = 0xFFFFFFFFu - 74;
 
-// Written by the camera where its stream can be picked up, and sent to it to ask for that.
+// The marker. The camera writes it where parsing of its stream can start; the host sends it to request that.
 inline constexpr std::array<std::uint8_t, 10> dataSynchronismValue = {0xAF, 0xFA, 0xAF, 0xFA, 0xAF,
                                                                       0xFA, 0xAF, 0xFA, 0xAF, 0xFA};
 

@@ -10,8 +10,8 @@
 
 namespace zel {
 
-// A number as the wire has it: little-endian, without alignment, the same on any host. It converts from and to the
-// plain number by itself.
+// A number in wire form: little-endian, without alignment, the same on any host. Converts implicitly from and to the
+// plain number.
 template <class T>
 requires std::integral<T> || std::floating_point<T>
 class Le {
@@ -33,7 +33,7 @@ class Le {
     return std::bit_cast<T>(bits);
   }
 
-  // The same bytes, which for a floating-point number is more than the same value.
+  // Compares bytes. For floating-point numbers that is stricter than comparing values.
   friend constexpr bool operator==(const Le&, const Le&) = default;
   template <class Number>
   requires std::is_arithmetic_v<Number>

@@ -13,15 +13,15 @@ namespace zel::platform {
 class Accessory;
 }
 
-// What an accessory dictionary holds under the keys that bear the property names of ZELAccessoryInfo.
+// A dictionary whose keys are the property names of ZELAccessoryInfo.
 using ZELAccessoryDict =
     std::map<std::string, std::variant<bool, std::uint64_t, std::string, std::vector<std::string>>>;
 
-// An unchanging snapshot of an accessory's identity.
+// An immutable snapshot of an accessory's identity.
 // Thread: any thread.
 class ZEL_EXPORT ZELAccessoryInfo {
  public:
-  // initWithAccessory: - the snapshot of an accessory as it is now.
+  // initWithAccessory: - a snapshot of the accessory.
   static std::shared_ptr<const ZELAccessoryInfo> initWithAccessory(const zel::platform::Accessory& accessory);
 
   // initWithAccessoryDict: - properties from the dictionary's keys; a missing key leaves its property empty.

@@ -34,11 +34,11 @@ inline constexpr std::string_view kZELCameraDidConnectNotification = "ZELCameraD
 inline constexpr std::string_view kZELCameraDidDisConnectNotification = "ZELCameraDidDisConnectNotification";
 inline constexpr std::string_view kZELCameraConnectAccessoryKey = "ZELCameraConnectAccessoryKey";
 
-// The manager of the camera connection: finds the camera among the accessories, opens its session, watches that data
-// keeps coming and holds the clock offset.
+// Manages the camera connection: finds the camera among the accessories, opens its session, detects a silent link and
+// holds the clock offset.
 //
 // Units:  timeOffset in milliseconds; firewareVersion ("fireware" is the interface's spelling) as the camera counts it.
-// Owner:  that of a stack may go with its stack inside any callback. One of the host's own is destroyed outside them.
+// Owner:  a stack may destroy its own inside any callback. A host destroys its own outside callbacks.
 // Thread: open, close and the accessory notifications on the main thread, or any thread with a running run loop, which
 //         then carries the detect timer; the properties may be read on any thread.
 class ZEL_EXPORT ZELCameraAccessory {
@@ -49,7 +49,7 @@ class ZEL_EXPORT ZELCameraAccessory {
   static ZELCameraAccessory& defaultCamera();
 
   // serialNumber: the one accessory to connect to; empty takes the first that speaks the camera's protocol.
-  // Owner: ports and parser must outlive the object.
+  // Owner:  ports and parser must outlive the object.
   ZELCameraAccessory(const zel::platform::Ports& ports, CameraDataParser& parser, std::string serialNumber = {});
   ~ZELCameraAccessory();
   ZELCameraAccessory(const ZELCameraAccessory&) = delete;
@@ -62,8 +62,8 @@ class ZEL_EXPORT ZELCameraAccessory {
   // Calls the observer with each new value of `status`, a LinkStatus's number, on the thread that changes it. Two
   // threads may change it at nearly the same time; status() always tells the latest.
   //
-  // Thread: one observer is never called by two threads at once. Where a change is made inside a callback while another
-  //         thread is in the observer, that thread makes the call, next.
+  // Thread: one observer is never called by two threads at once. When a callback changes the status while another
+  //         thread is inside the observer, that thread calls the observer next.
   [[nodiscard]] zel::Observation observeStatus(StatusObserver observer);
 
   // The connected accessory, null when there is none.
@@ -85,15 +85,15 @@ class ZEL_EXPORT ZELCameraAccessory {
   void setDelegate(std::weak_ptr<ZELCameraAccessoryDelegate> delegate);
   std::shared_ptr<ZELCameraAccessoryDelegate> delegate() const;
 
-  // Starts watching and connects to a camera that is already attached. Returns it, or null when none is there yet; one
-  // that is attached later is connected by itself.
+  // Starts watching and connects to a camera that is already attached. Returns it, or null when none is attached yet; a
+  // camera attached later is connected automatically.
   std::shared_ptr<const ZELAccessoryInfo> openCamera();
 
-  // Closes the connection and stops watching. Inside a callback it waits for nobody: an observer that runs on another
+  // Closes the connection and stops watching. Inside a callback it does not wait: an observer that runs on another
   // thread may still be finishing.
   void closeCamera();
 
-  // connectCamera: - takes the accessory if it speaks the camera's protocol and a session opens.
+  // connectCamera: - connects to the accessory if it speaks the camera's protocol and a session opens.
   bool connectCamera(const std::shared_ptr<zel::platform::Accessory>& accessory);
 
   // Start and end of the supervised connection. Opening always reports the tunnel service's failure to the delegate and
@@ -101,7 +101,8 @@ class ZEL_EXPORT ZELCameraAccessory {
   void openConnection();
   void closeConnection();
 
-  // writeData: - queues bytes for the camera. Thread: any thread. Without a session they are dropped.
+  // writeData: - queues bytes for the camera. Without a session they are dropped.
+  // Thread: any thread.
   void writeData(const ZELData& data);
 
   // Called by the transport: a frame was routed; a session has opened; synchronise the clocks; the camera's answer to
@@ -111,7 +112,7 @@ class ZEL_EXPORT ZELCameraAccessory {
   void sendSyncTimeCmd();
   void updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveTime);
 
-  // The liveness check, once a second on the run loop of the calling thread.
+  // The check for a silent link, once a second on the run loop of the calling thread.
   void startDetectTimer();
   void stopDetectTimer();
   void onDetectTimer();

@@ -6,7 +6,7 @@
 #include <ZELTarkaSDK/ZELError.h>
 #include <ZELTarkaSDK/platform/export.h>
 
-// Hears of connection errors.
+// Receives connection errors.
 class ZEL_EXPORT ZELCameraAccessoryDelegate {
  public:
   virtual ~ZELCameraAccessoryDelegate() = default;

@@ -23,14 +23,14 @@ inline constexpr std::string_view ZELCameraNotificationPowerOff = "ZELCameraNoti
 inline constexpr std::string_view kZELPowerTypeKey = "powerType";
 inline constexpr std::string_view kZELBatteryStateKey = "batteryState";
 
-// Tells the host of the camera's power state by notifications, and answers a few questions that need more than a
-// message: the power type, the lens offset, and the audio bitrate, which older cameras do not know.
-// It is a receiver of the command layer's events: by registerForCameraNotifications(), or as any other receiver by
-// addCameraNotificationReceiver().
+// Posts the camera's power state as notifications, and answers a few queries that need more than a message: the power
+// type, the lens offset, and the audio bitrate, which older cameras do not support.
+// Receives the command layer's events after registerForCameraNotifications(), or after addCameraNotificationReceiver()
+// as any other receiver.
 //
-// Owner:  the arguments of the constructor must outlive the object. Registered, it is not held; a shared one that is
-//         added is held until it is removed, or the command layer goes.
-// Thread: any thread; handlers run on the main queue but where noted.
+// Owner:  the arguments of the constructor must outlive the object. Registering does not keep it alive; a shared one
+//         that is added is kept until it is removed or the command layer is destroyed.
+// Thread: any thread; handlers run on the main queue unless stated otherwise.
 class ZEL_EXPORT ZELCameraManager final : public ZELCameraNotificationProtocol {
  public:
   // The manager of the process-wide stack.
@@ -41,8 +41,8 @@ class ZEL_EXPORT ZELCameraManager final : public ZELCameraNotificationProtocol {
   ZELCameraManager(const ZELCameraManager&) = delete;
   ZELCameraManager& operator=(const ZELCameraManager&) = delete;
 
-  // From now on, and no longer, the camera's battery events are posted as notifications with the manager as sender.
-  // Registered or added twice, the events are posted twice; unregistering ends both.
+  // Starts and stops posting the camera's battery events as notifications, with the manager as sender. Registered or
+  // added twice, it posts each event twice; unregistering ends both.
   void registerForCameraNotifications();
   void unRegisterForCameraNotifications();
 
@@ -57,12 +57,12 @@ class ZEL_EXPORT ZELCameraManager final : public ZELCameraNotificationProtocol {
   void getCameraMediaOffset(std::uint8_t typeInfo, zel::RebackBlock<const std::optional<std::string>&> callback);
 
   // getCameraAudioBitrateWithRebackBlock:, setCameraAudioBitrate:rebackBlock: - bits a second.
-  // Errors: 120 where the connected camera's firmware is below 190, at once and on the calling thread.
+  // Errors: 120 when the connected camera's firmware is below 190, at once and on the calling thread.
   void getCameraAudioBitrateWithRebackBlock(zel::RebackBlock<std::uint32_t> rebackBlock);
   void setCameraAudioBitrate(std::uint32_t bitrate, zel::RebackBlock<> rebackBlock);
 
-  // The error 120 where the connected camera's firmware is too old for the audio bitrate ("checkout" and "Asyn" are the
-  // interface's spelling). Without a connection there is none: the request meets the connection's own check.
+  // Error 120 when the connected camera's firmware is too old for the audio bitrate ("checkout" and "Asyn" are the
+  // interface's spelling). No error without a connection: the request then fails with 100.
   std::optional<ZELError> checkoutAudioAsynVersion() const;
 
  private:

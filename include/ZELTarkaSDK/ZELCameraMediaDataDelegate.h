@@ -5,10 +5,10 @@
 
 #include <ZELTarkaSDK/platform/export.h>
 
-// Receives the camera's encoded video and audio as it comes.
+// Receives the camera's encoded video and audio.
 // Units:  timestamps in milliseconds.
 // Owner:  all bytes are valid during the call only.
-// Thread: session thread, which reads on only after the return.
+// Thread: session thread, which continues reading after the return.
 class ZEL_EXPORT ZELCameraMediaDataDelegate {
  public:
   using Bytes = std::span<const std::uint8_t>;

@@ -6,7 +6,7 @@
 #include <ZELTarkaSDK/ZELMessageFields.h>
 #include <ZELTarkaSDK/platform/export.h>
 
-// What the camera reports by itself, and the keys that each event's value has. Numbers that a short event lacks are 0.
+// The camera's events, and the keys of each event's value. Numbers that are missing in a short event are 0.
 enum class ZELCameraEvent : std::int64_t {
   firmwareUpdateDone = 0,  // none; "NSError" (101) where the update failed
   recordAutoSplit = 1,     // "uintValue" file time, "uint64Value" file size, "nsString" file name
@@ -23,14 +23,14 @@ enum class ZELCameraEvent : std::int64_t {
   deleteProgress = 13,     // "uintValue", "uintValue2", "uintValue3"
 };
 
-// Hears of the camera's events.
+// Receives the camera's events.
 class ZEL_EXPORT ZELCameraNotificationProtocol {
  public:
   virtual ~ZELCameraNotificationProtocol() = default;
 
   // notificationType:value: - one event. type: a ZELCameraEvent; value: absent where the event has none.
-  // Thread: session thread, with the command layer's lock held: add and remove no receivers here, and wait for nothing
-  //         that needs the command layer.
+  // Thread: session thread, with the command layer's lock held: do not add or remove receivers here, and do not wait
+  //         for anything that needs the command layer.
   virtual void notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value);
 };
 

@@ -6,10 +6,11 @@
 #include <ZELTarkaSDK/WireNumber.h>
 #include <ZELTarkaSDK/ZELMediaOffset.h>
 
-// Records that the camera's messages carry: their memory is their wire form. Where a field has no name of its own, its
-// meaning is the camera's; the framework passes it through.
+// Records in the camera's messages. Their memory is their wire form. A field without a meaningful name is passed
+// through; only the camera knows its meaning.
 
-// Where a picture is taken. Units:  degrees, degrees, metres.
+// Where a picture is taken.
+// Units:  degrees, degrees, metres.
 struct ZELGpsData {
   zel::F64 latitude;   //  0
   zel::F64 longitude;  //  8
@@ -118,7 +119,7 @@ struct timelapse_info {
 static_assert(zel::WireRecord<timelapse_info> && sizeof(timelapse_info) == 8);
 static_assert(offsetof(timelapse_info, value2) == 4 && offsetof(timelapse_info, exposure) == 6);
 
-// What the camera keeps with a recorded video.
+// Metadata of a recorded video.
 struct ZELVideoMnd {
   std::array<zel::U8, 8> head;     //   0  carried, not read
   zel::U64 value;                  //   8  carried, not read

@@ -29,14 +29,14 @@ class Queue;
 
 // Every command, query and setting of the camera, and the events that it sends.
 //
-// A request is sent where frames arrive or have just stopped (status 2 and 3), and fails with 100 elsewhere. Its
-// handler is called once: with the camera's answer; with 101 where the camera refuses or answers nonsense; with 100
-// where the link is lost. It is never called where a later request of the same kind is sent before the answer, and it
-// waits for good where the camera does not answer: there are no time-outs.
+// A request is sent at status 2 (frames arrive) and 3 (frames stopped), and fails with 100 otherwise. Its handler is
+// called once: with the camera's reply; with 101 when the camera refuses or sends a malformed reply; with 100 when the
+// link is lost. It is never called when a later request of the same kind is sent before the reply. There are no
+// timeouts: it stays pending while the camera does not reply.
 //
-// What numbers mean (resolution codes, modes, types) is the camera's; they are passed through.
+// Numbers such as resolution codes, modes and types are the camera's; they are passed through.
 //
-// Owner:  the arguments of the constructor must outlive the object; no frame may arrive once it has gone.
+// Owner:  the arguments of the constructor must outlive the object; no frame may arrive after its destruction.
 // Thread: any thread; handlers run on the main queue.
 // Errors: 100 no connection, 101 refused; see ZELError.h. A request for which there is no memory is not sent, and its
 //         handlers get 101. Where there is none for that either, or nobody to be told, the call does nothing and counts
@@ -53,7 +53,7 @@ class ZEL_EXPORT ZELCameraUCD {
   using TextBlock = zel::RebackBlock<const Text&>;
   // fileTime, fileSize in bytes, fileName: what a capture or a recording was stored as.
   using CaptureBlock = zel::RebackBlock<std::uint32_t, std::uint64_t, const Text&>;
-  // The same, with numbers that are absent where there is an error.
+  // The same; numbers are absent when there is an error.
   using SeriesBlock =
       zel::RebackBlock<const std::optional<std::uint32_t>&, const std::optional<std::uint64_t>&, const Text&>;
   using Gps = std::shared_ptr<const ZELMediaGps>;
@@ -69,9 +69,9 @@ class ZEL_EXPORT ZELCameraUCD {
   ZELCameraUCD(const ZELCameraUCD&) = delete;
   ZELCameraUCD& operator=(const ZELCameraUCD&) = delete;
 
-  // What is held while receivers are called. Set by the stack, before traffic starts.
+  // Keeps the stack alive while receivers are called. Set by the stack, before traffic starts.
   void setKeepAlive(const zel::KeepAlive& keepAlive);
-  // The stack goes: every handler that waits gets 100, of requests, captures and uploads.
+  // Calls every pending handler of requests, captures and uploads with error 100; the stack is being destroyed.
   void failEverything();
 
   // Calls of the host and answers for which there was no memory, of which nobody could be told.
@@ -79,9 +79,9 @@ class ZEL_EXPORT ZELCameraUCD {
 
   // -- The engine
 
-  // sendMsg:msgDataDic:rebackBlock: - sends the request of a message type, built of these fields.
+  // sendMsg:msgDataDic:rebackBlock: - sends the request of a message type with these fields.
   void sendMsg(std::int64_t msgType, const ZELMessageFields& msgDataDic, zel::RebackDic rebackBlock);
-  // responseCameraMsg:rebackDic: - completes the handler that waits under the type.
+  // responseCameraMsg:rebackDic: - completes the type's pending handler.
   void responseCameraMsg(std::int64_t msgType, const std::optional<ZELMessageFields>& rebackDic);
   // responseCameraErrorMsg: - fails it with 101.
   void responseCameraErrorMsg(std::int64_t msgType);
@@ -101,32 +101,31 @@ class ZEL_EXPORT ZELCameraUCD {
   // parserReceiveUint8ResponseAndUint32ValueData:msgType:
   void parserReceiveUint8ResponseAndUint32ValueData(const Data& data, std::int64_t msgType);
 
-  // addCameraNotificationReceiver: - the receiver hears of every event; one that is added twice hears twice.
-  // Owner: held until it is removed.
+  // addCameraNotificationReceiver: - the receiver gets every event; one that is added twice gets each event twice.
+  // Owner:  held until it is removed.
   void addCameraNotificationReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver);
-  // removeCameraNotificationReceiver: - every addition of it. Afterwards it hears nothing and is not being called;
-  // inside a callback nobody is waited for, and a call in progress on another thread is the last.
+  // removeCameraNotificationReceiver: - removes every addition of it. Afterwards it is not called and no call is in
+  // progress. Inside a callback the removal does not wait, and a call in progress on another thread is the last.
   void removeCameraNotificationReceiver(const ZELCameraNotificationProtocol* receiver);
   // sendNotification:value: - hands an event to every receiver before it returns, in the order of their addition.
   void sendNotification(std::int64_t type, const std::optional<ZELMessageFields>& value);
 
-  // sendFileWithType:filePath:fileData:rebackBlock: - uploads a file. type: the camera's; filePath: its name there.
-  // A drive in it ("C:/") cuts its first three characters; where nothing is left of it, the handler is not kept.
-  // Thread: the handler runs on the session thread where the camera's answer names the path, else on the main queue.
+  // sendFileWithType:filePath:fileData:rebackBlock: - uploads a file. type: the camera's; filePath: its name there. A
+  // path with a drive ("C:/") loses its first three characters. When nothing is left of it, the handler is dropped.
+  // Thread: the handler runs on the session thread when the camera's reply names the path, else on the main queue.
   void sendFileWithType(std::int64_t type, const Text& filePath, const ZELData& fileData, ErrorBlock rebackBlock);
 
   // -- Preview and photos
   //
-  // photoData gets the picture, or 100 where the link is lost before it comes. What the command itself ends with, it
-  // gets only where there is a rebackBlock: without one, a capture that is refused waits for a picture that never
-  // comes.
+  // photoData gets the picture, or 100 when the link is lost before it arrives. It gets the error of a refused capture
+  // only when there is a rebackBlock. Without one it stays pending, although no picture will arrive.
   //
-  // The error goes to the capture in force once rebackBlock has returned. A capture that rebackBlock begins, as a
-  // retry, is that one: it is failed with the old error, and loses its picture. Begin it when photoData is called.
+  // The error goes to the capture that is current after rebackBlock has returned. A retry that rebackBlock starts is
+  // that capture: it fails with the old error and loses its picture. Start a retry when photoData is called.
 
-  // setDemuxVideoRes: - has the de-multiplexer expect the preview of that resolution; starting it does so by itself.
+  // setDemuxVideoRes: - tells the de-multiplexer the resolution of the preview. Starting the preview does so too.
   void setDemuxVideoRes(std::uint64_t videoRes);
-  // msgCmdStartVideoWithVideoRes:rebackBlock: - starts the preview stream of that resolution; the camera answers with
+  // msgCmdStartVideoWithVideoRes:rebackBlock: - starts the preview stream at that resolution; the camera replies with
   // the one it chose. The preview player is reset before the handler is called.
   void msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackBlock);
   // msgCmdStopVPWithRebackBlock:
@@ -191,7 +190,7 @@ class ZEL_EXPORT ZELCameraUCD {
   // msgReqBatteryWithRebackBlock: - power type, battery level.
   void msgReqBatteryWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint8_t> rebackBlock);
   // msgReqGetCardStateWithRebackBlock: - state, then the card's whole and free space.
-  // Units: bytes.
+  // Units:  bytes.
   void msgReqGetCardStateWithRebackBlock(zel::RebackBlock<std::uint8_t, std::uint64_t, std::uint64_t> rebackBlock);
   // msgReqGetSerialNumber: - the text is absent where the camera's is not ASCII.
   void msgReqGetSerialNumber(TextBlock rebackBlock);
@@ -316,7 +315,7 @@ class ZEL_EXPORT ZELCameraUCD {
   // msgReqGetCalibVigEnableWithRebackBlock:
   void msgReqGetCalibVigEnableWithRebackBlock(ByteBlock rebackBlock);
 
-  // -- Where the host is. No answer comes.
+  // -- The host's position and motion. The camera does not reply.
 
   // msgReqUpdateGps:, newMsgReqUpdateGps:
   void msgReqUpdateGps(const ZELGpsData& gps);
@@ -331,19 +330,19 @@ class ZEL_EXPORT ZELCameraUCD {
 
   // -- Files
 
-  // msgReqGetFileMnd:rebackBlock: - what the camera keeps with a recorded video.
+  // msgReqGetFileMnd:rebackBlock: - the metadata of a recorded video.
   void msgReqGetFileMnd(const Text& fileName, zel::RebackBlock<const ZELVideoMnd&> rebackBlock);
-  // msgReqCreateTxtFile:dataSize:data:rebackBlock: - the handler gets the camera's own code, with the error too.
-  // fileName: its first 32 bytes are sent. dataSize: its low 16 bits are.
+  // msgReqCreateTxtFile:dataSize:data:rebackBlock: - the handler gets the camera's own code, also together with an
+  // error. fileName: its first 32 bytes are sent. dataSize: its low 16 bits are.
   void msgReqCreateTxtFile(const Text& fileName, std::int32_t dataSize, const Data& data, IntBlock rebackBlock);
-  // msgReqSetPhotoExtraInfoWithFileName:extraInfoData:rebackBlock: - of the name the first 64 bytes are sent.
+  // msgReqSetPhotoExtraInfoWithFileName:extraInfoData:rebackBlock: - the first 64 bytes of the name are sent.
   void msgReqSetPhotoExtraInfoWithFileName(const Text& fileName, const Data& extraInfoData, ErrorBlock rebackBlock);
   // msgReqSetVideoExtraInfoWithFileName:extraInfoData:rebackBlock:
   void msgReqSetVideoExtraInfoWithFileName(const Text& fileName, const Data& extraInfoData, ErrorBlock rebackBlock);
   // msgReqGetVideoExtraInfoWithFileName:rebackBlock:
   void msgReqGetVideoExtraInfoWithFileName(const Text& fileName, zel::RebackBlock<const Data&> rebackBlock);
-  // msgReqSendSyncData:rebackBlock: - asks the camera for the synchronisation marker. It is sent whatever the status,
-  // because it is what brings the first frame. The handler gets nothing, or the error's dictionary.
+  // msgReqSendSyncData:rebackBlock: - requests the synchronisation marker. It is sent at any status, because the camera
+  // sends no frame before it. The handler gets nothing, or the error's dictionary.
   void msgReqSendSyncData(const ZELData& data, zel::RebackDic rebackBlock);
 
  private:

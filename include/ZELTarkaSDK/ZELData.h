@@ -32,7 +32,6 @@ class ZEL_EXPORT ZELData {
   std::size_t size() const { return bytes_ ? bytes_->size() : 0; }
   bool empty() const { return size() == 0; }
 
-  // Equal when the bytes are.
   friend bool operator==(const ZELData& a, const ZELData& b) {
     return a.bytes_ == b.bytes_ || std::ranges::equal(a.bytes(), b.bytes());
   }

@@ -12,13 +12,13 @@ class Clock;
 struct Ports;
 }  // namespace zel::platform
 
-// Time stamps, and a log file for what the host wants to keep. The framework itself writes nothing there.
+// Time stamps, and a log file for the host. The framework itself writes nothing there.
 // Owner:  the ports, or the clock, must outlive the object.
-// Thread: any thread. Writes of several threads at once may interleave or replace one another.
+// Thread: any thread. Concurrent writes may interleave or overwrite one another.
 class ZEL_EXPORT ZELDateFormatter {
  public:
-  // The formatter of the process, made once and never destroyed. Its ports are those that setDefaultPorts() has named;
-  // until then the time is the system's, in UTC, and what is written is lost.
+  // The formatter of the process, created once and never destroyed. It uses the ports of setDefaultPorts(); until that
+  // is called, the time is the system's in UTC, and log writes are lost.
   static ZELDateFormatter& defaultFormatter();
 
   // Writes to log.txt in the documents folder of the ports, or to the file of that path.
@@ -28,12 +28,12 @@ class ZEL_EXPORT ZELDateFormatter {
   ZELDateFormatter(const ZELDateFormatter&) = delete;
   ZELDateFormatter& operator=(const ZELDateFormatter&) = delete;
 
-  // The current local time as "yyyy-MM-dd HH:mm:ss:SSS": a colon, not a point, stands before the milliseconds. The
-  // format is set anew with each call, and stays set.
+  // The current local time as "yyyy-MM-dd HH:mm:ss:SSS": a colon, not a point, stands before the milliseconds. Each
+  // call sets dateFormat() to this format.
   std::string getCurrentTime();
 
-  // How stringFromDate() writes; empty at first. Runs of y, M, d, H, m and s are numbers of at least so many digits,
-  // those of S the digits of the second's fraction; everything else stands for itself.
+  // The format of stringFromDate(); empty at first. A run of y, M, d, H, m or s is a number with at least that many
+  // digits, a run of S the digits of the second's fraction; other characters are copied.
   std::string dateFormat() const;
   void setDateFormat(const std::string& dateFormat);
 
@@ -41,9 +41,9 @@ class ZEL_EXPORT ZELDateFormatter {
   // Units:  seconds since 1 January 2001 UTC.
   std::string stringFromDate(double date) const;
 
-  // writeLogToFile:length: - appends the bytes to the log file, exactly as they are; a file that cannot be opened is
-  // made, or replaced, whole.
-  // Errors: none; what cannot be written is lost.
+  // writeLogToFile:length: - appends the bytes to the log file unchanged. A file that cannot be opened is created or
+  // replaced.
+  // Errors: none; bytes that cannot be written are lost.
   void writeLogToFile(const void* bytes, std::uint64_t length);
 
  private:
@@ -51,7 +51,7 @@ class ZEL_EXPORT ZELDateFormatter {
   static std::string logFileOf(const zel::platform::Ports& ports);
 
   const zel::platform::Clock& clock_;
-  const std::function<std::string()> logFile_;  // tells an empty path where there is none
+  const std::function<std::string()> logFile_;  // an empty path when there is none
   struct Format;
   const std::unique_ptr<Format> format_;
 };

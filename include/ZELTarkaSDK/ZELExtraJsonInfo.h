@@ -11,13 +11,13 @@
 #include <ZELTarkaSDK/ZELMediaOrientation.h>
 #include <ZELTarkaSDK/platform/export.h>
 
-// What the media library keeps with a photo or video: the lens offset's text, and how and where it was taken.
-// Owner:  the three objects are shared; null where nothing is known.
+// The media library's metadata of a photo or video: the lens offset's text, position and motion.
+// Owner:  the three objects are shared; null where unknown.
 class ZEL_EXPORT ZELExtraJsonInfo {
  public:
   ZELExtraJsonInfo() = default;
 
-  // initWithVideoMnd: - what the camera keeps with a recorded video.
+  // initWithVideoMnd: - from the metadata of a recorded video.
   static std::unique_ptr<ZELExtraJsonInfo> initWithVideoMnd(const ZELVideoMnd& record);
 
   const std::optional<std::string>& offset() const { return offset_; }

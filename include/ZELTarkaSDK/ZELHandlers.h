@@ -16,8 +16,8 @@
 
 namespace zel {
 
-// A completion handler: the error first, empty on success, then what the camera answered. Numbers and records are 0 and
-// text and bytes absent where there is an error.
+// A completion handler: the error first, empty on success, then the values of the camera's reply. On an error, numbers
+// and records are 0, and text and bytes are absent.
 // Thread: main queue; called at most once.
 template <class... Values>
 using RebackBlock = std::function<void(const std::optional<ZELError>& error, Values... values)>;
@@ -53,7 +53,7 @@ class ZEL_EXPORT ZELDataArray {
 // A captured photo: the camera's file name, absent where it is not ASCII text, and the image file.
 using ZELPhotoBlock = zel::RebackBlock<const std::optional<std::string>&, const std::optional<ZELData>&>;
 
-// A bracketed series: names and images in the order of arrival. A name that is not ASCII text is empty. The images are
-// the series' own list, which grows where the camera sends more than were asked for; null where there is an error.
+// A bracketed series: names and images in the order of arrival. A name that is not ASCII text is empty. The list of
+// images is the series' own, and grows when the camera sends more than were requested; null on an error.
 using ZELPhotoSeriesBlock =
     zel::RebackBlock<const std::vector<std::string>&, const std::shared_ptr<const ZELDataArray>&>;

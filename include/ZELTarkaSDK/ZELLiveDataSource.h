@@ -21,17 +21,18 @@ class CameraStack;
 struct LiveParts;
 }  // namespace zel
 
-// Streams live from the camera: switches its preview and sound on, stitches and encodes its pictures, and hands
-// everything to a delegate. A lighter use shows the preview in a view. Both share one stream of the camera, which is
-// switched off when neither is left.
+// Streams live from the camera: switches its preview and sound on, stitches and encodes its pictures, and delivers the
+// output to a delegate. It can also only show the preview in a view. Both uses share one camera stream, which is
+// switched off when both have ended.
 //
-// Failures reach the delegate alone, on the main queue, in the domain "zelcam.liveSource" (ZELError.h): 1 no preview
-// player, 3 no lens offset, 4 and 5 the preview did not start or stop, 6 the sound was not switched, 7 the encoder did
-// not open, or five pictures in a row could not be encoded. A start that failed stays a start until stopLiveData().
-// After "encode image error" nothing is tidied up, since the encode thread waits for itself: make another source.
+// Errors are reported to the delegate only, on the main queue, in the domain "zelcam.liveSource" (ZELError.h): 1 no
+// preview player, 3 no lens offset, 4 and 5 the preview did not start or stop, 6 the sound was not switched, 7 the
+// encoder did not open, or five pictures in a row could not be encoded. After a failed start the source stays started
+// until stopLiveData(). After "encode image error" nothing is released, since the encode thread waits for itself
+// forever: create a new source.
 //
-// Owner:  keeps its camera stack's objects alive; the ports must outlive it. A run keeps the source alive until it is
-//         stopped.
+// Owner:  keeps its camera stack's objects alive; the ports must outlive it. A run keeps the source alive until
+//         stopLiveData().
 // Thread: any thread, except where a delegate's operation says otherwise. stopLiveData() waits for the run's threads.
 class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
                                            public ZELCameraMediaDataDelegate,
@@ -44,8 +45,8 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
   using ViewBlock = std::function<void(std::shared_ptr<ZELRenderView> view)>;
 
   // initWitCameraResolution:stitchWidth:stitchHeight:bitrate: ("Wit" is the interface's spelling) - for the
-  // process-wide stack, for any stack, or for parts that stand by themselves. resolution: the camera's video resolution
-  // code. Units: pixels of the stitched pictures; the bitrate is the encoder's.
+  // process-wide stack, for any stack, or for separate parts. resolution: the camera's video resolution code.
+  // Units:  pixels of the stitched pictures; the bitrate is the encoder's.
   static Source initWitCameraResolution(Number resolution, Number stitchWidth, Number stitchHeight, Number bitrate);
   static Source initWitCameraResolution(zel::CameraStack& stack, Number resolution, Number stitchWidth,
                                         Number stitchHeight, Number bitrate);
@@ -59,34 +60,35 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
   void setDataSourceDelegate(std::weak_ptr<ZELLiveDataSourceProtocol> delegate);
   std::shared_ptr<ZELLiveDataSourceProtocol> dataSourceDelegate() const;
 
-  // Single commands, a part of the starts and the stops below. result: may be absent; runs on the main queue.
+  // Single commands that the starts and stops below consist of. result: may be empty; runs on the main queue.
   // setCameraPreviewOn:result:, setCameraAudioOn:result:, getCameraMediaOffset:
   void setCameraPreviewOn(bool on, ResultBlock result);
   void setCameraAudioOn(bool on, ResultBlock result);
   void getCameraMediaOffset(OffsetBlock result);
 
-  // startPreviewWithFrame:result: - the view that plays the preview, null where the host shows nothing. After a failure
-  // result is never called. Thread: result runs on the main queue.
+  // startPreviewWithFrame:result: - result gets the view that shows the preview, null when the host has none. After a
+  // failure result is never called.
+  // Thread: result runs on the main queue.
   void startPreviewWithFrame(const ZELRect& frame, ViewBlock result);
   void stopPreview();
 
-  // Starts step by step, each when the camera has answered the one before: preview, sound, lens offset, then the
-  // threads. Stop before you start again.
+  // Starts in steps: preview, sound, lens offset, then the threads. Each waits for the camera's reply to the previous
+  // one. Call stopLiveData() before the next start.
   void startLiveData();
-  // Ends the run, and a start that is under way. Returns at once where nothing was started or it is stopped already.
+  // Ends the run, or a start in progress. Returns at once when nothing is started.
   void stopLiveData();
-  // Lets the player go and switches the camera's preview and sound off.
+  // Releases the player and switches the camera's preview and sound off.
   void releasePlayer();
 
-  // failWithErrorCode:description: - tells the delegate that there is when the main queue comes to it.
+  // failWithErrorCode:description: - reports to the delegate that is set when the main queue runs the task.
   void failWithErrorCode(std::int64_t code, const std::string& description);
 
-  // What the host tells on the notification centre (application_events.h): the background switches the camera's preview
-  // and sound off; becoming active switches on again what is in use. The threads go on throughout.
+  // Called for the host's notifications (application_events.h): entering the background switches the camera's preview
+  // and sound off, becoming active switches those in use on again. The threads keep running.
   void handleEnterBackground();
   void handleDidActive();
 
-  // Settings; they count from the next start. fps comes from the resolution, and is 0 for a code above 15.
+  // Settings; they take effect at the next start. fps follows from the resolution, and is 0 for a code above 15.
   std::uint64_t resolution() const;
   std::uint64_t width() const;
   std::uint64_t height() const;
@@ -97,20 +99,20 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
   void setHeight(std::uint64_t height);
   void setBitrate(std::uint64_t bitrate);
   void setFps(std::uint64_t fps);
-  // Without stitching the delegate gets raw pictures and sound alone; encoding needs stitching.
+  // Without stitching the delegate gets only raw pictures and sound; encoding needs stitching.
   bool isStitch() const;
   bool isEncode() const;
   void setIsStitch(bool isStitch);
   void setIsEncode(bool isEncode);
-  // Units: degrees. They count when the renderer is made, which is when the first picture comes.
+  // Units:  degrees. Read when the renderer is created, at the first picture.
   float logoAngle() const;
   std::optional<zel::platform::RgbaImage> logoImage() const;
   void setLogoAngle(float angle);
   void setLogoImage(std::optional<zel::platform::RgbaImage> image);
-  // Counts at once.
+  // Takes effect at once.
   bool removePurple() const;
   void setRemovePurple(bool removePurple);
-  // For the host alone.
+  // For the host's own use.
   std::optional<std::string> url() const;
   void setUrl(std::optional<std::string> url);
 
@@ -118,10 +120,10 @@ class ZEL_EXPORT ZELLiveDataSource final : public ZELPixelBufferDataProtocol,
   bool isPreview() const;
   bool isLive() const;
   bool hasVideo() const;                      // the H.264 header of this run has been delivered
-  bool hasAudio() const;                      // likewise the AAC header
+  bool hasAudio() const;                      // the AAC header of this run has been delivered
   std::int32_t encodeFailCount() const;       // pictures in a row, over all runs
   std::int64_t firstTimestamp() const;        // the camera's time of the run's first sound, milliseconds
-  std::int64_t bufferTimestamp() const;       // of the newest picture, likewise
+  std::int64_t bufferTimestamp() const;       // the camera's time of the newest picture, milliseconds
   std::optional<std::string> offset() const;  // the lens offset that was fetched last
   std::shared_ptr<ZELPreviewPlayer> player() const;
   zel::LiveStatistics statistics() const;

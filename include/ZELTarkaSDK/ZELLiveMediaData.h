@@ -7,11 +7,11 @@
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/platform/export.h>
 
-// One encoded piece of media, for a host that queues what it receives. What the types mean is the host's.
-// Units: timestamp in milliseconds.
+// One encoded piece of media, for a host that queues what it receives. The host defines the types.
+// Units:  timestamp in milliseconds.
 class ZEL_EXPORT ZELLiveMediaData {
  public:
-  // initWithMediaData:timestamp:type: - no key frame at first.
+  // initWithMediaData:timestamp:type: - keyFrame is false at first.
   static std::unique_ptr<ZELLiveMediaData> initWithMediaData(ZELData data, std::int64_t timestamp, std::uint64_t type) {
     return std::unique_ptr<ZELLiveMediaData>(new ZELLiveMediaData(std::move(data), timestamp, type));
   }

@@ -21,7 +21,7 @@ class ZEL_EXPORT ZELMediaGps {
   void setLongitude(double value) { longitude_ = value; }
   void setAltitude(double value) { altitude_ = value; }
 
-  // The camera's record of it, unchanged.
+  // The camera's record of it.
   ZELGpsData getGpsData() const;
 
  private:

@@ -9,7 +9,7 @@
 #include <ZELTarkaSDK/WireNumber.h>
 #include <ZELTarkaSDK/platform/export.h>
 
-// One lens of the camera: six values in thousandths, and two that nothing reads.
+// One lens of the camera: six values in thousandths, and two unused values.
 struct ZELLensOffset {
   std::array<zel::S32, 6> p;         //  0
   std::array<zel::S32, 2> reserved;  // 24
@@ -19,13 +19,12 @@ struct ZELLensOffset {
 static_assert(zel::WireRecord<ZELLensOffset> && sizeof(ZELLensOffset) == 32);
 static_assert(offsetof(ZELLensOffset, reserved) == 24);
 
-// The geometry of the camera's two lenses, as the camera keeps and sends it. Only the renderer knows what the numbers
-// mean; this framework carries them.
+// The geometry of the camera's two lenses in the camera's own form. Only the renderer interprets the numbers.
 struct ZELMediaOffset {
   zel::U16 valueA;                      //  0
   zel::U16 valueB;                      //  2
   zel::U32 valueC;                      //  4
-  zel::U8 lensCount;                    //  8  lens groups that count, 0 to 2
+  zel::U8 lensCount;                    // 8 number of valid lens groups, 0 to 2
   zel::U8 reserved1;                    //  9
   zel::U16 reserved2;                   // 10
   zel::U32 reserved3;                   // 12
@@ -51,13 +50,13 @@ static_assert(offsetof(ZELOriginOffset, lens1) == 12 && offsetof(ZELOriginOffset
 
 // The offset as text: lens count, six values a lens in units with three decimals, valueA, valueB, valueC, joined by
 // "_". A record that announces more than two lenses is read as having two. Without a lens the middle part is "(null)".
-// The decimal point is a point in every locale.
+// The decimal separator is a point in every locale.
 // Thread: any thread.
 ZEL_EXPORT std::string getOffsetFromZELMediaOffset(const ZELMediaOffset& offset);
 
-// The record that a text stands for; an absent text is an all-zero record.
-// Errors: none. What is missing or no number reads as 0; a value beyond 32 bits is the nearest that fits; of more than
-//         two lenses the first two are read, and the header values right after them.
+// The record of a text; an absent text gives an all-zero record.
+// Errors: none. A missing value, or one that is no number, reads as 0. A value beyond 32 bits is clamped. Of more than
+//         two lenses the first two are read, and the header values directly after them.
 // Thread: any thread.
 ZEL_EXPORT ZELMediaOffset getMediaOffsetFromOffset(const std::optional<std::string_view>& text);
 

@@ -22,8 +22,7 @@ class ZEL_EXPORT ZELMediaOrientation {
   void setZ(double value) { z_ = value; }
   void setW(double value) { w_ = value; }
 
-  // The camera's record of it: each value without its fraction. A value beyond 32 bits becomes the nearest that fits,
-  // and what is no number becomes 0.
+  // The camera's record of it: each value truncated. A value beyond 32 bits is clamped, and NaN becomes 0.
   ZELOrientationData getOrientationData() const;
 
  private:

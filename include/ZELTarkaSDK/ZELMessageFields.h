@@ -15,7 +15,7 @@
 
 // The fields of a request, a reply or an event under their fixed text keys ("ucharValue", "NSData", ...).
 // A key that is missing or holds another type reads as absent.
-// Thread: a value, with no lock of its own.
+// Thread: none of its own; guard it as any value.
 class ZEL_EXPORT ZELMessageFields {
  public:
   using Value = std::variant<std::uint8_t, std::int16_t, std::uint16_t, std::int32_t, std::uint32_t, std::int64_t,
@@ -35,7 +35,7 @@ class ZEL_EXPORT ZELMessageFields {
     return value != nullptr ? std::optional<T>(*value) : std::nullopt;
   }
 
-  // Null where get() gives nothing. The value lives as long as the field is not set anew.
+  // Null where get() is empty. The pointer is valid until the field is set again.
   template <class T>
   const T* find(std::string_view key) const {
     const auto found = fields_.find(key);

@@ -15,10 +15,10 @@ namespace zel::platform {
 struct Ports;
 }
 
-// Turns the camera's preview into pictures, and hands its encoded video and audio on.
+// Decodes the camera's preview into pictures, and delivers its encoded video and audio.
 // Units:  timestamps in milliseconds.
-// Owner:  the host holds it; the de-multiplexer and the decode thread know it weakly. The host's ports must outlive it
-//         and its decode thread, which ends by itself shortly after the player.
+// Owner:  the host owns it; the de-multiplexer and the decode thread hold weak references. The ports must outlive the
+//         player and its decode thread, which ends by itself shortly after the player.
 // Thread: the operations of PreviewConsumer on the session thread, the rest on any thread.
 class ZEL_EXPORT ZELPreviewPlayer final : public zel::PreviewConsumer, public ZELPixelBufferDataProtocol {
  public:
@@ -28,15 +28,15 @@ class ZEL_EXPORT ZELPreviewPlayer final : public zel::PreviewConsumer, public ZE
   // resolution. CameraStack::suitablePreviewPlayer() does the same for any stack.
   static std::shared_ptr<ZELPreviewPlayer> suitablePreviewPlayer();
 
-  // init - a player that receives nothing yet. firewareVersion tells which camera it is that sends.
+  // init - a player that receives nothing yet. firewareVersion returns the sending camera's firmware version.
   static std::shared_ptr<ZELPreviewPlayer> create(const zel::platform::Ports& ports,
                                                   std::function<std::int64_t()> firewareVersion);
   ~ZELPreviewPlayer() override;
   ZELPreviewPlayer(const ZELPreviewPlayer&) = delete;
   ZELPreviewPlayer& operator=(const ZELPreviewPlayer&) = delete;
 
-  // Receives slices, parameter sets and audio; held weakly. A new one stops the audio clock, and hears no audio before
-  // it runs again.
+  // Receives slices, parameter sets and audio; held weakly. A new delegate stops the audio clock, and receives no audio
+  // until the clock runs again.
   void setMediaDataDelegate(std::weak_ptr<ZELCameraMediaDataDelegate> delegate);
   std::shared_ptr<ZELCameraMediaDataDelegate> mediaDataDelegate() const;
 
@@ -54,47 +54,50 @@ class ZEL_EXPORT ZELPreviewPlayer final : public zel::PreviewConsumer, public ZE
   void setImageWidth(std::int32_t width) override;
   void setImageHeight(std::int32_t height) override;
 
-  // Pictures a second, by which the video clock of a camera before firmware 190 runs; 30 at first.
+  // Pictures a second, for the video clock of cameras before firmware 190; 30 at first.
   std::int32_t fps() const;
   void setFps(std::int32_t fps) override;
 
-  // Times that the next slice and the next AAC frame get.
+  // Timestamps of the next slice and the next AAC frame.
   std::int64_t nextVideoTimestamp() const;
   std::int64_t nextAudioTimestamp() const;
   void setNextVideoTimestamp(std::int64_t timestamp) override;
   void setNextAudioTimestamp(std::int64_t timestamp) override;
 
-  // appendVideoBytes:length: - the next bytes of the H.264 stream. A unit takes effect once the start code behind it
-  // has come. The first SPS and PPS count until the player is reset.
+  // appendVideoBytes:length: - the next bytes of the H.264 stream. A NAL unit is processed once the start code after it
+  // has arrived. The first SPS and PPS are used until the player is reset.
   void appendVideoBytes(std::span<const std::uint8_t> bytes) override;
 
-  // appendAudioBytes:length: - whole ADTS frames; what a frame lacks at the end is not waited for.
+  // appendAudioBytes:length: - whole ADTS frames; a frame that is cut off at the end is dropped.
   void appendAudioBytes(std::span<const std::uint8_t> bytes) override;
 
-  // Forgets the parameter sets and the picture's size and ends decoding, for a stream of another kind to follow. No
-  // picture of the old stream comes after it: only a delivery that has begun on the decode thread still ends.
+  // Clears the parameter sets and the picture size and ends decoding, for a stream of another format. No picture of the
+  // old stream follows, except a delivery in progress on the decode thread.
   void resetPlayer() override;
 
-  // createSnapshot: - calls the block once, with the next picture; it replaces a block that still waits.
-  // Thread: the block runs on the decode thread. It may ask for another snapshot; it must not poll.
+  // createSnapshot: - calls the block once, with the next picture; it replaces a pending block.
+  // Thread: the block runs on the decode thread. It may request another snapshot; it must not poll.
   void createSnapshot(PixelBufferBlock block);
-  // Whether a block waits (currentPixelBufferBlock).
+  // Whether a block is pending (currentPixelBufferBlock).
   bool hasPendingSnapshot() const;
 
-  // copyNextFrame: - the oldest of the latest five pictures that was not polled yet, and its time where `timestamp` is
-  // given; null, and the time untouched, when there is none.
+  // copyNextFrame: - the oldest of the latest five pictures that was not polled yet, and its time when `timestamp` is
+  // not null. Null when there is none; `timestamp` is then unchanged.
   zel::platform::PixelBufferRef copyNextFrame(std::int64_t* timestamp);
 
-  // What has become of the encoded pictures. Thread: any thread.
+  // Counters of the encoded pictures.
+  // Thread: any thread.
   zel::PreviewStatistics statistics() const;
 
-  // onPixelBuffer:withTimesTamp: - a decoded picture. Thread: decode thread.
+  // onPixelBuffer:withTimesTamp: - a decoded picture.
+  // Thread: decode thread.
   void onPixelBuffer(const zel::platform::PixelBufferRef& pixelBuffer, std::int64_t timestamp) override;
 
-  // isValid: - whether a parameter set with this NAL header byte counts.
+  // isValid: - whether a parameter set with this NAL header byte is used.
   static bool isValid(std::uint8_t nalHeader);
 
-  // synTimestamp - sets both clocks to the later of the two. Thread: session thread.
+  // synTimestamp - sets both clocks to the later of the two.
+  // Thread: session thread.
   void synTimestamp();
 
  private:

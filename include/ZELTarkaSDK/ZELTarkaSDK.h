@@ -1,6 +1,6 @@
 #pragma once
 
-// Everything that the framework offers a host.
+// All public headers.
 
 #include <ZELTarkaSDK/AudioConfig.h>
 #include <ZELTarkaSDK/CameraInUse.h>

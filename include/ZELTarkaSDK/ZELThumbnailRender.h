@@ -14,8 +14,8 @@ namespace zel::platform {
 struct Ports;
 }
 
-// Turns a short piece of H.264, a key frame with its parameter sets, into one picture or one flat image. Each call
-// stands for itself; nothing is kept between two.
+// Decodes a short piece of H.264, a keyframe with its parameter sets, into one picture or one flat image. Nothing is
+// kept between calls.
 // Owner:  the ports must outlive the object.
 // Thread: one at a time.
 class ZEL_EXPORT ZELThumbnailRender {
@@ -34,17 +34,17 @@ class ZEL_EXPORT ZELThumbnailRender {
   void setWidth(std::int32_t width) { width_ = width; }
   void setHeight(std::int32_t height) { height_ = height; }
 
-  // copyPixelBufferWithDecodeH264Data: - the last key frame's picture. data: units, each behind a start code of 4
-  // bytes. Errors: null, whatever is wrong: no data, no valid parameter sets before the key frame, a picture that
-  // cannot be
+  // copyPixelBufferWithDecodeH264Data: - the last keyframe's picture. data: NAL units, each after a start code of 4
+  // bytes.
+  // Errors: null without data, without valid parameter sets before the keyframe, and for a picture that cannot be
   //         decoded.
   zel::platform::PixelBufferRef copyPixelBufferWithDecodeH264Data(const ZELData& data);
 
   // renderWithh264Data:offset: - the same picture, unwrapped. offset: the camera's lens offset, as its text.
-  // Errors: null without an offset, where there is no picture, and where the host renders nothing.
+  // Errors: null without an offset, without a picture, and when the host has no renderer.
   zel::platform::PixelBufferRef renderWithh264Data(const ZELData& data, const std::optional<std::string>& offset);
 
-  // isInValid: ("InValid" is the interface's spelling) - whether a parameter set with this NAL header byte is left out.
+  // isInValid: ("InValid" is the interface's spelling) - whether a parameter set with this NAL header byte is ignored.
   static bool isInValid(std::uint8_t nalHeader);
 
  private:

@@ -1,4 +1,4 @@
-# What Debian wants compressed, with no time in it, so that two builds make the same file.
+# Compresses the files that Debian wants compressed, without time stamps, so that builds are reproducible.
 file(GLOB_RECURSE files ${CPACK_TEMPORARY_DIRECTORY}/*/usr/share/doc/*/changelog
   ${CPACK_TEMPORARY_DIRECTORY}/*/usr/share/man/man*/*.[1-8])
 foreach(file ${files})

@@ -1,4 +1,4 @@
-# The library's trigger has the linker's cache made anew. CPack adds scripts that do so once more, and cannot go without.
+# The library's trigger runs ldconfig. Removes CPack's scripts, which would run it again and cannot be disabled.
 foreach(package ${CPACK_PACKAGE_FILES})
   get_filename_component(name ${package} NAME)
   if(name MATCHES "^libzeltarkasdk[0-9]+_")

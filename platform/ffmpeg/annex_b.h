@@ -8,7 +8,7 @@
 namespace zel::platform {
 
 // Calls take(unit) with each unit of a stream, from its header byte to before the next start code of three or four
-// bytes. What stands before the first start code is left out, and so are empty units.
+// bytes. Bytes before the first start code and empty units are skipped.
 template <class Take>
 void forEachUnit(std::span<std::uint8_t> stream, const Take& take) {
   constexpr std::array<std::uint8_t, 3> kCode{0, 0, 1};

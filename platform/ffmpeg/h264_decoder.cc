@@ -42,7 +42,7 @@ std::size_t lengthPrefix(Bytes unit) {
   return std::size_t{unit[0]} << 24 | std::size_t{unit[1]} << 16 | std::size_t{unit[2]} << 8 | std::size_t{unit[3]};
 }
 
-// The unit behind its length; nothing where the two do not fit.
+// The unit after its length; nothing when the length does not match.
 std::optional<Bytes> unitIn(Bytes prefixed) {
   if (prefixed.size() <= kLengthPrefix || prefixed.size() > kLargestUnit) return std::nullopt;
   const Bytes unit = prefixed.subspan(kLengthPrefix);
@@ -115,11 +115,11 @@ bool isDecodable(const H264Sequence& sequence) {
   return sequence.chromaFormat <= 1 && sequence.bitDepth == 8 && 256 * macroblocks <= LibavVideoDecoders::kMostPixels;
 }
 
-// How units become packets.
+// How units are grouped into packets.
 enum class Feeding {
-  undecided,         // unit by unit; the first key picture tells how to go on
-  unitByUnit,        // each unit at once: FFmpeg gives a picture as soon as its last macroblock has been decoded
-  pictureByPicture,  // all units of a picture together, when the next picture shows that it is whole
+  undecided,         // unit by unit; the first keyframe decides how to continue
+  unitByUnit,        // each unit at once: FFmpeg returns a picture as soon as its last macroblock is decoded
+  pictureByPicture,  // all units of a picture together, once the next picture shows that it is complete
 };
 
 class H264Decoder final : public VideoDecoder {
@@ -170,7 +170,7 @@ class H264Decoder final : public VideoDecoder {
     reorderingIsKnown_ = sequence.reordersNever || sequence.reorderingIsDeclared;
   }
 
-  // False for a set that makes no sense: FFmpeg might take it and hold pictures back without end.
+  // False for an invalid SPS: FFmpeg might accept it and hold pictures back forever.
   bool followSequence(Bytes unit) {
     const auto sequence = parseH264Sequence(unit);
     if (!sequence || !isDecodable(*sequence)) return false;
@@ -178,7 +178,7 @@ class H264Decoder final : public VideoDecoder {
     return true;
   }
 
-  // FFmpeg would raise this by itself, step by step, and lose a picture at each.
+  // FFmpeg would raise this by itself, step by step, and lose a picture at each step.
   void expectReordering() {
     if (std::exchange(reorderingIsKnown_, true)) return;
     stream_.context().has_b_frames = std::max(stream_.context().has_b_frames, heldBackIfReordered_);
@@ -199,7 +199,7 @@ class H264Decoder final : public VideoDecoder {
     return withoutPicture(slice && fault >= 0 && !lostOne);
   }
 
-  // The first key picture consists of several units. It is decoded once more when all of them are there.
+  // The first keyframe consists of several units. It is decoded again when all of them have arrived.
   DecodeResult collectFromNowOn(Bytes unit, const std::optional<H264SliceStart>& slice, std::int64_t timestamp) {
     forgetPictures();
     feed(Feeding::pictureByPicture);
@@ -217,8 +217,8 @@ class H264Decoder final : public VideoDecoder {
     return result;
   }
 
-  // Several threads sometimes agree on a list of references that none of them can use; a key picture needs none, but
-  // they are freed from it only by force.
+  // With several threads FFmpeg sometimes gets an unusable reference list. A keyframe needs none, but only a flush
+  // resets it.
   DecodeResult decodeCollected() {
     const bool taken = sendCollected();
     hasSlice_ = false;
@@ -228,7 +228,7 @@ class H264Decoder final : public VideoDecoder {
     return withoutPicture(taken && !lostOne);
   }
 
-  // With several threads a fault is that of a picture before.
+  // With several threads an error belongs to an earlier picture.
   bool sendCollected() {
     const bool taken = packet_.sendTo(stream_, timestamp_) >= 0;
     if (taken || stream_.context().thread_count > 1) owed_.add(timestamp_);
@@ -252,9 +252,8 @@ class H264Decoder final : public VideoDecoder {
 
   static DecodeResult withoutPicture(bool kept) { return {kept ? DecodeStatus::kept : DecodeStatus::noPicture, {}}; }
 
-  // While FFmpeg waits for units of a picture it takes none of the next one. A packet that is said to be whole ends
-  // that. True where a picture before was lost: the new one may be unfinished, and those that are held back may be
-  // owed.
+  // While FFmpeg waits for units of a picture, it accepts none of the next one. A packet that is marked complete ends
+  // that. True when an earlier picture was lost; the new one may be incomplete, and others may be held back.
   bool beginPicture(std::int64_t timestamp) {
     owed_.add(timestamp);
     if (std::exchange(pictureBegun_, true)) {
@@ -282,8 +281,8 @@ class H264Decoder final : public VideoDecoder {
   UnitPacket packet_;           // units of the picture that is being collected
   std::int64_t timestamp_ = 0;  // of its first slice
   bool hasSlice_ = false;
-  bool failed_ = false;        // a picture since the last key picture
-  bool pictureBegun_ = false;  // unit by unit: a first slice was decoded, and no picture has come out since
+  bool failed_ = false;        // a picture failed since the last keyframe
+  bool pictureBegun_ = false;  // unit by unit: a first slice was decoded, and no picture was returned since
   bool ended_ = false;
 };
 

@@ -22,11 +22,10 @@ struct LibavDecoderOptions {
 
 // H.264 through libavcodec: 8-bit 4:2:0 of every profile, up to kMostPixels a picture.
 //
-// A stream that declares limited range is stretched to full range; every other one is handed on as it was decoded. A
-// picture of which a slice is broken is not shown. Where parameter sets within the stream change the picture's size,
-// pictures of the new size follow. A stream that reorders pictures, and whose parameter set does not say how far, is
-// found out by its first B slice; from then on as many pictures are held back as its level allows. Errors: a stream in
-// another format gives no decoder, and where the parameter set does not tell, no picture. The stage's
+// A stream that declares limited range is converted to full range; any other is passed on as decoded. A picture with a
+// broken slice is not returned. Parameter sets within the stream may change the picture's size. Reordering that the SPS
+// does not declare is detected at the first B slice; from then on as many pictures are held back as the level allows.
+// Errors: a stream in another format gives no decoder, or, if the SPS does not declare it, no picture. The stage's
 //         status is FFmpeg's.
 class LibavVideoDecoders final : public VideoDecoders {
  public:

@@ -87,20 +87,20 @@ CodecContextPtr openContext(const VideoEncoderSettings& settings, const LibavEnc
   silence(*context);
   describePictures(*context, settings, colour);
   describeStream(*context, settings, std::clamp(options.threads, 1, Encoders::kMostThreads));
-  const bool isSet =
-      setOption(*context, "preset", nameOf(options.preset)) && setOption(*context, "tune", "zerolatency") &&
-      setOption(*context, "sc_threshold", "0");  // key pictures come with the second, not with what they show
+  const bool isSet = setOption(*context, "preset", nameOf(options.preset)) &&
+                     setOption(*context, "tune", "zerolatency") &&
+                     setOption(*context, "sc_threshold", "0");  // keyframes at each second, not at scene cuts
   if (!isSet || avcodec_open2(context.get(), codec, nullptr) < 0) return nullptr;
   return context;
 }
 
-// Whether the plane has all that will be read of it.
+// Whether the plane has all bytes that will be read.
 bool holds(const PixelPlane& plane, std::size_t rowBytes, std::size_t rows) {
   return plane.data != nullptr && plane.rowBytes >= rowBytes && plane.rows >= rows && plane.stride >= plane.rowBytes &&
          plane.stride <= std::numeric_limits<std::int32_t>::max() / rows;
 }
 
-// The plane where it is. The reference keeps the picture; FFmpeg takes the bytes for read-only.
+// The plane without a copy. The reference keeps the picture alive; FFmpeg treats the bytes as read-only.
 bool setPlane(AVFrame& frame, std::size_t index, const PixelPlane& plane, const PixelBufferRef& picture) {
   auto owner = std::make_unique<PixelBufferRef>(picture);
   const auto letGo = [](void* kept, std::uint8_t*) { delete static_cast<PixelBufferRef*>(kept); };
@@ -176,9 +176,9 @@ class H264Encoder final : public VideoEncoder {
            holds(picture.luma(), width, height) && holds(picture.chroma(), width, height / 2);
   }
 
-  // The parameter sets, which are read here, tell the colours, and these are known with the first picture alone.
+  // The parameter sets, which are read here, declare the colours, which are known only with the first picture.
   bool openFor(const PictureColour& colour) {
-    context_.reset();  // its memory and threads go before the next one's come
+    context_.reset();  // its memory and threads are freed before the next one's are created
     context_ = openContext(settings_, options_, colour);
     colour_ = colour;
     return context_ && readParameterSets();
@@ -194,7 +194,7 @@ class H264Encoder final : public VideoEncoder {
     return context_ != nullptr;
   }
 
-  // The packet is the encoder's until it is unreferenced: its bytes may be written.
+  // The packet belongs to this encoder until it is unreferenced: its bytes may be overwritten.
   void handOn() {
     if (!parameterSetsSent_ && parameterSets_) {
       parameterSets_(sps_.data(), static_cast<std::int32_t>(sps_.size()), pps_.data(),
@@ -211,7 +211,7 @@ class H264Encoder final : public VideoEncoder {
     });
   }
 
-  // The length takes the start code's place. A start code of three bytes at the packet's begin has not enough of it.
+  // The length overwrites the start code. A start code of three bytes at the packet's begin has no space for it.
   void send(EncodedBytes stream, EncodedBytes unit, bool key, MediaTime time) {
     std::uint8_t* prefixed = unit.data() - kLengthPrefix;
     if (unit.data() - stream.data() < static_cast<std::ptrdiff_t>(kLengthPrefix)) {
@@ -224,7 +224,7 @@ class H264Encoder final : public VideoEncoder {
     nalu_(prefixed, static_cast<std::int32_t>(kLengthPrefix + unit.size()), key, time);
   }
 
-  // A picture that failed inside of the encoder leaves its time behind.
+  // A picture that failed inside the encoder leaves its timestamp in the queue.
   MediaTime timeOf(std::int64_t number) {
     while (!waiting_.empty() && waiting_.front().number < number) waiting_.pop_front();
     return waiting_.empty() ? MediaTime() : waiting_.front().time;
@@ -233,14 +233,14 @@ class H264Encoder final : public VideoEncoder {
   const VideoEncoderSettings settings_;
   const LibavEncoderOptions options_;
   CodecContextPtr context_;
-  PictureColour colour_;  // as the parameter sets tell it
+  PictureColour colour_;  // as declared in the parameter sets
   PacketPtr packet_;
   std::vector<std::uint8_t> sps_, pps_, moved_;
   SpsPpsCallback parameterSets_;
   NaluCallback nalu_;
   bool parameterSetsSent_ = false;
   std::int64_t nextNumber_ = 0;
-  std::deque<Waiting> waiting_;  // pictures inside of the encoder
+  std::deque<Waiting> waiting_;  // pictures inside the encoder
 };
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 namespace zel::platform {
 
-// How much time x264 takes for a picture: each step makes better pictures of the same size, and takes longer.
+// x264's preset: each step gives better pictures of the same size, and takes longer.
 enum class X264Preset { ultrafast, superfast, veryfast, faster, fast, medium };
 
 struct LibavEncoderOptions {
@@ -16,20 +16,20 @@ struct LibavEncoderOptions {
   int threads = 1;
 };
 
-// H.264 through libavcodec and libx264, for live streams: no picture waits for a later one, none is reordered, each is
-// one slice and so one unit, and each second begins with a key picture. Parameter sets come before the first unit, and
-// not again; delimiters and supplementary information are left out.
+// H.264 through libavcodec and libx264, for live streams: no lookahead, no reordering, one slice and so one NAL unit
+// for each picture, a keyframe each second. Parameter sets are delivered once, before the first unit; access unit
+// delimiters and SEI are left out.
 //
-// Pictures are read where they are. The stream declares full range and the colours of its first picture, completed
-// where they are untold; a later picture of another matrix is converted to the first one's.
+// Pictures are not copied. The stream declares full range and the colours of its first picture, completed where
+// unspecified; a later picture with another matrix is converted to the first one's.
 //
-// Units:  the bitrate counts bits a second, and is not exceeded for longer than a second.
+// Units:  the bitrate in bits a second, not exceeded for longer than a second.
 //
-// Thread: both callbacks run on the thread that hands over a picture, before encodeImage() returns.
+// Thread: both callbacks run on the thread that calls encodeImage(), before it returns.
 //
 // Errors: open() is false for odd sides and those below kSmallestSide or above kLargestSide, for more pixels than
-//         kMostPixels, for a bitrate below kLeastBitrate, for pictures a second below 1 or above kMostFps, and where
-//         there is no libx264. encodeImage() is false for no picture and one of another size.
+//         kMostPixels, for a bitrate below kLeastBitrate, for a rate below 1 or above kMostFps, and without libx264.
+//         encodeImage() is false for null and for a picture of another size.
 class LibavVideoEncoders final : public VideoEncoders {
  public:
   static constexpr int kMostThreads = 16;

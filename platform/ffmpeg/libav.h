@@ -7,7 +7,7 @@ extern "C" {
 
 #include <memory>
 
-// FFmpeg's objects with an owner, and nothing more.
+// Owning pointers to FFmpeg's objects.
 
 namespace zel::platform {
 
@@ -21,8 +21,8 @@ using CodecContextPtr = std::unique_ptr<AVCodecContext, LibavDeleter>;
 using FramePtr = std::unique_ptr<AVFrame, LibavDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, LibavDeleter>;
 
-// FFmpeg's log belongs to the host. What a context says is lifted above every level that a host asks for (56 at most;
-// the level is a byte), so that nothing of it comes out, without touching the process-wide setting.
+// FFmpeg's log belongs to the host. A context's messages get a level above any that a host selects (at most 56; the
+// level is a byte), so that none is printed, without changing the process-wide setting.
 inline void silence(AVCodecContext& context) { context.log_level_offset = 100; }
 
 }  // namespace zel::platform

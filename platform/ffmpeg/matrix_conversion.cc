@@ -8,7 +8,7 @@
 namespace zel::platform {
 namespace {
 
-// What a pair of chroma samples becomes, and by how much it raises the luma beside it.
+// The converted pair of chroma samples, and the change of the luma samples that belong to it.
 struct ChromaStep {
   double luma = 0, cb = 0, cr = 0;
 };
@@ -22,7 +22,7 @@ ChromaStep stepOf(ColourMatrix from, ColourMatrix to, double cb, double cr) {
 
 std::uint8_t byteOf(double value) { return static_cast<std::uint8_t>(std::clamp(std::lround(value), 0L, 255L)); }
 
-// The pixels that a pair of chroma samples stands for: two by two, fewer at an odd edge.
+// The pixels of a pair of chroma samples: two by two, fewer at an odd edge.
 void raiseLuma(const PixelPlane& from, MemoryPixelBuffer& to, std::size_t column, std::size_t row, double by) {
   for (std::size_t y = 2 * row; y < std::min(2 * row + 2, to.luma().rows); ++y) {
     const auto into = to.lumaRow(y);

@@ -4,9 +4,9 @@
 
 namespace zel::platform {
 
-// The picture by another matrix: the same red, green and blue, but for rounding. One that has this matrix already comes
-// back as it is. Primaries and transfer are left as they are.
-// Errors: null for a picture that does not fit into memory.
+// The picture converted to another matrix: the same RGB values, except for rounding. A picture with this matrix is
+// returned unchanged. Primaries and transfer are kept.
+// Errors: null when memory runs out.
 PixelBufferRef inMatrix(const PixelBufferRef& picture, ColourMatrix matrix);
 
 }  // namespace zel::platform

@@ -7,7 +7,7 @@
 
 namespace zel::platform {
 
-// The times of the pictures that a decoder was given and has not shown, in the order in which they came.
+// The timestamps of the pictures that a decoder has received and not returned, in order of arrival.
 class OwedPictures {
  public:
   void add(std::int64_t time) { times_.push_back(time); }
@@ -17,15 +17,15 @@ class OwedPictures {
     if (!times_.empty()) times_.pop_back();
   }
 
-  // True, and the oldest is dropped, where the decoder owes more than it can hold back: one of them was lost.
+  // True, and drops the oldest, when there are more than the decoder can hold back: one of them was lost.
   bool loseBeyond(std::size_t most) {
     if (times_.size() <= most) return false;
     times_.pop_front();
     return true;
   }
 
-  // The time of a picture that is shown; own: that of its first unit. Reordered pictures are shown at the times at
-  // which others came, so that these follow each other evenly.
+  // The timestamp of a returned picture; own: that of its first unit. Reordered pictures get the timestamps in order of
+  // arrival, so that they are evenly spaced.
   std::int64_t take(std::int64_t own, bool reordered) {
     const auto place = reordered ? times_.begin() : std::ranges::find(times_, own);
     if (place == times_.end()) return own;

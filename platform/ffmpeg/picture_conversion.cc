@@ -17,7 +17,7 @@ PictureColour colourOf(const AVFrame& frame) {
           static_cast<std::uint8_t>(frame.color_trc)};
 }
 
-// The decoder's own memory for luma, and the two planes of chroma merged into one.
+// Luma in the decoder's memory, and the two chroma planes merged into one.
 class FramePixelBuffer final : public PixelBuffer {
  public:
   explicit FramePixelBuffer(FramePtr frame)
@@ -42,7 +42,7 @@ class FramePixelBuffer final : public PixelBuffer {
   PictureColour colour() const override { return colourOf(*frame_); }
 
  private:
-  // The decoder's planes, where they are not in one piece with luma: a third of what a kept picture would hold.
+  // Releases the decoder's chroma planes if they are separate buffers: a third of a picture's memory.
   void giveBackChroma() {
     for (const int plane : {1, 2}) {
       frame_->data[plane] = nullptr;
@@ -59,7 +59,7 @@ const std::uint8_t* rowOf(const AVFrame& frame, int plane, std::size_t row) {
   return frame.data[plane] + static_cast<std::ptrdiff_t>(row) * frame.linesize[plane];
 }
 
-// Looking a sample up takes a third of the time of working it out.
+// A table look-up takes a third of the time of the computation.
 using SampleTable = std::array<std::uint8_t, 256>;
 
 constexpr SampleTable tableOf(std::uint8_t (*stretch)(std::uint8_t)) {

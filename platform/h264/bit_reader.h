@@ -6,8 +6,8 @@
 
 namespace zel::platform {
 
-// Reads the bits of an H.264 unit behind its header byte; the bytes put in against false start codes are skipped.
-// Errors: sticky. Once something was asked for that is not there, ok() is false and every number is 0.
+// Reads the bits of a NAL unit after its header byte; emulation prevention bytes are skipped.
+// Errors: sticky. After a read past the end, ok() is false and every number is 0.
 class BitReader {
  public:
   explicit BitReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
@@ -19,7 +19,7 @@ class BitReader {
     return (byte_ >> --left_) & 1;
   }
 
-  // Up to 32 bits, the highest first.
+  // Up to 32 bits, most significant first.
   std::uint32_t bits(int count) {
     std::uint32_t value = 0;
     while (count-- > 0) value = value << 1 | bit();
@@ -30,7 +30,7 @@ class BitReader {
     while (count-- > 0) bit();
   }
 
-  // An Exp-Golomb number: as many zeros as there are bits behind the first one.
+  // An unsigned Exp-Golomb number, ue(v).
   std::uint32_t number() {
     int zeros = 0;
     while (ok_ && bit() == 0) ++zeros;
@@ -38,7 +38,7 @@ class BitReader {
     return ok_ ? (1u << zeros) - 1 + bits(zeros) : 0;
   }
 
-  // The same with a sign: 1, -1, 2, -2, ...
+  // A signed Exp-Golomb number, se(v): 1, -1, 2, -2, ...
   std::int32_t signedNumber() {
     const std::uint32_t code = number();
     const auto half = static_cast<std::int32_t>(code / 2);
@@ -61,8 +61,8 @@ class BitReader {
   std::span<const std::uint8_t> bytes_;
   std::size_t at_ = 0;
   std::uint32_t byte_ = 0;
-  int left_ = 0;   // bits of byte_
-  int zeros_ = 0;  // bytes of 0 before at_
+  int left_ = 0;   // unread bits of byte_
+  int zeros_ = 0;  // zero bytes before at_
   bool ok_ = true;
 };
 

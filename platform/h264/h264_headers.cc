@@ -11,7 +11,7 @@ constexpr int kBaseline = 66;
 constexpr int kProfilesWithFormat[] = {44, 83, 86, 100, 110, 118, 122, 128, 134, 135, 138, 139, 244};
 constexpr std::uint32_t kLargestSide = 1 << 14;  // macroblocks
 constexpr std::uint32_t kMostReferences = 16;
-constexpr int kMostHeldBack = 15;  // the most that libavcodec's list of delayed pictures has room for
+constexpr int kMostHeldBack = 15;  // the size of libavcodec's list of delayed pictures
 
 void skipScalingList(BitReader& in, int size) {
   std::int32_t last = 8, next = 8;
@@ -33,7 +33,7 @@ void readFormat(BitReader& in, H264Sequence& sequence) {
     if (in.bit() == 1) skipScalingList(in, list < 6 ? 16 : 64);
 }
 
-// The ways to count the display order. The third one has no number at all: pictures are shown as they come.
+// The picture order count types. Type 2 has no fields: output order is decoding order.
 void readOrderCount(BitReader& in, H264Sequence& sequence) {
   const std::uint32_t way = in.number();
   if (way == 0) in.number();
@@ -108,7 +108,7 @@ void readUsability(BitReader& in, H264Sequence& sequence) {
   if (in.number() == 0) sequence.reordersNever = true;
 }
 
-// Macroblocks of all pictures that a decoder of a level must be able to hold.
+// The size of the decoded picture buffer of a level, in macroblocks.
 int heldMacroblocks(int level) {
   struct Row {
     int level, macroblocks;

@@ -10,7 +10,7 @@
 
 namespace zel::platform {
 
-// Before a unit that decoders take and encoders give stands its length, big-endian.
+// The big-endian length before each unit of decoders and encoders.
 inline constexpr std::size_t kLengthPrefix = 4;
 // Before a unit in a stream that is cut by its contents.
 inline constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
@@ -19,8 +19,7 @@ enum class H264UnitType : std::uint8_t { slice = 1, partition = 2, keySlice = 5,
 
 inline H264UnitType typeOf(std::uint8_t header) { return static_cast<H264UnitType>(header & 0x1F); }
 
-// How samples become colours; a stream that does not tell its range is of limited range. The numbers are those of ITU-T
-// H.273.
+// The colour description; an undeclared range is limited. The numbers are those of ITU-T H.273.
 struct H264Colour {
   bool fullRange = false;
   std::uint8_t primaries = PictureColour::kUntold, transfer = PictureColour::kUntold, matrix = PictureColour::kUntold;
@@ -28,7 +27,7 @@ struct H264Colour {
   bool operator==(const H264Colour&) const = default;
 };
 
-// What a sequence parameter set says about the pictures that follow.
+// The content of a sequence parameter set (SPS).
 struct H264Sequence {
   int profile = 0;
   int level = 0;         // ten times the level's number
@@ -36,26 +35,27 @@ struct H264Sequence {
   int bitDepth = 8;      // the larger one of luma and chroma
   int widthInMacroblocks = 0, heightInMacroblocks = 0;
   int referencePictures = 0;
-  bool reordersNever = false;         // the order of decoding is said to be that of display
-  bool reorderingIsDeclared = false;  // how far pictures are reordered is said
+  bool reordersNever = false;         // declares that decoding order is display order
+  bool reorderingIsDeclared = false;  // declares the reordering depth
   H264Colour colour;
 };
 
 // unit: from the header byte on, without start code.
-// Errors: nothing for anything that is no whole sequence parameter set.
+// Errors: nothing for anything but a complete SPS.
 std::optional<H264Sequence> parseH264Sequence(std::span<const std::uint8_t> unit);
 
-// How many pictures a stream may hold back for their order: what fits the decoder that its level asks for.
+// The largest number of pictures held back for reordering: the decoded picture buffer of the level.
 int mostReorderedPictures(const H264Sequence& sequence);
 
-// The first words of a slice.
+// The first fields of a slice header.
 struct H264SliceStart {
-  bool key = false;            // of a picture from which decoding can begin
-  bool beginsPicture = false;  // its first macroblock is the picture's first
-  bool bidirectional = false;  // a B slice, which only a stream with reordered pictures has
+  bool key = false;            // of an IDR picture
+  bool beginsPicture = false;  // its first macroblock is that of the picture
+  bool bidirectional = false;  // a B slice, which occurs only with reordering
 };
 
-// unit: from the header byte on. Errors: nothing for what is no slice, or too short.
+// unit: from the header byte on.
+// Errors: nothing for anything but a slice, or when too short.
 std::optional<H264SliceStart> parseH264SliceStart(std::span<const std::uint8_t> unit);
 
 }  // namespace zel::platform

@@ -9,10 +9,10 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Objects and arrays inside each other; a description needs two.
+// Maximum nesting depth; a description needs two levels.
 constexpr int kDeepest = 16;
 
-// Takes fields out of one object. After the first fault it takes nothing more, so that one check at the end is enough.
+// Reads fields of one object. After the first fault it reads no more, so one check at the end is enough.
 class Fields {
  public:
   Fields(const Json& object, std::string prefix, std::string& fault)
@@ -123,7 +123,7 @@ std::optional<ParsedAccessory> parseAccessoryDescription(std::string_view json, 
   bool tooDeep = false;
   const auto bounded = [&](int depth, Json::parse_event_t, Json&) {
     tooDeep = tooDeep || depth > kDeepest;
-    return !tooDeep;  // what is refused is not kept
+    return !tooDeep;  // refused values are not stored
   };
   const Json document = Json::parse(json.begin(), json.end(), bounded, false);
   if (tooDeep) {

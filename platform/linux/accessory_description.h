@@ -10,17 +10,17 @@
 
 namespace zel::platform {
 
-// What the file of an attached accessory says.
+// The content of an accessory file.
 struct ParsedAccessory {
   AccessoryDescription description;
   Endpoint endpoint;
 };
 
-// The most that a file may hold.
+// The largest file, in bytes.
 inline constexpr std::size_t kLargestAccessoryFile = 64 * 1024;
 
-// Reads the JSON of an accessory's file. Every field has to be there, with the right type; fields with other names are
-// left to later versions and ignored.
+// Reads the JSON of an accessory's file. Every field is required, with the right type; unknown fields are ignored, for
+// later versions.
 // Errors: empty; `fault` names the field and what is wrong with it.
 // Thread: any thread.
 std::optional<ParsedAccessory> parseAccessoryDescription(std::string_view json, std::string& fault);

@@ -13,7 +13,7 @@
 namespace zel::platform {
 namespace {
 
-// Reads one byte more than is allowed, so that a file that is too large shows.
+// Reads one byte more than allowed, to detect a file that is too large.
 bool readAll(int descriptor, std::string& text) {
   text.resize(kLargestAccessoryFile + 1);
   std::size_t held = 0;
@@ -56,7 +56,7 @@ std::vector<std::string> accessoryNames(const std::string& folder) {
 
 AccessoryFile readAccessoryFile(const std::string& path) {
   AccessoryFile file;
-  // Non-blocking, lest a pipe of that name stop the caller for good.
+  // Non-blocking, because opening a pipe of that name would block the caller.
   const UniqueDescriptor open(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
   if (!open && (errno == ENOENT || errno == ENOTDIR)) return file;
   file.present = true;

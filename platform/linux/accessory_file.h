@@ -9,8 +9,8 @@
 
 namespace zel::platform {
 
-// Which file it is, and since when it has its content. A removed file's node is soon given to another, so the node
-// alone does not tell.
+// Identifies a file and its content. The inode alone does not suffice, because the inode of a removed file is soon
+// reused.
 struct FileIdentity {
   dev_t device = 0;
   ino_t node = 0;
@@ -20,7 +20,7 @@ struct FileIdentity {
   bool operator==(const FileIdentity&) const = default;
 };
 
-// One file as it was found. Two equal ones are the same attachment.
+// One file as read. Two equal ones are the same attachment.
 struct AccessoryFile {
   bool present = false;
   FileIdentity identity;
@@ -32,13 +32,13 @@ struct AccessoryFile {
 
 FileIdentity identityOf(const struct stat& file);
 
-// Whether a file of that name stands for an accessory: "NAME.json", where a leading dot marks one in the making.
+// Whether the name is that of an accessory file: "NAME.json"; a leading dot marks one that is still being written.
 bool isAccessoryName(std::string_view name);
 
-// The names in the folder that stand for accessories, in no order. Empty when the folder cannot be read.
+// The names of the folder's accessory files, unordered. Empty when the folder cannot be read.
 std::vector<std::string> accessoryNames(const std::string& folder);
 
-// Reads a file, without ever waiting for it. A symbolic link counts as a fault: its target changes unnoticed.
+// Reads a file without blocking. A symbolic link is a fault, because changes of its target are not noticed.
 AccessoryFile readAccessoryFile(const std::string& path);
 
 }  // namespace zel::platform

@@ -28,7 +28,7 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
   return path;
 }
 
-// What is wrong with the folder, as the end of a sentence; empty when nothing is.
+// What is wrong with the folder, as the end of a sentence; empty when it is usable.
 std::string faultOf(const std::string& path) {
   struct stat link = {};
   struct stat folder = {};
@@ -40,13 +40,13 @@ std::string faultOf(const std::string& path) {
     return "belongs to another user; choose a folder of your own";
   }
   if ((folder.st_mode & (S_IWGRP | S_IWOTH)) == 0) return {};
-  // A folder that is there for many, as /tmp is, must keep its rights.
+  // A shared folder such as /tmp must keep its permissions.
   if ((folder.st_mode & (S_ISVTX | S_ISGID)) != 0) return "is shared with others; choose a folder of your own";
   return "can be written by others; run: chmod go-w " + path;
 }
 
-// The default is made with the folder above it, "zel/accessories". A path of which more is missing was mistyped, and
-// whoever waits there would wait alone.
+// Only the folder and its parent are created, for the default "zel/accessories". If more is missing, the path is
+// probably mistyped, and no camera would appear there.
 std::string missingFolderOf(const std::string& path) {
   std::error_code ignored;
   const auto above = std::filesystem::path(path).parent_path().parent_path();
@@ -61,7 +61,7 @@ int makeFolders(std::string_view path) {
     if (mkdir(folder.c_str(), kOwnerOnly) != 0 && errno != EEXIST) {
       const int code = errno;
       struct stat known = {};
-      // A folder above may be one where nothing can be made, as long as the next one is there.
+      // A parent may be read-only, as long as the next folder exists.
       if (stat(folder.c_str(), &known) != 0) return code;
     }
     if (end == std::string_view::npos) return 0;

@@ -10,13 +10,14 @@ namespace zel::platform {
 // Thread: any thread that does not race with a change of the environment.
 std::string accessoryFolderPath(const std::string& chosen);
 
-// Makes the folder, and the one above it, with mode 0700 where they are missing, and checks that nobody but this user
-// can plug there: the folder is this user's and neither group nor others may write it. A symbolic link is followed when
-// this user made it, since a stranger's link could be turned elsewhere at any time. Errors: false; `error` names the
-// folder, the fault and the remedy.
+// Creates the folder and its parent with mode 0700 if missing, and checks that only this user can attach accessories:
+// the folder belongs to this user and is not writable by group or others. A symbolic link is followed only if it
+// belongs to this user, because another user's link could be redirected at any time.
+// Errors: false; `error` names the folder, the fault and the remedy.
 bool prepareAccessoryFolder(const std::string& path, std::string& error);
 
-// Makes the folder and its missing parents with mode 0700. Errors: the error's number, else 0.
+// Creates the folder and its missing parents with mode 0700.
+// Errors: errno, else 0.
 int makeFolders(std::string_view path);
 
 }  // namespace zel::platform

@@ -1,11 +1,11 @@
 #pragma once
 
-// Asio without Boost, as every file of this folder includes it. Its headers do not pass our warnings.
+// Asio without Boost, for every file of this folder. Its headers cause warnings with our flags.
 #ifndef ASIO_STANDALONE
 #define ASIO_STANDALONE
 #endif
 
-// ThreadSanitizer does not know bare fences. Asio's are not needed here: its queues are locked.
+// ThreadSanitizer does not support fences. Asio's are not needed here: its queues are locked.
 #if defined(__SANITIZE_THREAD__)
 #define ZEL_THREAD_SANITIZER
 #elif defined(__has_feature)

@@ -10,29 +10,29 @@
 
 namespace zel::platform {
 
-// What the folder of the bus is known to hold. An accessory is away when its file is there, but its stream has ended.
+// The known content of the bus's folder. An accessory is "away" when its file exists, but its stream has ended.
 //
-// Thread: one at a time; the owner's lock.
+// Thread: one at a time, under the owner's lock.
 class AttachedAccessories {
  public:
   using List = std::vector<std::shared_ptr<LinuxAccessory>>;
 
   explicit AttachedAccessories(std::string folder) : folder_(std::move(folder)) {}
 
-  // The names of the files that are there, and of those that were.
+  // The names of the current and of the known files.
   std::vector<std::string> namesToLookAt() const;
-  // Forgets the files that are gone or replaced, and returns the accessories among them.
+  // Removes the files that no longer exist or were replaced, and returns their accessories.
   List takeDepartures(const std::vector<std::string>& names);
-  // Takes in the files that are not known, and returns the accessories among them in the order of a listing. Adds a
-  // line to `warnings` for each that is skipped.
+  // Adds the unknown files, and returns their accessories in listing order. Adds a line to `warnings` for each skipped
+  // file.
   List takeArrivals(const std::vector<std::string>& names, std::vector<std::string>& warnings);
-  // Those that are attached, in the order of a listing.
+  // The attached accessories, in listing order.
   List shown() const;
 
-  // The accessory has left, though its file is there. False when it had left before.
+  // Marks the accessory as away. False when it was away already.
   bool sendAway(const std::shared_ptr<LinuxAccessory>& accessory);
   List away() const;
-  // Attaches one that is away again, as another object. Null when its file has gone meanwhile.
+  // Attaches an away accessory again, as a new object. Null when its file no longer exists.
   std::shared_ptr<LinuxAccessory> bringBack(const std::shared_ptr<LinuxAccessory>& away);
 
  private:

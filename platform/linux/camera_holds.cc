@@ -9,8 +9,8 @@ namespace zel::platform {
 
 struct CameraHolds::Holds {
   struct Hold {
-    std::weak_ptr<CameraLock> lock;    // as long as somebody has it: a session that is being closed may still
-    std::shared_ptr<CameraLock> kept;  // between sessions too
+    std::weak_ptr<CameraLock> lock;    // while it is held: a session that is being closed may still hold it
+    std::shared_ptr<CameraLock> kept;  // also between sessions
     bool inSession = false;
   };
 
@@ -29,7 +29,7 @@ class CameraHolds::Use final : public CameraUse {
 
   void letGo() override {
     if (gone_.exchange(true)) return;
-    std::shared_ptr<CameraLock> kept;  // goes outside the lock
+    std::shared_ptr<CameraLock> kept;  // destroyed without the lock
     const MutexLock lock(holds_->mutex);
     Holds::Hold& hold = holds_->cameras[camera_];
     hold.inSession = false;
@@ -82,7 +82,7 @@ void CameraHolds::keepBetweenSessions(bool keep) {
 
 void CameraHolds::giveBack() {
   if (forGood_) return;
-  std::vector<std::shared_ptr<CameraLock>> given;  // go outside the lock
+  std::vector<std::shared_ptr<CameraLock>> given;  // destroyed without the lock
   const MutexLock lock(holds_->mutex);
   for (auto& [camera, hold] : holds_->cameras) {
     if (!hold.inSession) given.push_back(std::move(hold.kept));

@@ -10,47 +10,48 @@
 
 namespace zel::platform {
 
-// One session's use of its camera. The lock stays as long as the object does, which is until the streams are closed.
+// One session's use of its camera. The lock is held until this object is destroyed, which is after the streams are
+// closed.
 class CameraUse {
  public:
   virtual ~CameraUse() = default;
 
-  // The session counts no more: the camera may be used by another one of this process.
+  // The session no longer counts: another session of this process may use the camera.
   //
   // Thread: any thread.
   virtual void letGo() = 0;
 };
 
-// Which cameras a platform has. A camera is taken with its first session, has one session at a time that counts, and is
-// kept between its sessions, so that a host that waits for its camera does not lose it to another program.
+// The cameras that a platform holds. A camera is locked with its first session, has one active session at a time, and
+// is kept between sessions, so that a waiting host does not lose it to another program.
 //
 // Thread: any thread.
 class CameraHolds {
  public:
-  // program: what others are told of this one. forGood: nothing is given back before the object goes.
+  // program: the name that other programs are told. forGood: nothing is released before the object is destroyed.
   CameraHolds(std::string busFolder, std::string program, bool forGood);
-  // Gives back what has no session.
+  // Releases the cameras without a session.
   ~CameraHolds();
   CameraHolds(const CameraHolds&) = delete;
   CameraHolds& operator=(const CameraHolds&) = delete;
 
-  // One of the three is there.
+  // Exactly one of the three is set.
   struct Taken {
     std::shared_ptr<CameraUse> use;
     std::optional<CameraUser> user;
     std::string fault;
-    bool isNew = false;  // it was not kept before
+    bool isNew = false;  // it was not held before
   };
   Taken take(const std::string& camera);
 
-  // From now on a camera is kept between its sessions, or given back with its session.
+  // Sets whether a camera is kept between its sessions, or released with its session.
   void keepBetweenSessions(bool keep);
-  // Gives back every camera without a session; that one alone.
+  // Releases every camera without a session, or only that one.
   void giveBack();
   void giveBack(const std::string& camera);
 
   enum class State {
-    free,  // given back, or never taken
+    free,  // released, or never locked
     kept,  // without a session
     inSession,
   };

@@ -20,17 +20,17 @@
 namespace zel::platform {
 namespace {
 
-// A lock that is just being taken does not name its holder yet, and one that is just being given back loses its file.
+// A lock that is being taken does not name its holder yet, and one that is being released loses its file.
 constexpr int kAttempts = 50;
 constexpr std::chrono::milliseconds kPause{2};
-constexpr std::size_t kLongestUser = 256;  // bytes that are read of who the holder is
+constexpr std::size_t kLongestUser = 256;  // bytes of the holder's description that are read
 
 bool isPlain(unsigned char letter) {
   return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
          letter == '-' || letter == '_' || letter == '.' || letter == '~';
 }
 
-// FNV-1a: the same in every program that was ever built.
+// FNV-1a: the same in every program and version.
 std::uint64_t hashOf(const std::string& text) {
   std::uint64_t hash = 0xCBF29CE484222325;
   for (const char letter : text) hash = (hash ^ static_cast<unsigned char>(letter)) * 0x100000001B3;
@@ -43,13 +43,13 @@ std::string hexOf(std::uint64_t value, int digits) {
   return text;
 }
 
-// The one path of the bus's folder, whichever was given.
+// The canonical path of the bus's folder.
 std::string canonical(const std::string& folder) {
   const std::unique_ptr<char, decltype(&std::free)> path(::realpath(folder.c_str(), nullptr), &std::free);
   return path ? path.get() : folder;
 }
 
-// Whether locks can be kept in that folder, which is made where it is missing. Nobody else may write it.
+// Whether the folder can hold locks. Creates it if missing. No other user may have write permission.
 bool isUsable(const std::string& folder) {
   if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) return false;
   struct stat found = {};
@@ -68,7 +68,7 @@ bool isFileAt(const std::string& path, int descriptor) {
 // "4711 zelcam live"
 void writeUser(int descriptor, const std::string& program) {
   const std::string text = std::to_string(::getpid()) + " " + program + "\n";
-  // A full disk costs the name alone.
+  // On a full disk only the name is missing.
   if (::ftruncate(descriptor, 0) != 0 || ::pwrite(descriptor, text.data(), text.size(), 0) < 0) return;
 }
 
@@ -89,12 +89,12 @@ bool isRunning(const CameraUser& user) {
   return user.process > 0 && (::kill(static_cast<pid_t>(user.process), 0) == 0 || errno == EPERM);
 }
 
-// One attempt. Returns whether there is an outcome, which need not be a good one.
+// One attempt. Returns whether there is a result, good or bad.
 bool tryToTake(const std::string& folder, const std::string& camera, const std::string& program,
                CameraLock::Taken& taken) {
   const std::string path = folder + "/" + lockFileName(camera);
   UniqueDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
-  if (!file && errno == ENOENT) return false;  // the last of the locks has just taken the folder along
+  if (!file && errno == ENOENT) return false;  // the folder was just removed with its last lock
   const bool locked = file && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
   if (!locked && (!file || errno != EWOULDBLOCK)) {
     taken.fault = path + ": " + errorText(errno);
@@ -102,7 +102,7 @@ bool tryToTake(const std::string& folder, const std::string& camera, const std::
   }
   if (!locked) {
     taken.user = readUser(file.get());
-    // This process's own may be just going, on the thread of a session that has been closed.
+    // This process's own lock may be about to be released, on the thread of a closed session.
     return isRunning(*taken.user) && taken.user->process != ::getpid();
   }
   if (!isFileAt(path, file.get())) return false;
@@ -146,11 +146,12 @@ CameraLock::Taken CameraLock::take(const std::string& busFolder, const std::stri
 CameraLock::CameraLock(std::string folder, std::string path, UniqueDescriptor file)
     : folder_(std::move(folder)), path_(std::move(path)), file_(std::move(file)) {}
 
-// The file goes while it is still locked: whoever has opened it meanwhile sees that it is not the one at that path.
+// The file is removed while it is still locked: a process that has opened it meanwhile detects that it is no longer the
+// file at that path.
 CameraLock::~CameraLock() {
   if (!isFileAt(path_, file_.get())) return;
   ::unlink(path_.c_str());
-  ::rmdir(folder_.c_str());  // stays as long as there are others in it
+  ::rmdir(folder_.c_str());  // fails while there are other locks in it
 }
 
 }  // namespace zel::platform

@@ -9,27 +9,27 @@
 
 namespace zel::platform {
 
-// Who has a camera.
+// The process that holds a camera.
 struct CameraUser {
-  std::int64_t process = 0;  // 0: it has not told
+  std::int64_t process = 0;  // 0: unknown
   std::string program;
 };
 
-// The lock of one camera of one bus. One object on this machine has it at a time, in this process or another, and it
-// ends with its process however that ends. It is advisory: whoever connects to the camera without it is not stopped.
+// The lock of one camera on one bus. Only one object on this machine holds it at a time, in this process or another. It
+// is released when its process ends in any way. It is advisory: a program can still connect to the camera without it.
 //
-// It is a lock on a file that names its holder, in a folder beside the bus's: for /run/zel/bus, /run/zel/bus.locks.
-// Where none can be made there, it is .locks inside the bus's folder. File and folder go with the lock.
+// It is a lock on a file that names its holder, in a folder next to the bus's: for /run/zel/bus, /run/zel/bus.locks. If
+// that cannot be created, the folder is .locks inside the bus's folder. File and folder are removed with the lock.
 class CameraLock {
  public:
-  // One of the three is there.
+  // Exactly one of the three is set.
   struct Taken {
     std::shared_ptr<CameraLock> lock;
-    std::optional<CameraUser> user;  // somebody else's
-    std::string fault;               // why there can be no lock
+    std::optional<CameraUser> user;  // of another holder
+    std::string fault;               // why the lock cannot be taken
   };
 
-  // camera: what the bus knows it by. program: what others are told of the holder.
+  // camera: its name on the bus. program: the holder's name for other programs.
   static Taken take(const std::string& busFolder, const std::string& camera, const std::string& program);
 
   CameraLock(std::string folder, std::string path, UniqueDescriptor file);
@@ -43,7 +43,7 @@ class CameraLock {
   const UniqueDescriptor file_;
 };
 
-// The file's name for a camera: percent-encoded, and shortened where it were too long for one.
+// The lock file's name for a camera: percent-encoded, and shortened if too long.
 std::string lockFileName(const std::string& camera);
 
 }  // namespace zel::platform

@@ -39,7 +39,7 @@ class InputDescriptor final : public DescriptorStream {
     if (!usable() || buffer.empty()) return failed_ ? -1 : 0;
     const ssize_t count = uninterrupted([&] { return ::read(descriptor(), buffer.data(), buffer.size()); });
     if (count < 0) return readFailed(errno);
-    // A read that is not filled leaves nothing behind; the run loop tells when there is more.
+    // A short read has emptied the socket; the run loop reports new bytes.
     level_ = static_cast<std::size_t>(count) == buffer.size() ? Level::some : Level::none;
     if (count == 0) streamEnded();
     return count;
@@ -50,7 +50,7 @@ class InputDescriptor final : public DescriptorStream {
 
   void run() override { wait(Wait::wait_read); }
 
-  // With nobody to tell, the wait rests: unread bytes would end it at once, again and again.
+  // Without a delegate there is no new wait: unread bytes would end it at once, repeatedly.
   void ready() override {
     level_ = Level::some;
     if (report(StreamEvent::hasBytesAvailable)) wait(Wait::wait_read);
@@ -98,7 +98,7 @@ class OutputDescriptor final : public DescriptorStream {
   }
 
  private:
-  // A socket's other end may be gone, which must not end the process by SIGPIPE. Devices never send that signal.
+  // Writing to a closed socket must not end the process by SIGPIPE. Devices never cause that signal.
   ssize_t send(std::span<const std::uint8_t> bytes) {
     if (isSocket_) {
       const ssize_t count = ::send(descriptor(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
@@ -123,12 +123,12 @@ class OutputDescriptor final : public DescriptorStream {
     return -1;
   }
 
-  bool isSocket_ = true;  // until it proves otherwise
+  bool isSocket_ = true;  // until send() shows otherwise
   bool full_ = false;
   bool failed_ = false;
 };
 
-// Forwards what both kinds of streams can do.
+// Forwards the operations of both kinds of streams.
 template <class Port, class Descriptor>
 class StreamOver : public Port {
  public:

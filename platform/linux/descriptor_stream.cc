@@ -37,7 +37,7 @@ void DescriptorStream::open() {
   start();
 }
 
-// Letting go of the run loop matters: a wait that it has not told of holds this object, and this object held the loop.
+// The run loop must be released, because its pending wait holds this object, and this object holds the loop.
 void DescriptorStream::close() {
   stopWaiting();
   ++schedule_;
@@ -79,7 +79,7 @@ void DescriptorStream::end(StreamEvent event) {
 }
 
 void DescriptorStream::finish() {
-  // Not before openCompleted: begin() is queued as well then, and comes back here.
+  // Not before openCompleted: begin() is then still queued, and calls this again.
   if (!told_ || !opened_ || std::exchange(finished_, true)) return;
   report(*ending_);
 }
@@ -111,7 +111,7 @@ void DescriptorStream::stopWaiting() {
   ++waits_;
   waiting_ = false;
   if (!watched_) return;
-  watched_->release();  // the descriptor stays ours
+  watched_->release();  // keeps the descriptor
   watched_.reset();
 }
 

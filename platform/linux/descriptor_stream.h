@@ -10,8 +10,8 @@
 
 namespace zel::platform {
 
-// What both directions of a stream over a non-blocking descriptor have in common: when it is open, on which run loop,
-// and whom it tells. Lives as long as its Stream or a wait that is still to be told of; close() makes it silent.
+// The common part of both directions of a stream over a non-blocking descriptor: its state, run loop and delegate.
+// Lives as long as its Stream or a pending wait; reports nothing after close().
 // Thread: that of Stream.
 class DescriptorStream : public std::enable_shared_from_this<DescriptorStream> {
  public:
@@ -29,21 +29,21 @@ class DescriptorStream : public std::enable_shared_from_this<DescriptorStream> {
  protected:
   using Wait = asio::posix::stream_descriptor::wait_type;
 
-  // The stream runs: it is open, scheduled, and has told so. Called again when it has been rescheduled or has a new
-  // delegate.
+  // Called when the stream is open, scheduled, and has reported openCompleted; again after it was rescheduled or has a
+  // new delegate.
   virtual void run() = 0;
-  // The descriptor may be ready for what was waited for.
+  // The descriptor may be ready for the awaited operation.
   virtual void ready() = 0;
 
-  // Whether bytes may pass.
+  // Whether bytes can be read or written.
   bool usable() const { return opened_ && !ending_ && descriptor_.get() >= 0; }
   int descriptor() const { return descriptor_.get(); }
 
   // Calls ready() once the descriptor is ready. One wait at a time; a second call changes nothing.
   void wait(Wait what);
-  // Tells the delegate. Returns false when there is nobody to tell.
+  // Reports to the delegate. False without a delegate.
   bool report(StreamEvent event);
-  // Tells the delegate from the run loop, as the last event.
+  // Reports to the delegate from the run loop, as the last event.
   void end(StreamEvent event);
 
  private:
@@ -59,9 +59,9 @@ class DescriptorStream : public std::enable_shared_from_this<DescriptorStream> {
   UniqueDescriptor descriptor_;
   std::weak_ptr<StreamDelegate> delegate_;
   std::shared_ptr<LinuxRunLoop> loop_;
-  std::optional<asio::posix::stream_descriptor> watched_;  // the descriptor, as the run loop's io_context sees it
-  std::uint64_t schedule_ = 0;  // counts schedulings: what an earlier one still has to tell is void
-  std::uint64_t waits_ = 0;     // the same for the waits
+  std::optional<asio::posix::stream_descriptor> watched_;  // the descriptor, registered with the run loop's io_context
+  std::uint64_t schedule_ = 0;  // number of the scheduling; events of earlier ones are dropped
+  std::uint64_t waits_ = 0;     // number of the wait; earlier ones are ignored
   std::optional<StreamEvent> ending_;
   bool opened_ = false;
   bool told_ = false;  // openCompleted has been reported

@@ -27,14 +27,14 @@ std::chrono::milliseconds timeLeft(Deadline deadline) {
   return std::max(left, std::chrono::milliseconds(0));
 }
 
-// A full queue of connections makes a socket of this kind wait inside connect(), where only a send time-out bounds it.
+// With a full connection queue a Unix socket blocks inside connect(), where only SO_SNDTIMEO limits it.
 int connectUnix(int descriptor, const UnixEndpoint& endpoint, Deadline deadline) {
   sockaddr_un address = {};
   address.sun_family = AF_UNIX;
   std::memcpy(address.sun_path, endpoint.path.data(), endpoint.path.size());
   int result = -1;
   do {
-    const auto left = std::max(timeLeft(deadline), std::chrono::milliseconds(1));  // zero would mean for ever
+    const auto left = std::max(timeLeft(deadline), std::chrono::milliseconds(1));  // zero would mean forever
     const timeval limit = {.tv_sec = left.count() / 1000, .tv_usec = left.count() % 1000 * 1000};
     setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
     result = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
@@ -76,7 +76,7 @@ UniqueDescriptor connectAddress(const addrinfo& address, Deadline deadline, int&
     code = begun ? awaitConnection(socket.get(), deadline) : errno;
   }
   if (code != 0) return {};
-  // Requests are small and wait for their replies; held back for more bytes they would only be late.
+  // Requests are small and wait for their replies; delaying them for more bytes (Nagle) only adds latency.
   const int on = 1;
   setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   return socket;

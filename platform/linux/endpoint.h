@@ -27,14 +27,14 @@ struct DeviceEndpoint {
   bool operator==(const DeviceEndpoint&) const = default;
 };
 
-// Where an accessory's bytes flow.
+// The address of an accessory's byte stream.
 using Endpoint = std::variant<UnixEndpoint, TcpEndpoint, DeviceEndpoint>;
 
 // The longest path that a socket's address holds.
 inline constexpr std::size_t kLongestSocketPath = 107;
 
 // Connects, waiting at most `limit` for the other end. (Looking up a host's name may take the resolver longer.)
-// Errors: an empty descriptor; `fault` tells what was tried and why it failed.
+// Errors: an empty descriptor; `fault` says what was tried and why it failed.
 UniqueDescriptor connectEndpoint(const Endpoint& endpoint, std::chrono::milliseconds limit, std::string& fault);
 
 }  // namespace zel::platform

@@ -5,7 +5,7 @@
 
 namespace zel::platform {
 
-// What the system calls an error's number (errno).
+// The system's text for errno.
 inline std::string errorText(int number) { return std::generic_category().message(number); }
 
 }  // namespace zel::platform

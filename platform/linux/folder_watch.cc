@@ -11,7 +11,7 @@
 namespace zel::platform {
 namespace {
 
-// A file counts when it is whole: renamed into the folder, or closed by whoever wrote it in place.
+// A file is processed when it is complete: renamed into the folder, or closed after writing.
 constexpr std::uint32_t kFileChanges = IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_CLOSE_WRITE;
 constexpr std::uint32_t kFolderGone = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_IGNORED;
 

@@ -10,12 +10,12 @@
 
 namespace zel::platform {
 
-// What a FolderWatch tells.
+// An event of a FolderWatch.
 struct FolderChange {
   enum class Kind {
-    file,  // the file of that name came, went or was written
+    file,  // the file of that name was created, removed or written
     many,  // changes were lost; anything may have changed
-    gone,  // the folder itself was removed or moved away; the last change
+    gone,  // the folder itself was removed or moved; the last change
   };
   Kind kind = Kind::file;
   std::string name;
@@ -27,8 +27,8 @@ class FolderWatch : public std::enable_shared_from_this<FolderWatch> {
  public:
   using Observer = std::function<void(const FolderWatch&, const FolderChange&)>;
 
-  // Nothing that happens after it has returned is missed.
-  // Errors: null; `fault` tells why.
+  // No change after its return is missed.
+  // Errors: null; `fault` says why.
   static std::shared_ptr<FolderWatch> start(LinuxRunLoop& loop, const std::string& folder, Observer observer,
                                             std::string& fault);
 
@@ -41,7 +41,7 @@ class FolderWatch : public std::enable_shared_from_this<FolderWatch> {
   void readChanges();
   void tell(const char* records, std::size_t size);
 
-  LinuxRunLoop& loop_;  // holds this while it waits, and so outlives it
+  LinuxRunLoop& loop_;  // its waits keep this object alive; it outlives this object
   asio::posix::stream_descriptor notifications_;
   const Observer observer_;
   std::atomic<bool> stopped_ = false;

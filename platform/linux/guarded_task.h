@@ -9,9 +9,9 @@
 
 namespace zel::platform {
 
-// A task that runs any number of times until it is closed. After close() it neither runs nor is running, unless
-// close() is called from inside a callback, the task itself among them; what it holds is released as soon as a call in
-// progress is over.
+// A task that runs any number of times until it is closed. After close() it neither runs nor is running, unless close()
+// is called inside any callback, including the task itself. Its captures are released as soon as a call in progress has
+// returned.
 //
 // Thread: any thread; outside a callback not while holding a lock that the task takes.
 class GuardedTask {

@@ -8,7 +8,7 @@ namespace zel::platform {
 LinuxAccessory::LinuxAccessory(std::string path, const FileIdentity& identity, ParsedAccessory parsed)
     : path_(std::move(path)), identity_(identity), parsed_(std::move(parsed)) {}
 
-// Looks at the file as well, since nobody may be watching the folder.
+// Checks the file too, since the folder may not be watched.
 bool LinuxAccessory::isConnected() const {
   struct stat found = {};
   return attached_.load() && lstat(path_.c_str(), &found) == 0 && identityOf(found) == identity_;

@@ -27,27 +27,27 @@ class LinuxAccessory final : public Accessory {
   const Endpoint& endpoint() const { return parsed_.endpoint; }
   bool offers(std::string_view protocol) const;
 
-  // What its camera is locked by: the serial number, else the file's name.
+  // The name of its camera's lock: the serial number, else the file's name.
   std::string camera() const;
 
-  // From now on it has left.
+  // Marks it as detached.
   void depart() { attached_.store(false); }
-  // The next attachment by the same file.
+  // A new attachment of the same file.
   std::shared_ptr<LinuxAccessory> again() const;
 
   // True the first time only: an attachment that cannot be connected is reported once.
   bool reportsFirstFault() { return !faultReported_.exchange(true); }
 
-  // Counts a session, and returns its number. What becomes of an earlier one matters no more.
+  // Counts a session, and returns its number. The end of an earlier session is then ignored.
   std::uint64_t beginSession() { return sessions_.fetch_add(1) + 1; }
   // The number of the last one; 0 before the first.
   std::uint64_t lastSession() const { return sessions_.load(); }
 
-  // A connection that was made ahead, for the session that is opened next. Taking one that is not there gives none.
+  // A connection made in advance for the next session. Taking it without one gives an empty descriptor.
   void setConnection(UniqueDescriptor connection);
   UniqueDescriptor takeConnection();
 
-  // Whether a connection is being made ahead, which is not to be tried twice at a time.
+  // Guards against two simultaneous attempts to connect in advance.
   bool beginsTrying() { return !trying_.exchange(true); }
   void endTrying() { trying_.store(false); }
 

@@ -10,7 +10,7 @@
 namespace zel::platform {
 namespace {
 
-// The host usually connects on its main thread, which an endpoint that does not answer must not hold for long.
+// The host usually connects on its main thread, which an unresponsive endpoint must not block for long.
 constexpr std::chrono::seconds kConnectLimit{2};
 constexpr double kReturnPeriod = 1;  // seconds between two attempts to reach a camera that is away
 
@@ -51,7 +51,8 @@ void LinuxAccessoryManager::registerForLocalNotifications() {
   giveWarnings();
 }
 
-// First the watch, then the look: what happens in between is seen twice rather than missed, and told once.
+// Starts the watch before reading the folder: a change in between is then seen twice instead of missed, and announced
+// once.
 void LinuxAccessoryManager::startWatch() {
   std::string fault;
   if (!prepareAccessoryFolder(settings_.folder, fault)) return warnings_.push_back(fault);
@@ -66,7 +67,7 @@ void LinuxAccessoryManager::startWatch() {
 
 void LinuxAccessoryManager::unregisterForLocalNotifications() {
   std::shared_ptr<FolderWatch> watch;
-  std::unique_ptr<Timer> timer;  // both go outside the lock
+  std::unique_ptr<Timer> timer;  // both are destroyed without the lock
   bool isLast = false;
   {
     const MutexLock lock(mutex_);
@@ -76,11 +77,11 @@ void LinuxAccessoryManager::unregisterForLocalNotifications() {
       watch = std::move(watch_);
       timer = std::move(returnTimer_);
       behind_ = false;
-      for (const auto& one : attached_.away()) attached_.bringBack(one);  // nobody waits for it any more
+      for (const auto& one : attached_.away()) attached_.bringBack(one);  // no host waits for it any more
     }
   }
   if (watch) watch->stop();
-  // One of several hosts of this process has closed its camera, and with it its session.
+  // One of several stacks of this process has closed its camera and its session.
   isLast ? holds_.keepBetweenSessions(false) : holds_.giveBack();
 }
 
@@ -118,7 +119,7 @@ void LinuxAccessoryManager::announce(const FolderWatch& watch, const std::vector
   announce(watch, kAccessoryDidDisconnectNotification, changed);
   {
     const MutexLock lock(mutex_);
-    if (watch_.get() != &watch) return;  // an observer has just ended the notifications
+    if (watch_.get() != &watch) return;  // an observer has just unregistered
     changed = attached_.takeArrivals(names, warnings_);
   }
   giveWarnings();
@@ -203,7 +204,7 @@ std::unique_ptr<AccessorySession> LinuxAccessoryManager::sessionOver(UniqueDescr
                                {.ended = endOf(accessory, number), .wasLetGo = [use] { use->letGo(); }});
 }
 
-// One that worked before has left; the others are passed over.
+// An accessory that worked before is detached; others are skipped.
 void LinuxAccessoryManager::cannotConnect(const Attached& accessory, const std::string& fault) {
   if (accessory->lastSession() != 0) return endOf(accessory, accessory->lastSession())();
   if (!accessory->reportsFirstFault()) return;
@@ -214,7 +215,7 @@ std::function<void()> LinuxAccessoryManager::endOf(const Attached& accessory, st
   return onMainRunLoop([this, accessory, session] { streamEnded(accessory, session); });
 }
 
-// Whoever makes the step happen may outlive the manager, and must not keep the run loop.
+// The returned function may outlive the manager, and must not keep the run loop alive.
 std::function<void()> LinuxAccessoryManager::onMainRunLoop(std::function<void()> step) {
   return [loop = std::weak_ptr(mainRunLoop_), alive = std::weak_ptr(alive_), step = std::move(step)] {
     const auto there = loop.lock();
@@ -239,7 +240,7 @@ void LinuxAccessoryManager::streamEnded(const Attached& accessory, std::uint64_t
 }
 
 void LinuxAccessoryManager::lookForReturns() {
-  std::unique_ptr<Timer> doomed;  // outside the lock
+  std::unique_ptr<Timer> doomed;  // destroyed without the lock
   Shown away;
   {
     const MutexLock lock(mutex_);
@@ -277,7 +278,7 @@ void LinuxAccessoryManager::returned(const Attached& away, UniqueDescriptor conn
   if (!accessory) return;
   accessory->setConnection(std::move(connection));
   announce(*watch, kAccessoryDidConnectNotification, {accessory});
-  accessory->takeConnection();  // of a host that has just closed its camera
+  accessory->takeConnection();  // for a stack that has just closed its camera
 }
 
 }  // namespace zel::platform

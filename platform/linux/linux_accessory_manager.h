@@ -22,18 +22,18 @@ namespace zel::platform {
 
 // The accessory bus: each NAME.json in a folder is an attached accessory.
 //
-// What it knows changes in two ways. While it is registered, the folder is watched on the main run loop; each change is
-// taken in and announced in one step, so a listing holds exactly what was there at the registration or has been
-// announced since. Otherwise a listing looks at the folder itself, in silence. A registration after a listing announces
-// what has changed in between, unless the host lists again first.
+// Its state changes in two ways. While it is registered, the folder is watched on the main run loop; each change is
+// processed and announced in one step, so a listing contains exactly what was attached at the registration or has been
+// announced since. Otherwise a listing reads the folder and announces nothing. A registration after a listing announces
+// the changes in between, unless the host lists again first.
 //
 // Two files with one connectionID are two accessories, in the order of their names.
 //
 // A camera has one reader: a session is opened under the camera's lock, which is kept between sessions while the host
-// is registered. Where a session's stream ends, or the host cannot open it again, its accessory has left, as if its
-// file were removed. While the lock is kept, its return is tried once a second by making the connection of the next
-// session, which is announced once it is there; without the lock nobody waits for the camera, and the accessory is
-// attached as its file tells.
+// is registered. When a session's stream ends, or the host cannot open it again, the accessory is detached, as if its
+// file were removed. While the lock is kept, the manager tries once a second to make the connection of the next
+// session, and announces the accessory when it succeeds. Without the lock no host waits for the camera, and the
+// accessory is attached while its file exists.
 //
 // Thread: any thread. `warn` and `inUse` are called on any thread, without a lock held.
 class LinuxAccessoryManager final : public AccessoryManager {
@@ -46,8 +46,8 @@ class LinuxAccessoryManager final : public AccessoryManager {
     bool keepCameras = false;
   };
 
-  // worker: makes connections, which may take a while.
-  // The run loop's tasks must have been discarded when the manager goes.
+  // worker: makes connections, which may take time.
+  // Destroy it after the run loop's tasks have been discarded.
   LinuxAccessoryManager(Settings settings, std::shared_ptr<LinuxRunLoop> mainRunLoop, Queue& worker,
                         NotificationCenter& notifications);
   ~LinuxAccessoryManager() override;
@@ -89,14 +89,14 @@ class LinuxAccessoryManager final : public AccessoryManager {
   Queue& worker_;
   NotificationCenter& notifications_;
   CameraHolds holds_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);  // for steps that may come too late
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);  // for late steps
 
   Mutex mutex_;
   AttachedAccessories attached_ ZEL_GUARDED_BY(mutex_);
   int registrations_ ZEL_GUARDED_BY(mutex_) = 0;
   std::shared_ptr<FolderWatch> watch_ ZEL_GUARDED_BY(mutex_);
-  std::unique_ptr<Timer> returnTimer_ ZEL_GUARDED_BY(mutex_);  // while somebody is away
-  bool told_ ZEL_GUARDED_BY(mutex_) = false;                   // the host has been told what is known
+  std::unique_ptr<Timer> returnTimer_ ZEL_GUARDED_BY(mutex_);  // while an accessory is away
+  bool told_ ZEL_GUARDED_BY(mutex_) = false;                   // the host was told the known state
   bool behind_ ZEL_GUARDED_BY(mutex_) = false;                 // the watch began after the host was told
   std::vector<std::string> warnings_ ZEL_GUARDED_BY(mutex_);
 };

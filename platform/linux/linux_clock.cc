@@ -32,7 +32,7 @@ void LinuxClock::sleepFor(double seconds) {
 std::int64_t LinuxClock::localTimeOffset(double absoluteTime) const {
   const auto time = static_cast<std::time_t>(std::floor(absoluteTime + kEpoch));
   std::tm local{};
-  ::tzset();  // localtime_r() alone stays with the zone that the process began in
+  ::tzset();  // localtime_r() alone keeps the zone of the process's start
   return ::localtime_r(&time, &local) != nullptr ? local.tm_gmtoff : 0;
 }
 

@@ -10,7 +10,7 @@ class LinuxClock final : public Clock {
   double absoluteTime() const override;
   double steadyTime() const override;
   void sleepFor(double seconds) override;
-  // By $TZ, else the machine's time zone, as they are at the call.
+  // From $TZ, else the machine's time zone, read at each call.
   std::int64_t localTimeOffset(double absoluteTime) const override;
 };
 

@@ -8,7 +8,7 @@
 namespace zel::platform {
 namespace {
 
-// A variable that names a folder; the others count as none.
+// The folder of a variable; only absolute paths are used.
 std::string folderIn(const char* variable) {
   const char* const value = std::getenv(variable);
   return value != nullptr && value[0] == '/' ? value : "";

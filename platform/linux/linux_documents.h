@@ -6,15 +6,13 @@
 
 namespace zel::platform {
 
-// A folder of the file system, made with mode 0700 when it is first asked for, so that a host that keeps no files
-// leaves none behind.
+// A folder that is created with mode 0700 at the first call, so that a host without files leaves no folder.
 class LinuxDocuments final : public Documents {
  public:
-  // chosen: the folder; empty: $XDG_DATA_HOME/zelcam, else ~/.local/share/zelcam. A relative $XDG_DATA_HOME counts as
-  // none.
+  // chosen: the folder; empty: $XDG_DATA_HOME/zelcam, else ~/.local/share/zelcam. A relative $XDG_DATA_HOME is ignored.
   explicit LinuxDocuments(const std::string& chosen);
 
-  // Errors: empty where the folder cannot be made, or neither variable leads to one.
+  // Errors: empty when the folder cannot be created, or neither variable is set.
   std::string folder() override;
 
  private:

@@ -46,14 +46,13 @@ class LinuxQueues final : public platform::Queues {
   platform::WorkerPool globalQueue_;
 };
 
-// Never destroyed: nobody waits for a thread of the global queue, which may still wait through it when the platform has
-// gone.
+// Never destroyed: threads of the global queue are not joined, and may still use it after the platform's destruction.
 platform::Clock& lastingClock() {
   static auto* const clock = new platform::LinuxClock;
   return *clock;
 }
 
-// How long a stack that went inside its own callback has to end its thread.
+// The time for a stack that was destroyed inside its own callback to end its thread.
 constexpr std::chrono::seconds kPatience{5};
 
 void warnOnStandardError(const std::string& warning) { std::fprintf(stderr, "%s\n", warning.c_str()); }
@@ -80,7 +79,7 @@ struct LinuxPlatform::State {
         documents(options.documentsFolder),
         accessories(settingsOf(std::move(options)), mainRunLoop, queues.globalQueue(), notifications) {}
 
-  // Whatever still runs goes first, then what it may have used.
+  // Everything that still runs ends first, then what it may have used.
   ~State() {
     waitForThreads();
     mainRunLoop->stop();
@@ -88,7 +87,7 @@ struct LinuxPlatform::State {
     mainRunLoop->discard();
   }
 
-  // The thread of a stack or a player that is still there would be waited for without end.
+  // Without a limit this would wait forever for the thread of a stack or a player that still exists.
   void waitForThreads() {
     const std::string name = threads.waitForEnds(kPatience);
     if (name.empty()) return;
@@ -105,7 +104,7 @@ struct LinuxPlatform::State {
   platform::LinuxThreads threads;
   platform::LinuxDocuments documents;
   platform::LinuxAccessoryManager accessories;
-  std::thread service;  // waits for the main run loop's timers and descriptors, where the host has an executor
+  std::thread service;  // waits for the main run loop's timers and descriptors when the host has an executor
   platform::Ports ports{lastingClock(), threads, queues,  accessories, notifications,
                         nullptr,        nullptr, nullptr, &documents};
 };
@@ -119,7 +118,7 @@ std::unique_ptr<LinuxPlatform> LinuxPlatform::create(Options options, std::strin
   if (!platform::prepareAccessoryFolder(options.accessoriesFolder, error)) return nullptr;
   try {
     return std::unique_ptr<LinuxPlatform>(new LinuxPlatform(std::make_unique<State>(std::move(options))));
-  } catch (const std::exception& fault) {  // no descriptor or no memory left for the main run loop
+  } catch (const std::exception& fault) {  // no file descriptor or memory left for the main run loop
     error = std::string("the main run loop cannot be made: ") + fault.what();
     return nullptr;
   }
@@ -133,7 +132,7 @@ const platform::Clock& LinuxPlatform::systemClock() { return lastingClock(); }
 
 const platform::Ports& LinuxPlatform::ports() { return state_->ports; }
 
-// With an executor the main queue is the host's to run, and none of these four has anything to do.
+// With an executor the host runs the main queue, and these four functions do nothing.
 void LinuxPlatform::runMainQueue() {
   if (!state_->service.joinable()) state_->mainRunLoop->run();
 }

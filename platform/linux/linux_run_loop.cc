@@ -8,7 +8,7 @@ namespace {
 
 thread_local LinuxRunLoop* loopOfThisThread = nullptr;
 
-// More than any sensible number of events that are due at once.
+// More than any realistic number of due events.
 constexpr int kTurnsOfOneDrain = 1000;
 
 }  // namespace
@@ -53,7 +53,7 @@ LinuxRunLoop::Scope::Scope(LinuxRunLoop& loop) : outer_(std::exchange(loopOfThis
 
 LinuxRunLoop::Scope::~Scope() { loopOfThisThread = outer_; }
 
-// The task may let go of the loop before the call that brought it has returned, here and in wakeUp().
+// The task may release the loop before this call has returned, here and in wakeUp().
 void LinuxRunLoop::perform(Task task) {
   const auto self = shared_from_this();
   bool isFirst = false;
@@ -67,7 +67,7 @@ void LinuxRunLoop::perform(Task task) {
   if (isFirst) scheduleNext();
 }
 
-// On the loop's own thread nobody needs to be woken.
+// On the loop's own thread no wake-up is needed.
 void LinuxRunLoop::scheduleNext() {
   if (ofThisThread() != this || !hasMemoryFor([this] { asio::post(io_, [this] { runNext(); }); })) alarm_.ring();
 }
@@ -93,7 +93,7 @@ void LinuxRunLoop::runNext() {
   }
   if (more && !executor_) scheduleNext();
   task();
-  task = nullptr;  // what it holds goes before anything else runs
+  task = nullptr;  // its captures are destroyed before anything else runs
   if (executor_) runSources();
 }
 

@@ -35,24 +35,24 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   // Whether the loop has been told to end for ever.
   bool isStopped() const { return ending_.load() == Ending::stop; }
 
-  // Runs on the calling thread until stop() or leave(). A leave() that came before it ends it at once.
+  // Runs on the calling thread until stop() or leave(). An earlier leave() ends it at once.
   void run();
-  // Ends the current or the next run(); everything queued stays queued for the run after it.
+  // Ends the current or the next run(); queued work stays for the run after it.
   void leave();
-  // The same as run(), for at most that long. False when the time ended it.
+  // The same as run(), for at most that long. False when the time was over.
   bool runFor(std::chrono::steady_clock::duration time);
-  // Runs what is due, without waiting. A task that queues itself again cannot hold the caller for good.
+  // Runs due work without waiting. A task that queues itself again cannot keep the caller forever.
   void drain();
 
-  // From now on every call that the loop makes is handed to the executor, which makes them one after the other; run()
-  // then only watches timers and descriptors. To be set before the loop is used.
+  // Passes every call of the loop to the executor, which runs them in order; run() then only watches timers and
+  // descriptors. Set it before the loop is used.
   void setExecutor(Executor executor);
 
-  // Destroys what is still queued.
+  // Destroys queued work.
   void discard();
 
-  // For whatever waits on descriptors and timers of this loop: wraps what is to happen when Asio reports, so that it
-  // happens as a call of this loop. Such objects are touched from inside calls of the loop only.
+  // For objects that wait on descriptors and timers of this loop: wraps an Asio handler so that it runs as a call of
+  // this loop. Use such objects only inside calls of the loop.
   asio::io_context& context() { return io_; }
   template <class Call>
   auto handler(Call call) {
@@ -66,7 +66,7 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
   // The loop that the calling thread runs, or null.
   static LinuxRunLoop* ofThisThread();
 
-  // Makes a loop the calling thread's own for a scope.
+  // Sets the calling thread's loop for a scope.
   class Scope {
    public:
     explicit Scope(LinuxRunLoop& loop);
@@ -122,7 +122,7 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
 
   Mutex mutex_;
   std::deque<Task> tasks_ ZEL_GUARDED_BY(mutex_);
-  bool nextIsDue_ ZEL_GUARDED_BY(mutex_) = false;  // an event is on its way that runs the first of them
+  bool nextIsDue_ ZEL_GUARDED_BY(mutex_) = false;  // an event that runs the first of them is queued
   std::vector<std::shared_ptr<SignalledTask>> sources_ ZEL_GUARDED_BY(mutex_);
 };
 

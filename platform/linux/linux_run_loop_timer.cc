@@ -23,7 +23,7 @@ class LinuxTimer final : public Timer {
   const std::shared_ptr<State> state_;
 };
 
-// Lives as long as its handle or a pending wait. The Asio timer is touched inside calls of the loop only.
+// Lives as long as its handle or a pending wait. The Asio timer is used only inside calls of the loop.
 struct LinuxTimer::State : std::enable_shared_from_this<State> {
   State(LinuxRunLoop& itsLoop, std::chrono::steady_clock::duration itsPeriod, Task call)
       : loop(itsLoop), timer(itsLoop.context()), period(itsPeriod), task(std::move(call)) {}
@@ -42,7 +42,7 @@ struct LinuxTimer::State : std::enable_shared_from_this<State> {
     wait();
   }
 
-  LinuxRunLoop& loop;  // outlives this: the handle holds it, and so does the wait, being part of it
+  LinuxRunLoop& loop;  // outlives this: the handle and the wait keep it alive
   asio::steady_timer timer;
   const std::chrono::steady_clock::duration period;
   std::chrono::steady_clock::time_point due = std::chrono::steady_clock::now() + period;

@@ -17,7 +17,7 @@
 namespace zel::platform {
 namespace {
 
-constexpr std::size_t kLongestName = 15;  // what the kernel keeps of a thread's name
+constexpr std::size_t kLongestName = 15;  // the kernel's limit for a thread's name
 
 void runThread(const std::string& name, LinuxRunLoop& loop, const ThreadBody& body) {
   pthread_setname_np(pthread_self(), name.substr(0, kLongestName).c_str());
@@ -29,7 +29,7 @@ void runThread(const std::string& name, LinuxRunLoop& loop, const ThreadBody& bo
 
 }  // namespace
 
-// Threads that have not ended, whether or not somebody still holds them.
+// Threads that have not ended, with or without a handle.
 class LiveThreads {
  public:
   // Returns the thread's number.
@@ -39,7 +39,7 @@ class LiveThreads {
     return entered_;
   }
 
-  // Told with the lock held: whoever waits may go on as soon as it is let go.
+  // Notifies with the lock held, because the waiting thread may destroy this object as soon as the lock is released.
   void leave(std::uint64_t number) {
     const std::lock_guard lock(mutex_);
     std::erase_if(threads_, [number](const One& one) { return one.number == number; });
@@ -85,7 +85,7 @@ class LinuxThread final : public Thread {
     const SignalMask noSignals;
     const std::uint64_t number = live->enter(name, loop_);
     try {
-      // The thread touches nothing of the handle, which may be gone before it.
+      // The thread does not use the handle, which may be destroyed before it.
       thread_ = std::thread([name, number, loop = loop_, live, kept = std::move(body)]() mutable {
         runThread(name, *loop, kept);
         kept = {};
@@ -126,7 +126,7 @@ LinuxThreads::~LinuxThreads() {
 
 std::string LinuxThreads::waitForEnds(std::chrono::milliseconds limit) { return live_->waitForNone(limit); }
 
-// A loop needs descriptors, a thread needs memory and a place among the system's threads; what is short throws.
+// A loop needs file descriptors; a thread needs memory and is limited by the system. A shortage throws.
 std::unique_ptr<Thread> LinuxThreads::start(std::string name, ThreadBody body) {
   try {
     return std::make_unique<LinuxThread>(live_, name, std::move(body));

@@ -11,14 +11,14 @@ namespace zel::platform {
 
 class LiveThreads;
 
-// Starts threads, and knows which have not ended: one whose handle is destroyed on itself is waited for by nobody else.
+// Starts threads, and tracks which have not ended: a thread that destroys its own handle is not joined otherwise.
 class LinuxThreads final : public Threads {
  public:
   explicit LinuxThreads(std::shared_ptr<LinuxRunLoop> mainRunLoop);
   ~LinuxThreads() override;
 
-  // Waits for every thread that it started. A thread that nobody has told to end is waited for that long at most.
-  // Errors: the name of one that still runs; empty where all have ended.
+  // Waits for every thread that it started, but at most that long for a thread that was not told to end.
+  // Errors: the name of one that still runs; empty when all have ended.
   std::string waitForEnds(std::chrono::milliseconds limit);
 
   std::unique_ptr<Thread> start(std::string name, ThreadBody body) override;

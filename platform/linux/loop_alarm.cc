@@ -24,7 +24,7 @@ LoopAlarm::LoopAlarm(asio::io_context& context, std::function<void()> call)
   wait();
 }
 
-// It cannot fail: the count does not overflow in the life of a machine.
+// It cannot fail: the count does not overflow in practice.
 void LoopAlarm::ring() {
   const std::uint64_t one = 1;
   [[maybe_unused]] const ssize_t written = write(event_.native_handle(), &one, sizeof one);

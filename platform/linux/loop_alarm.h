@@ -59,7 +59,7 @@ class LoopAlarm {
 
   Memory memory_;  // before the descriptor, which gives it back
   asio::posix::stream_descriptor event_;
-  std::uint64_t rings_ = 0;  // since it was read last; the kernel's, never looked at
+  std::uint64_t rings_ = 0;  // buffer for the kernel's count; never used
   const std::function<void()> call_;
 };
 

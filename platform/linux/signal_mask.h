@@ -8,8 +8,8 @@
 
 namespace zel::platform {
 
-// Keeps signals off the threads that are started in a scope, so that the host's handlers run on the host's threads.
-// Signals that report a fault of the running code stay as they are.
+// Blocks signals for threads that are started in a scope, so that the host's handlers run on the host's threads.
+// Signals for faults of the running code stay unblocked.
 class SignalMask {
  public:
   SignalMask() {

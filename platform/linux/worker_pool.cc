@@ -20,7 +20,7 @@ namespace zel::platform {
 struct WorkerPool::State {
   explicit State(std::chrono::milliseconds time) : idleTime(time) {}
 
-  // Returns whether a thread has to be added for the task; that thread counts as idle from here on.
+  // Returns whether a thread must be added for the task; that thread counts as idle from now on.
   bool push(Task task) ZEL_EXCLUDES(mutex) {
     const MutexLock lock(mutex);
     tasks.push_back(std::move(task));
@@ -84,7 +84,7 @@ void WorkerPool::post(Task task) {
     const SignalMask noSignals;
     std::thread([state = state_] { work(*state); }).detach();
   } catch (const std::system_error&) {
-    // The host has no thread left to give: the task waits for the next one that is free.
+    // No thread can be started: the task waits for the next free one.
     state_->changeIdle(-1);
   } catch (const std::bad_alloc&) {
     // Nor memory for one.
@@ -96,7 +96,7 @@ void WorkerPool::work(State& state) {
   pthread_setname_np(pthread_self(), "zel global");
   while (auto task = state.next()) {
     (*task)();
-    task.reset();  // what it holds goes before the thread offers itself again
+    task.reset();  // its captures are destroyed before the thread counts as idle again
     state.changeIdle(+1);
   }
 }

@@ -7,9 +7,9 @@
 
 namespace zel::platform {
 
-// The global queue. A task never waits behind another: a thread is added when none is idle, and one that has been idle
-// for a while retires. Nobody ever waits for these threads, so a task may block for good and the process still exits.
-// Owner:  destroying the pool lets its idle threads go; tasks that have begun are left to themselves.
+// The global queue. A task never waits for another one: a thread is added when none is idle, and an idle thread ends
+// after a while. The threads are never joined, so a task may block forever and the process still exits.
+// Owner:  destroying the pool ends its idle threads; running tasks continue.
 class WorkerPool final : public Queue {
  public:
   explicit WorkerPool(std::chrono::milliseconds idleTime = std::chrono::seconds(5));

@@ -15,7 +15,7 @@
 namespace zel {
 namespace {
 
-// Never destroyed: the decode thread of a player that has gone may still begin a session, and nobody waits for it here.
+// Never destroyed: the decode thread of a destroyed player may still create a session, and is not joined here.
 platform::VideoDecoders& lastingDecoders(int threads) {
   using platform::LibavVideoDecoders;
   static const auto* const decoders = [] {

@@ -11,17 +11,17 @@
 
 namespace zel::render {
 
-// Hears of faults, a sentence each. Thread: any thread, several at a time.
+// Receives messages about faults, one sentence each.
+// Thread: any thread, several at a time.
 using Diagnostics = std::function<void(const std::string& fault)>;
 
-// Tells each fault once, since most would come back with every picture; of those that come after the first
-// kMostFaults, none.
+// Reports each fault once, since most would recur with every picture, and only the first kMostFaults.
 // Thread: any thread.
 class FaultTeller {
  public:
   static constexpr std::size_t kMostFaults = 16;
 
-  // tell: none tells nobody.
+  // tell: may be empty.
   explicit FaultTeller(Diagnostics tell) : tell_(std::move(tell)) {}
 
   void tell(const std::string& fault) ZEL_EXCLUDES(mutex_) {

@@ -5,7 +5,7 @@
 namespace zel::render {
 namespace {
 
-constexpr std::size_t kReach = 3;  // chroma samples to each side, up and down too
+constexpr std::size_t kReach = 3;  // chroma samples in each direction
 constexpr int kBright = 200, kSaturated = 240;
 
 void takeLarger(std::vector<std::uint8_t>& into, const std::uint8_t* row) {
@@ -23,7 +23,7 @@ void collectColumns(const OutputPicture& picture, std::size_t row, std::size_t h
   for (std::size_t at = first + 1; at < end; ++at) takeLarger(into, picture.luma + at * picture.lumaStride);
 }
 
-// The picture goes on at its other edge.
+// The picture wraps around at its edges.
 void collectSamples(const std::vector<std::uint8_t>& columns, std::vector<std::uint8_t>& into) {
   const std::size_t samples = columns.size() / 2;
   const auto at = [&](std::size_t sample) { return std::max(columns[2 * sample], columns[2 * sample + 1]); };

@@ -12,9 +12,9 @@ constexpr int kDirections = 1 << 15;  // spread evenly over the sphere; some 2,0
 constexpr double kRim = 1.0;          // degrees inside both rims
 constexpr double kBand = 4.0;         // degrees between the distances from the rims
 constexpr double kShareOfNewest = 1.0 / 8;
-constexpr std::uint8_t kDarkest = 16, kBrightest = 235;  // beyond them a lens's value says little about the light
+constexpr std::uint8_t kDarkest = 16, kBrightest = 235;  // values beyond are unreliable
 
-// Turned by the golden angle from one to the next, from pole to pole.
+// A spiral with the golden angle, from pole to pole.
 Direction spread(int index) {
   constexpr double golden = 2.399963229728653;
   const double down = (2 * index + 1.0) / kDirections - 1, level = std::sqrt(1 - down * down);

@@ -8,22 +8,21 @@
 
 namespace zel::render {
 
-// Finds how much brighter one lens's picture is than the other's from what both see, and shares the difference out, so
-// that neither is changed more than the other: with the first one r times as bright, it is multiplied by 1 / sqrt(r)
-// and the second one by sqrt(r).
+// Measures the brightness ratio of both lenses in their overlap, and distributes the correction equally: if the first
+// one is r times as bright, it is multiplied by 1 / sqrt(r) and the second one by sqrt(r).
 // Thread: one at a time.
 class GainMatch {
  public:
-  static constexpr double kStrongest = 1.5;  // a ratio beyond it, or below its inverse, counts as it
+  static constexpr double kStrongest = 1.5;  // ratios are limited to this and its inverse
 
-  // views: of 1 or 2 lenses; with one there is nothing to match. width and height are the source's.
+  // views: of 1 or 2 lenses; one needs no matching. width and height are the source's.
   GainMatch(const std::vector<LensView>& views, double fieldOfView, int width, int height);
 
-  // The gains for this picture. The first picture's count at once; afterwards they go an eighth of the way towards
-  // those of the new picture. A picture that is too dark or too bright to tell leaves them as they are.
+  // The gains for this picture. Those of the first picture are used at once; each later one moves them by an eighth of
+  // the difference. A picture that is too dark or too bright to measure does not change them.
   LensGains next(const SourcePlane& luma);
 
-  // The next picture's gains count at once, as the first one's do.
+  // Uses the next picture's gains at once, as for the first one.
   void forget() { measured_ = false; }
 
  private:

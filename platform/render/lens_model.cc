@@ -31,7 +31,7 @@ std::vector<std::string_view> fieldsOf(std::string_view text) {
   return fields;
 }
 
-// A minus sign at most, digits, and a fraction at most: what the camera's own text holds.
+// An optional minus sign, digits, and an optional fraction, as in the camera's own text.
 std::optional<double> decimal(std::string_view field) {
   if (field.empty() || field.find_first_not_of("-.0123456789") != std::string_view::npos) return std::nullopt;
   double value = 0;
@@ -46,7 +46,7 @@ std::optional<double> whole(std::string_view field) {
   return value && *value <= kLargestModel ? value : std::nullopt;
 }
 
-// Reads the fields one after the other; the first fault is kept and makes the rest of no account.
+// Reads the fields in order; stops at the first fault and keeps it.
 class Reader {
  public:
   explicit Reader(std::string_view text) : fields_(fieldsOf(text)) {}
@@ -94,7 +94,7 @@ void checkCircle(Reader& reader, const LensModel& model, const Lens& lens, const
 
 std::string nameOf(std::size_t lens) { return " of lens " + std::to_string(lens); }
 
-// Both turned by an angle in their plane, from the first towards the second.
+// Rotates both by an angle in their plane, from the first towards the second.
 void turn(Direction& first, Direction& second, double degrees) {
   const double c = std::cos(degrees * kRadians), s = std::sin(degrees * kRadians);
   const Direction a = first, b = second;
@@ -153,7 +153,7 @@ Sight LensView::sightOf(const Direction& world) const {
   const double x = dot(world, axes_[0]), y = dot(world, axes_[1]), z = dot(world, axes_[2]);
   const double aside = std::sqrt(x * x + y * y);
   const double angle = std::atan2(aside, z) / kRadians;
-  // Straight behind, every side is as good as the next; straight ahead, the distance is 0 whatever the side.
+  // On the axis the direction is arbitrary: straight ahead the distance is 0, and straight behind all are equal.
   const double c = aside > 0 ? x / aside : 1, s = aside > 0 ? y / aside : 0;
   return {centreX_ + scaleX_ * angle * c, centreY_ + scaleY_ * angle * s, angle};
 }

@@ -9,7 +9,7 @@
 namespace zel::render {
 namespace {
 
-// Multiplied by the alpha, so that what is transparent lends no colour to its neighbours. 0 to 255.
+// Premultiplied by alpha, so that transparent pixels do not colour their neighbours. 0 to 255.
 struct Colour {
   float red = 0, green = 0, blue = 0, alpha = 0;
 };
@@ -23,7 +23,7 @@ struct Canvas {
   int width, height;
   std::vector<Colour> pixels;
 
-  // Nothing around it.
+  // Transparent outside.
   Colour at(int x, int y) const {
     if (x < 0 || y < 0 || x >= width || y >= height) return {};
     return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
@@ -64,7 +64,7 @@ Canvas halved(const Canvas& whole) {
 
 int longerSide(const Canvas& canvas) { return std::max(canvas.width, canvas.height); }
 
-// As large as the picture shows it at most, or it would flicker.
+// Scaled down to the size on the picture at most, to avoid flicker.
 Canvas fitted(const LogoImage& image, PictureSize output) {
   Canvas canvas = canvasOf(image);
   const double rows = NadirLogo::kHalfSide / 90 * output.height;  // across the logo
@@ -73,7 +73,7 @@ Canvas fitted(const LogoImage& image, PictureSize output) {
 }
 
 struct Yuv {
-  float luma, cb, cr;  // multiplied by the alpha, also the 128 in cb and cr
+  float luma, cb, cr;  // premultiplied by alpha, including the 128 in cb and cr
 };
 
 Yuv yuvOf(const Colour& c, const platform::LumaShares& share) {
@@ -86,7 +86,7 @@ Yuv yuvOf(const Colour& c, const platform::LumaShares& share) {
 
 std::uint8_t byteOf(float value) { return static_cast<std::uint8_t>(std::clamp(std::lround(value), 0L, 255L)); }
 
-// The logo seen from the middle of a plane's pixels.
+// Looks up the logo for the centres of a plane's pixels.
 class Viewer {
  public:
   Viewer(const Canvas& canvas, double angle, std::size_t width, std::size_t height)
@@ -158,7 +158,7 @@ void NadirLogo::draw(const Plane& plane, std::size_t row, std::uint8_t* out) {
   const std::uint8_t* values = plane.values.data() + first;
   const std::uint8_t* through = plane.through.data() + first;
   for (std::size_t i = 0; i < plane.rowBytes; ++i) {
-    // The nearest whole number of a 255th, without a division.
+    // Rounded division by 255, without a division.
     const unsigned product = static_cast<unsigned>(out[i]) * through[i] + 128;
     out[i] = static_cast<std::uint8_t>(std::min(255u, values[i] + ((product + (product >> 8)) >> 8)));
   }

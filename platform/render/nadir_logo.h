@@ -16,12 +16,12 @@ struct LogoImage {
   std::vector<std::uint8_t> rgba;
 };
 
-// Sides of 1 to kLargestSide, and as many bytes as they ask for.
+// Whether the sides are 1 to kLargestSide and the number of bytes matches.
 bool isUsable(const LogoImage& image);
 
-// A logo below the camera, over the tripod: its longer side is 40 degrees wide and its middle is the nadir. Its top is
-// forward; a positive angle turns it clockwise for whoever looks down. Colours are full range, by the matrix of the
-// pictures on which it is drawn.
+// A logo below the camera, over the tripod: its longer side is 40 degrees wide and its centre is the nadir. Its top
+// points forward; a positive angle rotates it clockwise as seen from above. Colours are full range, with the matrix of
+// the pictures on which it is drawn.
 // Thread: any thread after construction, several at a time.
 class NadirLogo {
  public:
@@ -31,7 +31,7 @@ class NadirLogo {
   NadirLogo(const LogoImage& image, double angle, PictureSize output,
             platform::ColourMatrix matrix = platform::ColourMatrix::bt601);
 
-  // The rows that it covers, of a plane with so many fewer of them (1 luma, 2 chroma).
+  // The rows that it covers in a plane; divisor: 1 luma, 2 chroma.
   std::size_t firstRow(int divisor) const { return planeOf(divisor).firstRow; }
 
   // Draws one row. row: of the plane, at least its first.

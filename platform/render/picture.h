@@ -7,15 +7,16 @@
 
 namespace zel::render {
 
-// Units: pixels.
+// Units:  pixels.
 struct PictureSize {
   int width = 0, height = 0;
 
   bool operator==(const PictureSize&) const = default;
 };
 
-// The planes of an NV12 picture to be written: luma, a byte a pixel, and Cb and Cr in turn at half the width and
-// height. Units: bytes from one row to the next.
+// The planes of an NV12 picture for writing: luma, one byte a pixel, and interleaved Cb and Cr at half the width and
+// height.
+// Units:  bytes from one row to the next.
 struct OutputPicture {
   std::uint8_t* luma = nullptr;
   std::size_t lumaStride = 0;

@@ -10,12 +10,12 @@ namespace {
 
 using PicturePtr = std::shared_ptr<platform::MemoryPixelBuffer>;
 
-constexpr std::size_t kReferenceBytes = 128;  // more than a shared pointer keeps beside its object
+constexpr std::size_t kReferenceBytes = 128;  // more than a shared pointer's control block needs
 
 }  // namespace
 
 struct PicturePool::Shelf {
-  // A picture, and the memory for counting its references.
+  // A picture, and the memory of its reference count.
   struct Slot {
     PicturePtr picture;
     alignas(std::max_align_t) std::byte references[kReferenceBytes];
@@ -57,8 +57,8 @@ struct PicturePool::Shelf {
 
 namespace {
 
-// Counts references in the slot itself. The slot is free when that memory is given back, which is after the last
-// reference of any kind.
+// Allocates the control block in the slot. The slot is free when that memory is deallocated, which is after the last
+// strong or weak reference.
 template <class Any, class Shelf>
 struct SlotAllocator {
   using Slot = typename Shelf::Slot;

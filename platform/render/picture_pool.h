@@ -8,19 +8,20 @@
 
 namespace zel::render {
 
-// Pictures of one size that are used again and again: one comes back when its last reference goes. Taking one that was
-// used before takes nothing from the heap.
+// A pool of pictures of one size: a picture returns to it when its last reference is released. Reusing one allocates
+// nothing.
 // Owner:  pictures may outlive the pool.
 // Thread: any thread.
 class PicturePool {
  public:
-  // most: pictures that may be in use at a time; none is made before it is needed.
+  // most: pictures in use at a time; each is created only when needed.
   PicturePool(PictureSize size, std::size_t most);
 
-  // A picture of anybody's former pixels. Errors: null while all are in use, and for a size that no picture has.
+  // A picture with undefined pixels.
+  // Errors: null while all are in use, and for an invalid size.
   std::shared_ptr<platform::MemoryPixelBuffer> take();
 
-  // How many have been made.
+  // The number of pictures created.
   std::size_t made() const;
 
  private:

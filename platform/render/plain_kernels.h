@@ -7,11 +7,12 @@
 #include "platform/render/kernel_shapes.h"
 #include "platform/render/plane_map.h"
 
-// The kernels in plain C++, a pixel at a time: for processors without vectors, and as what vectors must agree with.
+// The kernels in plain C++, a pixel at a time: for processors without vectors, and as the reference for the vector
+// code.
 namespace zel::render::plain {
 
-// Four bytes of a source plane around a place, in the order above left, above right, below left, below right, and
-// 128ths to the right and down.
+// The four bytes of a source plane around a position, in the order top left, top right, bottom left, bottom right, and
+// the 128ths to the right and down.
 struct Corner {
   int right, down;
   const std::uint8_t* above;
@@ -36,7 +37,7 @@ inline int acrossAt(const std::uint8_t* row, int right, int pixelBytes) {
   return (row[0] - 128) * (128 - right) + (row[pixelBytes] - 128) * right;
 }
 
-// The product's high bits, rounded: what vectors of 16 bits offer.
+// The product's high bits, rounded, as 16-bit vector instructions compute it.
 inline int fixedProduct(int a, int b) { return (a * b + (1 << 14)) >> 15; }
 
 inline std::uint8_t byteOf(int value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }

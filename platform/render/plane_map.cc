@@ -7,14 +7,14 @@ namespace zel::render {
 namespace {
 
 constexpr double kUnit = 1 << kPlaceBits;
-constexpr double kHalfStep = 1.0 / 256;  // pixels; places are cut to 1/128
-// The rim of a circle is dark and blurred, and its radius is never known exactly.
+constexpr double kHalfStep = 1.0 / 256;  // pixels; positions are truncated to 1/128
+// The rim of a circle is dark and blurred, and its radius is not known exactly.
 constexpr double kRimMargin = 0.5;  // degrees
 constexpr double kWorstFit = 1.0 / 64;
-constexpr double kLargestStep = 7.5;   // pixels between neighbours; 16 bits hold steps below 8
-constexpr double kStretch = 1.8;       // how much more than along the radius a lens of 200 degrees magnifies at its rim
-constexpr double kFarthest = 32768.0;  // pixels; places farther out are never looked at
-constexpr double kNode = 0.8660254038;  // Chebyshev's outer node: the place where a parabola's error is evened out
+constexpr double kLargestStep = 7.5;    // pixels between neighbours; 16 bits hold steps below 8
+constexpr double kStretch = 1.8;        // tangential by radial magnification of a 200-degree lens at its rim
+constexpr double kFarthest = 32768.0;   // pixels; positions farther out are not used
+constexpr double kNode = 0.8660254038;  // Chebyshev's outer node, which balances the parabola's error
 
 std::int32_t rounded(double value) { return static_cast<std::int32_t>(std::lround(value)); }
 
@@ -28,7 +28,7 @@ struct Parabola {
   std::uint32_t shape;
 };
 
-// Through three places, at -distance, 0 and distance from the middle of the segment's used pixels.
+// Through three positions, at -distance, 0 and distance from the middle of the segment's used pixels.
 Parabola parabolaThrough(const std::array<double, 3>& at, double distance, std::size_t usedPixels) {
   const double slope = usedPixels < 2 ? 0 : (at[2] - at[0]) / (2 * distance);
   const double bend = usedPixels < 3 ? 0 : (at[2] + at[0] - 2 * at[1]) / (2 * distance * distance);
@@ -98,8 +98,7 @@ TileBuilder::Margins TileBuilder::marginsAt(double column, const Bearing& latitu
   return marginsAt(directionOf(longitudeOf(column), latitude));
 }
 
-// One lens alone if it has both ends of the segment to itself: in between, the shares are never farther from that than
-// at the ends, by any number that counts.
+// One lens alone if both ends of the segment belong to it: in between, the shares differ from that only negligibly.
 RunKind TileBuilder::kindOf(std::size_t segment, const Bearing& latitude) const {
   const auto [first, second] = marginsAt(directionOf(nodes_[segment][1], latitude)).inside;
   if (first > reach_ && (first - second) / 2 > kFeather + reach_) return RunKind::lens0;

@@ -9,13 +9,13 @@
 
 namespace zel::render {
 
-// Pixels that one record of a map describes at most; a run's last record may stand for fewer.
+// The most pixels of one segment; a run's last segment may cover fewer.
 inline constexpr std::size_t kSegmentPixels = 16;
 
-// Places on a source plane are counted in 1/8192 pixel, so that 1/128 is exact after rounding.
+// Positions on a source plane are in 1/8192 pixel, so that 1/128 is exact after rounding.
 inline constexpr int kPlaceBits = 13;
 
-// Where 16 neighbouring pixels of the output are read on a source plane: on a parabola. Pixel i of them is read at
+// The source positions of 16 neighbouring output pixels, on a parabola. Pixel i is read at
 //   x + j * step + q * bend     with j = 2 i - 15 (odd, -15 to 15), q = (j * j - 1) / 8 (a triangular number, 0 to 28)
 // and the same in y, in 1/8192 pixel; 1/128 stands for half of the last bit kept, which rounds. In integers, so that
 // every processor reads the same place, and in a sixth of the memory that a place for each pixel takes.
@@ -25,7 +25,7 @@ struct Segment {
 };
 static_assert(sizeof(Segment) == 16);
 
-// 16 pixels that are a mixture of both lenses, in 128ths. Both shares are 0 where no lens sees anything.
+// 16 pixels blended from both lenses, in 128ths. Both shares are 0 where no lens sees anything.
 struct BlendSegment {
   Segment lens[2];
   std::array<std::array<std::uint8_t, 2>, kSegmentPixels> shares{};
@@ -47,10 +47,10 @@ struct TilePlace {
   std::size_t firstColumn = 0, columns = 0;  // the first is a multiple of the plane's segmentPixels
 };
 
-// The map of a rectangle, and the share of the work that one worker takes at a time.
+// The map of a rectangle; a worker's unit of work.
 struct Tile {
   TilePlace place;
-  std::vector<std::uint32_t> rowRuns;  // of each row its first run, and where the last row's end
+  std::vector<std::uint32_t> rowRuns;  // the first run of each row, and the end of the last row's runs
   std::vector<Run> runs;
   std::vector<Segment> segments;
   std::vector<BlendSegment> blends;
@@ -60,32 +60,32 @@ struct Tile {
 struct PlaneShape {
   std::size_t width = 0, height = 0;
   int sourceDivisor = 1;           // 1 for luma, 2 for chroma
-  std::size_t segmentPixels = 16;  // used pixels of each segment: 16, or fewer where a parabola would not follow
+  std::size_t segmentPixels = 16;  // used pixels of each segment: 16, or fewer where a parabola is not accurate
 };
 
-// Mixes the lenses across the seam: both have half where they see a direction equally far inside their rims, and it
-// takes at most this many degrees on either side until one has it all.
+// The width of the blend across the seam: both lenses have half where a direction is equally far inside both rims; at
+// most this many degrees to either side, one lens has all.
 inline constexpr double kFeather = 4;
 
-// The shares of both lenses, in 128ths, where a direction lies so many degrees inside the first and the second one's
-// rim (negative: outside).
+// The shares of both lenses, in 128ths, of a direction that many degrees inside the first and the second lens's rim
+// (negative: outside).
 std::array<std::uint8_t, 2> sharesAt(double insideFirst, double insideSecond);
 
-// How many pixels of a row of that width a segment may describe, for a circle of that many pixels a degree: the most
-// (16, 8, 4, 2, 1) that leave the parabola less than 1/64 pixel wrong.
+// The pixels of a segment in a row of that width, for a circle of that many pixels a degree: the largest number (16, 8,
+// 4, 2, 1) for which the parabola's error is below 1/64 pixel.
 std::size_t segmentPixelsFor(std::size_t width, double pixelsPerDegree);
 
-// Makes the maps of one plane, a tile at a time.
+// Builds the map of one plane, a tile at a time.
 // Thread: any thread after construction, several at a time.
 class TileBuilder {
  public:
-  // views: of 1 or 2 lenses on the source picture, whatever the plane.
+  // views: of 1 or 2 lenses on the source picture, for any plane.
   TileBuilder(const std::vector<LensView>& views, double fieldOfView, const PlaneShape& shape);
 
   Tile build(const TilePlace& place) const;
 
  private:
-  static constexpr std::size_t kNodes = 3;  // of a segment: that the parabola goes through
+  static constexpr std::size_t kNodes = 3;  // points of a segment through which the parabola goes
   struct Bearing {
     double sine = 0, cosine = 1;
   };
@@ -104,9 +104,9 @@ class TileBuilder {
   void addRow(Tile& tile, std::size_t row) const;
 
   const std::vector<LensView>& views_;
-  const double rim_;  // degrees from the axis at which a lens ends
+  const double rim_;  // degrees from the axis to the used rim of a lens
   const PlaneShape shape_;
-  const double reach_;                              // degrees that the ends of a segment are from its middle at most
+  const double reach_;                              // degrees, the largest distance from a segment's middle to its ends
   std::vector<std::array<Bearing, kNodes>> nodes_;  // of each segment of a row
 };
 

@@ -21,9 +21,9 @@ RowWorkers::RowWorkers(int threads) {
   try {
     for (std::size_t worker = 1; worker <= helpers; ++worker) threads_.emplace_back([this, worker] { work(worker); });
   } catch (const std::system_error&) {
-    // The host has no thread left to give: those that are there do the work.
+    // No more threads can be started: the existing ones do the work.
   } catch (const std::bad_alloc&) {
-    // Nor memory for one.
+    // No memory for a thread.
   }
 }
 
@@ -50,7 +50,7 @@ void RowWorkers::start(std::size_t tasks, Job job) {
   if (const std::exception_ptr fault = finish()) std::rethrow_exception(fault);
 }
 
-// The job is in the caller's frame: nobody may leave that before the last worker has left the job.
+// The job is on the caller's stack: the caller must not return before the last worker has left the job.
 std::exception_ptr RowWorkers::finish() {
   const MutexLock lock(mutex_);
   open_ = false;
@@ -78,7 +78,7 @@ void RowWorkers::work(std::size_t worker) {
   }
 }
 
-// A task that throws ends the job for everybody: what it was to make is of no use without its part.
+// A task that throws ends the whole job, because its result would be incomplete.
 void RowWorkers::takeTasks(const Job& job, std::size_t tasks, std::size_t worker) {
   try {
     for (std::size_t index; (index = nextTask_.fetch_add(1, std::memory_order_relaxed)) < tasks;)

@@ -11,15 +11,14 @@
 
 namespace zel::render {
 
-// A fixed set of threads that share out the tasks of one job after the other.
-// Owner:  must be destroyed by the thread that runs jobs, or after the last of them.
+// A fixed set of threads that share the tasks of one job at a time.
+// Owner:  destroy it on the thread that runs jobs, or after the last job.
 // Thread: one job at a time.
 class RowWorkers {
  public:
   static constexpr int kMost = 64;
 
-  // threads counts the caller, too; 0 stands for as many as the machine has processors. A host that gives fewer threads
-  // gets slower, not wrong.
+  // threads: including the caller; 0: one for each processor. If the system provides fewer threads, jobs take longer.
   explicit RowWorkers(int threads);
   ~RowWorkers();
   RowWorkers(const RowWorkers&) = delete;
@@ -29,8 +28,8 @@ class RowWorkers {
 
   // Calls task(index, worker) for each index below `tasks`, in any order, on the caller and the workers, and returns
   // when all have returned; worker is below count(), and no two calls at a time have the same. Allocates nothing.
-  // Errors: what a task throws is thrown to the caller, once no task runs any more; those not begun by then are left
-  //         out. Of several, the first counts.
+  // Errors: the first exception of a task is rethrown to the caller once no task runs any more; tasks that have not
+  //         begun by then are skipped.
   template <class Task>
   void run(std::size_t tasks, const Task& task) {
     start(tasks, {&task, [](const void* context, std::size_t index, std::size_t worker) {
@@ -55,12 +54,12 @@ class RowWorkers {
   Job job_ ZEL_GUARDED_BY(mutex_);
   std::size_t tasks_ ZEL_GUARDED_BY(mutex_) = 0;
   std::size_t round_ ZEL_GUARDED_BY(mutex_) = 0;  // counts the jobs
-  // On a busy machine a thread may wake when nothing is left to do; nobody waits for it, and it takes no part.
+  // On a busy machine a thread may wake when no task is left; it is not waited for, and takes no part.
   bool open_ ZEL_GUARDED_BY(mutex_) = false;         // threads may still join the round
-  std::size_t busy_ ZEL_GUARDED_BY(mutex_) = 0;      // those that have, and have not ended it
-  std::exception_ptr fault_ ZEL_GUARDED_BY(mutex_);  // the first of the round
+  std::size_t busy_ ZEL_GUARDED_BY(mutex_) = 0;      // threads in the round
+  std::exception_ptr fault_ ZEL_GUARDED_BY(mutex_);  // the round's first exception
   bool closed_ ZEL_GUARDED_BY(mutex_) = false;
-  std::vector<std::thread> threads_;  // last: nothing they use dies before them
+  std::vector<std::thread> threads_;  // last: destroyed before the members that they use
 };
 
 }  // namespace zel::render

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstring>
 
-// The file is compiled once for each kind of processor by including itself.
+// The file includes itself once for each target processor.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "platform/render/stitch_kernel.cc"
 #include <hwy/foreach_target.h>
-// After it, for each kind.
+// After it, for each target.
 #include <hwy/highway.h>
 
 #include "platform/render/plain_kernels.h"
@@ -22,7 +22,7 @@ namespace kernels = zel::render::plain;
 namespace kernels = zel::render::HWY_NAMESPACE;
 #endif
 
-// Whole segments go where they belong at once, others over a small buffer.
+// Whole segments are written directly, others through a small buffer.
 template <class Kernel, class AnySegment>
 HWY_INLINE void writeRun(const Kernel& kernel, std::span<const AnySegment> segments, const RunShape& shape,
                          std::uint8_t* out) {

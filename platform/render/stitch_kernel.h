@@ -8,8 +8,8 @@
 
 namespace zel::render {
 
-// Bilinear, with shares of 128ths in each direction. Places outside the plane are moved to its edge, so that nothing
-// outside of it is read, not even a byte behind the last row. Integers only: every processor gives the same bytes.
+// Bilinear, with weights in 128ths in each direction. Positions outside the plane are moved to its edge; no byte
+// outside it is read, not even one after the last row. Integers only: every processor gives the same bytes.
 // Thread: any thread.
 void stitchLuma(const SourcePlane& source, std::span<const Segment> segments, const RunShape& shape, std::uint16_t gain,
                 std::uint8_t* out);

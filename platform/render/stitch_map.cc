@@ -20,7 +20,7 @@ PlaneShape shapeOf(const std::vector<LensView>& views, PictureSize output, int d
   return shape;
 }
 
-// Of all tiles in turn, row by row. The tiles of a plane with fewer pixels are smaller by as much.
+// The rectangle of a tile, counted row by row. Tiles of the chroma plane are smaller accordingly.
 TilePlace placeOf(const PlaneShape& shape, std::size_t index) {
   const auto divisor = static_cast<std::size_t>(shape.sourceDivisor);
   const std::size_t rows = StitchMap::kTileRows / divisor, columns = StitchMap::kTileColumns / divisor;

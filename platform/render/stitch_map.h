@@ -10,22 +10,22 @@
 
 namespace zel::render {
 
-// Where every pixel of an equirectangular picture comes from. Forward is the middle of the picture, the left edge and
-// the right one are backward, the top is up:
+// The source position of every pixel of an equirectangular picture. The middle of the picture is forward, its left and
+// right edges are backward, the top is up:
 //   longitude = 360 (x / width - 1/2)        latitude = 180 (1/2 - y / height)
 // A chroma sample lies in the middle of its four pixels, on the source too.
 struct StitchMap {
-  // Of luma; of chroma half as many. Wide, for every run costs the time of some fifty pixels to begin with.
+  // For luma; half for chroma. Wide, because starting a run takes the time of about fifty pixels.
   static constexpr std::size_t kTileRows = 16, kTileColumns = 4096;
 
   PlaneShape luma, chroma;
-  std::vector<Tile> lumaTiles, chromaTiles;  // as many of the one as of the other
+  std::vector<Tile> lumaTiles, chromaTiles;  // equal numbers of both
 };
 
 // About 1.5 bytes for a pixel of the output.
 std::size_t byteCount(const StitchMap& map);
 
-// Shared out among the workers; their number does not change the map. views: each lens on the source picture.
+// Distributed to the workers; their number does not change the map. views: each lens on the source picture.
 // The output's sides are even.
 StitchMap buildStitchMap(const std::vector<LensView>& views, double fieldOfView, PictureSize output,
                          RowWorkers& workers);

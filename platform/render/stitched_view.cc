@@ -15,7 +15,7 @@ void StitchedView::playVideoStream(std::shared_ptr<ZELPreviewPlayer> player, std
     render->setOffset(offset);
   }
   const MutexLock lock(mutex_);
-  player_.swap(player);  // the former one goes after the lock, as does the former renderer
+  player_.swap(player);  // the former one is released after the lock, like the former renderer
   render_.swap(render);
   shown_.reset();
 }
@@ -29,7 +29,7 @@ platform::PixelBufferRef StitchedView::picture() {
   return shown_;
 }
 
-// A picture that cannot be unwrapped leaves the one before on show.
+// If a picture cannot be unwrapped, the previous one stays.
 void StitchedView::show(const platform::PixelBufferRef& picture) {
   if (auto image = render_->renderVideo(picture)) shown_ = std::move(image);
 }

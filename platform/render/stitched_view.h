@@ -10,14 +10,13 @@
 
 namespace zel::render {
 
-// A view without a screen. It polls the player, as a screen would at each of its own pictures, but only when somebody
-// looks: the newest picture is unwrapped in picture(). So the player's delegate stays free for others, and nothing is
-// unwrapped that nobody sees.
-// Owner:  keeps the player until another one, or none, is played.
-// Errors: an offset that makes no sense shows nothing, and is told once.
+// A view without a screen. picture() polls the player and unwraps the newest picture. So the player's delegate stays
+// free for other uses, and no picture is unwrapped unless it is requested.
+// Owner:  keeps the player until another one, or null, is played.
+// Errors: an invalid offset shows nothing, and is reported once.
 class StitchedView final : public platform::RenderView {
  public:
-  // size must be one that the stitcher makes.
+  // size must be valid for the stitcher.
   StitchedView(PictureSize size, const StitcherOptions& options, Diagnostics tell);
 
   void playVideoStream(std::shared_ptr<ZELPreviewPlayer> player, std::string_view offset) override;

@@ -13,7 +13,7 @@ bool isOutputSide(int side) { return side >= 2 && side <= Stitcher::kLargestSide
 
 bool isSourceSide(int side) { return side >= Stitcher::kSmallestSource && side <= Stitcher::kLargestSide; }
 
-// Nothing but the plane's own bytes is read if this holds.
+// If true, only the plane's own bytes are read.
 bool holds(const platform::PixelPlane& plane, std::size_t rowBytes, std::size_t rows) {
   constexpr std::size_t mostBytes = std::numeric_limits<std::int32_t>::max();
   return plane.data != nullptr && plane.rowBytes >= rowBytes && plane.rows >= rows && plane.stride >= plane.rowBytes &&
@@ -100,7 +100,7 @@ bool Stitcher::prepare(PictureSize source) {
   if (prepared_ && prepared_->source == source) return true;
   std::vector<LensView> views;
   for (const Lens& lens : model_.lenses) views.emplace_back(model_, lens, source.width, source.height);
-  prepared_.reset();  // the old map's memory goes before the new one's comes
+  prepared_.reset();  // the old map is freed before the new one is allocated
   prepared_.emplace(Prepared{source, buildStitchMap(views, model_.fieldOfView, output_, workers_),
                              GainMatch(views, model_.fieldOfView, source.width, source.height)});
   return true;

@@ -19,23 +19,23 @@
 namespace zel::render {
 
 struct StitcherOptions {
-  int threads = 0;        // that work on a picture, the caller's among them; 0: one a processor
+  int threads = 0;        // for a picture, including the caller's; 0: one for each processor
   bool matchGain = true;  // between the lenses
 };
 
 class Stitcher;
 
-// A stitcher, or one sentence on why there is none.
+// A stitcher, or one sentence that says why there is none.
 struct StitcherCreation {
   std::unique_ptr<Stitcher> stitcher;
   std::string fault;
 };
 
-// Makes one equirectangular picture of what the camera's two lenses see.
+// Stitches the pictures of the camera's two lenses to one equirectangular picture.
 //
-// Everything that depends on the sizes alone is worked out when the first picture comes, or in prepare(), and again
-// when the source's size changes; after that a picture takes no allocation. Thread: one at a time, but for
-// setRemovePurple().
+// Everything that depends only on the sizes is computed at the first picture, or in prepare(), and again when the
+// source's size changes; after that a picture needs no allocation.
+// Thread: one at a time, except setRemovePurple().
 class Stitcher {
  public:
   static constexpr int kLargestSide = 16384;
@@ -43,31 +43,32 @@ class Stitcher {
   // Even sides of 2 to kLargestSide.
   static bool canMake(PictureSize output);
 
-  // offset: the camera's lens offset text. output: a size that can be made.
-  // Errors: no stitcher for an offset that makes no sense and for other sizes.
+  // offset: the camera's lens offset text. output: a size for which canMake() is true.
+  // Errors: no stitcher for an invalid offset and for other sizes.
   static StitcherCreation create(std::string_view offset, PictureSize output, const StitcherOptions& options = {});
 
-  // Any thread; counts from the next picture on. See FringeFilter.
+  // Takes effect at the next picture. See FringeFilter.
+  // Thread: any thread.
   void setRemovePurple(bool on) { removePurple_.store(on, std::memory_order_relaxed); }
 
-  // The next picture has nothing to do with those before it: what it shows alone tells how bright each lens is.
+  // The next picture is unrelated to earlier ones: only its own content determines the gains of the lenses.
   void beginScene() {
     if (prepared_) prepared_->gains.forget();
   }
 
-  // Shows the logo at the nadir, turned by so many degrees, on pictures of that matrix; see NadirLogo.
-  // Errors: false for a logo that is not usable or an angle that is no finite number; then there is no logo.
+  // Shows the logo at the nadir, rotated by that many degrees, on pictures with that matrix; see NadirLogo.
+  // Errors: false for an unusable logo or an angle that is not finite; then no logo is shown.
   bool setLogo(const LogoImage& logo, double angle, platform::ColourMatrix matrix = platform::ColourMatrix::bt601);
   void clearLogo() { logo_.reset(); }
 
-  // Gets ready for pictures of this size, so that the first one does not wait.
+  // Prepares for pictures of this size, so that the first one is not delayed.
   // Errors: false for sides below kSmallestSource or above kLargestSide.
   static constexpr int kSmallestSource = 4;
   bool prepare(PictureSize source);
 
   // Fills the whole output.
   // Errors: false, and nothing is written, for a source without pixels, with planes smaller than its size says, or of a
-  // size that prepare() refuses, and for an output without planes or with too short rows.
+  //         size that prepare() refuses, and for an output without planes or with too short rows.
   [[nodiscard]] bool stitch(const platform::PixelBuffer& source, const OutputPicture& output);
 
   PictureSize size() const { return output_; }
@@ -75,7 +76,7 @@ class Stitcher {
   std::size_t mapBytes() const { return prepared_ ? byteCount(prepared_->map) : 0; }
 
  private:
-  // What depends on the source's size.
+  // The data that depends on the source's size.
   struct Prepared {
     PictureSize source;
     StitchMap map;

@@ -9,7 +9,7 @@
 namespace zel::render {
 namespace {
 
-// What is no number, or too large for one, is a size that nobody makes.
+// NaN and too large values become an invalid size.
 int pixelsIn(double points) { return points >= 0 && points < 1e6 ? static_cast<int>(points) : -1; }
 
 }  // namespace

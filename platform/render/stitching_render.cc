@@ -16,14 +16,14 @@ StitchingRender::StitchingRender(PictureSize output, const StitcherOptions& opti
 void StitchingRender::setOffset(std::string_view offset) {
   if (stitcher_ && offset == offset_) return;
   offset_ = offset;
-  stitcher_.reset();  // its threads and map go before the next one's come
+  stitcher_.reset();  // its threads and map are freed before the next one's are created
   try {
     StitcherCreation creation = Stitcher::create(offset, output_, options_);
     if (!creation.stitcher) faults_.tell(creation.fault);
     stitcher_ = std::move(creation.stitcher);
   } catch (const std::bad_alloc&) {
     tellOfMemory();
-    throw;  // who asked may try again
+    throw;  // the caller may retry
   }
   logoIsShown_ = !logo_;
 }

@@ -14,25 +14,24 @@
 
 namespace zel::render {
 
-// The stitcher behind the renderer's port. There is no graphics context to make current.
+// The renderer port, implemented with the stitcher. It has no graphics context.
 //
-// An image has the colours of its picture. Images come from a pool: once it is filled, one costs no allocation. A logo
-// that is not usable is not shown.
+// An image has the colour description of its picture. Images come from a pool: once it is filled, an image needs no
+// allocation. An unusable logo is not shown.
 //
-// Units:  at most kMostImages images are in use at a time; where a host keeps more of them, there is none for the next
-//         picture.
+// Units:  at most kMostImages images are in use at a time; if a host keeps that many, the next picture gives none.
 //
-// Errors: no image without an offset that makes sense, for a picture that cannot be stitched (see Stitcher), and where
-//         memory ends. Each of these is told once. An offset that finds no memory is told, and std::bad_alloc thrown.
+// Errors: no image without a valid offset, for a picture that cannot be stitched (see Stitcher), and when memory runs
+//         out. Each of these is reported once. Setting an offset without memory is reported, and throws std::bad_alloc.
 class StitchingRender final : public platform::FlatOffscreenRender {
  public:
   static constexpr std::size_t kMostImages = 16;
 
-  // output must be a size that the stitcher makes.
+  // output must be valid for the stitcher.
   StitchingRender(PictureSize output, const StitcherOptions& options, Diagnostics tell);
 
   void setOffset(std::string_view offset) override;
-  // Pictures of a video share the gains of the lenses, which follow slowly; any other picture has its own.
+  // Pictures of a video share the lens gains, which change slowly; any other picture has its own.
   void setIsRenderVideo(bool isVideo) override { isVideo_ = isVideo; }
   void setLogoAngle(float angle) override;
   void setLogoImage(const std::optional<platform::RgbaImage>& image) override;
@@ -49,12 +48,12 @@ class StitchingRender final : public platform::FlatOffscreenRender {
   FaultTeller faults_;
   PicturePool pool_;
   std::string offset_;
-  std::unique_ptr<Stitcher> stitcher_;  // null without an offset that makes sense
+  std::unique_ptr<Stitcher> stitcher_;  // null without a valid offset
   bool isVideo_ = false;
   std::optional<LogoImage> logo_;
   float logoAngle_ = 0;
   platform::ColourMatrix matrix_ = platform::ColourMatrix::bt601;  // of the last picture
-  bool logoIsShown_ = true;  // whether the stitcher knows logo_, its angle and matrix_
+  bool logoIsShown_ = true;  // whether the stitcher has logo_, its angle and matrix_
   std::atomic<bool> removePurple_{false};
 };
 

@@ -1,4 +1,4 @@
-// The kernels with vectors. Included once for each kind of processor, so without a guard that would keep it to once.
+// The vector kernels. Included once for each target processor, so deliberately without an include guard.
 
 #include <cstddef>
 #include <cstdint>
@@ -33,7 +33,7 @@ using V32 = hn::Vec<D32>;
 using V16 = hn::Vec<D16>;
 using VU8 = hn::Vec<DU8>;
 
-// The oldest kind goes without, so that what other makers' processors take is tested, too.
+// The oldest target does without, so that the code for other processors is tested too.
 #if HWY_TARGET == HWY_AVX3
 #define ZEL_RENDER_X86(name) _mm512_##name
 #elif HWY_TARGET == HWY_AVX2
@@ -67,8 +67,8 @@ HWY_INLINE V16 sumOfBytePairs(V16 shares, V16 values) {
 #endif
 }
 
-// Four bytes from each place; they need no alignment. One load a lane is as fast as the instruction for it on
-// processors with AVX2, or faster by a third where that instruction was slowed down to close a leak.
+// Loads four unaligned bytes from each position. One load a lane is as fast as the AVX2 gather instruction, or faster
+// by a third where microcode has slowed that down to close a leak.
 HWY_INLINE V32 gather(const std::uint8_t* base, V32 offsets) {
   const D32 d;
 #if HWY_TARGET == HWY_AVX3
@@ -96,12 +96,12 @@ HWY_ALIGN constexpr std::int16_t kCurve[2 * kSegmentPixels] = {-15, 28, -13, 21,
                                                                3,   -3, 1,   -1, 0,   1,  0,  3,  1,  5, 3,
                                                                7,   6,  9,   10, 11,  15, 13, 21, 15, 28};
 
-// Where pixels lie on the source: their top left neighbour in bytes, and 128ths to the right of it and below it.
+// Source positions: the offset of the top left neighbour in bytes, and the 128ths to its right and below it.
 struct Place {
   V32 offset, right, down;
 };
 
-// What all segments of a run have in common.
+// The state shared by all segments of a run.
 template <int kPixelBytes>
 class Reader {
  public:
@@ -130,8 +130,8 @@ class Reader {
     const D32 d;
     const D16 d16;
     const Place at = placeOf(segment, part);
-    // The bytes above come first in their word, those below last: the word below starts two bytes earlier, so that
-    // neither reads beyond the plane.
+    // The upper bytes are first in their word, the lower ones last: the lower word starts two bytes earlier, so that
+    // neither load reads outside the plane.
     const V16 above = hn::BitCast(d16, gather(top_, at.offset));
     const V16 below = hn::BitCast(d16, gather(bottom_ - 2, at.offset));
     const V16 rows = sumOfBytePairs(sharesAcross(at.right), centred(hn::OddEven(below, above)));
@@ -166,7 +166,7 @@ class Reader {
     return hn::Add(hn::Sub(hn::ShiftLeft<8>(twice), twice), hn::Set(d, 128));
   }
 
-  // Bytes less 128: shares of 128 fit unsigned bytes only, and one factor must be signed.
+  // Bytes minus 128: shares of 128 fit only unsigned bytes, and one factor must be signed.
   static HWY_INLINE V16 centred(V16 bytes) {
     const D16 d;
     return hn::Xor(bytes, hn::Set(d, static_cast<std::int16_t>(0x8080)));
@@ -271,7 +271,7 @@ struct ChromaOfBoth {
         hn::BitCast(d16, hn::Or(hn::ShiftRight<16>(shares), hn::And(shares, hn::Set(D32(), 0xFF0000))));
     const V16 first = amplified(reader.chroma(segment.lens[0], part), gains.lens[0]);
     const V16 second = amplified(reader.chroma(segment.lens[1], part), gains.lens[1]);
-    // 32 times, for a share of 128 does not fit 16 bits one place further up.
+    // 32 times, because with one more bit a share of 128 does not fit into 16 bits.
     const V16 sum = hn::Add(hn::MulFixedPoint15(first, hn::ShiftLeft<7>(shareOfFirst)),
                             hn::MulFixedPoint15(second, hn::ShiftLeft<7>(shareOfSecond)));
     storeChroma(hn::ShiftRight<5>(hn::Add(sum, hn::Set(d16, 16))), out);

@@ -5,7 +5,8 @@
 
 namespace zel::platform {
 
-// What both directions share: events are posted on the run loop, never delivered inside a call, and none after close().
+// The common part of both directions: events are posted on the run loop, never delivered inside a call, and none after
+// close().
 template <class Port>
 class ScriptedLink::ScriptedStream : public Port {
  public:
@@ -16,7 +17,7 @@ class ScriptedLink::ScriptedStream : public Port {
   void removeFromRunLoop(RunLoop& runLoop) override {
     if (runLoop_ != &runLoop) return;
     runLoop_ = nullptr;
-    // What was posted there must not arrive any more.
+    // Events posted there must not arrive any more.
     self_ = std::make_shared<ScriptedStream*>(this);
   }
   void open() override {
@@ -62,7 +63,7 @@ class ScriptedLink::ScriptedStream : public Port {
   RunLoop* runLoop_ = nullptr;
   bool open_ = false;
   bool closed_ = false;
-  bool over_ = false;  // an error or the end has been reported
+  bool over_ = false;  // an error or the end was reported
 };
 
 class ScriptedLink::Input final : public ScriptedStream<InputStream> {
@@ -86,8 +87,8 @@ class ScriptedLink::Input final : public ScriptedStream<InputStream> {
     return static_cast<std::ptrdiff_t>(count);
   }
 
-  // One event under way is enough. A read that leaves bytes announces them again; a delegate that does not read
-  // hears no more before new ones come.
+  // One pending event is enough. A read that leaves bytes reports them again; a delegate that does not read gets no
+  // more events before new bytes arrive.
   void announce() {
     if (!isOpen() || announced_ || failed_) return;
     if (hasBytesAvailable()) {
@@ -98,7 +99,7 @@ class ScriptedLink::Input final : public ScriptedStream<InputStream> {
   }
 
  private:
-  // Taken back when the bytes have been read by the time that it would be heard.
+  // Dropped if the bytes have been read before its delivery.
   void announceBytes() {
     if (!hasRunLoop()) return;
     announced_ = true;

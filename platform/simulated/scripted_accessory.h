@@ -13,8 +13,8 @@
 
 namespace zel::platform {
 
-// The camera's end of one session, and the host's two streams. A test decides every read, write and event.
-// Thread: the one of the simulated platform.
+// The camera's end of one session, and the host's two streams. A test controls every read, write and event.
+// Thread: that of the simulated platform.
 class ScriptedLink : public std::enable_shared_from_this<ScriptedLink> {
  public:
   using Bytes = std::vector<std::uint8_t>;
@@ -24,19 +24,19 @@ class ScriptedLink : public std::enable_shared_from_this<ScriptedLink> {
 
   // Bytes for the host to read.
   void send(const Bytes& bytes);
-  // An event without a cause: space on the output, anything else on the input.
+  // Sends an event without a cause: space on the output, anything else on the input.
   void fire(StreamEvent event);
-  // At most that many bytes a read.
+  // Limits the bytes of each read.
   void setReadLimit(std::size_t count) { readLimit_ = count; }
-  // Every read, or write, fails from here on, and the stream says so with an error event.
+  // From now on every read, or write, fails, and the stream reports an error event.
   void failReads();
   void failWrites();
   // The camera closes its side.
   void end();
-  // The output accepts that many bytes more; where it had no space, it tells the host of it.
+  // The output accepts that many more bytes; if it had no space, it reports hasSpaceAvailable.
   void setWriteCapacity(std::size_t count);
 
-  // What the host wrote, all of it or since the last time it was taken.
+  // The bytes that the host wrote: all, or those since the last take.
   const Bytes& written() const { return written_; }
   Bytes takeWritten() { return std::exchange(written_, {}); }
   // Called after each write of the host.
@@ -66,7 +66,7 @@ class ScriptedLink : public std::enable_shared_from_this<ScriptedLink> {
   std::function<void()> onWrite_;
 };
 
-// An accessory that a test plugs in.
+// An accessory that a test attaches.
 class ScriptedAccessory final : public Accessory {
  public:
   explicit ScriptedAccessory(AccessoryDescription description) : description_(std::move(description)) {}

@@ -16,13 +16,13 @@
 
 namespace zel::platform {
 
-// Renderers that fill an image of the asked size with the luma of the picture's first pixel and one more, and views
-// that show nothing. What they are told is listed.
+// Renderers that fill an image of the requested size with the luma of the picture's first pixel plus one, and views
+// that show nothing. They record their calls.
 // Owner:  must outlive its renderers.
-// Thread: any thread; lastOffset, onRender and onDestroy while no renderer is at work.
+// Thread: any thread; lastOffset, onRender and onDestroy while no renderer is in use.
 class ScriptedMediaLibrary final : public MediaLibrary {
  public:
-  // What the latest view was told.
+  // The calls of the latest view.
   struct View {
     Rectangle frame;
     std::int32_t renderType = -1;
@@ -41,7 +41,7 @@ class ScriptedMediaLibrary final : public MediaLibrary {
     return std::make_unique<ScriptedView>(*this);
   }
 
-  // What the renderers were told since the last time, a line each.
+  // The renderers' calls since the last take, a line each.
   std::vector<std::string> takeCalls() {
     const MutexLock lock(mutex_);
     return std::exchange(calls_, {});
@@ -49,11 +49,11 @@ class ScriptedMediaLibrary final : public MediaLibrary {
 
   std::atomic<bool> makesRenderers = true;
   std::atomic<bool> renders = true;  // false: every image fails
-  std::atomic<int> created = 0;      // renderers made
+  std::atomic<int> created = 0;      // renderers created
   std::atomic<int> live = 0;         // renderers that have not been destroyed
-  std::string lastOffset;            // the last that any was given
+  std::string lastOffset;            // the last offset set on any renderer
   std::function<void()> onRender;    // before each image
-  std::function<void()> onDestroy;   // before a renderer goes
+  std::function<void()> onDestroy;   // before a renderer is destroyed
   View view;
 
  private:

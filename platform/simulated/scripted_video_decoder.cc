@@ -71,7 +71,7 @@ class ScriptedVideoDecoders::Session final : public VideoDecoder {
   }
 
   const std::shared_ptr<State> state_;
-  DecodedPicture held_;  // the one thread that decodes
+  DecodedPicture held_;  // the decoding thread only
 };
 
 ScriptedVideoDecoders::ScriptedVideoDecoders() : state_(std::make_shared<State>()) {}

@@ -12,9 +12,9 @@
 
 namespace zel::platform {
 
-// Decoders that do as a test says. Without a script every unit gives a picture: the n-th of all, from 1 on, is filled
-// with luma n (modulo 256) and has the size that was set.
-// Owner:  its sessions keep what they need of it, so that either may go first.
+// Decoders that follow a test's script. Without a script every unit gives a picture: the n-th of all, from 1 on, is
+// filled with luma n (modulo 256) and has the size that was set.
+// Owner:  may be destroyed before its sessions.
 // Thread: any thread.
 class ScriptedVideoDecoders final : public VideoDecoders {
  public:
@@ -25,14 +25,14 @@ class ScriptedVideoDecoders final : public VideoDecoders {
 
   DecoderCreation create(VideoDecoder::Bytes sps, VideoDecoder::Bytes pps) override;
 
-  // Puts what the next units give, in order, behind what the script still holds.
+  // Appends the results of the next units to the script.
   void script(DecodeStatus status, std::size_t units = 1);
-  // Puts the creation's failure, `times` times, behind those still to come.
+  // Appends `times` failures of the creation.
   void failCreations(std::size_t times, DecoderCreationStage failedAt, std::int32_t status);
   void setPictureSize(std::int32_t width, std::int32_t height);
-  // Called before each unit is decoded, on the thread that decodes.
+  // Called before each unit is decoded, on the decoding thread.
   void onDecode(std::function<void()> call);
-  // From now on a unit gives the picture of the unit before it, as a stream with several slices a picture does.
+  // From now on a unit gives the picture of the previous unit, as in a stream with several slices a picture.
   void holdBack();
 
   // Units that reached a session, in order.

@@ -9,14 +9,14 @@ namespace {
 
 constexpr std::uint8_t kKeyHeader = 0x65, kSliceHeader = 0x41;
 
-// Uses up one of the failures that are left.
+// Uses one of the remaining failures.
 bool takeOne(std::size_t& left) {
   if (left == 0) return false;
   --left;
   return true;
 }
 
-// Whom an encoder tells. The encoder's end waits for a call in progress.
+// An encoder's callbacks. Its destructor waits for a call in progress.
 struct Receivers {
   RecursiveMutex mutex;
   VideoEncoder::SpsPpsCallback spsPps ZEL_GUARDED_BY(mutex);
@@ -62,7 +62,7 @@ struct ScriptedVideoEncoders::State {
     const MutexLock lock(mutex);
     return onDestroy;
   }
-  // Whether the picture is taken, and whether it gives its units by itself.
+  // Whether the picture is accepted, and whether it gives units.
   std::pair<bool, bool> take(MediaTime time) {
     const MutexLock lock(mutex);
     if (takeOne(picturesToFail)) return {false, false};

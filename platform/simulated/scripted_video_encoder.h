@@ -10,10 +10,10 @@
 
 namespace zel::platform {
 
-// Encoders that do as a test says. Without a script every encoder opens and takes every picture; before the return it
-// gives the parameter sets {67 01} and {68 02} for its first picture, and for each one a unit of {65} (the first) or
-// {41} and the luma of the picture's first pixel.
-// Owner:  its encoders keep what they need of it, so that either may go first.
+// Encoders that follow a test's script. Without a script every encoder opens and accepts every picture. Before
+// encodeImage() returns, it delivers the parameter sets {67 01} and {68 02} for its first picture, and for each picture
+// a unit of {65} (the first) or {41} and the luma of the picture's first pixel.
+// Owner:  may be destroyed before its encoders.
 // Thread: any thread.
 class ScriptedVideoEncoders final : public VideoEncoders {
  public:
@@ -24,27 +24,27 @@ class ScriptedVideoEncoders final : public VideoEncoders {
 
   std::unique_ptr<VideoEncoder> create(const VideoEncoderSettings& settings) override;
 
-  // The next creations give nothing; the next encoders do not open; the next attempts to encode fail.
+  // The next creations return null; the next encoders do not open; the next attempts to encode fail.
   void failCreations(std::size_t times);
   void failOpenings(std::size_t times);
   void failPictures(std::size_t attempts);
-  // No picture gives a unit any more; the test emits what it wants.
+  // Pictures give no units any more; the test emits them.
   void beSilent();
-  // Called before each attempt to encode, on the thread that encodes.
+  // Called before each attempt to encode, on the encoding thread.
   void onEncode(std::function<void()> call);
-  // Called before an encoder is destroyed, on the thread that does it.
+  // Called before an encoder is destroyed, on the destroying thread.
   void onDestroy(std::function<void()> call);
 
-  // Output of the encoder that was made last, on the caller's thread. What the receiver made of the bytes.
+  // Emits output of the newest encoder, on the caller's thread. Returns the bytes as the receiver has changed them.
   void emitParameterSets(const Bytes& sps, const Bytes& pps);
   Bytes emitUnit(Bytes unitBehindItsLength, bool keyFrame, MediaTime time);
 
-  // Of every creation that gave an encoder.
+  // The settings of every successful creation.
   std::vector<VideoEncoderSettings> created() const;
   // Encoders that have not been destroyed.
   std::size_t live() const;
   std::size_t attempts() const;
-  // Times of the pictures that were taken.
+  // Times of the accepted pictures.
   std::vector<MediaTime> times() const;
 
  private:

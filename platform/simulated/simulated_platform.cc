@@ -26,13 +26,13 @@ class SimulatedClock final : public Clock {
   SimulatedScheduler& scheduler_;
 };
 
-// A thread is a run loop whose begin and end are steps of its own.
+// A thread is a run loop whose begin and end are separate steps.
 class SimulatedThread final : public Thread {
  public:
   SimulatedThread(SimulatedScheduler& scheduler, const std::shared_ptr<int>& live, ThreadBody body)
       : scheduler_(scheduler), loop_(std::make_shared<SimulatedRunLoop>(scheduler)) {
     loop_->beginWith(std::move(body.begin));
-    // The loop lives until its end has run, also when the handle is destroyed on the thread itself.
+    // The loop lives until its end step has run, even if the handle is destroyed on the thread itself.
     ++*live;
     loop_->whenStopped([live, kept = loop_, end = std::move(body.end)] {
       if (end) end();

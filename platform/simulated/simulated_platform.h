@@ -12,14 +12,14 @@
 
 namespace zel::platform {
 
-// A whole platform in virtual time, of which one thing at a time runs: nothing sleeps, and the order in which threads,
-// queues and tasks get their turn is drawn by the seed, so that a test is repeatable and may try many orders. A task of
-// the global queue may sleep and wait through the clock, and the others go on meanwhile.
+// A complete platform in virtual time that runs one thing at a time. Nothing really sleeps. The seed determines the
+// order of threads, queues and tasks, so that a test is repeatable and can try many orders. A task of the global queue
+// may sleep and wait through the clock; others run meanwhile.
 // Thread: one. The time starts at 700,000,000 seconds after 1 January 2001.
 class SimulatedPlatform {
  public:
   explicit SimulatedPlatform(std::uint64_t seed = 1);
-  // Lets threads that have been stopped end, as a real platform waits for them; tasks of the global queue are left.
+  // Runs stopped threads to their end, as a real platform waits for them; abandons tasks of the global queue.
   ~SimulatedPlatform();
   SimulatedPlatform(const SimulatedPlatform&) = delete;
   SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;

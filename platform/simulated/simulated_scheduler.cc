@@ -12,7 +12,7 @@ constexpr int kStepsBeforeLivelock = 1'000'000;
 
 }  // namespace
 
-// A call in progress keeps its task alive, so that a timer may be destroyed from inside it.
+// A call in progress keeps its task alive, so that it may destroy its timer.
 class SimulatedRunLoop::SimulatedTimer final : public Timer {
  public:
   SimulatedTimer(SimulatedRunLoop& loop, double period, Task task)
@@ -120,7 +120,7 @@ void SimulatedRunLoop::step() {
   } else if (!stopped_) {
     turn();
   } else if (const auto end = std::exchange(end_, nullptr)) {
-    // The last call; the loop may be gone behind it.
+    // The last call; it may destroy the loop.
     return end();
   }
   awake_ = hasWork();

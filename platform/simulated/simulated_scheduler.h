@@ -16,8 +16,9 @@ namespace zel::platform {
 
 class SimulatedRunLoop;
 
-// Runs every run loop and queue of the simulated platform one at a time, in virtual time. Each loop keeps its own
-// order; which loop or task goes next is drawn by the seed. Thread: one, but for what tasks of the global queue call.
+// Runs the run loops and queues of the simulated platform one at a time, in virtual time. Each loop keeps its own
+// order; the seed determines which loop or task runs next.
+// Thread: one, except for calls by tasks of the global queue.
 class SimulatedScheduler {
  public:
   explicit SimulatedScheduler(std::uint64_t seed) : random_(seed) {}
@@ -29,32 +30,32 @@ class SimulatedScheduler {
   void setNow(double seconds);
 
   // Runs everything that is due now.
-  // Errors: throws std::runtime_error after a million steps, which only work that begets itself makes.
+  // Errors: throws std::runtime_error after a million steps, which indicates work that queues itself endlessly.
   void runUntilIdle();
 
-  // Lets threads that have been stopped, or have not begun, take the steps that are left to them. All other work stays.
+  // Runs the remaining steps of threads that were stopped or have not begun. All other work stays queued.
   void endStoppedThreads();
 
-  // Moves the time on, running everything on the way when it is due.
+  // Advances the time, and runs everything when it is due.
   void advance(double seconds);
 
-  // Adds a task of the global queue, in no order with the others.
+  // Adds a task of the global queue, without an order among them.
   void addTask(Task task) { tasks_.push_back(std::make_shared<SimulatedTask>(std::move(task))); }
   // Tasks of the global queue that have not ended.
   std::size_t taskCount() const { return tasks_.size(); }
-  // Drops tasks that have not begun, and leaves the others where they are for good.
+  // Drops tasks that have not begun, and never resumes the others.
   void abandonTasks();
 
-  // Lets the caller sleep. A task of the global queue lets the others go on meanwhile; for anybody else the time is
-  // over at once.
+  // Lets the caller sleep. While a task of the global queue sleeps, others run; for other callers the time passes at
+  // once.
   void sleepFor(double seconds);
 
-  // Lets the caller wait. Outside a task of the global queue only such tasks go on meanwhile, as the caller's loop is
-  // at a call, and the time with them. False where the deadline came first.
-  // Errors: throws std::runtime_error where nobody is left who could bring the condition about.
+  // Lets the caller wait. If the caller is not a task of the global queue, only such tasks run meanwhile, and the time
+  // advances with them. False when the deadline came first.
+  // Errors: throws std::runtime_error when nothing is left that could make the condition true.
   bool waitUntil(const std::function<bool()>& condition, double deadline = kNever);
 
-  // The loop whose call is in progress, or null; the innermost when the end of one thread runs inside another.
+  // The loop whose call is in progress, or null; the innermost one if calls are nested.
   SimulatedRunLoop* current() const { return running_.empty() ? nullptr : running_.back(); }
   bool isRunning(const SimulatedRunLoop& loop) const;
 
@@ -73,12 +74,12 @@ class SimulatedScheduler {
   std::mt19937_64 random_;
   std::vector<SimulatedRunLoop*> loops_;
   std::vector<std::shared_ptr<SimulatedTask>> tasks_;
-  std::vector<SimulatedRunLoop*> running_;  // null where a task of the global queue runs
+  std::vector<SimulatedRunLoop*> running_;  // null for a task of the global queue
   SimulatedTask* runningTask_ = nullptr;
 };
 
 // A run loop that is also a queue. Ready work is its tasks in order, then signalled sources and timers that are due.
-// Like a real one it falls asleep when it finds no work, and then sees a signalled source only after something woke it.
+// Like a real one it sleeps when it has no work, and then notices a signalled source only after a wake-up.
 class SimulatedRunLoop final : public RunLoop, public Queue {
  public:
   explicit SimulatedRunLoop(SimulatedScheduler& scheduler) : scheduler_(scheduler) { scheduler_.add(*this); }
@@ -92,11 +93,11 @@ class SimulatedRunLoop final : public RunLoop, public Queue {
   void wakeUp() override;
   void stop() override;
 
-  // The first step of a thread, which it takes even when it is stopped before.
+  // Sets the first step of a thread, which runs even if the thread was stopped before.
   void beginWith(std::function<void(RunLoop&)> begin) { begin_ = std::move(begin); }
-  // Called, as a step of its own, once the loop has been stopped.
+  // Sets the last step, which runs after the loop was stopped.
   void whenStopped(std::function<void()> end) { end_ = std::move(end); }
-  // Stops the loop and takes the steps that are left at once, unless its call is in progress.
+  // Stops the loop and runs the remaining steps at once, unless its call is in progress.
   void finish();
 
  private:

@@ -12,9 +12,9 @@ namespace zel::platform {
 
 inline constexpr double kNever = std::numeric_limits<double>::infinity();  // seconds
 
-// A task of the simulated global queue. It has a thread of its own, so that it may stop anywhere to sleep or to wait;
-// but that thread runs only while the scheduler waits for it, and so one at a time does.
-// Owner:  the thread keeps the object alive. A task that has begun and is abandoned stays where it is for good.
+// A task of the simulated global queue. It has its own thread, so that it can sleep or wait anywhere. The thread runs
+// only while the scheduler waits for it, so only one thread runs at a time.
+// Owner:  the thread keeps the object alive. A task that is abandoned after it has begun is never resumed.
 // Thread: as each operation says.
 class SimulatedTask final : public std::enable_shared_from_this<SimulatedTask> {
  public:
@@ -22,17 +22,18 @@ class SimulatedTask final : public std::enable_shared_from_this<SimulatedTask> {
   SimulatedTask(const SimulatedTask&) = delete;
   SimulatedTask& operator=(const SimulatedTask&) = delete;
 
-  // Scheduler: whether it can go on now. What it waits for is taken then.
+  // Scheduler: whether it can continue now. If so, it takes the awaited semaphore.
   bool isReady(double now);
-  // Scheduler: when it wants to go on at the latest; kNever while it waits for something without a deadline.
+  // Scheduler: when it must continue at the latest; kNever while it waits without a deadline.
   double wakesAt() const { return wakesAt_; }
-  // Scheduler: lets it run until it sleeps, waits or ends.
+  // Scheduler: runs it until it sleeps, waits or ends.
   void resume();
   bool hasEnded() const { return ended_; }
-  // Scheduler: leaves it to itself.
+  // Scheduler: never resumes it.
   void abandon();
 
-  // The task itself: lets the scheduler go on until that time, or until the condition holds or the deadline has come.
+  // The task itself: yields to the scheduler until that time, or until the condition is true or the deadline is
+  // reached.
   void sleepUntil(double time);
   void waitUntil(std::function<bool()> condition, double deadline);
 
@@ -40,7 +41,7 @@ class SimulatedTask final : public std::enable_shared_from_this<SimulatedTask> {
   void run();
   void yield();
 
-  // Only one side at a time touches these; the semaphores hand them over.
+  // Only one side at a time uses these; the semaphores pass them on.
   Task task_;
   double wakesAt_ = 0;
   std::function<bool()> condition_;

@@ -15,10 +15,8 @@ struct AudioTrack {
   double secondsPerFrame() const { return 1024.0 / sampleRate; }
 };
 
-// Cuts a file of ADTS frames. A last frame that is cut off is left out.
-// Errors: no frames for bytes that do not begin with a whole frame; nothing behind a frame that is followed by
-// something
-//         else.
+// Cuts a file of ADTS frames. An incomplete last frame is left out.
+// Errors: no frames for bytes that do not begin with a whole frame; reading ends at other bytes after a frame.
 AudioTrack framesIn(std::span<const std::uint8_t> file);
 
 // The header of 7 bytes before a frame of AAC-LC with `size` bytes, at 48 kHz in stereo.

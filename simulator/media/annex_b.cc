@@ -9,12 +9,12 @@ using Stream = std::span<const std::uint8_t>;
 
 constexpr int kSlice = 1, kKeySlice = 5, kEnhancement = 6, kDelimiter = 9;
 
-// A slice whose first macroblock is number 0, which is a single bit of 1.
+// A slice with first_mb_in_slice 0, which is a single 1 bit.
 bool beginsWithFirstMacroblock(Stream stream, const UnitPlace& unit) {
   return unit.header + 1 < unit.end && (stream[unit.header + 1] & 0x80) != 0;
 }
 
-// Whether a unit behind a slice belongs to the next picture.
+// Whether a unit after a slice belongs to the next picture.
 bool beginsPicture(Stream stream, const UnitPlace& unit) {
   const int type = unitType(stream, unit);
   return isSlice(type) ? beginsWithFirstMacroblock(stream, unit) : type >= kEnhancement && type <= kDelimiter;
@@ -42,7 +42,7 @@ std::vector<UnitPlace> unitsIn(Stream stream) {
 
 std::vector<VideoPicture> picturesIn(Stream stream) {
   std::vector<VideoPicture> pictures;
-  bool sliceSeen = true;  // of the picture that is being collected
+  bool sliceSeen = true;  // in the current picture
   for (const UnitPlace& unit : unitsIn(stream)) {
     if (sliceSeen && (pictures.empty() || beginsPicture(stream, unit))) {
       pictures.emplace_back();

@@ -23,7 +23,7 @@ constexpr std::size_t kFrames = static_cast<std::size_t>(kLoopSeconds) * kRate /
 static_assert(kFrames * kFrame == static_cast<std::size_t>(kLoopSeconds) * kRate);
 constexpr int kBefore = 8;  // frames
 constexpr double kHumHertz = 200, kHum = 0.02, kLoudness = 0.5;
-constexpr double kRamp = 0.002;  // seconds of fading in and out, against clicks
+constexpr double kRamp = 0.002;  // seconds of fading in and out, to avoid clicks
 
 double tone(double hertz, double seconds) { return std::sin(2 * std::numbers::pi * hertz * seconds); }
 
@@ -72,7 +72,7 @@ double beepSample(double seconds, bool right) {
   return hum + kLoudness * edge * tone(right ? 2 * kBeepHertz : kBeepHertz, phase);
 }
 
-// Some frames go before those that are kept, so that the first one of these knows what the last one sounds like.
+// Encodes some frames before those that are kept, so that the loop has no click at its end.
 AudioTrack makeBeeps() {
   AudioTrack track{kRate, {}};
   const CodecContextPtr encoder = openEncoder();

@@ -9,7 +9,7 @@
 
 namespace zel::simulator {
 
-// Audio that may still be in the making. One that is not valid() never comes.
+// Audio that may still be encoded. If not valid(), there will be none.
 using FutureAudio = std::shared_future<std::shared_ptr<const AudioTrack>>;
 
 inline FutureAudio readyAudio(AudioTrack track) {

@@ -7,10 +7,10 @@
 namespace zel::simulator {
 namespace {
 
-constexpr double kDeviation = 3;  // of 255, as of a small sensor indoors
+constexpr double kDeviation = 3;  // of 255, like a small sensor indoors
 constexpr std::size_t kNoise = std::size_t{1} << 18;
 
-// Well mixed, so that neighbouring rows and pictures have nothing in common.
+// A hash, so that neighbouring rows and pictures are uncorrelated.
 std::uint64_t mixed(std::uint64_t picture, std::uint64_t row) {
   std::uint64_t x = (picture << 32) + row + 0x9E3779B97F4A7C15;
   x = (x ^ x >> 30) * 0xBF58476D1CE4E5B9;
@@ -20,8 +20,8 @@ std::uint64_t mixed(std::uint64_t picture, std::uint64_t row) {
 
 }  // namespace
 
-// The engine's numbers are the same everywhere, a library's normal distribution is not: twelve equal ones summed come
-// close enough.
+// The engine's numbers are the same on every platform, the library's normal distribution is not. The sum of twelve
+// uniform numbers approximates it.
 Grain::Grain() : noise_(kNoise) {
   std::mt19937 random;
   for (std::int8_t& value : noise_) {

@@ -7,12 +7,12 @@
 
 namespace zel::simulator {
 
-// The noise of a sensor, different in every picture, and the same for each film.
+// Sensor noise, different in every picture, and the same in each film.
 class Grain {
  public:
   Grain();
 
-  // Adds it to one row of samples. picture, row: which one, as both decide what is added.
+  // Adds noise to one row of samples. picture, row: determine the noise.
   void add(std::uint64_t picture, std::uint64_t row, std::span<std::uint8_t> samples) const;
 
  private:

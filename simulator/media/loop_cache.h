@@ -7,18 +7,19 @@
 
 namespace zel::simulator {
 
-// Files that took long to make, kept in a folder: $XDG_CACHE_HOME/zelcam-sim, else ~/.cache/zelcam-sim.
+// A cache of files that take long to generate, in a folder: $XDG_CACHE_HOME/zelcam-sim, else ~/.cache/zelcam-sim.
 class LoopCache {
  public:
-  // An empty folder keeps nothing.
+  // An empty folder disables the cache.
   explicit LoopCache(std::string folder = standardFolder()) : folder_(std::move(folder)) {}
 
   static std::string standardFolder();
 
-  // No bytes where there is no such file, or none that can be read.
+  // Empty if there is no such readable file.
   Bytes find(const std::string& name) const;
 
-  // The file appears under its name when it is whole. Errors: none; what cannot be written is not kept.
+  // The file appears under its name when it is complete.
+  // Errors: none; a file that cannot be written is not cached.
   void keep(const std::string& name, const Bytes& content) const;
 
  private:

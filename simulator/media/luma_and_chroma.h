@@ -5,8 +5,8 @@
 
 namespace zel::simulator {
 
-// Fills a frame of planes, of the picture's even size, with its luma and chroma: full range, the matrix of ITU-R
-// BT.601. Each sample is the nearest one; chroma is that of the mean of four pixels.
+// Converts the picture, of even size, to a planar frame: full range, the matrix of ITU-R BT.601, rounded to nearest.
+// Chroma is computed from the mean of four pixels.
 void convert(const Picture& picture, AVFrame& frame);
 
 }  // namespace zel::simulator

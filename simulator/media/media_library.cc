@@ -11,7 +11,7 @@
 namespace zel::simulator {
 namespace {
 
-// To be raised with every change of what is seen or heard, so that nobody is shown what was kept before it.
+// Increase it with every change of pictures or sound, to invalidate cached loops.
 constexpr int kMediaVersion = 2;
 constexpr std::uintmax_t kLargestMediaFile = 1024u << 20;  // bytes
 
@@ -40,7 +40,7 @@ std::string nameOf(const PreviewFormat& format) {
          ".h264";
 }
 
-// Runs on a thread of its own.
+// Runs on a separate thread.
 void film(const std::stop_token& stop, const PreviewFormat& format, const LoopCache& cache, VideoLoop& loop) {
   std::vector<VideoPicture> kept = picturesIn(cache.find(nameOf(format)));
   if (kept.size() == loop.length()) return fill(loop, std::move(kept));
@@ -55,7 +55,7 @@ void film(const std::stop_token& stop, const PreviewFormat& format, const LoopCa
   cache.keep(nameOf(format), stream);
 }
 
-// Likewise.
+// Runs on a separate thread too.
 AudioTrack record(const LoopCache& cache) {
   const std::string name = "beeps-v" + std::to_string(kMediaVersion) + ".aac";
   AudioTrack track = framesIn(cache.find(name));

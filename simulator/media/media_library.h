@@ -13,8 +13,8 @@
 
 namespace zel::simulator {
 
-// What the camera shows and lets hear: the moving scene and its beeps, or the files that were given instead. Each is
-// made once and then looped. Pictures are made on a thread of the library's own and can be taken from the first one on.
+// The camera's media: the moving scene and its beeps, or the given files. Each is rendered once and then looped.
+// Pictures are rendered on a separate thread and are available from the first one on.
 // Thread: one at a time.
 class MediaLibrary {
  public:
@@ -28,7 +28,7 @@ class MediaLibrary {
   bool useVideo(const std::string& file, std::string& error);
   bool useAudio(const std::string& file, std::string& error);
 
-  // A format that differs from the last one's ends the making of that one.
+  // A different format stops rendering the previous one.
   std::shared_ptr<const VideoLoop> video(const PreviewFormat& format);
 
   // Ready once the beeps have been made.

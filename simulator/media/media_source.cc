@@ -72,11 +72,11 @@ void MediaSource::queue(std::uint16_t type, std::vector<Bytes> payloads, double 
   for (Bytes& payload : payloads) ready_.push_back({type, std::move(payload), due, type == kAudio});
 }
 
-// In bursts, everything waits for the end of its burst.
+// In bursts, frames are sent at the end of their burst.
 double MediaSource::sendingTime(double mediaTime) const {
   if (setup_.faults.burst <= 1) return mediaTime;
   const double length = static_cast<double>(setup_.faults.burst) / setup_.rate;
-  constexpr double kRounding = 1e-9;  // a picture's time lies on the border between two bursts
+  constexpr double kRounding = 1e-9;  // a picture's time is exactly between two bursts
   return (std::floor(mediaTime / length + kRounding) + 1) * length;
 }
 

@@ -15,7 +15,8 @@
 
 namespace zel::simulator {
 
-// A frame of the stream, and when it is to be sent. Units: seconds since the source began.
+// A frame of the stream, and its sending time.
+// Units:  seconds since the source began.
 struct MediaFrame {
   std::uint16_t type = 0;  // kVideo, kAudio or kTimestamp
   Bytes payload;
@@ -25,25 +26,24 @@ struct MediaFrame {
 
 struct MediaSetup {
   std::shared_ptr<const VideoLoop> video;
-  FutureAudio audio;       // begins when it is ready, in step with the pictures
+  FutureAudio audio;       // begins when it is ready, in sync with the pictures
   int rate = 30;           // pictures a second
-  bool timestamps = true;  // a timestamp frame goes before each picture and each audio frame
+  bool timestamps = true;  // a timestamp frame precedes each picture and each audio frame
   MediaFaults faults;
   std::uint64_t seed = 1;
 };
 
-// The media of one connection as a series of frames in the order of their time, without end.
+// The media of one connection as an endless series of frames in time order.
 // Thread: one at a time.
 class MediaSource {
  public:
   explicit MediaSource(MediaSetup setup);
 
-  // The next frame. Nothing while its picture is still being made: the media's time then stands still.
+  // The next frame. Nothing while its picture is being rendered: the media's time then stands still.
   // now: seconds since the source began.
   std::optional<MediaFrame> next(double now);
 
-  // The camera's clock, which the timestamps show, is at 0 at that moment of the source's time. At first at its
-  // beginning.
+  // Sets the camera's clock, used for timestamps, to 0 at that moment of the source's time; initially at its beginning.
   void startClock(double now) { clockStart_ = now; }
 
  private:
@@ -62,9 +62,9 @@ class MediaSource {
   std::shared_ptr<const AudioTrack> audio_;  // null until it is ready
   std::deque<MediaFrame> ready_;
   std::size_t picture_ = 0;     // the next one's number
-  std::size_t audioFrame_ = 0;  // likewise
-  int keyPictures_ = 0;         // that have been seen
-  double stoodStill_ = 0;       // how long the media's time did
+  std::size_t audioFrame_ = 0;  // the next one's number
+  int keyPictures_ = 0;         // sent so far
+  double stoodStill_ = 0;       // how long the media's time stood still
   double clockStart_ = 0;
 };
 

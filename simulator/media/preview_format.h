@@ -2,10 +2,11 @@
 
 namespace zel::simulator {
 
-// What a preview resolution code asks for, and how well it is seen. Units: pixels, pictures a second.
+// The format of a preview resolution code, and its quality.
+// Units:  pixels, pictures a second.
 struct PreviewFormat {
   int width = 0, height = 0, rate = 0;
-  int bitrate = 0;  // bits a second, with the grain of a sensor; 0: without grain, in as many bits as that takes
+  int bitrate = 0;  // bits a second, with sensor noise; 0: without noise, in as many as it takes
   int slices = 1;   // of each picture
 
   bool operator==(const PreviewFormat&) const = default;

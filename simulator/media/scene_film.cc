@@ -29,11 +29,11 @@ CodecContextPtr openEncoder(const PreviewFormat& format) {
   context->gop_size = format.rate;
   context->pix_fmt = AV_PIX_FMT_YUVJ420P;
   context->color_range = AVCOL_RANGE_JPEG;
-  // All of it: some players drop a matrix beside which primaries and transfer are untold.
+  // Declares all of them: some players ignore a matrix without primaries and transfer.
   context->colorspace = AVCOL_SPC_SMPTE170M;
   context->color_primaries = AVCOL_PRI_SMPTE170M;
   context->color_trc = AVCOL_TRC_SMPTE170M;
-  context->thread_count = 1;  // several would cut the picture into slices of their own
+  context->thread_count = 1;  // several threads would add slices
   context->slices = format.slices;
   av_opt_set(context.get(), "preset", "superfast", AV_OPT_SEARCH_CHILDREN);
   av_opt_set(context.get(), "tune", "zerolatency", AV_OPT_SEARCH_CHILDREN);
@@ -52,7 +52,7 @@ FisheyeProjector::Rows movingRows(int sceneHeight) {
   return {static_cast<int>(std::floor(row(kMovingLatitude))), static_cast<int>(std::ceil(row(-kMovingLatitude)))};
 }
 
-// libx264 writes start codes of three bytes within a picture; the camera knows those of four bytes alone.
+// libx264 writes three-byte start codes within a picture; the camera writes only four-byte ones.
 VideoPicture withLongStartCodes(const AVPacket& packet) {
   const std::span<const std::uint8_t> stream(packet.data, static_cast<std::size_t>(packet.size));
   VideoPicture picture;

@@ -12,16 +12,18 @@
 
 namespace zel::simulator {
 
-// The camera's view of the moving scene as H.264: both lenses' circles, full range, a key picture with its parameter
-// sets each second, start codes of four bytes, no reordering. Thread: one at a time.
+// The camera's view of the moving scene as H.264: the circles of both lenses, full range, a keyframe with parameter
+// sets each second, four-byte start codes, no reordering.
+// Thread: one at a time.
 class SceneFilm {
  public:
-  // The map of the lenses is built here, which takes longer than a picture. The width is a multiple of 4.
+  // Builds the map of the lenses, which takes longer than a picture. The width is a multiple of 4.
   explicit SceneFilm(const PreviewFormat& format);
 
-  bool ok() const { return encoder_ != nullptr; }  // false where FFmpeg has no libx264
+  bool ok() const { return encoder_ != nullptr; }  // false if FFmpeg has no libx264
 
-  // The next picture; its time is its number divided by the rate. Errors: a picture without bytes.
+  // The next picture; its time is its number divided by the rate.
+  // Errors: a picture without bytes.
   VideoPicture next();
 
  private:
@@ -32,7 +34,7 @@ class SceneFilm {
   const PreviewFormat format_;
   const Scene scene_;
   const FisheyeProjector lenses_;
-  const FisheyeProjector::Rows moving_;  // the rows of the view in which anything moves
+  const FisheyeProjector::Rows moving_;  // the rows of the view with movement
   const platform::CodecContextPtr encoder_;
   std::optional<Grain> grain_;
   Picture seen_;

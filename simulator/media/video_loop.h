@@ -10,13 +10,13 @@
 
 namespace zel::simulator {
 
-// Pictures that are shown again and again. They may be added while the first ones are shown already.
+// A loop of pictures. Pictures may be added while the first ones are already used.
 // Thread: any thread.
 class VideoLoop {
  public:
   using PicturePtr = std::shared_ptr<const VideoPicture>;
 
-  // length: pictures of one round, at least 1.
+  // length: pictures in the loop, at least 1.
   explicit VideoLoop(std::size_t length) : length_(length) {}
 
   std::size_t length() const { return length_; }
@@ -24,13 +24,13 @@ class VideoLoop {
   // Adds the next picture; more than the length are dropped.
   void add(VideoPicture picture);
 
-  // No more will be added; what is there makes a round, if anything is.
+  // Ends adding; the existing pictures are the loop.
   void end();
 
-  // Null while the picture is not there yet, and for good when the loop ended empty.
+  // Null while the picture is not ready, and always if the loop ended empty.
   PicturePtr picture(std::size_t number) const;
 
-  // Waits until so many pictures are there, or the loop has ended. How many there are.
+  // Waits until that many pictures are ready, or the loop has ended. Returns their number.
   std::size_t waitFor(std::size_t pictures) const;
 
  private:

@@ -31,7 +31,8 @@ def presets():
 
 def is_built(target):
     lists = [path.read_text() for path in ROOT.rglob("CMakeLists.txt") if BUILD.parent not in path.parents]
-    return any(re.search(rf"(?:zel_test|add_executable|add_custom_target)\({target}\b", text) for text in lists)
+    folder = target.removesuffix("_tests")  # zel_tests(link) makes link_tests
+    return any(re.search(rf"(?:zel_test|add_executable|add_custom_target)\({target}\b|zel_tests\({folder}\b", text) for text in lists)
 
 
 def complaint(line):

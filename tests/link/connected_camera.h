@@ -15,7 +15,8 @@
 namespace zel::test {
 
 // One camera stack on the simulated platform whose camera's frames arrive: status 2. For programs without a test
-// fixture. Thread: one.
+// fixture.
+// Thread: one.
 class ConnectedCamera {
  public:
   explicit ConnectedCamera(std::uint64_t seed = 1) : host(seed) {

@@ -128,11 +128,11 @@ class CommandLineTest(unittest.TestCase):
         return done.stderr.splitlines()[0]
 
     def test_tells_what_is_wrong(self):
-        self.assertEqual(self.refused("many"), './run: "many" is no number of mutants')
-        self.assertEqual(self.refused("0"), './run: "0" is no number of mutants')
-        self.assertEqual(self.refused("--list", "-3"), './run: "-3" is no number of mutants')
-        self.assertEqual(self.refused("10", "x"), './run: "x" is no seed, which is a whole number below 1000000000')
-        self.assertEqual(self.refused("10", "1", "2"), './run: "2" is too much')
+        self.assertEqual(self.refused("many"), './run: "many" is not a number of mutants')
+        self.assertEqual(self.refused("0"), './run: "0" is not a number of mutants')
+        self.assertEqual(self.refused("--list", "-3"), './run: "-3" is not a number of mutants')
+        self.assertEqual(self.refused("10", "x"), './run: "x" is not a seed, an integer below 1000000000')
+        self.assertEqual(self.refused("10", "1", "2"), './run: unexpected argument "2"')
 
 
 if __name__ == "__main__":

@@ -9,7 +9,7 @@ namespace zel::test {
 
 // How much an equirectangular picture is like another one of its size, as a peak signal to noise ratio; each row counts
 // by its area on the sphere. Rows from `first` to before `end`; those of all rows by default.
-// Units: decibels. -1 for pictures of two sizes.
+// Units:  decibels. -1 for pictures of two sizes.
 inline double likeness(const simulator::Picture& a, const simulator::Picture& b, int first = 0, int end = -1) {
   if (a.width != b.width || a.height != b.height) return -1;
   if (end < 0) end = a.height;

@@ -56,7 +56,8 @@ struct Connection {
   std::unique_ptr<FarEnd> far;
 };
 
-// One adapter of all ports, and the world around it. Thread: the test's.
+// One adapter of all ports, and the world around it.
+// Thread: the test's.
 class Harness {
  public:
   virtual ~Harness() = default;

@@ -16,7 +16,8 @@
 namespace zel {
 namespace {
 
-// Nobody's rights, where the test runs as root, who may read everything. Errors: false where they cannot be had.
+// Nobody's rights, where the test runs as root, who may read everything.
+// Errors: false where they cannot be had.
 class WithoutPrivileges {
  public:
   WithoutPrivileges() { had_ = ::geteuid() != 0 || ::seteuid(kNobody) == 0; }

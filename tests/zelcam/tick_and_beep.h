@@ -6,13 +6,15 @@
 namespace zel::test {
 
 // When the scene's lamp is seen to be lit, and its beep is heard to begin, in a film, and how red the newest picture is
-// at the nadir of a stitched one. Units: seconds; Cr, 128 for grey.
+// at the nadir of a stitched one.
+// Units:  seconds; Cr, 128 for grey.
 struct TicksAndBeeps {
   std::vector<double> ticks, beeps;
   double nadirCr = 0;
 };
 
-// Where the lamp is. Units: shares of the picture's width and height.
+// Where the lamp is.
+// Units:  shares of the picture's width and height.
 struct LampPlace {
   double x = 0, y = 0;
 };

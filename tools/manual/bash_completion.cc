@@ -7,7 +7,7 @@
 namespace zel::manual {
 namespace {
 
-// Words and options hold no character that means something between single quotes.
+// Words and options contain no single quotes.
 std::string offerWords(const std::vector<std::string>& words) {
   return "mapfile -t COMPREPLY < <(compgen -W '" + joined(words, " ") + "' -- \"$word\")";
 }
@@ -26,10 +26,10 @@ std::string offer(const Entry& entry) {
   return "";
 }
 
-// A line of a case; none where nothing is offered.
+// A line of a case; empty without completions.
 std::string line(const std::string& text) { return text.empty() ? "" : "      " + text + "\n"; }
 
-// "photo:-o | photo:--output": an option behind its command; those of the program itself stand behind any.
+// "photo:-o | photo:--output": an option after its command; options of the program itself may follow any command.
 std::string pattern(const std::string& command, const std::vector<std::string>& names) {
   std::string alternatives;
   for (const std::string& name : names) {
@@ -39,7 +39,7 @@ std::string pattern(const std::string& command, const std::vector<std::string>& 
   return alternatives;
 }
 
-// Options with the same values stand together, in the order of the first of each kind.
+// Options with the same values are grouped, in the order of the first of each kind.
 using Cases = std::vector<std::pair<std::string, std::vector<std::string>>>;
 
 void addCase(Cases& cases, const std::string& offered, const std::string& alternatives) {
@@ -98,7 +98,7 @@ std::string skippedOptions(const CommandText& program) {
   return joined(patterns, " | \\\n        ");
 }
 
-// Walks over what stands before: which command it is, and how many arguments it has.
+// Scans the words before the cursor for the command and the number of its arguments.
 std::string walk(const CommandText& program) {
   std::string text = "  for ((i = 1; i < COMP_CWORD; ++i)); do\n    case $command:${COMP_WORDS[i]} in\n";
   text += "      " + skippedOptions(program) + ")\n        ((++i))\n";

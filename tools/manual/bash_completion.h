@@ -6,7 +6,7 @@
 
 namespace zel::manual {
 
-// A script that tells bash how the program's command line goes on. It needs bash alone.
+// A bash completion script for the program. It needs only bash.
 std::string bashCompletion(const ProgramText& text);
 
 }  // namespace zel::manual

@@ -17,8 +17,8 @@ void addDescribeOption(CLI::App& app, Words words) {
     std::string description = form == "man"    ? manualPage(text)
                               : form == "bash" ? bashCompletion(text)
                                                : zshCompletion(text);
-    if (description.ends_with('\n')) description.pop_back();  // the program ends what it prints so
-    throw CLI::CallForVersion(std::move(description), 0);     // prints nothing but its words, and ends well
+    if (description.ends_with('\n')) description.pop_back();  // the program adds the newline
+    throw CLI::CallForVersion(std::move(description), 0);     // prints only its text, and ends with status 0
   };
   app.add_option_function<std::string>("--describe", describe,
                                        "print the manual page, or that shell's completion, and end")

@@ -4,9 +4,9 @@
 
 namespace zel::manual {
 
-// Adds "--describe FORM" to a program: it prints the manual page (man) or a shell's completion (bash, zsh), made from
-// the program's own description, and ends the parsing as --help does. words: as describeProgram() takes them.
-// Owner: the program must outlive its parsing.
+// Adds "--describe FORM" to a program: it prints the manual page (man) or a shell completion (bash, zsh), generated
+// from the program's own description, and ends the parsing like --help. words: as for describeProgram().
+// Owner:  the program must outlive its parsing.
 void addDescribeOption(CLI::App& app, Words words = {});
 
 }  // namespace zel::manual

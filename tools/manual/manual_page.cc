@@ -6,13 +6,13 @@
 namespace zel::manual {
 namespace {
 
-// What is typed or printed as it stands: every '-' is the one of the keyboard.
+// Literal text: every '-' is a hyphen-minus.
 std::string literal(const std::string& text) {
   std::string line = replaced(replaced(text, "\\", "\\e"), "-", "\\-");
   return line.starts_with('.') || line.starts_with('\'') ? "\\&" + line : line;
 }
 
-// Prose: only what looks like an option keeps the keyboard's '-'.
+// Prose: only options keep the hyphen-minus.
 std::string prose(const std::string& text) {
   std::string escaped;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -35,7 +35,7 @@ std::string upper(std::string text) {
   return text;
 }
 
-// A summary as the NAME section has it: no sentence.
+// A summary for the NAME section, which is not a sentence.
 std::string asName(std::string summary) {
   if (summary.ends_with('.')) summary.pop_back();
   if (!summary.empty()) summary[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(summary[0])));
@@ -77,7 +77,7 @@ std::string argumentForms(const CommandText& command) {
 
 std::string verbatim(const std::string& line) { return ".PP\n.nf\n.RS 4\n" + literal(line) + "\n.RE\n.fi\n"; }
 
-// One command, under a heading of its own.
+// One command, under its own heading.
 std::string commandText(const std::string& program, const CommandText& command) {
   std::string text = ".SS " + literal(command.name) + "\n";
   text += bold(program + " " + command.name) + (command.options.empty() ? "" : " [" + italic("OPTION") + "]...");
@@ -90,7 +90,7 @@ std::string commandText(const std::string& program, const CommandText& command) 
   return text;
 }
 
-// The end of the program's help: what is not indented is a heading, or one with its text behind the colon.
+// The end of the program's help: a line that is not indented is a heading, possibly with text after the colon.
 std::string notes(const std::string& text) {
   std::string page;
   std::istringstream lines(text);

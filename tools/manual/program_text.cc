@@ -7,7 +7,7 @@
 namespace zel::manual {
 namespace {
 
-// "DIR", "SECONDS:FLOAT in [0 - 9]" or ":{start,stop}": the name, then what the value must be.
+// "DIR", "SECONDS:FLOAT in [0 - 9]" or ":{start,stop}": the name, then the allowed values.
 std::vector<std::string> choicesIn(const std::string& type) {
   const auto begin = type.find(":{"), end = type.rfind('}');
   if (begin == std::string::npos || end == std::string::npos) return {};
@@ -45,7 +45,7 @@ CommandText describeCommand(const CLI::App& app, const Words& words) {
   CommandText command{app.get_name(), app.get_description(), app.get_footer(), {}, {}, {}};
   const bool isProgram = app.get_parent() == nullptr;
   for (const CLI::Option* option : app.get_options()) {
-    if (option == app.get_help_ptr() && !isProgram) continue;  // every command has it, and the program tells
+    if (option == app.get_help_ptr() && !isProgram) continue;  // every command has it; described once for the program
     (option->get_positional() ? command.arguments : command.options).push_back(describeEntry(*option, words));
   }
   for (const CLI::App* inner : app.get_subcommands([](const CLI::App*) { return true; })) {

@@ -10,17 +10,17 @@ class App;
 
 namespace zel::manual {
 
-// One option or argument, as people and shells have to know it.
+// One option or argument, for people and shells.
 struct Entry {
-  std::vector<std::string> names;  // as they are typed, "-o" and "--output"; an argument has one, for people
-  std::string value;               // what an option's value is called; empty for a flag, and for an argument
-  std::vector<std::string> words;  // all that it may be, or the usual ones; empty where that cannot be told
+  std::vector<std::string> names;  // as typed, "-o" and "--output"; an argument has one, for people
+  std::string value;               // the name of an option's value; empty for a flag, and for an argument
+  std::vector<std::string> words;  // all possible values, or the usual ones; empty if unknown
   std::string help;
-  std::string environment;  // the variable that stands in for it, if any
+  std::string environment;  // the variable that replaces it, if any
   bool required = false;
   bool repeated = false;
 
-  // What the value or the argument is called, by which files and folders are told from other text.
+  // The name of the value or the argument, which distinguishes files and folders from other text.
   const std::string& called() const { return value.empty() ? names.front() : value; }
 };
 
@@ -47,14 +47,14 @@ ProgramText describeProgram(const CLI::App& app, const Words& words);
 
 enum class ValueKind { text, file, folder };
 
-// What shells are to offer: FILE, FILE.png, OUT and PATH are files, DIR is a folder.
+// The kind of completion: FILE, FILE.png, OUT and PATH are files, DIR is a folder.
 ValueKind kindOf(const Entry& entry);
 
-// All options' names, and those alone that a value follows.
+// The names of all options, and of those with a value.
 std::vector<std::string> optionNames(const CommandText& command);
 std::vector<std::string> valuedOptionNames(const CommandText& command);
 
-// The parts with something between each two.
+// The parts with a separator between them.
 std::string joined(const std::vector<std::string>& parts, const std::string& between);
 
 // The text with each `from` replaced.

@@ -5,7 +5,7 @@
 namespace zel::manual {
 namespace {
 
-// The parser misses a command, and does not tell that it was given a word that is none.
+// The parser reports a missing command, without the unknown word that was given.
 std::string faultOf(const CLI::App& app, const CLI::Error& fault) {
   if (!app.get_subcommands().empty() || app.get_require_subcommand_min() == 0) return fault.what();
   if (dynamic_cast<const CLI::RequiredError*>(&fault) == nullptr) return fault.what();

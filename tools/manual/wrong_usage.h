@@ -4,7 +4,7 @@
 
 namespace zel::manual {
 
-// Lets a program say, of a command line that it does not take, what is wrong and which --help tells more.
+// Makes a program's usage errors say what is wrong and which --help to read.
 void explainWrongUsage(CLI::App& app);
 
 }  // namespace zel::manual

@@ -6,7 +6,7 @@
 
 namespace zel::manual {
 
-// The function that tells zsh how the program's command line goes on, for a file _PROGRAM in its $fpath.
+// A zsh completion function for the program, for a file _PROGRAM in $fpath.
 std::string zshCompletion(const ProgramText& text);
 
 }  // namespace zel::manual

@@ -13,13 +13,13 @@
 
 namespace zel::app {
 
-// What follows an option or stands for an argument.
+// The kind of an option's or an argument's value.
 enum class Kind { flag, text, number, integer };
 
 // One option of a command.
 struct Option {
-  std::string_view name;         // as it is typed, "--seconds" or "-o,--output"
-  std::string_view placeholder;  // of its value, for people
+  std::string_view name;         // as typed, "--seconds" or "-o,--output"
+  std::string_view placeholder;  // its value's name, for people
   std::string_view help;
   Kind kind = Kind::text;
   double least = 0;  // of a number or an integer
@@ -27,23 +27,23 @@ struct Option {
   bool repeated = false;  // may be given several times
 };
 
-// One argument of a command. `choices` are all that it may be, where there are any.
+// One argument of a command. `choices` are all allowed values, if any.
 struct Argument {
   std::string_view name;
   std::string_view help;
   bool required = true;
-  bool repeated = false;  // takes all that are left; only the last one may
+  bool repeated = false;  // takes all remaining words; only the last argument may
   std::vector<std::string_view> choices = {};
 };
 
-// What the command line gave for a command's options and arguments, checked against their description.
+// The values of a command's options and arguments, checked against their description.
 class Values {
  public:
-  // Where the values of an option or argument go; a flag that is given has a value too.
+  // The values of an option or argument, for writing; a given flag has a value too.
   std::vector<std::string>& slot(std::string_view name);
 
   bool has(std::string_view name) const;
-  // Empty where nothing was given.
+  // Empty if not given.
   std::string text(std::string_view name) const;
   std::optional<double> number(std::string_view name) const;
   std::optional<std::int64_t> integer(std::string_view name) const;
@@ -59,7 +59,7 @@ struct Invocation {
   Values values;
 };
 
-// One command of the program. Help, and whatever else describes the commands, is made from these.
+// One command of the program. Help and all other descriptions are generated from these.
 struct Command {
   std::string_view name;
   std::string_view summary;

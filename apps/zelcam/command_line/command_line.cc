@@ -16,8 +16,8 @@
 namespace zel::app {
 namespace {
 
-// Ends what is printed, and returns the exit status. Who could not be told what came of it was told nothing, and the
-// command was then stopped by that alone.
+// Flushes the output, and returns the exit status. If standard output cannot be written, that is the reason why the
+// command was stopped.
 int closed(int status, bool json) {
   if (json && status != kDone) printFailure(status);
   const int fault = standardOutputFault();
@@ -26,7 +26,7 @@ int closed(int status, bool json) {
   return status == kDone || status == kInterrupted ? kRefused : status;
 }
 
-// The command, between two lines of the log where one is kept.
+// Runs the command, between two lines of the log, if any.
 int runLogged(const Command& command, const Invocation& invocation, int argc, const char* const* argv) {
   std::string error;
   if (!invocation.settings.log.empty() && !keepLog(invocation.settings.log, error)) {
@@ -38,7 +38,7 @@ int runLogged(const Command& command, const Invocation& invocation, int argc, co
   return status;
 }
 
-// Help, or what is wrong with the command line, by the parser's own words.
+// Prints help or a usage error in the parser's words.
 int answerParser(CLI::App& parser, const CLI::ParseError& end, bool json) {
   std::ostringstream help, complaint;
   const bool isGood = parser.exit(end, help, complaint) == 0;
@@ -55,7 +55,7 @@ int runCommandLine(int argc, const char* const* argv) {
   try {
     tree.parser().parse(argc, argv);
   } catch (const CLI::ParseError& end) {
-    // The parser may have stopped before it came to --json.
+    // The parser may have stopped before --json.
     const bool json = std::find(argv, argv + argc, std::string_view("--json")) != argv + argc;
     return answerParser(tree.parser(), end, json);
   }

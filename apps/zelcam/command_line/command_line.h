@@ -2,8 +2,8 @@
 
 namespace zel::app {
 
-// Reads the command line against the table of commands and runs the command that it names.
-// Returns the exit status: wrong usage is told on standard error and ends with kWrongUsage.
+// Parses the command line with the table of commands and runs the command.
+// Returns the exit status; a usage error is printed on standard error and gives kWrongUsage.
 int runCommandLine(int argc, const char* const* argv);
 
 }  // namespace zel::app

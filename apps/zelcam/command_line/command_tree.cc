@@ -28,7 +28,7 @@ Exit status:
   130  interrupted before it was done
 )";
 
-// The checks of the library accept what merely begins like a number, and what is none, "nan".
+// The library's checks accept text that only begins with a number, and "nan".
 CLI::Validator numberCheck(const Option& option) {
   const auto check = [option](const std::string& text) {
     const auto value = numberIn<double>(text);
@@ -59,7 +59,7 @@ void describeSettings(CLI::App& app, Settings& settings) {
   app.footer(kNotes);
 }
 
-// "-o,--output" is known to its command by its last name.
+// A command uses the last name of "-o,--output".
 std::string_view keyOf(const Option& option) { return option.name.substr(option.name.rfind(',') + 1); }
 
 CLI::callback_t keepIn(std::vector<std::string>& slot) {
@@ -99,7 +99,7 @@ CLI::App* describeCommand(CLI::App& app, const Command& command, Values& values)
   return described;
 }
 
-// What shells offer where the parser has no list: operations are checked by the command itself, which says more.
+// Completions without a list in the parser: the command itself checks operations, with better messages.
 manual::Words usualWords() {
   manual::Words words;
   for (const Operation& operation : operations()) words["OPERATION"].push_back(std::string(operation.name));

@@ -8,7 +8,7 @@
 
 namespace zel::app {
 
-// The program's command line: the table of commands as its parser has it, and what was given.
+// The program's command line: a parser built from the table of commands, and the parsed values.
 class CommandTree {
  public:
   CommandTree();
@@ -17,7 +17,7 @@ class CommandTree {
 
   CLI::App& parser() { return app_; }
 
-  // The command that the parsed line names; null where it names none.
+  // The command of the parsed line; null if there is none.
   const Command* chosen() const;
   const Invocation& invocation() const { return invocation_; }
 

@@ -8,8 +8,8 @@
 
 namespace zel::app {
 
-// How many threads decode a preview of that resolution code: as many as --decoder-threads asks for, else one, which
-// shows each picture soonest. From 2560x1280 on, one can take longer for a picture than until the next one comes.
+// The number of decoder threads for a preview of that resolution code: that of --decoder-threads, else one, which has
+// the shortest delay. From 2560x1280 on, one thread can be too slow, so the default is two.
 inline int decoderThreads(const Values& values, int resolution) {
   constexpr int kFirstLarge = previewCode({2560, 1280, 15});
   const int usual = resolution >= kFirstLarge && std::thread::hardware_concurrency() > 1 ? 2 : 1;

@@ -15,7 +15,7 @@ namespace zel::app {
 // Bytes as lower-case hexadecimal digits, two each.
 std::string hexOf(std::span<const std::uint8_t> bytes);
 
-// The bytes that such digits, of either case, stand for; nothing where the text is anything else.
+// The bytes of such digits, of either case; nothing for any other text.
 std::optional<std::vector<std::uint8_t>> bytesIn(std::string_view hex);
 
 // The same for a record of the protocol.

@@ -13,7 +13,8 @@
 
 namespace zel::app {
 
-// What `zelcam live` was asked for. Units: pixels, bits a second, seconds, degrees.
+// The options of `zelcam live`.
+// Units:  pixels, bits a second, seconds, degrees.
 struct LiveOptions {
   std::vector<OutputAddress> outputs;
   int resolution = kSmallestPreview;

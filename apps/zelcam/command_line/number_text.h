@@ -9,7 +9,7 @@
 
 namespace zel::app {
 
-// The number that the whole text stands for, in decimal; nothing where it is none, not finite or out of T's range.
+// The decimal number of the whole text; nothing if it is no number, not finite or out of T's range.
 template <class T>
 requires std::integral<T> || std::floating_point<T> std::optional<T> numberIn(std::string_view text) {
   T value{};

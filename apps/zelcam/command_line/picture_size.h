@@ -13,7 +13,8 @@ struct PictureSize {
 
 inline constexpr std::int32_t kLargestPictureSide = 16384;
 
-// "1440x720": each side even and from 2 to kLargestPictureSide. Errors: nothing for anything else.
+// "1440x720": each side even and from 2 to kLargestPictureSide.
+// Errors: nothing for anything else.
 std::optional<PictureSize> pictureSizeIn(std::string_view text);
 
 }  // namespace zel::app

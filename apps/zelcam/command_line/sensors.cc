@@ -19,11 +19,11 @@
 namespace zel::app {
 namespace {
 
-// Behind a frame's header, a message's code and all records that a capture can have.
+// The rest of a frame after its header, the message's code and all records of a capture.
 constexpr std::uint64_t kMostExtra = std::numeric_limits<std::uint32_t>::max() - (4 + 2 + 2) - sizeof(ZELGpsData) -
                                      sizeof(ZELGyroData) - sizeof(ZELOrientationData) - sizeof(aeb_info);
 
-// The comma-separated numbers of an option, zeros where it was not given.
+// The comma-separated numbers of an option; zeros if not given.
 template <std::size_t count>
 std::optional<std::array<double, count>> numbersOf(const Values& values, std::string_view option, std::string& error) {
   std::array<double, count> numbers{};

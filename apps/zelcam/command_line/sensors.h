@@ -14,7 +14,7 @@
 
 namespace zel::app {
 
-// Where and how a picture is taken, as the sensor options say; zeros where they say nothing.
+// Position and motion from the sensor options; zeros by default.
 struct Sensors {
   std::shared_ptr<const ZELMediaGps> gps;
   std::shared_ptr<const ZELMediaGyro> gyro;
@@ -25,7 +25,8 @@ struct Sensors {
 // --gps, --gyro, --orientation and --extra, for the commands that take them, before options of their own.
 std::vector<Option> sensorOptionsAnd(std::vector<Option> others);
 
-// What those options gave. Errors: nothing; `error` then names the option and what it takes.
+// The values of those options.
+// Errors: nothing; `error` then names the option and its allowed values.
 std::optional<Sensors> sensorsIn(const Values& values, std::string& error);
 
 }  // namespace zel::app

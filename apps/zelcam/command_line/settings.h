@@ -4,7 +4,7 @@
 
 namespace zel::app {
 
-// What stands before the command on the command line, and the command itself.
+// The global options, and the command's name.
 struct Settings {
   std::string command;      // its name
   std::string accessories;  // folder of the bus; empty for the default
@@ -15,13 +15,13 @@ struct Settings {
   bool verbose = false;
 };
 
-// How the program ends.
+// The program's exit status.
 enum ExitStatus {
   kDone = 0,
   kRefused = 1,  // the camera refused or failed
   kWrongUsage = 2,
-  kNoCamera = 3,       // no camera, or another program has it; no answer in time, or the camera was lost
-  kInterrupted = 130,  // stopped before it was done; 128 and the number of SIGINT, as shells have it
+  kNoCamera = 3,       // no camera, or another program uses it; no reply in time, or the camera was lost
+  kInterrupted = 130,  // interrupted; 128 plus the number of SIGINT, as in shells
 };
 
 }  // namespace zel::app

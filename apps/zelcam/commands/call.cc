@@ -74,7 +74,7 @@ Waited waitForWriting(CameraLink& link, double seconds) {
   const auto wake = [&link] { link.wake(); };
   const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kWriteLook, wake);
   const Waited end = link.waitFor([&link] { return link.stack().statistics().bytesToWrite == 0; }, seconds);
-  // A session that has ended has nothing to write either.
+  // An ended session also has nothing to write.
   return end == Waited::done && (link.isLost() || link.wasReopened()) ? Waited::lost : end;
 }
 

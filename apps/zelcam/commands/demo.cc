@@ -30,7 +30,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* kPhoto = "mjpeg,3040,1520,1";
 
-// A folder that goes with its owner.
+// A folder that is removed with this object.
 class TemporaryFolder {
  public:
   TemporaryFolder() {
@@ -49,7 +49,7 @@ class TemporaryFolder {
   std::string path_;
 };
 
-// Runs commands of this very program on a bus of its own. What goes wrong first ends it: the steps after it do nothing.
+// Runs commands of this program on a separate bus. After the first fault all further steps do nothing.
 class Demo {
  public:
   // programs: the folder of this program and of the simulator.
@@ -155,7 +155,7 @@ class Demo {
     require(std::regex_search(told_, std::regex(pattern)), otherwise);
   }
 
-  // Runs zelcam, and shows the command line and what it prints.
+  // Runs zelcam, and prints the command line and its output.
   void show(const std::vector<std::string>& arguments) {
     if (!fault_.empty()) return;
     tell("");
@@ -182,7 +182,7 @@ class Demo {
     return lines;
   }
 
-  // Decodes the whole file, holds what comes out against the pattern, and keeps a row of the table.
+  // Decodes the whole file, compares the result with the pattern, and adds a row to the table.
   void readBack(const fs::path& file, const std::string& what, const std::string& pattern) {
     if (!fault_.empty()) return;
     const std::string found = textOf(fileSummary(file));
@@ -216,7 +216,7 @@ class Demo {
 }  // namespace
 
 int runDemo(const Invocation& invocation) {
-  av_log_set_level(AV_LOG_QUIET);  // what cannot be read back is told in our own words
+  av_log_set_level(AV_LOG_QUIET);  // zelcam prints its own messages
   std::error_code error;
   const fs::path self = fs::read_symlink("/proc/self/exe", error);
   if (error) return complain(kRefused, "demo", "this program cannot find itself: " + error.message());

@@ -57,7 +57,7 @@ const char* nameOf(std::int64_t type) {
   return "unknown";
 }
 
-// Events carry numbers, text and errors; anything else has no form for people.
+// Events contain numbers, text and errors; other types are not printed.
 ordered_json shown(const ZELMessageFields::Value& value) {
   return std::visit(
       [](const auto& one) -> ordered_json {
@@ -76,7 +76,7 @@ ordered_json valueJson(const std::optional<ZELMessageFields>& value) {
   return object;
 }
 
-// Hears of events on the session thread and shows them on the main queue.
+// Receives events on the session thread and prints them on the main queue.
 class EventPrinter final : public ZELCameraNotificationProtocol {
  public:
   EventPrinter(CameraLink& link, const Settings& settings, std::optional<std::int64_t> count)
@@ -140,7 +140,7 @@ int runEvents(const Invocation& invocation) {
   Bus bus(settings);
   if (!bus.isThere()) return kNoCamera;
   CameraLink link(bus, settings);
-  // Added before the camera is there, so that no event is missed.
+  // Added before the camera is opened, so that no event is missed.
   const auto printer = std::make_shared<EventPrinter>(link, settings, invocation.values.integer("--count"));
   link.stack().ucd().addCameraNotificationReceiver(printer);
   int status = link.open();

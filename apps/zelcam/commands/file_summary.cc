@@ -29,14 +29,14 @@ DemuxerPtr open(const std::string& path) {
   return avformat_find_stream_info(opened, nullptr) < 0 ? nullptr : std::move(demuxer);
 }
 
-// Counts what comes out of one stream's decoder.
+// Counts the frames of one stream's decoder.
 class StreamReader {
  public:
   explicit StreamReader(const AVStream& stream) {
     const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
     decoder_.reset(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
     if (decoder_ == nullptr || avcodec_parameters_to_context(decoder_.get(), stream.codecpar) < 0) return;
-    decoder_->thread_count = 0;  // as many as there are processors
+    decoder_->thread_count = 0;  // one for each processor
     decoder_->err_recognition = AV_EF_EXPLODE;
     isGood_ = avcodec_open2(decoder_.get(), codec, nullptr) == 0;
     summary_.codec = avcodec_get_name(stream.codecpar->codec_id);

@@ -5,7 +5,7 @@
 
 namespace zel::app {
 
-// One stream of a media file, as its frames turned out when all of them were decoded.
+// One stream of a media file, after decoding all of its frames.
 struct StreamSummary {
   std::string codec;  // FFmpeg's name, as "h264"
   int width = 0;      // 0 for sound
@@ -14,7 +14,7 @@ struct StreamSummary {
 };
 
 // Decodes every frame of a film or a picture file.
-// Errors: nothing where the file cannot be opened, where a frame cannot be decoded, and where it holds no frame.
+// Errors: nothing if the file cannot be opened, if a frame cannot be decoded, and if it has no frame.
 std::vector<StreamSummary> fileSummary(const std::string& path);
 
 // "h264,1920,960,284 aac,453"

@@ -25,7 +25,7 @@ using Text = std::optional<std::string>;
 template <class... Values>
 using Asked = std::shared_ptr<Answer<Values...>>;
 
-// All questions of the command, asked at once.
+// All requests of the command, sent at once.
 struct Questions {
   explicit Questions(CameraLink& link) {
     ZELCameraUCD& ucd = link.stack().ucd();
@@ -51,14 +51,14 @@ struct Questions {
   Asked<std::uint32_t> shots = std::make_shared<Answer<std::uint32_t>>();
 };
 
-// The table, filled as far as the camera answered.
+// The table, with the values that the camera has sent.
 class Table {
  public:
   Table(Waited end, const Settings& settings) : end_(end), settings_(settings) {}
 
   void add(const std::string& key, const ordered_json& value) { object_[key] = value; }
 
-  // A question's answer under its keys; nulls where there is none.
+  // A reply's values by key; null for missing ones.
   template <class... Values>
   void add(const std::vector<std::string>& keys, const Answer<Values...>& answer) {
     const bool good = answer.done && !answer.error;

@@ -109,8 +109,8 @@ class Live {
     });
   }
 
-  // How long to wait for the camera after a connection that ended with that status; nothing where it is over. A camera
-  // that is there, and has only lost the connection, is waited for in any case.
+  // How long to wait for the camera after a connection that ended with that status; nothing to give up. An attached
+  // camera that only lost the connection is always waited for.
   std::optional<double> patienceAfter(int status) const {
     if (status != kNoCamera || !lost_) return std::nullopt;
     return reopened_ && !options_.reconnect ? settings_.timeout : options_.reconnect;
@@ -125,7 +125,7 @@ class Live {
     return stream(again);
   }
 
-  // One connection, from waiting for the camera to its end. Returns the exit status.
+  // Runs one connection, from waiting for the camera to its end. Returns the exit status.
   int stream(const Settings& toOpen) {
     CameraLink link(bus_, toOpen);
     if (const int status = link.open(); status != kDone) return status;
@@ -182,7 +182,8 @@ class Live {
     return forWantOfACamera ? RunEnd::lost : RunEnd::failed;
   }
 
-  // The commands that switch the camera's streams off are on their way: the answer to one more tells that they came.
+  // The commands that switch the camera's streams off are queued: the reply to a further request shows that they have
+  // arrived.
   void letCameraKnow(CameraLink& link, RunEnd end) const {
     if (end == RunEnd::lost) return;
     constexpr double kLongest = 1;
@@ -229,7 +230,7 @@ class Live {
     tell(fmt::format("the stream stood still for {:.1f} s, which count", duration_.stoodStill()));
   }
 
-  // They have been told when they came. Returns whether there is one.
+  // Faults were printed when they occurred. Returns whether there is one.
   bool rememberFaultOfOutputs() const {
     const auto reports = outputs_.reports();
     const auto failed = std::ranges::find_if(reports, [](const auto& report) { return report.fault.has_value(); });
@@ -248,7 +249,7 @@ class Live {
     return all;
   }
 
-  // Standard output may be one of the outputs.
+  // Standard output may carry a stream.
   void summarise() const {
     const LiveFigures all = figures();
     if (settings_.json) return printJson(jsonOf(all));
@@ -286,7 +287,7 @@ int runLive(const Invocation& invocation) {
   const auto options = liveOptionsIn(invocation.values, complaint);
   if (!options) return complain(kWrongUsage, "live", complaint);
   if (options->usesStandardOutput()) leaveStandardOutput();
-  av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in our own words
+  av_log_set_level(AV_LOG_QUIET);  // zelcam prints its own messages
   turnSuspensionIntoEvents();
   Bus bus(invocation.settings, options->decoderThreads);
   if (!bus.isThere()) return kNoCamera;

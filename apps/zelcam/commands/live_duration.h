@@ -7,17 +7,17 @@
 
 namespace zel::app {
 
-// How much of an asked duration is over. The stream's time counts, as it ends up in the files; where that stands still,
-// since the camera's clock does or nothing comes from the camera, the host's counts instead.
+// Measures how much of the requested duration has passed. Counts the stream's time, as written to the files. If that
+// stands still, because the camera's clock does or nothing arrives from the camera, counts the host's time.
 // Thread: one at a time.
 class LiveDuration {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
 
-  // Units: seconds. Nothing: it is never over.
+  // Units:  seconds. Nothing: it is never over.
   explicit LiveDuration(std::optional<double> asked) : asked_(asked) {}
 
-  // To be told at least once a second. stream: the newest picture's time in microseconds; nothing before the first one.
+  // Call it at least once a second. stream: the newest picture's time in microseconds; nothing before the first one.
   void note(TimePoint now, std::optional<std::int64_t> stream) {
     if (!stream) return;
     stream_ = static_cast<double>(*stream) / 1e6;
@@ -31,9 +31,11 @@ class LiveDuration {
     }
   }
 
-  // How long the stream stood still, all in all. Units: seconds.
+  // How long the stream stood still in total.
+  // Units:  seconds.
   double stoodStill() const { return stood_ + standsFor_; }
-  // What is left; nothing where no end was asked for. Units: seconds.
+  // The remaining duration; nothing if no end was requested.
+  // Units:  seconds.
   std::optional<double> left() const {
     if (!asked_) return std::nullopt;
     return std::max(0.0, *asked_ - stream_ - stoodStill());
@@ -41,8 +43,8 @@ class LiveDuration {
   bool isOver() const { return left() && *left() == 0; }
 
  private:
-  static constexpr double kSlowest = 10;  // a stream that is so many times slower than the host stands still
-  static constexpr double kPatience = 3;  // seconds; what is shorter is made up for by what comes late
+  static constexpr double kSlowest = 10;  // a stream that is that many times slower than the host stands still
+  static constexpr double kPatience = 3;  // seconds; shorter gaps are filled by late pictures
   static constexpr double kSettled = 1;   // seconds
 
   struct Moment {
@@ -58,7 +60,7 @@ class LiveDuration {
 
   const std::optional<double> asked_;
   double stream_ = 0;
-  std::optional<Moment> since_;  // when it still went on
+  std::optional<Moment> since_;  // when it last advanced
   double standsFor_ = 0;         // by now
   double stood_ = 0;             // before that
 };

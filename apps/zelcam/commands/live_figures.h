@@ -13,7 +13,7 @@ namespace zel::app {
 struct LiveFigures {
   EncodedStreamStatistics stream;
   std::vector<OutputReport> outputs;
-  double seconds = 0;           // since the camera was there
+  double seconds = 0;           // since the camera was connected
   double cpuSeconds = 0;        // of the whole process
   std::int64_t peakMemory = 0;  // bytes, also
   bool stitched = true;
@@ -24,7 +24,7 @@ nlohmann::ordered_json jsonOf(const LiveFigures& figures);
 // Lines for people.
 std::vector<std::string> linesOf(const LiveFigures& figures);
 
-// One line while it runs.
+// The progress line.
 std::string progressOf(const LiveFigures& figures);
 
 }  // namespace zel::app

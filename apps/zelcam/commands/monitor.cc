@@ -52,10 +52,10 @@ ordered_json droppedJson(const DroppedFrames& dropped) {
           {"noMemory", dropped.noMemory}};
 }
 
-// One run of the command. Its calls come on the main queue, but for the status, which comes on any thread.
+// One run of the command. Its callbacks run on the main queue, except the status, which is reported on any thread.
 class Monitor {
  public:
-  // preview: the resolution code of a preview that is to be watched.
+  // preview: the resolution code of the preview to watch, if any.
   Monitor(Bus& bus, const Settings& settings, std::optional<double> seconds, std::optional<std::int64_t> preview)
       : platform_(bus.platform()),
         settings_(settings),
@@ -79,7 +79,7 @@ class Monitor {
  private:
   double elapsed() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
 
-  // Whatever becomes of the link, until the time is over or the user ends it.
+  // Watches the link until the time is over or the user stops it.
   void watchLink() {
     const LinkKeeper keeper(platform_, settings_, stack_.accessory());
     link_.waitFor([] { return false; }, seconds_, [](LinkLoss) { return true; });

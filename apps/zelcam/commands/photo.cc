@@ -35,7 +35,8 @@ using Stored = Answer<std::optional<std::uint32_t>, std::optional<std::uint64_t>
 using Photo = Answer<Text, std::optional<ZELData>>;
 using Series = Answer<std::vector<std::string>, std::shared_ptr<const ZELDataArray>>;
 
-// The exposure steps of a bracket. Errors: nothing.
+// The exposure steps of a bracket.
+// Errors: nothing.
 std::optional<aeb_info> bracketIn(std::string_view text) {
   aeb_info bracket;
   std::uint8_t count = 0;
@@ -85,13 +86,13 @@ class BracketBound {
   std::atomic<bool> isPassed_ = false;
 };
 
-// "folder/IMG_1.jpg" becomes "IMG_1-360.jpg". What the photo was is of no matter: a panorama is a JPEG file.
+// "folder/IMG_1.jpg" becomes "IMG_1-360.jpg". A panorama is always a JPEG file.
 std::string panoramaName(std::filesystem::path photo) {
   if (pictureFormOf(photo.string()) != PictureForm::jpeg) photo.replace_extension(".jpg");
   return fileNameWith(photo.filename().string(), "-360", NAME_MAX);
 }
 
-// One photo or bracket: asks for it, waits for the camera's word and for the pictures, and saves them.
+// One photo or bracket: requests it, waits for the reply and the pictures, and saves them.
 class Shot {
  public:
   Shot(CameraLink& link, const Invocation& invocation) : link_(link), invocation_(invocation) {}
@@ -218,7 +219,7 @@ int runPhoto(const Invocation& invocation) {
                     "--bracket takes 1 to 9 exposure steps from -128 to 127 with commas between them");
   }
   return withCamera(invocation.settings, [&](CameraLink& link) {
-    // Before the camera takes a photo that would then be lost.
+    // Checked before the camera takes a photo that could not be saved.
     if (!prepareFolder(folderOf(values), complaint)) return complain(kRefused, "photo", complaint);
     Shot shot(link, invocation);
     const int status = bracket ? shot.bracket(*sensors, *bracket) : shot.single(*sensors);

@@ -30,15 +30,15 @@ namespace {
 
 constexpr double kReportPeriod = 1.0;  // seconds between two lines of the live report
 
-// What has been decoded so far.
+// The pictures decoded so far.
 struct Decoded {
   PictureRate rate;
   std::int64_t late = 0;
   platform::PixelBufferRef newest;
-  bool complete = false;  // as many as were asked for
+  bool complete = false;  // the requested number is reached
 };
 
-// Counts pictures on the decode thread and keeps the newest.
+// Counts pictures on the decode thread and stores the newest.
 class PictureCounter final : public ZELPixelBufferDataProtocol {
  public:
   PictureCounter(CameraLink& link, std::optional<std::int64_t> wanted, bool verbose)
@@ -120,7 +120,7 @@ class Preview {
     return askLensOffset(link_, "preview", resolution(), offset_);
   }
 
-  // Pictures must keep coming: a time-out without one ends the command.
+  // Pictures must keep arriving: a timeout without one ends the command.
   int waitForPictures() {
     while (true) {
       const std::int64_t before = counter_->decoded().rate.pictures();
@@ -175,7 +175,7 @@ class Preview {
     return kDone;
   }
 
-  // The last picture; null where it cannot be stitched, which the renderer has said.
+  // The last picture; null if it cannot be stitched, which the renderer has reported.
   platform::PixelBufferRef snapshot() const {
     platform::PixelBufferRef newest = counter_->decoded().newest;
     if (!stitches()) return newest;

@@ -19,7 +19,7 @@
 namespace zel::app {
 namespace {
 
-// Start codes of 3 bytes, as many encoders write them, made into the camera's 4.
+// Replaces three-byte start codes, which many encoders write, by four-byte ones.
 ZELData withLongStartCodes(std::span<const std::uint8_t> stream) {
   std::vector<std::uint8_t> bytes;
   bytes.reserve(stream.size() + stream.size() / 64);
@@ -67,7 +67,7 @@ int runThumbnail(const Invocation& invocation) {
   auto picture = render->copyPixelBufferWithDecodeH264Data(stream);
   if (!picture) return complain(kRefused, "thumbnail", values.text("FILE") + " has no key frame that can be shown");
   if (values.has("--offset")) picture = render->renderWithh264Data(stream, values.text("--offset"));
-  if (!picture) return kRefused;  // the renderer has said why
+  if (!picture) return kRefused;  // the renderer has reported why
   return save(*picture, invocation);
 }
 

@@ -22,7 +22,7 @@ namespace {
 
 constexpr double kProgressInterval = 0.2;  // seconds
 
-// A line with share, rate and time left, where standard error is a terminal.
+// A line with percentage, rate and remaining time, if standard error is a terminal.
 class Progress {
  public:
   Progress(CameraLink& link, std::size_t size) : link_(link), size_(size) {
@@ -51,7 +51,7 @@ class Progress {
   std::unique_ptr<platform::Timer> timer_;
 };
 
-// As long as the camera takes bytes, it has not failed to answer.
+// While the camera accepts bytes, the timeout for its reply does not begin.
 Waited waitForAnswer(CameraLink& link, const Answer<>& answer, double seconds) {
   std::uint64_t before = 0;
   Waited end = Waited::timeOut;

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kNotRun = 127;
 
-// In the new process, where nothing but system calls is allowed.
+// Runs in the child process, where only system calls are allowed.
 [[noreturn]] void become(const char* program, char* const* arguments, int output) {
   ::prctl(PR_SET_PDEATHSIG, SIGTERM);
   ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);

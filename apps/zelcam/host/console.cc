@@ -23,8 +23,8 @@ struct Failure {
   std::optional<ZELError> error;
 };
 
-// What the end of a run has to know. Never destroyed: threads of the global queue may still have something to say while
-// the process ends.
+// The state for the end of a run. Never destroyed: threads of the global queue may still print messages while the
+// process ends.
 struct Told {
   std::mutex mutex;
   std::optional<Failure> failure;  // the first
@@ -45,7 +45,7 @@ bool write(std::FILE* file, const std::string& text) {
   return std::fflush(file) == 0 && isWritten;
 }
 
-// Who would go on for ever has nobody left to tell.
+// Stops a command that would run forever without a reader.
 void writeToStandardOutput(const std::string& text) {
   if (write(stdout, text) || errno == EPIPE) return;
   const std::lock_guard lock(told().mutex);

@@ -11,7 +11,7 @@
 
 namespace zel::app {
 
-// Everything that is printed here passes printable() first: a terminal must not obey what a camera calls itself.
+// Everything printed here passes through printable(), so that text from a camera cannot control a terminal.
 
 // An object as one line. Text that is not UTF-8 is shown with replacement characters.
 std::string jsonLine(const nlohmann::ordered_json& object);
@@ -19,7 +19,7 @@ std::string jsonLine(const nlohmann::ordered_json& object);
 // One JSON object on a line of standard output.
 void printJson(const nlohmann::ordered_json& object);
 
-// From now on standard output carries something else: what would be printed there goes to standard error.
+// From now on standard output carries the stream; other output goes to standard error.
 void leaveStandardOutput();
 
 // An error as an object with its domain and code, and no error as null.
@@ -28,34 +28,34 @@ nlohmann::ordered_json errorJson(const std::optional<ZELError>& error);
 // A line for people on standard output.
 void printLine(const std::string& line);
 
-// A whole text of our own for people, as it is, on standard output.
+// A text of our own for people, unchanged, on standard output.
 void printText(const std::string& text);
 
-// A line for people on standard error, as progress and warnings are, and in the log where one is kept.
+// A line for people on standard error, such as progress and warnings, and in the log, if any.
 void say(const std::string& line);
 
-// Keeps why the command fails, for failureJson(); the first one counts. error: what the camera's handler got, where it
-// got one.
+// Stores why the command fails, for failureJson(); the first call counts. error: that of the camera's handler, if any.
 void rememberFailure(const std::string& message, const std::optional<ZELError>& error = std::nullopt);
 
-// The same, and says so behind the program's name.
+// The same, and prints it after the program's name.
 void sayFailure(const std::string& message, const std::optional<ZELError>& error = std::nullopt);
 
-// Says why a command ends with that exit status, which is returned.
+// Prints why a command ends with that exit status, and returns it.
 int complain(int status, std::string_view command, std::string_view complaint);
 
-// Why the command fails, as an object with code, domain and message. The error's own code and domain where the camera
-// gave one; else the exit status, and "zelcam".
+// Why the command fails, as an object with code, domain and message: code and domain of the camera's error if any, else
+// the exit status and "zelcam".
 nlohmann::ordered_json failureJson(int status);
 
-// {"error": failureJson()} on a line of standard output, once in a run, and not where failureJson() was told otherwise.
+// Prints {"error": failureJson()} as a line of standard output, at most once in a run, and not if failureJson() was
+// called before.
 void printFailure(int status);
 
-// Why standard output could not be written, as the error's number; 0 where it could. A reader that has gone, as `head`
-// does, ends the output and is no fault.
+// errno of a failed write to standard output; 0 for none. A reader that closes the pipe, as `head` does, ends the
+// output and is not an error.
 int standardOutputFault();
 
-// Writes over the line of progress on standard error, which a line for people then ends.
+// Overwrites the progress line on standard error; the next message for people ends it.
 void showProgress(const std::string& line);
 
 // The local time of day with milliseconds, "12:34:56.789".

@@ -19,18 +19,18 @@
 namespace zel::app {
 namespace {
 
-// Never destroyed: threads of the global queue may still have something to tell while the process ends.
+// Never destroyed: threads of the global queue may still log while the process ends.
 ZELDateFormatter* writer = nullptr;
 std::mutex writerMutex;  // keeps the lines of two threads apart
 
-// The writer would replace a file that it cannot open. One that its owner protects, or a folder, is better left alone.
+// The writer would replace a file that it cannot open, so a write-protected file or a folder is refused here.
 bool isUsable(const std::string& path) {
   std::error_code ignored;
   return !std::filesystem::exists(path, ignored) ||
          (std::filesystem::is_regular_file(path, ignored) && std::ofstream(path, std::ios::app));
 }
 
-// An argument as a shell would take it.
+// An argument, quoted for a shell.
 std::string quoted(const std::string& argument) {
   if (!argument.empty() && argument.find_first_of(" \t\n\"'\\$`*?&;|<>()") == std::string::npos) return argument;
   std::string text = "'";

@@ -7,13 +7,13 @@
 
 namespace zel::app {
 
-// From now on every note goes to that file, behind what it holds already. Errors: false where it cannot be written, and
-// then `error` says why.
-// Thread: the main one, before there is another.
+// From now on every note is appended to that file.
+// Errors: false if it cannot be written; `error` then says why.
+// Thread: main thread, before others are started.
 bool keepLog(const std::string& path, std::string& error);
 
-// One line of the log: the local time, the process's number, and the text without its control characters. Without a log
-// it goes nowhere; where the disk is full it is lost.
+// Writes one line to the log: the local time, the process ID, and the text without control characters. Does nothing
+// without a log; on a full disk the line is lost.
 // Thread: any thread.
 void note(std::string_view text);
 

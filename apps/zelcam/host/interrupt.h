@@ -8,23 +8,21 @@ class LinuxPlatform;
 
 namespace zel::app {
 
-// Blocks SIGINT, SIGTERM and SIGHUP; to be called before any thread is started. SIGHUP stays ignored where whoever
-// started the program wants it so, as nohup does. What cannot be written, to a pipe or since a file may grow no larger,
-// is an error of the writing, and no signal.
+// Blocks SIGINT, SIGTERM and SIGHUP; call it before any thread is started. An ignored SIGHUP, as under nohup, stays
+// ignored. Writing to a closed pipe or beyond a file size limit gives an error instead of a signal.
 void blockInterrupts();
 
 // The signals that blockInterrupts() has blocked.
 sigset_t stopSignals();
 
-// SIGTSTP and SIGCONT no longer stop the program and let it go on: they tell the application events on the platform's
-// notification centre, on the main queue, that it is in the background, and active again. To be called before any
-// thread is started.
+// SIGTSTP and SIGCONT no longer stop and continue the program. They post the application events (background, active
+// again) on the platform's notification centre, on the main queue. Call it before any thread is started.
 void turnSuspensionIntoEvents();
 
-// From now on the first of these signals stops the platform's main queue, and another one ends the program at once. But
-// not within a second of the first: who ends a program often sends it two, to itself and to its group, and files would
-// stay unfinished.
-// Owner: the platform must outlive the program's use of it; call detachInterrupts() before it goes.
+// From now on the first of these signals stops the platform's main queue, and a second one ends the program at once. A
+// second one within a second of the first is ignored, because some programs send two (to the process and to its group),
+// and files would stay incomplete.
+// Owner:  call detachInterrupts() before the platform is destroyed.
 void stopMainQueueOnInterrupt(LinuxPlatform& platform);
 void detachInterrupts();
 
@@ -35,7 +33,7 @@ void interrupt();
 // Whether the user has asked to stop.
 bool wasInterrupted();
 
-// Whether the user has asked to stop and nobody has seen to it, since no platform is there.
+// Whether the user has asked to stop while no platform was attached.
 bool isInterruptPending();
 
 }  // namespace zel::app

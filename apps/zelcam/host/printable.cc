@@ -11,8 +11,8 @@ namespace {
 
 constexpr char32_t kNoLetter = 0xFFFFFFFF;
 
-// The first letter of a text that is not empty: its code, and how many bytes it takes. A byte that begins no letter is
-// one by itself, without a code.
+// The first character of a non-empty text: its code point and length. An invalid byte is a character of length 1
+// without a code point.
 struct Letter {
   char32_t code = kNoLetter;
   std::size_t size = 1;
@@ -21,7 +21,7 @@ struct Letter {
 struct Form {
   std::uint8_t mask, lead;  // of the first byte
   std::size_t size;
-  char32_t least;  // what is smaller has a shorter form, the only one that counts
+  char32_t least;  // smaller code points have a shorter, mandatory form
 };
 
 constexpr Form kForms[] = {{0x80, 0x00, 1, 0}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
@@ -49,7 +49,7 @@ bool isPrintable(char32_t code) {
   return code != kNoLetter && !isControl && !turns && !separates;
 }
 
-// instead: what stands for a letter that is not printable.
+// instead: returns the replacement of an unprintable character.
 template <class Instead>
 std::string rewritten(std::string_view text, Instead instead) {
   std::string result;

@@ -5,9 +5,9 @@
 
 namespace zel::app {
 
-// Texts from outside, in UTF-8, for terminals and file names. What a terminal might obey, or what turns the writing's
-// direction so that a line reads as another one, is no part of either: control characters (C0, DEL, C1), the controls
-// of bidirectional text, separators of lines, and bytes that are no UTF-8 (0x9B alone is a control to some terminals).
+// Makes external UTF-8 text safe for terminals and file names. Removes or replaces everything that could control a
+// terminal or reverse the writing direction: control characters (C0, DEL, C1), bidirectional controls, line separators,
+// and bytes that are not UTF-8 (0x9B alone is a control for some terminals).
 
 // The text with a "?" for each of them.
 std::string printable(std::string_view text);
@@ -15,7 +15,7 @@ std::string printable(std::string_view text);
 // The text without them.
 std::string withoutUnprintable(std::string_view text);
 
-// A line of JSON with each of them as the escape that JSON has for it; it means the same.
+// A line of JSON with each of them as a JSON escape; its meaning is unchanged.
 // line: as JSON is written, with controls below 0x20 escaped already.
 std::string printableJson(std::string_view line);
 

@@ -12,7 +12,7 @@
 
 namespace zel::app {
 
-// What came of a request. Shared with its handler, which may be called when nobody waits any more.
+// The result of a request. Shared with its handler, which may be called after the wait has ended.
 // Thread: main thread.
 template <class... Values>
 struct Answer {
@@ -21,7 +21,7 @@ struct Answer {
   std::tuple<Values...> values;
 };
 
-// A handler that keeps what it is called with, whatever thread that is, and ends a run of the main queue.
+// A handler that stores its arguments, on any thread, and stops the main queue.
 template <class... Values>
 auto keepIn(const std::shared_ptr<Answer<Values...>>& answer, LinuxPlatform& platform) {
   return [answer, &platform](const std::optional<ZELError>& error, const auto&... values) {

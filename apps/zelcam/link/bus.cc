@@ -10,7 +10,7 @@ namespace zel::app {
 
 Bus::Bus(const Settings& settings, int decoderThreads) {
   std::string error;
-  // One command is one host: between two connections of `live --reconnect` the camera stays this program's.
+  // One command is one host: the program keeps the camera between two connections of `live --reconnect`.
   platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories,
                                      .warn = say,
                                      .inUse = [this](const CameraInUse& camera) { noteInUse(camera); },

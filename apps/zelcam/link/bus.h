@@ -14,10 +14,10 @@
 
 namespace zel::app {
 
-// The accessory bus for one command: Ctrl-C stops its main queue for as long as it is there.
+// The accessory bus for one command. While it exists, Ctrl-C stops its main queue.
 class Bus {
  public:
-  // A bus whose folder cannot be used says why on standard error and is not there.
+  // If the folder is unusable, prints why on standard error; isThere() is then false.
   // decoderThreads: see LinuxMedia.
   explicit Bus(const Settings& settings, int decoderThreads = 1);
   ~Bus();
@@ -26,7 +26,7 @@ class Bus {
 
   bool isThere() const { return platform_ != nullptr; }
   LinuxPlatform& platform() { return *platform_; }
-  // The platform's ports with this program's codecs and renderers. Why there is no stitched picture is said on standard
+  // The platform's ports with this program's codecs and renderers. Faults of the stitcher are printed on standard
   // error.
   platform::Ports ports();
   // Ports made from now on have no decoder, for pass-through streaming.
@@ -34,7 +34,7 @@ class Bus {
   // Stops reading from cameras while it is reached.
   ReadingBound& readingBound() { return readingBound_; }
 
-  // Who has the camera, in words, where one could not be opened for that reason since the last call. The main queue is
+  // Who uses the camera, in words, if opening one has failed for that reason since the last call. The main queue is
   // stopped when that happens.
   std::optional<std::string> cameraInUse();
 
@@ -45,7 +45,7 @@ class Bus {
   bool decodes_ = true;
   Mutex mutex_;
   std::optional<std::string> inUse_ ZEL_GUARDED_BY(mutex_);
-  // Made after the platform, and gone after its threads, which decode.
+  // Created after the platform, and destroyed after its threads, which decode.
   std::unique_ptr<LinuxMedia> media_;
   std::unique_ptr<LinuxPlatform> platform_;
   std::optional<BoundedAccessories> accessories_;

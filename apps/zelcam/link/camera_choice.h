@@ -16,10 +16,10 @@ using Accessories = std::vector<std::shared_ptr<platform::Accessory>>;
 // The attached accessories that the settings ask for: all, or the one with the chosen serial number.
 Accessories chosenAccessories(LinuxPlatform& platform, const Settings& settings);
 
-// Where nobody chose one of several cameras: says which one is used, by its serial number, and which ones there are.
+// If there are several cameras and none was chosen: prints which one is used, and all serial numbers.
 void sayUsedCamera(LinuxPlatform& platform, const Settings& settings, const std::string& used);
 
-// Says that the chosen camera is not there, and which ones are.
+// Prints that the chosen camera is not attached, and which ones are.
 void sayUnknownCamera(LinuxPlatform& platform, const Settings& settings);
 
 }  // namespace zel::app

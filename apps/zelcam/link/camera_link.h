@@ -17,14 +17,13 @@
 
 namespace zel::app {
 
-// How the wait for something that the camera shall do ended.
+// The result of a wait for the camera.
 enum class Waited { done, timeOut, lost, interrupted };
 
-// Tells in words how `what` ended where it did not end well, and returns the exit status: kDone for done without an
-// error.
+// Prints how `what` failed, if it did, and returns the exit status: kDone for done without an error.
 int tellEnd(std::string_view what, Waited end, const std::optional<ZELError>& error, const Settings& settings);
 
-// What has become of a link whose frames had arrived.
+// The state of a link after its frames had arrived.
 enum class LinkLoss {
   none,
   silent,  // frames have stopped; the next one ends that
@@ -41,33 +40,32 @@ class CameraLink {
   Bus& bus() { return bus_; }
   LinuxPlatform& platform() { return platform_; }
 
-  // Opens the camera and waits until frames arrive, at most the time-out; a link that does not heal by itself is opened
-  // again. Returns kDone then; otherwise says what is missing, or at once who else has the camera, and returns the exit
-  // status.
+  // Opens the camera and waits until frames arrive, at most for the timeout. A link that does not recover by itself is
+  // opened again. Returns kDone on success. Otherwise prints what is missing, or at once who uses the camera, and
+  // returns the exit status.
   int open();
 
-  // Waits until `done` holds. It is looked at on the main thread, again after each wake(). Without seconds it waits for
-  // good. A loss ends it, unless `bears` holds for it.
+  // Waits until `done` returns true. Calls it on the main thread, again after each wake(). Without seconds it waits
+  // without a limit. A loss of the link ends the wait, unless `bears` returns true for it.
   Waited waitFor(const std::function<bool()>& done, std::optional<double> seconds,
                  const std::function<bool(LinkLoss)>& bears = {});
   void wake();
 
-  // Whether the camera is gone or silent: what failed then, failed for want of a camera.
+  // Whether the camera is gone or silent: an error at that time is due to the lost camera.
   bool isLost();
 
-  // Whether the session has been opened again by itself, after a stream error, since frames arrived. The camera may
-  // have forgotten what it was asked for.
+  // Whether the session was reopened automatically, after a stream error, since frames arrived. The camera may have
+  // lost earlier requests.
   bool wasReopened() const { return reopened_.load(); }
 
-  // Waits for the answer. Returns kDone where it is a good one; otherwise says how `what` ended, and returns the exit
-  // status.
+  // Waits for the reply. Returns kDone on success; otherwise prints how `what` failed, and returns the exit status.
   template <class... Values>
   int waitForAnswer(std::string_view what, const Answer<Values...>& answer) {
     const Waited end = waitFor([&answer] { return answer.done; }, settings_.timeout);
     return tellEnd(what, end, answer.error, settings_);
   }
 
-  // Where people want to know more: that the camera is there and was asked.
+  // With --verbose: prints that the camera is attached and the request was sent.
   void sayAsked() const;
 
  private:
@@ -84,11 +82,11 @@ class CameraLink {
   const Observation watch_;
 };
 
-// Opens a camera for a command, and runs it. Returns its exit status, or why there is no camera. decoderThreads: see
-// LinuxMedia.
+// Opens a camera for a command, and runs the command. Returns its exit status, or that of the failed opening.
+// decoderThreads: see LinuxMedia.
 int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& command, int decoderThreads = 1);
 
-// Says what is missing for frames to arrive within the time-out, and returns the exit status.
+// Prints why no frames arrived within the timeout, and returns the exit status.
 int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack);
 
 }  // namespace zel::app

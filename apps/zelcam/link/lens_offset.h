@@ -8,9 +8,9 @@
 
 namespace zel::app {
 
-// Asks the camera for its lens offset, as text, and waits for the answer. what: the command's name, for people.
-// typeInfo: the camera's code for what the offset is for.
-// Returns kDone; else says what is wrong and returns the exit status.
+// Requests the camera's lens offset as text, and waits for the reply. what: the command's name, for people. typeInfo:
+// the camera's code for the offset's use.
+// Returns kDone; otherwise prints what is wrong and returns the exit status.
 int askLensOffset(CameraLink& link, std::string_view what, std::uint8_t typeInfo, std::string& offset);
 
 }  // namespace zel::app

@@ -12,9 +12,8 @@
 
 namespace zel::app {
 
-// Opens a camera again whose link does not heal by itself: one that is attached and not connected, or connected and
-// silent. The first attempt comes after a second, and each one waits twice as long as the one before, 4 s at most,
-// until frames arrive.
+// Reopens a camera whose link does not recover by itself: attached but not connected, or connected but silent. The
+// first attempt is made after a second, each further one after twice the delay, at most 4 s, until frames arrive.
 //
 // Owner:  the arguments must outlive the object.
 // Thread: main thread, while its main queue runs.

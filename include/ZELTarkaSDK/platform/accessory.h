@@ -17,7 +17,7 @@ inline constexpr std::string_view kAccessoryDidConnectNotification = "EAAccessor
 inline constexpr std::string_view kAccessoryDidDisconnectNotification = "EAAccessoryDidDisconnectNotification";
 inline constexpr std::string_view kAccessoryKey = "EAAccessoryKey";
 
-// What an accessory says of itself when it is attached.
+// An attached accessory's description of itself.
 struct AccessoryDescription {
   std::uint64_t connectionID = 0;  // a new one for each attachment
   std::string manufacturer;
@@ -43,7 +43,7 @@ class Accessory {
   // Whether it is still attached.
   virtual bool isConnected() const = 0;
 
-  // The platform's foundation version; accessories tell their dock type from 1240.1 on.
+  // The platform's foundation version; accessories have a dock type from 1240.1 on.
   virtual double foundationVersion() const = 0;
 };
 
@@ -57,7 +57,7 @@ enum class StreamEvent : std::uint32_t {
 
 class Stream;
 
-// Hears what happens to a stream.
+// Receives a stream's events.
 // Thread: the thread of the run loop that the stream is scheduled on; never inside a call into the stream.
 class StreamDelegate {
  public:
@@ -83,7 +83,7 @@ class Stream {
 
   virtual void open() = 0;
 
-  // After it no event is reported. Closing twice is allowed.
+  // No event is reported after it. Closing twice is allowed.
   virtual void close() = 0;
 };
 
@@ -115,8 +115,8 @@ class AccessorySession {
   virtual InputStream& inputStream() = 0;
   virtual OutputStream& outputStream() = 0;
 
-  // The host needs this session no more: it closes the streams on their thread in a while, and may open another session
-  // with the same accessory at once.
+  // The host no longer needs this session. It closes the streams later, on their thread, and may open another session
+  // with the same accessory before that.
   //
   // Thread: any thread.
   virtual void letGo() {}
@@ -128,18 +128,20 @@ class AccessoryManager {
  public:
   virtual ~AccessoryManager() = default;
 
-  // Those attached now, in the order of their connection identifiers.
+  // The attached accessories, in the order of their connection identifiers.
   virtual std::vector<std::shared_ptr<Accessory>> connectedAccessories() = 0;
 
-  // From here on the two notifications are posted, each with the accessory under kAccessoryKey. Calls are counted: the
-  // notifications end with the last unregistration. Unregistering once too often does nothing.
+  // Starts and stops posting the two notifications, each with the accessory under kAccessoryKey. Calls are counted:
+  // posting stops with the last unregistration. An extra unregistration does nothing.
   virtual void registerForLocalNotifications() = 0;
   virtual void unregisterForLocalNotifications() = 0;
 
-  // Opens a session for a protocol that the accessory offers. A platform may give an accessory to one host at a time:
-  // then it stays this one's from the first session until the host unregisters, also between two sessions.
+  // Opens a session for a protocol that the accessory offers. A platform may let only one host use an accessory at a
+  // time. The accessory then stays with this host from its first session until it unregisters, also between two
+  // sessions.
   //
-  // Errors: null when the accessory has left, does not offer the protocol, cannot be connected or is somebody else's.
+  // Errors: null when the accessory is detached, does not offer the protocol, cannot be connected or is used by another
+  //         host.
   virtual std::unique_ptr<AccessorySession> openSession(const std::shared_ptr<Accessory>& accessory,
                                                         std::string_view protocol) = 0;
 };

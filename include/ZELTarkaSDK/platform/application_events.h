@@ -4,8 +4,8 @@
 
 namespace zel::platform {
 
-// What the host tells of itself on the notification centre, without any values: it is no longer seen, it is seen and
-// used again.
+// Posted by the host on the notification centre, without values, when it enters the background and when it becomes
+// active again.
 inline constexpr std::string_view kApplicationDidEnterBackgroundNotification =
     "UIApplicationDidEnterBackgroundNotification";
 inline constexpr std::string_view kApplicationDidBecomeActiveNotification = "UIApplicationDidBecomeActiveNotification";

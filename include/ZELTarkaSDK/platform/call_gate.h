@@ -7,9 +7,9 @@
 
 namespace zel {
 
-// Marks that the calling thread runs code of the host: an observer, a receiver, a consumer of frames or pictures.
-// Two callbacks on two threads may each end what the other one runs in. A thread inside a callback therefore waits for
-// nobody: see insideCallback().
+// Marks that the calling thread runs code of the host: an observer, a receiver, a consumer of frames or pictures. Two
+// callbacks on two threads may each remove the other one's observer. A thread inside a callback therefore never waits
+// for another: see insideCallback().
 class ZEL_EXPORT CallbackScope {
  public:
   CallbackScope();
@@ -21,10 +21,11 @@ class ZEL_EXPORT CallbackScope {
 // Whether the calling thread is inside a callback, of any stack.
 ZEL_EXPORT bool insideCallback();
 
-// Lets calls through one at a time until it is closed: how an adapter keeps the promise that a timer, a source or an
-// observer neither runs nor is running once it has been destroyed.
+// Runs calls one at a time until it is closed. With it an adapter keeps the promise that a timer, a source or an
+// observer neither runs nor is running after its destruction.
 //
-// Owner:  hold it by a shared pointer where the calls are made, since a close inside a callback does not wait for them.
+// Owner:  the calling code holds it by a shared pointer, since a close inside a callback does not wait for calls in
+//         progress.
 // Thread: any thread; outside a callback not while holding a lock that the call takes.
 class ZEL_EXPORT CallGate {
  public:
@@ -46,8 +47,8 @@ class ZEL_EXPORT CallGate {
     makeHandedOver();
   }
 
-  // Lets nothing through any more, and waits for a call in progress on another thread. Inside a callback it does not
-  // wait: that call may then still be running, and is the last.
+  // Closes the gate and waits for a call in progress on another thread. Inside a callback it does not wait: that call
+  // may then still be running, and is the last.
   void close();
 
  private:

@@ -16,27 +16,27 @@ class Clock {
   // The current time. It may step backwards when the host's clock is corrected.
   virtual double absoluteTime() const = 0;
 
-  // Seconds since a moment of the clock's choice, which no correction of the host's clock changes. The default is for
-  // platforms whose wall clock is never corrected.
+  // Seconds since an arbitrary moment, unaffected by corrections of the host's clock. The default is for platforms
+  // whose wall clock is never corrected.
   virtual double steadyTime() const { return absoluteTime(); }
 
   // Blocks the calling thread for that many seconds; returns at once for zero or less.
   virtual void sleepFor(double seconds) = 0;
 
-  // Blocks the calling thread until the semaphore can be taken, for good where nobody ever releases it. A platform in
-  // virtual time lets the others go on meanwhile.
+  // Blocks the calling thread until it has acquired the semaphore, forever if it is never released. A platform in
+  // virtual time runs other threads meanwhile.
   virtual void acquire(std::binary_semaphore& semaphore) { semaphore.acquire(); }
 
-  // The same, but for at most so many seconds; false where the semaphore could not be taken in that time.
+  // The same, for at most that many seconds; false when it was not acquired in that time.
   virtual bool acquireFor(std::binary_semaphore& semaphore, double seconds) {
     return semaphore.try_acquire_for(std::chrono::duration<double>(seconds));
   }
 
-  // How many seconds the local time is ahead of UTC at that time; 0 where the host knows no time zone.
+  // How many seconds local time is ahead of UTC at that time; 0 when the host has no time zone.
   virtual std::int64_t localTimeOffset([[maybe_unused]] double absoluteTime) const { return 0; }
 };
 
-// Seconds as whole milliseconds, truncated toward zero.
+// Seconds in milliseconds, truncated toward zero.
 inline std::int64_t wholeMilliseconds(double seconds) { return static_cast<std::int64_t>(seconds * 1000.0); }
 
 // The current time in whole milliseconds since 1 January 2001 00:00:00 UTC, truncated toward zero.

@@ -4,13 +4,14 @@
 
 namespace zel::platform {
 
-// Where the host keeps the files of its user.
+// The host's folder for its user's files.
 // Thread: any thread.
 class Documents {
  public:
   virtual ~Documents() = default;
 
-  // The documents folder, which is there when the call returns. Errors: empty where there is none.
+  // The documents folder, which exists when the call returns.
+  // Errors: empty when there is none.
   virtual std::string folder() = 0;
 };
 

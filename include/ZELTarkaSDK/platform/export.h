@@ -1,4 +1,4 @@
 #pragma once
 
-// Marks what the shared library shows; everything else stays hidden.
+// Exports a symbol from the shared library; all others are hidden.
 #define ZEL_EXPORT __attribute__((visibility("default")))

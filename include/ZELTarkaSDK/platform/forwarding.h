@@ -97,7 +97,7 @@ class ForwardingStream : public Port {
   void close() override { wrapped_.close(); }
 
  protected:
-  // Passes an event on; override it to lose, double or change events.
+  // Forwards an event; override it to drop, repeat or change events.
   virtual void deliver(StreamDelegate& delegate, StreamEvent event) { delegate.streamHandleEvent(*this, event); }
 
   Port& wrapped() { return wrapped_; }
@@ -114,7 +114,7 @@ class ForwardingStream : public Port {
   };
 
   Port& wrapped_;
-  std::shared_ptr<Relay> relay_;  // goes with this stream, so that a wrapped one that lives longer tells nobody
+  std::shared_ptr<Relay> relay_;  // destroyed with this stream, so a wrapped stream that lives longer reports to no one
 };
 
 class ForwardingInputStream : public ForwardingStream<InputStream> {
@@ -133,7 +133,7 @@ class ForwardingOutputStream : public ForwardingStream<OutputStream> {
   std::ptrdiff_t write(std::span<const std::uint8_t> bytes) override { return wrapped().write(bytes); }
 };
 
-// Owner: owns the wrapped session. A subclass returns its own forwarding streams.
+// Owner:  owns the wrapped session. A subclass returns its own forwarding streams.
 class ForwardingAccessorySession : public AccessorySession {
  public:
   explicit ForwardingAccessorySession(std::unique_ptr<AccessorySession> wrapped) : wrapped_(std::move(wrapped)) {}
@@ -162,7 +162,7 @@ class ForwardingAccessoryManager : public AccessoryManager {
   AccessoryManager& wrapped_;
 };
 
-// Owner: owns the wrapped session.
+// Owner:  owns the wrapped session.
 class ForwardingVideoDecoder : public VideoDecoder {
  public:
   explicit ForwardingVideoDecoder(std::unique_ptr<VideoDecoder> wrapped) : wrapped_(std::move(wrapped)) {}
@@ -186,7 +186,7 @@ class ForwardingVideoDecoders : public VideoDecoders {
   VideoDecoders& wrapped_;
 };
 
-// Owner: owns the wrapped encoder.
+// Owner:  owns the wrapped encoder.
 class ForwardingVideoEncoder : public VideoEncoder {
  public:
   explicit ForwardingVideoEncoder(std::unique_ptr<VideoEncoder> wrapped) : wrapped_(std::move(wrapped)) {}

@@ -8,7 +8,7 @@
 
 namespace zel::platform {
 
-// The notification centre of every platform: it needs nothing but the standard library.
+// A notification centre for every platform: it needs only the standard library.
 class ZEL_EXPORT InProcessNotificationCenter final : public NotificationCenter {
  public:
   InProcessNotificationCenter();

@@ -11,19 +11,20 @@
 
 namespace zel::platform {
 
-// A picture in memory of its own, to be filled before it is shared.
+// A picture in its own memory, to be filled before it is shared.
 class MemoryPixelBuffer final : public PixelBuffer {
  public:
-  // The largest width and height; a picture of both takes 384 MiB.
+  // The largest width and height; a picture of that size takes 384 MiB.
   static constexpr std::int32_t kLargestSide = 16384;
 
-  // A black picture. Errors: null for a side below 1 or above kLargestSide.
+  // A black picture.
+  // Errors: null for a side below 1 or above kLargestSide.
   static std::shared_ptr<MemoryPixelBuffer> create(std::int32_t width, std::int32_t height) {
     if (std::min(width, height) < 1 || std::max(width, height) > kLargestSide) return nullptr;
     return std::shared_ptr<MemoryPixelBuffer>(new MemoryPixelBuffer(width, height));
   }
 
-  // The same with one value for each plane's bytes.
+  // The same with each plane filled with one value.
   static std::shared_ptr<MemoryPixelBuffer> filled(std::int32_t width, std::int32_t height, std::uint8_t luma,
                                                    std::uint8_t cb, std::uint8_t cr) {
     auto picture = create(width, height);
@@ -45,7 +46,7 @@ class MemoryPixelBuffer final : public PixelBuffer {
 
   void setColour(const PictureColour& colour) { colour_ = colour; }
 
-  // One row's bytes, to be written. The row must exist.
+  // One row's bytes, for writing. The row must exist.
   std::span<std::uint8_t> lumaRow(std::size_t row) {
     return {luma_.data() + row * stride_, static_cast<std::size_t>(width_)};
   }

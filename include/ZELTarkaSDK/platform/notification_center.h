@@ -12,7 +12,7 @@
 
 namespace zel::platform {
 
-// The values that a notification carries under its keys.
+// A value of a notification.
 using NotificationValue =
     std::variant<bool, std::int64_t, std::uint64_t, double, std::string, std::shared_ptr<Accessory>>;
 using NotificationUserInfo = std::map<std::string, NotificationValue, std::less<>>;
@@ -20,9 +20,9 @@ using NotificationUserInfo = std::map<std::string, NotificationValue, std::less<
 struct Notification {
   std::string name;
   NotificationUserInfo userInfo;
-  const void* sender = nullptr;  // who posts it, for comparing only
+  const void* sender = nullptr;  // the sender, for comparison only
 
-  // The accessory under `key`, or null where the key is absent or holds something else.
+  // The accessory under `key`, or null when the key is absent or holds something else.
   std::shared_ptr<Accessory> accessory(std::string_view key) const {
     const auto found = userInfo.find(key);
     if (found == userInfo.end()) return nullptr;
@@ -32,15 +32,15 @@ struct Notification {
 };
 
 // Keeps an observer registered. Destroying it removes the observer, which afterwards neither runs nor is running.
-// Destroyed from inside a callback, the observer itself among them, it does not wait: a call in progress on another
-// thread is then the last.
+// Destroyed inside any callback, including the observer itself, it does not wait: a call in progress on another thread
+// is then the last.
 class NotificationObservation {
  public:
   virtual ~NotificationObservation() = default;
 };
 
 // Named broadcasts inside the process.
-// Thread: any thread. Observers run on the thread that posts, in the order of registration, one call at a time each.
+// Thread: any thread. Observers run on the posting thread, in the order of registration, each one call at a time.
 class NotificationCenter {
  public:
   using Observer = std::function<void(const Notification&)>;

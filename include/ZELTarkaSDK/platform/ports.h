@@ -12,7 +12,7 @@
 
 namespace zel::platform {
 
-// Everything that one camera stack asks of the host. The referenced objects outlive every stack that is built on them.
+// Everything that a camera stack needs from the host. The referenced objects outlive every stack that is built on them.
 struct Ports {
   Clock& clock;
   Threads& threads;

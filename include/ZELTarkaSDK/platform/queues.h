@@ -4,7 +4,7 @@
 
 namespace zel::platform {
 
-// Somewhere to run work asynchronously.
+// Runs tasks asynchronously.
 // Thread: any thread may post.
 class Queue {
  public:
@@ -22,7 +22,7 @@ class Queues {
   // Serial, in the order of posting, on the host's main thread.
   virtual Queue& mainQueue() = 0;
 
-  // Concurrent, default priority. A task may block for good; it is never waited for at exit.
+  // Concurrent, default priority. A task may block forever; it is not joined at exit.
   virtual Queue& globalQueue() = 0;
 };
 

@@ -4,8 +4,7 @@
 
 namespace zel::platform {
 
-// A piece of work handed to a queue or a run loop. It runs once, or is destroyed without running when its run loop ends
-// first.
+// A task for a queue or a run loop. It runs once, or is destroyed without running when its run loop ends first.
 using Task = std::function<void()>;
 
 }  // namespace zel::platform

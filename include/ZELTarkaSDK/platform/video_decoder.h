@@ -8,7 +8,7 @@
 
 namespace zel::platform {
 
-// A picture and the time of the unit that it came from. Without pixels there is no picture.
+// A picture and the timestamp of its unit. Null pixels: no picture.
 struct DecodedPicture {
   PixelBufferRef pixelBuffer;
   std::int64_t timestamp = 0;
@@ -16,9 +16,9 @@ struct DecodedPicture {
 
 enum class DecodeStatus {
   picture,         // the result holds a picture
-  kept,            // the unit is good so far: its picture, or one that is shown before it, is not whole yet
-  noPicture,       // the unit gave none: it is broken, or the picture that it ends is
-  sessionInvalid,  // the session can decode nothing any more; a new one must be created
+  kept,            // the unit was accepted; its picture, or one that is displayed before it, is not complete yet
+  noPicture,       // no picture: the unit is broken, or the picture that it completes is
+  sessionInvalid,  // the session cannot decode any more; create a new one
 };
 
 struct DecodeResult {
@@ -34,39 +34,40 @@ class VideoDecoder {
 
   virtual ~VideoDecoder() = default;
 
-  // Decodes one unit before it returns. unit: a 4-byte big-endian length, then that many bytes from the NAL header on.
-  // At most one picture comes out of a call, in display order. It comes in the call that completes it; a stream whose
-  // pictures are reordered or consist of several units may give it in a later one, with the timestamp of its own first
-  // unit. Pictures that are reordered share their timestamps out: the first one shown gets the first that came.
-  // No more units of a picture are kept in a row than it has macroblocks, as it cannot have more slices.
-  // Units:  timestamp in the caller's units; it is handed back unchanged.
-  // Owner:  the unit is needed during the call only.
-  // Errors: broken bytes give noPicture, whatever they are.
+  // Decodes one NAL unit synchronously. unit: a 4-byte big-endian length, then that many bytes from the NAL header on.
+  // A call returns at most one picture, in display order, normally in the call that completes it. With reordering or
+  // several units a picture, it may come in a later call, with the timestamp of the picture's own first unit. Reordered
+  // pictures share the timestamps: the first one displayed gets the earliest. At most as many units in a row are `kept`
+  // as the picture has macroblocks, since it cannot have more slices.
+  // Units:  timestamp in the caller's units; returned unchanged.
+  // Owner:  the unit is read during the call only.
+  // Errors: any broken bytes give noPicture.
   virtual DecodeResult decode(Bytes unit, std::int64_t timestamp) = 0;
 
-  // Ends the stream: gives the pictures still held back, one a call, in order. No picture when there are no more.
+  // Ends the stream: returns the pictures that are still held back, one a call, in order. No picture when there are no
+  // more.
   virtual DecodedPicture flush() = 0;
 };
 
 enum class DecoderCreationStage { description, session };
 
-// A new session; where there is none, the step that failed and the platform's own number for the reason.
+// A new session, or the step that failed and the platform's error number.
 struct DecoderCreation {
   std::unique_ptr<VideoDecoder> decoder;
   DecoderCreationStage failedAt = DecoderCreationStage::session;
   std::int32_t status = 0;
 };
 
-// Makes decompression sessions.
+// Creates decompression sessions.
 // Owner:  must outlive the sessions.
 // Thread: any thread.
 class VideoDecoders {
  public:
   virtual ~VideoDecoders() = default;
 
-  // A session for the stream that these parameter sets describe, given without start code or length.
-  // Owner:  the bytes are needed during the call only.
-  // Errors: no decoder when the sets make no sense or the platform can decode no such stream.
+  // A session for a stream with these parameter sets, given without start code or length.
+  // Owner:  the bytes are read during the call only.
+  // Errors: no decoder when the sets are invalid or the platform cannot decode such a stream.
   virtual DecoderCreation create(VideoDecoder::Bytes sps, VideoDecoder::Bytes pps) = 0;
 };
 

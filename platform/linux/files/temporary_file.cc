@@ -43,13 +43,13 @@ bool lock(int file, int how) {
   return result == 0;
 }
 
-// Between its making and its locking somebody else may have taken it for a leftover.
+// Between creation and locking another process may have removed it as a leftover.
 bool isStillThere(int file) {
   struct stat found {};
   return ::fstat(file, &found) == 0 && found.st_nlink > 0;
 }
 
-// What another program still writes is locked, and what cannot be locked cannot be told from it.
+// A file in use by another program is locked. A file that cannot be locked is treated as in use.
 void removeUnlessHeld(const std::string& path) {
   const int file = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
   if (file < 0) return;
@@ -101,7 +101,7 @@ bool TemporaryFile::replace(const std::string& path) {
   return true;
 }
 
-// Where the file system knows no links, the name is taken by an empty file first.
+// On a file system without hard links, an empty file first reserves the name.
 bool TemporaryFile::appearAs(const std::string& path) {
   if (::fsync(file_) != 0) return false;
   if (::link(path_.c_str(), path.c_str()) == 0) return true;

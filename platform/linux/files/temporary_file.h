@@ -8,9 +8,9 @@
 
 namespace zel {
 
-// A file in the folder that it shall stay in, removed again unless it was given its name. Until then it is called
-// ".zelcam-" and six letters, and it is locked: a program that was killed holds no lock any more, and so whoever makes
-// the next one in that folder can tell what was left behind, and removes it.
+// A temporary file in its final folder, removed unless it gets its final name. Until then it is called ".zelcam-" and
+// six letters, and is locked. A killed program loses its lock, so the next temporary file in that folder can recognise
+// and remove leftovers.
 // Thread: one at a time.
 class TemporaryFile {
  public:
@@ -41,7 +41,7 @@ class TemporaryFile {
   int file_ = -1;
 };
 
-// Removes temporary files that nobody holds any more.
+// Removes unlocked temporary files.
 void removeLeftovers(const std::string& folder);
 
 }  // namespace zel

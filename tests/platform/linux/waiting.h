@@ -76,7 +76,7 @@ inline std::size_t threadCount() {
   std::thread([] {}).join();  // with the first thread, a sanitizer may start one of its own
   return entriesOf("/proc/self/task");
 }
-// Units: KiB in memory.
+// Units:  KiB in memory.
 inline std::size_t residentKilobytes() {
   std::size_t pages = 0, resident = 0;
   std::ifstream("/proc/self/statm") >> pages >> resident;

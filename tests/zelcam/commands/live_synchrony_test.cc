@@ -39,7 +39,8 @@ class LiveSynchronyTest : public LiveTest, public testing::WithParamInterface<Sy
     ASSERT_EQ(host->wait(), 0) << host->errors();
   }
 
-  // A frame of sound. The player drops the sound of an older camera until it has counted a picture. Units: seconds.
+  // A frame of sound. The player drops the sound of an older camera until it has counted a picture.
+  // Units:  seconds.
   static double mostBetweenBeginnings() {
     const SynchronyCase& given = GetParam();
     const bool waits = !given.stitch && given.firmware == std::string("189");
