@@ -40,7 +40,7 @@ class CallGate::State {
 
 bool CallGate::State::isBusyElsewhere() const { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
 
-// Whether the calling thread makes the call.
+// Whether the calling thread runs the call.
 bool CallGate::State::begin(std::function<void()>& kept) {
   const MutexLock lock(mutex_);
   if (!closed_ && isBusyElsewhere() && insideCallback()) {

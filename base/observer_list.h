@@ -6,8 +6,8 @@
 #include <vector>
 
 #include <ZELTarkaSDK/Observation.h>
-
 #include <ZELTarkaSDK/platform/call_gate.h>
+
 #include "base/mutex.h"
 
 namespace zel {
@@ -26,7 +26,7 @@ class ObserverList {
     auto changed = std::make_shared<Entries>();
     Snapshot former;  // let go after the lock
     const MutexLock lock(mutex_);
-    // Entries whose observation has gone are known by being held here alone.
+    // An entry whose observation was destroyed has no other owner than this list.
     for (const auto& known : *entries_) {
       if (known.use_count() != 1) changed->push_back(known);
     }

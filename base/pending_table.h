@@ -58,7 +58,7 @@ class PendingTable {
     return std::nullopt;
   }
 
-  // Takes out every handler, in the order of the keys, and keeps the answer for every announced one.
+  // Removes and returns every handler, in the order of the keys, and keeps the reply for every announced request.
   // Errors: std::bad_alloc; none was taken then.
   [[nodiscard]] std::vector<Handler> takeAll(const Answer& answer) {
     std::vector<Handler> handlers;

@@ -21,8 +21,8 @@
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELMessageKeys.h>
-
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "bench/echo_camera.h"
 #include "bench/ratio_report.h"
 #include "link/camera_data_parser.h"

@@ -27,6 +27,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "bench/film.h"
 #include "bench/ratios.h"
 #include "platform/ffmpeg/h264_decoder.h"

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/clock.h>
+
 #include "base/wire.h"
 #include "bench/ratio_report.h"
 #include "link/camera_data_parser.h"

@@ -30,6 +30,7 @@ extern "C" {
 
 #include <ZELTarkaSDK/Outputs.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "bench/child_process.h"
 #include "bench/film.h"
 #include "bench/live_stages.h"

@@ -6,6 +6,7 @@
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include <ZELTarkaSDK/platform/video_decoder.h>
 #include <ZELTarkaSDK/platform/video_encoder.h>
+
 #include "bench/film.h"
 #include "platform/render/stitcher.h"
 

@@ -7,13 +7,13 @@
 #include <vector>
 
 #include <ZELTarkaSDK/ZELHandlers.h>
-
 #include <ZELTarkaSDK/platform/queues.h>
+
 #include "base/mutex.h"
 #include "link/roles.h"
 
-// Turns the photo frames that follow one shutter command into its answer: one picture, or a bracketed series. One
-// parser serves one command; its handler is called at most once.
+// Turns the photo frames that follow one shutter command into its result: one picture, or a bracketed series. Each
+// command has its own parser; its handler is called at most once.
 // All pictures of a series are kept until it is complete, however large the camera makes them, and up to 16 that come
 // after it. A host for which this may be more than it has must end the capture, or the connection, by itself.
 // Owner:  mainQueue must outlive the object.

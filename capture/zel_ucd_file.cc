@@ -82,7 +82,7 @@ void ZELUCDFile::send(std::int64_t type, const std::string& filePath, const ZELD
   std::optional<zel::RebackBlock<>> handler(rebackBlock);
   const std::string path = normalisedPath(filePath);
   const ZELData frame = fileFrame(type, path, fileData.bytes());
-  const bool waits = !path.empty() && *handler;  // an answer that names nothing is everybody's
+  const bool waits = !path.empty() && *handler;  // a reply without a path completes all transfers
   if (waits) {
     const zel::MutexLock lock(mutex_);
     blocks_.announce(path);

@@ -8,8 +8,8 @@
 
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
-
 #include <ZELTarkaSDK/platform/queues.h>
+
 #include "base/mutex.h"
 #include "base/pending_table.h"
 #include "link/roles.h"
@@ -24,12 +24,12 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
   ZELUCDFile(std::function<void(const ZELData&)> writeData, zel::platform::Queue& mainQueue)
       : writeData_(std::move(writeData)), mainQueue_(mainQueue) {}
 
-  // sendFileWithType:filePath:fileData:rebackBlock: - sends the file as one frame. type: its low 16 bits go to the
-  // camera. filePath: what it shall be called there. A drive in it cuts its first three characters, wherever the drive
-  // stands: "C:/a" becomes "a", and "x/C:/a" becomes ":/a". The camera gets at most its first 64 bytes. Where nothing
-  // is left of the path, the handler is not kept and so never called; the answer, if any, goes to everybody who waits.
-  // Thread: the handler runs on the session thread where the answer names the path, and on the main queue where it
-  //         answers everybody or came before the call had returned.
+  // sendFileWithType:filePath:fileData:rebackBlock: - sends the file as one frame. type: its low 16 bits are sent.
+  // filePath: the file's name on the camera. A path with a drive loses its first three characters, wherever the drive
+  // is: "C:/a" becomes "a", and "x/C:/a" becomes ":/a". The camera gets its first 64 bytes. If nothing is left of the
+  // path, the handler is dropped and never called; the reply, if any, completes all transfers.
+  // Thread: the handler runs on the session thread when the reply names the path, and on the main queue when the reply
+  //         completes all transfers or arrived before this call returned.
   // Errors: 100 connection lost; 101 the camera failed, answered nonsense, the file is larger than a frame can say, or
   //         there is no memory for it.
   void sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath, const ZELData& fileData,
@@ -41,8 +41,8 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
   // parserUCD:size: - one reply of the camera.
   void parserUCD(zel::ByteView bytes) override;
 
-  // replyAllBlockWithError:, replyAllBlockWithErrorCode:, replyAllBlockWithCameraError - answer every transfer that
-  // waits. They throw nothing where memory ends.
+  // replyAllBlockWithError:, replyAllBlockWithErrorCode:, replyAllBlockWithCameraError - complete every pending
+  // transfer. They throw nothing where memory ends.
   void replyAllBlockWithError(const std::optional<ZELError>& error);
   void replyAllBlockWithErrorCode(int code);
   void replyAllBlockWithCameraError() { replyAllBlockWithErrorCode(kZELErrorRefused); }

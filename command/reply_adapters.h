@@ -15,7 +15,7 @@
 #include "base/has_memory_for.h"
 #include "protocol/catalogue.h"
 
-// Adapters that take a reply dictionary apart for a handler with typed arguments.
+// Adapters from a reply dictionary to a handler with typed arguments.
 
 namespace zel {
 
@@ -23,8 +23,8 @@ inline std::optional<ZELError> errorIn(const std::optional<ZELMessageFields>& re
   return reply ? reply->get<ZELError>(key::nsError) : std::nullopt;
 }
 
-// The value that a handler's argument of type T gets: text, bytes and boxed numbers may be absent, others are 0 then.
-// The dictionary holds a Stored; a number may be wider in the handler.
+// The value of a handler's argument of type T. A missing text, byte buffer or optional number is absent, any other
+// missing value is 0. The dictionary holds a Stored; a number may be wider in the handler.
 template <class T, class Stored>
 struct ReplyValue {
   static_assert(

@@ -192,7 +192,7 @@ void RequestEngine::addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> r
 
 void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver) {
   while (takeReceiver(receiver)) continue;  // each may go with its last reference, and not under a lock
-  if (insideCallback()) return;             // the receiver's call may wait for this very thread
+  if (insideCallback()) return;             // the receiver's call may be waiting for this thread
   const MutexLock delivered(deliveryMutex_);
 }
 
@@ -214,9 +214,8 @@ std::shared_ptr<RequestEngine::Receiver> RequestEngine::takeReceiver(const ZELCa
   return taken;
 }
 
-// Receivers run under the lock, as they always have: one that has been removed hears nothing more. The list is copied
-// first, so that a receiver that changes it from inside, which it must not, does no harm; one that it removed may be
-// gone, where nobody holds it.
+// Deliberate: receivers run under the lock, so a removed one is not called any more. The list is copied first, so that
+// a receiver that wrongly changes it from inside does no harm. A receiver that it removed may already be destroyed.
 void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFields>& value) {
   const auto held = keepAlive_.hold();
   const CallbackScope scope;

@@ -12,9 +12,9 @@
 #include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
 #include <ZELTarkaSDK/ZELHandlers.h>
 #include <ZELTarkaSDK/ZELMessageFields.h>
-
 #include <ZELTarkaSDK/platform/call_gate.h>
 #include <ZELTarkaSDK/platform/queues.h>
+
 #include "base/has_memory_for.h"
 #include "base/mutex.h"
 #include "base/pending_table.h"
@@ -38,8 +38,8 @@ class RequestEngine final : public SyncDataRequester {
   RequestEngine(const RequestEngine&) = delete;
   RequestEngine& operator=(const RequestEngine&) = delete;
 
-  // Sends a request where the link is up, and fails it with 100 where it is not. A later request of the same type takes
-  // over the place of one that waits, whose handler is then never called.
+  // Sends a request when the link is up, and fails it with 100 otherwise. A later request of the same type replaces a
+  // pending one, whose handler is then never called.
   // Errors: std::bad_alloc; the request was not sent then, and the handler is not kept.
   void send(std::int64_t msgType, const ZELMessageFields& fields, RebackDic rebackBlock);
 
@@ -72,7 +72,7 @@ class RequestEngine final : public SyncDataRequester {
   }
   std::uint64_t lostForMemory() const { return lostForMemory_.load(); }
 
-  // Fails every handler that waits, and then the capture that waits for its photo. Throws nothing where memory ends.
+  // Fails every pending handler, and then the capture that has no photo yet. Throws nothing where memory ends.
   void respondToAllWithError(int code);
 
   void addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> receiver);

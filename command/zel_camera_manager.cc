@@ -1,7 +1,6 @@
 #include <ZELTarkaSDK/WireConstants.h>
-#include <ZELTarkaSDK/ZELCameraManager.h>
-
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELMessageKeys.h>
 
@@ -9,6 +8,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/notification_center.h>
+
 #include "protocol/frame.h"
 
 namespace {

@@ -18,7 +18,7 @@ using zel::takingApart;
 
 namespace {
 
-// A shutter command that fails fails the capture too, which else would wait for its photo.
+// A failed shutter command also fails the capture, which would otherwise stay pending.
 template <zel::RowName row, class Block>
 RebackDic failingTheCapture(RequestEngine& engine, const Block& rebackBlock) {
   if (!rebackBlock) return nullptr;
@@ -84,7 +84,7 @@ void ZELCameraUCD::setDemuxVideoRes(std::uint64_t videoRes) { engine_->parser().
 void ZELCameraUCD::msgCmdStartVideoWithVideoRes(Byte videoRes, ByteBlock rebackBlock) {
   constexpr zel::RowName kRow = "registerMsgCmdStartVideo";
   setDemuxVideoRes(videoRes);
-  // Even without a handler: the player must not mix the old stream with the new one.
+  // Also without a handler, so that the player does not mix the old stream with the new one.
   const auto resetting = [&]() -> RebackDic {
     return [alive = engine_->whileAlive(),
             answer = takingApart<kRow>(rebackBlock)](const std::optional<ZELMessageFields>& reply) {

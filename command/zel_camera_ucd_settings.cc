@@ -96,7 +96,7 @@ void ZELCameraUCD::msgReqSetAEMeterMode(Byte mode, ErrorBlock rebackBlock) {
 }
 
 void ZELCameraUCD::msgReqSetAEMMWeight(const ZELIPAEMMWeight& weight, ErrorBlock rebackBlock) {
-  // Deliberate: this has always gone out as the metering mode, whose packer knows no weights and sets mode 0.
+  // Deliberate: this has always been sent as the metering mode, whose packer ignores the weights and sets mode 0.
   constexpr zel::RowName kRow = "registerMsgReqSetAEMeterMode";
   const auto reply = [&] { return zel::takingApart<kRow>(rebackBlock); };
   engine_->orRefuse(reply, [&] {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
 

@@ -20,10 +20,11 @@
 #include "link/roles.h"
 #include "link/zel_camera_data_parser.h"
 
-// Cuts the camera's byte stream into frames and hands each to its consumer; packs outbound messages.
-// Nothing on the stream is trusted: a partial frame waits, an unknown one is dropped and counted, an impossible length
-// has the session reopened. Owner:  consumers and the accessory are not owned. Thread: appendBytes, parserData and all
-// that they call run on the session thread; everything else on any thread.
+// Cuts the camera's byte stream into frames and hands each to its consumer; packs outbound messages. Nothing on the
+// stream is trusted: a partial frame waits, an unknown one is dropped and counted, an impossible length has the session
+// reopened.
+// Owner:  consumers and the accessory are not owned.
+// Thread: appendBytes, parserData and all that they call run on the session thread; everything else on any thread.
 class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
  public:
   // The de-multiplexer of the process-wide stack.
@@ -33,20 +34,20 @@ class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
   CameraDataParser(const CameraDataParser&) = delete;
   CameraDataParser& operator=(const CameraDataParser&) = delete;
 
-  // Who is told of arriving data and of the clock's answer; null while there is nobody. Set before traffic starts.
+  // Receives the reports of arriving data and of the time synchronisation; may be null. Set before traffic starts.
   void setAccessory(zel::AccessoryLink* accessory);
-  // Who sends the marker request. Set before traffic starts.
+  // Sends the marker request. Set before traffic starts.
   void setSyncDataRequester(zel::SyncDataRequester* requester) { syncDataRequester_ = requester; }
 
   // appendBytes:length: - appends received bytes without parsing them.
   void appendBytes(const std::uint8_t* bytes, std::size_t length) override;
 
-  // Delivers every whole frame received, in order; while resynchronising it looks for the marker instead, and what
-  // follows the marker is left for the next call.
+  // Delivers every whole received frame in order. While resynchronising it searches for the marker instead, and leaves
+  // the bytes after the marker for the next call.
   void parserData() { cutter_.cut(); }
 
-  // The same as appendBytes() with these bytes and then parserData(), but copies only what the end of the bytes cuts
-  // off: whole frames are delivered from where they lie.
+  // The same as appendBytes() with these bytes and then parserData(), but copies only an incomplete frame at the end:
+  // whole frames are delivered in place.
   void parserData(zel::ByteView lastRead) override { cutter_.cut(lastRead); }
 
   // parserDataWithUCDType:data:dataLen: - routes one frame's payload, and reports arriving data to the accessory, for
@@ -56,32 +57,35 @@ class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
   // parserMsg:dataLen: - dispatches a message by its code.
   void parserMsg(const std::uint8_t* data, std::size_t dataLen) { router_.parserMsg({data, dataLen}); }
 
-  // Forgets the bytes received so far. Called from another thread while frames are being routed, it lets the frame in
-  // progress finish and has the rest dropped.
+  // Drops the received bytes. Called from another thread while frames are being routed, it lets the current frame
+  // finish and drops the rest.
   void clearData() override { cutter_.clear(); }
 
-  // Whether the marker is being looked for.
+  // Whether it searches for the marker.
   bool isNeedDataSynchronism() const { return cutter_.needsMarker(); }
   void setIsNeedDataSynchronism(bool needed) override { cutter_.setNeedsMarker(needed); }
 
   // A longer frame counts as a lost position, as every one does that is longer than kMaxFrameLength; photos may always
   // be of that length while there is a photo parser.
   //
-  // Units: bytes, at most kMaxFrameLength. Thread: any thread.
+  // Units:  bytes, at most kMaxFrameLength.
+  // Thread: any thread.
   void setLongestFrame(std::uint32_t bytes) { cutter_.setLongestFrame(bytes); }
 
   // Requests the marker from the camera.
   void sendSyncData();
 
-  // Bytes received and not yet consumed. Thread: session thread.
+  // Received bytes that are not consumed yet.
+  // Thread: session thread.
   zel::ByteView data() const { return cutter_.held(); }
-  // Memory held for them. Thread: session thread.
+  // The size of their buffer.
+  // Thread: session thread.
   std::size_t dataCapacity() const { return cutter_.capacity(); }
 
   // Consumer of types 1, 2 and 8, held weakly.
   void setPreviewPlayer(std::weak_ptr<zel::PreviewConsumer> player) { router_.setPreviewPlayer(std::move(player)); }
   std::shared_ptr<zel::PreviewConsumer> previewPlayer() const { return router_.previewPlayer(); }
-  // Consumer of type 3; each capture brings its own.
+  // Consumer of type 3; each capture sets its own.
   void setPhotoParser(std::shared_ptr<zel::PhotoConsumer> parser) { router_.setPhotoParser(std::move(parser)); }
   std::shared_ptr<zel::PhotoConsumer> photoParser() const { return router_.photoParser(); }
   // Consumer of type 9.
@@ -92,7 +96,7 @@ class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
   void setVideoStreamRes(std::uint64_t code);
   std::uint64_t videoStreamRes() const { return videoStreamRes_.load(); }
 
-  // Registries; an earlier record under the same key is replaced. Keys count with their low 32 bits.
+  // Registries; an earlier record under the same key is replaced. Only the low 32 bits of keys are used.
   void registerMsgPacket(CameraMsgPacket packet, std::int64_t msgType) {
     msgPacketDic_.put(msgType, std::move(packet));
   }

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include <ZELTarkaSDK/ZELData.h>
-
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/mutex.h"
 #include "link/keep_alive.h"
 #include "link/roles.h"

@@ -39,7 +39,7 @@ struct FrameStatistics {
   void copyTo(LinkStatistics& into) const;
 };
 
-// Whether the data type is one that has a consumer.
+// Whether the data type has a consumer.
 constexpr bool isKnownFrameType(std::uint16_t type) {
   switch (FrameType{type}) {
     case FrameType::previewVideo:

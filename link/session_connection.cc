@@ -47,7 +47,7 @@ void SessionConnection::runSessionThread() {
   if (closed_.load()) return;  // the request to end follows
   if (afterAnother_) owner_.threadBeganAfterAnother();
   if (!hasMemoryFor([this] { openStreams(); })) return fail();
-  writeStreamData();  // what was queued before there was a thread to write it
+  writeStreamData();  // bytes that were queued before the thread began
 }
 
 void SessionConnection::openStreams() {
@@ -98,7 +98,7 @@ void SessionConnection::endSessionThread() {
   closeStreams();  // again, because join() stops the loop without closing
   const auto kept = std::move(keepAlive_);
   if (begun_.load()) ifMemoryAllows([this] { owner_.threadEnded(); });
-  join();  // lets go of the handle, which otherwise would keep this object, and this object it, for good
+  join();  // releases the handle, which would otherwise form a cycle with this object
 }
 
 void SessionConnection::join() {

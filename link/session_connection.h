@@ -10,6 +10,7 @@
 #include <ZELTarkaSDK/platform/accessory.h>
 #include <ZELTarkaSDK/platform/clock.h>
 #include <ZELTarkaSDK/platform/run_loop.h>
+
 #include "base/mutex.h"
 #include "base/wire.h"
 #include "link/roles.h"
@@ -66,7 +67,7 @@ class SessionConnection final : public platform::StreamDelegate,
   // Waits for the thread's end; returns at once on the session thread itself.
   void join();
 
-  // Queues the bytes as a whole and has the session thread write them.
+  // Queues the bytes as a unit; the session thread writes them.
   // Errors: std::bad_alloc; nothing is queued then.
   void writeData(ByteView bytes);
 

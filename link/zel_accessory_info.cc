@@ -1,5 +1,4 @@
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
-
 #include <ZELTarkaSDK/platform/accessory.h>
 
 namespace {

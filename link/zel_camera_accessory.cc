@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/has_memory_for.h"
 #include "base/mutex.h"
 #include "link/camera_data_parser.h"

@@ -5,9 +5,9 @@
 #include <memory>
 
 #include <ZELTarkaSDK/LiveStatistics.h>
-
 #include <ZELTarkaSDK/platform/clock.h>
 #include <ZELTarkaSDK/platform/video_encoder.h>
+
 #include "live/frame_queue.h"
 #include "live/join_lock.h"
 #include "live/shared_value.h"
@@ -25,7 +25,8 @@ class EncodeStage {
   EncodeStage(platform::Clock& clock, platform::VideoEncoders* encoders)
       : clock_(clock), encoders_(encoders), encodeThreadJoinLock_(clock) {}
 
-  // A new encoder that is ready. Errors: null where there is none, it does not open, or memory ends.
+  // A new, opened encoder.
+  // Errors: null where there is none, it does not open, or memory ends.
   Encoder open(const platform::VideoEncoderSettings& settings);
 
   // Sets the encoder to feed, or none. Returns the previous one, which stays alive until its current picture is

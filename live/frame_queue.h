@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/clock.h>
+
 #include "base/mutex.h"
 #include "media/media_pixel_buffer.h"
 
@@ -22,7 +23,7 @@ class FrameQueue {
   static constexpr std::size_t kMost = 5;
   static constexpr double kPollInterval = 0.01;  // seconds: the longest sleep of its reader
 
-  // Returns false where the oldest had to go for it.
+  // Returns false when the oldest was dropped for it.
   // Errors: std::bad_alloc; those that wait are as they were.
   bool append(LiveFrame frame) {
     LiveFrame oldest;  // destroyed after the lock

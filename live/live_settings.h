@@ -6,6 +6,7 @@
 
 #include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/platform/media_library.h>
+
 #include "live/shared_value.h"
 
 namespace zel {

@@ -4,9 +4,9 @@
 #include <memory>
 
 #include <ZELTarkaSDK/LiveStatistics.h>
-
 #include <ZELTarkaSDK/platform/clock.h>
 #include <ZELTarkaSDK/platform/media_library.h>
+
 #include "live/frame_queue.h"
 #include "live/join_lock.h"
 #include "live/live_settings.h"

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/application_events.h>
+
 #include "base/has_memory_for.h"
 #include "live/zel_live_data_source_state.h"
 

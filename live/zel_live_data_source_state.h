@@ -6,8 +6,8 @@
 
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
-
 #include <ZELTarkaSDK/platform/notification_center.h>
+
 #include "base/mutex.h"
 #include "link/camera_data_parser.h"
 #include "live/encode_stage.h"
@@ -39,12 +39,12 @@ struct ZELLiveDataSource::State {
   zel::Guarded<std::shared_ptr<ZELPreviewPlayer>> player;
 
   zel::LiveRun run;
-  // Held where a run attaches itself and where it is stopped, so that neither sees the other half done.
+  // Held while a run attaches itself and while it is stopped, so that each is atomic to the other.
   zel::Mutex attachMutex;
 
   // Guards both uses and the decision to release the camera: it is held until the commands are sent.
   zel::Mutex statusLock;
-  std::atomic<bool> isPreview = false;  // set with the lock
+  std::atomic<bool> isPreview = false;  // written under the lock
 
   // Last: observers are removed before the objects that they use.
   std::unique_ptr<zel::platform::NotificationObservation> background, active;

@@ -19,8 +19,8 @@ class DecodeQueue {
   using Unit = std::shared_ptr<orq::MediaBuffer>;
 
   static constexpr std::size_t kFull = 16;
-  // Only where nothing is decoded for many seconds do the units behind a waiting key unit come to this much; then the
-  // key unit goes too. A camera may send millions of a few bytes, of which each takes many times as much.
+  // The units behind a key unit reach this size only when nothing is decoded for many seconds; then the key unit is
+  // dropped too. A camera may send millions of a few bytes, of which each takes many times as much.
   static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
   static constexpr std::size_t kMostUnits = 100'000;
 

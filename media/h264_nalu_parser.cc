@@ -54,7 +54,7 @@ std::shared_ptr<MediaBuffer> takeUnit(const std::uint8_t*& at, const std::uint8_
   return std::make_shared<MediaBuffer>(std::move(unit));
 }
 
-// Cuts bytes that begin with a start code; the last unit is apart.
+// Cuts bytes that begin with a start code; the last unit is returned separately.
 std::shared_ptr<MediaBuffer> cutAll(const std::uint8_t* at, const std::uint8_t* end,
                                     const H264NaluParser::TakeUnit& take) {
   while (true) {
@@ -97,7 +97,7 @@ void H264NaluParser::hold(const std::uint8_t* data, std::int32_t size) {
   pending_ = std::move(longer);
 }
 
-// The very first chunk thus gives an empty unit first, which consumers skip by its size.
+// The very first chunk therefore gives an empty unit first, which consumers skip by its size.
 void H264NaluParser::cutChunk(const std::uint8_t* data, std::int32_t size, const TakeUnit& take) {
   take(takePending());
   pending_ = cutAll(data, data + size, take);
@@ -107,7 +107,7 @@ void H264NaluParser::continuePending(const std::uint8_t* data, std::int32_t size
   if (pendingSize() > largestPending_ - std::min(size, largestPending_)) pending_ = nullptr;
   if (!pending_) pending_ = std::make_shared<MediaBuffer>();
   const std::int32_t held = pendingSize();
-  // A start code may straddle the seam: its first three bytes may be held already.
+  // A start code may span both: its first three bytes may be held already.
   const std::int32_t lookBack = std::min(held, kStartCode - 1) + size;
   if (held == 0 || pending_->data()[held - 1] != 0) return cutBehindSeam(data, size, lookBack, take);
   hold(data, size);
@@ -122,7 +122,7 @@ void H264NaluParser::cutBehindSeam(const std::uint8_t* data, std::int32_t size, 
   const std::uint8_t* const end = data + std::max(size - kStartCode, 0);
   const std::uint8_t* const found = from < size ? zel::findStartCode(data + from, end) : end;
   if (found >= end) return hold(data, size);
-  // Deliberate, as there: the first piece begins at offset lookBack of what is held and the chunk.
+  // Deliberate, as in ProcessBuffer(): the first piece begins at offset lookBack of the held bytes and the chunk.
   auto first = piece(takePending()->data(), lookBack, held);
   const std::int32_t skipped = std::max(lookBack - held, 0);
   append(*first, data + skipped, static_cast<std::int32_t>(found - data) - skipped);
@@ -143,7 +143,7 @@ void H264NaluParser::processBuffer(int lookBack, const TakeUnit& take) {
   const std::uint8_t* const found = zel::findStartCode(data + start, end);
   if (found == end) return;
   const Unit whole = takePending();
-  // Deliberate: the first piece begins at the look-back count, as an offset, and not at 0.
+  // Deliberate: the first piece begins at offset lookBack, not at 0.
   take(piece(data, lookBack, found - data));
   pending_ = cutAll(found, data + size, take);
 }

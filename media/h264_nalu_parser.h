@@ -29,15 +29,15 @@ class H264NaluParser {
   // Drops what is held back from fewer bytes on.
   void setLargestPending(std::int32_t bytes) { largestPending_ = bytes; }
 
-  // Takes one received chunk and gives the units that are complete. Null or a count below 1 is ignored.
+  // Takes one received chunk and returns the complete units. Null or a count below 1 is ignored.
   Units AppendData(const void* data, int size);
 
   // The same, one unit at a time: a chunk may hold millions, of which each takes many times its own bytes.
   // Errors: where memory ends, or `take` throws, the rest of the chunk is lost and nothing is held back.
   void AppendData(const void* data, int size, const TakeUnit& take);
 
-  // Cuts what is held back, looking for start codes from `lookBack` bytes before its end on; the first unit begins at
-  // offset `lookBack`.
+  // Cuts the held-back bytes, searching for start codes from `lookBack` bytes before their end on; the first unit
+  // begins at offset `lookBack`.
   Units ProcessBuffer(int lookBack);
 
   // Bytes held back.

@@ -36,8 +36,8 @@ void PreviewDecoding::offerPps(ByteView unit) {
   start(used, receiver);
 }
 
-// The decoder is made without the lock, since that takes time. A reset meanwhile makes it useless. Without memory there
-// is none, and the next pair is tried.
+// The decoder is created without the lock, because that takes time. A reset in between discards it. Without memory
+// there is none, and the next pair is tried.
 void PreviewDecoding::start(const ParameterSets& used, const Receiver& receiver) {
   std::shared_ptr<ZELDecodeRunLoop> made;
   bool runs = false;

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
-
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/mutex.h"
 #include "media/parameter_sets.h"
 #include "media/zel_decode_run_loop.h"

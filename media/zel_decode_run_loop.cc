@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/call_gate.h>
+
 #include "base/has_memory_for.h"
 
 using zel::hasMemoryFor;

@@ -6,8 +6,8 @@
 
 #include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
-
 #include <ZELTarkaSDK/platform/run_loop.h>
+
 #include "base/mutex.h"
 #include "media/decode_queue.h"
 #include "media/zel_h264_decoder.h"
@@ -52,10 +52,12 @@ class ZELDecodeRunLoop : public std::enable_shared_from_this<ZELDecodeRunLoop> {
   // Thread: any thread, but not inside the delegate's call.
   Picture getNextMediaPixelBuffer() ZEL_EXCLUDES(pixelBufferMutex_);
 
-  // Whether its thread found no memory to begin; nothing is ever decoded then. Thread: any thread.
+  // Whether its thread found no memory to begin; nothing is ever decoded then.
+  // Thread: any thread.
   bool hasFailed() const { return state_.load() == State::failed; }
 
-  // What has become of the units. Thread: any thread.
+  // Counters of the units.
+  // Thread: any thread.
   zel::PreviewStatistics statistics() const;
 
   // Drops all queued units and pictures.

@@ -70,7 +70,7 @@ DecodedPicture ZELH264Decoder::decodeFrame(zel::ByteView unit, std::int64_t time
   if (isWaitIFrame_ && !zel::isIdr(unit)) return {};
   isWaitIFrame_ = false;
   auto [status, picture] = decodeInSession(unit, timestamp);
-  if (status == DecodeStatus::kept) return {};  // neither a failure nor a success
+  if (status == DecodeStatus::kept) return {};  // counts neither as failure nor as success
   if (status == DecodeStatus::sessionInvalid) {
     recreateSession();
     isWaitIFrame_ = true;
@@ -90,7 +90,7 @@ zel::platform::DecodeResult ZELH264Decoder::decodeInSession(zel::ByteView unit, 
   return result;
 }
 
-// Deliberate: only a picture ends the count, so that behind the 31st every further failure recreates the session.
+// Deliberate: only a picture resets the count, so after the 31st every further failure recreates the session.
 void ZELH264Decoder::countFailure() {
   const bool isOneTooMany = decodeContinuousError_ >= kFailuresBeforeRecreation;
   if (decodeContinuousError_ < std::numeric_limits<std::int32_t>::max()) ++decodeContinuousError_;

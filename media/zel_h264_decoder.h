@@ -5,6 +5,7 @@
 #include <memory>
 
 #include <ZELTarkaSDK/platform/video_decoder.h>
+
 #include "base/wire.h"
 
 // Decodes H.264 units, one a call, and recreates its session after errors.
@@ -12,10 +13,10 @@
 // Thread: one at a time.
 class ZELH264Decoder {
  public:
-  // initWidthSps:spsSize:pps:ppsSize: ("Width" is the interface's spelling) - copies both parameter sets, which come
-  // without start code.
-  // Errors: null where no session can be made of them; a line on standard error says why. std::bad_alloc where memory
-  //         ends.
+  // initWidthSps:spsSize:pps:ppsSize: ("Width" is the interface's spelling) - copies both parameter sets, given without
+  // start code.
+  // Errors: null when no session can be created for them; a line on standard error says why. std::bad_alloc where
+  //         memory ends.
   static std::unique_ptr<ZELH264Decoder> initWidthSps(zel::platform::VideoDecoders& decoders, zel::ByteView sps,
                                                       zel::ByteView pps);
   ZELH264Decoder(const ZELH264Decoder&) = delete;

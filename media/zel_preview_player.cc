@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/has_memory_for.h"
 #include "base/mutex.h"
 #include "media/adts.h"
@@ -63,7 +64,7 @@ struct ZELPreviewPlayer::State {
 
   mutable zel::Mutex dataCallBackMutex;
   PixelBufferBlock currentPixelBufferBlock ZEL_GUARDED_BY(dataCallBackMutex);
-  const Stream* stream ZEL_GUARDED_BY(dataCallBackMutex) = nullptr;       // whose pictures count
+  const Stream* stream ZEL_GUARDED_BY(dataCallBackMutex) = nullptr;       // whose pictures are used
   std::shared_ptr<Stream> spareStream ZEL_GUARDED_BY(dataCallBackMutex);  // for a reset without memory
 };
 
@@ -220,7 +221,7 @@ void ZELPreviewPlayer::State::beginStream() {
   endStream(next);
 }
 
-// The old stream's pictures cease to count before the new one can begin.
+// The old stream's pictures are ignored before the new one can begin.
 void ZELPreviewPlayer::State::endStream(const std::shared_ptr<Stream>& next) {
   {
     const MutexLock lock(dataCallBackMutex);

@@ -1,6 +1,6 @@
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
-
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "media/c_buffer.h"
 #include "media/nal_unit.h"
 #include "media/parameter_sets.h"

@@ -13,11 +13,11 @@ class DiskSync {
   DiskSync(const DiskSync&) = delete;
   DiskSync& operator=(const DiskSync&) = delete;
 
-  // The file, which must be there, and its name in its folder.
+  // Opens the file, which must exist, and syncs its name in its folder.
   //
-  // Errors: the error's number, else 0.
+  // Errors: errno, else 0.
   int open(const std::string& path);
-  // Waits for the disk.
+  // Syncs the file's content.
   //
   // Errors: the same.
   int sync() const;

@@ -1,6 +1,5 @@
-#include <ZELTarkaSDK/EncodedStream.h>
-
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/EncodedStream.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 
 #include <utility>

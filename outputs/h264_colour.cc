@@ -1,6 +1,7 @@
 #include "outputs/h264_colour.h"
 
 #include <ZELTarkaSDK/platform/picture_colour.h>
+
 #include "platform/h264/h264_headers.h"
 
 namespace zel {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include <ZELTarkaSDK/OutputAddress.h>
+
 #include "outputs/deadline.h"
 #include "outputs/disk_sync.h"
 #include "outputs/hls_files.h"

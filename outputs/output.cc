@@ -53,7 +53,7 @@ void Output::put(const MediaPacket& packet) {
 void Output::finish() {
   const Lock lock(mutex_);
   finishing_ = true;
-  // A server that is not there yet is not worth waiting for.
+  // Does not wait for a server that is not connected yet.
   if (sink_ && rules_.secondsToFinish) sink_->endWithin(takesPackets(lock) ? *rules_.secondsToFinish : 0);
   changed_.notify_all();
 }

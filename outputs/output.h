@@ -22,7 +22,7 @@ struct OutputRules {
   std::string name;
   // Creates the sink of a new attempt; each sink is opened once.
   std::function<std::unique_ptr<Sink>()> makeSink;
-  // Hears what people want to know.
+  // Receives messages for people.
   //
   // Thread: the output's.
   std::function<void(const std::string&)> tell;

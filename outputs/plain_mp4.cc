@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/AudioConfig.h>
+
 #include "outputs/libav.h"
 #include "outputs/mp4_boxes.h"
 #include "outputs/stream_setup.h"

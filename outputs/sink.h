@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include <ZELTarkaSDK/MediaPacket.h>
+
 #include "outputs/fault.h"
 
 namespace zel {
@@ -18,11 +19,11 @@ class Sink {
  public:
   virtual ~Sink() = default;
 
-  // Begins; the first call.
+  // Opens the output; the first call.
   //
   // Errors: what went wrong.
   virtual Fault open(const StreamHeaders& headers) = 0;
-  // The next packet. One that the format makes nothing of is left out.
+  // Writes the next packet. An invalid one is left out.
   // Errors: the same; the sink is then good for nothing but destruction.
   virtual Fault write(const MediaPacket& packet) = 0;
   // Completes the output; the last call. A sink that is destroyed without it leaves the output incomplete.

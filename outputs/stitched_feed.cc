@@ -47,7 +47,7 @@ FeedFigures StitchedFeed::figures() const {
   return {preview_, source_->statistics()};
 }
 
-// A renderer that can make nothing of the camera's lens offset gives no picture at all.
+// With an invalid lens offset the renderer gives no picture at all.
 std::optional<std::string> StitchedFeed::failure() const {
   constexpr std::uint64_t kEnough = 10;
   const LiveStatistics now = source_->statistics();
@@ -72,7 +72,7 @@ void StitchedFeed::sourceOnH264Nalu(Bytes nalu, bool keyFrame, std::int64_t time
   gate_.enter([&] { core_->writer.onPicture(nalu, keyFrame, picture.time, picture.arrival); });
 }
 
-// The source has put itself in the player's way just now; no sound of the run has been delivered yet.
+// The source has just attached itself to the player; no sound of the run was delivered yet.
 void StitchedFeed::sourceOnAACHeader(Bytes header) {
   gate_.enter([&] {
     core_->clock.soundConfig(header);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ZELTarkaSDK/MediaPacket.h>
+
 #include "outputs/libav.h"
 
 namespace zel {
@@ -11,14 +12,14 @@ inline constexpr int kVideoStream = 0, kAudioStream = 1;
 // Errors: false if memory runs out, or the sound's format is unknown.
 bool addStreams(AVFormatContext& muxer, const StreamHeaders& headers);
 
-// Tells players that the pictures are equirectangular.
+// Marks the pictures as equirectangular for players.
 //
-// Errors: false where there is no memory.
+// Errors: false if memory runs out.
 bool markSpherical(AVStream& stream);
 
-// The packet as the muxer takes it, with a copy of the bytes.
+// The packet for the muxer, with a copy of the bytes.
 //
-// Errors: null where there is no memory.
+// Errors: null if memory runs out.
 PacketPtr packetFor(const AVFormatContext& muxer, const MediaPacket& packet);
 
 }  // namespace zel

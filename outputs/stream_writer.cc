@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/AudioConfig.h>
+
 #include "outputs/h264_colour.h"
 #include "outputs/h264_size.h"
 #include "platform/h264/h264_headers.h"
@@ -11,7 +12,7 @@
 namespace zel {
 namespace {
 
-constexpr std::int64_t kLongestWait = 10'000;  // milliseconds; what is further away is of another clock
+constexpr std::int64_t kLongestWait = 10'000;  // milliseconds; a larger distance means another clock
 
 void append(std::vector<std::uint8_t>& bytes, std::span<const std::uint8_t> more) {
   bytes.insert(bytes.end(), more.begin(), more.end());

@@ -43,14 +43,13 @@ class StreamWriter {
   StreamWriter(EncodedStreamReceiver& receiver, std::optional<std::int64_t> length, std::function<void()> ended)
       : receiver_(receiver), length_(length), ended_(std::move(ended)) {}
 
-  // Another source takes over: its times have nothing to do with those before. spherical: its pictures are
-  // equirectangular.
+  // A new source begins; its times are unrelated to earlier ones. spherical: its pictures are equirectangular.
   void beginRun(bool spherical);
 
   // Parameter sets without start code; different later ones are inserted before the next keyframe.
   void onParameterSets(Bytes sps, Bytes pps);
   void onAudioConfig(Bytes config);
-  // picture: its units, each behind its start code.
+  // picture: its NAL units, each with its start code.
   //
   // Units: milliseconds.
   void onPicture(Bytes picture, bool key, std::int64_t time, TimePoint arrival);

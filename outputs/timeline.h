@@ -31,7 +31,7 @@ class Timeline {
   // Asked once for each time.
   bool takeBreak(Track track) { return std::exchange(track == Track::video ? videoBroke_ : audioBroke_, false); }
 
-  // The run's first key picture has come.
+  // Whether the run's first keyframe has arrived.
   bool hasBegun() const { return shift_.has_value(); }
 
   std::optional<std::int64_t> newestVideo() const { return newestVideo_; }
@@ -47,7 +47,7 @@ class Timeline {
   std::optional<std::int64_t> newestVideo_, newestAudio_;
   std::int64_t videoStep_ = 0;
   bool videoBroke_ = false, audioBroke_ = false;
-  // Sound without a break: its first frame's time, and how many frames came since.
+  // Continuous sound: its first frame's time, and the number of frames since.
   std::int64_t soundBegin_ = 0, soundFrames_ = 0;
 };
 

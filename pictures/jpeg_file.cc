@@ -8,6 +8,7 @@
 #include <memory>
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+
 #include "pictures/rgb_picture.h"
 
 namespace zel {

@@ -20,7 +20,7 @@ inline constexpr std::int64_t kMostJpegPixels = 72'000'000;
 inline constexpr std::int64_t kMostProgressivePixels = 40'000'000;  // of a picture of several scans: all of it is held
 inline constexpr std::int64_t kMostScannedPixels = 400'000'000;     // of such a picture, those of all scans together
 
-// The first segment with EXIF data, from its marker to its end; empty where the file has none before its picture.
+// The first segment with EXIF data, from its marker to its end; empty if the file has none before its image data.
 std::span<const std::uint8_t> exifSegmentIn(std::span<const std::uint8_t> file);
 
 // A segment with an XMP packet.
@@ -28,9 +28,9 @@ std::span<const std::uint8_t> exifSegmentIn(std::span<const std::uint8_t> file);
 // Errors: empty for a packet that is too long for one.
 JpegBytes xmpSegmentOf(std::string_view packet);
 
-// The file with those segments put behind its first header.
+// The file with those segments inserted after its first header.
 //
-// Errors: the file as it is where it is no JPEG file.
+// Errors: the unchanged file if it is no JPEG file.
 JpegBytes withSegments(std::span<const std::uint8_t> file, std::span<const std::span<const std::uint8_t>> segments);
 
 }  // namespace zel

@@ -159,8 +159,8 @@ inline constexpr Family kFamilies[] = {
     {"registerMsgReqSetAudioBitrate",         90, 0x0013, {u32(uintValue)},                              flag()},
     {"registerMsgReqGetAudioBitrate",         91, 0x4048, {},                                            flag(u32(uintValue))},
     {"registerMsgReqBattery",                 18, 0x4001, {},                                            value(u8(ucharValue), u8(ucharValue2)), Registered::afterTheEvents},
-    // Deliberate: known but never registered, so that orientation updates are asked for and never sent. Cameras take
-    // the orientation with each capture, and some do not bear the update.
+    // Deliberate: never registered, so orientation updates are never sent. Cameras take the orientation from each
+    // capture, and some cannot handle the update.
     {"registerMsgReqUpdateOrientation",       50, 0x4021, {orientation},                                 unanswered, Registered::never},
 };
 // clang-format on
@@ -170,7 +170,7 @@ using catalogue::kFamilies;
 
 void noRowBearsThisName();  // never defined: a call of it does not compile, and says why
 
-// The family that the operation of this name registers; a wrong name does not compile.
+// The family registered by the operation of this name; a wrong name does not compile.
 consteval const Family& family(std::string_view registering) {
   const Family* const row = std::ranges::find(kFamilies, registering, &Family::registering);
   if (row == std::end(kFamilies)) noRowBearsThisName();
@@ -188,7 +188,7 @@ struct RowName {
 template <RowName name>
 inline constexpr const Family& kRow = family({name.text, sizeof(name.text) - 1});
 
-// Whether no two rows of a table agree in this column.
+// Whether all rows of a table differ in this column.
 template <class Rows, class Column>
 consteval bool distinct(const Rows& rows, Column column) {
   for (auto one = std::begin(rows); one != std::end(rows); ++one) {

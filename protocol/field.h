@@ -27,13 +27,13 @@ consteval std::size_t placeAmong(const std::variant<Types...>*) {
 template <class T>
 inline constexpr std::size_t kTypeNumber = placeAmong<T>(static_cast<ZELMessageFields::Value*>(nullptr));
 
-// One field of a message's body: how it stands on the wire, and under which key it stands in the dictionary.
-// A key that is missing is packed as 0, or as nothing where the field has no fixed size.
+// One field of a message's body: its wire form and its key in the dictionary.
+// A missing key is packed as 0, or as nothing if the field has no fixed size.
 struct Field {
   std::string_view layout;  // for people
   std::string_view key;
   std::size_t type;  // of its value in the dictionary: a kTypeNumber
-  std::size_t size;  // bytes on the wire; the fewest where it has no fixed size
+  std::size_t size;  // bytes on the wire; the minimum if it has no fixed size
   void (*append)(Bytes& body, const ZELMessageFields& fields, std::string_view key);
   void (*read)(ByteReader& body, ZELMessageFields& fields, std::string_view key);
 };
@@ -114,7 +114,7 @@ consteval Field s32(std::string_view key) { return number<std::int32_t>(key); }
 consteval Field u64(std::string_view key) { return number<std::uint64_t>(key); }
 consteval Field s64(std::string_view key) { return number<std::int64_t>(key); }
 
-// One byte of the wire that is an int in the dictionary, and two bytes that are.
+// One or two bytes on the wire, an int in the dictionary.
 consteval Field u8OfInt(std::string_view key) { return number<std::uint8_t, std::int32_t>(key); }
 consteval Field u16OfInt(std::string_view key) { return number<std::uint16_t, std::int32_t>(key); }
 
@@ -138,8 +138,7 @@ consteval Field rest(std::string_view key) {
   return {"bytes to the end", key, kTypeNumber<ZELData>, 0, appendRest, readRest};
 }
 
-// ASCII text to the end, at least a byte of it in a reply. Text that is not ASCII is packed as nothing and read as
-// absent.
+// ASCII text to the end, at least one byte in a reply. Other text is packed as nothing and read as absent.
 consteval Field ascii(std::string_view key) {
   return {"ASCII text to the end", key, kTypeNumber<std::string>, 1, appendAscii, readAscii};
 }

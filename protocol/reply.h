@@ -22,9 +22,9 @@ struct Decoded {
 // How a family's replies are decoded.
 struct Reply {
   enum class Form {
-    none,   // the camera does not answer
-    flag,   // a byte that is not 0 where the camera agrees, then the fields
-    value,  // the fields alone: whatever the camera answers is a success
+    none,   // the camera does not reply
+    flag,   // a byte, 0 for a refusal, then the fields
+    value,  // only the fields: every reply is a success
   };
 
   Form form = Form::none;

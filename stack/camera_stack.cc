@@ -1,5 +1,4 @@
 #include <ZELTarkaSDK/CameraStack.h>
-
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
@@ -11,6 +10,7 @@
 
 #include <ZELTarkaSDK/platform/call_gate.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "capture/zel_ucd_file.h"
 #include "link/camera_data_parser.h"
 #include "link/camera_session.h"

@@ -16,6 +16,7 @@
 #include <deque>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/mutex.h"
 #include "link/camera_data_parser.h"
 #include "link/zel_camera_data_writer.h"

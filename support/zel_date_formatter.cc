@@ -10,6 +10,7 @@
 #include <ZELTarkaSDK/platform/clock.h>
 #include <ZELTarkaSDK/platform/documents.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/mutex.h"
 #include "support/log_file.h"
 

@@ -21,7 +21,8 @@ struct Ports;
 }
 struct LiveParts;
 
-// How much memory a single piece of what the camera sends may take. Units: bytes.
+// How much memory a single piece of what the camera sends may take.
+// Units:  bytes.
 struct ReceiveLimits {
   std::uint32_t frame = 256u << 20;  // of any type; photos may always be of 256 MiB once one was asked for
   std::int32_t unit = 64 << 20;      // of H.264, whose end has not come yet

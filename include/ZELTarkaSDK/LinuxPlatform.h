@@ -34,7 +34,7 @@ class ZEL_EXPORT LinuxPlatform {
     // 0700 where it is missing, with the first write.
     std::string documentsFolder = {};
     // Called when a camera could not be opened because another program or stack has it; the camera is then skipped.
-    // Empty: `warn` is called instead.
+    // Empty: `warn` is called instead. Empty: `warn` is called instead.
     // Thread: any thread, inside the call that tries to open.
     std::function<void(const CameraInUse&)> inUse = {};
     // The name that other programs are told while this one has a camera, such as "zelcam live". Empty: the executable's

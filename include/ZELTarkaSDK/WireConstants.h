@@ -14,8 +14,8 @@ inline constexpr std::uint8_t kAudioStreamOff = 0, kAudioStreamOn = 1;
 // The type by which msgReqGetMediaOffset asks for the camera's own lens offset.
 inline constexpr std::uint8_t kMediaOffsetOfCamera = 0;
 
-// The largest file that can be sent to the camera, in bytes: one frame carries it whole behind 74 bytes, and tells its
-// length in 32 bits.
+// The largest file that can be sent to the camera, in bytes: it is sent in one frame behind 74 bytes, and the frame's
+// length has 32 bits.
 inline constexpr std::uint64_t kLargestFile = 0xFFFFFFFFu - 74;
 
 // The marker. The camera writes it where parsing of its stream can start; the host sends it to request that.

@@ -5,7 +5,6 @@
 
 #include <ZELTarkaSDK/ZELError.h>
 #include <ZELTarkaSDK/platform/export.h>
-
 #include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 // Receives everything that a live data source produces.

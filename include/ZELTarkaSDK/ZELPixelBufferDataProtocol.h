@@ -3,7 +3,6 @@
 #include <cstdint>
 
 #include <ZELTarkaSDK/platform/export.h>
-
 #include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 // Receives decoded pictures.

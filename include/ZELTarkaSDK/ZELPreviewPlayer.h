@@ -48,7 +48,7 @@ class ZEL_EXPORT ZELPreviewPlayer final : public zel::PreviewConsumer, public ZE
   // Thread: any thread, before the player receives.
   void setLargestUnit(std::int32_t bytes);
 
-  // Size of the last picture, or what the resolution promises; 0 after a reset.
+  // Size of the last picture, or that of the resolution code; 0 after a reset.
   std::int32_t imageWidth() const;
   std::int32_t imageHeight() const;
   void setImageWidth(std::int32_t width) override;

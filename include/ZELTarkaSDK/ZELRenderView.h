@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include <ZELTarkaSDK/platform/export.h>
-
 #include <ZELTarkaSDK/platform/media_library.h>
 
 class ZELPreviewPlayer;

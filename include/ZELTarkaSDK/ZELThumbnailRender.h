@@ -7,7 +7,6 @@
 
 #include <ZELTarkaSDK/ZELData.h>
 #include <ZELTarkaSDK/platform/export.h>
-
 #include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 namespace zel::platform {

@@ -53,7 +53,7 @@ which CMake and pkg-config find them and the shared ones.")
 zel_package(tools zeltarkasdk-tools utils "command-line host and simulator for 360-degree cameras"
   "${what}This package holds zelcam, the command-line host, and zelcam-sim, a
 simulated camera.")
-# The shared library's users find it once the linker's cache is made anew.
+# Programs find the shared library after ldconfig has run.
 foreach(component RUNTIME OUTPUTS PICTURES)
   set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
 endforeach()

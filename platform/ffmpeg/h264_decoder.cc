@@ -56,7 +56,7 @@ class LibavStream {
 
   AVCodecContext& context() { return *context_; }
 
-  // FFmpeg's code for the fault, 0 for none. The picture, if one came out, waits for receive().
+  // FFmpeg's error code, 0 for none. A decoded picture is returned by receive().
   int send(const AVPacket& packet) { return avcodec_send_packet(context_.get(), &packet); }
 
   int sendEnd() { return avcodec_send_packet(context_.get(), nullptr); }
@@ -76,7 +76,7 @@ class UnitPacket {
  public:
   std::size_t size() const { return packet_ ? static_cast<std::size_t>(packet_->size) : 0; }
 
-  // FFmpeg looks for start codes anyway, so that the ones which a cutter left inside of a unit do no harm.
+  // FFmpeg searches for start codes itself, so those that are left inside a unit do no harm.
   // Errors: false where there is no memory; the unit is left out.
   bool append(Bytes unit) {
     if (!packet_) packet_.reset(av_packet_alloc());
@@ -278,7 +278,7 @@ class H264Decoder final : public VideoDecoder {
   OwedPictures owed_;
   int heldBackIfReordered_ = 1;
   bool reorderingIsKnown_ = false;
-  UnitPacket packet_;           // units of the picture that is being collected
+  UnitPacket packet_;           // units of the picture being collected
   std::int64_t timestamp_ = 0;  // of its first slice
   bool hasSlice_ = false;
   bool failed_ = false;        // a picture failed since the last keyframe
@@ -313,7 +313,7 @@ DecoderCreation LibavVideoDecoders::create(VideoDecoder::Bytes sps, VideoDecoder
   CodecContextPtr context = makeContext(sps, pps, threads);
   if (!context) return refused(DecoderCreationStage::session, AVERROR(ENOMEM));
   memory->serve(*context);
-  context->err_recognition = AV_EF_EXPLODE;  // while the parameter sets are read
+  context->err_recognition = AV_EF_EXPLODE;  // while the parameter sets are parsed
   const int status = avcodec_open2(context.get(), context->codec, nullptr);
   if (status < 0) return refused(DecoderCreationStage::description, status);
   context->err_recognition = 0;

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include <ZELTarkaSDK/platform/pixel_buffer.h>
+
 #include "platform/ffmpeg/libav.h"
 
 namespace zel::platform {

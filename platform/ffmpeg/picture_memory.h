@@ -9,8 +9,9 @@
 namespace zel::platform {
 
 // The memory of a decoder's pictures, within bounds. A camera can have a picture of tens of megabytes decoded from a
-// few bytes, and sixteen of them kept: FFmpeg bounds the size of each alone. Owner:  must outlive the contexts that it
-// serves; the pictures may outlive it. Thread: any thread.
+// few bytes, and sixteen of them kept: FFmpeg bounds the size of each alone.
+// Owner:  must outlive the contexts that it serves; the pictures may outlive it.
+// Thread: any thread.
 class PictureMemory {
  public:
   // Units: bytes, of all pictures that anybody holds.

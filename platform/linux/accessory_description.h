@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <ZELTarkaSDK/platform/accessory.h>
+
 #include "platform/linux/endpoint.h"
 
 namespace zel::platform {

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <ZELTarkaSDK/platform/accessory.h>
+
 #include "platform/linux/linux_run_loop.h"
 #include "platform/linux/unique_descriptor.h"
 

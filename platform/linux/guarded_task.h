@@ -5,6 +5,7 @@
 
 #include <ZELTarkaSDK/platform/call_gate.h>
 #include <ZELTarkaSDK/platform/task.h>
+
 #include "base/mutex.h"
 
 namespace zel::platform {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <ZELTarkaSDK/platform/accessory.h>
+
 #include "base/mutex.h"
 #include "platform/linux/accessory_description.h"
 #include "platform/linux/accessory_file.h"

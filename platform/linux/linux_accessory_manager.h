@@ -7,10 +7,10 @@
 #include <vector>
 
 #include <ZELTarkaSDK/CameraInUse.h>
-
 #include <ZELTarkaSDK/platform/accessory.h>
 #include <ZELTarkaSDK/platform/notification_center.h>
 #include <ZELTarkaSDK/platform/queues.h>
+
 #include "base/mutex.h"
 #include "platform/linux/attached_accessories.h"
 #include "platform/linux/camera_holds.h"

@@ -11,6 +11,7 @@
 
 #include <ZELTarkaSDK/platform/in_process_notification_center.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/has_memory_for.h"
 #include "platform/linux/accessory_folder.h"
 #include "platform/linux/linux_accessory_manager.h"

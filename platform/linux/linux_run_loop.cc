@@ -43,7 +43,7 @@ std::shared_ptr<LinuxRunLoop> LinuxRunLoop::create() { return std::shared_ptr<Li
 LinuxRunLoop::LinuxRunLoop() : alarm_(io_, [this] { rung(); }), work_(io_.get_executor()) {}
 
 LinuxRunLoop::~LinuxRunLoop() {
-  end(Ending::stop);  // what dies now cannot queue anything more
+  end(Ending::stop);  // destructors of tasks cannot queue anything any more
   discard();
 }
 
@@ -59,7 +59,7 @@ void LinuxRunLoop::perform(Task task) {
   bool isFirst = false;
   {
     const MutexLock lock(mutex_);
-    if (isStopped()) return;  // the task dies with the parameter, after the lock
+    if (isStopped()) return;  // the task is destroyed with the parameter, after the lock
     tasks_.push_back(std::move(task));
     isFirst = !std::exchange(nextIsDue_, true);
   }
@@ -129,7 +129,7 @@ void LinuxRunLoop::runSources() {
   }
 }
 
-// A loop with an executor cannot know whether the host sleeps, and says so, so that nobody leaves out the wake-up.
+// A loop with an executor does not know whether the host sleeps; it returns true, so that wake-ups are not omitted.
 bool LinuxRunLoop::isWaiting() const { return executor_ || sleep_.load() != Sleep::awake; }
 
 void LinuxRunLoop::wakeUp() {
@@ -154,8 +154,8 @@ bool LinuxRunLoop::beginWaking() {
   return false;
 }
 
-// Ends the sleep also of a loop that has not reported it yet. It takes no memory: what dies while there is none still
-// ends its loop.
+// Also wakes a loop that is about to sleep and has not reported it yet. It takes no memory: what dies while there is
+// none still ends its loop.
 void LinuxRunLoop::nudge() {
   const auto self = shared_from_this();
   alarm_.ring();
@@ -186,8 +186,8 @@ bool LinuxRunLoop::takeLeave() {
   return ending_.compare_exchange_strong(leave, Ending::none);
 }
 
-// Announcing the sleep first and looking at the signals afterwards is what loses no wake-up: whoever signals either
-// sees the announcement and wakes the loop, or has signalled before this look.
+// Reports the sleep first and checks the signals afterwards, so that no wake-up is lost: a signalling thread either
+// sees the report and wakes the loop, or has signalled before the check.
 void LinuxRunLoop::turn() {
   runSources();
   becomes(Sleep::asleep);
@@ -227,7 +227,7 @@ void LinuxRunLoop::drain() {
 void LinuxRunLoop::setExecutor(Executor executor) { executor_ = std::move(executor); }
 
 void LinuxRunLoop::discard() {
-  while (takeTask()) continue;  // each destroyed without the lock: what a task holds may call the loop
+  while (takeTask()) continue;  // each destroyed without the lock, because a task's captures may call the loop
 }
 
 std::optional<Task> LinuxRunLoop::takeTask() {

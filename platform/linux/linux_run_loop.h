@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/run_loop.h>
+
 #include "base/mutex.h"
 #include "platform/linux/asio.h"
 #include "platform/linux/guarded_task.h"

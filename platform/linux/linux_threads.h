@@ -5,6 +5,7 @@
 #include <string>
 
 #include <ZELTarkaSDK/platform/run_loop.h>
+
 #include "platform/linux/linux_run_loop.h"
 
 namespace zel::platform {

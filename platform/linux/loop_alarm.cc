@@ -30,7 +30,7 @@ void LoopAlarm::ring() {
   [[maybe_unused]] const ssize_t written = write(event_.native_handle(), &one, sizeof one);
 }
 
-// A read and not a wait: it is taken up again without a call of the kernel to say so.
+// A read instead of a wait: it is resumed without an extra system call.
 void LoopAlarm::wait() { event_.async_read_some(asio::buffer(&rings_, sizeof rings_), Rung{this}); }
 
 void LoopAlarm::rung(const std::error_code& error) {

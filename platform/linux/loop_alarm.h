@@ -8,9 +8,8 @@
 
 namespace zel::platform {
 
-// Wakes a run loop from other threads. It holds no lock while it does so: a loop that wakes at once, on the same
-// processor, would only fall asleep again on that lock. Once made it takes no memory: a loop that is deaf could not
-// even be ended.
+// Wakes a run loop from other threads, without holding a lock: a loop that wakes at once on the same processor would
+// only sleep again on that lock. Once made it takes no memory: a loop that is deaf could not even be ended.
 class LoopAlarm {
  public:
   // `call` runs on the thread that runs the context, after one or more calls of ring().

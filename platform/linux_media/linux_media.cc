@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/h264_encoder.h"
 #include "platform/render/stitching_library.h"

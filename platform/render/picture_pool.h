@@ -4,6 +4,7 @@
 #include <memory>
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+
 #include "platform/render/picture.h"
 
 namespace zel::render {

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
-
 #include <ZELTarkaSDK/platform/media_library.h>
+
 #include "base/mutex.h"
 #include "platform/render/stitching_render.h"
 

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include <ZELTarkaSDK/platform/pixel_buffer.h>
+
 #include "platform/render/fringe_filter.h"
 #include "platform/render/gain_match.h"
 #include "platform/render/lens_model.h"

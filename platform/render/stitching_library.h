@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ZELTarkaSDK/platform/media_library.h>
+
 #include "platform/render/fault_teller.h"
 #include "platform/render/stitcher.h"
 

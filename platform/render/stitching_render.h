@@ -7,6 +7,7 @@
 #include <string>
 
 #include <ZELTarkaSDK/platform/media_library.h>
+
 #include "platform/render/fault_teller.h"
 #include "platform/render/nadir_logo.h"
 #include "platform/render/picture_pool.h"

@@ -12,6 +12,7 @@
 
 #include <ZELTarkaSDK/platform/media_library.h>
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+
 #include "base/mutex.h"
 
 namespace zel::platform {

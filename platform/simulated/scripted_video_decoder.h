@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/video_decoder.h>
+
 #include "base/mutex.h"
 
 namespace zel::platform {

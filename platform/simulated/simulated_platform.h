@@ -7,6 +7,7 @@
 
 #include <ZELTarkaSDK/platform/in_process_notification_center.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/simulated/scripted_accessory.h"
 #include "platform/simulated/simulated_scheduler.h"
 

@@ -10,6 +10,7 @@
 
 #include <ZELTarkaSDK/platform/queues.h>
 #include <ZELTarkaSDK/platform/run_loop.h>
+
 #include "platform/simulated/simulated_task.h"
 
 namespace zel::platform {

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include <ZELTarkaSDK/platform/clock.h>
+
 #include "link/camera_data_parser.h"
 #include "protocol/frame.h"
 #include "tests/allocation_count.h"

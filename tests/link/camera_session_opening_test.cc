@@ -16,6 +16,7 @@
 
 #include <ZELTarkaSDK/platform/forwarding.h>
 #include <ZELTarkaSDK/platform/notification_center.h>
+
 #include "tests/link/simulated_camera.h"
 
 namespace zel::test {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/clock.h>
+
 #include "link/roles.h"
 #include "tests/link/bytes.h"
 

@@ -11,6 +11,7 @@
 
 #include <ZELTarkaSDK/platform/forwarding.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "tests/allocation_fault.h"
 
 namespace zel::test {

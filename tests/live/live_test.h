@@ -12,9 +12,9 @@
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
-
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/mutex.h"
 #include "platform/simulated/scripted_media_library.h"
 #include "platform/simulated/scripted_video_decoder.h"

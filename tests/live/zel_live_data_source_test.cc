@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <ZELTarkaSDK/platform/application_events.h>
+
 #include "tests/live/live_test.h"
 
 namespace zel::test {

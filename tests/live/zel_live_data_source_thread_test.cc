@@ -11,6 +11,7 @@
 #include <thread>
 
 #include <ZELTarkaSDK/platform/application_events.h>
+
 #include "tests/live/live_test.h"
 #include "tests/sanitizers.h"
 #include "tests/stack/simulator_fixture.h"

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+
 #include "tests/media/nal_bytes.h"
 
 namespace zel::test {

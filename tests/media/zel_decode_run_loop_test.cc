@@ -6,6 +6,7 @@
 #include <functional>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
 #include "tests/media/nal_bytes.h"

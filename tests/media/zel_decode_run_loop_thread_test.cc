@@ -7,8 +7,8 @@
 #include <thread>
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
-
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "media/zel_decode_run_loop.h"
 #include "platform/simulated/scripted_video_decoder.h"
 #include "tests/media/nal_bytes.h"

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "base/wire.h"
 #include "link/camera_data_parser.h"
 #include "platform/ffmpeg/h264_decoder.h"

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "media/h264_nalu_parser.h"
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"

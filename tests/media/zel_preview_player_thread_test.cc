@@ -7,8 +7,8 @@
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
-
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/simulated/scripted_video_decoder.h"
 #include "tests/media/nal_bytes.h"
 #include "tests/platform/linux/temporary_folder.h"

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/simulated/scripted_media_library.h"
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"

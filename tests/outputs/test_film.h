@@ -6,6 +6,7 @@
 
 #include <ZELTarkaSDK/MediaPacket.h>
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+
 #include "platform/ffmpeg/h264_encoder.h"
 
 namespace zel {

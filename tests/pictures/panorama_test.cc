@@ -14,6 +14,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+
 #include "pictures/exif_direction.h"
 #include "pictures/jpeg_file.h"
 #include "pictures/panorama_metadata.h"

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include <ZELTarkaSDK/platform/notification_center.h>
+
 #include "tests/stack/simulator_fixture.h"
 
 namespace zel::test {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
-
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/simulated/scripted_video_decoder.h"
 #include "tests/link/simulated_camera.h"
 

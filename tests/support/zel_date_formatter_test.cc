@@ -9,6 +9,7 @@
 #include <string>
 
 #include <ZELTarkaSDK/platform/documents.h>
+
 #include "platform/simulated/simulated_platform.h"
 
 namespace zel {

@@ -9,6 +9,7 @@
 
 #include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/platform/media_library.h>
+
 #include "apps/zelcam/command_line/command.h"
 
 namespace zel::app {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "apps/zelcam/commands/operation_text.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/link/answer.h"
@@ -47,7 +48,8 @@ struct ReadyCall {
   std::vector<Operation::Value> arguments;
 };
 
-// The call that the command line asks for. Errors: nothing, and the complaint.
+// The call of the command line.
+// Errors: nothing, and an error message.
 std::optional<ReadyCall> prepared(const Values& values, std::string& complaint) {
   const std::string name = values.text("OPERATION");
   const std::vector<std::string> texts = values.list("ARG");
@@ -121,7 +123,7 @@ int runCall(const Invocation& invocation) {
     link.sayAsked();
     const Waited end = waitForEnd(link, operation.done, *answer, settings.timeout);
     const int status = tellEnd(operation.name, end, answer->error, settings);
-    // In front of the result, whose error has the form that it always had.
+    // Printed before the result, whose error keeps its form.
     if (status != kDone && settings.json) printFailure(status);
     if (end == Waited::done) show(operation, *answer, settings);
     return status;

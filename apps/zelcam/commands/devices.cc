@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_choice.h"

@@ -14,6 +14,7 @@
 #include <variant>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "apps/zelcam/commands/event_queue.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/link/bus.h"

@@ -24,6 +24,7 @@ extern "C" {
 
 #include <ZELTarkaSDK/platform/application_events.h>
 #include <ZELTarkaSDK/platform/run_loop.h>
+
 #include "apps/zelcam/command_line/live_options.h"
 #include "apps/zelcam/commands/live_duration.h"
 #include "apps/zelcam/commands/live_figures.h"
@@ -66,7 +67,7 @@ class StreamEnd {
   EncodedStream& stream_;
 };
 
-// How one connection of the camera ended.
+// The end of one connection of the camera.
 enum class RunEnd { complete, interrupted, lost, noPicture, failed, outputsFailed };
 
 // One run of the command.
@@ -152,8 +153,8 @@ class Live {
     stream_.startStitched(link.stack(), options_.resolution, options_.stitched);
   }
 
-  // Pictures must keep coming, but in the background: a time-out without one ends it. Until then a camera that is
-  // silent may go on, unless there is a better way.
+  // Pictures must keep arriving, except in the background: a timeout without one ends the connection. Until then a
+  // silent camera may continue, unless reconnecting is possible.
   RunEnd waitForEnd(CameraLink& link) {
     const std::uint64_t first = stream_.statistics().pictures;
     const auto isOver = [&] {
@@ -169,7 +170,7 @@ class Live {
       if (end == Waited::interrupted) return RunEnd::interrupted;
       if (end == Waited::lost) return RunEnd::lost;
       if (end == Waited::timeOut && (inBackground_ || stream_.statistics().pictures != before)) continue;
-      // A connection that brought pictures may bring more when it is made again; another one would not.
+      // Reconnects only after a connection that has delivered pictures.
       if (end == Waited::timeOut) return options_.reconnect && before != first ? RunEnd::lost : RunEnd::noPicture;
       return whyOver(link);
     }

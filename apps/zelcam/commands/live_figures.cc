@@ -27,7 +27,7 @@ double lengthOf(const EncodedStreamStatistics& stream) {
   return static_cast<double>(stream.newestVideo.value_or(0)) / kMicros;
 }
 
-// Pictures and bits a second; both count from the first picture to the last one.
+// Pictures and bits a second, from the first picture to the last.
 double aSecond(double many, const EncodedStreamStatistics& stream) {
   return stream.pictures < 2 ? 0
                              : many * static_cast<double>(stream.pictures - 1) / static_cast<double>(stream.pictures) /

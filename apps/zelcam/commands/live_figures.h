@@ -9,7 +9,7 @@
 
 namespace zel::app {
 
-// Everything that the end of a live stream tells.
+// The summary of a live stream.
 struct LiveFigures {
   EncodedStreamStatistics stream;
   std::vector<OutputReport> outputs;

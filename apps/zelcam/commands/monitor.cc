@@ -12,6 +12,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/diagnostics.h"
 #include "apps/zelcam/link/bus.h"
@@ -96,7 +97,7 @@ class Monitor {
     });
   }
 
-  // A camera forgets what its host asked for when the session ends.
+  // A camera stops its streams when the session ends, so they are requested again.
   void keepPreviewOn(LinkStatus status) {
     if (status <= LinkStatus::open) previewIsOn_ = false;
     if (status != LinkStatus::flowing || std::exchange(previewIsOn_, true)) return;

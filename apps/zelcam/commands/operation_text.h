@@ -19,8 +19,8 @@ std::vector<std::string> argumentsOf(const Operation& operation);
 // The options that it reads.
 std::vector<std::string_view> optionsOf(const Operation& operation);
 
-// The arguments of a call, out of as many texts as argumentsOf() has and of the sensor options. Errors: nothing;
-// `error` then names the argument and what it takes.
+// The arguments of a call, out of as many texts as argumentsOf() has and of the sensor options.
+// Errors: nothing; `error` then names the argument and what it takes.
 std::optional<std::vector<Operation::Value>> argumentsIn(const Operation& operation,
                                                          const std::vector<std::string>& texts, const Sensors& sensors,
                                                          std::string& error);

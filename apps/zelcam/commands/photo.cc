@@ -17,6 +17,7 @@
 
 #include <ZELTarkaSDK/Panorama.h>
 #include <ZELTarkaSDK/PictureFile.h>
+
 #include "apps/zelcam/command_line/number_text.h"
 #include "apps/zelcam/command_line/sensors.h"
 #include "apps/zelcam/host/console.h"
@@ -131,8 +132,8 @@ class Shot {
     return status;
   }
 
-  // Makes panoramas of the photos that were saved, beside them. One that fails leaves the others alone. A user who asks
-  // to stop gets those that are finished.
+  // Makes panoramas of the saved photos, next to them. A failure does not affect the others. A user who asks to stop
+  // gets those that are finished.
   int stitch(platform::MediaLibrary& library) {
     std::string offset;
     if (const int status = askLensOffset(link_, "photo", 0, offset); status != kDone) return status;

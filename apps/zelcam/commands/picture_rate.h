@@ -6,14 +6,15 @@
 namespace zel::app {
 
 // Whether a picture that is shown now is more than 200 ms behind its time. Its age is not computed: a camera may make
-// up a time that is too far away for a difference. Units: milliseconds.
+// up a time that is too far away for a difference.
+// Units:  milliseconds.
 constexpr bool isLate(std::int64_t timestamp, std::int64_t now) {
   constexpr std::int64_t kLate = 200;
   return timestamp < now - kLate;
 }
 
-// How many pictures come, and how many a second from the first to the newest: neither the wait for the first one nor a
-// camera that is silent afterwards counts.
+// Counts pictures, and their rate from the first to the newest. The wait for the first one and a silence after the
+// newest one do not count.
 class PictureRate {
  public:
   using Clock = std::chrono::steady_clock;

@@ -15,6 +15,7 @@
 #include <string>
 
 #include <ZELTarkaSDK/PictureFile.h>
+
 #include "apps/zelcam/command_line/decoder_threads.h"
 #include "apps/zelcam/commands/picture_rate.h"
 #include "apps/zelcam/host/console.h"

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/PictureFile.h>
+
 #include "apps/zelcam/command_line/picture_size.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/file.h"

@@ -20,7 +20,7 @@ void note(std::string_view text);
 // Notes the command line of this run.
 void noteCommandLine(int argc, const char* const* argv);
 
-// Notes that the link's status has changed.
+// Notes a change of the link's status.
 void noteStatus(LinkStatus status);
 
 }  // namespace zel::app

@@ -16,6 +16,7 @@
 #include <ZELTarkaSDK/platform/application_events.h>
 #include <ZELTarkaSDK/platform/notification_center.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "apps/zelcam/command_line/settings.h"
 #include "base/has_memory_for.h"
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include <ZELTarkaSDK/platform/forwarding.h>
+
 #include "base/mutex.h"
 
 namespace zel::app {

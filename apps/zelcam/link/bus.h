@@ -8,6 +8,7 @@
 #include <string>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "apps/zelcam/command_line/settings.h"
 #include "apps/zelcam/link/bounded_accessories.h"
 #include "base/mutex.h"

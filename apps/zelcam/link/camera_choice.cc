@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "apps/zelcam/host/console.h"
 
 namespace zel::app {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/accessory.h>
+
 #include "apps/zelcam/command_line/settings.h"
 
 namespace zel::app {

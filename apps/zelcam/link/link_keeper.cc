@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/link/camera_choice.h"
 

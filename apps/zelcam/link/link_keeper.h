@@ -6,8 +6,8 @@
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
-
 #include <ZELTarkaSDK/platform/run_loop.h>
+
 #include "apps/zelcam/command_line/settings.h"
 
 namespace zel::app {

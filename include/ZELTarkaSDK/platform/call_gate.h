@@ -34,9 +34,9 @@ class ZEL_EXPORT CallGate {
   CallGate(const CallGate&) = delete;
   CallGate& operator=(const CallGate&) = delete;
 
-  // Runs the call, unless the gate is closed. A call in progress on another thread is waited for; inside a callback the
-  // call is handed to that thread instead, which makes it next. A call inside a call on the same thread runs at once.
-  // Takes memory inside a callback alone, where the call may have to be kept.
+  // Runs the call, unless the gate is closed. Waits first for a call in progress on another thread. Inside a callback
+  // it hands the call to that thread instead, which runs it next. A nested call on the same thread runs at once. Takes
+  // memory inside a callback alone, where the call may have to be kept.
   template <class Call>
   void enter(const Call& call) {
     std::function<void()> kept;

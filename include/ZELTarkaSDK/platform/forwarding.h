@@ -80,8 +80,8 @@ class ForwardingNotificationCenter : public NotificationCenter {
   NotificationCenter& wrapped_;
 };
 
-// Delegates are told of the forwarding stream, not of the wrapped one, so that what they do to it is forwarded too.
-// The run loop is passed on untouched.
+// Delegates receive the forwarding stream, not the wrapped one, so their calls are forwarded too. The run loop is
+// passed on unchanged.
 template <class Port>
 class ForwardingStream : public Port {
  public:

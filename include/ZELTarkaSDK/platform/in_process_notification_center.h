@@ -3,7 +3,6 @@
 #include <memory>
 
 #include <ZELTarkaSDK/platform/export.h>
-
 #include <ZELTarkaSDK/platform/notification_center.h>
 
 namespace zel::platform {

@@ -24,12 +24,12 @@ class TemporaryFile {
   int descriptor() const { return file_; }
   const std::string& path() const { return path_; }
 
-  // Writes behind what it holds.
+  // Appends the bytes.
   //
   // Errors: false; errno says why.
   bool write(std::span<const std::uint8_t> bytes) const;
 
-  // Both see to it first that a power cut finds it whole under its name.
+  // Both sync the file first, so that after a power cut it is complete under its name.
   //
   // Errors: false; errno says why.
   bool replace(const std::string& path);

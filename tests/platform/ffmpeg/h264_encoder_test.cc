@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+
 #include "platform/ffmpeg/h264_decoder.h"
 #include "platform/ffmpeg/libav.h"
 #include "platform/h264/h264_headers.h"

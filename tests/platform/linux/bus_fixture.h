@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/linux/unique_descriptor.h"
 #include "tests/platform/linux/temporary_folder.h"
 #include "tests/platform/linux/waiting.h"

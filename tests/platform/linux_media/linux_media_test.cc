@@ -10,6 +10,7 @@
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/simulated/simulated_platform.h"
 
 namespace zel {

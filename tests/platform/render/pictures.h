@@ -9,6 +9,7 @@
 #include <string>
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
+
 #include "platform/render/picture.h"
 #include "simulator/picture.h"
 

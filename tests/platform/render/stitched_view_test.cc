@@ -10,8 +10,8 @@
 #include <vector>
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
-
 #include <ZELTarkaSDK/platform/ports.h>
+
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
 #include "tests/media/nal_bytes.h"

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <ZELTarkaSDK/platform/video_decoder.h>
+
 #include "tests/platform/ffmpeg/annex_b.h"
 
 namespace zel::test {
