@@ -11,15 +11,14 @@
 
 using zel::RebackDic;
 using zel::RequestEngine;
-using namespace zel::key;
 
 namespace {
 
 constexpr zel::Reply kFlag = zel::flag();
-constexpr zel::Reply kByte = zel::value(zel::field::u8(ucharValue));
-constexpr zel::Reply kFlagAndByte = zel::flag(zel::field::u8(ucharValue));
-constexpr zel::Reply kFlagAndShort = zel::flag(zel::field::s16(shortValue));
-constexpr zel::Reply kFlagAndUint = zel::flag(zel::field::u32(uintValue));
+constexpr zel::Reply kByte = zel::value(zel::field::u8(zel::key::ucharValue));
+constexpr zel::Reply kFlagAndByte = zel::flag(zel::field::u8(zel::key::ucharValue));
+constexpr zel::Reply kFlagAndShort = zel::flag(zel::field::s16(zel::key::shortValue));
+constexpr zel::Reply kFlagAndUint = zel::flag(zel::field::u32(zel::key::uintValue));
 
 }  // namespace
 

@@ -39,6 +39,8 @@ struct Capture {
   Make make;
   Refuse refuse;
 };
+template <class Make, class Refuse>
+Capture(Make, Refuse) -> Capture<Make, Refuse>;
 
 auto onePhoto(RequestEngine& engine, const ZELPhotoBlock& photoData) {
   return Capture{[&] { return ZELPhotoDataParser::initWithShutterBlock(engine.mainQueue(), photoData); },

@@ -6,7 +6,8 @@
 namespace zel {
 namespace {
 
-constexpr std::array kRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
+constexpr std::array kSampleRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
+                                     22050, 16000, 12000, 11025, 8000,  7350};
 constexpr std::array kChannels = {0, 1, 2, 3, 4, 5, 6, 8};
 constexpr unsigned kLowComplexity = 2;
 
@@ -18,9 +19,9 @@ std::optional<AudioConfig> parseAudioConfig(std::span<const std::uint8_t> bytes)
   const unsigned word = static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
   const std::size_t rate = word >> 7 & 0xF;
   const std::size_t channels = word >> 3 & 0xF;
-  if (word >> 11 != kLowComplexity || rate >= kRates.size()) return std::nullopt;
+  if (word >> 11 != kLowComplexity || rate >= kSampleRates.size()) return std::nullopt;
   if (channels == 0 || channels >= kChannels.size()) return std::nullopt;
-  return AudioConfig{kRates[rate], kChannels[channels]};
+  return AudioConfig{kSampleRates[rate], kChannels[channels]};
 }
 
 std::optional<std::array<std::uint8_t, 7>> adtsHeaderOf(std::span<const std::uint8_t> config, std::size_t frame) {

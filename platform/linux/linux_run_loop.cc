@@ -55,7 +55,8 @@ LinuxRunLoop::Scope::~Scope() { loopOfThisThread = outer_; }
 
 // The task may release the loop before this call has returned, here and in wakeUp().
 void LinuxRunLoop::perform(Task task) {
-  const auto self = shared_from_this();
+  const auto self = weak_from_this().lock();
+  if (!self) return;  // a task that is destroyed with the loop calls it
   bool isFirst = false;
   {
     const MutexLock lock(mutex_);
@@ -133,7 +134,8 @@ void LinuxRunLoop::runSources() {
 bool LinuxRunLoop::isWaiting() const { return executor_ || sleep_.load() != Sleep::awake; }
 
 void LinuxRunLoop::wakeUp() {
-  const auto self = shared_from_this();
+  const auto self = weak_from_this().lock();
+  if (!self) return;
   if (!beginWaking()) return;
   const auto wake = [this] {
     becomes(Sleep::awake);
@@ -157,7 +159,7 @@ bool LinuxRunLoop::beginWaking() {
 // Also wakes a loop that is about to sleep and has not reported it yet. It takes no memory: what dies while there is
 // none still ends its loop.
 void LinuxRunLoop::nudge() {
-  const auto self = shared_from_this();
+  const auto self = weak_from_this().lock();
   alarm_.ring();
 }
 

@@ -351,5 +351,27 @@ TEST_F(LinuxRunLoopTest, ExecutorRunsSignalledSources) {
   EXPECT_EQ(calls, 1);
 }
 
+// As what an unanswered request holds may do, when the platform goes with the request still on its main queue.
+struct CallsItsLoopWhenDestroyed {
+  explicit CallsItsLoopWhenDestroyed(LinuxRunLoop& called) : loop(called) {}
+  ~CallsItsLoopWhenDestroyed() {
+    loop.perform([] {});
+    loop.wakeUp();
+    loop.stop();
+  }
+  LinuxRunLoop& loop;
+};
+
+TEST(LinuxRunLoopDestructionTest, ATaskThatIsDestroyedWithTheLoopMayCallIt) {
+  auto loop = LinuxRunLoop::create();
+  auto held = std::make_shared<CallsItsLoopWhenDestroyed>(*loop);
+  const std::weak_ptr<CallsItsLoopWhenDestroyed> watched = held;
+  bool hasRun = false;
+  loop->perform([last = std::move(held), &hasRun] { hasRun = true; });
+  loop.reset();
+  EXPECT_TRUE(watched.expired());
+  EXPECT_FALSE(hasRun);
+}
+
 }  // namespace
 }  // namespace zel::platform
