@@ -61,7 +61,7 @@ void GreedyCamera::run() {
 void GreedyCamera::serve() {
   std::array<std::uint8_t, 8> header;
   while (receive(header)) {
-    const std::size_t length = header[0] | header[1] << 8 | header[2] << 16;
+    const auto length = static_cast<std::size_t>(header[0] | header[1] << 8 | header[2] << 16);
     Bytes body(length > header.size() ? length - header.size() : 0);
     if (!receive(body)) return;
     handle(static_cast<std::uint16_t>(header[6] | header[7] << 8));
