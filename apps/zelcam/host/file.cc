@@ -43,6 +43,8 @@ std::string numbered(const std::string& name, int number, std::size_t most) {
   return fileNameWith(name, number == 1 ? "" : fmt::format("-{}", number), most);
 }
 
+constexpr std::size_t kReadAtOnce = 1 << 20;  // bytes of a file whose size is not known
+
 }  // namespace
 
 std::optional<ZELData> readFile(const std::string& path, std::string& error, std::uint64_t most) {
@@ -52,16 +54,24 @@ std::optional<ZELData> readFile(const std::string& path, std::string& error, std
     return std::nullopt;
   }
   const std::uint64_t size = std::filesystem::file_size(path, fault);
-  if (!fault && size > most) {
-    error = fmt::format("{} has {} bytes; one frame to the camera carries {} of them at most", path, size, most);
-    return std::nullopt;
-  }
+  const auto isTooLarge = [&](std::uint64_t bytes) {
+    if (bytes > most)
+      error = fmt::format("{} has {} bytes; one frame to the camera carries {} of them at most", path, bytes, most);
+    return bytes > most;
+  };
+  if (!fault && isTooLarge(size)) return std::nullopt;
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  std::vector<std::uint8_t> bytes;
-  // At once, where that is known: growing would take as much again.
-  if (!fault) bytes.reserve(size);
-  bytes.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  std::vector<std::uint8_t> bytes(fault ? 0 : size);  // at once, because growing would take as much memory again
+  std::size_t held = 0;
+  while (file.peek() != std::ifstream::traits_type::eof()) {
+    if (isTooLarge(held)) return std::nullopt;
+    if (held == bytes.size()) bytes.resize(held + kReadAtOnce);
+    file.read(reinterpret_cast<char*>(bytes.data() + held), static_cast<std::streamsize>(bytes.size() - held));
+    held += static_cast<std::size_t>(file.gcount());
+  }
+  if (isTooLarge(held)) return std::nullopt;
+  bytes.resize(held);
   if (file.is_open() && !file.bad()) return ZELData(std::move(bytes));
   error = faultOf("read", path);
   return std::nullopt;

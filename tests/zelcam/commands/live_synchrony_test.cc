@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/sanitizers.h"
 #include "tests/zelcam/live_test.h"
 #include "tests/zelcam/tick_and_beep.h"
 
@@ -56,6 +57,7 @@ class LiveSynchronyTest : public LiveTest, public testing::WithParamInterface<Sy
 TEST_P(LiveSynchronyTest, TheBeepIsHeardWhenTheLampIsSeen) {
   ASSERT_NO_FATAL_FAILURE(stream());
   const std::vector<double> all = delays();
+  if (all.empty() && kSanitized) GTEST_SKIP() << "too slow here: no beep had its lamp in the file";
   ASSERT_FALSE(all.empty());
   const double median = all[all.size() / 2];
   EXPECT_LE(std::abs(median), GetParam().mostApart);

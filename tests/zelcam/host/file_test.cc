@@ -98,5 +98,16 @@ TEST_F(FileTest, AFileThatIsTooLargeIsNotRead) {
   EXPECT_EQ(error, path + " has 5 bytes; one frame to the camera carries 4 of them at most");
 }
 
+TEST_F(FileTest, AFileWhoseSizeIsNotToldIsReadToItsEnd) {
+  std::string error;
+  const auto read = readFile("/proc/self/status", error);  // a file of 0 bytes, for whom it asks
+  ASSERT_TRUE(read) << error;
+  const std::string text(read->bytes().begin(), read->bytes().end());
+  EXPECT_EQ(text.substr(0, 5), "Name:");
+  EXPECT_EQ(text.back(), '\n');
+  EXPECT_FALSE(readFile("/proc/self/status", error, 10));
+  EXPECT_NE(error.find("one frame to the camera carries 10"), std::string::npos) << error;
+}
+
 }  // namespace
 }  // namespace zel::test
