@@ -99,7 +99,6 @@ TEST_F(FileTest, AFileThatIsTooLargeIsNotRead) {
 }
 
 TEST_F(FileTest, AFileWhoseSizeIsNotToldIsReadToItsEnd) {
-  std::string error;
   const auto read = readFile("/proc/self/status", error);  // a file of 0 bytes, for whom it asks
   ASSERT_TRUE(read) << error;
   const std::string text(read->bytes().begin(), read->bytes().end());
