@@ -14,8 +14,8 @@
 
 namespace {
 
-// How large each file was that the disk was waited for.
-std::vector<std::uint64_t> syncedSizes;
+// How large each file was when this thread waited for the disk. Outputs of other tests have threads of their own.
+thread_local std::vector<std::uint64_t> syncedSizes;
 
 }  // namespace
 
