@@ -80,7 +80,7 @@ class LiveRun {
  private:
   static platform::Ports withCodecs(platform::Ports ports, LiveRun& run) {
     ports.videoDecoders = &run.decoders_;
-    ports.mediaLibrary = &run.library_;
+    ports.mediaLibrary = &run.mediaLibrary_;
     ports.videoEncoders = &run.encoders_;
     return ports;
   }
@@ -154,7 +154,7 @@ class LiveRun {
       "00000000 00000000 00000000 00000000 00000000 00000000 0000000000000000";
 
   platform::ScriptedVideoDecoders decoders_;
-  platform::ScriptedMediaLibrary library_;
+  platform::ScriptedMediaLibrary mediaLibrary_;
   platform::ScriptedVideoEncoders encoders_;
   platform::SimulatedPlatform host_;
   FaultyPorts faulty_{host_.ports()};
