@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string path(zel::asText(input.take(input.byte() % 64)));
     std::size_t number = 0;
     file.sendFileWithType(1, path, ZELData(), [call = calls.expect(number)](const auto&) { call(); });
-    last[sent] = number;
+    if (sent.front() != '\0') last[sent] = number;  // nobody waits for a file whose path comes to nothing
   }
   file.replyAllBlockWithErrorCode(kZELErrorNotConnected);
   host.runUntilIdle();
