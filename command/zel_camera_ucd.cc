@@ -89,8 +89,7 @@ void ZELCameraUCD::sendNotification(std::int64_t type, const std::optional<ZELMe
   engine_->orCount([&] { engine_->notify(type, value); });
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): handlers are passed by value everywhere
 void ZELCameraUCD::sendFileWithType(std::int64_t type, const Text& filePath, const ZELData& fileData,
-                                    ErrorBlock rebackBlock) {
+                                    ErrorBlock rebackBlock) {  // NOLINT(performance-unnecessary-value-param)
   engine_->ucdFile().sendFileWithType(type, filePath, fileData, rebackBlock);
 }
