@@ -42,10 +42,10 @@ preview, and stitches and encodes live video.
 ")
 zel_package(runtime libzeltarkasdk${ZEL_SOVERSION} libs "device framework for 360-degree cameras"
   "${what}This package holds the shared library.")
-zel_package(outputs libzeltarkasdk-outputs${ZEL_SOVERSION} libs "360-degree camera streams to files and servers"
+zel_package(outputs libzeltarkasdkoutputs${ZEL_SOVERSION} libs "360-degree camera streams to files and servers"
   "${what}This package holds the shared library that writes a camera's stream to
 files and servers.")
-zel_package(pictures libzeltarkasdk-pictures${ZEL_SOVERSION} libs "panoramas of 360-degree camera photos"
+zel_package(pictures libzeltarkasdkpictures${ZEL_SOVERSION} libs "panoramas of 360-degree camera photos"
   "${what}This package holds the shared library that makes panoramas of photos.")
 zel_package(development libzeltarkasdk-dev libdevel "device framework for 360-degree cameras (development files)"
   "${what}This package holds the headers, the static libraries, and the files by
@@ -60,7 +60,7 @@ endforeach()
 # The packages' own libraries are of one version; no other package tells of them.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
 set(all)
-foreach(part "" -outputs -pictures)
+foreach(part "" outputs pictures)
   list(APPEND all "libzeltarkasdk${part}${ZEL_SOVERSION} (= ${PROJECT_VERSION})")
 endforeach()
 list(GET all 0 CPACK_DEBIAN_OUTPUTS_PACKAGE_DEPENDS)
