@@ -7,6 +7,12 @@
 #include <memory>
 #include <string>
 
+// Prints why a program ends, and is its exit status.
+inline int fail(const std::string& why) {
+  std::cerr << why << '\n';
+  return 1;
+}
+
 // Opens the camera and waits until its frames arrive; connect_and_print_status.cc shows the steps.
 // Errors: false, and prints why, when no camera is attached or it sends nothing for ten seconds.
 // Thread: main thread, whose main queue it runs.

@@ -11,15 +11,6 @@
 
 #include "connect.h"
 
-namespace {
-
-int fail(const std::string& why) {
-  std::cerr << why << '\n';
-  return 1;
-}
-
-}  // namespace
-
 int main(int count, char** arguments) {
   const auto address = zel::parseOutputAddress(count > 1 ? arguments[1] : "");
   if (count < 3 || count > 5 || !address) return fail("usage: record_to_mp4 FILE.mp4 SECONDS [RESOLUTION [WIDTH]]");

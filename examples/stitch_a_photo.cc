@@ -4,34 +4,25 @@
 //   stitch_a_photo PHOTO.jpg OFFSET PANORAMA.jpg
 
 #include <ZELTarkaSDK/LinuxMedia.h>
-#include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/Panorama.h>
 #include <ZELTarkaSDK/platform/ports.h>
 
 #include <fstream>
-#include <iostream>
 #include <iterator>
 #include <string>
 #include <vector>
 
-namespace {
-
-int fail(const std::string& why) {
-  std::cerr << why << '\n';
-  return 1;
-}
-
-}  // namespace
+#include "connect.h"
 
 int main(int count, char** arguments) {
   if (count != 4) return fail("usage: stitch_a_photo PHOTO.jpg OFFSET PANORAMA.jpg");
   std::ifstream file(arguments[1], std::ios::binary);
   const std::vector<std::uint8_t> photo{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 
-  std::string fault;
-  const auto platform = zel::LinuxPlatform::create({}, fault);
-  if (!platform) return fail(fault);
+  const auto platform = makePlatform();
+  if (!platform) return 1;
   const zel::LinuxMedia media(platform->ports());
+  std::string fault;
   zel::PanoramaMaker maker(*media.ports().mediaLibrary, arguments[2]);
   const auto panorama = maker.panoramaOf(photo, fault);
   if (!panorama) return fault.empty() ? 1 : fail(std::string(arguments[1]) + ": " + fault);

@@ -10,15 +10,6 @@
 
 #include "connect.h"
 
-namespace {
-
-int fail(const std::string& why) {
-  std::cerr << why << '\n';
-  return 1;
-}
-
-}  // namespace
-
 int main(int count, char** arguments) {
   if (count != 2) return fail("usage: take_a_photo FILE.jpg");
   const auto platform = makePlatform();

@@ -21,11 +21,11 @@ namespace zel::test {
 
 #ifdef ZEL_SANITIZED
 inline constexpr bool kSanitized = true;
-inline constexpr bool kKeepsFreedMemory = true;  // so that a process grows; it finds leaks by itself
 #else
 inline constexpr bool kSanitized = false;
-inline constexpr bool kKeepsFreedMemory = false;
 #endif
+// A sanitizer does, so that a process grows; it finds leaks by itself.
+inline constexpr bool kKeepsFreedMemory = kSanitized;
 
 #ifdef ZEL_THREAD_SANITIZED
 inline constexpr bool kThreadSanitized = true;

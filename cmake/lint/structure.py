@@ -92,6 +92,11 @@ def include_graph(root, edges):
                 yield f"{relative}:{number}: {fault}"
 
 
+def public_headers(root):
+    """Public headers by the names that their sources bear."""
+    return {snake(path.stem): path for path in (root / PUBLIC).glob("**/*.h")}
+
+
 def owner_of(path, public):
     """The header of a source, or None. A large class may be split into files whose names begin with its
     name: zel_camera_ucd_files.cc, zel_live_data_source_state.h."""
@@ -108,7 +113,7 @@ def owner_of(path, public):
 
 def file_circles(root, edges):
     """Headers (each with its sources) that include each other in a circle."""
-    public = {snake(path.stem): path for path in (root / PUBLIC).glob("**/*.h")}
+    public = public_headers(root)
     graph = {}
     for path in sources(root):
         if folder_of(path.relative_to(root).as_posix(), edges) is None:
@@ -150,7 +155,7 @@ def snake(name):
 
 
 def pairs_and_mirrors(root):
-    public = {snake(path.stem): path for path in (root / PUBLIC).glob("**/*.h")}
+    public = public_headers(root)
     for folder in CORE:
         for path in sorted((root / folder).glob("*.cc")):
             relative = path.relative_to(root).as_posix()
