@@ -55,8 +55,13 @@ long zel::test::heldBytes() { return static_cast<long>(__sanitizer_get_current_a
   if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
   throw std::bad_alloc();
 }
+// A sanitizer has its own, and what that gives must not come to free().
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return strikes() ? nullptr : std::malloc(size != 0 ? size : 1);
+}
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
 
 #else
 
