@@ -16,17 +16,18 @@ bool assignTo(T& property, const ZELAccessoryDict::mapped_type& value) {
 
 std::shared_ptr<const ZELAccessoryInfo> ZELAccessoryInfo::initWithAccessory(const zel::platform::Accessory& accessory) {
   const auto& description = accessory.description();
-  ZELAccessoryDict dict = {{"connected", accessory.isConnected()},
-                           {"connectionID", description.connectionID},
-                           {"manufacturer", description.manufacturer},
-                           {"name", description.name},
-                           {"modelNumber", description.modelNumber},
-                           {"serialNumber", description.serialNumber},
-                           {"firmwareRevision", description.firmwareRevision},
-                           {"hardwareRevision", description.hardwareRevision},
-                           {"protocolStrings", description.protocolStrings}};
-  if (accessory.foundationVersion() >= kDockTypeFoundationVersion) dict.emplace("dockType", description.dockType);
-  return initWithAccessoryDict(dict);
+  const std::shared_ptr<ZELAccessoryInfo> info(new ZELAccessoryInfo);
+  info->connected_ = accessory.isConnected();
+  info->connectionID_ = description.connectionID;
+  info->manufacturer_ = description.manufacturer;
+  info->name_ = description.name;
+  info->modelNumber_ = description.modelNumber;
+  info->serialNumber_ = description.serialNumber;
+  info->firmwareRevision_ = description.firmwareRevision;
+  info->hardwareRevision_ = description.hardwareRevision;
+  info->protocolStrings_ = description.protocolStrings;
+  if (accessory.foundationVersion() >= kDockTypeFoundationVersion) info->dockType_ = description.dockType;
+  return info;
 }
 
 std::shared_ptr<const ZELAccessoryInfo> ZELAccessoryInfo::initWithAccessoryDict(const ZELAccessoryDict& dict) {
