@@ -39,6 +39,7 @@ def _limited(path, cpu):
 def run(program, environment, wall=None, cpu=None):
     """The result ("passed", "failed", "timed out"), and the end of the output. Runs in a separate folder."""
     with tempfile.TemporaryDirectory(prefix="mutant-") as folder:
+        os.chmod(folder, 0o755)  # a test gives up its rights, and still has to find its files
         own = {**os.environ, "HOME": folder, "TMPDIR": folder, "XDG_RUNTIME_DIR": folder, "XDG_DATA_HOME": folder,
                "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1", **environment}
         with subprocess.Popen(_limited(program.path, cpu), cwd=folder, env=own, stdin=subprocess.DEVNULL,
