@@ -1,0 +1,56 @@
+#include <ZELTarkaSDK/Camera.h>
+#include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+
+#include <utility>
+
+#include "facade/camera_core.h"
+#include "facade/captures.h"
+
+namespace zel {
+
+Pending<Camera> Camera::open(CameraOptions options, const RequestOptions& request) {
+  return CameraCore::open(std::move(options), request);
+}
+
+Camera::Camera(std::shared_ptr<CameraCore> core) { core_ = std::move(core); }
+
+Camera& Camera::operator=(Camera&& other) noexcept {
+  if (this == &other) return *this;
+  if (core_) core_->close();
+  core_ = std::move(other.core_);
+  return *this;
+}
+
+Camera::~Camera() {
+  if (core_) core_->close();
+}
+
+std::shared_ptr<const ZELAccessoryInfo> Camera::info() const { return core_->stack().accessory().accessoryInfo(); }
+LinkStatus Camera::linkStatus() const { return core_->stack().accessory().linkStatus(); }
+LinkStatistics Camera::statistics() const { return core_->stack().statistics(); }
+CameraStack& Camera::stack() { return core_->stack(); }
+
+Pending<Photo> Camera::photo(const CaptureOptions& options, const RequestOptions& request) {
+  return core_ ? takePhoto(core_, options, request) : nowhere<Photo>();
+}
+
+Pending<PhotoSeries> Camera::bracket(const std::vector<std::int8_t>& steps, const CaptureOptions& options,
+                                     const RequestOptions& request) {
+  return core_ ? takeBracket(core_, steps, options, request) : nowhere<PhotoSeries>();
+}
+
+Pending<void> Camera::upload(std::int64_t type, const std::string& path, const ZELData& content,
+                             std::function<void(const TransferProgress&)> progress, const RequestOptions& request) {
+  return core_ ? uploadFile(core_, type, path, content, std::move(progress), request) : nowhere<void>();
+}
+
+Subscription<Event> Camera::events(const SubscriptionOptions& options) {
+  return Subscription<Event>(core_->subscribe(core_->events, options));
+}
+
+Subscription<LinkStatus> Camera::linkChanges(const SubscriptionOptions& options) {
+  return Subscription<LinkStatus>(core_->subscribe(core_->linkChanges, options));
+}
+
+}  // namespace zel

@@ -1,0 +1,299 @@
+#include "facade/camera_core.h"
+
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
+#include <ZELTarkaSDK/ZELCameraUCD.h>
+#include <ZELTarkaSDK/ZELMessageKeys.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <stop_token>
+
+namespace zel {
+namespace {
+
+using Reason = CameraError::Reason;
+
+constexpr double kLateAnswer = 2;     // seconds that an answer is waited for when its caller no longer does
+constexpr double kLookPeriod = 0.25;  // seconds
+constexpr double kFirstPause = 1, kLongestPause = 4;
+
+const CameraError kClosed{Reason::closed, "the camera object was destroyed"};
+
+std::int64_t numberOf(const ZELMessageFields& fields, std::initializer_list<std::string_view> keys) {
+  for (const std::string_view name : keys) {
+    if (const auto* value = fields.find<std::int32_t>(name)) return *value;
+    if (const auto* value = fields.find<std::uint32_t>(name)) return *value;
+    if (const auto* value = fields.find<std::uint64_t>(name)) return static_cast<std::int64_t>(*value);
+  }
+  return 0;
+}
+
+Event eventOf(std::int64_t type, const std::optional<ZELMessageFields>& value) {
+  Event event{static_cast<ZELCameraEvent>(type)};
+  if (!value) return event;
+  event.numbers = {numberOf(*value, {key::intValue, key::uintValue}),
+                   numberOf(*value, {key::intValue2, key::uintValue2, key::uint64Value}),
+                   numberOf(*value, {key::uintValue3})};
+  event.text = value->get<std::string>(key::nsString);
+  event.failed = value->find<ZELError>(key::nsError) != nullptr;
+  return event;
+}
+
+}  // namespace
+
+CameraError errorOf(std::string_view name, const ZELError& error) {
+  const auto made = [&](Reason reason, std::string_view why) {
+    return CameraError{reason, fmt::format("{}: {}", name, why), error.domain, error.code};
+  };
+  switch (error.code) {
+    case kZELErrorNotConnected:
+      return made(Reason::lost, "the camera is not connected");
+    case kZELErrorOldFirmware:
+      return made(Reason::oldFirmware, "the camera's firmware is too old");
+    default:
+      return made(Reason::refused, "the camera refused, or its answer cannot be read");
+  }
+}
+
+// Hands the camera's events on.
+class CameraCore::Receiver final : public ZELCameraNotificationProtocol {
+ public:
+  explicit Receiver(CameraCore& core) : core_(core.weak_from_this()) {}
+  void notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value) override {
+    const auto core = core_.lock();
+    if (core) core->events.publish(eventOf(type, value));
+  }
+
+ private:
+  const std::weak_ptr<CameraCore> core_;
+};
+
+CameraCore::CameraCore(CameraOptions options) : options_(std::move(options)) {}
+CameraCore::~CameraCore() { close(); }
+
+// -- Opening
+
+Pending<Camera> CameraCore::open(CameraOptions options, const RequestOptions& request) {
+  const auto core = std::make_shared<CameraCore>(std::move(options));
+  std::string error;
+  core->host_ = CameraHost::create(
+      core->options_,
+      [weak = core->weak_from_this()](const CameraInUse& camera) {
+        if (const auto self = weak.lock()) self->noteInUse(camera);
+      },
+      error);
+  if (!core->host_) {
+    const auto failed = std::make_shared<detail::PendingState<Camera>>([](const std::function<void()>& run) { run(); });
+    failed->set(CameraError{Reason::platform, error});
+    return Pending<Camera>(failed);
+  }
+  const platform::Ports& ports = core->host_->ports();
+  core->mainQueue_ = std::make_shared<MainQueueExecutor>(ports.queues.mainQueue());
+  core->deadlines_ = std::make_shared<Deadlines>(ports);
+  core->executor_ = [queue = core->mainQueue_](std::function<void()> call) { queue->post(std::move(call)); };
+  if (core->options_.executor) {
+    core->executor_ = [executor = core->options_.executor](std::function<void()> call) {
+      executor([call = std::move(call)] {
+        const CallbackScope scope;
+        call();
+      });
+    };
+  }
+  auto opening = std::make_shared<detail::PendingState<Camera>>(core->executor_);
+  core->start(opening, request);
+  return Pending<Camera>(opening);
+}
+
+void CameraCore::start(std::shared_ptr<detail::PendingState<Camera>> opening, const RequestOptions& request) {
+  stack_ = std::make_unique<CameraStack>(host_->ports(), options_.serialNumber);
+  stack_->ucd().addCameraNotificationReceiver(std::make_shared<Receiver>(*this));
+  statusObservation_ = stack_->accessory().observeStatus([weak = weak_from_this()](std::uint64_t status) {
+    if (const auto self = weak.lock()) self->statusChanged(LinkStatus{status});
+  });
+  opening->setCancel([weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->failOpening({Reason::cancelled, "the opening was cancelled"});
+  });
+  RequestOptions limit = request;
+  if (limit.timeLimit.count() <= 0) limit.timeLimit = options_.openTimeLimit;
+  const auto self = shared_from_this();
+  {
+    const std::lock_guard lock(mutex_);
+    opening_ = std::move(opening);
+    // It holds the core as long as nobody else does: the opening ends in any case.
+    openingWatch_ = watch(limit, [self](const CameraError& why) { self->failOpening(self->whyNotOpen(why)); });
+  }
+  host_->ports().queues.mainQueue().post([self] {
+    self->withStack([](CameraStack& stack) { stack.accessory().openCamera(); });
+    self->look();
+  });
+}
+
+void CameraCore::statusChanged(LinkStatus status) {
+  linkChanges.publish(status);
+  if (status != LinkStatus::open && status != LinkStatus::flowing) return;
+  ifMemoryAllows([this, status] {
+    mainQueue_->post([self = shared_from_this(), status] {
+      if (status == LinkStatus::flowing) self->finishOpening();
+      if (status == LinkStatus::open) self->askForMarker();
+    });
+  });
+}
+
+// At once, instead of with the next look of the link at itself, which is up to a second later.
+void CameraCore::askForMarker() {
+  withStack([](CameraStack& stack) {
+    if (stack.accessory().linkStatus() != LinkStatus::open) return;
+    stack.ucd().msgReqSendSyncData(ZELData(std::span<const std::uint8_t>(dataSynchronismValue)), nullptr);
+  });
+}
+
+std::shared_ptr<detail::PendingState<Camera>> CameraCore::takeOpening() {
+  std::shared_ptr<void> watch;  // destroyed without the lock
+  const std::lock_guard lock(mutex_);
+  watch = std::move(openingWatch_);
+  return std::exchange(opening_, nullptr);
+}
+
+void CameraCore::finishOpening() {
+  if (const auto opening = takeOpening()) opening->set(Camera(shared_from_this()));
+}
+
+void CameraCore::failOpening(const CameraError& why) {
+  const auto opening = takeOpening();
+  if (!opening) return;
+  close();
+  opening->set(why);
+}
+
+// Why no frame came within the time limit.
+CameraError CameraCore::whyNotOpen(const CameraError& why) {
+  if (why.reason != Reason::timeLimit) return {why.reason, "the opening was cancelled"};
+  std::shared_ptr<const ZELAccessoryInfo> info;
+  withStack([&](CameraStack& stack) { info = stack.accessory().accessoryInfo(); });
+  if (info) return {Reason::silent, "the camera " + info->serialNumber() + " is attached but sent nothing in time"};
+  const std::string which = options_.serialNumber.empty() ? "no camera" : "no camera " + options_.serialNumber;
+  const std::string where = host_ ? host_->busFolder() : std::string();
+  return {Reason::noCamera, which + " was attached in time" + (where.empty() ? "" : "; looked in " + where)};
+}
+
+void CameraCore::noteInUse(const CameraInUse& camera) {
+  mainQueue_->post([weak = weak_from_this(), words = camera.inWords()] {
+    const auto self = weak.lock();
+    if (!self) return;
+    bool hasOther = false;
+    self->withStack([&](CameraStack& stack) { hasOther = stack.accessory().accessoryInfo() != nullptr; });
+    if (!hasOther) self->failOpening({Reason::inUse, words});
+  });
+}
+
+// -- The link is opened again where it does not heal by itself: the camera is attached and has no session, or its frames
+// have stopped.
+
+bool CameraCore::isAttached() {
+  const auto accessories = host_->ports().accessories.connectedAccessories();
+  return std::ranges::any_of(accessories, [&](const auto& one) {
+    return options_.serialNumber.empty() || one->description().serialNumber == options_.serialNumber;
+  });
+}
+
+void CameraCore::look() {
+  const bool isOpen = withStack([this](CameraStack& stack) {
+    const LinkStatus status = stack.accessory().linkStatus();
+    const double now = deadlines_->now();
+    if (status == LinkStatus::flowing || pause_ == 0) pause_ = kFirstPause;
+    const bool isBroken = status == LinkStatus::silent || (status == LinkStatus::closed && isAttached());
+    if (!isBroken) brokenSince_ = 0;
+    if (isBroken && brokenSince_ == 0) brokenSince_ = now;
+    if (!isBroken || now - brokenSince_ < pause_) return;
+    brokenSince_ = 0;
+    pause_ = std::min(2 * pause_, kLongestPause);
+    stack.accessory().openCamera();
+  });
+  if (!isOpen) return;
+  deadlines_->add(deadlines_->now() + kLookPeriod, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->look();
+  });
+}
+
+// -- The end
+
+bool CameraCore::withStack(const std::function<void(CameraStack&)>& call) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (isClosed_) return false;
+    ++users_;
+  }
+  call(*stack_);
+  const std::lock_guard lock(mutex_);
+  if (--users_ == 0) unused_.notify_all();
+  return true;
+}
+
+void CameraCore::close() {
+  {
+    std::unique_lock lock(mutex_);
+    if (std::exchange(isClosed_, true)) return;
+    unused_.wait(lock, [this] { return users_ == 0; });
+  }
+  if (!stack_) return;
+  lines_->failAll(kClosed);
+  events.end(kClosed);
+  linkChanges.end(kClosed);
+  statusObservation_.reset();
+  stack_.reset();
+  host_->ports().queues.mainQueue().post([deadlines = deadlines_] { deadlines->close(); });
+  mainQueue_->close();
+  host_.reset();
+}
+
+// -- Requests
+
+RequestOptions CameraCore::withLimit(const RequestOptions& options) const {
+  RequestOptions with = options;
+  if (with.timeLimit.count() <= 0) with.timeLimit = options_.timeLimit;
+  return with;
+}
+
+void CameraCore::giveUp(RequestLines::Id id, std::string_view name, const CameraError& why) {
+  CameraError told = why;
+  const bool isLate = why.reason == Reason::timeLimit;
+  told.message = fmt::format("{}: {}", name, isLate ? "the camera did not answer in time" : "cancelled");
+  if (!lines_->giveUp(id, told)) return;
+  deadlines_->add(deadlines_->now() + kLateAnswer, [lines = lines_, id] { lines->letGo(id); });
+}
+
+namespace {
+
+// A time limit and a stop token at work.
+struct Watch {
+  using Stop = std::stop_callback<std::function<void()>>;
+
+  ~Watch() {
+    if (deadline != 0) deadlines->remove(deadline);
+  }
+  std::shared_ptr<Deadlines> deadlines;
+  Deadlines::Id deadline = 0;
+  std::optional<Stop> stop;
+};
+
+}  // namespace
+
+std::shared_ptr<void> CameraCore::watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) {
+  auto made = std::make_shared<Watch>();
+  made->deadlines = deadlines_;
+  if (options.timeLimit.count() > 0) {
+    const double seconds = std::chrono::duration<double>(options.timeLimit).count();
+    made->deadline = deadlines_->add(deadlines_->now() + seconds, [giveUp] {
+      giveUp({Reason::timeLimit, "nothing came in time"});
+    });
+  }
+  if (options.stop.stop_possible()) {
+    made->stop.emplace(options.stop, [queue = mainQueue_, giveUp] {
+      queue->post([giveUp] { giveUp({Reason::cancelled, "the wait was cancelled"}); });
+    });
+  }
+  return made;
+}
+
+}  // namespace zel

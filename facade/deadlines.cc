@@ -1,0 +1,82 @@
+#include "facade/deadlines.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace zel {
+namespace {
+
+constexpr double kShortest = 0.001;  // a timer's period is above zero
+
+}  // namespace
+
+Deadlines::Id Deadlines::add(double time, std::function<void()> call) {
+  Id id = 0;
+  {
+    const MutexLock lock(mutex_);
+    id = next_++;
+    if (isClosed_) return id;
+    calls_.emplace(Due{time, id}, std::move(call));
+    times_.emplace(id, time);
+    // A timer that comes too early finds nothing due and is set again: most calls are removed before their time.
+    if (time >= armed_) return id;
+    armed_ = time;
+  }
+  ports_.queues.mainQueue().post([weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->arm();
+  });
+  return id;
+}
+
+void Deadlines::remove(Id id) {
+  std::function<void()> call;  // destroyed without the lock
+  const MutexLock lock(mutex_);
+  const auto time = times_.find(id);
+  if (time == times_.end()) return;
+  const auto found = calls_.find(Due{time->second, id});
+  call = std::move(found->second);
+  calls_.erase(found);
+  times_.erase(time);
+}
+
+void Deadlines::close() {
+  std::map<Due, std::function<void()>> calls;
+  {
+    const MutexLock lock(mutex_);
+    isClosed_ = true;
+    calls.swap(calls_);
+    times_.clear();
+  }
+  timer_.reset();
+}
+
+void Deadlines::arm() {
+  double time = kNever;
+  {
+    const MutexLock lock(mutex_);
+    if (!isClosed_ && !calls_.empty()) time = calls_.begin()->first.first;
+    armed_ = time;
+  }
+  timer_.reset();
+  if (time == kNever) return;
+  timer_ = ports_.threads.currentRunLoop().scheduleRepeating(std::max(time - now(), kShortest), [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->fire();
+  });
+}
+
+void Deadlines::fire() {
+  std::vector<std::function<void()>> due;
+  {
+    const MutexLock lock(mutex_);
+    const double time = now();
+    while (!calls_.empty() && calls_.begin()->first.first <= time) {
+      times_.erase(calls_.begin()->first.second);
+      due.push_back(std::move(calls_.begin()->second));
+      calls_.erase(calls_.begin());
+    }
+  }
+  for (const auto& call : due) call();
+  arm();
+}
+
+}  // namespace zel

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <ZELTarkaSDK/platform/ports.h>
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "base/mutex.h"
+
+namespace zel {
+
+// Calls functions at their times, on the main queue, with one timer for all.
+//
+// Units:  seconds of the clock's steady time.
+// Owner:  held by shared pointers; the ports must outlive the last call. close() before the main queue ends.
+// Thread: any thread.
+class Deadlines : public std::enable_shared_from_this<Deadlines> {
+ public:
+  using Id = std::uint64_t;
+
+  explicit Deadlines(const platform::Ports& ports) : ports_(ports) {}
+
+  Id add(double time, std::function<void()> call);
+  // Afterwards its call does not begin.
+  void remove(Id id);
+  // Drops all of them; none is taken any more.
+  // Thread: main queue, or any once that has ended.
+  void close();
+
+  double now() const { return ports_.clock.steadyTime(); }
+
+ private:
+  using Due = std::pair<double, Id>;
+
+  void arm();
+  void fire();
+
+  const platform::Ports ports_;
+  Mutex mutex_;
+  std::map<Due, std::function<void()>> calls_ ZEL_GUARDED_BY(mutex_);
+  std::map<Id, double> times_ ZEL_GUARDED_BY(mutex_);
+  Id next_ ZEL_GUARDED_BY(mutex_) = 1;
+  double armed_ ZEL_GUARDED_BY(mutex_) = kNever;  // the time that the timer is set to, or will be
+  bool isClosed_ ZEL_GUARDED_BY(mutex_) = false;
+  std::unique_ptr<platform::Timer> timer_;  // main queue only
+
+  static constexpr double kNever = std::numeric_limits<double>::infinity();
+};
+
+}  // namespace zel

@@ -1,0 +1,82 @@
+#include "facade/request_lines.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zel {
+
+RequestLines::Id RequestLines::nextId() {
+  const MutexLock lock(mutex_);
+  return next_++;
+}
+
+void RequestLines::add(std::string_view kind, Id id, Request request) {
+  std::function<void()> send;
+  std::shared_ptr<const CameraError> end;
+  {
+    const MutexLock lock(mutex_);
+    end = end_;
+    if (!end) {
+      Line& line = lines_[kind];
+      kinds_.emplace(id, kind);
+      line.push_back({id, std::move(request), line.empty()});
+      if (line.size() == 1) send = line.front().request.send;
+    }
+  }
+  if (end) return request.fail(*end);
+  if (send) send();
+}
+
+void RequestLines::answered(Id id) {
+  Entry done;  // destroyed without the lock
+  std::function<void()> send;
+  {
+    const MutexLock lock(mutex_);
+    const auto kind = kinds_.find(id);
+    if (kind == kinds_.end()) return;
+    Line& line = lines_[kind->second];
+    kinds_.erase(kind);
+    const auto found = std::ranges::find(line, id, &Entry::id);
+    done = std::move(*found);
+    line.erase(found);
+    if (!line.empty() && !std::exchange(line.front().isSent, true)) send = line.front().request.send;
+  }
+  if (send) send();
+}
+
+bool RequestLines::giveUp(Id id, const CameraError& why) {
+  Request given;  // destroyed without the lock
+  bool isSent = false;
+  {
+    const MutexLock lock(mutex_);
+    const auto kind = kinds_.find(id);
+    if (kind == kinds_.end()) return false;
+    Line& line = lines_[kind->second];
+    const auto found = std::ranges::find(line, id, &Entry::id);
+    given = std::move(found->request);
+    isSent = found->isSent;
+    if (!isSent) {
+      line.erase(found);
+      kinds_.erase(kind);
+    }
+  }
+  if (given.fail) given.fail(why);
+  return isSent && given.fail;
+}
+
+void RequestLines::failAll(const CameraError& why) {
+  std::map<std::string_view, Line> lines;
+  {
+    const MutexLock lock(mutex_);
+    end_ = std::make_shared<const CameraError>(why);
+    lines.swap(lines_);
+    kinds_.clear();
+  }
+  for (const auto& [kind, line] : lines) {
+    for (const Entry& entry : line) {
+      if (entry.request.fail) entry.request.fail(why);
+    }
+  }
+}
+
+}  // namespace zel

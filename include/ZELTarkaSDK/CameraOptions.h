@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include <ZELTarkaSDK/Pending.h>
+#include <ZELTarkaSDK/platform/export.h>
+
+namespace zel {
+
+namespace platform {
+struct Ports;
+}
+
+// Which camera is opened, and what it runs on.
+struct ZEL_EXPORT CameraOptions {
+  // The one camera; empty takes the first that is attached.
+  std::string serialNumber = {};
+
+  // For the opening, for photos and files, and for every other request: where a call sets none of its own.
+  std::chrono::milliseconds openTimeLimit{10'000};
+  std::chrono::milliseconds transferTimeLimit{60'000};
+  std::chrono::milliseconds timeLimit{5'000};
+
+  // Runs callbacks and coroutines. Empty: the camera's own thread does.
+  //
+  // Owner: it must run what it is given, or destroy it, also after the camera object is gone.
+  Executor executor = {};
+
+  // The host's own ports instead of Linux's, for another platform or for tests. They must outlive the camera, and the
+  // host runs their main queue: get() must not be called there.
+  const platform::Ports* ports = nullptr;
+
+  // -- Of the camera's own platform on Linux, see LinuxPlatform::Options and LinuxMedia::Options.
+  std::string accessoriesFolder = {};
+  std::string program = {};
+  int decoderThreads = 1;
+  std::function<void(const std::string&)> warn = {};
+};
+
+}  // namespace zel

@@ -1,0 +1,229 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include <ZELTarkaSDK/Pending.h>
+#include <ZELTarkaSDK/platform/export.h>
+
+namespace zel {
+
+// How much a subscription keeps for a host that does not keep up.
+struct SubscriptionOptions {
+  enum class Drop { oldest, newest };
+
+  std::size_t capacity = 16;  // at least 1
+  Drop drop = Drop::oldest;   // where it is full
+};
+
+namespace detail {
+
+// Ends waits in time.
+class ZEL_EXPORT Patience {
+ public:
+  virtual ~Patience() = default;
+  // Calls giveUp once, when the time limit is over or the stop is requested, until what it returns is destroyed.
+  // A time limit of zero is none. giveUp: on any thread, and never inside this call.
+  virtual std::shared_ptr<void> watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) = 0;
+};
+
+// Lets one call at a time through, on any thread, until it is closed.
+class ZEL_EXPORT DeliveryGate {
+ public:
+  // False once it is closed; otherwise leave() must follow.
+  bool enter();
+  void leave();
+  // After it no call begins. Waits for the one in progress, except inside a callback: that call is then the last.
+  void close();
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable left_;
+  bool isInside_ = false, isClosed_ = false;
+};
+
+// What a subscription and its source share.
+template <class T>
+class SubscriptionState final : public std::enable_shared_from_this<SubscriptionState<T>> {
+ public:
+  SubscriptionState(const SubscriptionOptions& options, Executor executor, std::shared_ptr<Patience> patience)
+      : options_(options), executor_(std::move(executor)), patience_(std::move(patience)) {}
+
+  // What the end of the subscription does at its source. Set before it is handed out.
+  void setRelease(std::function<void()> release) { release_ = std::move(release); }
+
+  // The next one, from its source. Thread: any thread.
+  void push(T item) {
+    std::unique_lock lock(mutex_);
+    if (end_) return;
+    if (!waiting_.empty()) {
+      const auto first = std::move(waiting_.front());
+      waiting_.pop_front();
+      lock.unlock();
+      first.pending->set(std::move(item));
+      return;
+    }
+    if (items_.size() >= options_.capacity) {
+      ++dropped_;
+      if (options_.drop == SubscriptionOptions::Drop::newest) return;
+      items_.pop_front();
+    }
+    items_.push_back(std::move(item));
+    schedule(lock);
+  }
+
+  // Nothing follows any more; what is kept can still be taken. Thread: any thread.
+  void end(const CameraError& why) {
+    std::deque<Waiting> waiting;
+    {
+      const std::lock_guard lock(mutex_);
+      if (!end_) end_ = why;
+      waiting.swap(waiting_);
+    }
+    for (const Waiting& one : waiting) one.pending->set(why);
+  }
+
+  Pending<T> next(const RequestOptions& options) {
+    const auto pending = std::make_shared<PendingState<T>>(executor_);
+    const auto giveUp = [weak = this->weak_from_this(), pending](const CameraError& why) {
+      if (const auto self = weak.lock()) self->forget(pending);
+      pending->set(why);
+    };
+    pending->setCancel([giveUp] { giveUp({CameraError::Reason::cancelled, "the wait was cancelled"}); });
+    std::unique_lock lock(mutex_);
+    if (!items_.empty()) {
+      pending->set(std::move(items_.front()));
+      items_.pop_front();
+    } else if (end_) {
+      pending->set(*end_);
+    } else {
+      waiting_.push_back({pending, patience_->watch(options, giveUp)});
+    }
+    return Pending<T>(pending);
+  }
+
+  void each(std::function<void(const T&)> callback) {
+    std::unique_lock lock(mutex_);
+    callback_ = std::make_shared<std::function<void(const T&)>>(std::move(callback));
+    schedule(lock);
+  }
+
+  std::uint64_t dropped() const {
+    const std::lock_guard lock(mutex_);
+    return dropped_;
+  }
+
+  // The subscription's own end.
+  void close() {
+    end({CameraError::Reason::closed, "the subscription has ended"});
+    gate_.close();
+    if (const auto release = std::exchange(release_, nullptr)) release();
+  }
+
+ private:
+  struct Waiting {
+    std::shared_ptr<PendingState<T>> pending;
+    std::shared_ptr<void> watch;
+  };
+
+  void schedule(std::unique_lock<std::mutex>& lock) {
+    if (!callback_ || isScheduled_ || items_.empty()) return;
+    isScheduled_ = true;
+    lock.unlock();
+    executor_([self = this->shared_from_this()] { self->deliver(); });
+  }
+
+  void deliver() {
+    while (const auto item = take()) {
+      if (!gate_.enter()) return;
+      (*callback_)(*item);
+      gate_.leave();
+    }
+  }
+
+  std::optional<T> take() {
+    const std::lock_guard lock(mutex_);
+    isScheduled_ = !items_.empty();
+    if (items_.empty()) return std::nullopt;
+    std::optional<T> item(std::move(items_.front()));
+    items_.pop_front();
+    return item;
+  }
+
+  void forget(const std::shared_ptr<PendingState<T>>& pending) {
+    Waiting found;  // destroyed without the lock
+    const std::lock_guard lock(mutex_);
+    for (auto one = waiting_.begin(); one != waiting_.end(); ++one) {
+      if (one->pending != pending) continue;
+      found = std::move(*one);
+      waiting_.erase(one);
+      return;
+    }
+  }
+
+  const SubscriptionOptions options_;
+  const Executor executor_;
+  const std::shared_ptr<Patience> patience_;
+  std::function<void()> release_;
+  DeliveryGate gate_;
+  mutable std::mutex mutex_;
+  std::deque<T> items_;
+  std::deque<Waiting> waiting_;
+  std::shared_ptr<std::function<void(const T&)>> callback_;
+  std::optional<CameraError> end_;
+  std::uint64_t dropped_ = 0;
+  bool isScheduled_ = false;
+};
+
+}  // namespace detail
+
+// What goes on at a camera, one thing after the other: taken with next(), or handed to a callback with each(). It keeps
+// a bounded number of them, counts those that it had to drop, and ends with this object.
+//
+//   auto events = camera.events();
+//   while (const auto event = events.next().get()) ...
+//
+// Thread: any thread. After the destructor, and after close(), the callback neither runs nor is running; inside a
+//         callback they do not wait, and a call in progress on another thread is the last.
+template <class T>
+class [[nodiscard]] Subscription {
+ public:
+  explicit Subscription(std::shared_ptr<detail::SubscriptionState<T>> state) : state_(std::move(state)) {}
+  Subscription(Subscription&&) noexcept = default;
+  Subscription& operator=(Subscription&& other) noexcept {
+    if (this != &other) {
+      close();
+      state_ = std::move(other.state_);
+    }
+    return *this;
+  }
+  ~Subscription() { close(); }
+
+  // The next one. Without a time limit it waits as long as the subscription lives.
+  //
+  // Errors: why nothing follows any more; `timeLimit`, `cancelled`.
+  Pending<T> next(const RequestOptions& options = {}) { return state_->next(options); }
+
+  // Hands every one to the callback, from now on and where the camera's callbacks run. Once only, and instead of next().
+  void each(std::function<void(const T&)> callback) { state_->each(std::move(callback)); }
+
+  // How many were dropped because there was no room.
+  std::uint64_t dropped() const { return state_->dropped(); }
+
+  // Ends it. What is kept is gone.
+  void close() {
+    if (state_) state_->close();
+  }
+
+ private:
+  std::shared_ptr<detail::SubscriptionState<T>> state_;
+};
+
+}  // namespace zel

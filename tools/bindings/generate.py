@@ -1,0 +1,140 @@
+#!/usr/bin/env python3
+"""Writes the declarations of all requests, in every language, from bindings/requests.toml.
+
+usage: generate.py [--check]
+
+With --check it writes nothing, and ends with 1 where a file is not what it would write.
+"""
+import sys
+import tomllib
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+WIDTH = 120
+NOTE = "made from bindings/requests.toml by tools/bindings/generate.py"
+
+CPP = {"switch": "bool", "text": "const std::string&", "text?": "std::optional<std::string>", "bytes": "const ZELData&",
+       "bytes?": "std::optional<ZELData>"}
+CPP |= {f"u{bits}": f"std::uint{bits}_t" for bits in (8, 16, 32, 64)} | {f"s{bits}": f"std::int{bits}_t" for bits in (8, 16, 32, 64)}
+
+
+def wrapped(text, prefix):
+    """A comment of lines that are no longer than the project's."""
+    lines, line = [], prefix
+    for word in text.split():
+        if len(line) + 1 + len(word) > WIDTH and line != prefix:
+            lines.append(line)
+            line = prefix
+        line += f" {word}"
+    return [*lines, line]
+
+
+def cpp_value(kind):
+    return CPP.get(kind, kind).removeprefix("const ").removesuffix("&")
+
+
+def cpp_parameter(argument):
+    kind = argument["type"]
+    by_reference = kind not in CPP or kind.endswith("?")
+    return f"const {CPP.get(kind, kind)}&" if by_reference else CPP[kind]
+
+
+def told(entry):
+    return f"{entry['name']}: {entry['does']}"
+
+
+# -- C++
+
+def cpp_structures(table):
+    out = ["#pragma once", "", "#include <cstdint>", "#include <optional>", "#include <string>", "",
+           "#include <ZELTarkaSDK/platform/export.h>", "", f"// What requests give; {NOTE}.", "", "namespace zel {", ""]
+    for name, structure in table["structure"].items():
+        out += [f"// {structure['does']}", f"struct ZEL_EXPORT {name} {{"]
+        members = [(cpp_value(one["type"]), one) for one in structure["members"]]
+        for kind, one in members:
+            initial = " = {}" if kind.startswith("std::optional") else " = 0"
+            comment = f"  // {one['does']}" if "does" in one else ""
+            out.append(f"  {kind} {one['name']}{initial};{comment}")
+        out += ["", f"  bool operator==(const {name}&) const = default;", "};", ""]
+    return "\n".join([*out, "}  // namespace zel", ""])
+
+
+def cpp_declaration(request, owner=""):
+    gives = cpp_value(request["gives"]) if "gives" in request else "void"
+    parameters = [f"{cpp_parameter(one)} {one['name']}" for one in request.get("arguments", [])]
+    options = "const RequestOptions& options" + ("" if owner else " = {}")
+    head = f"Pending<{gives}> {owner}{request['name']}("
+    return head + ", ".join([*parameters, options]) + ")"
+
+
+def cpp_header(table):
+    out = ["#pragma once", "", "#include <cstdint>", "#include <optional>", "#include <string>", "",
+           "#include <ZELTarkaSDK/CameraValues.h>", "#include <ZELTarkaSDK/Pending.h>",
+           "#include <ZELTarkaSDK/ZELCameraRecords.h>", "#include <ZELTarkaSDK/ZELData.h>",
+           "#include <ZELTarkaSDK/platform/export.h>", "", "namespace zel {", "",
+           f"// Every request that a camera answers, as a call each; {NOTE}.", "//",
+           "// Requests of one kind wait for each other; those of different kinds do not. Numbers whose meaning only the camera",
+           "// knows are passed through.", "//",
+           "// Thread: any thread.", "//",
+           "// Errors: `lost` without a link, `refused` by the camera, `timeLimit`, `cancelled`, and `closed` once the camera object",
+           "//         is destroyed.", "class ZEL_EXPORT CameraRequests {", " public:"]
+    for request in table["request"]:
+        text = " ".join([request["does"], *(f"{told(one)}." for one in request.get("arguments", []) if "does" in one)])
+        out += wrapped(text, "  //")
+        out += [f"  {cpp_declaration(request)};", ""]
+    out += [" protected:", "  CameraRequests() = default;", "  ~CameraRequests() = default;",
+            "  CameraRequests(const CameraRequests&) = default;", "  CameraRequests& operator=(const CameraRequests&) = default;",
+            "  CameraRequests(CameraRequests&&) noexcept = default;",
+            "  CameraRequests& operator=(CameraRequests&&) noexcept = default;",
+            "  std::shared_ptr<CameraCore> core_;", "};", "", "}  // namespace zel", ""]
+    text = "\n".join(out)
+    return text.replace("namespace zel {\n", "namespace zel {\n\nclass CameraCore;\n", 1).replace(
+        "#include <optional>", "#include <memory>\n#include <optional>", 1)
+
+
+def cpp_source(table):
+    out = [f"// {NOTE[0].upper()}{NOTE[1:]}.", "", "#include <ZELTarkaSDK/CameraRequests.h>",
+           "#include <ZELTarkaSDK/ZELCameraManager.h>", "#include <ZELTarkaSDK/ZELCameraUCD.h>", "",
+           '#include "facade/ask.h"', "", "namespace zel {", ""]
+    for request in table["request"]:
+        out.append(f"{cpp_declaration(request, 'CameraRequests::')} {{")
+        owner, _, call = request["calls"].rpartition(".")
+        function = f"&ZELCamera{'Manager' if owner else 'UCD'}::{call}"
+        given = "".join(f", {one['name']}" for one in request.get("arguments", []))
+        gives = cpp_value(request["gives"]) if "gives" in request else "void"
+        how = "ask" if request.get("answered", True) else "tell"
+        kind = f"<{gives}>" if how == "ask" else ""
+        out += [f"  return {how}{kind}(core_, {{\"{request['name']}\", \"{request['row']}\"}}, options, {function}{given});", "}", ""]
+    return "\n".join([*out, "}  // namespace zel", ""])
+
+
+def formatted(name, text):
+    """As clang-format would have it, so that the lint finds nothing in it."""
+    import subprocess
+    done = subprocess.run(["clang-format", f"--assume-filename={ROOT / name}"], input=text, capture_output=True, text=True,
+                          check=True, cwd=ROOT)
+    return done.stdout
+
+
+FILES = {"include/ZELTarkaSDK/CameraValues.h": cpp_structures, "include/ZELTarkaSDK/CameraRequests.h": cpp_header,
+         "facade/camera_requests.cc": cpp_source}
+
+
+def main():
+    table = tomllib.loads((ROOT / "bindings/requests.toml").read_text())
+    stale = []
+    for name, make in FILES.items():
+        text = formatted(name, make(table))
+        path = ROOT / name
+        if path.exists() and path.read_text() == text:
+            continue
+        stale.append(name)
+        if "--check" not in sys.argv[1:]:
+            path.write_text(text)
+    for name in stale:
+        print(f"generate.py: {name} {'is not what the table says' if '--check' in sys.argv[1:] else 'is written'}")
+    return 1 if stale and "--check" in sys.argv[1:] else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
