@@ -68,7 +68,8 @@ Pending<T> ask(const std::shared_ptr<CameraCore>& core, const RequestKind& kind,
                             [&]<std::size_t... at>(std::index_sequence<at...>) {
                               (asking::objectOf(stack, which).*function)(
                                   asking::as<std::tuple_element_t<at, All>>(std::get<at>(kept))..., std::move(handler));
-                            }(std::index_sequence_for<Arguments...>());
+                            }
+                            (std::index_sequence_for<Arguments...>());
                           });
 }
 
@@ -79,16 +80,15 @@ template <class... Parameters, class... Arguments>
 Pending<void> tell(const std::shared_ptr<CameraCore>& core, const RequestKind& kind, const RequestOptions& options,
                    void (ZELCameraUCD::*function)(Parameters...), const Arguments&... arguments) {
   if (!core) return nowhere<void>();
-  return core->request<void>(
-      kind, options,
-      [function, name = kind.name, kept = std::tuple<Arguments...>(arguments...)](
-          CameraStack& stack, const std::function<void(Result<void>)>& done) {
-        if (stack.accessory().linkStatus() < LinkStatus::flowing) {
-          return done(errorOf(name, zelOSStatusError(kZELErrorNotConnected)));
-        }
-        std::apply([&](const auto&... each) { (stack.ucd().*function)(each...); }, kept);
-        done({});
-      });
+  return core->request<void>(kind, options,
+                             [function, name = kind.name, kept = std::tuple<Arguments...>(arguments...)](
+                                 CameraStack& stack, const std::function<void(Result<void>)>& done) {
+                               if (stack.accessory().linkStatus() < LinkStatus::flowing) {
+                                 return done(errorOf(name, zelOSStatusError(kZELErrorNotConnected)));
+                               }
+                               std::apply([&](const auto&... each) { (stack.ucd().*function)(each...); }, kept);
+                               done({});
+                             });
 }
 
 }  // namespace zel

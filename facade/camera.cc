@@ -6,6 +6,8 @@
 
 #include "facade/camera_core.h"
 #include "facade/captures.h"
+#include "facade/preview.h"
+#include "facade/stream_run.h"
 
 namespace zel {
 
@@ -43,6 +45,14 @@ Pending<PhotoSeries> Camera::bracket(const std::vector<std::int8_t>& steps, cons
 Pending<void> Camera::upload(std::int64_t type, const std::string& path, const ZELData& content,
                              std::function<void(const TransferProgress&)> progress, const RequestOptions& request) {
   return core_ ? uploadFile(core_, type, path, content, std::move(progress), request) : nowhere<void>();
+}
+
+Subscription<Picture> Camera::pictures(const PictureOptions& options) {
+  return Subscription<Picture>(core_->preview()->look(options));
+}
+
+Pending<CameraStream> Camera::stream(const StreamOptions& options, const RequestOptions& request) {
+  return core_ ? StreamRun::start(core_, options, request) : nowhere<CameraStream>();
 }
 
 Subscription<Event> Camera::events(const SubscriptionOptions& options) {

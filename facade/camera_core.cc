@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <stop_token>
 
+#include "facade/preview.h"
+
 namespace zel {
 namespace {
 
@@ -69,7 +71,8 @@ class CameraCore::Receiver final : public ZELCameraNotificationProtocol {
   const std::weak_ptr<CameraCore> core_;
 };
 
-CameraCore::CameraCore(CameraOptions options) : options_(std::move(options)) {}
+CameraCore::CameraCore(CameraOptions options)
+    : options_(std::move(options)), preview_(std::make_shared<Preview>(*this)) {}
 CameraCore::~CameraCore() { close(); }
 
 // -- Opening
@@ -131,11 +134,11 @@ void CameraCore::start(std::shared_ptr<detail::PendingState<Camera>> opening, co
 
 void CameraCore::statusChanged(LinkStatus status) {
   linkChanges.publish(status);
-  if (status != LinkStatus::open && status != LinkStatus::flowing) return;
   ifMemoryAllows([this, status] {
     mainQueue_->post([self = shared_from_this(), status] {
       if (status == LinkStatus::flowing) self->finishOpening();
       if (status == LinkStatus::open) self->askForMarker();
+      self->preview_->linkChanged(status);
     });
   });
 }
@@ -187,8 +190,8 @@ void CameraCore::noteInUse(const CameraInUse& camera) {
   });
 }
 
-// -- The link is opened again where it does not heal by itself: the camera is attached and has no session, or its frames
-// have stopped.
+// -- The link is opened again where it does not heal by itself: the camera is attached and has no session, or its
+// frames have stopped.
 
 bool CameraCore::isAttached() {
   const auto accessories = host_->ports().accessories.connectedAccessories();
@@ -237,6 +240,7 @@ void CameraCore::close() {
     unused_.wait(lock, [this] { return users_ == 0; });
   }
   if (!stack_) return;
+  preview_->close(kClosed);
   lines_->failAll(kClosed);
   events.end(kClosed);
   linkChanges.end(kClosed);

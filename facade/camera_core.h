@@ -23,6 +23,8 @@
 
 namespace zel {
 
+class Preview;
+
 // What a request is called, and which requests it waits for: those of the same row of the catalogue.
 struct RequestKind {
   std::string_view name;
@@ -54,6 +56,12 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   const std::shared_ptr<Deadlines>& deadlines() const { return deadlines_; }
   const CameraOptions& options() const { return options_; }
 
+  const std::shared_ptr<Preview>& preview() const { return preview_; }
+  DecodersOnDemand* decoders() { return host_->decoders(); }
+
+  // Runs it on the main queue, without telling the host.
+  void postToMain(std::function<void()> call) { mainQueue_->post(std::move(call)); }
+
   std::shared_ptr<void> watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) override;
 
   // Adds a request to its line. send: called with what takes the answer, once.
@@ -61,6 +69,10 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   Pending<T> request(const RequestKind& kind, const RequestOptions& options,
                      std::function<void(CameraStack&, std::function<void(Result<T>)>)> send);
 
+  template <class T>
+  std::shared_ptr<detail::SubscriptionState<T>> makeSubscription(const SubscriptionOptions& options) {
+    return std::make_shared<detail::SubscriptionState<T>>(options, executor_, shared_from_this());
+  }
   // A subscription to the hub.
   template <class T>
   std::shared_ptr<detail::SubscriptionState<T>> subscribe(Hub<T>& hub, const SubscriptionOptions& options);
@@ -91,6 +103,7 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   std::shared_ptr<Deadlines> deadlines_;
   const std::shared_ptr<RequestLines> lines_ = std::make_shared<RequestLines>();
   std::unique_ptr<CameraStack> stack_;
+  const std::shared_ptr<Preview> preview_;
   Observation statusObservation_;
 
   std::mutex mutex_;
@@ -140,7 +153,7 @@ Pending<T> CameraCore::request(const RequestKind& kind, const RequestOptions& op
 
 template <class T>
 std::shared_ptr<detail::SubscriptionState<T>> CameraCore::subscribe(Hub<T>& hub, const SubscriptionOptions& options) {
-  auto state = std::make_shared<detail::SubscriptionState<T>>(options, executor_, shared_from_this());
+  auto state = makeSubscription<T>(options);
   hub.add(state);
   return state;
 }

@@ -53,8 +53,10 @@ class Undertaker {
 std::unique_ptr<CameraHost> CameraHost::create(const CameraOptions& options,
                                                std::function<void(const CameraInUse&)> inUse, std::string& error) {
   std::unique_ptr<CameraHost> host(new CameraHost);
-  host->ports_ = options.ports;
-  if (host->ports_ != nullptr) return host;
+  if (options.ports != nullptr) {
+    host->use(*options.ports);
+    return host;
+  }
   host->own_ = std::make_unique<Own>();
   Own& own = *host->own_;
   own.folder = LinuxPlatform::accessoriesFolder(options.accessoriesFolder);
@@ -65,15 +67,23 @@ std::unique_ptr<CameraHost> CameraHost::create(const CameraOptions& options,
                                         .keepCameras = true},
                                        error);
   if (!own.platform) return nullptr;
-  own.media = std::make_unique<LinuxMedia>(own.platform->ports(),
-                                           LinuxMedia::Options{options.warn, options.decoderThreads});
+  own.media =
+      std::make_unique<LinuxMedia>(own.platform->ports(), LinuxMedia::Options{options.warn, options.decoderThreads});
   try {
     own.main = std::thread([platform = own.platform.get()] { platform->runMainQueue(); });
   } catch (const std::system_error& fault) {
     error = std::string("no thread for the camera can be started: ") + fault.what();
     return nullptr;
   }
+  host->use(own.media->ports());
   return host;
+}
+
+void CameraHost::use(const platform::Ports& ports) {
+  ports_.emplace(ports);
+  if (ports.videoDecoders == nullptr) return;
+  decoders_.emplace(*ports.videoDecoders);
+  ports_->videoDecoders = &*decoders_;
 }
 
 std::string CameraHost::busFolder() const { return own_ ? own_->folder : std::string(); }

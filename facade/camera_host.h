@@ -8,8 +8,11 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
+
+#include "facade/decoders_on_demand.h"
 
 namespace zel {
 
@@ -21,13 +24,15 @@ class CameraHost {
  public:
   // inUse: of LinuxPlatform::Options.
   // Errors: null, and why.
-  static std::unique_ptr<CameraHost> create(const CameraOptions& options,
-                                            std::function<void(const CameraInUse&)> inUse, std::string& error);
+  static std::unique_ptr<CameraHost> create(const CameraOptions& options, std::function<void(const CameraInUse&)> inUse,
+                                            std::string& error);
   ~CameraHost();
   CameraHost(const CameraHost&) = delete;
   CameraHost& operator=(const CameraHost&) = delete;
 
-  const platform::Ports& ports() const { return own_ ? own_->media->ports() : *ports_; }
+  const platform::Ports& ports() const { return *ports_; }
+  // The ports' decoders; null where the platform decodes no video.
+  DecodersOnDemand* decoders() { return decoders_ ? &*decoders_ : nullptr; }
   // Where the bus is, for people; empty on the host's ports.
   std::string busFolder() const;
 
@@ -41,8 +46,11 @@ class CameraHost {
   CameraHost() = default;
   static void end(Own own);
 
-  const platform::Ports* ports_ = nullptr;
+  void use(const platform::Ports& ports);
+
   std::unique_ptr<Own> own_;
+  std::optional<DecodersOnDemand> decoders_;
+  std::optional<platform::Ports> ports_;
 };
 
 }  // namespace zel

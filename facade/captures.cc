@@ -75,9 +75,8 @@ class Progress : public std::enable_shared_from_this<Progress> {
 // Counts the pictures that arrive from now on.
 std::shared_ptr<Progress> pictureProgress(const std::shared_ptr<CameraCore>& core, const CaptureOptions& options,
                                           std::uint64_t pictures, std::uint64_t before) {
-  return std::make_shared<Progress>(core, options.progress, pictures, [before](const LinkStatistics& now) {
-    return now.frames[kPhotoFrames] - before;
-  });
+  return std::make_shared<Progress>(core, options.progress, pictures,
+                                    [before](const LinkStatistics& now) { return now.frames[kPhotoFrames] - before; });
 }
 
 // The two answers of a capture: what it is stored as, and its pictures. They come in any order.
@@ -169,13 +168,12 @@ void sendBracket(CameraStack& stack, const aeb_info& bracket, const CaptureOptio
 
 Pending<Photo> takePhoto(const std::shared_ptr<CameraCore>& core, const CaptureOptions& options,
                          const RequestOptions& request) {
-  return core->request<Photo>(kPhoto, withTransferLimit(*core, request),
-                              [weak = std::weak_ptr(core), options](CameraStack& stack,
-                                                                    std::function<void(Result<Photo>)> done) {
-                                const auto progress = pictureProgress(weak.lock(), options, 1,
-                                                                      stack.statistics().frames[kPhotoFrames]);
-                                sendPhoto(stack, options, {kPhoto.name, std::move(done), progress});
-                              });
+  return core->request<Photo>(
+      kPhoto, withTransferLimit(*core, request),
+      [weak = std::weak_ptr(core), options](CameraStack& stack, std::function<void(Result<Photo>)> done) {
+        const auto progress = pictureProgress(weak.lock(), options, 1, stack.statistics().frames[kPhotoFrames]);
+        sendPhoto(stack, options, {kPhoto.name, std::move(done), progress});
+      });
 }
 
 Pending<PhotoSeries> takeBracket(const std::shared_ptr<CameraCore>& core, const std::vector<std::int8_t>& steps,
@@ -186,14 +184,13 @@ Pending<PhotoSeries> takeBracket(const std::shared_ptr<CameraCore>& core, const 
   }
   bracket.count = static_cast<std::uint8_t>(steps.size());
   std::ranges::copy(steps, bracket.steps.begin());
-  return core->request<PhotoSeries>(
-      kBracket, withTransferLimit(*core, request),
-      [weak = std::weak_ptr(core), options, bracket](CameraStack& stack,
-                                                     std::function<void(Result<PhotoSeries>)> done) {
-        const auto progress =
-            pictureProgress(weak.lock(), options, bracket.count, stack.statistics().frames[kPhotoFrames]);
-        sendBracket(stack, bracket, options, {kBracket.name, std::move(done), progress});
-      });
+  return core->request<PhotoSeries>(kBracket, withTransferLimit(*core, request),
+                                    [weak = std::weak_ptr(core), options, bracket](
+                                        CameraStack& stack, std::function<void(Result<PhotoSeries>)> done) {
+                                      const auto progress = pictureProgress(weak.lock(), options, bracket.count,
+                                                                            stack.statistics().frames[kPhotoFrames]);
+                                      sendBracket(stack, bracket, options, {kBracket.name, std::move(done), progress});
+                                    });
 }
 
 Pending<void> uploadFile(const std::shared_ptr<CameraCore>& core, std::int64_t type, const std::string& path,
@@ -204,18 +201,18 @@ Pending<void> uploadFile(const std::shared_ptr<CameraCore>& core, std::int64_t t
     return failed<void>(*core, {Reason::invalid, "upload: \"" + path + "\" leaves no name for the file"});
   }
   if (content.size() > kLargestFile) {
-    return failed<void>(*core, {Reason::invalid, "upload: a file of " + std::to_string(content.size()) +
-                                                     " bytes is more than the " + std::to_string(kLargestFile) +
-                                                     " that can be sent"});
+    return failed<void>(
+        *core, {Reason::invalid, "upload: a file of " + std::to_string(content.size()) + " bytes is more than the " +
+                                     std::to_string(kLargestFile) + " that can be sent"});
   }
   return core->request<void>(
       kUpload, withTransferLimit(*core, request),
       [weak = std::weak_ptr(core), type, path, content, progress](CameraStack& stack,
                                                                   std::function<void(Result<void>)> done) {
         const std::uint64_t before = stack.statistics().bytesWritten;
-        const auto told = std::make_shared<Progress>(
-            weak.lock(), progress, content.size(),
-            [before](const LinkStatistics& now) { return now.bytesWritten - before; });
+        const auto told =
+            std::make_shared<Progress>(weak.lock(), progress, content.size(),
+                                       [before](const LinkStatistics& now) { return now.bytesWritten - before; });
         stack.ucd().sendFileWithType(type, path, content,
                                      [told, done = std::move(done)](const std::optional<ZELError>& error) {
                                        told->stop();

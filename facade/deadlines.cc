@@ -59,9 +59,10 @@ void Deadlines::arm() {
   }
   timer_.reset();
   if (time == kNever) return;
-  timer_ = ports_.threads.currentRunLoop().scheduleRepeating(std::max(time - now(), kShortest), [weak = weak_from_this()] {
-    if (const auto self = weak.lock()) self->fire();
-  });
+  timer_ =
+      ports_.threads.currentRunLoop().scheduleRepeating(std::max(time - now(), kShortest), [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->fire();
+      });
 }
 
 void Deadlines::fire() {

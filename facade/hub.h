@@ -38,13 +38,18 @@ class Hub {
     });
   }
 
+  // For those who are there.
+  void endThese(const CameraError& why) {
+    for (const State& one : subscriptions()) one->end(why);
+  }
+
   // For all, and whoever is added from now on.
   void end(const CameraError& why) {
     {
       const MutexLock lock(mutex_);
       end_ = why;
     }
-    for (const State& one : subscriptions()) one->end(why);
+    endThese(why);
   }
 
  private:

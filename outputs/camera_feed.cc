@@ -24,13 +24,17 @@ void CameraFeed::start() {
   player_ = stack_.suitablePreviewPlayer();
   player_->setFps(picturesPerSecond(resolution_));
   player_->setMediaDataDelegate(weak_from_this());
+  if (core_->wantsPictures()) player_->setPixelBufferDelegate(weak_from_this());
   switchOn();
 }
 
 void CameraFeed::stop() {
   background_.reset();
   active_.reset();
-  if (player_) player_->setMediaDataDelegate({});  // none where the start found no memory
+  if (player_) {  // none where the start found no memory
+    player_->setMediaDataDelegate({});
+    player_->setPixelBufferDelegate({});
+  }
   gate_.close();
   ifMemoryAllows([this] { switchOff(); });
 }
@@ -81,6 +85,10 @@ void CameraFeed::onAACHeader(Bytes header) {
     core_->clock.soundConfig(header);
     core_->writer.onAudioConfig(header);
   });
+}
+
+void CameraFeed::onPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t timestamp) {
+  gate_.enter([&] { core_->picture(picture, timestamp); });
 }
 
 void CameraFeed::onAACAdts(Bytes data, std::int64_t timestamp) {

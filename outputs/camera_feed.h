@@ -2,6 +2,7 @@
 
 #include <ZELTarkaSDK/ZELCameraMediaDataDelegate.h>
 #include <ZELTarkaSDK/ZELError.h>
+#include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
 #include <ZELTarkaSDK/platform/notification_center.h>
 
 #include <atomic>
@@ -22,11 +23,12 @@ namespace zel {
 
 class CameraStack;
 
-// The camera's own H.264 and sound, as they are: nothing is decoded.
+// The camera's own H.264 and sound, as they are: nothing is decoded for them.
 //
 // Owner: the stack must outlive the run.
 class CameraFeed final : public StreamFeed,
                          public ZELCameraMediaDataDelegate,
+                         public ZELPixelBufferDataProtocol,
                          public std::enable_shared_from_this<CameraFeed> {
  public:
   CameraFeed(CameraStack& stack, std::shared_ptr<StreamCore> core, int resolution);
@@ -40,6 +42,8 @@ class CameraFeed final : public StreamFeed,
   void onH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) override;
   void onAACHeader(Bytes header) override;
   void onAACAdts(Bytes data, std::int64_t timestamp) override;
+  // Thread: decode thread.
+  void onPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t timestamp) override;
 
  private:
   void switchOn();

@@ -63,6 +63,10 @@ void StitchedFeed::sourceOnError(const ZELError& error) {
   gate_.enter([&] { core_->fail(std::move(why)); });
 }
 
+void StitchedFeed::sourceOnRawPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t timestamp) {
+  gate_.enter([&] { core_->picture(picture, sum(source_->firstTimestamp(), timestamp)); });
+}
+
 void StitchedFeed::sourceOnH264Header(Bytes sps, Bytes pps) {
   gate_.enter([&] { core_->writer.onParameterSets(sps, pps); });
 }

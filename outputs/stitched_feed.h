@@ -39,6 +39,7 @@ class StitchedFeed final : public StreamFeed,
   FeedFigures figures() const override;
 
   void sourceOnError(const ZELError& error) override;
+  void sourceOnRawPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t timestamp) override;
   void sourceOnH264Header(Bytes sps, Bytes pps) override;
   void sourceOnH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) override;
   void sourceOnAACHeader(Bytes header) override;

@@ -22,6 +22,11 @@ class StreamCore {
   StreamCore(EncodedStreamReceiver& receiver, EncodedStream::Options options)
       : options_(std::move(options)), writer(receiver, options_.length, [this] { tellChange(); }) {}
 
+  bool wantsPictures() const { return options_.picture != nullptr; }
+  void picture(const platform::PixelBufferRef& picture, std::int64_t time) const {
+    if (options_.picture) options_.picture(picture, time);
+  }
+
   void fail(std::string why) {
     {
       const MutexLock lock(mutex_);

@@ -11,6 +11,7 @@
 #include <ZELTarkaSDK/CameraCaptures.h>
 #include <ZELTarkaSDK/CameraOptions.h>
 #include <ZELTarkaSDK/CameraRequests.h>
+#include <ZELTarkaSDK/CameraStream.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
 #include <ZELTarkaSDK/LinkStatus.h>
 #include <ZELTarkaSDK/Subscription.h>
@@ -75,12 +76,24 @@ class ZEL_EXPORT Camera final : public CameraRequests {
   Pending<void> upload(std::int64_t type, const std::string& path, const ZELData& content,
                        std::function<void(const TransferProgress&)> progress = {}, const RequestOptions& request = {});
 
+  // The pictures of the preview, which runs as long as anybody needs it, at one resolution for all.
+  //
+  // Errors: `invalid` where it runs at another one, `media` where it cannot be started or decoded.
+  Subscription<Picture> pictures(const PictureOptions& options = {});
+
+  // Streams pictures and sound; gives the stream once its first picture has come. One stream at a time; what the host
+  // wants of it beside, it adds to it.
+  //
+  // Errors: `invalid` beside another stream or resolution, or for an output that is none; `media` where nothing comes
+  //         in time: no picture, or no sound, without which no stream begins.
+  Pending<CameraStream> stream(const StreamOptions& options = {}, const RequestOptions& request = {});
+
   // The events, and the states of the link.
   Subscription<Event> events(const SubscriptionOptions& options = {});
   Subscription<LinkStatus> linkChanges(const SubscriptionOptions& options = {});
 
-  // The classes that it is built on, for what it does not offer. A request that is made there takes the answer of one of
-  // the same kind that waits here.
+  // The classes that it is built on, for what it does not offer. A request that is made there takes the answer of one
+  // of the same kind that waits here.
   CameraStack& stack();
 
  private:

@@ -30,8 +30,8 @@ struct ZEL_EXPORT CaptureOptions {
   ZELOrientationData orientation = {};
   std::optional<ZELData> extraInfo = {};  // JSON
 
-  // Called where the camera's callbacks run: once with 0 when the camera has stored the photo, and then whenever another
-  // picture has arrived.
+  // Called where the camera's callbacks run: once with 0 when the camera has stored the photo, and then whenever
+  // another picture has arrived.
   std::function<void(const TransferProgress&)> progress = {};
 };
 

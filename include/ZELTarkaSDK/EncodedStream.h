@@ -10,6 +10,7 @@
 #include <ZELTarkaSDK/EncodedStreamStatistics.h>
 #include <ZELTarkaSDK/platform/export.h>
 #include <ZELTarkaSDK/platform/media_library.h>
+#include <ZELTarkaSDK/platform/pixel_buffer.h>
 
 namespace zel {
 
@@ -54,6 +55,13 @@ class ZEL_EXPORT EncodedStream {
     //
     // Thread: any thread.
     std::function<void()> changed = {};
+    // Gets every decoded picture as the camera sent it, for hosts that look at a stream while it runs; empty: the
+    // camera's own pictures are not decoded. The time is the reported one.
+    //
+    // Units: milliseconds since 1 January 2001 UTC.
+    //
+    // Thread: decode thread.
+    std::function<void(const platform::PixelBufferRef& picture, std::int64_t time)> picture = {};
   };
 
   explicit EncodedStream(EncodedStreamReceiver& receiver);

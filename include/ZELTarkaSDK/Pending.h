@@ -117,7 +117,8 @@ class [[nodiscard]] Pending {
   // Calls the function once with the result, never inside this call.
   void then(std::function<void(Result<T>)> callback) {
     const auto state = state_;
-    state->whenSet([state, callback = std::move(callback)] { state->post([state, callback] { callback(state->take()); }); });
+    state->whenSet(
+        [state, callback = std::move(callback)] { state->post([state, callback] { callback(state->take()); }); });
   }
 
   // Ends the call with `cancelled`, unless its result is there.

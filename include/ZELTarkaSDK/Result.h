@@ -30,9 +30,9 @@ struct ZEL_EXPORT CameraError {
   };
 
   Reason reason = Reason::closed;
-  std::string message;           // a sentence for people: what was wrong and, where it helps, what to do
-  std::string domain = {};       // of the interface's error, see ZELError.h; empty where it has none
-  std::int64_t code = 0;         // in that domain
+  std::string message;      // a sentence for people: what was wrong and, where it helps, what to do
+  std::string domain = {};  // of the interface's error, see ZELError.h; empty where it has none
+  std::int64_t code = 0;    // in that domain
 
   bool operator==(const CameraError&) const = default;
 };

@@ -211,7 +211,8 @@ class [[nodiscard]] Subscription {
   // Errors: why nothing follows any more; `timeLimit`, `cancelled`.
   Pending<T> next(const RequestOptions& options = {}) { return state_->next(options); }
 
-  // Hands every one to the callback, from now on and where the camera's callbacks run. Once only, and instead of next().
+  // Hands every one to the callback, from now on and where the camera's callbacks run. Once only, and instead of
+  // next().
   void each(std::function<void(const T&)> callback) { state_->each(std::move(callback)); }
 
   // How many were dropped because there was no room.

@@ -105,9 +105,9 @@ TEST_F(CameraTest, TellsARefusalByTheRequestsName) {
   Camera camera = opened();
   const auto refused = camera.setWhiteBalance(2).get();
   ASSERT_FALSE(refused);
-  EXPECT_EQ(refused.error(), (CameraError{Reason::refused,
-                                          "setWhiteBalance: the camera refused, or its answer cannot be read",
-                                          "NSOSStatusErrorDomain", 101}));
+  EXPECT_EQ(refused.error(),
+            (CameraError{Reason::refused, "setWhiteBalance: the camera refused, or its answer cannot be read",
+                         "NSOSStatusErrorDomain", 101}));
 }
 
 TEST_F(CameraTest, EndsARequestWithoutAnAnswerInTime) {
@@ -166,9 +166,11 @@ TEST_F(CameraTest, GoesOnWhenTheCameraComesBack) {
   Camera camera = opened();
   auto link = camera.linkChanges();
   simulated().unplug();
-  while (*link.next().get() != LinkStatus::closed) {}
+  while (*link.next().get() != LinkStatus::closed) {
+  }
   simulated().plug();
-  while (*link.next().get() != LinkStatus::flowing) {}
+  while (*link.next().get() != LinkStatus::flowing) {
+  }
   EXPECT_TRUE(camera.battery().get());
 }
 

@@ -101,10 +101,9 @@ TEST_F(CapturesTest, AFileArrivesAsItWasSentAndTellsItsProgress) {
   std::vector<std::uint8_t> content(3'000'000);
   for (std::size_t at = 0; at < content.size(); ++at) content[at] = static_cast<std::uint8_t>(at * 31);
   Recorded<TransferProgress> told;
-  const auto sent = camera
-                        .upload(1, "C:/update.bin", ZELData(content),
-                                [&](const TransferProgress& progress) { told.add(progress); })
-                        .get();
+  const auto sent =
+      camera.upload(1, "C:/update.bin", ZELData(content), [&](const TransferProgress& progress) { told.add(progress); })
+          .get();
   ASSERT_TRUE(sent) << sent.error().message;
   std::ifstream file(simulated().storageFolder() + "/update.bin", std::ios::binary);
   EXPECT_EQ(std::vector<std::uint8_t>(std::istreambuf_iterator(file), {}), content);

@@ -1,0 +1,189 @@
+#include "facade/stream_run.h"
+
+#include <ZELTarkaSDK/OutputAddress.h>
+
+#include <utility>
+
+#include "facade/camera_core.h"
+#include "facade/preview.h"
+
+namespace zel {
+namespace {
+
+using Reason = CameraError::Reason;
+
+}  // namespace
+
+StreamRun::StreamRun(const std::shared_ptr<CameraCore>& core, StreamOptions options)
+    : core_(core),
+      options_(std::move(options)),
+      outputs_(options_.tell),
+      stream_(*this,
+              {.changed = [this] { changed(); },
+               .picture = [preview = core->preview()](const auto& picture,
+                                                      std::int64_t time) { preview->onPixelBuffer(picture, time); }}) {}
+
+StreamRun::~StreamRun() = default;
+
+Pending<CameraStream> StreamRun::start(const std::shared_ptr<CameraCore>& core, const StreamOptions& options,
+                                       const RequestOptions& request) {
+  auto starting = std::make_shared<detail::PendingState<CameraStream>>(core->executor());
+  const auto run = std::make_shared<StreamRun>(core, options);
+  for (const std::string& text : options.outputs) {
+    const auto address = parseOutputAddress(text);
+    if (!address) {
+      starting->set(CameraError{Reason::invalid, "\"" + text + "\" is no output; use " + std::string(kOutputKinds)});
+      return Pending<CameraStream>(starting);
+    }
+    run->outputs_.add(*address);
+  }
+  const auto giveUp = [run](const CameraError& why) {
+    run->failStart(why.reason == Reason::timeLimit ? run->whyNothingCame() : why);
+  };
+  starting->setCancel([weak = std::weak_ptr(run)] {
+    if (const auto self = weak.lock()) self->failStart({Reason::cancelled, "the start was cancelled"});
+  });
+  RequestOptions limit = request;
+  if (limit.timeLimit.count() <= 0) limit.timeLimit = options.startTimeLimit;
+  {
+    const std::lock_guard lock(run->mutex_);
+    run->starting_ = starting;
+    run->startWatch_ = core->watch(limit, giveUp);
+  }
+  if (const auto why = core->preview()->begin(run)) run->failStart(*why);
+  return Pending<CameraStream>(starting);
+}
+
+std::shared_ptr<detail::PendingState<CameraStream>> StreamRun::takeStarting() {
+  std::shared_ptr<void> watch;  // destroyed without the lock
+  const std::lock_guard lock(mutex_);
+  watch = std::move(startWatch_);
+  return std::exchange(starting_, nullptr);
+}
+
+void StreamRun::failStart(const CameraError& why) {
+  const auto starting = takeStarting();
+  if (!starting) return;
+  stop();
+  starting->set(why);
+}
+
+CameraError StreamRun::whyNothingCame() const {
+  const EncodedStreamStatistics now = stream_.statistics();
+  if (now.preview.units == 0) return {Reason::media, "the stream did not start: the camera sent no picture"};
+  if (const auto failure = stream_.failure()) return {Reason::media, "the stream did not start: " + *failure};
+  return {Reason::media, "the stream did not start: pictures come, and no sound, without which no stream begins"};
+}
+
+// -- Runs
+
+void StreamRun::startRun(CameraStack& stack) {
+  if (options_.stitched) {
+    stream_.startStitched(stack, options_.resolution, *options_.stitched);
+  } else {
+    stream_.startCamera(stack, options_.resolution);
+  }
+}
+
+void StreamRun::stopRun() { stream_.stop(); }
+
+void StreamRun::lost() { problems_.publish({{Reason::lost, "the camera was lost; the stream waits for it"}}); }
+
+// On a thread of the stream, which cannot stop it.
+void StreamRun::changed() {
+  ifMemoryAllows([this] { postToMain([this] { tellFailure(); }); });
+}
+
+// Runs it on the main queue, unless the stream has gone by then.
+void StreamRun::postToMain(std::function<void()> call) {
+  const auto core = core_.lock();
+  if (!core) return;
+  core->postToMain([weak = weak_from_this(), call = std::move(call)] {
+    if (const auto self = weak.lock()) call();
+  });
+}
+
+void StreamRun::tellFailure() {
+  const auto failure = stream_.failure();
+  if (!failure) return;
+  const CameraError why{Reason::media, *failure};
+  failStart(why);
+  problems_.publish({why});
+}
+
+void StreamRun::endFor(const CameraError& why) {
+  packets_.end(why);
+  problems_.end(why);
+  std::vector<std::shared_ptr<detail::SubscriptionState<MediaPacket>>> waiting;
+  {
+    const std::lock_guard lock(mutex_);
+    waiting.swap(waitForKey_);
+  }
+  for (const auto& one : waiting) one->end(why);
+  if (const auto starting = takeStarting()) starting->set(why);
+}
+
+void StreamRun::stop() {
+  if (const auto core = core_.lock()) core->preview()->end(*this);
+  endFor({Reason::closed, "the stream was stopped"});
+  outputs_.finish();
+}
+
+// -- What comes
+
+template <class T>
+std::shared_ptr<detail::SubscriptionState<T>> StreamRun::subscription(const SubscriptionOptions& options) {
+  if (const auto core = core_.lock()) return core->makeSubscription<T>(options);
+  auto ended = std::make_shared<detail::SubscriptionState<T>>(
+      options, [](const std::function<void()>& call) { call(); }, nullptr);
+  ended->end({Reason::closed, "the camera object was destroyed"});
+  return ended;
+}
+
+void StreamRun::onHeaders(const StreamHeaders& headers) {
+  {
+    const std::lock_guard lock(mutex_);
+    headers_ = headers;
+  }
+  outputs_.onHeaders(headers);
+}
+
+void StreamRun::onPacket(const MediaPacket& packet) {
+  if (packet.key && packet.track == Track::video) {
+    decltype(waitForKey_) ready;
+    {
+      const std::lock_guard lock(mutex_);
+      ready.swap(waitForKey_);
+    }
+    for (const auto& one : ready) packets_.add(one);
+  }
+  outputs_.onPacket(packet);
+  packets_.publish(packet);
+  if (!isStarting_.exchange(false)) return;
+  // Not here: whoever drops the stream at once would stop it on its own thread.
+  ifMemoryAllows([this] {
+    postToMain([this] {
+      if (const auto starting = takeStarting()) starting->set(CameraStream(shared_from_this()));
+    });
+  });
+}
+
+StreamHeaders StreamRun::headers() const {
+  const std::lock_guard lock(mutex_);
+  return headers_;
+}
+
+std::shared_ptr<detail::SubscriptionState<MediaPacket>> StreamRun::packets(const SubscriptionOptions& options) {
+  const auto state = subscription<MediaPacket>(options);
+  const std::lock_guard lock(mutex_);
+  waitForKey_.push_back(state);
+  return state;
+}
+
+std::shared_ptr<detail::SubscriptionState<StreamProblem>> StreamRun::problems(const SubscriptionOptions& options) {
+  const auto state = subscription<StreamProblem>(options);
+  problems_.add(state);
+  return state;
+}
+
+}  // namespace zel
