@@ -1,5 +1,6 @@
 // A host outside the project, with nothing but an installed copy of the libraries: it looks for cameras in a folder.
 
+#include <ZELTarkaSDK/Camera.h>
 #include <ZELTarkaSDK/ZELTarkaSDK.h>
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
@@ -17,6 +18,9 @@ int main(int argc, char** argv) {
   zel::Outputs outputs;
   outputs.add(*zel::parseOutputAddress("rtmp://localhost/live"));
   const auto png = zel::pngOf(*zel::platform::MemoryPixelBuffer::filled(2, 2, 0, 128, 128));
+  const auto camera =
+      zel::Camera::open({.openTimeLimit = std::chrono::milliseconds(1), .accessoriesFolder = argv[1]}).get();
+  if (camera) return std::fprintf(stderr, "there is a camera\n"), 1;
   std::printf("ZELTarkaSDK %s (%.1f), %zu accessories, a camera: %s, decodes: %s, offset %s, output %s, a PNG: %s\n",
               ZELTarkaSDKVersionString, ZELTarkaSDKVersionNumber,
               platform->ports().accessories.connectedAccessories().size(), attached ? "yes" : "no",

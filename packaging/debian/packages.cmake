@@ -12,7 +12,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_COMPONENTS_ALL runtime outputs pictures development tools)
+set(CPACK_COMPONENTS_ALL runtime outputs pictures camera development tools)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/compress.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/without_scripts.cmake)
 
@@ -47,6 +47,9 @@ zel_package(outputs libzeltarkasdkoutputs${ZEL_SOVERSION} libs "360-degree camer
 files and servers.")
 zel_package(pictures libzeltarkasdkpictures${ZEL_SOVERSION} libs "panoramas of 360-degree camera photos"
   "${what}This package holds the shared library that makes panoramas of photos.")
+zel_package(camera libzeltarkasdkcamera${ZEL_SOVERSION} libs "360-degree camera as one object"
+  "${what}This package holds the shared library that drives a camera through one
+object.")
 zel_package(development libzeltarkasdk-dev libdevel "device framework for 360-degree cameras (development files)"
   "${what}This package holds the headers, the static libraries, and the files by
 which CMake and pkg-config find them and the shared ones.")
@@ -54,17 +57,18 @@ zel_package(tools zeltarkasdk-tools utils "command-line host and simulator for 3
   "${what}This package holds zelcam, the command-line host, and zelcam-sim, a
 simulated camera.")
 # Programs find the shared library after ldconfig has run.
-foreach(component RUNTIME OUTPUTS PICTURES)
+foreach(component RUNTIME OUTPUTS PICTURES CAMERA)
   set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
 endforeach()
 # The packages' own libraries are of one version; no other package tells of them.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
 set(all)
-foreach(part "" outputs pictures)
+foreach(part "" outputs pictures camera)
   list(APPEND all "libzeltarkasdk${part}${ZEL_SOVERSION} (= ${PROJECT_VERSION})")
 endforeach()
 list(GET all 0 CPACK_DEBIAN_OUTPUTS_PACKAGE_DEPENDS)
 list(GET all 0 CPACK_DEBIAN_PICTURES_PACKAGE_DEPENDS)
+list(GET all 1 CPACK_DEBIAN_CAMERA_PACKAGE_DEPENDS)
 list(JOIN all ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS)
 # Needed to link the static libraries alone.
 set(packages ${ZEL_LINKED_WITH} ${ZEL_OUTPUTS_LINKED_WITH} ${ZEL_PICTURES_LINKED_WITH})

@@ -5,12 +5,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <ZELTarkaSDK/PictureFile.h>
@@ -63,6 +65,41 @@ TEST_F(ExamplesTest, ConnectAndPrintStatus) {
   EXPECT_THAT(host->output(), HasSubstr("Test camera, serial A1, firmware E1_2.0.1_192\n"));
   EXPECT_THAT(host->output(), HasSubstr("status 1\n"));
   EXPECT_THAT(host->output(), HasSubstr("status 2\npower type 1, battery 100 %\nclock offset "));
+}
+
+TEST_F(ExamplesTest, Battery) {
+  const auto attached = camera();
+  const auto host = example("battery");
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_EQ(host->output(), "battery: 100 %\n");
+}
+
+TEST_F(ExamplesTest, BatteryOfACameraThatAnotherHas) {
+  const auto attached = camera();
+  const auto first = example("film", {"30", "0", "a.ts"});
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (contents("a.ts").empty() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+  const auto host = example("battery");
+  EXPECT_EQ(host->wait(), 3);
+  EXPECT_THAT(host->errors(), MatchesRegex("camera A1 is in use by process [0-9]+ .*film.\n"));
+}
+
+TEST_F(ExamplesTest, WatchAndPhotograph) {
+  const auto attached = camera();
+  const auto host = example("watch_and_photograph", {"2"});
+  ASSERT_TRUE(host->waitForOutput("press the camera's key")) << host->errors();
+  attached->tell("key 1");
+  attached->tell("key 1");
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_THAT(host->output(), MatchesRegex("press the camera's key\n.+jpg: [0-9]+ bytes\n.+jpg: [0-9]+ bytes\n"));
+}
+
+TEST_F(ExamplesTest, Film) {
+  const auto attached = camera();
+  const auto host = example("film", {"1", "640", "a.mp4", "b.ts"});
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_THAT(host->output(), MatchesRegex("a.mp4: [0-9]+ pictures\nb.ts: [0-9]+ pictures\n"));
+  EXPECT_GT(contents("a.mp4").size(), 10'000u);
 }
 
 TEST_F(ExamplesTest, TakeAPhoto) {
