@@ -12,10 +12,12 @@
 #include <cstdint>
 #include <fstream>
 #include <memory>
+#include <semaphore>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <ZELTarkaSDK/Camera.h>
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
@@ -104,6 +106,41 @@ Host& host() {
   return once;
 }
 
+// The same through the camera object, whose link runs on a thread of its own: each answer asks the next, or a caller
+// waits for it.
+class ObjectHost {
+ public:
+  double calledBack() {
+    Batch batch;
+    std::binary_semaphore done(0);
+    exchange(batch, done);
+    done.acquire();
+    return batch.median();
+  }
+  double waitedFor() {
+    Batch batch;
+    bool more = true;
+    while (more) {
+      batch.begin();
+      if (!camera_->setWhiteBalance(2).get()) std::abort();
+      more = batch.complete();
+    }
+    return batch.median();
+  }
+
+ private:
+  void exchange(Batch& batch, std::binary_semaphore& done) {
+    batch.begin();
+    camera_->setWhiteBalance(2).then([this, &batch, &done](const Result<void>& answer) {
+      if (!answer) std::abort();
+      batch.complete() ? exchange(batch, done) : done.release();
+    });
+  }
+
+  EchoCamera bus_;
+  Result<Camera> camera_ = Camera::open({.accessoriesFolder = bus_.folder()}).get();
+};
+
 // The same hand-overs without anything else: the caller posts to an I/O thread, which writes; the answer is posted to
 // the caller. Both sleep in their io_context in between.
 class BareAsio {
@@ -158,6 +195,15 @@ void exchanges(benchmark::State& state, Peer& peer) {
 }
 
 void requestToCompletion(benchmark::State& state) { exchanges(state, host()); }
+
+void objectCalledBack(benchmark::State& state) {
+  ObjectHost object;
+  for (auto _ : state) state.SetIterationTime(object.calledBack());
+}
+void objectWaitedFor(benchmark::State& state) {
+  ObjectHost object;
+  for (auto _ : state) state.SetIterationTime(object.waitedFor());
+}
 
 void bareAsio(benchmark::State& state) {
   BareAsio peer;
@@ -248,6 +294,8 @@ void registerMessages() {
 }
 
 BENCHMARK(requestToCompletion)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
+BENCHMARK(objectCalledBack)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
+BENCHMARK(objectWaitedFor)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
 BENCHMARK(bareAsio)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
 BENCHMARK(blockingPingPong)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
 BENCHMARK(hundredThousandRequests)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(1);
@@ -256,6 +304,10 @@ std::vector<Ratio> ratios() {
   const std::string suffix = "/iterations:10/manual_time";
   return {{"request to completion / the same hand-overs in bare Asio", "requestToCompletion" + suffix,
            "bareAsio" + suffix, 1.15},
+          {"the camera object's, called back / request to completion", "objectCalledBack" + suffix,
+           "requestToCompletion" + suffix, 1.1},
+          {"the camera object's, waited for / request to completion", "objectWaitedFor" + suffix,
+           "requestToCompletion" + suffix, 0},
           {"request to completion / blocking ping-pong of 16 bytes", "requestToCompletion" + suffix,
            "blockingPingPong" + suffix, 0},
           {"bare Asio / blocking ping-pong of 16 bytes", "bareAsio" + suffix, "blockingPingPong" + suffix, 0}};

@@ -87,23 +87,14 @@ Pending<Camera> CameraCore::open(CameraOptions options, const RequestOptions& re
       },
       error);
   if (!core->host_) {
-    const auto failed = std::make_shared<detail::PendingState<Camera>>([](const std::function<void()>& run) { run(); });
+    const auto failed = std::make_shared<detail::PendingState<Camera>>(std::make_shared<detail::Callbacks>());
     failed->set(CameraError{Reason::platform, error});
     return Pending<Camera>(failed);
   }
   const platform::Ports& ports = core->host_->ports();
-  core->mainQueue_ = std::make_shared<MainQueueExecutor>(ports.queues.mainQueue());
+  core->callbacks_ = std::make_shared<CallbackQueue>(ports.queues.mainQueue(), core->options_.executor);
   core->deadlines_ = std::make_shared<Deadlines>(ports);
-  core->executor_ = [queue = core->mainQueue_](std::function<void()> call) { queue->post(std::move(call)); };
-  if (core->options_.executor) {
-    core->executor_ = [executor = core->options_.executor](std::function<void()> call) {
-      executor([call = std::move(call)] {
-        const CallbackScope scope;
-        call();
-      });
-    };
-  }
-  auto opening = std::make_shared<detail::PendingState<Camera>>(core->executor_);
+  auto opening = std::make_shared<detail::PendingState<Camera>>(core->callbacks_);
   core->start(opening, request);
   return Pending<Camera>(opening);
 }
@@ -127,6 +118,7 @@ void CameraCore::start(std::shared_ptr<detail::PendingState<Camera>> opening, co
     openingWatch_ = watch(limit, [self](const CameraError& why) { self->failOpening(self->whyNotOpen(why)); });
   }
   host_->ports().queues.mainQueue().post([self] {
+    if (self->options_.ports == nullptr) self->callbacks_->noteMainThread();
     self->withStack([](CameraStack& stack) { stack.accessory().openCamera(); });
     self->look();
   });
@@ -135,7 +127,7 @@ void CameraCore::start(std::shared_ptr<detail::PendingState<Camera>> opening, co
 void CameraCore::statusChanged(LinkStatus status) {
   linkChanges.publish(status);
   ifMemoryAllows([this, status] {
-    mainQueue_->post([self = shared_from_this(), status] {
+    callbacks_->postToMain([self = shared_from_this(), status] {
       if (status == LinkStatus::flowing) self->finishOpening();
       if (status == LinkStatus::open) self->askForMarker();
       self->preview_->linkChanged(status);
@@ -181,7 +173,7 @@ CameraError CameraCore::whyNotOpen(const CameraError& why) {
 }
 
 void CameraCore::noteInUse(const CameraInUse& camera) {
-  mainQueue_->post([weak = weak_from_this(), words = camera.inWords()] {
+  callbacks_->postToMain([weak = weak_from_this(), words = camera.inWords()] {
     const auto self = weak.lock();
     if (!self) return;
     bool hasOther = false;
@@ -227,7 +219,10 @@ bool CameraCore::withStack(const std::function<void(CameraStack&)>& call) {
     if (isClosed_) return false;
     ++users_;
   }
-  call(*stack_);
+  {
+    const StackUse use;
+    call(*stack_);
+  }
   const std::lock_guard lock(mutex_);
   if (--users_ == 0) unused_.notify_all();
   return true;
@@ -247,7 +242,7 @@ void CameraCore::close() {
   statusObservation_.reset();
   stack_.reset();
   host_->ports().queues.mainQueue().post([deadlines = deadlines_] { deadlines->close(); });
-  mainQueue_->close();
+  callbacks_->close();
   host_.reset();
 }
 
@@ -293,8 +288,8 @@ std::shared_ptr<void> CameraCore::watch(const RequestOptions& options, std::func
     });
   }
   if (options.stop.stop_possible()) {
-    made->stop.emplace(options.stop, [queue = mainQueue_, giveUp] {
-      queue->post([giveUp] { giveUp({Reason::cancelled, "the wait was cancelled"}); });
+    made->stop.emplace(options.stop, [callbacks = callbacks_, giveUp] {
+      callbacks->postToMain([giveUp] { giveUp({Reason::cancelled, "the wait was cancelled"}); });
     });
   }
   return made;

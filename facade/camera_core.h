@@ -15,10 +15,10 @@
 #include <string_view>
 #include <utility>
 
+#include "facade/callback_queue.h"
 #include "facade/camera_host.h"
 #include "facade/deadlines.h"
 #include "facade/hub.h"
-#include "facade/main_queue_executor.h"
 #include "facade/request_lines.h"
 
 namespace zel {
@@ -51,16 +51,12 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   bool withStack(const std::function<void(CameraStack&)>& call);
   CameraStack& stack() { return *stack_; }
 
-  // Runs callbacks.
-  const Executor& executor() const { return executor_; }
+  const std::shared_ptr<CallbackQueue>& callbacks() const { return callbacks_; }
   const std::shared_ptr<Deadlines>& deadlines() const { return deadlines_; }
   const CameraOptions& options() const { return options_; }
 
   const std::shared_ptr<Preview>& preview() const { return preview_; }
   DecodersOnDemand* decoders() { return host_->decoders(); }
-
-  // Runs it on the main queue, without telling the host.
-  void postToMain(std::function<void()> call) { mainQueue_->post(std::move(call)); }
 
   std::shared_ptr<void> watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) override;
 
@@ -71,7 +67,7 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
 
   template <class T>
   std::shared_ptr<detail::SubscriptionState<T>> makeSubscription(const SubscriptionOptions& options) {
-    return std::make_shared<detail::SubscriptionState<T>>(options, executor_, shared_from_this());
+    return std::make_shared<detail::SubscriptionState<T>>(options, callbacks_, shared_from_this());
   }
   // A subscription to the hub.
   template <class T>
@@ -98,8 +94,7 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
 
   const CameraOptions options_;
   std::unique_ptr<CameraHost> host_;
-  std::shared_ptr<MainQueueExecutor> mainQueue_;
-  Executor executor_;
+  std::shared_ptr<CallbackQueue> callbacks_;
   std::shared_ptr<Deadlines> deadlines_;
   const std::shared_ptr<RequestLines> lines_ = std::make_shared<RequestLines>();
   std::unique_ptr<CameraStack> stack_;
@@ -121,7 +116,7 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
 // A call on a camera object that has been moved from.
 template <class T>
 Pending<T> nowhere() {
-  const auto pending = std::make_shared<detail::PendingState<T>>([](const std::function<void()>& call) { call(); });
+  const auto pending = std::make_shared<detail::PendingState<T>>(std::make_shared<detail::Callbacks>());
   pending->set(CameraError{CameraError::Reason::closed, "this camera object has been moved from"});
   return Pending<T>(pending);
 }
@@ -131,15 +126,15 @@ CameraError errorOf(std::string_view name, const ZELError& error);
 template <class T>
 Pending<T> CameraCore::request(const RequestKind& kind, const RequestOptions& options,
                                std::function<void(CameraStack&, std::function<void(Result<T>)>)> send) {
-  const auto pending = std::make_shared<detail::PendingState<T>>(executor_);
+  const auto pending = std::make_shared<detail::PendingState<T>>(callbacks_);
   const RequestLines::Id id = lines_->nextId();
   const auto giveUp = [weak = weak_from_this(), id, name = kind.name](const CameraError& why) {
     if (const auto self = weak.lock()) self->giveUp(id, name, why);
   };
   pending->setCancel([giveUp] { giveUp({CameraError::Reason::cancelled, {}}); });
   auto done = [lines = lines_, id, pending](Result<T> result) {
-    pending->set(std::move(result));
     lines->answered(id);
+    pending->set(std::move(result));
   };
   RequestLines::Request request;
   request.fail = [pending](const CameraError& why) { pending->set(why); };

@@ -23,7 +23,7 @@ constexpr auto kPhotoFrames = static_cast<std::size_t>(FrameType::photo);
 
 template <class T>
 Pending<T> failed(const CameraCore& core, CameraError error) {
-  const auto pending = std::make_shared<detail::PendingState<T>>(core.executor());
+  const auto pending = std::make_shared<detail::PendingState<T>>(core.callbacks());
   pending->set(std::move(error));
   return Pending<T>(pending);
 }
@@ -55,7 +55,7 @@ class Progress : public std::enable_shared_from_this<Progress> {
     core->withStack([&](CameraStack& stack) { done = std::min(measure_(stack.statistics()), total_); });
     if (done && done != told_) {
       told_ = done;
-      core->executor()([self = shared_from_this(), now = TransferProgress{*done, total_}] {
+      core->callbacks()->post([self = shared_from_this(), now = TransferProgress{*done, total_}] {
         if (!self->isOver_) self->tell_(now);
       });
     }

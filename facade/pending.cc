@@ -1,27 +1,16 @@
 #include <ZELTarkaSDK/Pending.h>
-#include <ZELTarkaSDK/platform/call_gate.h>
 
-#include "facade/callback_thread.h"
+#include "facade/callback_queue.h"
 
 namespace zel {
-namespace {
-thread_local int callbackDepth = 0;
-}  // namespace
-
-CallbackThread::CallbackThread() { ++callbackDepth; }
-CallbackThread::~CallbackThread() { --callbackDepth; }
-bool CallbackThread::isThis() { return callbackDepth != 0; }
-
 namespace detail {
 
-PendingBase::PendingBase(Executor executor) : executor_(std::move(executor)) {}
+PendingBase::PendingBase(std::shared_ptr<const Callbacks> callbacks) : callbacks_(std::move(callbacks)) {}
 PendingBase::~PendingBase() = default;
-
-void PendingBase::post(std::function<void()> call) const { executor_(std::move(call)); }
 
 bool PendingBase::wait() {
   std::unique_lock lock(mutex_);
-  if (!isSet_ && CallbackThread::isThis()) return false;
+  if (!isSet_ && isCallbackThread()) return false;
   set_.wait(lock, [this] { return isSet_; });
   return true;
 }
@@ -34,7 +23,7 @@ void PendingBase::whenSet(std::function<void()> call) {
       return;
     }
   }
-  call();
+  callbacks_->post(std::move(call));
 }
 
 void PendingBase::setCancel(std::function<void()> cancel) { cancel_ = std::move(cancel); }
@@ -45,10 +34,10 @@ void PendingBase::cancel() const {
 
 void PendingBase::wake(std::unique_lock<std::mutex> lock) {
   isSet_ = true;
-  const auto continuation = std::exchange(continuation_, nullptr);
+  auto continuation = std::exchange(continuation_, nullptr);
   set_.notify_all();
   lock.unlock();
-  if (continuation) continuation();
+  if (continuation) callbacks_->dispatch(std::move(continuation));
 }
 
 }  // namespace detail

@@ -111,7 +111,9 @@ void Preview::end(const StreamRun& run) {
 void Preview::linkChanged(LinkStatus status) {
   const std::lock_guard lock(mutex_);
   if (closed_) return;
-  if (status == LinkStatus::closed && resolution_ && !std::exchange(isLost_, true) && stream_) stream_->lost();
+  // The camera has forgotten its preview with the session: also where another one was opened at once.
+  const bool isNew = status == LinkStatus::closed || status == LinkStatus::open;
+  if (isNew && resolution_ && !std::exchange(isLost_, true) && stream_) stream_->lost();
   if (status != LinkStatus::flowing || !std::exchange(isLost_, false)) return;
   if (stream_) core_.withStack([this](CameraStack& stack) { stream_->startRun(stack); });
   if (!stream_ && lookers_ > 0) startOwn();

@@ -27,7 +27,7 @@ StreamRun::~StreamRun() = default;
 
 Pending<CameraStream> StreamRun::start(const std::shared_ptr<CameraCore>& core, const StreamOptions& options,
                                        const RequestOptions& request) {
-  auto starting = std::make_shared<detail::PendingState<CameraStream>>(core->executor());
+  auto starting = std::make_shared<detail::PendingState<CameraStream>>(core->callbacks());
   const auto run = std::make_shared<StreamRun>(core, options);
   for (const std::string& text : options.outputs) {
     const auto address = parseOutputAddress(text);
@@ -98,7 +98,7 @@ void StreamRun::changed() {
 void StreamRun::postToMain(std::function<void()> call) {
   const auto core = core_.lock();
   if (!core) return;
-  core->postToMain([weak = weak_from_this(), call = std::move(call)] {
+  core->callbacks()->postToMain([weak = weak_from_this(), call = std::move(call)] {
     if (const auto self = weak.lock()) call();
   });
 }
@@ -134,8 +134,7 @@ void StreamRun::stop() {
 template <class T>
 std::shared_ptr<detail::SubscriptionState<T>> StreamRun::subscription(const SubscriptionOptions& options) {
   if (const auto core = core_.lock()) return core->makeSubscription<T>(options);
-  auto ended = std::make_shared<detail::SubscriptionState<T>>(
-      options, [](const std::function<void()>& call) { call(); }, nullptr);
+  auto ended = std::make_shared<detail::SubscriptionState<T>>(options, std::make_shared<detail::Callbacks>(), nullptr);
   ended->end({Reason::closed, "the camera object was destroyed"});
   return ended;
 }

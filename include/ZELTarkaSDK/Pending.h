@@ -34,19 +34,27 @@ class Pending;
 
 namespace detail {
 
+// Where a camera's callbacks run. The default: at once.
+class ZEL_EXPORT Callbacks {
+ public:
+  virtual ~Callbacks() = default;
+  // Runs it there, later.
+  virtual void post(std::function<void()> call) const { call(); }
+  // Runs it there: at once where this is the place.
+  virtual void dispatch(std::function<void()> call) const { post(std::move(call)); }
+};
+
 // What the two ends of a pending result share.
 class ZEL_EXPORT PendingBase {
  public:
-  explicit PendingBase(Executor executor);
+  explicit PendingBase(std::shared_ptr<const Callbacks> callbacks);
   virtual ~PendingBase();
   PendingBase(const PendingBase&) = delete;
   PendingBase& operator=(const PendingBase&) = delete;
 
-  // Runs it where the camera's callbacks run.
-  void post(std::function<void()> call) const;
   // Waits until the result is there. False where this thread runs the camera's callbacks: it would wait for itself.
   bool wait();
-  // Runs it once the result is there: now, or on the thread that sets it.
+  // Runs it where the camera's callbacks run, once the result is there.
   void whenSet(std::function<void()> call);
   // What cancel() does; set before the pending result is handed out.
   void setCancel(std::function<void()> cancel);
@@ -59,7 +67,7 @@ class ZEL_EXPORT PendingBase {
   std::mutex mutex_;
 
  private:
-  const Executor executor_;
+  const std::shared_ptr<const Callbacks> callbacks_;
   std::condition_variable set_;
   bool isSet_ = false;
   std::function<void()> cancel_;
@@ -117,8 +125,7 @@ class [[nodiscard]] Pending {
   // Calls the function once with the result, never inside this call.
   void then(std::function<void(Result<T>)> callback) {
     const auto state = state_;
-    state->whenSet(
-        [state, callback = std::move(callback)] { state->post([state, callback] { callback(state->take()); }); });
+    state->whenSet([state, callback = std::move(callback)] { callback(state->take()); });
   }
 
   // Ends the call with `cancelled`, unless its result is there.
@@ -126,8 +133,9 @@ class [[nodiscard]] Pending {
 
   bool await_ready() const noexcept { return false; }
   void await_suspend(std::coroutine_handle<> coroutine) {
+    // The coroutine may end, and this object with it, before the call has returned.
     const auto state = state_;
-    state->whenSet([state, coroutine] { state->post([coroutine] { coroutine.resume(); }); });
+    state->whenSet([coroutine] { coroutine.resume(); });
   }
   Result<T> await_resume() { return state_->take(); }
 
@@ -140,7 +148,7 @@ class [[nodiscard]] Pending {
     [[noreturn]] void unhandled_exception() noexcept { std::terminate(); }
     // What follows it goes on where it ends.
     std::shared_ptr<detail::PendingState<T>> state =
-        std::make_shared<detail::PendingState<T>>([](std::function<void()> call) { call(); });
+        std::make_shared<detail::PendingState<T>>(std::make_shared<detail::Callbacks>());
   };
 
  private:

@@ -53,8 +53,9 @@ class ZEL_EXPORT DeliveryGate {
 template <class T>
 class SubscriptionState final : public std::enable_shared_from_this<SubscriptionState<T>> {
  public:
-  SubscriptionState(const SubscriptionOptions& options, Executor executor, std::shared_ptr<Patience> patience)
-      : options_(options), executor_(std::move(executor)), patience_(std::move(patience)) {}
+  SubscriptionState(const SubscriptionOptions& options, std::shared_ptr<const Callbacks> callbacks,
+                    std::shared_ptr<Patience> patience)
+      : options_(options), callbacks_(std::move(callbacks)), patience_(std::move(patience)) {}
 
   // What the end of the subscription does at its source. Set before it is handed out.
   void setRelease(std::function<void()> release) { release_ = std::move(release); }
@@ -91,10 +92,12 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
   }
 
   Pending<T> next(const RequestOptions& options) {
-    const auto pending = std::make_shared<PendingState<T>>(executor_);
-    const auto giveUp = [weak = this->weak_from_this(), pending](const CameraError& why) {
-      if (const auto self = weak.lock()) self->forget(pending);
-      pending->set(why);
+    const auto pending = std::make_shared<PendingState<T>>(callbacks_);
+    const auto giveUp = [weak = this->weak_from_this(), waiting = std::weak_ptr(pending)](const CameraError& why) {
+      const auto given = waiting.lock();
+      if (!given) return;
+      if (const auto self = weak.lock()) self->forget(given);
+      given->set(why);
     };
     pending->setCancel([giveUp] { giveUp({CameraError::Reason::cancelled, "the wait was cancelled"}); });
     std::unique_lock lock(mutex_);
@@ -137,7 +140,7 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
     if (!callback_ || isScheduled_ || items_.empty()) return;
     isScheduled_ = true;
     lock.unlock();
-    executor_([self = this->shared_from_this()] { self->deliver(); });
+    callbacks_->post([self = this->shared_from_this()] { self->deliver(); });
   }
 
   void deliver() {
@@ -169,7 +172,7 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
   }
 
   const SubscriptionOptions options_;
-  const Executor executor_;
+  const std::shared_ptr<const Callbacks> callbacks_;
   const std::shared_ptr<Patience> patience_;
   std::function<void()> release_;
   DeliveryGate gate_;

@@ -63,6 +63,16 @@ TEST_F(StreamsTest, PicturesGoOnWhenTheCameraComesBack) {
   EXPECT_TRUE(pictures.next().get());
 }
 
+TEST_F(StreamsTest, PicturesGoOnWhenTheStreamHadToBeOpenedAgain) {
+  simulator::Faults faults;
+  faults.length4GiB = 1;
+  attach(faults);
+  Camera camera = opened();
+  auto pictures = camera.pictures();
+  while (camera.statistics().positionsLost == 0) ASSERT_TRUE(pictures.next().get());
+  for (int one = 0; one < 10; ++one) EXPECT_TRUE(pictures.next().get());
+}
+
 TEST_F(StreamsTest, AStreamGivesWholePicturesAndSoundFromAKeyPictureOn) {
   attach();
   Camera camera = opened();

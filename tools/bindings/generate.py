@@ -5,6 +5,8 @@ usage: generate.py [--check]
 
 With --check it writes nothing, and ends with 1 where a file is not what it would write.
 """
+import re
+import subprocess
 import sys
 import tomllib
 from pathlib import Path
@@ -110,7 +112,6 @@ def cpp_source(table):
 
 def formatted(name, text):
     """As clang-format would have it, so that the lint finds nothing in it."""
-    import subprocess
     done = subprocess.run(["clang-format", f"--assume-filename={ROOT / name}"], input=text, capture_output=True, text=True,
                           check=True, cwd=ROOT)
     return done.stdout
@@ -120,8 +121,17 @@ FILES = {"include/ZELTarkaSDK/CameraValues.h": cpp_structures, "include/ZELTarka
          "facade/camera_requests.cc": cpp_source}
 
 
+def check_rows(table):
+    """Every row of the catalogue is a request, or is said not to be one."""
+    rows = set(re.findall(r'^    \{"(registerMsg\w+)"', (ROOT / "protocol/catalogue.h").read_text(), re.MULTILINE))
+    known = {one["row"] for one in table["request"]} | set(table["without"])
+    for row in sorted(rows ^ known):
+        raise SystemExit(f"generate.py: {row} is in the {'catalogue' if row in rows else 'table'} alone")
+
+
 def main():
     table = tomllib.loads((ROOT / "bindings/requests.toml").read_text())
+    check_rows(table)
     stale = []
     for name, make in FILES.items():
         text = formatted(name, make(table))
