@@ -7,10 +7,12 @@ import sys
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
+from structure import read_edges
+
 ROOT = Path(__file__).resolve().parents[2]
-FOLDERS = ("include", "packaging", "base", "protocol", "platform", "link", "support", "capture", "media", "command", "live", "stack", "simulator", "tools", "apps",
-           "tests", "bench", "fuzz", "examples")
-TIDIED = ("base/", "protocol/", "platform/", "link/", "support/", "capture/", "media/", "command/", "live/", "stack/", "simulator/", "tools/", "apps/")
+LAYERS = sorted({folder.split("/")[0] for folder in read_edges(ROOT / "cmake/lint/edges.txt")})
+FOLDERS = (*LAYERS, "packaging", "tests", "bench", "fuzz", "examples")
+TIDIED = tuple(f"{folder}/" for folder in LAYERS if folder != "include")
 
 
 def run(command):
@@ -77,6 +79,8 @@ def main():
         for name, check in (("format", lambda: check_format(pool)),
                             ("structure", lambda: [out for code, out in [run([sys.executable,
                                                    "cmake/lint/structure.py"])] if code]),
+                            ("bindings", lambda: [out for code, out in [run([sys.executable,
+                                                  "tools/bindings/generate.py", "--check"])] if code]),
                             ("headers", lambda: check_headers(pool)),
                             ("clang-tidy", lambda: check_tidy(pool, ROOT / arguments.build))):
             found = check()

@@ -30,7 +30,7 @@ class ZEL_EXPORT Patience {
  public:
   virtual ~Patience() = default;
   // Calls giveUp once, when the time limit is over or the stop is requested, until what it returns is destroyed.
-  // A time limit of zero is none. giveUp: on any thread, and never inside this call.
+  // A time limit of zero is none. giveUp: called on any thread, and never inside this call.
   virtual std::shared_ptr<void> watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) = 0;
 };
 
@@ -50,6 +50,8 @@ class ZEL_EXPORT DeliveryGate {
 };
 
 // What a subscription and its source share.
+//
+// Thread: any thread.
 template <class T>
 class SubscriptionState final : public std::enable_shared_from_this<SubscriptionState<T>> {
  public:
@@ -60,7 +62,7 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
   // What the end of the subscription does at its source. Set before it is handed out.
   void setRelease(std::function<void()> release) { release_ = std::move(release); }
 
-  // The next one, from its source. Thread: any thread.
+  // The next one, from its source.
   void push(T item) {
     std::unique_lock lock(mutex_);
     if (end_) return;
@@ -80,7 +82,7 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
     schedule(lock);
   }
 
-  // Nothing follows any more; what is kept can still be taken. Thread: any thread.
+  // Nothing follows any more; what is kept can still be taken.
   void end(const CameraError& why) {
     std::deque<Waiting> waiting;
     {
