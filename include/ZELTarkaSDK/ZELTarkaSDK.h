@@ -3,8 +3,14 @@
 // All public headers.
 
 #include <ZELTarkaSDK/AudioConfig.h>
+#include <ZELTarkaSDK/Camera.h>
+#include <ZELTarkaSDK/CameraCaptures.h>
 #include <ZELTarkaSDK/CameraInUse.h>
+#include <ZELTarkaSDK/CameraOptions.h>
+#include <ZELTarkaSDK/CameraRequests.h>
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/CameraStream.h>
+#include <ZELTarkaSDK/CameraValues.h>
 #include <ZELTarkaSDK/EncodedStream.h>
 #include <ZELTarkaSDK/EncodedStreamReceiver.h>
 #include <ZELTarkaSDK/EncodedStreamStatistics.h>
@@ -20,10 +26,13 @@
 #include <ZELTarkaSDK/OutputReport.h>
 #include <ZELTarkaSDK/Outputs.h>
 #include <ZELTarkaSDK/Panorama.h>
+#include <ZELTarkaSDK/Pending.h>
 #include <ZELTarkaSDK/PictureFile.h>
 #include <ZELTarkaSDK/PreviewConsumer.h>
 #include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/PreviewStatistics.h>
+#include <ZELTarkaSDK/Result.h>
+#include <ZELTarkaSDK/Subscription.h>
 #include <ZELTarkaSDK/Version.h>
 #include <ZELTarkaSDK/WireConstants.h>
 #include <ZELTarkaSDK/WireNumber.h>
