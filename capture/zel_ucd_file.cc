@@ -63,9 +63,11 @@ std::string repliedPath(zel::ByteView reply) {
 
 }  // namespace
 
+bool ZELUCDFile::fitsAFrame(std::uint64_t fileSize) { return fileSize <= kLargestFile; }
+
 void ZELUCDFile::sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath,
                                   const ZELData& fileData, const zel::RebackBlock<>& rebackBlock) {
-  const bool fits = fileData.size() <= kLargestFile;
+  const bool fits = fitsAFrame(fileData.size());
   if (!fits && !rebackBlock) return;
   if (!fits || !zel::hasMemoryFor([&] { send(type, filePath.value_or(""), fileData, rebackBlock); })) {
     refuse(rebackBlock);

@@ -35,6 +35,9 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
   void sendFileWithType(std::int64_t type, const std::optional<std::string>& filePath, const ZELData& fileData,
                         const zel::RebackBlock<>& rebackBlock);
 
+  // Whether a file of that many bytes can be sent: the length of its frame has 32 bits.
+  static bool fitsAFrame(std::uint64_t fileSize);
+
   // Files that were not sent, and answers, of which nobody could be told for want of memory.
   std::uint64_t lostForMemory() const { return lostForMemory_.load(); }
 

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -189,6 +191,36 @@ TEST_F(ZELUCDFileTest, KeepsNoHandlerWithoutAPath) {
   host.runUntilIdle();
   EXPECT_EQ(written.size(), 1u);
   EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(ZELUCDFileTest, SendsAFileForWhoseReplyNobodyWaits) {
+  file.sendFileWithType(1, "a", ZELData(bytes({5})), nullptr);
+  EXPECT_THAT(written, ElementsAre(join(bytes({75, 0, 0, 0, 9, 0, 1, 0, 0, 0}), pathField("a"), bytes({5}))));
+}
+
+// The longest frame is one of 0xFFFFFFFF bytes, of which 74 stand before the file.
+TEST(ZELUCDFileSize, FitsAFrameUpTo4294967221Bytes) {
+  EXPECT_TRUE(ZELUCDFile::fitsAFrame(0));
+  EXPECT_TRUE(ZELUCDFile::fitsAFrame(4'294'967'221));
+  EXPECT_FALSE(ZELUCDFile::fitsAFrame(4'294'967'222));
+}
+
+TEST_F(ZELUCDFileTest, RefusesAFileForWhichThereIsNoMemoryOnTheMainQueue) {
+  onWrite = [] { throw std::bad_alloc(); };
+  send("a", "a");
+  EXPECT_THAT(log, IsEmpty());
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre("a 101"));
+}
+
+// A reply that names a file for which nobody waits completes all the others.
+TEST_F(ZELUCDFileTest, ExpectsNoReplyToAFileForWhichThereWasNoMemory) {
+  send("b", "b");
+  onWrite = [] { throw std::bad_alloc(); };
+  send("a", "a");
+  file.parserUCD(reply(2, 0, pathField("a")));
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre("a 101", "b done"));
 }
 
 TEST_F(ZELUCDFileTest, LosesNoAnswerThatComesBeforeTheHandlerIsStored) {
