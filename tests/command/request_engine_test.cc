@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "tests/command/command_test.h"
+#include "tests/command/full_queues.h"
 #include "tests/link/recording_consumers.h"
 
 namespace zel::test {
@@ -192,6 +194,18 @@ TEST_F(RequestEngineTest, FailsTheCaptureAfterTheHandlers) {
   ucd().responseAllReblackBlockWithErrorCode(7);
   host.runUntilIdle();
   EXPECT_THAT(log, ElementsAre("a 7", "b 7", "photoError 7"));
+}
+
+TEST_F(RequestEngineTest, FailsTheCaptureAndEachHandlerWhereThereIsNoMemoryForOneTaskForAll) {
+  FullQueues queues(host.ports().queues);
+  CameraStack full(
+      {host.ports().clock, host.ports().threads, queues, host.ports().accessories, host.ports().notifications});
+  full.parser().setPhotoParser(std::make_shared<RecordingPhoto>(log));
+  full.ucd().msgReqSendSyncData(ZELData(bytes({1})), into("marker"));
+  queues.main.refuse(1);
+  full.ucd().responseAllReblackBlockWithErrorCode(100);
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre("photoError 100", "marker 100"));
 }
 
 // The reply comes while the frame is on its way and the handler is not stored yet: here, out of the packer.

@@ -133,6 +133,38 @@ TEST_F(ZELCameraUCDMemoryTest, AllThatWaitFailWhereverMemoryEnds) {
   }
 }
 
+// The capture's own reply has come; only the photo is awaited.
+TEST_F(ZELCameraUCDMemoryTest, APhotoThatIsAwaitedFailsWhereverMemoryEnds) {
+  for (long number = 1;; ++number) {
+    handler = photo = {};
+    ucd().msgCmdShutterWithGps({}, {}, {}, captured, pictured);
+    answer("0780 00000000 0000000000000000 00");
+    ASSERT_EQ(photo.calls, 0);
+    const std::uint64_t lostBefore = stack.statistics().lostForMemory;
+    const bool struck = makeFailing(number, [](ZELCameraUCD& all) { all.responseAllReblackBlockWithErrorCode(100); });
+    host.runUntilIdle();
+    EXPECT_EQ(photo.calls + static_cast<int>(stack.statistics().lostForMemory - lostBefore), 1) << number;
+    EXPECT_TRUE(photo.calls == 0 || photo.text.starts_with("error 100")) << photo.text;
+    if (!struck) break;
+  }
+}
+
+TEST_F(ZELCameraUCDMemoryTest, AnAnswerThatFindsNoMemoryBecomesARefusal) {
+  int refused = 0;
+  for (long number = 1;; ++number) {
+    handler = {};
+    ucd().msgReqSetWBMode(2, done);
+    const bool struck = makeFailing(number, [](ZELCameraUCD& all) { all.responseCameraMsg(43, std::nullopt); });
+    host.runUntilIdle();
+    EXPECT_EQ(handler.calls, 1) << "allocation " << number;
+    if (!struck) break;
+    EXPECT_EQ(handler.text, "error 101") << "allocation " << number;
+    ++refused;
+  }
+  EXPECT_EQ(handler.text, "ok");
+  EXPECT_GT(refused, 0);
+}
+
 TEST_F(ZELCameraUCDMemoryTest, ARequestThatNobodyWaitsForIsCountedWhereItIsNotSent) {
   int sent = 0, lost = 0;
   for (long number = 1;; ++number) {
