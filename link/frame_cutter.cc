@@ -63,17 +63,15 @@ void FrameCutter::cut(ByteView lastRead) {
     return;
   }
   if (!cutHeld() || !completeHeld(lastRead) || lastRead.empty()) return;
-  std::size_t awaited = 0;
-  if (walk(lastRead, awaited) && hold(lastRead)) buffer_.consume(0, awaited);
+  if (const auto awaited = walk(lastRead); awaited && hold(lastRead)) buffer_.consume(0, *awaited);
 }
 
 bool FrameCutter::cutHeld() {
   if (buffer_.size() < buffer_.awaited() || buffer_.size() < kFrameHeader) return true;
   ByteView rest = buffer_.view();
-  std::size_t awaited = 0;
-  if (!walk(rest, awaited)) return false;
-  buffer_.consume(buffer_.size() - rest.size(), awaited);
-  return true;
+  const auto awaited = walk(rest);
+  if (awaited) buffer_.consume(buffer_.size() - rest.size(), *awaited);
+  return awaited.has_value();
 }
 
 // Moves no more bytes behind the held beginning of a frame than that frame lacks, so that all others are handed on from
@@ -89,22 +87,21 @@ bool FrameCutter::completeHeld(ByteView& lastRead) {
   return true;
 }
 
-bool FrameCutter::walk(ByteView& bytes, std::size_t& awaited) {
-  awaited = 0;
+std::optional<std::size_t> FrameCutter::walk(ByteView& bytes) {
   while (bytes.size() >= kFrameHeader) {
     const auto length = loadLittleEndian<std::uint32_t>(bytes.data());
     const auto type = loadLittleEndian<std::uint16_t>(bytes.data() + 4);
-    if (!isPossible(length, type)) return losePosition();
-    if (bytes.size() < length) {  // not an error: the rest comes with a later read
-      awaited = length;
-      break;
+    if (!isPossible(length, type)) {
+      losePosition();
+      return std::nullopt;
     }
+    if (bytes.size() < length) return length;  // not an error: the rest comes with a later read
     statistics_.addFrame(type, length);
     sink_.takeFrame(type, bytes.subspan(kFrameHeader, length - kFrameHeader));
-    if (wasCleared()) return false;  // a consumer, or another thread, closed or reopened the session
+    if (wasCleared()) return std::nullopt;  // a consumer, or another thread, closed or reopened the session
     bytes = bytes.subspan(length);
   }
-  return true;
+  return 0;
 }
 
 bool FrameCutter::isPossible(std::uint32_t length, std::uint16_t type) {

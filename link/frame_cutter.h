@@ -88,9 +88,10 @@ class FrameCutter {
   // any more.
   bool cutHeld();
   bool completeHeld(ByteView& lastRead);
-  // Hands on the whole frames at the front of `bytes` and removes them; `awaited` is the length of the one that is cut.
-  bool walk(ByteView& bytes, std::size_t& awaited);
   bool losePosition();
+  // Hands on the whole frames at the front of `bytes` and removes them. Returns the length of the frame that is cut, 0
+  // when unknown; nullopt where those above return false.
+  std::optional<std::size_t> walk(ByteView& bytes);
   bool isPossible(std::uint32_t length, std::uint16_t type);
 
   FrameSink& sink_;
