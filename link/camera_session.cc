@@ -180,12 +180,16 @@ std::int64_t CameraSession::stampSyncTime() {
   return now;
 }
 
+std::int32_t CameraSession::syncTimeCount() const {
+  const MutexLock lock(mutex_);
+  return syncTimeCount_;
+}
+
 bool CameraSession::takeSyncTimeResend() {
-  std::int32_t left = syncTimeCount_.load();
-  while (left >= 1) {
-    if (syncTimeCount_.compare_exchange_weak(left, left - 1)) return true;
-  }
-  return false;
+  const MutexLock lock(mutex_);
+  if (syncTimeCount_ < 1) return false;
+  --syncTimeCount_;
+  return true;
 }
 
 // One block for the session object, not for the process: two stacks read at the same time.

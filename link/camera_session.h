@@ -59,7 +59,7 @@ class CameraSession final : zel::ConnectionOwner {
   std::int64_t syncTimestamp() const { return syncTimestamp_.load(); }
 
   // Remaining re-sends of the time synchronisation. 10 at first and never refilled, not even by a reconnection.
-  std::int32_t syncTimeCount() const { return syncTimeCount_.load(); }
+  std::int32_t syncTimeCount() const;
   // Uses one; false when none is left.
   bool takeSyncTimeResend();
 
@@ -109,11 +109,11 @@ class CameraSession final : zel::ConnectionOwner {
   zel::KeepAlive keepAlive_;              // set before the first opening
   std::vector<std::uint8_t> readBuffer_;  // session thread only
   std::atomic<std::int64_t> syncTimestamp_ = 0;
-  std::atomic<std::int32_t> syncTimeCount_ = 10;
   std::atomic<std::uint64_t> streamErrors_ = 0;
   std::atomic<std::uint64_t> bytesWritten_ = 0;
 
   mutable zel::Mutex mutex_;
+  std::int32_t syncTimeCount_ ZEL_GUARDED_BY(mutex_) = 10;
   std::uint64_t openings_ ZEL_GUARDED_BY(mutex_) = 0;  // changes with each opening and closing
   std::shared_ptr<zel::platform::Accessory> sessionAccessory_ ZEL_GUARDED_BY(mutex_);
   Connection connection_ ZEL_GUARDED_BY(mutex_);  // the open session
