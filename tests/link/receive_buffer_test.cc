@@ -98,6 +98,16 @@ TEST(ReceiveBufferTest, DoesNotGrowWhereTheBytesJustFit) {
   EXPECT_EQ(buffer.capacity(), 65536u);
 }
 
+TEST(ReceiveBufferTest, LeavesTheHeldBytesWhereTheyAreWhereTheNewOnesJustFit) {
+  ReceiveBuffer buffer;
+  buffer.append(repeated(60000, 1));
+  buffer.consume(30000, 0);
+  const std::uint8_t* const held = buffer.view().data();
+  buffer.append(repeated(5536, 2));  // up to the last of 65536 bytes
+  EXPECT_EQ(buffer.view().data(), held);
+  EXPECT_EQ(buffer.size(), 35536u);
+}
+
 TEST(ReceiveBufferTest, AwaitsNothingOnceItIsCleared) {
   ReceiveBuffer buffer;
   buffer.append(bytes({1, 2}));

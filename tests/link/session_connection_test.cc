@@ -126,6 +126,23 @@ TEST_F(SessionConnectionTest, EndsAThreadThatNeverBeganWithoutTellingItsOwner) {
   EXPECT_EQ(owner.ended, 0);
 }
 
+// close() waits for nothing, because it may be called on the session thread itself, or while that thread is busy.
+TEST_F(SessionConnectionTest, LeavesItToItsThreadToCloseTheStreams) {
+  start();
+  connection->close();
+  EXPECT_EQ(host.liveThreads("session thread"), 1);
+  EXPECT_FALSE(link().isClosed());
+  host.runUntilIdle();
+  EXPECT_EQ(host.liveThreads("session thread"), 0);
+  EXPECT_TRUE(link().isClosed());
+}
+
+TEST_F(SessionConnectionTest, HasEndedAThreadThatNeverBeganOnceItIsClosed) {
+  connection->close();
+  EXPECT_EQ(host.liveThreads("session thread"), 0);
+  EXPECT_TRUE(link().isClosed());
+}
+
 class NoThreads final : public platform::Threads {
  public:
   explicit NoThreads(platform::Threads& platform) : platform_(platform) {}
