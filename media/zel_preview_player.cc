@@ -94,7 +94,7 @@ std::shared_ptr<ZELPreviewPlayer> ZELPreviewPlayer::create(const zel::platform::
 
 ZELPreviewPlayer::ZELPreviewPlayer(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
-ZELPreviewPlayer::~ZELPreviewPlayer() { state_->endStream(nullptr); }
+ZELPreviewPlayer::~ZELPreviewPlayer() = default;
 
 // Video
 
