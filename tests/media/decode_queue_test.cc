@@ -79,6 +79,15 @@ TEST_F(DecodeQueueTest, HoldsSixtyFourMebibytesAndNoByteMore) {
   EXPECT_EQ(queue.take()->timestamp(), 1u);
 }
 
+TEST_F(DecodeQueueTest, KeepsTheOnlyUnitHoweverLargeItIs) {
+  const Bytes large = join(prefixed({0x65}), repeated(64 << 20, 7));
+  EXPECT_EQ(queue.append(std::make_shared<orq::MediaBuffer>(large.data(), static_cast<int>(large.size()), 1)), 0u);
+  EXPECT_EQ(queue.size(), 1u);
+  append(0x41, 2);
+  EXPECT_EQ(queue.size(), 1u);
+  EXPECT_EQ(takeNumber(), 2);
+}
+
 // Each takes many times its own bytes.
 TEST_F(DecodeQueueTest, HoldsAHundredThousandUnitsOfAFewBytesAndNotOneMore) {
   for (int i = 0; i < 100'000; ++i) append(0x65, i);
