@@ -8,8 +8,7 @@ namespace zel {
 // What a live source is at. The interface tells it by two flags, isLive and cancelled.
 enum class LiveState {
   idle,      // no run
-  starting,  // the camera's replies are awaited; a failure on the way leaves the run here
-  running,   // attached to the player
+  running,   // from its start on; a start that fails on the way leaves the run here
   stopping,  // cancelled; the stop waits for the run's threads
   outlived,  // begun while the stop before it was under way, whose end has let the camera go: neither live nor
              // cancelled
@@ -23,7 +22,7 @@ class LiveRun {
   LiveState state() const { return state_.load(); }
   bool isLive() const {
     const LiveState state = state_.load();
-    return state == LiveState::starting || state == LiveState::running || state == LiveState::stopping;
+    return state == LiveState::running || state == LiveState::stopping;
   }
   bool cancelled() const {
     const LiveState state = state_.load();
@@ -33,11 +32,7 @@ class LiveRun {
   std::uint64_t number() const { return stops_.load(); }
   bool isOver(std::uint64_t number) const { return cancelled() || stops_.load() != number; }
 
-  void begin() { state_.store(LiveState::starting); }
-  void attached() {
-    LiveState seen = LiveState::starting;
-    state_.compare_exchange_strong(seen, LiveState::running);
-  }
+  void begin() { state_.store(LiveState::running); }
 
   // False where there is nothing to stop, or somebody is at it.
   bool beginStop() {

@@ -141,7 +141,6 @@ bool ZELLiveDataSource::attachToPlayer(std::uint64_t run) {
   }
   attached->setPixelBufferDelegate(weak_from_this());
   attached->setMediaDataDelegate(weak_from_this());
-  state_->run.attached();
   return true;
 }
 

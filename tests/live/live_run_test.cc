@@ -15,9 +15,8 @@ TEST(LiveRunTest, IsCancelledAndNotLiveBeforeAnyStart) {
 TEST(LiveRunTest, IsLiveFromItsStartToTheEndOfItsStop) {
   LiveRun run;
   run.begin();
-  EXPECT_TRUE(run.isLive() && !run.cancelled());
-  run.attached();
   EXPECT_EQ(run.state(), LiveState::running);
+  EXPECT_TRUE(run.isLive() && !run.cancelled());
   EXPECT_TRUE(run.beginStop());
   EXPECT_TRUE(run.isLive() && run.cancelled());
   run.endStop();
@@ -43,12 +42,6 @@ TEST(LiveRunTest, IsOverForALateStepOfARunThatWasStopped) {
   run.begin();
   EXPECT_TRUE(run.isOver(first));
   EXPECT_FALSE(run.isOver(run.number()));
-}
-
-TEST(LiveRunTest, AttachesOnlyWhatIsStarting) {
-  LiveRun run;
-  run.attached();
-  EXPECT_EQ(run.state(), LiveState::idle);
 }
 
 TEST(LiveRunTest, AStartInsideAStopIsNeitherLiveNorCancelledOnceThatStopEnds) {
