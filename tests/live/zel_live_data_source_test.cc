@@ -5,8 +5,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include <ZELTarkaSDK/platform/application_events.h>
 
+#include "tests/command/full_queues.h"
 #include "tests/live/live_test.h"
 
 namespace zel::test {
@@ -182,6 +189,34 @@ TEST_F(ZELLiveDataSourceTest, FailsLikewiseWhereThereIsNoEncoder) {
   EXPECT_THAT(log->take(), ElementsAre("error zelcam.liveSource 7 failed to open encoder"));
 }
 
+class StitchingWithoutMemory : public ZELLiveDataSourceTest {
+ protected:
+  void SetUp() override {
+    const platform::Ports given = ports();
+    stack = std::make_unique<CameraStack>(platform::Ports{given.clock, given.threads, queues, given.accessories,
+                                                          given.notifications, given.videoDecoders, given.mediaLibrary,
+                                                          given.videoEncoders});
+    ZELLiveDataSourceTest::SetUp();
+    queues.global.refuse(2);  // the first attaches the source to the player
+  }
+  void TearDown() override {
+    source.reset();
+    stack.reset();
+    host.runUntilIdle();
+  }
+
+  FullQueues queues{host.ports().queues};
+};
+
+TEST_F(StitchingWithoutMemory, IsToldAsAnEncoderThatDoesNotOpenAndOpensNone) {
+  start();
+  EXPECT_THAT(log->take(), ElementsAre("error zelcam.liveSource 7 failed to open encoder"));
+  EXPECT_THAT(encoders.created(), IsEmpty());
+  EXPECT_EQ(host.liveTasks(), 0u);
+  source->stopLiveData();
+  expectNothingLeft();
+}
+
 TEST_F(ZELLiveDataSourceTest, MakesNoRendererAndNoEncoderWithoutStitching) {
   source->setIsStitch(false);
   start();
@@ -348,6 +383,28 @@ TEST_F(ZELLiveDataSourceTest, GivesNoViewWithoutALensOffset) {
   answer("0FC0 00");
   EXPECT_THAT(log->take(), ElementsAre("error zelcam.liveSource 3 failed to get camera offset"));
   EXPECT_EQ(viewsGiven, 0);
+}
+
+// A result block that finds no memory for a copy of itself.
+struct UncopiedBlock {
+  explicit UncopiedBlock(std::vector<bool>& into) : results(into) {}
+  UncopiedBlock(UncopiedBlock&&) = default;
+  UncopiedBlock(const UncopiedBlock& other) : results(other.results) { throw std::bad_alloc(); }
+  void operator()(bool success) const { results.push_back(success); }
+
+  std::vector<bool>& results;
+};
+
+TEST_F(ZELLiveDataSourceTest, TellsASwitchForWhichThereIsNoMemoryAsOneThatTheCameraRefuses) {
+  std::vector<bool> results;
+  source->setCameraPreviewOn(true, UncopiedBlock(results));
+  source->setCameraPreviewOn(false, UncopiedBlock(results));
+  source->setCameraAudioOn(false, UncopiedBlock(results));
+  EXPECT_THAT(results, ElementsAre(false, false, false));
+  EXPECT_THAT(written(), IsEmpty());
+  EXPECT_THAT(log->take(), ElementsAre("error zelcam.liveSource 4 failed to open camera video stream",
+                                       "error zelcam.liveSource 5 failed to close camera video stream",
+                                       "error zelcam.liveSource 6 failed to switch audio"));
 }
 
 // The renderer's purple switch
