@@ -26,6 +26,7 @@ ZELMessageFields read(const Field& one, const Bytes& body) {
 }
 
 constexpr Field kShort = field::s16("shortValue");
+constexpr Field kLowByte = field::lowByteOfU16("ushortValue");
 constexpr Field kByteOfInt = field::u8OfInt("intValue");
 constexpr Field kName = field::nameField<4>("name", "nsString");
 constexpr Field kTerminated = field::terminatedName("nsString");
@@ -35,6 +36,7 @@ constexpr Field kRecord = field::record<ZELIPMEParam>("record", "NSValue1");
 
 TEST(FieldTest, PacksAMissingKeyAsZero) {
   EXPECT_EQ(packed(kShort, {}), bytes({0, 0}));
+  EXPECT_EQ(packed(kLowByte, {}), bytes({0, 0}));
   EXPECT_EQ(packed(kName, {}), bytes({0, 0, 0, 0}));
   EXPECT_EQ(packed(kRecord, {}), bytes({0, 0}));
   EXPECT_THAT(packed(kRest, {}), IsEmpty());

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 #include <ZELTarkaSDK/platform/notification_center.h>
 
+#include "live/live_parts.h"
 #include "platform/simulated/scripted_video_decoder.h"
 #include "platform/simulated/simulated_platform.h"
 #include "tests/link/simulated_camera.h"
@@ -354,6 +356,17 @@ TEST_F(LastAnswers, ReachAnUploadAndAMarkerRequestWithoutALink) {
   EXPECT_THAT(log, ElementsAre());
   go();
   EXPECT_THAT(log, UnorderedElementsAre("marker 100", "upload 100"));
+}
+
+TEST_F(LastAnswers, ReachAnUploadThatALiveSourcesPartsSentAfterTheStack) {
+  std::optional<LiveParts> parts = stack->liveParts();
+  go();
+  parts->ucd->sendFileWithType(1, "a", ZELData(bytes({1})), noting("upload"));
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre());
+  parts.reset();
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre("upload 100"));
 }
 
 // Deliberate: who is replaced is not answered, now or later.

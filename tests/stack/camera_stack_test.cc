@@ -98,6 +98,11 @@ TEST_F(CameraStackTest, GivesBackEverythingOverTwoHundredPluggings) {
   }
 }
 
+TEST(ReceiveLimitsTest, AllowFramesOf256MebibytesAndUnitsOf64UntilTheHostSetsOthers) {
+  EXPECT_EQ(ReceiveLimits().frame, 268'435'456u);
+  EXPECT_EQ(ReceiveLimits().unit, 67'108'864);
+}
+
 class PreviewTest : public SimulatedCameraTest {
  protected:
   PreviewTest() {

@@ -7,9 +7,12 @@
 #include <ZELTarkaSDK/ZELPreviewPlayer.h>
 
 #include <stdlib.h>
+#include <time.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -127,6 +130,25 @@ bool logsBeforeAndAfterPorts() {
 
 TEST(DefaultStackDeathTest, LogsBeforePortsAreNamedAndWithThemAfterwards) {
   EXPECT_EXIT(exitWith(logsBeforeAndAfterPorts()), testing::ExitedWithCode(0), "");
+}
+
+// The system's time in UTC, to the second.
+std::string systemTime() {
+  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  std::tm fields{};
+  std::array<char, 32> text{};
+  ::gmtime_r(&now, &fields);
+  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &fields)};
+}
+
+bool tellsTheSystemsTimeWithoutPorts() {
+  const std::string before = systemTime();
+  const std::string told = ZELDateFormatter::defaultFormatter().getCurrentTime().substr(0, before.size());
+  return before <= told && told <= systemTime();
+}
+
+TEST(DefaultStackDeathTest, TellsTheSystemsTimeInUtcBeforePortsAreNamed) {
+  EXPECT_EXIT(exitWith(tellsTheSystemsTimeWithoutPorts()), testing::ExitedWithCode(0), "");
 }
 
 TEST(DefaultStackDeathTest, HasOneDataWriter) {

@@ -85,6 +85,12 @@ TEST_F(LogFileTest, AppearsEmptyAfterAWriteOfNothing) {
   EXPECT_EQ(filesThere(), 1);
 }
 
+TEST_F(LogFileTest, GrowsFromAnEmptyFile) {
+  append("");
+  append("one");
+  EXPECT_EQ(contentOf(file()), "one");
+}
+
 TEST_F(LogFileTest, StaysAsItIsAfterAFurtherWriteOfNothing) {
   append("one");
   append("");
