@@ -27,7 +27,7 @@ constexpr ColourMatrix colourMatrixOf(int number) {
 
 // The shares of red and blue in luma; the rest is green.
 struct LumaShares {
-  double red = 0, blue = 0;
+  double red, blue;
 };
 
 constexpr LumaShares lumaSharesOf(ColourMatrix matrix) {
