@@ -241,7 +241,7 @@ void CameraCore::close() {
   linkChanges.end(kClosed);
   statusObservation_.reset();
   stack_.reset();
-  host_->ports().queues.mainQueue().post([deadlines = deadlines_] { deadlines->close(); });
+  deadlines_->close();
   callbacks_->close();
   host_.reset();
 }

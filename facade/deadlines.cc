@@ -40,29 +40,32 @@ void Deadlines::remove(Id id) {
 }
 
 void Deadlines::close() {
-  std::map<Due, std::function<void()>> calls;
-  {
-    const MutexLock lock(mutex_);
-    isClosed_ = true;
-    calls.swap(calls_);
-    times_.clear();
-  }
-  timer_.reset();
+  std::map<Due, std::function<void()>> calls;  // destroyed without the lock, as the timer
+  std::unique_ptr<platform::Timer> timer;
+  const MutexLock lock(mutex_);
+  isClosed_ = true;
+  calls.swap(calls_);
+  times_.clear();
+  timer.swap(timer_);
 }
 
 void Deadlines::arm() {
+  std::unique_ptr<platform::Timer> timer;
   double time = kNever;
   {
     const MutexLock lock(mutex_);
+    timer.swap(timer_);
     if (!isClosed_ && !calls_.empty()) time = calls_.begin()->first.first;
     armed_ = time;
   }
-  timer_.reset();
+  timer.reset();
   if (time == kNever) return;
-  timer_ =
+  timer =
       ports_.threads.currentRunLoop().scheduleRepeating(std::max(time - now(), kShortest), [weak = weak_from_this()] {
         if (const auto self = weak.lock()) self->fire();
       });
+  const MutexLock lock(mutex_);
+  if (!isClosed_) timer.swap(timer_);
 }
 
 void Deadlines::fire() {

@@ -16,7 +16,7 @@ namespace zel {
 // Calls functions at their times, on the main queue, with one timer for all.
 //
 // Units:  seconds of the clock's steady time.
-// Owner:  held by shared pointers; the ports must outlive the last call. close() before the main queue ends.
+// Owner:  held by shared pointers; the ports must outlive close().
 // Thread: any thread.
 class Deadlines : public std::enable_shared_from_this<Deadlines> {
  public:
@@ -27,8 +27,7 @@ class Deadlines : public std::enable_shared_from_this<Deadlines> {
   Id add(double time, std::function<void()> call);
   // Afterwards its call does not begin.
   void remove(Id id);
-  // Drops all of them; none is taken any more.
-  // Thread: main queue, or any once that has ended.
+  // Drops all of them; none is taken any more. Waits for one that is running, except inside a callback.
   void close();
 
   double now() const { return ports_.clock.steadyTime(); }
@@ -46,7 +45,7 @@ class Deadlines : public std::enable_shared_from_this<Deadlines> {
   Id next_ ZEL_GUARDED_BY(mutex_) = 1;
   double armed_ ZEL_GUARDED_BY(mutex_) = kNever;  // the time that the timer is set to, or will be
   bool isClosed_ ZEL_GUARDED_BY(mutex_) = false;
-  std::unique_ptr<platform::Timer> timer_;  // main queue only
+  std::unique_ptr<platform::Timer> timer_ ZEL_GUARDED_BY(mutex_);
 
   static constexpr double kNever = std::numeric_limits<double>::infinity();
 };
