@@ -1,5 +1,6 @@
 """Runs test programs: once unchanged, to learn which mutants each reaches, then for each mutant until one of them fails."""
 import os
+import re
 import resource
 import signal
 import subprocess
@@ -52,7 +53,12 @@ def run(program, environment, wall=None, cpu=None):
                 return "timed out", ""
     if process.returncode in (-signal.SIGXCPU, -signal.SIGKILL):
         return "timed out", ""
-    return "passed" if process.returncode == 0 else "failed", said.decode(errors="replace")[-4000:]
+    return "passed" if process.returncode == 0 else "failed", _end(said.decode(errors="replace"))
+
+
+def _end(said):
+    """The end of what GoogleTest has said, without the tests that it skipped: after the first failure those are all."""
+    return re.sub(r"^.*: Skipped\n.*\n", "", said, flags=re.MULTILINE)[-4000:]
 
 
 def learn(program, highest, environment):

@@ -57,6 +57,11 @@ class TrialsTest(unittest.TestCase):
     def test_tells_what_a_plain_run_that_fails_has_said(self):
         self.assertEqual(trials.learn(self.program("#!/bin/sh\necho broken\nexit 3\n"), 6, {}), "broken\n")
 
+    def test_tells_the_failure_itself_though_hundreds_of_tests_are_skipped_after_it(self):
+        skipped = 'for test in $(seq 500); do printf "tests/media/a_test.cc:10: Skipped\\n\\n"; done'
+        program = self.program(f"#!/bin/bash\necho 'a_test.cc:7: Failure'\n{skipped}\necho '[  PASSED  ] 3 tests.'\nexit 1\n")
+        self.assertEqual(trials.learn(program, 6, {}), "a_test.cc:7: Failure\n[  PASSED  ] 3 tests.\n")
+
     def test_a_failing_or_crashing_test_kills(self):
         program = self.program()
         program.reached = {2, 3}
