@@ -10,6 +10,19 @@ namespace {
 
 constexpr int kStepsBeforeLivelock = 1'000'000;
 
+// Sets a value for a scope.
+class Within {
+ public:
+  Within(double& value, double meanwhile) : value_(value), before_(std::exchange(value, meanwhile)) {}
+  ~Within() { value_ = before_; }
+  Within(const Within&) = delete;
+  Within& operator=(const Within&) = delete;
+
+ private:
+  double& value_;
+  const double before_;
+};
+
 }  // namespace
 
 // A call in progress keeps its task alive, so that it may destroy its timer.
@@ -175,9 +188,45 @@ void SimulatedScheduler::resume(const std::shared_ptr<SimulatedTask>& task) {
   running_.push_back(nullptr);
   SimulatedTask* const outer = std::exchange(runningTask_, task.get());
   task->resume();
+  turn_.acquire();
   runningTask_ = outer;
   running_.pop_back();
-  if (task->hasEnded()) std::erase(tasks_, task);
+  const auto ended = std::ranges::find_if(tasks_, &SimulatedTask::hasEnded);
+  if (ended == tasks_.end()) return;
+  (*ended)->join();
+  tasks_.erase(ended);
+}
+
+// Called by the running task, which stops for what it has told. If another task is next, that one is resumed from here
+// rather than by the scheduler's thread: a switch of threads is by far the most expensive step of all.
+void SimulatedScheduler::passOn() {
+  SimulatedTask* const stopping = runningTask_;
+  const auto next = taskThatIsNext();
+  if (next.get() == stopping) return;
+  if (next) {
+    runningTask_ = next.get();
+    next->resume();
+  } else {
+    turn_.release();
+  }
+  stopping->stop();
+}
+
+// The task that the scheduler would resume as its next step, or null if it would do anything else.
+std::shared_ptr<SimulatedTask> SimulatedScheduler::taskThatIsNext() {
+  for (;;) {
+    if (now_ > until_ || steps_ >= kStepsBeforeLivelock) return nullptr;
+    if (std::ranges::any_of(loops_, &SimulatedRunLoop::isReady)) return nullptr;
+    const auto ready = readyTasks();
+    if (!ready.empty()) {
+      ++steps_;
+      return ready[random_() % ready.size()];
+    }
+    const double next = nextEvent();
+    if (next > until_) return nullptr;
+    now_ = std::max(now_, next);
+    steps_ = 0;
+  }
 }
 
 void SimulatedScheduler::abandonTasks() {
@@ -189,6 +238,7 @@ void SimulatedScheduler::sleepFor(double seconds) {
   if (seconds <= 0) return;
   if (runningTask_ == nullptr) return setNow(now_ + seconds);
   runningTask_->sleepUntil(now_ + seconds);
+  passOn();
 }
 
 bool SimulatedScheduler::waitUntil(const std::function<bool()>& condition, double deadline) {
@@ -196,8 +246,10 @@ bool SimulatedScheduler::waitUntil(const std::function<bool()>& condition, doubl
   if (met) return true;
   if (runningTask_ != nullptr) {
     runningTask_->waitUntil([&] { return met = condition(); }, deadline);
+    passOn();
     return met;
   }
+  const Within noOtherStep(until_, kNotAtAll);
   while (!condition()) {
     if (now_ >= deadline) return false;
     const auto ready = readyTasks();
@@ -218,9 +270,18 @@ double SimulatedScheduler::nextWakening() const {
   return next;
 }
 
-void SimulatedScheduler::runUntilIdle() {
-  for (int steps = 0; runOne(); ++steps) {
-    if (steps >= kStepsBeforeLivelock) throw std::runtime_error("simulated platform: work without end");
+double SimulatedScheduler::nextEvent() const {
+  double next = nextWakening();
+  for (const SimulatedRunLoop* loop : loops_) next = std::min(next, loop->nextTimer());
+  return next;
+}
+
+void SimulatedScheduler::runUntilIdle() { run(now_); }
+
+void SimulatedScheduler::run(double until) {
+  const Within limit(until_, until);
+  for (steps_ = 0; runOne(); ++steps_) {
+    if (steps_ >= kStepsBeforeLivelock) throw std::runtime_error("simulated platform: work without end");
   }
 }
 
@@ -231,16 +292,13 @@ void SimulatedScheduler::endStoppedThreads() {
 
 void SimulatedScheduler::advance(double seconds) {
   const double until = now_ + seconds;
-  runUntilIdle();
-  for (;;) {
-    double next = nextWakening();
-    for (const SimulatedRunLoop* loop : loops_) next = std::min(next, loop->nextTimer());
-    if (next > until) break;
+  run(until);
+  for (double next = nextEvent(); next <= until; next = nextEvent()) {
     now_ = std::max(now_, next);
-    runUntilIdle();
+    run(until);
   }
   now_ = until;
-  runUntilIdle();
+  run(until);
 }
 
 }  // namespace zel::platform

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <random>
+#include <semaphore>
 #include <string>
 #include <vector>
 
@@ -41,7 +42,7 @@ class SimulatedScheduler {
   void advance(double seconds);
 
   // Adds a task of the global queue, without an order among them.
-  void addTask(Task task) { tasks_.push_back(std::make_shared<SimulatedTask>(std::move(task))); }
+  void addTask(Task task) { tasks_.push_back(std::make_shared<SimulatedTask>(std::move(task), turn_)); }
   // Tasks of the global queue that have not ended.
   std::size_t taskCount() const { return tasks_.size(); }
   // Drops tasks that have not begun, and never resumes the others.
@@ -63,13 +64,19 @@ class SimulatedScheduler {
  private:
   friend class SimulatedRunLoop;
 
+  static constexpr double kNotAtAll = -kNever;
+
   void add(SimulatedRunLoop& loop) { loops_.push_back(&loop); }
   void remove(SimulatedRunLoop& loop);
   bool runOne();
   void step(SimulatedRunLoop& loop);
+  void run(double until);
   void resume(const std::shared_ptr<SimulatedTask>& task);
+  void passOn();
+  std::shared_ptr<SimulatedTask> taskThatIsNext();
   std::vector<std::shared_ptr<SimulatedTask>> readyTasks() const;
   double nextWakening() const;
+  double nextEvent() const;
 
   double now_ = 0;
   std::mt19937_64 random_;
@@ -77,6 +84,9 @@ class SimulatedScheduler {
   std::vector<std::shared_ptr<SimulatedTask>> tasks_;
   std::vector<SimulatedRunLoop*> running_;  // null for a task of the global queue
   SimulatedTask* runningTask_ = nullptr;
+  std::binary_semaphore turn_{0};  // released when the running task lets the scheduler's own thread continue
+  double until_ = kNotAtAll;       // how far a task that stops may advance the time
+  int steps_ = 0;                  // since the time has advanced
 };
 
 // A run loop that is also a queue. Ready work is its tasks in order, then signalled sources and timers that are due.

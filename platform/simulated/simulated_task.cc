@@ -15,8 +15,6 @@ bool SimulatedTask::isReady(double now) {
 void SimulatedTask::resume() {
   if (!thread_.joinable()) thread_ = std::thread([self = shared_from_this()] { self->run(); });
   go_.release();
-  stopped_.acquire();
-  if (ended_) thread_.join();
 }
 
 void SimulatedTask::abandon() {
@@ -27,24 +25,12 @@ void SimulatedTask::run() {
   go_.acquire();
   std::exchange(task_, nullptr)();
   ended_ = true;
-  stopped_.release();
-}
-
-void SimulatedTask::sleepUntil(double time) {
-  wakesAt_ = time;
-  yield();
+  schedulersTurn_.release();
 }
 
 void SimulatedTask::waitUntil(std::function<bool()> condition, double deadline) {
   wakesAt_ = deadline;
   condition_ = std::move(condition);
-  yield();
-  condition_ = nullptr;
-}
-
-void SimulatedTask::yield() {
-  stopped_.release();
-  go_.acquire();
 }
 
 }  // namespace zel::platform

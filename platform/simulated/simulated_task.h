@@ -13,12 +13,14 @@ namespace zel::platform {
 inline constexpr double kNever = std::numeric_limits<double>::infinity();  // seconds
 
 // A task of the simulated global queue. It has its own thread, so that it can sleep or wait anywhere. The thread runs
-// only while the scheduler waits for it, so only one thread runs at a time.
+// only while the scheduler and all other tasks wait, so only one thread runs at a time.
 // Owner:  the thread keeps the object alive. A task that is abandoned after it has begun is never resumed.
 // Thread: as each operation says.
 class SimulatedTask final : public std::enable_shared_from_this<SimulatedTask> {
  public:
-  explicit SimulatedTask(Task task) : task_(std::move(task)) {}
+  // schedulersTurn: released when it ends.
+  SimulatedTask(Task task, std::binary_semaphore& schedulersTurn)
+      : task_(std::move(task)), schedulersTurn_(schedulersTurn) {}
   SimulatedTask(const SimulatedTask&) = delete;
   SimulatedTask& operator=(const SimulatedTask&) = delete;
 
@@ -26,29 +28,31 @@ class SimulatedTask final : public std::enable_shared_from_this<SimulatedTask> {
   bool isReady(double now);
   // Scheduler: when it must continue at the latest; kNever while it waits without a deadline.
   double wakesAt() const { return wakesAt_; }
-  // Scheduler: runs it until it sleeps, waits or ends.
+  // Scheduler, or the task that stops: lets it run until it stops or ends. Returns at once.
   void resume();
   bool hasEnded() const { return ended_; }
+  // Scheduler: waits for the thread of a task that has ended.
+  void join() { thread_.join(); }
   // Scheduler: never resumes it.
   void abandon();
 
-  // The task itself: yields to the scheduler until that time, or until the condition is true or the deadline is
-  // reached.
-  void sleepUntil(double time);
+  // The task itself: what it is going to stop for. It becomes ready at that time, or when the condition is true.
+  void sleepUntil(double time) { wakesAt_ = time; }
   void waitUntil(std::function<bool()> condition, double deadline);
+  // The task itself: stops until it is resumed. Somebody else must have been told to run before.
+  void stop() { go_.acquire(); }
 
  private:
   void run();
-  void yield();
 
-  // Only one side at a time uses these; the semaphores pass them on.
+  // Only one thread at a time uses these; the semaphores pass them on.
   Task task_;
+  std::binary_semaphore& schedulersTurn_;
   double wakesAt_ = 0;
   std::function<bool()> condition_;
   bool ended_ = false;
   std::thread thread_;
   std::binary_semaphore go_{0};
-  std::binary_semaphore stopped_{0};
 };
 
 }  // namespace zel::platform
