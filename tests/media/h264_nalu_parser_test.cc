@@ -27,25 +27,25 @@ class H264NaluParserTest : public testing::Test {
   orq::H264NaluParser parser;
 };
 
-const Bytes kSps = unit({0x67, 1, 2});
-const Bytes kPps = unit({0x68, 3});
-const Bytes kIdr = unit({0x65, 4, 5, 6});
+const Bytes kParsedSps = unit({0x67, 1, 2});
+const Bytes kParsedPps = unit({0x68, 3});
+const Bytes kParsedIdr = unit({0x65, 4, 5, 6});
 
 TEST_F(H264NaluParserTest, GivesAnEmptyUnitFirstAndHoldsTheLastBack) {
-  EXPECT_THAT(append(join(kSps, kPps, kIdr)), ElementsAre(Bytes(), kSps, kPps));
-  EXPECT_THAT(append(kSps), ElementsAre(kIdr));
-  EXPECT_THAT(append(join(kPps, kIdr)), ElementsAre(kSps, kPps));
+  EXPECT_THAT(append(join(kParsedSps, kParsedPps, kParsedIdr)), ElementsAre(Bytes(), kParsedSps, kParsedPps));
+  EXPECT_THAT(append(kParsedSps), ElementsAre(kParsedIdr));
+  EXPECT_THAT(append(join(kParsedPps, kParsedIdr)), ElementsAre(kParsedSps, kParsedPps));
 }
 
 TEST_F(H264NaluParserTest, GivesUnitsWithoutATimestamp) {
-  parser.AppendData(kIdr.data(), 8);
-  EXPECT_EQ(parser.AppendData(kIdr.data(), 8).at(0)->timestamp(), 0u);
+  parser.AppendData(kParsedIdr.data(), 8);
+  EXPECT_EQ(parser.AppendData(kParsedIdr.data(), 8).at(0)->timestamp(), 0u);
 }
 
 TEST_F(H264NaluParserTest, HoldsAWholeChunkOfFourToEightBytesBack) {
-  EXPECT_THAT(append(kSps), ElementsAre(Bytes()));
+  EXPECT_THAT(append(kParsedSps), ElementsAre(Bytes()));
   const Bytes two = join(unit({}), unit({}));  // eight bytes: the second start code is not looked for
-  EXPECT_THAT(append(two), ElementsAre(kSps));
+  EXPECT_THAT(append(two), ElementsAre(kParsedSps));
   EXPECT_THAT(append(unit({})), ElementsAre(two));
   EXPECT_THAT(append(unit({7})), ElementsAre(unit({})));
 }
@@ -56,11 +56,11 @@ TEST_F(H264NaluParserTest, CutsAChunkOfNineBytes) {
 }
 
 TEST_F(H264NaluParserTest, ContinuesTheUnitWithAChunkBelowFourBytes) {
-  append(kIdr);
+  append(kParsedIdr);
   EXPECT_THAT(append(bytes({0})), IsEmpty());
   EXPECT_THAT(append(bytes({0, 0})), IsEmpty());
   EXPECT_THAT(append(bytes({3, 3, 3})), IsEmpty());
-  EXPECT_EQ(pending(), join(kIdr, bytes({0, 0, 0, 3, 3, 3})));
+  EXPECT_EQ(pending(), join(kParsedIdr, bytes({0, 0, 0, 3, 3, 3})));
 }
 
 TEST_F(H264NaluParserTest, LeavesAStartCodeInAChunksLastFourBytesInsideTheUnit) {
@@ -71,14 +71,14 @@ TEST_F(H264NaluParserTest, LeavesAStartCodeInAChunksLastFourBytesInsideTheUnit) 
 
 // Large units are cut while their room grows: 120 KiB, 240 KiB and so on.
 TEST_F(H264NaluParserTest, CutsUnitsOfAnySizeAroundThoseOfItsRoom) {
-  append(kSps);
-  Bytes last = kSps;
+  append(kParsedSps);
+  Bytes last = kParsedSps;
   for (const std::size_t room : {122'880u, 245'760u, 491'520u}) {
     for (std::size_t size = room - 6; size <= room + 6; ++size) {
       const Bytes large = join(unit({0x65}), repeated(size - 5, 7));
       EXPECT_EQ(append(large), std::vector<Bytes>{last}) << size;
-      EXPECT_EQ(append(join(large, kPps, kSps)), (std::vector<Bytes>{large, large, kPps})) << size;
-      last = kSps;
+      EXPECT_EQ(append(join(large, kParsedPps, kParsedSps)), (std::vector<Bytes>{large, large, kParsedPps})) << size;
+      last = kParsedSps;
     }
   }
 }
@@ -88,10 +88,10 @@ TEST_F(H264NaluParserTest, FindsAStartCodeOneByteBeforeAChunksLastFour) {
 }
 
 TEST_F(H264NaluParserTest, OnlyGrowsWhereTheScannedRangeHoldsNoStartCode) {
-  append(kIdr);
+  append(kParsedIdr);
   EXPECT_THAT(append(repeated(20, 7)), IsEmpty());
   EXPECT_EQ(parser.pendingSize(), 28);
-  EXPECT_EQ(pending(), join(kIdr, repeated(20, 7)));
+  EXPECT_EQ(pending(), join(kParsedIdr, repeated(20, 7)));
 }
 
 TEST_F(H264NaluParserTest, NeverSplitsAtAStartCodeOfThreeBytes) {
@@ -153,15 +153,15 @@ TEST_F(H264NaluParserTest, FindsAStartCodeThatStraddlesTheSeam) {
 
 TEST_F(H264NaluParserTest, KeepsGarbageBeforeTheFirstStartCode) {
   EXPECT_THAT(append(bytes({7, 7, 7, 7, 7})), IsEmpty());
-  EXPECT_THAT(append(kSps), ElementsAre(bytes({7, 7, 7, 7, 7})));
+  EXPECT_THAT(append(kParsedSps), ElementsAre(bytes({7, 7, 7, 7, 7})));
 }
 
 TEST_F(H264NaluParserTest, IgnoresNullAndCountsBelowOne) {
-  append(kSps);
+  append(kParsedSps);
   EXPECT_THAT(all(parser.AppendData(nullptr, 5)), IsEmpty());
-  EXPECT_THAT(all(parser.AppendData(kIdr.data(), 0)), IsEmpty());
-  EXPECT_THAT(all(parser.AppendData(kIdr.data(), -4)), IsEmpty());
-  EXPECT_EQ(pending(), kSps);
+  EXPECT_THAT(all(parser.AppendData(kParsedIdr.data(), 0)), IsEmpty());
+  EXPECT_THAT(all(parser.AppendData(kParsedIdr.data(), -4)), IsEmpty());
+  EXPECT_EQ(pending(), kParsedSps);
 }
 
 TEST_F(H264NaluParserTest, FindsNothingInAnEmptyPendingBuffer) {
@@ -171,11 +171,11 @@ TEST_F(H264NaluParserTest, FindsNothingInAnEmptyPendingBuffer) {
 }
 
 TEST_F(H264NaluParserTest, RefersToNoBytesOfTheCallerAfterwards) {
-  Bytes chunk = join(kSps, kPps, kIdr);
+  Bytes chunk = join(kParsedSps, kParsedPps, kParsedIdr);
   const auto units = parser.AppendData(chunk.data(), static_cast<int>(chunk.size()));
   std::ranges::fill(chunk, std::uint8_t{0xEE});
-  EXPECT_THAT(all(units), ElementsAre(Bytes(), kSps, kPps));
-  EXPECT_EQ(pending(), kIdr);
+  EXPECT_THAT(all(units), ElementsAre(Bytes(), kParsedSps, kParsedPps));
+  EXPECT_EQ(pending(), kParsedIdr);
 }
 
 // A chunk may hold millions of units, of which each takes many times its own bytes.
@@ -195,30 +195,30 @@ TEST_F(H264NaluParserTest, HasNoUnitInMemoryButTheOneThatIsTaken) {
 }
 
 TEST_F(H264NaluParserTest, HoldsNothingBackWhereTheTakerThrewAndGoesOnWithTheNextChunk) {
-  append(kSps);
-  const Bytes chunk = join(kPps, kIdr);
+  append(kParsedSps);
+  const Bytes chunk = join(kParsedPps, kParsedIdr);
   EXPECT_THROW(
       parser.AppendData(chunk.data(), static_cast<int>(chunk.size()), [](const auto&) { throw std::bad_alloc(); }),
       std::bad_alloc);
   EXPECT_EQ(parser.pendingSize(), 0);
-  EXPECT_THAT(append(join(kPps, kIdr)), ElementsAre(Bytes(), kPps));
+  EXPECT_THAT(append(join(kParsedPps, kParsedIdr)), ElementsAre(Bytes(), kParsedPps));
 }
 
 TEST_F(H264NaluParserTest, DropsWhatGrowsBeyondASmallerUnitWhereThatWasSet) {
   parser.setLargestPending(100);
-  append(join(kSps, repeated(93, 7)));
+  append(join(kParsedSps, repeated(93, 7)));
   append(repeated(1, 7));
   EXPECT_EQ(parser.pendingSize(), 1);
 }
 
 TEST_F(H264NaluParserTest, DropsWhatGrowsBeyondAnyUnit) {
-  append(kSps);
+  append(kParsedSps);
   const Bytes block = repeated(1 << 20, 7);
   for (int i = 0; i < 63; ++i) append(block);
   EXPECT_EQ(parser.pendingSize(), (63 << 20) + 7);
   append(block);
   EXPECT_EQ(parser.pendingSize(), 1 << 20);
-  EXPECT_THAT(append(kSps), ElementsAre(block));
+  EXPECT_THAT(append(kParsedSps), ElementsAre(block));
 }
 
 }  // namespace

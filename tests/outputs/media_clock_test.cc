@@ -8,7 +8,7 @@
 namespace zel {
 namespace {
 
-constexpr std::optional<std::int64_t> kGoesOn = std::nullopt;
+constexpr std::optional<std::int64_t> kSamePicture = std::nullopt;
 
 class MediaClockTest : public testing::Test {
  protected:
@@ -37,8 +37,8 @@ TEST_F(MediaClockTest, APictureOfSeveralSlicesBearsItsOwnTime) {
   clock.begin(192, 15);
   first(100), next(100), next(167);
   EXPECT_EQ(first(167), 167);
-  EXPECT_EQ(next(167), kGoesOn);
-  EXPECT_EQ(next(233), kGoesOn);
+  EXPECT_EQ(next(167), kSamePicture);
+  EXPECT_EQ(next(233), kSamePicture);
   EXPECT_EQ(first(233), 233);
   EXPECT_EQ(clock.timeOfPicture(167), 167);
   EXPECT_EQ(clock.timeOfPicture(233), 233);

@@ -82,10 +82,10 @@ TEST(ExifTest, ReadsAPosition) {
 }
 
 TEST(ExifTest, ReadsNoPositionOutOfNothingOrNonsense) {
-  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
   EXPECT_FALSE(positionIn({}));
   EXPECT_FALSE(positionIn(record(0, 0, 0)));
-  for (const Bytes& wrong : {record(90.1, 0, 0), record(0, -180.1, 0), record(1, 1, 1e7), record(kNone, 1, 1),
+  for (const Bytes& wrong : {record(90.1, 0, 0), record(0, -180.1, 0), record(1, 1, 1e7), record(kNoNumber, 1, 1),
                              record(1, 1, std::numeric_limits<double>::infinity())})
     EXPECT_FALSE(positionIn(wrong));
   EXPECT_TRUE(positionIn(record(-90, 180, 0)));

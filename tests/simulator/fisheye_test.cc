@@ -16,7 +16,7 @@ const LensOffset kStraight{.width = 394,
                            .model = kEquidistant195,
                            .lenses = {{{.radius = 97.5, .centreX = 98.5, .centreY = 98.5},
                                        {.radius = 97.5, .centreX = 295.5, .centreY = 98.5, .yaw = 180}}}};
-constexpr int kForward = 98, kBackward = 295, kLevel = 98;  // the pixels in the middle
+constexpr int kMiddleOfFront = 98, kMiddleOfBack = 295, kLevel = 98;  // the pixels in the middle
 
 constexpr std::uint8_t blueOf(int column) { return column == 160 ? 200 : column == 255 ? 60 : column == 0 ? 160 : 0; }
 
@@ -37,35 +37,35 @@ class FisheyeProjectorTest : public testing::Test {
 
 TEST_F(FisheyeProjectorTest, ShowsForwardInTheMiddleOfTheFirstCircle) {
   // Between the columns 127 and 128 and the rows 63 and 64; halves are rounded up.
-  EXPECT_THAT(pixel(projected_, kForward, kLevel), ElementsAre(128, 64, 0));
+  EXPECT_THAT(pixel(projected_, kMiddleOfFront, kLevel), ElementsAre(128, 64, 0));
 }
 
 TEST_F(FisheyeProjectorTest, ShowsWhatIsToTheRightOnTheRight) {
   // 45 degrees: 256 * 5/8 = 160, between the columns 159 and 160.
-  EXPECT_THAT(pixel(projected_, kForward + 45, kLevel), ElementsAre(160, 64, 100));
-  EXPECT_THAT(pixel(projected_, kForward - 45, kLevel), ElementsAre(96, 64, 0));
+  EXPECT_THAT(pixel(projected_, kMiddleOfFront + 45, kLevel), ElementsAre(160, 64, 100));
+  EXPECT_THAT(pixel(projected_, kMiddleOfFront - 45, kLevel), ElementsAre(96, 64, 0));
 }
 
 TEST_F(FisheyeProjectorTest, ShowsWhatIsAboveAtTheTop) {
   // 45 degrees: 128 / 4 = 32, between the rows 31 and 32.
-  EXPECT_THAT(pixel(projected_, kForward, kLevel - 45), ElementsAre(128, 32, 0));
-  EXPECT_THAT(pixel(projected_, kForward, kLevel + 45), ElementsAre(128, 96, 0));
+  EXPECT_THAT(pixel(projected_, kMiddleOfFront, kLevel - 45), ElementsAre(128, 32, 0));
+  EXPECT_THAT(pixel(projected_, kMiddleOfFront, kLevel + 45), ElementsAre(128, 96, 0));
 }
 
 TEST_F(FisheyeProjectorTest, BlendsNeighboursByTheirDistance) {
-  EXPECT_EQ(pixel(projected_, kForward + 46, kLevel)[2], 158);  // at 160.211: 202/256 of column 160
-  EXPECT_EQ(pixel(projected_, kForward + 47, kLevel)[2], 16);   // at 160.922:  20/256
+  EXPECT_EQ(pixel(projected_, kMiddleOfFront + 46, kLevel)[2], 158);  // at 160.211: 202/256 of column 160
+  EXPECT_EQ(pixel(projected_, kMiddleOfFront + 47, kLevel)[2], 16);   // at 160.922:  20/256
 }
 
 TEST_F(FisheyeProjectorTest, JoinsTheEdgesOfTheSceneBehind) {
-  EXPECT_THAT(pixel(projected_, kBackward, kLevel), ElementsAre(128, 64, 110));  // half of 255 and half of 0
+  EXPECT_THAT(pixel(projected_, kMiddleOfBack, kLevel), ElementsAre(128, 64, 110));  // half of 255 and half of 0
 }
 
 TEST_F(FisheyeProjectorTest, JoinsTheEdgesOnTheLeftEdgeToo) {
   LensOffset offset = kStraight;
   offset.lenses[1].yaw = 180.5;  // column 0.356 - 0.5: 219/256 of column 0 and 37/256 of column 255
   const Picture picture = FisheyeProjector(offset, 394, 197, 256, 128).project(ramps());
-  EXPECT_EQ(pixel(picture, kBackward, kLevel)[2], 146);
+  EXPECT_EQ(pixel(picture, kMiddleOfBack, kLevel)[2], 146);
 }
 
 TEST_F(FisheyeProjectorTest, FillsThePictureWhenACircleIsLarger) {
@@ -74,7 +74,7 @@ TEST_F(FisheyeProjectorTest, FillsThePictureWhenACircleIsLarger) {
 }
 
 TEST_F(FisheyeProjectorTest, ShowsTheRightOnTheLeftOfTheSecondCircle) {
-  EXPECT_THAT(pixel(projected_, kBackward - 45, kLevel), ElementsAre(224, 64, 0));  // longitude 135: 256 * 7/8
+  EXPECT_THAT(pixel(projected_, kMiddleOfBack - 45, kLevel), ElementsAre(224, 64, 0));  // longitude 135: 256 * 7/8
 }
 
 TEST_F(FisheyeProjectorTest, IsBlackExactlyOutsideTheCircles) {

@@ -12,7 +12,7 @@ struct Cut {
   Bytes payload;
 };
 
-std::vector<Cut> framesIn(const Bytes& bytes) {
+std::vector<Cut> cutsIn(const Bytes& bytes) {
   std::vector<Cut> frames;
   for (std::size_t at = 0; at + 6 <= bytes.size();) {
     const std::size_t length = numberAt<std::uint32_t>(bytes, at);
@@ -26,7 +26,7 @@ std::vector<Cut> framesIn(const Bytes& bytes) {
 
 std::vector<std::uint16_t> typesIn(const Bytes& bytes) {
   std::vector<std::uint16_t> types;
-  for (const Cut& cut : framesIn(bytes)) types.push_back(cut.type);
+  for (const Cut& cut : cutsIn(bytes)) types.push_back(cut.type);
   return types;
 }
 

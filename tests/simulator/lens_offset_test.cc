@@ -10,12 +10,12 @@ namespace {
 
 using zel::test::bytes;
 
-constexpr double kTiny = 1e-9;
+constexpr double kNearly = 1e-9;
 
-const Lens kStraight{.radius = 750, .centreX = 760, .centreY = 760};
+const Lens kStraightLens{.radius = 750, .centreX = 760, .centreY = 760};
 
 Lens turned(double yaw, double pitch, double roll) {
-  Lens lens = kStraight;
+  Lens lens = kStraightLens;
   lens.yaw = yaw;
   lens.pitch = pitch;
   lens.roll = roll;
@@ -24,16 +24,16 @@ Lens turned(double yaw, double pitch, double roll) {
 
 void expectPoint(const Lens& lens, Direction world, double x, double y) {
   const Point point = LensProjection(lens, kEquidistant195).pointOf(world);
-  EXPECT_NEAR(point.x, x, kTiny);
-  EXPECT_NEAR(point.y, y, kTiny);
+  EXPECT_NEAR(point.x, x, kNearly);
+  EXPECT_NEAR(point.y, y, kNearly);
 }
 
 void expectDirection(const LensProjection& lens, Point point, Direction expected) {
   const auto direction = lens.directionOf(point);
   ASSERT_TRUE(direction.has_value());
-  EXPECT_NEAR(direction->x, expected.x, kTiny);
-  EXPECT_NEAR(direction->y, expected.y, kTiny);
-  EXPECT_NEAR(direction->z, expected.z, kTiny);
+  EXPECT_NEAR(direction->x, expected.x, kNearly);
+  EXPECT_NEAR(direction->y, expected.y, kNearly);
+  EXPECT_NEAR(direction->z, expected.z, kNearly);
 }
 
 TEST(LensOffsetTest, WritesTheFactoryRecord) {
@@ -66,7 +66,7 @@ TEST(LensOffsetTest, TakesEveryModelButSevenForTheWideOne) {
 }
 
 TEST(LensProjectionTest, ShowsItsAxisInTheMiddleOfTheCircle) {
-  expectPoint(kStraight, {0, 0, 1}, 760, 760);
+  expectPoint(kStraightLens, {0, 0, 1}, 760, 760);
   expectPoint(turned(90, 0, 0), {1, 0, 0}, 760, 760);
   expectPoint(turned(-90, 0, 0), {-1, 0, 0}, 760, 760);
   expectPoint(turned(0, 90, 0), {0, -1, 0}, 760, 760);
@@ -78,14 +78,14 @@ TEST(LensProjectionTest, TurnsByYawBeforePitch) {
 }
 
 TEST(LensProjectionTest, ShowsHalfOfTheFieldOfViewOnTheRim) {
-  expectPoint(kStraight, directionAt(97.5, 0), 1510, 760);
-  expectPoint(kStraight, directionAt(-97.5, 0), 10, 760);
-  const Point wide = LensProjection(kStraight, 0).pointOf(directionAt(100, 0));
-  EXPECT_NEAR(wide.x, 1510, kTiny);
+  expectPoint(kStraightLens, directionAt(97.5, 0), 1510, 760);
+  expectPoint(kStraightLens, directionAt(-97.5, 0), 10, 760);
+  const Point wide = LensProjection(kStraightLens, 0).pointOf(directionAt(100, 0));
+  EXPECT_NEAR(wide.x, 1510, kNearly);
 }
 
 TEST(LensProjectionTest, ShowsUpAtTheTop) {
-  expectPoint(kStraight, directionAt(0, 39), 760, 460);  // 750 * 39 / 97.5 = 300
+  expectPoint(kStraightLens, directionAt(0, 39), 760, 460);  // 750 * 39 / 97.5 = 300
 }
 
 TEST(LensProjectionTest, ShowsTheRightOnTheLeftWhenItLooksBack) {
@@ -101,7 +101,7 @@ TEST(LensProjectionTest, ShowsWhatIsAboveNearerWhenItIsPitchedUp) {
 }
 
 TEST(LensProjectionTest, FindsTheDirectionOfAPoint) {
-  const LensProjection straight(kStraight, kEquidistant195), rolled(turned(0, 0, 90), kEquidistant195);
+  const LensProjection straight(kStraightLens, kEquidistant195), rolled(turned(0, 0, 90), kEquidistant195);
   const LensProjection backward(turned(180, 0, 0), kEquidistant195);
   expectDirection(straight, {760, 760}, {0, 0, 1});
   expectDirection(straight, {990.7692307692307, 760}, {0.5, 0, 0.8660254037844386});  // 30 degrees
@@ -115,23 +115,23 @@ TEST(LensProjectionTest, LeadsBackToWhereItCameFrom) {
   const auto direction = skewed.directionOf(from);
   ASSERT_TRUE(direction.has_value());
   const Point back = skewed.pointOf(*direction);
-  EXPECT_NEAR(back.x, from.x, kTiny);
-  EXPECT_NEAR(back.y, from.y, kTiny);
+  EXPECT_NEAR(back.x, from.x, kNearly);
+  EXPECT_NEAR(back.y, from.y, kNearly);
 }
 
 TEST(LensProjectionTest, SeesNothingOutsideTheCircle) {
-  const LensProjection lens(kStraight, kEquidistant195);
+  const LensProjection lens(kStraightLens, kEquidistant195);
   EXPECT_TRUE(lens.directionOf({1509.999, 760}).has_value());
   EXPECT_FALSE(lens.directionOf({1510.001, 760}).has_value());
 }
 
 TEST(SphereTest, ShowsForwardInTheMiddleAndRightAtThreeQuarters) {
   const Point forward = equirectangularPoint({0, 0, 1}, 1920, 960), right = equirectangularPoint({1, 0, 0}, 1920, 960);
-  EXPECT_NEAR(forward.x, 960, kTiny);
-  EXPECT_NEAR(forward.y, 480, kTiny);
-  EXPECT_NEAR(right.x, 1440, kTiny);
-  EXPECT_NEAR(equirectangularPoint({0, -1, 0}, 1920, 960).y, 0, kTiny);
-  EXPECT_NEAR(equirectangularPoint({0, 1, 0}, 1920, 960).y, 960, kTiny);
+  EXPECT_NEAR(forward.x, 960, kNearly);
+  EXPECT_NEAR(forward.y, 480, kNearly);
+  EXPECT_NEAR(right.x, 1440, kNearly);
+  EXPECT_NEAR(equirectangularPoint({0, -1, 0}, 1920, 960).y, 0, kNearly);
+  EXPECT_NEAR(equirectangularPoint({0, 1, 0}, 1920, 960).y, 960, kNearly);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 namespace zel::render {
 namespace {
 
-constexpr PictureSize kOutput{360, 180};  // a degree a pixel: row 179 is half a degree from the nadir
+constexpr PictureSize kDegrees{360, 180};  // a degree a pixel: row 179 is half a degree from the nadir
 
 using Rgba = std::array<std::uint8_t, 4>;
 constexpr Rgba kRed{255, 0, 0, 255}, kWhite{255, 255, 255, 255}, kBlack{0, 0, 0, 255}, kHalfRed{255, 0, 0, 128};
@@ -30,7 +30,7 @@ int luma(const NadirLogo& logo, int longitude, int fromNadir, std::uint8_t groun
 }
 
 TEST(NadirLogoTest, CoversTwentyDegreesAroundTheNadir) {
-  const NadirLogo logo(halves(kRed, kRed), 0, kOutput);
+  const NadirLogo logo(halves(kRed, kRed), 0, kDegrees);
   EXPECT_EQ(luma(logo, 0, 0), 76);  // 0.299 * 255
   EXPECT_EQ(luma(logo, 0, 18), 76);
   EXPECT_EQ(luma(logo, 0, 21), 200);
@@ -38,7 +38,7 @@ TEST(NadirLogoTest, CoversTwentyDegreesAroundTheNadir) {
 }
 
 TEST(NadirLogoTest, ReachesFartherAtItsCorners) {
-  const NadirLogo logo(halves(kRed, kRed), 0, kOutput);
+  const NadirLogo logo(halves(kRed, kRed), 0, kDegrees);
   EXPECT_EQ(luma(logo, 45, 25), 76);  // the corner is at 28.3 degrees
   EXPECT_EQ(luma(logo, 0, 25), 200);
   EXPECT_EQ(logo.firstRow(1), 151u);
@@ -46,24 +46,24 @@ TEST(NadirLogoTest, ReachesFartherAtItsCorners) {
 }
 
 TEST(NadirLogoTest, HasItsTopForward) {
-  const NadirLogo logo(halves(kWhite, kBlack), 0, kOutput);
+  const NadirLogo logo(halves(kWhite, kBlack), 0, kDegrees);
   EXPECT_EQ(luma(logo, 0, 10), 255);
   EXPECT_EQ(luma(logo, -180, 10), 0);
 }
 
 TEST(NadirLogoTest, TurnsClockwiseForWhoLooksDown) {
-  const NadirLogo logo(halves(kWhite, kBlack), 90, kOutput);
+  const NadirLogo logo(halves(kWhite, kBlack), 90, kDegrees);
   EXPECT_EQ(luma(logo, 90, 10), 255);
   EXPECT_EQ(luma(logo, -90, 10), 0);
 }
 
 TEST(NadirLogoTest, LetsTheGroundThroughAsItsAlphaSays) {
-  EXPECT_EQ(luma(NadirLogo(halves(kHalfRed, kHalfRed), 0, kOutput), 0, 5), 138);  // 38 + 200 * 127 / 255
-  EXPECT_EQ(luma(NadirLogo(halves({255, 0, 0, 0}, {0, 0, 0, 0}), 0, kOutput), 0, 5), 200);
+  EXPECT_EQ(luma(NadirLogo(halves(kHalfRed, kHalfRed), 0, kDegrees), 0, 5), 138);  // 38 + 200 * 127 / 255
+  EXPECT_EQ(luma(NadirLogo(halves({255, 0, 0, 0}, {0, 0, 0, 0}), 0, kDegrees), 0, 5), 200);
 }
 
 TEST(NadirLogoTest, ColoursTheChroma) {
-  const NadirLogo logo(halves(kRed, kRed), 0, kOutput);
+  const NadirLogo logo(halves(kRed, kRed), 0, kDegrees);
   std::vector<std::uint8_t> row(360, 128);
   logo.drawChroma(88, row.data());
   EXPECT_EQ(row[180], 85);   // 128 - 0.168736 * 255
@@ -71,7 +71,7 @@ TEST(NadirLogoTest, ColoursTheChroma) {
 }
 
 TEST(NadirLogoTest, HasTheMatrixOfThePictureBelowIt) {
-  const NadirLogo logo(halves(kRed, kRed), 0, kOutput, platform::ColourMatrix::bt709);
+  const NadirLogo logo(halves(kRed, kRed), 0, kDegrees, platform::ColourMatrix::bt709);
   EXPECT_EQ(luma(logo, 0, 5), 54);  // 0.2126 * 255
   std::vector<std::uint8_t> row(360, 128);
   logo.drawChroma(88, row.data());
@@ -80,7 +80,7 @@ TEST(NadirLogoTest, HasTheMatrixOfThePictureBelowIt) {
 }
 
 TEST(NadirLogoTest, KeepsItsShapeIfItIsWide) {
-  const NadirLogo logo(halves(kRed, kRed, 40, 20), 0, kOutput);
+  const NadirLogo logo(halves(kRed, kRed, 40, 20), 0, kDegrees);
   EXPECT_EQ(luma(logo, 90, 18), 76);
   EXPECT_EQ(luma(logo, 0, 8), 76);
   EXPECT_EQ(luma(logo, 0, 12), 200);
@@ -92,7 +92,7 @@ TEST(NadirLogoTest, IsMadeSmallerWithoutLosingItsMean) {
     const Rgba& colour = pixel % 2 == 0 ? kWhite : kBlack;
     stripes.rgba.insert(stripes.rgba.end(), colour.begin(), colour.end());
   }
-  EXPECT_EQ(luma(NadirLogo(stripes, 0, kOutput), 30, 9), 128);
+  EXPECT_EQ(luma(NadirLogo(stripes, 0, kDegrees), 30, 9), 128);
 }
 
 TEST(NadirLogoTest, TakesOnlyImagesThatHoldTheirPixels) {
