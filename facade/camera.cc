@@ -43,8 +43,9 @@ Pending<PhotoSeries> Camera::bracket(const std::vector<std::int8_t>& steps, cons
 }
 
 Pending<void> Camera::upload(std::int64_t type, const std::string& path, const ZELData& content,
-                             std::function<void(const TransferProgress&)> progress, const RequestOptions& request) {
-  return core_ ? uploadFile(core_, type, path, content, std::move(progress), request) : nowhere<void>();
+                             const std::function<void(const TransferProgress&)>& progress,
+                             const RequestOptions& request) {
+  return core_ ? uploadFile(core_, type, path, content, progress, request) : nowhere<void>();
 }
 
 Subscription<Picture> Camera::pictures(const PictureOptions& options) {

@@ -194,7 +194,7 @@ Pending<PhotoSeries> takeBracket(const std::shared_ptr<CameraCore>& core, const 
 }
 
 Pending<void> uploadFile(const std::shared_ptr<CameraCore>& core, std::int64_t type, const std::string& path,
-                         const ZELData& content, std::function<void(const TransferProgress&)> progress,
+                         const ZELData& content, const std::function<void(const TransferProgress&)>& progress,
                          const RequestOptions& request) {
   // A drive, which is three characters, is not part of the name that the camera stores.
   if (path.empty() || (path.size() <= 3 && path.find(':') == 1)) {

@@ -29,7 +29,7 @@ std::optional<CameraError> Preview::conflict(std::uint8_t resolution) const {
 // -- Those who look
 
 std::shared_ptr<detail::SubscriptionState<Picture>> Preview::look(const PictureOptions& options) {
-  const auto state = core_.makeSubscription<Picture>(options.queue);
+  auto state = core_.makeSubscription<Picture>(options.queue);
   const std::lock_guard lock(mutex_);
   auto why = conflict(options.resolution);
   if (!why && core_.decoders() == nullptr) why = CameraError{Reason::media, "this platform decodes no video"};

@@ -11,6 +11,7 @@ RequestLines::Id RequestLines::nextId() {
 }
 
 void RequestLines::add(std::string_view kind, Id id, Request request) {
+  const auto fail = request.fail;
   std::function<void()> send;
   std::shared_ptr<const CameraError> end;
   {
@@ -23,7 +24,7 @@ void RequestLines::add(std::string_view kind, Id id, Request request) {
       if (line.size() == 1) send = line.front().request.send;
     }
   }
-  if (end) return request.fail(*end);
+  if (end) fail(*end);
   if (send) send();
 }
 

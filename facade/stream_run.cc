@@ -173,14 +173,14 @@ StreamHeaders StreamRun::headers() const {
 }
 
 std::shared_ptr<detail::SubscriptionState<MediaPacket>> StreamRun::packets(const SubscriptionOptions& options) {
-  const auto state = subscription<MediaPacket>(options);
+  auto state = subscription<MediaPacket>(options);
   const std::lock_guard lock(mutex_);
   waitForKey_.push_back(state);
   return state;
 }
 
 std::shared_ptr<detail::SubscriptionState<StreamProblem>> StreamRun::problems(const SubscriptionOptions& options) {
-  const auto state = subscription<StreamProblem>(options);
+  auto state = subscription<StreamProblem>(options);
   problems_.add(state);
   return state;
 }

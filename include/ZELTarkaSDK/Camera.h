@@ -74,7 +74,8 @@ class ZEL_EXPORT Camera final : public CameraRequests {
   //
   // Errors: `invalid` where no name is left, or the file is above 4 GiB.
   Pending<void> upload(std::int64_t type, const std::string& path, const ZELData& content,
-                       std::function<void(const TransferProgress&)> progress = {}, const RequestOptions& request = {});
+                       const std::function<void(const TransferProgress&)>& progress = {},
+                       const RequestOptions& request = {});
 
   // The pictures of the preview, which runs as long as anybody needs it, at one resolution for all.
   //
