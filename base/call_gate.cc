@@ -21,14 +21,56 @@ bool insideCallback() { return callbacksOfThisThread != 0; }
 
 class CallGate::State {
  public:
-  bool begin(std::function<void()>& kept) ZEL_EXCLUDES(mutex_);
-  bool takeHandedOver(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
-  void end() ZEL_EXCLUDES(mutex_);
-  void close() ZEL_EXCLUDES(mutex_);
+  // Whether the calling thread runs the call.
+  bool begin(std::function<void()>& kept) ZEL_EXCLUDES(mutex_) {
+    const MutexLock lock(mutex_);
+    if (!closed_ && isBusyElsewhere() && insideCallback()) {
+      handedOver_.push_back(std::move(kept));
+      return false;
+    }
+    while (!closed_ && isBusyElsewhere()) changed_.wait(mutex_);
+    if (closed_) return false;
+    ++calls_;
+    caller_ = std::this_thread::get_id();
+    return true;
+  }
+
+  // The outermost call runs the calls that were handed over meanwhile.
+  bool takeHandedOver(std::function<void()>& call) ZEL_EXCLUDES(mutex_) {
+    std::function<void()> made = std::exchange(call, nullptr);  // its captures are destroyed without the lock
+    const MutexLock lock(mutex_);
+    if (calls_ != 1 || handedOver_.empty()) return false;
+    call = std::move(handedOver_.front());
+    handedOver_.pop_front();
+    return true;
+  }
+
+  void end() ZEL_EXCLUDES(mutex_) {
+    const MutexLock lock(mutex_);
+    if (--calls_ == 0) changed_.notify_all();
+  }
+
+  void close() ZEL_EXCLUDES(mutex_) {
+    {
+      const MutexLock lock(mutex_);
+      closed_ = true;
+      changed_.notify_all();
+      while (isBusyElsewhere() && !insideCallback()) changed_.wait(mutex_);
+    }
+    for (std::function<void()> doomed; takeFirst(doomed);) continue;  // each goes without the lock
+  }
 
  private:
-  bool isBusyElsewhere() const ZEL_REQUIRES(mutex_);
-  bool takeFirst(std::function<void()>& call) ZEL_EXCLUDES(mutex_);
+  bool isBusyElsewhere() const ZEL_REQUIRES(mutex_) { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
+
+  bool takeFirst(std::function<void()>& call) ZEL_EXCLUDES(mutex_) {
+    const std::function<void()> former = std::exchange(call, nullptr);
+    const MutexLock lock(mutex_);
+    if (handedOver_.empty()) return false;
+    call = std::move(handedOver_.front());
+    handedOver_.pop_front();
+    return true;
+  }
 
   Mutex mutex_;
   std::condition_variable_any changed_;
@@ -37,56 +79,6 @@ class CallGate::State {
   std::deque<std::function<void()>> handedOver_ ZEL_GUARDED_BY(mutex_);
   bool closed_ ZEL_GUARDED_BY(mutex_) = false;
 };
-
-bool CallGate::State::isBusyElsewhere() const { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
-
-// Whether the calling thread runs the call.
-bool CallGate::State::begin(std::function<void()>& kept) {
-  const MutexLock lock(mutex_);
-  if (!closed_ && isBusyElsewhere() && insideCallback()) {
-    handedOver_.push_back(std::move(kept));
-    return false;
-  }
-  while (!closed_ && isBusyElsewhere()) changed_.wait(mutex_);
-  if (closed_) return false;
-  ++calls_;
-  caller_ = std::this_thread::get_id();
-  return true;
-}
-
-// The outermost call runs the calls that were handed over meanwhile.
-bool CallGate::State::takeHandedOver(std::function<void()>& call) {
-  std::function<void()> made = std::exchange(call, nullptr);  // its captures are destroyed without the lock
-  const MutexLock lock(mutex_);
-  if (calls_ != 1 || handedOver_.empty()) return false;
-  call = std::move(handedOver_.front());
-  handedOver_.pop_front();
-  return true;
-}
-
-void CallGate::State::end() {
-  const MutexLock lock(mutex_);
-  if (--calls_ == 0) changed_.notify_all();
-}
-
-void CallGate::State::close() {
-  {
-    const MutexLock lock(mutex_);
-    closed_ = true;
-    changed_.notify_all();
-    while (isBusyElsewhere() && !insideCallback()) changed_.wait(mutex_);
-  }
-  for (std::function<void()> doomed; takeFirst(doomed);) continue;  // each goes without the lock
-}
-
-bool CallGate::State::takeFirst(std::function<void()>& call) {
-  const std::function<void()> former = std::exchange(call, nullptr);
-  const MutexLock lock(mutex_);
-  if (handedOver_.empty()) return false;
-  call = std::move(handedOver_.front());
-  handedOver_.pop_front();
-  return true;
-}
 
 CallGate::CallGate() : state_(std::make_unique<State>()) {}
 CallGate::~CallGate() = default;

@@ -8,7 +8,7 @@
 #include <ZELTarkaSDK/Observation.h>
 #include <ZELTarkaSDK/platform/call_gate.h>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 
 namespace zel {
 
@@ -25,19 +25,20 @@ class ObserverList {
     auto entry = std::make_shared<Entry>(std::move(observer));
     auto changed = std::make_shared<Entries>();
     Snapshot former;  // let go after the lock
-    const MutexLock lock(mutex_);
-    // An entry whose observation was destroyed has no other owner than this list.
-    for (const auto& known : *entries_) {
-      if (known.use_count() != 1) changed->push_back(known);
-    }
-    changed->push_back(entry);
-    former = std::exchange(entries_, std::move(changed));
+    entries_.with([&](Snapshot& entries) {
+      // An entry whose observation was destroyed has no other owner than this list.
+      for (const auto& known : *entries) {
+        if (known.use_count() != 1) changed->push_back(known);
+      }
+      changed->push_back(entry);
+      former = std::exchange(entries, std::move(changed));
+    });
     return Observation(std::shared_ptr<CallGate>(entry, &entry->gate));
   }
 
   // Takes no memory, so that whatever is announced is heard.
   void notify(Args... args) {
-    const Snapshot entries = snapshot();
+    const Snapshot entries = entries_.get();
     for (const auto& entry : *entries) {
       entry->gate.enter([entry, args...] {
         const CallbackScope scope;
@@ -56,13 +57,7 @@ class ObserverList {
   using Entries = std::vector<std::shared_ptr<Entry>>;
   using Snapshot = std::shared_ptr<const Entries>;
 
-  Snapshot snapshot() {
-    const MutexLock lock(mutex_);
-    return entries_;
-  }
-
-  Mutex mutex_;
-  Snapshot entries_ ZEL_GUARDED_BY(mutex_) = std::make_shared<Entries>();  // replaced, never changed
+  Guarded<Snapshot> entries_{std::make_shared<Entries>()};  // replaced, never changed
 };
 
 }  // namespace zel

@@ -16,6 +16,15 @@ inline bool isAscii(std::string_view text) {
   return std::ranges::all_of(text, [](char letter) { return static_cast<unsigned char>(letter) < 0x80; });
 }
 
+// A character of UTF-8. A byte that begins none counts as a character without a code point.
+struct Character {
+  std::optional<char32_t> code;
+  std::size_t bytes = 1;
+};
+
+// The first one of a text that is not empty.
+Character firstCharacter(std::string_view text);
+
 // Whether the bytes are UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
 bool isUtf8(std::string_view text);
 

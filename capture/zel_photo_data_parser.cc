@@ -47,29 +47,19 @@ std::unique_ptr<ZELPhotoDataParser> ZELPhotoDataParser::initWithAEBShutterCount(
 }
 
 void ZELPhotoDataParser::parserData(zel::ByteView bytes) {
-  Answer answer;
-  {
-    const zel::MutexLock lock(mutex_);
-    if (auto* single = std::get_if<Single>(&capture_)) {
-      answer = parserShutterData(*single, bytes);
-    } else {
-      answer = parserShutterAEBData(std::get<Series>(capture_), bytes);
-    }
-  }
-  post(std::move(answer));
+  post(capture_.with([bytes](Capture& capture) {
+    auto* const single = std::get_if<Single>(&capture);
+    return single != nullptr ? parserShutterData(*single, bytes)
+                             : parserShutterAEBData(std::get<Series>(capture), bytes);
+  }));
 }
 
 void ZELPhotoDataParser::replyBlockWithError(const ZELError& error) {
-  Answer answer;
-  {
-    const zel::MutexLock lock(mutex_);
-    if (auto* single = std::get_if<Single>(&capture_)) {
-      answer = replyShutterBlockWithError(*single, error, std::nullopt, std::nullopt);
-    } else {
-      answer = replyShutterAEBBlockWithError(std::get<Series>(capture_), error);
-    }
-  }
-  post(std::move(answer));
+  post(capture_.with([&error](Capture& capture) {
+    auto* const single = std::get_if<Single>(&capture);
+    return single != nullptr ? replyShutterBlockWithError(*single, error, std::nullopt, std::nullopt)
+                             : replyShutterAEBBlockWithError(std::get<Series>(capture), error);
+  }));
 }
 
 void ZELPhotoDataParser::post(Answer answer) {

@@ -9,7 +9,7 @@
 #include <ZELTarkaSDK/ZELHandlers.h>
 #include <ZELTarkaSDK/platform/queues.h>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 #include "link/roles.h"
 
 // Turns the photo frames that follow one shutter command into its result: one picture, or a bracketed series. Each
@@ -48,7 +48,9 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
     std::weak_ptr<ZELDataArray> handedOver;       // to be added to for as long as somebody has it
   };
 
-  ZELPhotoDataParser(zel::platform::Queue& mainQueue, std::variant<Single, Series> capture)
+  using Capture = std::variant<Single, Series>;
+
+  ZELPhotoDataParser(zel::platform::Queue& mainQueue, Capture capture)
       : mainQueue_(mainQueue), capture_(std::move(capture)) {}
 
   // The call of a handler, for the main queue; null when there is none.
@@ -64,6 +66,5 @@ class ZELPhotoDataParser final : public zel::PhotoConsumer {
   void post(Answer answer);
 
   zel::platform::Queue& mainQueue_;
-  zel::Mutex mutex_;
-  std::variant<Single, Series> capture_ ZEL_GUARDED_BY(mutex_);
+  zel::Guarded<Capture> capture_;
 };

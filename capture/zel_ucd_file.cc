@@ -85,31 +85,19 @@ void ZELUCDFile::send(std::int64_t type, const std::string& filePath, const ZELD
   const std::string path = normalisedPath(filePath);
   const ZELData frame = fileFrame(type, path, fileData.bytes());
   const bool waits = !path.empty() && *handler;  // a reply without a path completes all transfers
-  if (waits) {
-    const zel::MutexLock lock(mutex_);
-    blocks_.announce(path);
-  }
+  if (waits) blocks_.with([&](Blocks& blocks) { blocks.announce(path); });
   try {
     writeData_(frame);
   } catch (const std::bad_alloc&) {
-    if (waits) withdraw(path);
+    // A file that finds no memory was not sent: nothing waits for its answer.
+    if (waits) blocks_.with([&](Blocks& blocks) { blocks.withdraw(path); });
     throw;
   }
   if (waits) wait(path, handler);
 }
 
-// A file that finds no memory was not sent: nothing waits for its answer.
-void ZELUCDFile::withdraw(const std::string& path) {
-  const zel::MutexLock lock(mutex_);
-  blocks_.withdraw(path);
-}
-
 void ZELUCDFile::wait(const std::string& path, std::optional<zel::RebackBlock<>>& handler) {
-  std::optional<Answer> answer;
-  {
-    const zel::MutexLock lock(mutex_);
-    answer = blocks_.put(path, handler);
-  }
+  const auto answer = blocks_.with([&](Blocks& blocks) { return blocks.put(path, handler); });
   if (answer) postOrRefuse(*handler, *answer);
 }
 
@@ -119,13 +107,11 @@ void ZELUCDFile::parserUCD(zel::ByteView bytes) {
   const bool failed = zel::loadLittleEndian<std::uint16_t>(bytes.data() + 4) == kFailed;
   const Answer answer = failed ? Answer(zelOSStatusError(kZELErrorRefused)) : std::nullopt;
   const std::string path = repliedPath(bytes);
-  std::optional<zel::RebackBlock<>> block;
   bool expected = false;
-  {
-    const zel::MutexLock lock(mutex_);
-    expected = blocks_.isExpected(path);
-    block = blocks_.take(path, answer);
-  }
+  const auto block = blocks_.with([&](Blocks& blocks) {
+    expected = blocks.isExpected(path);
+    return blocks.take(path, answer);
+  });
   // Deliberate: a transfer whose path is named is completed here, at once. A reply with an unknown path completes all
   // transfers, because a path longer than the field is returned cut.
   if (block) return (*block)(answer);
@@ -134,10 +120,8 @@ void ZELUCDFile::parserUCD(zel::ByteView bytes) {
 
 void ZELUCDFile::replyAllBlockWithError(const std::optional<ZELError>& error) {
   std::vector<zel::RebackBlock<>> blocks;
-  const bool isTaken = zel::hasMemoryFor([&] {
-    const zel::MutexLock lock(mutex_);
-    blocks = blocks_.takeAll(error);
-  });
+  const bool isTaken =
+      zel::hasMemoryFor([&] { blocks = blocks_.with([&](Blocks& all) { return all.takeAll(error); }); });
   for (const auto& block : blocks) postOrRefuse(block, error);
   if (isTaken) return;
   while (const auto block = takeAny()) postOrRefuse(*block, error);
@@ -146,11 +130,6 @@ void ZELUCDFile::replyAllBlockWithError(const std::optional<ZELError>& error) {
 void ZELUCDFile::replyAllBlockWithErrorCode(int code) {
   if (zel::hasMemoryFor([&] { replyAllBlockWithError(zelOSStatusError(code)); })) return;
   while (const auto block = takeAny()) refuse(*block);
-}
-
-std::optional<zel::RebackBlock<>> ZELUCDFile::takeAny() {
-  const zel::MutexLock lock(mutex_);
-  return blocks_.takeAny();
 }
 
 void ZELUCDFile::post(const zel::RebackBlock<>& rebackBlock, const Answer& answer) {

@@ -10,8 +10,8 @@
 #include <ZELTarkaSDK/ZELHandlers.h>
 #include <ZELTarkaSDK/platform/queues.h>
 
-#include "base/mutex.h"
 #include "base/pending_table.h"
+#include "base/shared_value.h"
 #include "link/roles.h"
 
 // Sends whole files to the camera, and matches its replies to the handlers by the file's path.
@@ -52,19 +52,20 @@ class ZELUCDFile final : public zel::FileReplyConsumer {
 
  private:
   using Answer = std::optional<ZELError>;
+  using Blocks = zel::PendingTable<std::string, zel::RebackBlock<>, Answer>;
 
   void send(std::int64_t type, const std::string& filePath, const ZELData& fileData,
             const zel::RebackBlock<>& rebackBlock);
   void refuse(const zel::RebackBlock<>& rebackBlock);
-  std::optional<zel::RebackBlock<>> takeAny();
+  std::optional<zel::RebackBlock<>> takeAny() {
+    return blocks_.with([](Blocks& blocks) { return blocks.takeAny(); });
+  }
   void wait(const std::string& path, std::optional<zel::RebackBlock<>>& handler);
-  void withdraw(const std::string& path);
   void post(const zel::RebackBlock<>& rebackBlock, const Answer& answer);
   void postOrRefuse(const zel::RebackBlock<>& rebackBlock, const Answer& answer);
 
   std::atomic<std::uint64_t> lostForMemory_ = 0;
   const std::function<void(const ZELData&)> writeData_;
   zel::platform::Queue& mainQueue_;
-  zel::Mutex mutex_;
-  zel::PendingTable<std::string, zel::RebackBlock<>, Answer> blocks_ ZEL_GUARDED_BY(mutex_);
+  zel::Guarded<Blocks> blocks_;
 };

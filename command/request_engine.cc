@@ -83,16 +83,12 @@ void RequestEngine::msgReqSendSyncData(const ZELData& data, RebackDic rebackBloc
   wait(msgType, std::move(rebackBlock));
 }
 
-bool RequestEngine::isConnected() const { return accessory_.linkStatus() > LinkStatus::open; }
-
 void RequestEngine::announce(std::int64_t msgType) {
-  const MutexLock lock(mutex_);
-  msgBlockDic_.announce(msgType);
+  msgBlockDic_.with([msgType](Handlers& all) { all.announce(msgType); });
 }
 
 void RequestEngine::withdraw(std::int64_t msgType) {
-  const MutexLock lock(mutex_);
-  msgBlockDic_.withdraw(msgType);
+  msgBlockDic_.with([msgType](Handlers& all) { all.withdraw(msgType); });
 }
 
 // A request that finds no memory was not made: nothing waits for its answer.
@@ -108,20 +104,12 @@ void RequestEngine::write(std::int64_t msgType, const ZELMessageFields& fields, 
 void RequestEngine::wait(std::int64_t msgType, RebackDic rebackBlock) {
   if (!rebackBlock) return;
   std::optional<RebackDic> handler(std::move(rebackBlock));
-  std::optional<Answer> answer;
-  {
-    const MutexLock lock(mutex_);
-    answer = msgBlockDic_.put(msgType, handler);
-  }
+  const auto answer = msgBlockDic_.with([&](Handlers& all) { return all.put(msgType, handler); });
   if (answer) post(*handler, *answer);
 }
 
 void RequestEngine::respond(std::int64_t msgType, const std::optional<ZELMessageFields>& reply) {
-  std::optional<RebackDic> rebackBlock;
-  {
-    const MutexLock lock(mutex_);
-    rebackBlock = msgBlockDic_.take(msgType, reply);
-  }
+  const auto rebackBlock = msgBlockDic_.with([&](Handlers& all) { return all.take(msgType, reply); });
   if (rebackBlock) post(*rebackBlock, reply);
 }
 
@@ -137,7 +125,7 @@ void RequestEngine::respondTo(const Reply& reply, const std::optional<ZELData>& 
 // Handlers are failed also where there is no memory for all of them together: then one by one.
 void RequestEngine::respondToAllWithError(int code) {
   if (hasMemoryFor([&] { failAll(code); })) return;
-  while (const auto rebackBlock = takeAny()) {
+  while (const auto rebackBlock = msgBlockDic_.with([](Handlers& all) { return all.takeAny(); })) {
     orCount([&] { post(*rebackBlock, errorFields(code)); });
   }
   orCount([&] { failCapture(parser_, code); });
@@ -151,18 +139,10 @@ void RequestEngine::failAll(int code) {
     for (const auto& rebackBlock : *rebackBlocks) ifMemoryAllows([&] { rebackBlock(failure); });
     alive([code](CameraDataParser& parser) { failCapture(parser, code); });
   };
-  {
-    const MutexLock lock(mutex_);
-    *rebackBlocks = msgBlockDic_.takeAll(failure);
-  }
+  *rebackBlocks = msgBlockDic_.with([&](Handlers& all) { return all.takeAll(failure); });
   if (hasMemoryFor([&] { mainQueue_.post(std::move(step)); })) return;
   for (const auto& rebackBlock : *rebackBlocks) post(rebackBlock, failure);
   orCount([&] { failCapture(parser_, code); });
-}
-
-std::optional<RebackDic> RequestEngine::takeAny() {
-  const MutexLock lock(mutex_);
-  return msgBlockDic_.takeAny();
 }
 
 void RequestEngine::failCapture(CameraDataParser& parser, int code) {
@@ -186,8 +166,7 @@ void RequestEngine::addReceiver(std::shared_ptr<ZELCameraNotificationProtocol> r
   if (!receiver) return;
   auto added = std::make_shared<Receiver>();
   added->object = std::move(receiver);
-  const MutexLock lock(receiversMutex_);
-  notificationReceivers_.push_back(std::move(added));
+  notificationReceivers_.with([&](Receivers& all) { all.push_back(std::move(added)); });
 }
 
 void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver) {
@@ -197,21 +176,22 @@ void RequestEngine::removeReceiver(const ZELCameraNotificationProtocol* receiver
 }
 
 void RequestEngine::removeAllReceivers() {
-  decltype(notificationReceivers_) removed;  // as above
-  const MutexLock lock(receiversMutex_);
-  removed.swap(notificationReceivers_);
-  for (const auto& one : removed) one->removed.store(true);
+  Receivers removed;  // as above
+  notificationReceivers_.with([&](Receivers& all) {
+    removed.swap(all);
+    for (const auto& one : removed) one->removed.store(true);
+  });
 }
 
 std::shared_ptr<RequestEngine::Receiver> RequestEngine::takeReceiver(const ZELCameraNotificationProtocol* receiver) {
-  const MutexLock lock(receiversMutex_);
-  const auto found =
-      std::ranges::find_if(notificationReceivers_, [&](const auto& one) { return one->object.get() == receiver; });
-  if (found == notificationReceivers_.end()) return nullptr;
-  auto taken = std::move(*found);
-  notificationReceivers_.erase(found);
-  taken->removed.store(true);
-  return taken;
+  return notificationReceivers_.with([&](Receivers& all) -> std::shared_ptr<Receiver> {
+    const auto found = std::ranges::find_if(all, [&](const auto& one) { return one->object.get() == receiver; });
+    if (found == all.end()) return nullptr;
+    auto taken = std::move(*found);
+    all.erase(found);
+    taken->removed.store(true);
+    return taken;
+  });
 }
 
 // Deliberate: receivers run under the lock, so a removed one is not called any more. The list is copied first, so that
@@ -220,14 +200,9 @@ void RequestEngine::notify(std::int64_t type, const std::optional<ZELMessageFiel
   const auto held = keepAlive_.hold();
   const CallbackScope scope;
   const MutexLock delivery(deliveryMutex_);
-  for (const auto& receiver : receivers()) {
+  for (const auto& receiver : notificationReceivers_.get()) {
     if (!receiver->removed.load()) receiver->object->notificationType(type, value);
   }
-}
-
-std::vector<std::shared_ptr<RequestEngine::Receiver>> RequestEngine::receivers() {
-  const MutexLock lock(receiversMutex_);
-  return notificationReceivers_;
 }
 
 // An answer that finds no memory becomes a refusal. The handler is copied: a task that could not be made takes what was

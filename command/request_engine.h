@@ -18,6 +18,7 @@
 #include "base/has_memory_for.h"
 #include "base/mutex.h"
 #include "base/pending_table.h"
+#include "base/shared_value.h"
 #include "capture/zel_ucd_file.h"
 #include "link/camera_data_parser.h"
 #include "link/keep_alive.h"
@@ -98,6 +99,7 @@ class RequestEngine final : public SyncDataRequester {
 
  private:
   using Answer = std::optional<ZELMessageFields>;
+  using Handlers = PendingTable<std::int64_t, RebackDic, Answer>;
 
   struct Receiver;
 
@@ -105,7 +107,7 @@ class RequestEngine final : public SyncDataRequester {
   void registerFamily(const Family& family);
   void registerEvent(const CameraEvent& event);
   void statusChanged(LinkStatus status);
-  bool isConnected() const;
+  bool isConnected() const { return accessory_.linkStatus() > LinkStatus::open; }
   void announce(std::int64_t msgType);
   void withdraw(std::int64_t msgType);
   void write(std::int64_t msgType, const ZELMessageFields& fields, bool isAnnounced);
@@ -113,9 +115,7 @@ class RequestEngine final : public SyncDataRequester {
   void post(const RebackDic& rebackBlock, const Answer& answer);
   void postRefusal(const RebackDic& rebackBlock);
   void failAll(int code);
-  std::optional<RebackDic> takeAny();
   static void failCapture(CameraDataParser& parser, int code);
-  std::vector<std::shared_ptr<Receiver>> receivers();
   std::shared_ptr<Receiver> takeReceiver(const ZELCameraNotificationProtocol* receiver);
 
   ZELCameraAccessory& accessory_;
@@ -126,8 +126,7 @@ class RequestEngine final : public SyncDataRequester {
   std::atomic<std::uint64_t> lostForMemory_ = 0;
   const std::shared_ptr<CallGate> alive_ = std::make_shared<CallGate>();
 
-  Mutex mutex_;  // nothing is called with it held
-  PendingTable<std::int64_t, RebackDic, Answer> msgBlockDic_ ZEL_GUARDED_BY(mutex_);
+  Guarded<Handlers> msgBlockDic_;
 
   struct Receiver {
     std::shared_ptr<ZELCameraNotificationProtocol> object;
@@ -137,8 +136,8 @@ class RequestEngine final : public SyncDataRequester {
   // Held while receivers are called, so that removing one can wait for its call. Recursive, because a receiver may
   // cause an event.
   RecursiveMutex deliveryMutex_;
-  Mutex receiversMutex_;  // nothing is called with it held
-  std::vector<std::shared_ptr<Receiver>> notificationReceivers_ ZEL_GUARDED_BY(receiversMutex_);
+  using Receivers = std::vector<std::shared_ptr<Receiver>>;
+  Guarded<Receivers> notificationReceivers_;
 
   Observation statusObservation_;  // last: destroyed before everything that it uses
 };

@@ -9,8 +9,6 @@
 
 #include <ZELTarkaSDK/platform/notification_center.h>
 
-#include "protocol/frame.h"
-
 namespace {
 
 std::int64_t numberIn(const std::optional<ZELMessageFields>& value, std::string_view key) {

@@ -7,7 +7,6 @@
 
 #include "command/reply_adapters.h"
 #include "command/request_engine.h"
-#include "command/request_fields.h"
 
 using zel::RebackDic;
 using zel::RequestEngine;

@@ -1,7 +1,5 @@
 #include "link/camera_data_parser.h"
 
-#include <utility>
-
 #include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/platform/call_gate.h>
 
@@ -11,8 +9,6 @@ void CameraDataParser::setAccessory(zel::AccessoryLink* accessory) {
   accessory_ = accessory;
   router_.setAccessory(accessory);
 }
-
-void CameraDataParser::appendBytes(const std::uint8_t* bytes, std::size_t length) { cutter_.append({bytes, length}); }
 
 void CameraDataParser::takeFrame(std::uint16_t type, zel::ByteView payload) {
   parserDataWithUCDType(type, payload.data(), payload.size());

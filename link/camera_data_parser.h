@@ -33,14 +33,13 @@ class CameraDataParser final : public zel::InboundStream, zel::FrameSink {
   CameraDataParser() = default;
   CameraDataParser(const CameraDataParser&) = delete;
   CameraDataParser& operator=(const CameraDataParser&) = delete;
-
   // Receives the reports of arriving data and of the time synchronisation; may be null. Set before traffic starts.
   void setAccessory(zel::AccessoryLink* accessory);
   // Sends the marker request. Set before traffic starts.
   void setSyncDataRequester(zel::SyncDataRequester* requester) { syncDataRequester_ = requester; }
 
   // appendBytes:length: - appends received bytes without parsing them.
-  void appendBytes(const std::uint8_t* bytes, std::size_t length) override;
+  void appendBytes(const std::uint8_t* bytes, std::size_t length) override { cutter_.append({bytes, length}); }
 
   // Delivers every whole received frame in order. While resynchronising it searches for the marker instead, and leaves
   // the bytes after the marker for the next call.

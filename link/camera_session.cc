@@ -24,17 +24,10 @@ CameraSession::~CameraSession() {
 
 bool CameraSession::openSessionWithAccessory(const std::shared_ptr<zel::platform::Accessory>& accessory,
                                              std::string_view protocol, const std::function<void()>& accepted) {
-  std::uint64_t opening = 0;
-  Connection closed;
-  {
-    const MutexLock lock(mutex_);
-    closed = takeCurrent(opening);
-  }
-  finishClosing(closed);
-  return openAs(opening, accessory, protocol, accepted);
+  return openAs(closeCurrent(), accessory, protocol, accepted);
 }
 
-void CameraSession::closeSession() {
+std::uint64_t CameraSession::closeCurrent() {
   std::uint64_t opening = 0;
   Connection closed;
   {
@@ -42,6 +35,7 @@ void CameraSession::closeSession() {
     closed = takeCurrent(opening);
   }
   finishClosing(closed);
+  return opening;
 }
 
 CameraSession::Connection CameraSession::takeCurrent(std::uint64_t& opening) {
@@ -149,8 +143,6 @@ void CameraSession::reopen(const SessionConnection& failed) {
   openAs(opening, accessory, zel::kAccessoryProtocol, {});
 }
 
-bool CameraSession::isOpen() const { return current() != nullptr; }
-
 CameraSession::Connection CameraSession::current() const {
   const MutexLock lock(mutex_);
   return connection_;
@@ -197,8 +189,6 @@ std::span<std::uint8_t> CameraSession::readBuffer() {
   if (readBuffer_.empty()) readBuffer_.resize(kReadBuffer);
   return readBuffer_;
 }
-
-void CameraSession::accessoryDidDisconnect(const zel::platform::Accessory&) {}
 
 void CameraSession::waitForThreadEnd() {
   Connection running;

@@ -6,7 +6,6 @@
 #include <memory>
 #include <span>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <ZELTarkaSDK/ZELData.h>
@@ -43,10 +42,10 @@ class CameraSession final : zel::ConnectionOwner {
 
   // Closes the current session, if any. Asks the session thread to end and does not wait. Bytes written until the next
   // opening are lost.
-  void closeSession();
+  void closeSession() { closeCurrent(); }
 
   // Whether a session exists.
-  bool isOpen() const;
+  bool isOpen() const { return current() != nullptr; }
 
   // writeData: and writeData:length: - queue bytes for the camera, whole and in order. Dropped while closed.
   void writeData(const ZELData& data);
@@ -75,7 +74,7 @@ class CameraSession final : zel::ConnectionOwner {
   std::uint64_t streamErrors() const { return streamErrors_.load(); }
 
   // accessoryDidDisconnect: - does nothing: the accessory manager's notification ends the connection.
-  void accessoryDidDisconnect(const zel::platform::Accessory& accessory);
+  void accessoryDidDisconnect(const zel::platform::Accessory&) {}
 
   // Waits for the session thread to end after a close; returns at once on that thread.
   void waitForThreadEnd();
@@ -91,6 +90,7 @@ class CameraSession final : zel::ConnectionOwner {
   void bytesWritten(std::size_t count) override { bytesWritten_.fetch_add(count); }
 
   void reopen(const zel::SessionConnection& failed);
+  std::uint64_t closeCurrent();
   Connection takeCurrent(std::uint64_t& opening) ZEL_REQUIRES(mutex_);
   void finishClosing(const Connection& closed);
   bool openAs(std::uint64_t opening, const std::shared_ptr<zel::platform::Accessory>& accessory,

@@ -14,11 +14,11 @@ void FrameRouter::route(std::int32_t type, ByteView payload) {
   const bool isOnTheWire = type >= 0 && type <= std::numeric_limits<std::uint16_t>::max();
   switch (isOnTheWire ? FrameType(type) : FrameType::other) {
     case FrameType::previewVideo:
-      return routeVideo(payload);
+      return hand(consumers().player, &PreviewConsumer::appendVideoBytes, payload);
     case FrameType::previewAudio:
-      return routeAudio(payload);
+      return hand(consumers().player, &PreviewConsumer::appendAudioBytes, payload);
     case FrameType::photo:
-      return routePhoto(payload);
+      return hand(consumers().photo, &PhotoConsumer::parserData, payload);
     case FrameType::message:
       return parserMsg(payload);
     case FrameType::registered:
@@ -26,35 +26,18 @@ void FrameRouter::route(std::int32_t type, ByteView payload) {
     case FrameType::timestamp:
       return routeTimestamp(payload);
     case FrameType::file:
-      return routeFile(payload);
+      return hand(consumers().file, &FileReplyConsumer::parserUCD, payload);
     case FrameType::other:
       break;
   }
   statistics_.dropped.unknownType.add(1);
 }
 
-void FrameRouter::routeVideo(ByteView payload) {
-  const auto player = consumers().player.lock();
-  if (!player) return statistics_.dropped.noConsumer.add(1);
-  player->appendVideoBytes(payload);
-}
-
-void FrameRouter::routeAudio(ByteView payload) {
-  const auto player = consumers().player.lock();
-  if (!player) return statistics_.dropped.noConsumer.add(1);
-  player->appendAudioBytes(payload);
-}
-
-void FrameRouter::routePhoto(ByteView payload) {
-  const auto parser = consumers().photo.lock();
-  if (!parser) return statistics_.dropped.noConsumer.add(1);
-  parser->parserData(payload);
-}
-
-void FrameRouter::routeFile(ByteView payload) {
-  const auto file = consumers().file.lock();
-  if (!file) return statistics_.dropped.noConsumer.add(1);
-  file->parserUCD(payload);
+template <class Consumer, class Given>
+void FrameRouter::hand(const std::weak_ptr<Consumer>& consumer, void (Consumer::*take)(Given), Given given) {
+  const auto there = consumer.lock();
+  if (!there) return statistics_.dropped.noConsumer.add(1);
+  ((*there).*take)(given);
 }
 
 void FrameRouter::routeRegistered(ByteView payload) {
@@ -76,13 +59,12 @@ void FrameRouter::routeTimestamp(ByteView payload) {
   if (accessory_ == nullptr || accessory_->firewareVersion() < kFirewareVersion190) {
     return statistics_.dropped.timestampOldFirmware.add(1);
   }
-  const auto player = consumers().player.lock();
-  if (!player) return statistics_.dropped.noConsumer.add(1);
   // Added as unsigned numbers, because a hostile time must wrap around and not overflow.
   const auto cameraTime = loadLittleEndian<std::uint64_t>(payload.data() + 1);
   const auto phoneTime = static_cast<std::int64_t>(cameraTime + static_cast<std::uint64_t>(accessory_->timeOffset()));
-  if (payload[0] == 0) return player->setNextVideoTimestamp(phoneTime);
-  player->setNextAudioTimestamp(phoneTime);
+  const bool isVideo = payload[0] == 0;
+  hand(consumers().player, isVideo ? &PreviewConsumer::setNextVideoTimestamp : &PreviewConsumer::setNextAudioTimestamp,
+       phoneTime);
 }
 
 void FrameRouter::parserMsg(ByteView message) {
@@ -105,44 +87,20 @@ void FrameRouter::parserMsg(ByteView message) {
 const FrameRouter::Consumers& FrameRouter::consumers() {
   const std::uint64_t version = consumersVersion_.load();
   if (version != consumersSeen_) {
-    const MutexLock lock(consumersMutex_);
-    consumersCopy_ = {previewPlayer_, photoParser_, ucdFile_};
+    consumersCopy_ = consumers_.with([](const Owned& all) { return Consumers{all.player, all.photo, all.file}; });
     consumersSeen_ = version;
   }
   return consumersCopy_;
 }
 
-void FrameRouter::setPreviewPlayer(std::weak_ptr<PreviewConsumer> player) {
-  const MutexLock lock(consumersMutex_);
-  std::swap(previewPlayer_, player);
+template <class Consumer>
+void FrameRouter::set(Consumer Owned::*which, Consumer consumer) {
+  consumers_.set(which, std::move(consumer));
   consumersVersion_.fetch_add(1);
 }
 
-std::shared_ptr<PreviewConsumer> FrameRouter::previewPlayer() const {
-  const MutexLock lock(consumersMutex_);
-  return previewPlayer_.lock();
-}
-
-void FrameRouter::setPhotoParser(std::shared_ptr<PhotoConsumer> parser) {
-  const MutexLock lock(consumersMutex_);
-  std::swap(photoParser_, parser);
-  consumersVersion_.fetch_add(1);
-}
-
-std::shared_ptr<PhotoConsumer> FrameRouter::photoParser() const {
-  const MutexLock lock(consumersMutex_);
-  return photoParser_;
-}
-
-void FrameRouter::setUcdFile(std::shared_ptr<FileReplyConsumer> file) {
-  const MutexLock lock(consumersMutex_);
-  std::swap(ucdFile_, file);
-  consumersVersion_.fetch_add(1);
-}
-
-std::shared_ptr<FileReplyConsumer> FrameRouter::ucdFile() const {
-  const MutexLock lock(consumersMutex_);
-  return ucdFile_;
-}
+void FrameRouter::setPreviewPlayer(std::weak_ptr<PreviewConsumer> player) { set(&Owned::player, std::move(player)); }
+void FrameRouter::setPhotoParser(std::shared_ptr<PhotoConsumer> parser) { set(&Owned::photo, std::move(parser)); }
+void FrameRouter::setUcdFile(std::shared_ptr<FileReplyConsumer> file) { set(&Owned::file, std::move(file)); }
 
 }  // namespace zel

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 #include "link/camera_msg_parser.h"
 #include "link/frame_statistics.h"
 #include "link/message_registry.h"
@@ -33,21 +33,27 @@ class FrameRouter {
 
   // Consumer of video, audio and timestamps, held weakly.
   void setPreviewPlayer(std::weak_ptr<PreviewConsumer> player);
-  std::shared_ptr<PreviewConsumer> previewPlayer() const;
+  std::shared_ptr<PreviewConsumer> previewPlayer() const { return consumers_.get(&Owned::player).lock(); }
   // Consumer of photos; each capture brings its own.
   void setPhotoParser(std::shared_ptr<PhotoConsumer> parser);
-  std::shared_ptr<PhotoConsumer> photoParser() const;
+  std::shared_ptr<PhotoConsumer> photoParser() const { return consumers_.get(&Owned::photo); }
   // Whether there is one.
   // Thread: session thread.
   bool awaitsPhoto() { return !consumers().photo.expired(); }
   // Consumer of file replies.
   void setUcdFile(std::shared_ptr<FileReplyConsumer> file);
-  std::shared_ptr<FileReplyConsumer> ucdFile() const;
+  std::shared_ptr<FileReplyConsumer> ucdFile() const { return consumers_.get(&Owned::file); }
 
   Registry<CameraMsgParser>& msgParserDic() { return msgParserDic_; }
   Registry<ZELCameraDataParser>& dataParserDic() { return dataParserDic_; }
 
  private:
+  // The consumers as they were set, and as the session thread sees them.
+  struct Owned {
+    std::weak_ptr<PreviewConsumer> player;
+    std::shared_ptr<PhotoConsumer> photo;
+    std::shared_ptr<FileReplyConsumer> file;
+  };
   struct Consumers {
     std::weak_ptr<PreviewConsumer> player;
     std::weak_ptr<PhotoConsumer> photo;
@@ -55,12 +61,12 @@ class FrameRouter {
   };
 
   const Consumers& consumers();
-  void routeVideo(ByteView payload);
-  void routeAudio(ByteView payload);
-  void routePhoto(ByteView payload);
+  template <class Consumer>
+  void set(Consumer Owned::*which, Consumer consumer);
+  template <class Consumer, class Given>
+  void hand(const std::weak_ptr<Consumer>& consumer, void (Consumer::*take)(Given), Given given);
   void routeRegistered(ByteView payload);
   void routeTimestamp(ByteView payload);
-  void routeFile(ByteView payload);
 
   FrameStatistics& statistics_;
   AccessoryLink* accessory_ = nullptr;  // set before traffic starts
@@ -70,10 +76,7 @@ class FrameRouter {
   Consumers consumersCopy_;          // session thread only
   std::uint64_t consumersSeen_ = 0;  // session thread only
   std::atomic<std::uint64_t> consumersVersion_ = 0;
-  mutable Mutex consumersMutex_;
-  std::weak_ptr<PreviewConsumer> previewPlayer_ ZEL_GUARDED_BY(consumersMutex_);
-  std::shared_ptr<PhotoConsumer> photoParser_ ZEL_GUARDED_BY(consumersMutex_);
-  std::shared_ptr<FileReplyConsumer> ucdFile_ ZEL_GUARDED_BY(consumersMutex_);
+  Guarded<Owned> consumers_;
 };
 
 }  // namespace zel

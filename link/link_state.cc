@@ -9,11 +9,9 @@ constexpr double kNeverReceived = -1.0;
 
 }  // namespace
 
-bool LinkState::set(LinkStatus status) { return status_.exchange(status) != status; }
-
 void LinkState::opened(const std::function<bool()>& stillOpen) {
-  clock_.anchor();
-  const double now = clock_.absoluteTime();
+  ahead_.store(clock_.absoluteTime() - clock_.steadyTime());
+  const double now = absoluteTime();
   {
     const MutexLock lock(mutex_);
     if (!stillOpen()) return;
@@ -24,7 +22,7 @@ void LinkState::opened(const std::function<bool()>& stillOpen) {
 }
 
 void LinkState::received() {
-  const double now = clock_.absoluteTime();
+  const double now = absoluteTime();
   {
     const MutexLock lock(mutex_);
     if (status_.load() == LinkStatus::closed) return;
@@ -35,7 +33,7 @@ void LinkState::received() {
 }
 
 void LinkState::checkSilence(LinkStatus seen) {
-  const double now = clock_.absoluteTime();
+  const double now = absoluteTime();
   LinkStatus next = seen;
   {
     const MutexLock lock(mutex_);

@@ -6,10 +6,10 @@
 
 #include <ZELTarkaSDK/LinkStatus.h>
 #include <ZELTarkaSDK/Observation.h>
+#include <ZELTarkaSDK/platform/clock.h>
 
 #include "base/mutex.h"
 #include "base/observer_list.h"
-#include "link/link_clock.h"
 
 namespace zel {
 
@@ -23,15 +23,16 @@ namespace zel {
 class LinkState {
  public:
   // Owner:  the clock must outlive the object.
-  explicit LinkState(const platform::Clock& clock) : clock_(clock) {}
+  explicit LinkState(const platform::Clock& clock) : clock_(clock), ahead_(clock.absoluteTime() - clock.steadyTime()) {}
 
   LinkStatus status() const { return status_.load(); }
   [[nodiscard]] Observation observe(std::function<void(std::uint64_t)> observer) {
     return observers_.add(std::move(observer));
   }
 
-  // Seconds since 1 January 2001 UTC, as the link counts them: see LinkClock.
-  double absoluteTime() const { return clock_.absoluteTime(); }
+  // Seconds since 1 January 2001 UTC, as the link counts them: the host's wall clock at the opening of the session,
+  // advanced by the steady clock. Setting the host's clock neither hides a silent link nor fakes one.
+  double absoluteTime() const { return clock_.steadyTime() + ahead_.load(); }
   // When data last arrived, or a session opened; -1 while closed.
   double lastReceived() const { return lastReceived_.load(); }
   // Added to camera timestamps to get phone time, in milliseconds; 0 until it has been measured, and while closed.
@@ -51,10 +52,11 @@ class LinkState {
 
  private:
   // The only writer of the status. False where it is that already.
-  bool set(LinkStatus status) ZEL_REQUIRES(mutex_);
+  bool set(LinkStatus status) { return status_.exchange(status) != status; }
   void tell(LinkStatus status) { observers_.notify(static_cast<std::uint64_t>(status)); }
 
-  LinkClock clock_;
+  const platform::Clock& clock_;
+  std::atomic<double> ahead_;  // the wall clock minus the steady clock
   ObserverList<std::uint64_t> observers_;
 
   // Orders what the session thread reports against the closing of the session.

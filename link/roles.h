@@ -21,7 +21,7 @@ class AccessoryLink {
   virtual void receivedData() = 0;          // a frame was routed, or dropped
   virtual std::int64_t firewareVersion() const = 0;
   virtual std::int64_t timeOffset() const = 0;  // milliseconds
-  virtual double absoluteTime() const = 0;      // seconds since 2001, see LinkClock
+  virtual double absoluteTime() const = 0;      // seconds since 2001, see LinkState
   virtual void sendSyncTimeCmd() = 0;
   virtual void updateReceiveSyncTimeCmdTimestamp(std::int64_t receiveTime) = 0;  // milliseconds since 2001
   virtual void streamPositionLost() = 0;                                         // an invalid length: reopen

@@ -185,8 +185,6 @@ void SessionConnection::drainWriteData() {
   }
 }
 
-void SessionConnection::sendSyncTimeCmd() { performOnThread(&SessionConnection::syncCameraSystemTimeOnThread); }
-
 void SessionConnection::syncCameraSystemTimeOnThread() {
   const MutexLock lock(writeDataLock_);
   Bytes time;

@@ -75,7 +75,7 @@ class SessionConnection final : public platform::StreamDelegate,
   std::size_t bytesToWrite() const { return bytesToWrite_.load(); }
 
   // Sends the time synchronisation from the session thread.
-  void sendSyncTimeCmd();
+  void sendSyncTimeCmd() { performOnThread(&SessionConnection::syncCameraSystemTimeOnThread); }
 
   // stream:handleEvent:
   void streamHandleEvent(platform::Stream& stream, platform::StreamEvent event) override;

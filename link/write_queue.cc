@@ -7,8 +7,6 @@ constexpr std::size_t kKeptBytes = 1024 * 1024;  // larger memory, after an uplo
 
 }  // namespace
 
-void WriteQueue::append(ByteView bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
-
 void WriteQueue::removeFirst(std::size_t count) {
   taken_ += count;
   if (taken_ == bytes_.size()) {

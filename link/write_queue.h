@@ -11,7 +11,7 @@ namespace zel {
 // Thread: one at a time.
 class WriteQueue {
  public:
-  void append(ByteView bytes);
+  void append(ByteView bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
   ByteView view() const { return ByteView(bytes_).subspan(taken_); }
   bool empty() const { return taken_ == bytes_.size(); }
   void removeFirst(std::size_t count);

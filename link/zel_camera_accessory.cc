@@ -8,14 +8,13 @@
 #include <ZELTarkaSDK/platform/ports.h>
 
 #include "base/has_memory_for.h"
-#include "base/mutex.h"
+#include "base/shared_value.h"
 #include "link/camera_data_parser.h"
 #include "link/camera_session.h"
 #include "link/keep_alive.h"
 #include "link/link_state.h"
 #include "link/zel_tunnel_service.h"
 
-using zel::MutexLock;
 using zel::platform::Accessory;
 using zel::platform::Notification;
 using zel::platform::NotificationObservation;
@@ -67,14 +66,15 @@ struct ZELCameraAccessory::Impl final : zel::AccessoryLink {
   std::atomic<std::int64_t> firewareNumber = 0;  // that of accessoryInfo, read for every frame
   std::atomic<std::int64_t> syncRoundTrip = -1;
 
-  mutable zel::Mutex infoMutex;
-  std::shared_ptr<const ZELAccessoryInfo> accessoryInfo ZEL_GUARDED_BY(infoMutex);
-  std::weak_ptr<ZELCameraAccessoryDelegate> delegate ZEL_GUARDED_BY(infoMutex);
+  zel::Guarded<std::shared_ptr<const ZELAccessoryInfo>> accessoryInfo;
+  zel::Guarded<std::weak_ptr<ZELCameraAccessoryDelegate>> delegate;
 
-  zel::Mutex watchMutex;
-  std::unique_ptr<zel::platform::Timer> detectTimer ZEL_GUARDED_BY(watchMutex);
-  std::unique_ptr<zel::platform::NotificationObservation> connectObservation ZEL_GUARDED_BY(watchMutex);
-  std::unique_ptr<zel::platform::NotificationObservation> disconnectObservation ZEL_GUARDED_BY(watchMutex);
+  // What sees accessories come and go; empty while the camera is closed.
+  struct Watch {
+    std::unique_ptr<NotificationObservation> connect, disconnect;
+  };
+  zel::Guarded<std::unique_ptr<zel::platform::Timer>> detectTimer;
+  zel::Guarded<Watch> watch;
   std::atomic<std::uint64_t> watches = 0;  // changes with each opening and closing of the camera
 
   CameraSession session;  // last except the service: its thread uses all members above
@@ -113,25 +113,21 @@ CameraSession& ZELCameraAccessory::cameraSession() { return impl_->session; }
 ZELTunnelService& ZELCameraAccessory::tunnelService() { return impl_->tunnelService; }
 void ZELCameraAccessory::simulatorConnectToHost(std::string_view, int) {}
 
-std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::accessoryInfo() const {
-  const MutexLock lock(impl_->infoMutex);
-  return impl_->accessoryInfo;
-}
+std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::accessoryInfo() const { return impl_->accessoryInfo.get(); }
 
 void ZELCameraAccessory::setAccessoryInfo(std::shared_ptr<const ZELAccessoryInfo> info) {
-  const MutexLock lock(impl_->infoMutex);
-  impl_->firewareNumber.store(info ? firmwareNumber(info->firmwareRevision()) : 0);
-  impl_->accessoryInfo = std::move(info);
+  impl_->accessoryInfo.with([&](std::shared_ptr<const ZELAccessoryInfo>& known) {
+    impl_->firewareNumber.store(info ? firmwareNumber(info->firmwareRevision()) : 0);
+    known.swap(info);
+  });
 }
 
 void ZELCameraAccessory::setDelegate(std::weak_ptr<ZELCameraAccessoryDelegate> delegate) {
-  const MutexLock lock(impl_->infoMutex);
-  impl_->delegate = std::move(delegate);
+  impl_->delegate.set(std::move(delegate));
 }
 
 std::shared_ptr<ZELCameraAccessoryDelegate> ZELCameraAccessory::delegate() const {
-  const MutexLock lock(impl_->infoMutex);
-  return impl_->delegate.lock();
+  return impl_->delegate.get().lock();
 }
 
 // Without memory the camera is closed, as one that could not be opened.
@@ -143,19 +139,12 @@ std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::openCamera() {
 }
 
 std::shared_ptr<const ZELAccessoryInfo> ZELCameraAccessory::watchAndConnect() {
-  auto connect =
-      observe(zel::platform::kAccessoryDidConnectNotification, &ZELCameraAccessory::accessoryDidConnectNotification);
-  auto disconnect = observe(zel::platform::kAccessoryDidDisconnectNotification,
-                            &ZELCameraAccessory::accessoryDidDisconnectNotification);
+  Impl::Watch observed{
+      observe(zel::platform::kAccessoryDidConnectNotification, &ZELCameraAccessory::accessoryDidConnectNotification),
+      observe(zel::platform::kAccessoryDidDisconnectNotification,
+              &ZELCameraAccessory::accessoryDidDisconnectNotification)};
   const std::uint64_t watch = ++impl_->watches;
-  {
-    const MutexLock lock(impl_->watchMutex);
-    std::swap(impl_->connectObservation, connect);
-    std::swap(impl_->disconnectObservation, disconnect);
-  }
-  const bool watching = connect != nullptr;
-  connect.reset();
-  disconnect.reset();
+  const bool watching = impl_->watch.set(std::move(observed)).connect != nullptr;
   if (!watching) impl_->ports.accessories.registerForLocalNotifications();
   for (const auto& accessory : impl_->ports.accessories.connectedAccessories()) {
     const bool connected = connectCamera(accessory);
@@ -176,14 +165,8 @@ void ZELCameraAccessory::closeCamera() {
   const auto held = impl_->keepAlive.hold();
   ++impl_->watches;
   closeConnection();
-  std::unique_ptr<zel::platform::NotificationObservation> connect;
-  std::unique_ptr<zel::platform::NotificationObservation> disconnect;
-  {
-    const MutexLock lock(impl_->watchMutex);
-    std::swap(impl_->connectObservation, connect);
-    std::swap(impl_->disconnectObservation, disconnect);
-  }
-  if (connect) impl_->ports.accessories.unregisterForLocalNotifications();
+  const Impl::Watch former = impl_->watch.set({});
+  if (former.connect) impl_->ports.accessories.unregisterForLocalNotifications();
 }
 
 bool ZELCameraAccessory::connectCamera(const std::shared_ptr<Accessory>& accessory) {
@@ -263,15 +246,10 @@ void ZELCameraAccessory::startDetectTimer() {
   stopDetectTimer();
   auto timer = impl_->ports.threads.currentRunLoop().scheduleRepeating(
       kDetectPeriod, impl_->keepAlive.during([this] { zel::ifMemoryAllows([this] { onDetectTimer(); }); }));
-  const MutexLock lock(impl_->watchMutex);
-  std::swap(impl_->detectTimer, timer);
+  impl_->detectTimer.set(std::move(timer));
 }
 
-void ZELCameraAccessory::stopDetectTimer() {
-  std::unique_ptr<zel::platform::Timer> timer;
-  const MutexLock lock(impl_->watchMutex);
-  std::swap(impl_->detectTimer, timer);
-}
+void ZELCameraAccessory::stopDetectTimer() { impl_->detectTimer.set(nullptr); }
 
 void ZELCameraAccessory::onDetectTimer() {
   const auto held = impl_->keepAlive.hold();

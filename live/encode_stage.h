@@ -8,9 +8,9 @@
 #include <ZELTarkaSDK/platform/clock.h>
 #include <ZELTarkaSDK/platform/video_encoder.h>
 
+#include "base/shared_value.h"
 #include "live/frame_queue.h"
 #include "live/join_lock.h"
-#include "live/shared_value.h"
 
 namespace zel {
 

@@ -8,8 +8,8 @@
 #include <ZELTarkaSDK/LiveStatistics.h>
 #include <ZELTarkaSDK/ZELLiveDataSourceProtocol.h>
 
+#include "base/shared_value.h"
 #include "live/live_settings.h"
-#include "live/shared_value.h"
 
 namespace zel {
 

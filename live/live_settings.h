@@ -7,7 +7,7 @@
 #include <ZELTarkaSDK/PreviewFormat.h>
 #include <ZELTarkaSDK/platform/media_library.h>
 
-#include "live/shared_value.h"
+#include "base/shared_value.h"
 
 namespace zel {
 

@@ -4,8 +4,6 @@
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 #include <ZELTarkaSDK/ZELLiveDataSource.h>
 
-#include <utility>
-
 #include "base/has_memory_for.h"
 #include "live/zel_live_data_source_state.h"
 

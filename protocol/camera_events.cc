@@ -1,6 +1,5 @@
 #include "protocol/camera_events.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "protocol/field.h"
 
-#include <algorithm>
+#include <cassert>
 #include <string>
 
 #include "base/text.h"

@@ -4,14 +4,13 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
-#include <span>
 #include <utility>
 
 #include <ZELTarkaSDK/platform/clock.h>
 #include <ZELTarkaSDK/platform/documents.h>
 #include <ZELTarkaSDK/platform/ports.h>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 #include "support/log_file.h"
 
 namespace {
@@ -64,8 +63,7 @@ std::string fieldText(char letter, std::size_t run, const LocalTime& moment) {
 }  // namespace
 
 struct ZELDateFormatter::Format {
-  zel::Mutex mutex;
-  std::string text ZEL_GUARDED_BY(mutex);
+  zel::Guarded<std::string> text;
 };
 
 ZELDateFormatter::ZELDateFormatter(const zel::platform::Ports& ports)
@@ -89,15 +87,9 @@ std::string ZELDateFormatter::getCurrentTime() {
   return stringFromDate(clock_.absoluteTime());
 }
 
-std::string ZELDateFormatter::dateFormat() const {
-  const zel::MutexLock lock(format_->mutex);
-  return format_->text;
-}
+std::string ZELDateFormatter::dateFormat() const { return format_->text.get(); }
 
-void ZELDateFormatter::setDateFormat(const std::string& dateFormat) {
-  const zel::MutexLock lock(format_->mutex);
-  format_->text = dateFormat;
-}
+void ZELDateFormatter::setDateFormat(const std::string& dateFormat) { format_->text.set(dateFormat); }
 
 std::string ZELDateFormatter::stringFromDate(double date) const {
   const std::string format = dateFormat();

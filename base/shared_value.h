@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
 #include "base/mutex.h"
@@ -28,6 +29,9 @@ using RelaxedCount = Relaxed<std::uint64_t>;
 template <class T>
 class Guarded {
  public:
+  Guarded() = default;
+  explicit Guarded(T value) : value_(std::move(value)) {}
+
   T get() const {
     const MutexLock lock(mutex_);
     return value_;
@@ -36,6 +40,28 @@ class Guarded {
   T set(T value) {
     const MutexLock lock(mutex_);
     return std::exchange(value_, std::move(value));
+  }
+  // One member of it.
+  template <class Member, class Whole>
+  Member get(Member Whole::*member) const {
+    const MutexLock lock(mutex_);
+    return value_.*member;
+  }
+  template <class Member, class Whole>
+  void set(Member Whole::*member, std::type_identity_t<Member> value) {
+    const MutexLock lock(mutex_);
+    std::swap(value_.*member, value);
+  }
+  // Calls with the value under the lock, and returns what the call does. The call must not come back here.
+  template <class Call>
+  auto with(const Call& call) {
+    const MutexLock lock(mutex_);
+    return call(value_);
+  }
+  template <class Call>
+  auto with(const Call& call) const {
+    const MutexLock lock(mutex_);
+    return call(value_);
   }
 
  private:
