@@ -1,7 +1,6 @@
 #include "platform/ffmpeg/h264_decoder.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <optional>
 #include <utility>
@@ -21,11 +20,6 @@ using Bytes = VideoDecoder::Bytes;
 constexpr std::uint8_t kDelimiter[] = {9, 0xF0};        // an access-unit delimiter before a picture of any kind
 constexpr std::size_t kLargestUnit = 64u << 20;         // bytes
 constexpr std::size_t kLargestParameterSet = 1u << 16;  // bytes
-
-void appendUnit(std::vector<std::uint8_t>& stream, Bytes unit) {
-  stream.insert(stream.end(), std::begin(kStartCode), std::end(kStartCode));
-  stream.insert(stream.end(), unit.begin(), unit.end());
-}
 
 bool setHeaders(AVCodecContext& context, Bytes sps, Bytes pps) {
   std::vector<std::uint8_t> headers;
@@ -49,27 +43,11 @@ std::optional<Bytes> unitIn(Bytes prefixed) {
   return lengthPrefix(prefixed) == unit.size() ? std::optional(unit) : std::nullopt;
 }
 
-// A codec context that is fed packets.
-class LibavStream {
- public:
-  explicit LibavStream(CodecContextPtr context) : context_(std::move(context)) {}
-
-  AVCodecContext& context() { return *context_; }
-
-  // FFmpeg's error code, 0 for none. A decoded picture is returned by receive().
-  int send(const AVPacket& packet) { return avcodec_send_packet(context_.get(), &packet); }
-
-  int sendEnd() { return avcodec_send_packet(context_.get(), nullptr); }
-
-  FramePtr receive() {
-    FramePtr frame(av_frame_alloc());
-    if (!frame || avcodec_receive_frame(context_.get(), frame.get()) < 0) return nullptr;
-    return frame;
-  }
-
- private:
-  CodecContextPtr context_;
-};
+// The next picture; null while there is none.
+FramePtr receivedFrom(AVCodecContext& context) {
+  FramePtr frame(av_frame_alloc());
+  return frame && avcodec_receive_frame(&context, frame.get()) >= 0 ? std::move(frame) : nullptr;
+}
 
 // Units in a packet of the codec's, so that sending it copies nothing more.
 class UnitPacket {
@@ -88,10 +66,10 @@ class UnitPacket {
   }
 
   // Sends what it holds, and is empty afterwards. FFmpeg's code for the fault, 0 for none.
-  int sendTo(LibavStream& stream, std::int64_t timestamp) {
+  int sendTo(AVCodecContext& context, std::int64_t timestamp) {
     if (size() == 0) return AVERROR(ENOMEM);  // no unit could be kept; an empty packet would end the stream
     packet_->pts = timestamp;
-    const int fault = stream.send(*packet_);
+    const int fault = avcodec_send_packet(&context, packet_.get());
     clear();
     return fault;
   }
@@ -126,7 +104,7 @@ class H264Decoder final : public VideoDecoder {
  public:
   H264Decoder(std::unique_ptr<PictureMemory> memory, CodecContextPtr context, const H264Sequence& sequence,
               Feeding feeding)
-      : memory_(std::move(memory)), stream_(std::move(context)) {
+      : memory_(std::move(memory)), context_(std::move(context)) {
     note(sequence);
     feed(feeding);
   }
@@ -148,9 +126,9 @@ class H264Decoder final : public VideoDecoder {
   DecodedPicture flush() override {
     if (!std::exchange(ended_, true)) {
       if (hasSlice_) sendCollected();
-      stream_.sendEnd();
+      avcodec_send_packet(context_.get(), nullptr);
     }
-    while (FramePtr frame = stream_.receive()) {
+    while (FramePtr frame = receivedFrom(*context_)) {
       if (DecodeResult result = shown(std::move(frame)); result.status == DecodeStatus::picture)
         return std::move(result.picture);
     }
@@ -160,7 +138,7 @@ class H264Decoder final : public VideoDecoder {
  private:
   void feed(Feeding feeding) {
     feeding_ = feeding;
-    int& flags = stream_.context().flags2;
+    int& flags = context_->flags2;
     flags = feeding == Feeding::pictureByPicture ? flags & ~AV_CODEC_FLAG2_CHUNKS : flags | AV_CODEC_FLAG2_CHUNKS;
   }
 
@@ -181,7 +159,7 @@ class H264Decoder final : public VideoDecoder {
   // FFmpeg would raise this by itself, step by step, and lose a picture at each step.
   void expectReordering() {
     if (std::exchange(reorderingIsKnown_, true)) return;
-    stream_.context().has_b_frames = std::max(stream_.context().has_b_frames, heldBackIfReordered_);
+    context_->has_b_frames = std::max(context_->has_b_frames, heldBackIfReordered_);
   }
 
   DecodeResult decodeAtOnce(Bytes unit, const std::optional<H264SliceStart>& slice, std::int64_t timestamp) {
@@ -190,9 +168,9 @@ class H264Decoder final : public VideoDecoder {
     if (slice && !slice->beginsPicture && !pictureBegun_) return {};  // its first slice is missing
     const bool lostOne = slice && slice->beginsPicture && beginPicture(timestamp);
     const int fault = sendAlone(unit, timestamp);
-    FramePtr frame = stream_.receive();
+    FramePtr frame = receivedFrom(*context_);
     if (slice && (fault < 0 || frame)) pictureBegun_ = false;
-    if (decides && !frame && stream_.context().has_b_frames == 0) return collectFromNowOn(unit, slice, timestamp);
+    if (decides && !frame && context_->has_b_frames == 0) return collectFromNowOn(unit, slice, timestamp);
     if (decides) feed(Feeding::unitByUnit);
     if (frame) return shown(std::move(frame));
     if (slice && fault < 0) owed_.dropNewest();
@@ -223,30 +201,30 @@ class H264Decoder final : public VideoDecoder {
     const bool taken = sendCollected();
     hasSlice_ = false;
     if (!taken) failed_ = true;
-    if (FramePtr frame = stream_.receive()) return shown(std::move(frame));
+    if (FramePtr frame = receivedFrom(*context_)) return shown(std::move(frame));
     const bool lostOne = owed_.loseBeyond(mostHeldBack());
     return withoutPicture(taken && !lostOne);
   }
 
   // With several threads an error belongs to an earlier picture.
   bool sendCollected() {
-    const bool taken = packet_.sendTo(stream_, timestamp_) >= 0;
-    if (taken || stream_.context().thread_count > 1) owed_.add(timestamp_);
+    const bool taken = packet_.sendTo(*context_, timestamp_) >= 0;
+    if (taken || context_->thread_count > 1) owed_.add(timestamp_);
     return taken;
   }
 
   void forgetPictures() {
-    avcodec_flush_buffers(&stream_.context());
+    avcodec_flush_buffers(context_.get());
     owed_.clear();
   }
 
   std::size_t mostHeldBack() {
-    const AVCodecContext& context = stream_.context();
+    const AVCodecContext& context = *context_;
     return static_cast<std::size_t>(context.has_b_frames + context.thread_count - 1);
   }
 
   DecodeResult shown(FramePtr frame) {
-    const std::int64_t time = owed_.take(frame->pts, stream_.context().has_b_frames > 0);
+    const std::int64_t time = owed_.take(frame->pts, context_->has_b_frames > 0);
     return resultOf(std::move(frame), time);
   }
 
@@ -257,7 +235,7 @@ class H264Decoder final : public VideoDecoder {
   bool beginPicture(std::int64_t timestamp) {
     owed_.add(timestamp);
     if (std::exchange(pictureBegun_, true)) {
-      int& flags = stream_.context().flags2;
+      int& flags = context_->flags2;
       flags &= ~AV_CODEC_FLAG2_CHUNKS;
       sendAlone(kDelimiter, AV_NOPTS_VALUE);
       flags |= AV_CODEC_FLAG2_CHUNKS;
@@ -267,11 +245,11 @@ class H264Decoder final : public VideoDecoder {
 
   int sendAlone(Bytes unit, std::int64_t timestamp) {
     packet_.clear();
-    return packet_.append(unit) ? packet_.sendTo(stream_, timestamp) : AVERROR(ENOMEM);
+    return packet_.append(unit) ? packet_.sendTo(*context_, timestamp) : AVERROR(ENOMEM);
   }
 
   const std::unique_ptr<PictureMemory> memory_;  // outlives the context, which takes from it
-  LibavStream stream_;
+  CodecContextPtr context_;
   Feeding feeding_ = Feeding::undecided;
   std::int64_t macroblocks_ = 1;  // of a picture
   std::int64_t kept_ = 0;         // units of the newest picture
@@ -287,10 +265,8 @@ class H264Decoder final : public VideoDecoder {
 };
 
 CodecContextPtr makeContext(Bytes sps, Bytes pps, int threads) {
-  const AVCodec* codec = avcodec_find_decoder(AV_CODEC_ID_H264);
-  CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
+  CodecContextPtr context = silentContext(avcodec_find_decoder(AV_CODEC_ID_H264));
   if (!context || !setHeaders(*context, sps, pps)) return nullptr;
-  silence(*context);
   context->max_pixels = LibavVideoDecoders::kMostPixels;
   context->thread_count = threads;
   context->thread_type = FF_THREAD_FRAME;

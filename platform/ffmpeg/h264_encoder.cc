@@ -1,9 +1,5 @@
 #include "platform/ffmpeg/h264_encoder.h"
 
-extern "C" {
-#include <libavutil/opt.h>
-}
-
 #include <algorithm>
 #include <deque>
 #include <limits>
@@ -21,24 +17,6 @@ namespace {
 
 using EncodedBytes = std::span<std::uint8_t>;
 using Encoders = LibavVideoEncoders;
-
-const char* nameOf(X264Preset preset) {
-  switch (preset) {
-    case X264Preset::ultrafast:
-      return "ultrafast";
-    case X264Preset::superfast:
-      return "superfast";
-    case X264Preset::veryfast:
-      return "veryfast";
-    case X264Preset::faster:
-      return "faster";
-    case X264Preset::fast:
-      return "fast";
-    case X264Preset::medium:
-      return "medium";
-  }
-  return "ultrafast";
-}
 
 bool isSide(std::int32_t side) {
   return side >= Encoders::kSmallestSide && side <= Encoders::kLargestSide && side % 2 == 0;
@@ -81,16 +59,13 @@ bool setOption(AVCodecContext& context, const char* name, const char* value) {
 
 CodecContextPtr openContext(const VideoEncoderSettings& settings, const LibavEncoderOptions& options,
                             const PictureColour& colour) {
-  const AVCodec* codec = avcodec_find_encoder_by_name("libx264");
-  CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
+  CodecContextPtr context = silentContext(avcodec_find_encoder_by_name("libx264"));
   if (!context) return nullptr;
-  silence(*context);
   describePictures(*context, settings, colour);
   describeStream(*context, settings, std::clamp(options.threads, 1, Encoders::kMostThreads));
-  const bool isSet = setOption(*context, "preset", nameOf(options.preset)) &&
-                     setOption(*context, "tune", "zerolatency") &&
+  const bool isSet = setOption(*context, "preset", options.preset) && setOption(*context, "tune", "zerolatency") &&
                      setOption(*context, "sc_threshold", "0");  // keyframes at each second, not at scene cuts
-  if (!isSet || avcodec_open2(context.get(), codec, nullptr) < 0) return nullptr;
+  if (!isSet || avcodec_open2(context.get(), nullptr, nullptr) < 0) return nullptr;
   return context;
 }
 

@@ -4,11 +4,9 @@
 
 namespace zel::platform {
 
-// x264's preset: each step gives better pictures of the same size, and takes longer.
-enum class X264Preset { ultrafast, superfast, veryfast, faster, fast, medium };
-
 struct LibavEncoderOptions {
-  X264Preset preset = X264Preset::ultrafast;
+  // x264's preset, ultrafast to medium: each step gives better pictures of the same size, and takes longer.
+  const char* preset = "ultrafast";
 
   // 1: every unit comes out in the call that takes its picture.
   // 2 and more, at most kMostThreads: pictures are encoded side by side, and each comes out as many pictures later as

@@ -1,7 +1,6 @@
 #include "platform/ffmpeg/picture_memory.h"
 
 #include <new>
-#include <utility>
 
 namespace zel::platform {
 

@@ -122,6 +122,11 @@ int heldMacroblocks(int level) {
 
 }  // namespace
 
+void appendUnit(std::vector<std::uint8_t>& stream, std::span<const std::uint8_t> unit) {
+  stream.insert(stream.end(), kStartCode.begin(), kStartCode.end());
+  stream.insert(stream.end(), unit.begin(), unit.end());
+}
+
 std::optional<H264Sequence> parseH264Sequence(std::span<const std::uint8_t> unit) {
   if (unit.empty() || typeOf(unit[0]) != H264UnitType::sequence) return std::nullopt;
   BitReader in(unit.subspan(1));

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include <ZELTarkaSDK/platform/picture_colour.h>
 
@@ -14,6 +15,9 @@ namespace zel::platform {
 inline constexpr std::size_t kLengthPrefix = 4;
 // Before a unit in a stream that is cut by its contents.
 inline constexpr std::array<std::uint8_t, 4> kStartCode = {0, 0, 0, 1};
+
+// Appends the unit behind a start code.
+void appendUnit(std::vector<std::uint8_t>& stream, std::span<const std::uint8_t> unit);
 
 enum class H264UnitType : std::uint8_t { slice = 1, partition = 2, keySlice = 5, sequence = 7, picture = 8 };
 

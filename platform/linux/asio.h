@@ -1,6 +1,6 @@
 #pragma once
 
-// Asio without Boost, for every file of this folder. Its headers cause warnings with our flags.
+// Asio without Boost, for every file that uses it. Its headers cause warnings with our flags.
 #ifndef ASIO_STANDALONE
 #define ASIO_STANDALONE
 #endif
@@ -25,7 +25,9 @@
 #include <asio/buffer.hpp>
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
+#include <asio/local/stream_protocol.hpp>
 #include <asio/posix/stream_descriptor.hpp>
 #include <asio/post.hpp>
 #include <asio/steady_timer.hpp>
+#include <asio/thread_pool.hpp>
 #pragma GCC diagnostic pop

@@ -10,10 +10,7 @@ namespace zel::platform {
 namespace {
 
 void sortForListing(AttachedAccessories::List& accessories) {
-  const auto byConnection = [](const auto& a, const auto& b) {
-    return a->description().connectionID < b->description().connectionID;
-  };
-  std::stable_sort(accessories.begin(), accessories.end(), byConnection);
+  std::ranges::stable_sort(accessories, {}, [](const auto& one) { return one->description().connectionID; });
 }
 
 }  // namespace
@@ -67,10 +64,7 @@ std::shared_ptr<LinuxAccessory> AttachedAccessories::admit(const std::string& pa
 }
 
 AttachedAccessories::List AttachedAccessories::shown() const {
-  List all;
-  for (const auto& [name, known] : known_) {
-    if (known.accessory) all.push_back(known.accessory);
-  }
+  List all = those(&Known::accessory);
   sortForListing(all);
   return all;
 }
@@ -85,10 +79,10 @@ bool AttachedAccessories::sendAway(const std::shared_ptr<LinuxAccessory>& access
   return false;
 }
 
-AttachedAccessories::List AttachedAccessories::away() const {
+AttachedAccessories::List AttachedAccessories::those(std::shared_ptr<LinuxAccessory> Known::*which) const {
   List all;
   for (const auto& [name, known] : known_) {
-    if (known.away) all.push_back(known.away);
+    if (known.*which) all.push_back(known.*which);
   }
   return all;
 }

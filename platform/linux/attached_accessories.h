@@ -31,7 +31,7 @@ class AttachedAccessories {
 
   // Marks the accessory as away. False when it was away already.
   bool sendAway(const std::shared_ptr<LinuxAccessory>& accessory);
-  List away() const;
+  List away() const { return those(&Known::away); }
   // Attaches an away accessory again, as a new object. Null when its file no longer exists.
   std::shared_ptr<LinuxAccessory> bringBack(const std::shared_ptr<LinuxAccessory>& away);
 
@@ -42,6 +42,7 @@ class AttachedAccessories {
     std::shared_ptr<LinuxAccessory> away;
   };
 
+  List those(std::shared_ptr<LinuxAccessory> Known::*which) const;
   std::shared_ptr<LinuxAccessory> admit(const std::string& path, const AccessoryFile& file,
                                         std::vector<std::string>& warnings) const;
 

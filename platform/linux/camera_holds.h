@@ -1,7 +1,5 @@
 #pragma once
 
-#include <atomic>
-#include <map>
 #include <memory>
 #include <string>
 

@@ -6,7 +6,7 @@
 #include <ZELTarkaSDK/platform/call_gate.h>
 #include <ZELTarkaSDK/platform/task.h>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 
 namespace zel::platform {
 
@@ -21,30 +21,22 @@ class GuardedTask {
 
   // Returns whether the task may be called again.
   bool call() {
-    if (const auto task = current()) {
+    if (const auto task = task_.get()) {
       gate_.enter([&] {
         if (*task) (*task)();
       });
     }
-    return current() != nullptr;
+    return task_.get() != nullptr;
   }
 
   void close() {
     gate_.close();
-    std::shared_ptr<const Task> doomed;  // released without the lock
-    const MutexLock lock(mutex_);
-    doomed.swap(task_);
+    task_.set(nullptr);
   }
 
  private:
-  std::shared_ptr<const Task> current() {
-    const MutexLock lock(mutex_);
-    return task_;
-  }
-
   CallGate gate_;
-  Mutex mutex_;
-  std::shared_ptr<const Task> task_ ZEL_GUARDED_BY(mutex_);  // null once it is closed
+  Guarded<std::shared_ptr<const Task>> task_;  // null once it is closed
 };
 
 }  // namespace zel::platform

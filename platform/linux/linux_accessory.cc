@@ -28,14 +28,4 @@ std::shared_ptr<LinuxAccessory> LinuxAccessory::again() const {
   return std::make_shared<LinuxAccessory>(path_, identity_, parsed_);
 }
 
-void LinuxAccessory::setConnection(UniqueDescriptor connection) {
-  const MutexLock lock(mutex_);
-  connection_ = std::move(connection);
-}
-
-UniqueDescriptor LinuxAccessory::takeConnection() {
-  const MutexLock lock(mutex_);
-  return std::move(connection_);
-}
-
 }  // namespace zel::platform

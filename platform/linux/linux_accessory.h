@@ -4,10 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <ZELTarkaSDK/platform/accessory.h>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 #include "platform/linux/accessory_description.h"
 #include "platform/linux/accessory_file.h"
 #include "platform/linux/unique_descriptor.h"
@@ -45,8 +46,8 @@ class LinuxAccessory final : public Accessory {
   std::uint64_t lastSession() const { return sessions_.load(); }
 
   // A connection made in advance for the next session. Taking it without one gives an empty descriptor.
-  void setConnection(UniqueDescriptor connection);
-  UniqueDescriptor takeConnection();
+  void setConnection(UniqueDescriptor connection) { connection_.set(std::move(connection)); }
+  UniqueDescriptor takeConnection() { return connection_.set({}); }
 
   // Guards against two simultaneous attempts to connect in advance.
   bool beginsTrying() { return !trying_.exchange(true); }
@@ -61,8 +62,7 @@ class LinuxAccessory final : public Accessory {
   std::atomic<bool> trying_ = false;
   std::atomic<std::uint64_t> sessions_ = 0;
 
-  Mutex mutex_;
-  UniqueDescriptor connection_ ZEL_GUARDED_BY(mutex_);
+  Guarded<UniqueDescriptor> connection_;
 };
 
 }  // namespace zel::platform

@@ -1,7 +1,6 @@
 #include "platform/linux/linux_documents.h"
 
 #include <cstdlib>
-#include <string_view>
 
 #include "platform/linux/accessory_folder.h"
 

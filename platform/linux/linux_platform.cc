@@ -1,6 +1,5 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -27,23 +26,14 @@ namespace {
 
 using platform::LinuxRunLoop;
 
-class MainQueue final : public platform::Queue {
- public:
-  explicit MainQueue(LinuxRunLoop& runLoop) : runLoop_(runLoop) {}
-  void post(platform::Task task) override { runLoop_.perform(std::move(task)); }
-
- private:
-  LinuxRunLoop& runLoop_;
-};
-
 class LinuxQueues final : public platform::Queues {
  public:
-  explicit LinuxQueues(LinuxRunLoop& mainRunLoop) : mainQueue_(mainRunLoop) {}
+  explicit LinuxQueues(LinuxRunLoop& mainQueue) : mainQueue_(mainQueue) {}
   platform::Queue& mainQueue() override { return mainQueue_; }
   platform::Queue& globalQueue() override { return globalQueue_; }
 
  private:
-  MainQueue mainQueue_;
+  LinuxRunLoop& mainQueue_;
   platform::WorkerPool globalQueue_;
 };
 

@@ -226,8 +226,6 @@ void LinuxRunLoop::drain() {
   }
 }
 
-void LinuxRunLoop::setExecutor(Executor executor) { executor_ = std::move(executor); }
-
 void LinuxRunLoop::discard() {
   while (takeTask()) continue;  // each destroyed without the lock, because a task's captures may call the loop
 }

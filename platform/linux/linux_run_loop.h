@@ -6,8 +6,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
+#include <ZELTarkaSDK/platform/queues.h>
 #include <ZELTarkaSDK/platform/run_loop.h>
 
 #include "base/mutex.h"
@@ -19,13 +21,14 @@ namespace zel::platform {
 
 // A run loop over one io_context. It sleeps in epoll while there is nothing to do.
 // Owner:  always held by shared pointers: timers, sources and streams keep the loop alive that they were put on.
-class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<LinuxRunLoop> {
+class LinuxRunLoop final : public RunLoop, public Queue, public std::enable_shared_from_this<LinuxRunLoop> {
  public:
   using Executor = std::function<void(std::function<void()>)>;
 
   static std::shared_ptr<LinuxRunLoop> create();
   ~LinuxRunLoop() override;
 
+  void post(Task task) override { perform(std::move(task)); }
   void perform(Task task) override;
   std::unique_ptr<Timer> scheduleRepeating(double seconds, Task task) override;
   std::unique_ptr<RunLoopSource> addSource(Task task) override;
@@ -47,7 +50,7 @@ class LinuxRunLoop final : public RunLoop, public std::enable_shared_from_this<L
 
   // Passes every call of the loop to the executor, which runs them in order; run() then only watches timers and
   // descriptors. Set it before the loop is used.
-  void setExecutor(Executor executor);
+  void setExecutor(Executor executor) { executor_ = std::move(executor); }
 
   // Destroys queued work.
   void discard();

@@ -11,21 +11,9 @@ namespace {
 constexpr double kShortestSeconds = 1e-4;
 constexpr double kLongestSeconds = 1e9;
 
-// A repeating timer. It keeps its phase: a period that was missed is skipped, not moved.
-class LinuxTimer final : public Timer {
- public:
-  LinuxTimer(std::shared_ptr<LinuxRunLoop> loop, std::chrono::steady_clock::duration period, Task task);
-  ~LinuxTimer() override;
-
- private:
-  struct State;
-  const std::shared_ptr<LinuxRunLoop> loop_;
-  const std::shared_ptr<State> state_;
-};
-
 // Lives as long as its handle or a pending wait. The Asio timer is used only inside calls of the loop.
-struct LinuxTimer::State : std::enable_shared_from_this<State> {
-  State(LinuxRunLoop& itsLoop, std::chrono::steady_clock::duration itsPeriod, Task call)
+struct TimerState : std::enable_shared_from_this<TimerState> {
+  TimerState(LinuxRunLoop& itsLoop, std::chrono::steady_clock::duration itsPeriod, Task call)
       : loop(itsLoop), timer(itsLoop.context()), period(itsPeriod), task(std::move(call)) {}
 
   void wait() {
@@ -49,16 +37,23 @@ struct LinuxTimer::State : std::enable_shared_from_this<State> {
   GuardedTask task;
 };
 
-LinuxTimer::LinuxTimer(std::shared_ptr<LinuxRunLoop> loop, std::chrono::steady_clock::duration period, Task task)
-    : loop_(std::move(loop)), state_(std::make_shared<State>(*loop_, period, std::move(task))) {
-  loop_->perform([state = state_] { state->wait(); });
-}
+// A repeating timer. It keeps its phase: a period that was missed is skipped, not moved.
+class LinuxTimer final : public Timer {
+ public:
+  LinuxTimer(std::shared_ptr<LinuxRunLoop> loop, std::chrono::steady_clock::duration period, Task task)
+      : loop_(std::move(loop)), state_(std::make_shared<TimerState>(*loop_, period, std::move(task))) {
+    loop_->perform([state = state_] { state->wait(); });
+  }
+  ~LinuxTimer() override {
+    state_->task.close();
+    // Where there is no memory for that, the timer fires once more, for nothing.
+    ifMemoryAllows([this] { loop_->perform([state = state_] { state->timer.cancel(); }); });
+  }
 
-LinuxTimer::~LinuxTimer() {
-  state_->task.close();
-  // Where there is no memory for that, the timer fires once more, for nothing.
-  ifMemoryAllows([this] { loop_->perform([state = state_] { state->timer.cancel(); }); });
-}
+ private:
+  const std::shared_ptr<LinuxRunLoop> loop_;
+  const std::shared_ptr<TimerState> state_;
+};
 
 }  // namespace
 

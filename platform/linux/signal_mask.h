@@ -4,8 +4,6 @@
 
 #include <csignal>
 
-#include <initializer_list>
-
 namespace zel::platform {
 
 // Blocks signals for threads that are started in a scope, so that the host's handlers run on the host's threads.

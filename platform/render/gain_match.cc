@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
-#include <optional>
 
 namespace zel::render {
 namespace {

@@ -1,6 +1,5 @@
 #include "platform/render/stitching_library.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "platform/render/stitched_view.h"

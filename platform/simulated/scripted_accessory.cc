@@ -178,8 +178,6 @@ void ScriptedLink::failReads() {
   input_->announce();
 }
 
-void ScriptedLink::failWrites() { writesFail_ = true; }
-
 void ScriptedLink::end() {
   ended_ = true;
   input_->announce();

@@ -5,7 +5,6 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -30,7 +29,7 @@ class ScriptedLink : public std::enable_shared_from_this<ScriptedLink> {
   void setReadLimit(std::size_t count) { readLimit_ = count; }
   // From now on every read, or write, fails, and the stream reports an error event.
   void failReads();
-  void failWrites();
+  void failWrites() { writesFail_ = true; }
   // The camera closes its side.
   void end();
   // The output accepts that many more bytes; if it had no space, it reports hasSpaceAvailable.
@@ -73,9 +72,8 @@ class ScriptedAccessory final : public Accessory {
 
   const AccessoryDescription& description() const override { return description_; }
   bool isConnected() const override { return connected_; }
-  double foundationVersion() const override { return foundationVersion_; }
+  double foundationVersion() const override { return 1240.1; }
 
-  void setFoundationVersion(double version) { foundationVersion_ = version; }
   void refuseSessions(bool refuse) { refuses_ = refuse; }
   int sessionsOpened() const { return sessionsOpened_; }
 
@@ -90,7 +88,6 @@ class ScriptedAccessory final : public Accessory {
   AccessoryDescription description_;
   bool connected_ = true;
   bool refuses_ = false;
-  double foundationVersion_ = 1240.1;
   int sessionsOpened_ = 0;
   std::shared_ptr<ScriptedLink> current_;
 };

@@ -13,7 +13,7 @@
 #include <ZELTarkaSDK/platform/media_library.h>
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 
 namespace zel::platform {
 
@@ -43,10 +43,7 @@ class ScriptedMediaLibrary final : public MediaLibrary {
   }
 
   // The renderers' calls since the last take, a line each.
-  std::vector<std::string> takeCalls() {
-    const MutexLock lock(mutex_);
-    return std::exchange(calls_, {});
-  }
+  std::vector<std::string> takeCalls() { return calls_.set({}); }
 
   std::atomic<bool> makesRenderers = true;
   std::atomic<bool> renders = true;  // false: every image fails
@@ -59,8 +56,7 @@ class ScriptedMediaLibrary final : public MediaLibrary {
 
  private:
   void note(std::string call) {
-    const MutexLock lock(mutex_);
-    calls_.push_back(std::move(call));
+    calls_.with([&call](std::vector<std::string>& calls) { calls.push_back(std::move(call)); });
   }
 
   class Render final : public FlatOffscreenRender {
@@ -116,8 +112,7 @@ class ScriptedMediaLibrary final : public MediaLibrary {
     ScriptedMediaLibrary& library_;
   };
 
-  Mutex mutex_;
-  std::vector<std::string> calls_ ZEL_GUARDED_BY(mutex_);
+  Guarded<std::vector<std::string>> calls_;
 };
 
 }  // namespace zel::platform

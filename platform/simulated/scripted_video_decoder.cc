@@ -1,5 +1,6 @@
 #include "platform/simulated/scripted_video_decoder.h"
 
+#include <deque>
 #include <utility>
 
 #include <ZELTarkaSDK/platform/memory_pixel_buffer.h>
@@ -24,128 +25,92 @@ struct ScriptedVideoDecoders::State {
   };
 
   // The next picture of the current size.
-  PixelBufferRef picture() ZEL_REQUIRES(mutex) {
+  PixelBufferRef picture() {
     return MemoryPixelBuffer::filled(width, height, static_cast<std::uint8_t>(++pictures), 128, 128);
   }
 
-  mutable Mutex mutex;
-  std::deque<DecodeStatus> script ZEL_GUARDED_BY(mutex);
-  std::deque<Failure> failures ZEL_GUARDED_BY(mutex);
-  std::function<void()> onDecode ZEL_GUARDED_BY(mutex);
-  std::vector<Bytes> units ZEL_GUARDED_BY(mutex);
-  Bytes sps ZEL_GUARDED_BY(mutex), pps ZEL_GUARDED_BY(mutex);
-  std::int32_t width ZEL_GUARDED_BY(mutex) = 64, height ZEL_GUARDED_BY(mutex) = 32;
-  std::size_t pictures ZEL_GUARDED_BY(mutex) = 0, created ZEL_GUARDED_BY(mutex) = 0;
-  std::size_t failed ZEL_GUARDED_BY(mutex) = 0, live ZEL_GUARDED_BY(mutex) = 0;
-  bool holdsBack ZEL_GUARDED_BY(mutex) = false;
+  std::deque<DecodeStatus> script;
+  std::deque<Failure> failures;
+  std::function<void()> onDecode;
+  std::vector<Bytes> units;
+  Bytes sps, pps;
+  std::int32_t width = 64, height = 32;
+  std::size_t pictures = 0, created = 0, failed = 0, live = 0;
+  bool holdsBack = false;
 };
 
 class ScriptedVideoDecoders::Session final : public VideoDecoder {
  public:
-  explicit Session(std::shared_ptr<State> state) : state_(std::move(state)) {}
+  explicit Session(std::shared_ptr<Guarded<State>> state) : state_(std::move(state)) {}
   ~Session() override {
-    const MutexLock lock(state_->mutex);
-    --state_->live;
+    state_->with([](State& state) { --state.live; });
   }
 
   DecodeResult decode(Bytes unit, std::int64_t timestamp) override {
-    if (const auto call = callBefore()) call();
-    const MutexLock lock(state_->mutex);
-    state_->units.emplace_back(unit.begin(), unit.end());
-    const DecodeStatus status = takeFirst(state_->script, DecodeStatus::picture);
-    if (status != DecodeStatus::picture) return {status, {}};
-    return given({state_->picture(), timestamp}, state_->holdsBack);
+    if (const auto call = state_->get(&State::onDecode)) call();
+    return state_->with([&](State& state) -> DecodeResult {
+      state.units.emplace_back(unit.begin(), unit.end());
+      const DecodeStatus status = takeFirst(state.script, DecodeStatus::picture);
+      if (status != DecodeStatus::picture) return {status, {}};
+      return given({state.picture(), timestamp}, state.holdsBack);
+    });
   }
 
   DecodedPicture flush() override { return std::exchange(held_, {}); }
 
  private:
-  std::function<void()> callBefore() const {
-    const MutexLock lock(state_->mutex);
-    return state_->onDecode;
-  }
-
   DecodeResult given(DecodedPicture picture, bool holdsBack) {
     if (holdsBack) std::swap(picture, held_);
     return {picture.pixelBuffer ? DecodeStatus::picture : DecodeStatus::kept, std::move(picture)};
   }
 
-  const std::shared_ptr<State> state_;
+  const std::shared_ptr<Guarded<State>> state_;
   DecodedPicture held_;  // the decoding thread only
 };
 
-ScriptedVideoDecoders::ScriptedVideoDecoders() : state_(std::make_shared<State>()) {}
+ScriptedVideoDecoders::ScriptedVideoDecoders() : state_(std::make_shared<Guarded<State>>()) {}
 ScriptedVideoDecoders::~ScriptedVideoDecoders() = default;
 
 DecoderCreation ScriptedVideoDecoders::create(VideoDecoder::Bytes sps, VideoDecoder::Bytes pps) {
-  const MutexLock lock(state_->mutex);
-  state_->sps.assign(sps.begin(), sps.end());
-  state_->pps.assign(pps.begin(), pps.end());
-  if (!state_->failures.empty()) {
-    const State::Failure failure = state_->failures.front();
-    state_->failures.pop_front();
-    ++state_->failed;
-    return {nullptr, failure.failedAt, failure.status};
-  }
-  ++state_->created;
-  ++state_->live;
-  return {.decoder = std::make_unique<Session>(state_)};
+  return state_->with([&](State& state) -> DecoderCreation {
+    state.sps.assign(sps.begin(), sps.end());
+    state.pps.assign(pps.begin(), pps.end());
+    if (!state.failures.empty()) {
+      const State::Failure failure = state.failures.front();
+      state.failures.pop_front();
+      ++state.failed;
+      return {nullptr, failure.failedAt, failure.status};
+    }
+    ++state.created;
+    ++state.live;
+    return {.decoder = std::make_unique<Session>(state_)};
+  });
 }
 
 void ScriptedVideoDecoders::script(DecodeStatus status, std::size_t units) {
-  const MutexLock lock(state_->mutex);
-  state_->script.insert(state_->script.end(), units, status);
+  state_->with([&](State& state) { state.script.insert(state.script.end(), units, status); });
 }
 
 void ScriptedVideoDecoders::failCreations(std::size_t times, DecoderCreationStage failedAt, std::int32_t status) {
-  const MutexLock lock(state_->mutex);
-  state_->failures.insert(state_->failures.end(), times, {failedAt, status});
+  state_->with([&](State& state) { state.failures.insert(state.failures.end(), times, {failedAt, status}); });
 }
 
 void ScriptedVideoDecoders::setPictureSize(std::int32_t width, std::int32_t height) {
-  const MutexLock lock(state_->mutex);
-  state_->width = width;
-  state_->height = height;
+  state_->with([&](State& state) {
+    state.width = width;
+    state.height = height;
+  });
 }
 
-void ScriptedVideoDecoders::onDecode(std::function<void()> call) {
-  const MutexLock lock(state_->mutex);
-  state_->onDecode = std::move(call);
-}
+void ScriptedVideoDecoders::onDecode(std::function<void()> call) { state_->set(&State::onDecode, std::move(call)); }
 
-void ScriptedVideoDecoders::holdBack() {
-  const MutexLock lock(state_->mutex);
-  state_->holdsBack = true;
-}
+void ScriptedVideoDecoders::holdBack() { state_->set(&State::holdsBack, true); }
 
-std::vector<ScriptedVideoDecoders::Bytes> ScriptedVideoDecoders::units() const {
-  const MutexLock lock(state_->mutex);
-  return state_->units;
-}
-
-std::size_t ScriptedVideoDecoders::created() const {
-  const MutexLock lock(state_->mutex);
-  return state_->created;
-}
-
-std::size_t ScriptedVideoDecoders::failed() const {
-  const MutexLock lock(state_->mutex);
-  return state_->failed;
-}
-
-std::size_t ScriptedVideoDecoders::live() const {
-  const MutexLock lock(state_->mutex);
-  return state_->live;
-}
-
-ScriptedVideoDecoders::Bytes ScriptedVideoDecoders::lastSps() const {
-  const MutexLock lock(state_->mutex);
-  return state_->sps;
-}
-
-ScriptedVideoDecoders::Bytes ScriptedVideoDecoders::lastPps() const {
-  const MutexLock lock(state_->mutex);
-  return state_->pps;
-}
+std::vector<ScriptedVideoDecoders::Bytes> ScriptedVideoDecoders::units() const { return state_->get(&State::units); }
+std::size_t ScriptedVideoDecoders::created() const { return state_->get(&State::created); }
+std::size_t ScriptedVideoDecoders::failed() const { return state_->get(&State::failed); }
+std::size_t ScriptedVideoDecoders::live() const { return state_->get(&State::live); }
+ScriptedVideoDecoders::Bytes ScriptedVideoDecoders::lastSps() const { return state_->get(&State::sps); }
+ScriptedVideoDecoders::Bytes ScriptedVideoDecoders::lastPps() const { return state_->get(&State::pps); }
 
 }  // namespace zel::platform

@@ -2,14 +2,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <vector>
 
 #include <ZELTarkaSDK/platform/video_decoder.h>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 
 namespace zel::platform {
 
@@ -50,7 +49,7 @@ class ScriptedVideoDecoders final : public VideoDecoders {
  private:
   struct State;
   class Session;
-  std::shared_ptr<State> state_;
+  const std::shared_ptr<Guarded<State>> state_;
 };
 
 }  // namespace zel::platform

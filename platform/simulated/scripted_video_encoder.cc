@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "base/mutex.h"
-
 namespace zel::platform {
 namespace {
 
@@ -41,54 +39,38 @@ struct Receivers {
 }  // namespace
 
 struct ScriptedVideoEncoders::State {
-  mutable Mutex mutex;
-  std::size_t creationsToFail ZEL_GUARDED_BY(mutex) = 0;
-  std::size_t openingsToFail ZEL_GUARDED_BY(mutex) = 0;
-  std::size_t picturesToFail ZEL_GUARDED_BY(mutex) = 0;
-  bool silent ZEL_GUARDED_BY(mutex) = false;
-  std::function<void()> onEncode ZEL_GUARDED_BY(mutex), onDestroy ZEL_GUARDED_BY(mutex);
-  std::vector<VideoEncoderSettings> created ZEL_GUARDED_BY(mutex);
-  std::size_t live ZEL_GUARDED_BY(mutex) = 0;
-  std::size_t attempts ZEL_GUARDED_BY(mutex) = 0;
-  std::vector<MediaTime> times ZEL_GUARDED_BY(mutex);
-  std::shared_ptr<Receivers> latest ZEL_GUARDED_BY(mutex) = std::make_shared<Receivers>();
+  std::size_t creationsToFail = 0, openingsToFail = 0, picturesToFail = 0;
+  bool silent = false;
+  std::function<void()> onEncode, onDestroy;
+  std::vector<VideoEncoderSettings> created;
+  std::size_t live = 0, attempts = 0;
+  std::vector<MediaTime> times;
+  std::shared_ptr<Receivers> latest = std::make_shared<Receivers>();
 
   std::function<void()> countAttempt() {
-    const MutexLock lock(mutex);
     ++attempts;
     return onEncode;
   }
-  std::function<void()> callAtEnd() const {
-    const MutexLock lock(mutex);
-    return onDestroy;
-  }
   // Whether the picture is accepted, and whether it gives units.
   std::pair<bool, bool> take(MediaTime time) {
-    const MutexLock lock(mutex);
     if (takeOne(picturesToFail)) return {false, false};
     times.push_back(time);
     return {true, !silent};
-  }
-  std::shared_ptr<Receivers> receivers() const {
-    const MutexLock lock(mutex);
-    return latest;
   }
 };
 
 class ScriptedVideoEncoders::Encoder final : public VideoEncoder {
  public:
-  Encoder(std::shared_ptr<State> state, std::shared_ptr<Receivers> receivers)
+  Encoder(std::shared_ptr<Guarded<State>> state, std::shared_ptr<Receivers> receivers)
       : state_(std::move(state)), receivers_(std::move(receivers)) {}
   ~Encoder() override {
-    if (const auto call = state_->callAtEnd()) call();
+    if (const auto call = state_->get(&State::onDestroy)) call();
     receivers_->forget();
-    const MutexLock lock(state_->mutex);
-    --state_->live;
+    state_->with([](State& state) { --state.live; });
   }
 
   bool open() override {
-    const MutexLock lock(state_->mutex);
-    return !takeOne(state_->openingsToFail);
+    return state_->with([](State& state) { return !takeOne(state.openingsToFail); });
   }
   void setSpsPpsCallback(SpsPpsCallback callback) override {
     const MutexLock lock(receivers_->mutex);
@@ -100,8 +82,8 @@ class ScriptedVideoEncoders::Encoder final : public VideoEncoder {
   }
 
   bool encodeImage(const PixelBufferRef& picture, MediaTime time) override {
-    if (const auto call = state_->countAttempt()) call();
-    const auto [taken, speaks] = state_->take(time);
+    if (const auto call = state_->with([](State& state) { return state.countAttempt(); })) call();
+    const auto [taken, speaks] = state_->with([time](State& state) { return state.take(time); });
     if (taken && speaks) tell(*picture, time);
     return taken;
   }
@@ -114,83 +96,46 @@ class ScriptedVideoEncoders::Encoder final : public VideoEncoder {
     receivers_->tellUnit(unit, first, time);
   }
 
-  const std::shared_ptr<State> state_;
+  const std::shared_ptr<Guarded<State>> state_;
   const std::shared_ptr<Receivers> receivers_;
   bool begun_ = false;
 };
 
-ScriptedVideoEncoders::ScriptedVideoEncoders() : state_(std::make_shared<State>()) {}
+ScriptedVideoEncoders::ScriptedVideoEncoders() : state_(std::make_shared<Guarded<State>>()) {}
 ScriptedVideoEncoders::~ScriptedVideoEncoders() = default;
 
 std::unique_ptr<VideoEncoder> ScriptedVideoEncoders::create(const VideoEncoderSettings& settings) {
   auto receivers = std::make_shared<Receivers>();
-  {
-    const MutexLock lock(state_->mutex);
-    if (takeOne(state_->creationsToFail)) return nullptr;
-    state_->created.push_back(settings);
-    ++state_->live;
-    state_->latest = receivers;
-  }
-  return std::make_unique<Encoder>(state_, std::move(receivers));
+  const bool isMade = state_->with([&](State& state) {
+    if (takeOne(state.creationsToFail)) return false;
+    state.created.push_back(settings);
+    ++state.live;
+    state.latest = receivers;
+    return true;
+  });
+  return isMade ? std::make_unique<Encoder>(state_, std::move(receivers)) : nullptr;
 }
 
-void ScriptedVideoEncoders::failCreations(std::size_t times) {
-  const MutexLock lock(state_->mutex);
-  state_->creationsToFail = times;
-}
+void ScriptedVideoEncoders::failCreations(std::size_t times) { state_->set(&State::creationsToFail, times); }
+void ScriptedVideoEncoders::failOpenings(std::size_t times) { state_->set(&State::openingsToFail, times); }
+void ScriptedVideoEncoders::failPictures(std::size_t attempts) { state_->set(&State::picturesToFail, attempts); }
+void ScriptedVideoEncoders::beSilent() { state_->set(&State::silent, true); }
 
-void ScriptedVideoEncoders::failOpenings(std::size_t times) {
-  const MutexLock lock(state_->mutex);
-  state_->openingsToFail = times;
-}
-
-void ScriptedVideoEncoders::failPictures(std::size_t attempts) {
-  const MutexLock lock(state_->mutex);
-  state_->picturesToFail = attempts;
-}
-
-void ScriptedVideoEncoders::beSilent() {
-  const MutexLock lock(state_->mutex);
-  state_->silent = true;
-}
-
-void ScriptedVideoEncoders::onDestroy(std::function<void()> call) {
-  const MutexLock lock(state_->mutex);
-  state_->onDestroy = std::move(call);
-}
-
-void ScriptedVideoEncoders::onEncode(std::function<void()> call) {
-  const MutexLock lock(state_->mutex);
-  state_->onEncode = std::move(call);
-}
+void ScriptedVideoEncoders::onDestroy(std::function<void()> call) { state_->set(&State::onDestroy, std::move(call)); }
+void ScriptedVideoEncoders::onEncode(std::function<void()> call) { state_->set(&State::onEncode, std::move(call)); }
 
 void ScriptedVideoEncoders::emitParameterSets(const Bytes& sps, const Bytes& pps) {
-  state_->receivers()->tellSets(sps, pps);
+  state_->get(&State::latest)->tellSets(sps, pps);
 }
 
 ScriptedVideoEncoders::Bytes ScriptedVideoEncoders::emitUnit(Bytes unitBehindItsLength, bool keyFrame, MediaTime time) {
-  state_->receivers()->tellUnit(unitBehindItsLength, keyFrame, time);
+  state_->get(&State::latest)->tellUnit(unitBehindItsLength, keyFrame, time);
   return unitBehindItsLength;
 }
 
-std::vector<VideoEncoderSettings> ScriptedVideoEncoders::created() const {
-  const MutexLock lock(state_->mutex);
-  return state_->created;
-}
-
-std::size_t ScriptedVideoEncoders::live() const {
-  const MutexLock lock(state_->mutex);
-  return state_->live;
-}
-
-std::size_t ScriptedVideoEncoders::attempts() const {
-  const MutexLock lock(state_->mutex);
-  return state_->attempts;
-}
-
-std::vector<MediaTime> ScriptedVideoEncoders::times() const {
-  const MutexLock lock(state_->mutex);
-  return state_->times;
-}
+std::vector<VideoEncoderSettings> ScriptedVideoEncoders::created() const { return state_->get(&State::created); }
+std::size_t ScriptedVideoEncoders::live() const { return state_->get(&State::live); }
+std::size_t ScriptedVideoEncoders::attempts() const { return state_->get(&State::attempts); }
+std::vector<MediaTime> ScriptedVideoEncoders::times() const { return state_->get(&State::times); }
 
 }  // namespace zel::platform

@@ -8,6 +8,8 @@
 
 #include <ZELTarkaSDK/platform/video_encoder.h>
 
+#include "base/shared_value.h"
+
 namespace zel::platform {
 
 // Encoders that follow a test's script. Without a script every encoder opens and accepts every picture. Before
@@ -50,7 +52,7 @@ class ScriptedVideoEncoders final : public VideoEncoders {
  private:
   struct State;
   class Encoder;
-  std::shared_ptr<State> state_;
+  const std::shared_ptr<Guarded<State>> state_;
 };
 
 }  // namespace zel::platform

@@ -74,24 +74,15 @@ class SimulatedThreads final : public Threads {
   std::map<std::string, std::shared_ptr<int>> live_;
 };
 
-class SimulatedGlobalQueue final : public Queue {
- public:
-  explicit SimulatedGlobalQueue(SimulatedScheduler& scheduler) : scheduler_(scheduler) {}
-  void post(Task task) override { scheduler_.addTask(std::move(task)); }
-
- private:
-  SimulatedScheduler& scheduler_;
-};
-
 class SimulatedQueues final : public Queues {
  public:
-  SimulatedQueues(SimulatedScheduler& scheduler, SimulatedRunLoop& main) : main_(main), global_(scheduler) {}
+  SimulatedQueues(SimulatedScheduler& global, SimulatedRunLoop& main) : main_(main), global_(global) {}
   Queue& mainQueue() override { return main_; }
   Queue& globalQueue() override { return global_; }
 
  private:
   SimulatedRunLoop& main_;
-  SimulatedGlobalQueue global_;
+  SimulatedScheduler& global_;
 };
 
 class SimulatedAccessoryManager final : public AccessoryManager {

@@ -92,8 +92,6 @@ bool SimulatedRunLoop::isWaiting() const {
   return !stopped_ && !begin_ && !awake_ && dueTimer() == nullptr && !scheduler_.isRunning(*this);
 }
 
-void SimulatedRunLoop::wakeUp() { awake_ = true; }
-
 void SimulatedRunLoop::stop() {
   stopped_ = true;
   std::exchange(tasks_, {});
@@ -150,8 +148,6 @@ void SimulatedRunLoop::turn() {
   if (SimulatedTimer* timer = dueTimer()) timer->fire();
 }
 
-void SimulatedScheduler::remove(SimulatedRunLoop& loop) { std::erase(loops_, &loop); }
-
 bool SimulatedScheduler::isRunning(const SimulatedRunLoop& loop) const {
   return std::ranges::find(running_, &loop) != running_.end();
 }
@@ -161,8 +157,6 @@ void SimulatedScheduler::step(SimulatedRunLoop& loop) {
   loop.step();
   running_.pop_back();
 }
-
-void SimulatedScheduler::setNow(double seconds) { now_ = seconds; }
 
 std::vector<std::shared_ptr<SimulatedTask>> SimulatedScheduler::readyTasks() const {
   std::vector<std::shared_ptr<SimulatedTask>> ready;

@@ -6,7 +6,6 @@
 #include <memory>
 #include <random>
 #include <semaphore>
-#include <string>
 #include <vector>
 
 #include <ZELTarkaSDK/platform/queues.h>
@@ -21,15 +20,15 @@ class SimulatedRunLoop;
 // Runs the run loops and queues of the simulated platform one at a time, in virtual time. Each loop keeps its own
 // order; the seed determines which loop or task runs next.
 // Thread: one, except for calls by tasks of the global queue.
-class SimulatedScheduler {
+class SimulatedScheduler final : public Queue {
  public:
   explicit SimulatedScheduler(std::uint64_t seed) : random_(seed) {}
-  ~SimulatedScheduler() { abandonTasks(); }
+  ~SimulatedScheduler() override { abandonTasks(); }
   SimulatedScheduler(const SimulatedScheduler&) = delete;
   SimulatedScheduler& operator=(const SimulatedScheduler&) = delete;
 
   double now() const { return now_; }
-  void setNow(double seconds);
+  void setNow(double seconds) { now_ = seconds; }
 
   // Runs everything that is due now.
   // Errors: throws std::runtime_error after a million steps, which indicates work that queues itself endlessly.
@@ -42,7 +41,7 @@ class SimulatedScheduler {
   void advance(double seconds);
 
   // Adds a task of the global queue, without an order among them.
-  void addTask(Task task) { tasks_.push_back(std::make_shared<SimulatedTask>(std::move(task), turn_)); }
+  void post(Task task) override { tasks_.push_back(std::make_shared<SimulatedTask>(std::move(task), turn_)); }
   // Tasks of the global queue that have not ended.
   std::size_t taskCount() const { return tasks_.size(); }
   // Drops tasks that have not begun, and never resumes the others.
@@ -67,7 +66,7 @@ class SimulatedScheduler {
   static constexpr double kNotAtAll = -kNever;
 
   void add(SimulatedRunLoop& loop) { loops_.push_back(&loop); }
-  void remove(SimulatedRunLoop& loop);
+  void remove(SimulatedRunLoop& loop) { std::erase(loops_, &loop); }
   bool runOne();
   void step(SimulatedRunLoop& loop);
   void run(double until);
@@ -101,7 +100,7 @@ class SimulatedRunLoop final : public RunLoop, public Queue {
   std::unique_ptr<Timer> scheduleRepeating(double seconds, Task task) override;
   std::unique_ptr<RunLoopSource> addSource(Task task) override;
   bool isWaiting() const override;
-  void wakeUp() override;
+  void wakeUp() override { awake_ = true; }
   void stop() override;
 
   // Sets the first step of a thread, which runs even if the thread was stopped before.
