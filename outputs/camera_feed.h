@@ -6,7 +6,6 @@
 #include <ZELTarkaSDK/platform/notification_center.h>
 
 #include <atomic>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 #include "outputs/camera_feed.h"
 #include "outputs/stitched_feed.h"
 #include "outputs/stream_core.h"
@@ -39,21 +39,17 @@ struct EncodedStream::State {
     core->forgetFailure();
     core->clock.begin(stack.accessory().firewareVersion(), picturesPerSecond(resolution));
     core->writer.beginRun(spherical);
-    {
-      const MutexLock lock(mutex);
-      feed = next;
-    }
+    runs.set(&Runs::feed, next);
     next->start();
   }
-  std::shared_ptr<StreamFeed> running() const {
-    const MutexLock lock(mutex);
-    return feed;
-  }
+  std::shared_ptr<StreamFeed> running() const { return runs.get(&Runs::feed); }
 
+  struct Runs {
+    std::shared_ptr<StreamFeed> feed;  // null between two runs
+    FeedFigures before;                // of the runs that have ended
+  };
   const std::shared_ptr<StreamCore> core;
-  mutable Mutex mutex;
-  std::shared_ptr<StreamFeed> feed ZEL_GUARDED_BY(mutex);  // null between two runs
-  FeedFigures before ZEL_GUARDED_BY(mutex);                // of the runs that have ended
+  Guarded<Runs> runs;
 };
 
 EncodedStream::EncodedStream(EncodedStreamReceiver& receiver) : EncodedStream(receiver, Options{}) {}
@@ -77,9 +73,10 @@ void EncodedStream::stop() {
   const auto feed = state_->running();
   if (!feed) return;
   feed->stop();
-  const MutexLock lock(state_->mutex);
-  state_->before.add(feed->figures());
-  state_->feed.reset();
+  state_->runs.with([&feed](State::Runs& runs) {
+    runs.before.add(feed->figures());
+    runs.feed.reset();
+  });
 }
 
 std::optional<std::string> EncodedStream::failure() const {
@@ -90,12 +87,11 @@ std::optional<std::string> EncodedStream::failure() const {
 }
 
 EncodedStreamStatistics EncodedStream::statistics() const {
-  FeedFigures figures;
-  {
-    const MutexLock lock(state_->mutex);
-    figures = state_->before;
-    if (state_->feed) figures.add(state_->feed->figures());
-  }
+  const FeedFigures figures = state_->runs.with([](const State::Runs& runs) {
+    FeedFigures all = runs.before;
+    if (runs.feed) all.add(runs.feed->figures());
+    return all;
+  });
   const WrittenStream written = state_->core->writer.written();
   return {figures.preview,    figures.live,        written.pictures,    written.audioFrames,  written.videoBytes,
           written.audioBytes, written.newestVideo, written.newestAudio, written.droppedAudio, written.complete};

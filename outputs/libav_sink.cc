@@ -71,8 +71,6 @@ LibavSink::~LibavSink() {
   av_write_trailer(muxer_.get());
 }
 
-int LibavSink::isOver(void* sink) { return static_cast<LibavSink*>(sink)->deadline_.isOver() ? 1 : 0; }
-
 Fault LibavSink::open(const StreamHeaders& headers) {
   AVFormatContext* muxer = nullptr;
   if (avformat_alloc_output_context2(&muxer, nullptr, formatOf(address_.kind), urlOf(address_).c_str()) < 0) {
@@ -119,27 +117,13 @@ Fault LibavSink::folderFault() const {
 }
 
 void LibavSink::chooseOptions(Options& options) const {
-  switch (address_.kind) {
-    case OutputKind::mp4:
-      // delay_moov: the moov box is written with the first fragment, so that it contains the delay of the sound.
-      options.set("movflags", "frag_keyframe+empty_moov+delay_moov+default_base_moof");
-      options.set("frag_duration", "1000000");
-      break;
-    case OutputKind::rtmp:
-      options.set("flvflags", "no_duration_filesize");
-      break;
-    case OutputKind::hls:
-      chooseSegments(options);
-      break;
-    case OutputKind::ts:
-    case OutputKind::flv:
-    case OutputKind::standardOutput:
-    case OutputKind::srt:
-      break;
+  if (address_.kind == OutputKind::mp4) {
+    // delay_moov: the moov box is written with the first fragment, so that it contains the delay of the sound.
+    options.set("movflags", "frag_keyframe+empty_moov+delay_moov+default_base_moof");
+    options.set("frag_duration", "1000000");
   }
-}
-
-void LibavSink::chooseSegments(Options& options) const {
+  if (address_.kind == OutputKind::rtmp) options.set("flvflags", "no_duration_filesize");
+  if (address_.kind != OutputKind::hls) return;
   options.set("hls_time", std::to_string(kSegmentSeconds));
   options.set("hls_list_size", std::to_string(kSegmentsKept));
   options.set("hls_flags", "delete_segments+independent_segments");

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include <ZELTarkaSDK/OutputAddress.h>
 
@@ -40,9 +39,8 @@ class LibavSink final : public Sink {
   bool isRefusal(int error) const;
   void countLeftOut();
   void chooseOptions(Options& options) const;
-  void chooseSegments(Options& options) const;
   Fault faultFor(int error) const;
-  static int isOver(void* sink);
+  static int isOver(void* sink) { return static_cast<LibavSink*>(sink)->deadline_.isOver() ? 1 : 0; }
 
   const OutputAddress address_;
   const double secondsToWait_;

@@ -46,7 +46,6 @@ class MediaClock {
   // that came before any sound of a camera without times is placed by the next, and so is best asked for when that has
   // begun.
   Picture pictureOf(std::int64_t stamp) const;
-  std::int64_t timeOfPicture(std::int64_t stamp) const { return pictureOf(stamp).time; }
 
   // How far the newest picture's stamp lags its time; 0 before the first, and where the camera's clock was set between.
   std::int64_t lag() const;

@@ -1,5 +1,6 @@
 #include "outputs/mp4_boxes.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -26,12 +27,6 @@ constexpr std::string_view kSphericalText =
     "<GSpherical:ProjectionType>equirectangular</GSpherical:ProjectionType>"
     "</rdf:SphericalVideo>";
 
-std::uint64_t numberAt(Bytes bytes, std::size_t at, std::size_t size) {
-  std::uint64_t value = 0;
-  for (std::size_t i = at; i < at + size; ++i) value = value << 8 | bytes[i];
-  return value;
-}
-
 void setNumber(std::span<std::uint8_t> bytes, std::size_t at, std::size_t size, std::uint64_t value) {
   for (std::size_t i = at + size; i-- > at; value >>= 8) bytes[i] = static_cast<std::uint8_t>(value & 0xFF);
 }
@@ -54,10 +49,8 @@ std::optional<Mp4Box> boxAt(Bytes bytes, std::size_t at, std::size_t to) {
 std::optional<Mp4Box> find(Bytes bytes, std::size_t from, std::size_t to, std::uint32_t type) {
   const auto boxes = boxesIn(bytes, from, to);
   if (!boxes) return std::nullopt;
-  for (const Mp4Box& box : *boxes) {
-    if (box.type == type) return box;
-  }
-  return std::nullopt;
+  const auto found = std::ranges::find(*boxes, type, &Mp4Box::type);
+  return found != boxes->end() ? std::optional(*found) : std::nullopt;
 }
 
 // The box at a path of types inside another one.
@@ -123,6 +116,12 @@ std::vector<std::uint8_t> sphericalBox() {
 }
 
 }  // namespace
+
+std::uint64_t numberAt(Bytes bytes, std::size_t at, std::size_t size) {
+  std::uint64_t value = 0;
+  for (std::size_t i = at; i < at + size; ++i) value = value << 8 | bytes[i];
+  return value;
+}
 
 std::optional<std::vector<Mp4Box>> boxesIn(Bytes bytes, std::size_t from, std::size_t to) {
   std::vector<Mp4Box> boxes;

@@ -21,6 +21,9 @@ constexpr std::uint32_t boxType(std::string_view name) {
   return type;
 }
 
+// The number of that many bytes, big-endian.
+std::uint64_t numberAt(std::span<const std::uint8_t> bytes, std::size_t at, std::size_t size);
+
 // The consecutive boxes in bytes[from, to).
 // Errors: nothing if they do not fill it exactly.
 std::optional<std::vector<Mp4Box>> boxesIn(std::span<const std::uint8_t> bytes, std::size_t from, std::size_t to);

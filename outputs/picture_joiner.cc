@@ -27,6 +27,4 @@ std::optional<JoinedPicture> PictureJoiner::add(std::span<const std::uint8_t> un
   return std::nullopt;
 }
 
-std::optional<JoinedPicture> PictureJoiner::flush() { return std::exchange(picture_, std::nullopt); }
-
 }  // namespace zel

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace zel {
@@ -26,7 +27,7 @@ class PictureJoiner {
   std::optional<JoinedPicture> add(std::span<const std::uint8_t> unit, bool key, std::int64_t time);
 
   // The incomplete picture.
-  std::optional<JoinedPicture> flush();
+  std::optional<JoinedPicture> flush() { return std::exchange(picture_, std::nullopt); }
 
  private:
   std::optional<JoinedPicture> picture_;

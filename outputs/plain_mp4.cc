@@ -53,39 +53,26 @@ struct FileBox {
   std::uint64_t begin = 0, end = 0;
 };
 
-std::uint64_t bigEndian(std::span<const std::uint8_t> bytes) {
-  std::uint64_t value = 0;
-  for (const std::uint8_t byte : bytes) value = value << 8 | byte;
-  return value;
-}
-
 std::vector<FileBox> boxesOf(int file) {
   std::vector<FileBox> boxes;
   std::array<std::uint8_t, 16> head{};
   std::uint64_t at = 0;
   while (readAt(file, at, std::span(head).first(8))) {
-    std::uint64_t size = bigEndian(std::span(head).first(4));
-    if (size == 1 && readAt(file, at, head)) size = bigEndian(std::span(head).last(8));
+    std::uint64_t size = numberAt(head, 0, 4);
+    if (size == 1 && readAt(file, at, head)) size = numberAt(head, 8, 8);
     if (size < 8) return {};
-    boxes.push_back({static_cast<std::uint32_t>(bigEndian(std::span(head).subspan(4, 4))), at, at + size});
+    boxes.push_back({static_cast<std::uint32_t>(numberAt(head, 4, 4)), at, at + size});
     at += size;
   }
   return boxes;
 }
 
-const FileBox* find(const std::vector<FileBox>& boxes, std::uint32_t type) {
-  for (const FileBox& box : boxes) {
-    if (box.type == type) return &box;
-  }
-  return nullptr;
-}
-
 // Moves the moov box to the front.
 bool arrange(int from, const TemporaryFile& to, bool spherical) {
   const std::vector<FileBox> boxes = boxesOf(from);
-  const FileBox* const type = find(boxes, boxType("ftyp"));
-  const FileBox* const description = find(boxes, boxType("moov"));
-  if (type == nullptr || description == nullptr || type->end > description->begin) return false;
+  const auto type = std::ranges::find(boxes, boxType("ftyp"), &FileBox::type);
+  const auto description = std::ranges::find(boxes, boxType("moov"), &FileBox::type);
+  if (type == boxes.end() || description == boxes.end() || type->end > description->begin) return false;
   if (description->end - description->begin > kLargestMoov) return false;
   std::vector<std::uint8_t> moov(description->end - description->begin);
   if (!readAt(from, description->begin, moov)) return false;

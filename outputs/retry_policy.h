@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <optional>
 
 namespace zel {
@@ -20,7 +21,12 @@ class RetryPolicy {
 
   // The connection ended. lasted: its duration, 0 if there was none. random: 0 to 1.
   // Returns the delay before the next attempt; nothing after the last one.
-  std::optional<double> next(double lasted, double random);
+  std::optional<double> next(double lasted, double random) {
+    if (lasted >= rules_.steady) attempt_ = 0;
+    if (attempt_ >= rules_.most) return std::nullopt;
+    const double wait = rules_.first * std::pow(rules_.growth, attempt_++);
+    return wait * (1 + rules_.jitter * (2 * random - 1));
+  }
 
   int attempt() const { return attempt_; }  // the number of the attempt that next() has granted, 1 at first
   int most() const { return rules_.most; }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 
 namespace zel {
 
@@ -11,19 +11,16 @@ class RunGate {
  public:
   template <class Call>
   void enter(const Call& call) {
-    const MutexLock lock(mutex_);
-    if (isOpen_) call();
+    isOpen_.with([&call](bool open) {
+      if (open) call();
+    });
   }
 
   // Waits for a call in progress; the last one.
-  void close() {
-    const MutexLock lock(mutex_);
-    isOpen_ = false;
-  }
+  void close() { isOpen_.set(false); }
 
  private:
-  Mutex mutex_;
-  bool isOpen_ ZEL_GUARDED_BY(mutex_) = true;
+  Guarded<bool> isOpen_{true};
 };
 
 }  // namespace zel

@@ -89,9 +89,6 @@ void StitchedFeed::onH264Nalu(Bytes nalu, bool, std::int64_t timestamp) {
   gate_.enter([&] { core_->clock.slice(nalu, timestamp); });
 }
 
-void StitchedFeed::onSps(Bytes, Bytes) {}
-void StitchedFeed::onAACHeader(Bytes header) { source_->onAACHeader(header); }
-
 // The source takes pictures from its first sound on, by their reported times.
 void StitchedFeed::onAACAdts(Bytes data, std::int64_t timestamp) {
   const std::int64_t time = core_->clock.sound(timestamp);

@@ -47,8 +47,8 @@ class StitchedFeed final : public StreamFeed,
 
   // Thread: session thread.
   void onH264Nalu(Bytes nalu, bool keyFrame, std::int64_t timestamp) override;
-  void onSps(Bytes sps, Bytes pps) override;
-  void onAACHeader(Bytes header) override;
+  void onSps(Bytes, Bytes) override {}
+  void onAACHeader(Bytes header) override { source_->onAACHeader(header); }
   void onAACAdts(Bytes data, std::int64_t timestamp) override;
 
  private:

@@ -2,12 +2,11 @@
 
 #include <ZELTarkaSDK/EncodedStream.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 #include "outputs/media_clock.h"
 #include "outputs/stream_writer.h"
 
@@ -28,20 +27,11 @@ class StreamCore {
   }
 
   void fail(std::string why) {
-    {
-      const MutexLock lock(mutex_);
-      failure_ = std::move(why);
-    }
+    failure_.set(std::move(why));
     tellChange();
   }
-  void forgetFailure() {
-    const MutexLock lock(mutex_);
-    failure_.reset();
-  }
-  std::optional<std::string> failure() const {
-    const MutexLock lock(mutex_);
-    return failure_;
-  }
+  void forgetFailure() { failure_.set(std::nullopt); }
+  std::optional<std::string> failure() const { return failure_.get(); }
 
  private:
   void tellChange() const {
@@ -49,8 +39,7 @@ class StreamCore {
   }
 
   const EncodedStream::Options options_;
-  mutable Mutex mutex_;
-  std::optional<std::string> failure_ ZEL_GUARDED_BY(mutex_);
+  Guarded<std::optional<std::string>> failure_;
 
  public:
   MediaClock clock;

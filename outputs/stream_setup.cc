@@ -6,7 +6,6 @@ extern "C" {
 }
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include <ZELTarkaSDK/AudioConfig.h>
@@ -21,10 +20,7 @@ constexpr AVRational kVideoClock = {1, 90'000};
 
 std::vector<std::uint8_t> withStartCodes(const StreamHeaders& headers) {
   std::vector<std::uint8_t> bytes;
-  for (const ZELData& set : {headers.sps, headers.pps}) {
-    bytes.insert(bytes.end(), platform::kStartCode.begin(), platform::kStartCode.end());
-    bytes.insert(bytes.end(), set.bytes().begin(), set.bytes().end());
-  }
+  for (const ZELData& set : {headers.sps, headers.pps}) platform::appendUnit(bytes, set.bytes());
   return bytes;
 }
 

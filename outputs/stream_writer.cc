@@ -1,22 +1,16 @@
 #include "outputs/stream_writer.h"
 
-#include <array>
 #include <utility>
 
 #include <ZELTarkaSDK/AudioConfig.h>
 
-#include "outputs/h264_colour.h"
-#include "outputs/h264_size.h"
+#include "outputs/h264_pictures.h"
 #include "platform/h264/h264_headers.h"
 
 namespace zel {
 namespace {
 
 constexpr std::int64_t kLongestWait = 10'000;  // milliseconds; a larger distance means another clock
-
-void append(std::vector<std::uint8_t>& bytes, std::span<const std::uint8_t> more) {
-  bytes.insert(bytes.end(), more.begin(), more.end());
-}
 
 }  // namespace
 
@@ -120,11 +114,8 @@ bool StreamWriter::isOver(std::int64_t time) {
 ZELData StreamWriter::withChangedSets(Bytes picture, bool key) {
   if (!key || (sps_ == headers_.sps && pps_ == headers_.pps)) return ZELData(picture);
   std::vector<std::uint8_t> bytes;
-  for (const ZELData& set : {sps_, pps_}) {
-    append(bytes, platform::kStartCode);
-    append(bytes, set.bytes());
-  }
-  append(bytes, picture);
+  for (const ZELData& set : {sps_, pps_}) platform::appendUnit(bytes, set.bytes());
+  bytes.insert(bytes.end(), picture.begin(), picture.end());
   return ZELData(std::move(bytes));
 }
 

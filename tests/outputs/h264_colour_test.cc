@@ -1,4 +1,4 @@
-#include "outputs/h264_colour.h"
+#include "outputs/h264_pictures.h"
 
 #include <gtest/gtest.h>
 

@@ -29,7 +29,7 @@ TEST_F(MediaClockTest, APictureOfOneSliceBearsTheTimeOfTheOneBehindIt) {
   EXPECT_EQ(first(167), 100);
   EXPECT_EQ(first(233), 167);
   EXPECT_EQ(first(300), 233);
-  EXPECT_EQ(clock.timeOfPicture(233), 167);
+  EXPECT_EQ(clock.pictureOf(233).time, 167);
 }
 
 // Only the last slice of each is held back.
@@ -40,8 +40,8 @@ TEST_F(MediaClockTest, APictureOfSeveralSlicesBearsItsOwnTime) {
   EXPECT_EQ(next(167), kSamePicture);
   EXPECT_EQ(next(233), kSamePicture);
   EXPECT_EQ(first(233), 233);
-  EXPECT_EQ(clock.timeOfPicture(167), 167);
-  EXPECT_EQ(clock.timeOfPicture(233), 233);
+  EXPECT_EQ(clock.pictureOf(167).time, 167);
+  EXPECT_EQ(clock.pictureOf(233).time, 233);
 }
 
 TEST_F(MediaClockTest, APictureThatTheCameraLeftOutChangesNothing) {
@@ -130,20 +130,20 @@ TEST_F(MediaClockTest, PicturesBeforeTheFirstSoundArePlacedByTheFirstBesideIt) {
   clock.sound(153);
   EXPECT_EQ(first(198), 132);  // it came before the sound did
   EXPECT_EQ(first(264), 164);  // 153 and half a frame
-  EXPECT_EQ(clock.timeOfPicture(198), 98);
-  EXPECT_EQ(clock.timeOfPicture(132), 32);
-  EXPECT_EQ(clock.timeOfPicture(66), -34);
+  EXPECT_EQ(clock.pictureOf(198).time, 98);
+  EXPECT_EQ(clock.pictureOf(132).time, 32);
+  EXPECT_EQ(clock.pictureOf(66).time, -34);
 }
 
 TEST_F(MediaClockTest, KnowsTheLatestPicturesAndTheNewestOfAStamp) {
   clock.begin(192, 30);
   for (int picture = 0; picture <= 256; ++picture) first(1000 + picture);
-  EXPECT_EQ(clock.timeOfPicture(1000), 1000);  // forgotten: its own stamp
-  EXPECT_EQ(clock.timeOfPicture(1001), 1000);
+  EXPECT_EQ(clock.pictureOf(1000).time, 1000);  // forgotten: its own stamp
+  EXPECT_EQ(clock.pictureOf(1001).time, 1000);
   first(1256);
-  EXPECT_EQ(clock.timeOfPicture(1256), 1256);
+  EXPECT_EQ(clock.pictureOf(1256).time, 1256);
   clock.begin(192, 30);
-  EXPECT_EQ(clock.timeOfPicture(1001), 1001);
+  EXPECT_EQ(clock.pictureOf(1001).time, 1001);
 }
 
 }  // namespace

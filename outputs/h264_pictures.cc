@@ -1,8 +1,9 @@
-#include "outputs/h264_size.h"
+#include "outputs/h264_pictures.h"
 
-#include <array>
 #include <memory>
 #include <vector>
+
+#include <ZELTarkaSDK/platform/picture_colour.h>
 
 #include "outputs/libav.h"
 #include "platform/h264/h264_headers.h"
@@ -17,13 +18,19 @@ struct ParserDeleter {
 
 }  // namespace
 
+VideoColour colourOfPictures(std::span<const std::uint8_t> sps) {
+  const auto sequence = platform::parseH264Sequence(sps);
+  if (!sequence) return {};
+  const platform::H264Colour& told = sequence->colour;
+  const auto colour = platform::completed({platform::colourMatrixOf(told.matrix), told.primaries, told.transfer});
+  const auto matrix = static_cast<std::uint8_t>(colour.matrix);
+  return {told.fullRange, colour.primaries, colour.transfer, platform::isTold(told.matrix) ? told.matrix : matrix};
+}
+
 std::optional<PictureSize> sizeOfPictures(std::span<const std::uint8_t> sps, std::span<const std::uint8_t> pps,
                                           std::span<const std::uint8_t> unit) {
   std::vector<std::uint8_t> stream;
-  for (const auto& set : {sps, pps}) {
-    stream.insert(stream.end(), platform::kStartCode.begin(), platform::kStartCode.end());
-    stream.insert(stream.end(), set.begin(), set.end());
-  }
+  for (const auto& set : {sps, pps}) platform::appendUnit(stream, set);
   stream.insert(stream.end(), unit.begin(), unit.end());
   const int size = static_cast<int>(stream.size());
   stream.resize(stream.size() + AV_INPUT_BUFFER_PADDING_SIZE);
