@@ -1,7 +1,5 @@
 #pragma once
 
-#include <ZELTarkaSDK/LinuxPlatform.h>
-
 #include <cstdint>
 #include <map>
 #include <optional>

@@ -1,17 +1,14 @@
 #include "apps/zelcam/command_line/hex.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <charconv>
 #include <system_error>
 
 namespace zel::app {
 
-std::string hexOf(std::span<const std::uint8_t> bytes) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string hex;
-  hex.reserve(2 * bytes.size());
-  for (const std::uint8_t byte : bytes) hex.append({kDigits[byte >> 4], kDigits[byte & 0xF]});
-  return hex;
-}
+std::string hexOf(std::span<const std::uint8_t> bytes) { return fmt::format("{:02x}", fmt::join(bytes, "")); }
 
 std::optional<std::vector<std::uint8_t>> bytesIn(std::string_view hex) {
   if (hex.size() % 2 != 0) return std::nullopt;

@@ -8,7 +8,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -63,14 +62,8 @@ std::optional<Sensors> sensorsIn(const Values& values, std::string& error) {
   const auto orientation = numbersOf<4>(values, "--orientation", error);
   if (!gps || !gyro || !orientation) return std::nullopt;
   sensors.gps = ZELMediaGps::initWithLatitude((*gps)[0], (*gps)[1], (*gps)[2]);
-  const auto moved = std::make_shared<ZELMediaGyro>();
-  moved->setAx((*gyro)[0]);
-  moved->setAy((*gyro)[1]);
-  moved->setAz((*gyro)[2]);
-  moved->setGx((*gyro)[3]);
-  moved->setGy((*gyro)[4]);
-  moved->setGz((*gyro)[5]);
-  sensors.gyro = moved;
+  const auto axis = [&gyro](std::size_t i) { return static_cast<float>((*gyro)[i]); };
+  sensors.gyro = ZELMediaGyro::initWithGyroData({axis(0), axis(1), axis(2), axis(3), axis(4), axis(5)});
   const auto& o = *orientation;
   sensors.orientation = ZELMediaOrientation::initWithX(o[0], o[1], o[2], o[3]);
   if (!values.has("--extra")) return sensors;

@@ -29,17 +29,13 @@ ordered_json toJson(const AccessoryDescription& description) {
 
 void printForPeople(const AccessoryDescription& description) {
   printLine(printable(description.serialNumber));
-  const auto field = [](const char* name, const std::string& value) {
-    printLine(fmt::format("  {:<18}{}", name, printable(value)));
-  };
-  field("connectionID", std::to_string(description.connectionID));
-  field("manufacturer", description.manufacturer);
-  field("name", description.name);
-  field("modelNumber", description.modelNumber);
-  field("firmwareRevision", description.firmwareRevision);
-  field("hardwareRevision", description.hardwareRevision);
-  field("protocolStrings", fmt::format("{}", fmt::join(description.protocolStrings, ", ")));
-  field("dockType", description.dockType);
+  ordered_json fields = toJson(description);
+  fields.erase("serialNumber");
+  fields["protocolStrings"] = fmt::format("{}", fmt::join(description.protocolStrings, ", "));
+  for (const auto& [name, value] : fields.items()) {
+    const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+    printLine(fmt::format("  {:<18}{}", name, printable(text)));
+  }
 }
 
 void print(const AccessoryDescription& description, const Settings& settings) {
@@ -55,13 +51,11 @@ void report(const char* event, const platform::Notification& notification, const
   if (!accessory) return;
   const AccessoryDescription& description = accessory->description();
   if (!settings.camera.empty() && description.serialNumber != settings.camera) return;
-  if (settings.json) {
-    ordered_json object = {{"event", event}, {"time", timeOfDay()}};
-    object.update(toJson(description));
-    return printJson(object);
-  }
-  printLine(fmt::format("{} {} {} ({})", timeOfDay(), event, printable(description.serialNumber),
-                        printable(description.name)));
+  ordered_json object = {{"event", event}, {"time", timeOfDay()}};
+  object.update(toJson(description));
+  tellDone(settings.json, object,
+           fmt::format("{} {} {} ({})", timeOfDay(), event, printable(description.serialNumber),
+                       printable(description.name)));
 }
 
 int watchDevices(LinuxPlatform& platform, const Settings& settings) {

@@ -5,12 +5,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <variant>
 
 #include <ZELTarkaSDK/platform/ports.h>
@@ -26,36 +28,26 @@ namespace {
 
 using nlohmann::ordered_json;
 
+constexpr std::pair<ZELCameraEvent, const char*> kNames[] = {
+    {ZELCameraEvent::firmwareUpdateDone, "firmwareUpdateDone"},
+    {ZELCameraEvent::recordAutoSplit, "recordAutoSplit"},
+    {ZELCameraEvent::batteryUpdate, "batteryUpdate"},
+    {ZELCameraEvent::batteryLow, "batteryLow"},
+    {ZELCameraEvent::batteryShutDown, "batteryShutDown"},
+    {ZELCameraEvent::cardState, "cardState"},
+    {ZELCameraEvent::keyPressed, "keyPressed"},
+    {ZELCameraEvent::mediaOffset, "mediaOffset"},
+    {ZELCameraEvent::recordCardRunout, "recordCardRunout"},
+    {ZELCameraEvent::recordTimeRunout, "recordTimeRunout"},
+    {ZELCameraEvent::gyroData, "gyroData"},
+    {ZELCameraEvent::shutterState, "shutterState"},
+    {ZELCameraEvent::deleteProgress, "deleteProgress"},
+};
+
 const char* nameOf(std::int64_t type) {
-  switch (static_cast<ZELCameraEvent>(type)) {
-    case ZELCameraEvent::firmwareUpdateDone:
-      return "firmwareUpdateDone";
-    case ZELCameraEvent::recordAutoSplit:
-      return "recordAutoSplit";
-    case ZELCameraEvent::batteryUpdate:
-      return "batteryUpdate";
-    case ZELCameraEvent::batteryLow:
-      return "batteryLow";
-    case ZELCameraEvent::batteryShutDown:
-      return "batteryShutDown";
-    case ZELCameraEvent::cardState:
-      return "cardState";
-    case ZELCameraEvent::keyPressed:
-      return "keyPressed";
-    case ZELCameraEvent::mediaOffset:
-      return "mediaOffset";
-    case ZELCameraEvent::recordCardRunout:
-      return "recordCardRunout";
-    case ZELCameraEvent::recordTimeRunout:
-      return "recordTimeRunout";
-    case ZELCameraEvent::gyroData:
-      return "gyroData";
-    case ZELCameraEvent::shutterState:
-      return "shutterState";
-    case ZELCameraEvent::deleteProgress:
-      return "deleteProgress";
-  }
-  return "unknown";
+  const auto* const found =
+      std::ranges::find(kNames, ZELCameraEvent{type}, &std::pair<ZELCameraEvent, const char*>::first);
+  return found != std::end(kNames) ? found->second : "unknown";
 }
 
 // Events contain numbers, text and errors; other types are not printed.
@@ -117,13 +109,9 @@ class EventPrinter final : public ZELCameraNotificationProtocol {
     if (isDone()) return;
     if (left_) --*left_;
     const ordered_json fields = valueJson(value);
-    if (settings_.json) {
-      printJson({{"event", type}, {"name", nameOf(type)}, {"value", fields}, {"time", timeOfDay()}});
-    } else {
-      std::string line = fmt::format("{} {}", timeOfDay(), nameOf(type));
-      for (const auto& [key, field] : fields.items()) line += fmt::format(" {}={}", key, printable(field.dump()));
-      printLine(line);
-    }
+    std::string line = fmt::format("{} {}", timeOfDay(), nameOf(type));
+    for (const auto& [key, field] : fields.items()) line += fmt::format(" {}={}", key, printable(field.dump()));
+    tellDone(settings_.json, {{"event", type}, {"name", nameOf(type)}, {"value", fields}, {"time", timeOfDay()}}, line);
     if (isDone()) platform_.stopMainQueue();
   }
 

@@ -40,19 +40,14 @@ using Clock = std::chrono::steady_clock;
 
 constexpr double kProgressPeriod = 0.5;  // seconds between two lines of progress
 
-double cpuSeconds() {
+void addUsage(LiveFigures& figures) {
   rusage usage{};
   ::getrusage(RUSAGE_SELF, &usage);
   const auto seconds = [](const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
   };
-  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-std::int64_t peakMemory() {
-  rusage usage{};
-  ::getrusage(RUSAGE_SELF, &usage);
-  return std::int64_t{usage.ru_maxrss} * 1024;
+  figures.cpuSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
+  figures.peakMemory = std::int64_t{usage.ru_maxrss} * 1024;
 }
 
 // Stops the stream where nobody has: when memory ends, it must not outlive the connection that it comes from.
@@ -245,8 +240,7 @@ class Live {
   LiveFigures figures() const {
     LiveFigures all{stream_.statistics(), outputs_.reports()};
     all.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
-    all.cpuSeconds = cpuSeconds();
-    all.peakMemory = peakMemory();
+    addUsage(all);
     return all;
   }
 

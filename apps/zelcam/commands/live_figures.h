@@ -4,7 +4,6 @@
 #include <ZELTarkaSDK/OutputReport.h>
 
 #include <nlohmann/json.hpp>
-#include <span>
 #include <string>
 
 namespace zel::app {
@@ -16,7 +15,6 @@ struct LiveFigures {
   double seconds = 0;           // since the camera was connected
   double cpuSeconds = 0;        // of the whole process
   std::int64_t peakMemory = 0;  // bytes, also
-  bool stitched = true;
 };
 
 nlohmann::ordered_json jsonOf(const LiveFigures& figures);

@@ -14,9 +14,7 @@
 #include <ZELTarkaSDK/platform/ports.h>
 
 #include "apps/zelcam/host/console.h"
-#include "apps/zelcam/host/diagnostics.h"
 #include "apps/zelcam/link/bus.h"
-#include "apps/zelcam/link/camera_choice.h"
 #include "apps/zelcam/link/camera_link.h"
 #include "apps/zelcam/link/link_keeper.h"
 
@@ -90,10 +88,9 @@ class Monitor {
     platform_.ports().queues.mainQueue().post([this, status, at = elapsed(), clock = timeOfDay()] {
       const std::string_view name = toString(LinkStatus{status});
       if (preview_) keepPreviewOn(LinkStatus{status});
-      if (settings_.json) {
-        return printJson({{"event", "status"}, {"time", clock}, {"seconds", at}, {"status", status}, {"name", name}});
-      }
-      printLine(fmt::format("{} {:8.3f} s  status {} ({})", clock, at, status, name));
+      tellDone(settings_.json,
+               {{"event", "status"}, {"time", clock}, {"seconds", at}, {"status", status}, {"name", name}},
+               fmt::format("{} {:8.3f} s  status {} ({})", clock, at, status, name));
     });
   }
 
@@ -107,14 +104,7 @@ class Monitor {
 
   void secondPassed() {
     const LinkStatistics now = stack_.statistics();
-    if (settings_.json) {
-      ordered_json object = {{"event", "second"}, {"seconds", elapsed()}, {"status", stack_.accessory().status()}};
-      object["frames"] = framesJson(now, before_);
-      addLink(object, now);
-      printJson(object);
-    } else {
-      printLine(secondLine(now));
-    }
+    tellDone(settings_.json, figures("second", now, before_), secondLine(now));
     before_ = now;
   }
 
@@ -128,7 +118,9 @@ class Monitor {
     return line + fmt::format(" offset {} ms  round trip {} ms", stack_.accessory().timeOffset(), now.roundTrip);
   }
 
-  void addLink(ordered_json& object, const LinkStatistics& now) {
+  ordered_json figures(const char* event, const LinkStatistics& now, const LinkStatistics& before) {
+    ordered_json object = {{"event", event}, {"seconds", elapsed()}, {"status", stack_.accessory().status()}};
+    object["frames"] = framesJson(now, before);
     object["dropped"] = droppedJson(now.dropped);
     object["bytesReceived"] = now.bytesReceived;
     object["bytesDiscarded"] = now.bytesDiscarded;
@@ -139,17 +131,13 @@ class Monitor {
     object["roundTrip"] = now.roundTrip < 0 ? ordered_json() : ordered_json(now.roundTrip);
     object["resendsLeft"] = now.resendsLeft;
     object["lostForMemory"] = now.lostForMemory;
+    return object;
   }
 
   void summarise() {
     platform_.drainMainQueue();
     const LinkStatistics now = stack_.statistics();
-    if (settings_.json) {
-      ordered_json object = {{"event", "summary"}, {"seconds", elapsed()}, {"status", stack_.accessory().status()}};
-      object["frames"] = framesJson(now, {});
-      addLink(object, now);
-      return printJson(object);
-    }
+    if (settings_.json) return printJson(figures("summary", now, {}));
     printLine("");
     printLine(fmt::format("in {:.1f} s:", elapsed()));
     for (const auto& [type, name] : kTypes) {

@@ -10,19 +10,6 @@
 #include "apps/zelcam/host/console.h"
 
 namespace zel::app {
-namespace {
-
-int show(const Settings& settings, const std::string& text, const std::string& record, const std::string& asked) {
-  if (settings.json) {
-    printJson({{"text", text}, {"record", record}});
-  } else {
-    printLine(asked);
-  }
-  return kDone;
-}
-
-}  // namespace
-
 int runOffset(const Invocation& invocation) {
   const Values& values = invocation.values;
   if (values.has("TEXT") == values.has("--record")) {
@@ -33,7 +20,7 @@ int runOffset(const Invocation& invocation) {
     const ZELMediaOffset offset = getMediaOffsetFromOffset(text);
     const std::string record = recordHex(offset);
     if (offset.lensCount == 0) complain(kDone, "offset", "the text has no lens: nothing can be unwrapped by it");
-    return show(invocation.settings, text, record, record);
+    return tellDone(invocation.settings.json, {{"text", text}, {"record", record}}, record);
   }
   const auto record = recordIn<ZELMediaOffset>(values.text("--record"));
   if (!record) {
@@ -42,7 +29,7 @@ int runOffset(const Invocation& invocation) {
                                 2 * sizeof(ZELMediaOffset)));
   }
   const std::string text = getOffsetFromZELMediaOffset(*record);
-  return show(invocation.settings, text, recordHex(*record), text);
+  return tellDone(invocation.settings.json, {{"text", text}, {"record", recordHex(*record)}}, text);
 }
 
 }  // namespace zel::app

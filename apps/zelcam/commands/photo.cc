@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <climits>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -26,7 +25,6 @@
 #include "apps/zelcam/link/answer.h"
 #include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_link.h"
-#include "apps/zelcam/link/lens_offset.h"
 
 namespace zel::app {
 namespace {
@@ -193,12 +191,9 @@ class Shot {
     const std::filesystem::path beside(photo);
     const auto path = saveFile(beside.parent_path().string(), panoramaName(beside), panorama->file, fault);
     if (!path) return complain(kRefused, "photo", fault);
-    if (!invocation_.settings.json) {
-      printLine(*path);
-    } else {
-      printJson({{"panorama", *path}, {"of", photo}, {"width", panorama->width}, {"height", panorama->height}});
-    }
-    return kDone;
+    return tellDone(invocation_.settings.json,
+                    {{"panorama", *path}, {"of", photo}, {"width", panorama->width}, {"height", panorama->height}},
+                    *path);
   }
 
   CameraLink& link_;

@@ -23,8 +23,7 @@
 #include "apps/zelcam/link/answer.h"
 #include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_link.h"
-#include "apps/zelcam/link/lens_offset.h"
-#include "base/mutex.h"
+#include "base/shared_value.h"
 
 namespace zel::app {
 namespace {
@@ -49,29 +48,28 @@ class PictureCounter final : public ZELPixelBufferDataProtocol {
         timesAreHosts_(link.stack().accessory().firewareVersion() >= kFirewareVersion190) {}
 
   void onPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t timestamp) override {
-    const MutexLock lock(mutex_);
-    if (decoded_.complete) return;
-    decoded_.rate.note(PictureRate::Clock::now());
-    if (decoded_.rate.pictures() == 1 && verbose_) say("zelcam: the first picture is here");
-    const std::int64_t now = platform::absoluteTimeMilliseconds(platform_.ports().clock);
-    if (timesAreHosts_ && isLate(timestamp, now)) ++decoded_.late;
-    decoded_.newest = picture;
-    decoded_.complete = wanted_ && decoded_.rate.pictures() >= *wanted_;
-    if (decoded_.complete) platform_.stopMainQueue();
+    decoded_.with([&](Decoded& decoded) { note(decoded, picture, timestamp); });
   }
 
-  Decoded decoded() const {
-    const MutexLock lock(mutex_);
-    return decoded_;
-  }
+  Decoded decoded() const { return decoded_.get(); }
 
  private:
+  void note(Decoded& decoded, const platform::PixelBufferRef& picture, std::int64_t timestamp) const {
+    if (decoded.complete) return;
+    decoded.rate.note(PictureRate::Clock::now());
+    if (decoded.rate.pictures() == 1 && verbose_) say("zelcam: the first picture is here");
+    const std::int64_t now = platform::absoluteTimeMilliseconds(platform_.ports().clock);
+    if (timesAreHosts_ && isLate(timestamp, now)) ++decoded.late;
+    decoded.newest = picture;
+    decoded.complete = wanted_ && decoded.rate.pictures() >= *wanted_;
+    if (decoded.complete) platform_.stopMainQueue();
+  }
+
   LinuxPlatform& platform_;
   const std::optional<std::int64_t> wanted_;
   const bool verbose_;
   const bool timesAreHosts_;
-  mutable Mutex mutex_;
-  Decoded decoded_ ZEL_GUARDED_BY(mutex_);
+  Guarded<Decoded> decoded_;
 };
 
 std::uint8_t resolutionIn(const Invocation& invocation) {
@@ -168,12 +166,7 @@ class Preview {
   int summarise() {
     nlohmann::ordered_json object = figures();
     if (const int status = saveSnapshot(object); status != kDone) return status;
-    if (invocation_.settings.json) {
-      printJson(object);
-    } else {
-      printLine(line());
-    }
-    return kDone;
+    return tellDone(invocation_.settings.json, object, line());
   }
 
   // The last picture; null if it cannot be stitched, which the renderer has reported.

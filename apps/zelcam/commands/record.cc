@@ -8,7 +8,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <tuple>
 
 #include "apps/zelcam/command_line/sensors.h"
 #include "apps/zelcam/host/console.h"
@@ -21,27 +20,16 @@ namespace {
 
 using RecordedFile = Answer<std::uint32_t, std::uint64_t, std::optional<std::string>>;
 
-int tellDone(const std::string& action, const Settings& settings) {
-  if (settings.json) {
-    printJson({{"record", action}});
-  } else {
-    printLine(action == "start" ? "recording" : "recording cancelled");
-  }
-  return kDone;
-}
-
 int tellFile(const RecordedFile& answer, const Settings& settings) {
   const auto& [time, size, name] = answer.values;
-  if (settings.json) {
-    printJson({{"record", "stop"},
-               {"fileName", name ? nlohmann::ordered_json(*name) : nullptr},
-               {"fileTime", time},
-               {"fileSize", size},
-               {std::string(key::fileSize), size}});  // the interface's spelling of the same
-  } else {
-    printLine(fmt::format("recorded {}: file time {}, {} bytes", printable(name.value_or("(no name)")), time, size));
-  }
-  return kDone;
+  return tellDone(
+      settings.json,
+      {{"record", "stop"},
+       {"fileName", name ? nlohmann::ordered_json(*name) : nullptr},
+       {"fileTime", time},
+       {"fileSize", size},
+       {std::string(key::fileSize), size}},  // the interface's spelling of the same
+      fmt::format("recorded {}: file time {}, {} bytes", printable(name.value_or("(no name)")), time, size));
 }
 
 int stop(CameraLink& link, const Settings& settings) {
@@ -64,7 +52,8 @@ int startOrCancel(CameraLink& link, const std::string& action, const Sensors& se
     ucd.newMsgCmdStartRecordWithGps(sensors.gps, sensors.gyro, sensors.orientation, handler);
   }
   const int status = link.waitForAnswer("record " + action, *answer);
-  return status == kDone ? tellDone(action, settings) : status;
+  if (status != kDone) return status;
+  return tellDone(settings.json, {{"record", action}}, action == "start" ? "recording" : "recording cancelled");
 }
 
 }  // namespace

@@ -5,9 +5,7 @@
 #include <fmt/format.h>
 
 #include <cstdint>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <ZELTarkaSDK/PictureFile.h>
@@ -37,12 +35,9 @@ int save(const platform::PixelBuffer& picture, const Invocation& invocation) {
   const std::string path = invocation.values.text("--output");
   std::string fault;
   if (!savePicture(picture, path, fault)) return complain(kRefused, "thumbnail", fault);
-  if (invocation.settings.json) {
-    printJson({{"thumbnail", path}, {"width", picture.width()}, {"height", picture.height()}});
-  } else {
-    printLine(fmt::format("{}: {} x {}", path, picture.width(), picture.height()));
-  }
-  return kDone;
+  return tellDone(invocation.settings.json,
+                  {{"thumbnail", path}, {"width", picture.width()}, {"height", picture.height()}},
+                  fmt::format("{}: {} x {}", path, picture.width(), picture.height()));
 }
 
 }  // namespace

@@ -74,12 +74,8 @@ int upload(CameraLink& link, const Values& values, const ZELData& file, const Se
   const Waited end = waitForAnswer(link, *answer, settings.timeout);
   const int status = tellEnd("upload", end, answer->error, settings);
   if (status != kDone) return status;
-  if (settings.json) {
-    printJson({{"upload", values.text("FILE")}, {"path", path}, {"bytes", file.size()}});
-  } else {
-    printLine(fmt::format("uploaded {} bytes as {}", file.size(), path));
-  }
-  return kDone;
+  return tellDone(settings.json, {{"upload", values.text("FILE")}, {"path", path}, {"bytes", file.size()}},
+                  fmt::format("uploaded {} bytes as {}", file.size(), path));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
-#include <mutex>
 #include <utility>
 
 #include <fmt/format.h>
@@ -12,6 +11,7 @@
 #include "apps/zelcam/command_line/settings.h"
 #include "apps/zelcam/host/diagnostics.h"
 #include "apps/zelcam/host/interrupt.h"
+#include "base/shared_value.h"
 
 namespace zel::app {
 namespace {
@@ -26,7 +26,6 @@ struct Failure {
 // The state for the end of a run. Never destroyed: threads of the global queue may still print messages while the
 // process ends.
 struct Told {
-  std::mutex mutex;
   std::optional<Failure> failure;  // the first
   std::string line;                // the last that was said
   bool asJson = false;
@@ -34,8 +33,8 @@ struct Told {
   int outputFault = 0;
 };
 
-Told& told() {
-  static auto* const all = new Told;
+Guarded<Told>& told() {
+  static auto* const all = new Guarded<Told>;
   return *all;
 }
 
@@ -48,13 +47,8 @@ bool write(std::FILE* file, const std::string& text) {
 // Stops a command that would run forever without a reader.
 void writeToStandardOutput(const std::string& text) {
   if (write(stdout, text) || errno == EPIPE) return;
-  const std::lock_guard lock(told().mutex);
-  if (std::exchange(told().outputFault, errno != 0 ? errno : EIO) == 0) interrupt();
-}
-
-bool goesElsewhere() {
-  const std::lock_guard lock(told().mutex);
-  return told().elsewhere;
+  const int fault = errno != 0 ? errno : EIO;
+  if (told().with([fault](Told& all) { return std::exchange(all.outputFault, fault); }) == 0) interrupt();
 }
 
 std::string wordsOfStatus(int status) {
@@ -78,10 +72,12 @@ std::string jsonLine(const nlohmann::ordered_json& object) {
 
 void printJson(const nlohmann::ordered_json& object) { printLine(jsonLine(object)); }
 
-void leaveStandardOutput() {
-  const std::lock_guard lock(told().mutex);
-  told().elsewhere = true;
+int tellDone(bool asJson, const nlohmann::ordered_json& object, const std::string& line) {
+  printLine(asJson ? jsonLine(object) : line);
+  return kDone;
 }
+
+void leaveStandardOutput() { told().set(&Told::elsewhere, true); }
 
 nlohmann::ordered_json errorJson(const std::optional<ZELError>& error) {
   if (!error) return nullptr;
@@ -89,24 +85,22 @@ nlohmann::ordered_json errorJson(const std::optional<ZELError>& error) {
 }
 
 void printLine(const std::string& line) {
-  if (goesElsewhere()) return say(line);
+  if (told().get(&Told::elsewhere)) return say(line);
   writeToStandardOutput(printable(line) + '\n');
 }
 
 void printText(const std::string& text) { writeToStandardOutput(text); }
 
 void say(const std::string& line) {
-  {
-    const std::lock_guard lock(told().mutex);
-    if (line.starts_with(kSpeaker)) told().line = line.substr(kSpeaker.size());
-  }
+  if (line.starts_with(kSpeaker)) told().set(&Told::line, line.substr(kSpeaker.size()));
   write(stderr, printable(line) + '\n');
   note(line);
 }
 
 void rememberFailure(const std::string& message, const std::optional<ZELError>& error) {
-  const std::lock_guard lock(told().mutex);
-  if (!told().failure) told().failure = Failure{message, error};
+  told().with([&](Told& all) {
+    if (!all.failure) all.failure = Failure{message, error};
+  });
 }
 
 void sayFailure(const std::string& message, const std::optional<ZELError>& error) {
@@ -121,10 +115,9 @@ int complain(int status, std::string_view command, std::string_view complaint) {
 }
 
 nlohmann::ordered_json failureJson(int status) {
-  const std::lock_guard lock(told().mutex);
-  told().asJson = true;
-  Failure failure = told().failure.value_or(Failure{});
-  if (failure.message.empty() && status != kInterrupted) failure.message = told().line;
+  told().set(&Told::asJson, true);
+  Failure failure = told().get(&Told::failure).value_or(Failure{});
+  if (failure.message.empty() && status != kInterrupted) failure.message = told().get(&Told::line);
   if (failure.message.empty()) failure.message = wordsOfStatus(status);
   return {{"code", failure.error ? failure.error->code : status},
           {"domain", failure.error ? failure.error->domain : "zelcam"},
@@ -132,17 +125,10 @@ nlohmann::ordered_json failureJson(int status) {
 }
 
 void printFailure(int status) {
-  {
-    const std::lock_guard lock(told().mutex);
-    if (told().asJson) return;
-  }
-  printJson({{"error", failureJson(status)}});
+  if (!told().get(&Told::asJson)) printJson({{"error", failureJson(status)}});
 }
 
-int standardOutputFault() {
-  const std::lock_guard lock(told().mutex);
-  return told().outputFault;
-}
+int standardOutputFault() { return told().get(&Told::outputFault); }
 
 void showProgress(const std::string& line) {
   std::fprintf(stderr, "\r%s\033[K", printable(line).c_str());

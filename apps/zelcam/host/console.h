@@ -19,6 +19,9 @@ std::string jsonLine(const nlohmann::ordered_json& object);
 // One JSON object on a line of standard output.
 void printJson(const nlohmann::ordered_json& object);
 
+// What a command has done: the object where JSON is asked for, else the line. Returns kDone.
+int tellDone(bool asJson, const nlohmann::ordered_json& object, const std::string& line);
+
 // From now on standard output carries the stream; other output goes to standard error.
 void leaveStandardOutput();
 

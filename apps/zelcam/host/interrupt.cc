@@ -7,7 +7,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,14 +18,14 @@
 
 #include "apps/zelcam/command_line/settings.h"
 #include "base/has_memory_for.h"
+#include "base/shared_value.h"
 
 namespace zel::app {
 namespace {
 
 std::atomic<bool> interrupted = false;
 std::atomic<bool> tellsSuspension = false;
-std::mutex platformMutex;
-LinuxPlatform* watchedPlatform = nullptr;
+Guarded<LinuxPlatform*> watchedPlatform;
 
 using Clock = std::chrono::steady_clock;
 
@@ -56,10 +55,11 @@ void post(LinuxPlatform& platform, std::string_view name) {
 }
 
 void tellSuspension(int signal) {
-  const std::lock_guard lock(platformMutex);
-  if (watchedPlatform == nullptr) return;
-  post(*watchedPlatform, signal == SIGTSTP ? platform::kApplicationDidEnterBackgroundNotification
-                                           : platform::kApplicationDidBecomeActiveNotification);
+  const auto name = signal == SIGTSTP ? platform::kApplicationDidEnterBackgroundNotification
+                                      : platform::kApplicationDidBecomeActiveNotification;
+  watchedPlatform.with([name](LinuxPlatform* watched) {
+    if (watched != nullptr) post(*watched, name);
+  });
 }
 
 void waitForSignals() {
@@ -101,22 +101,17 @@ void turnSuspensionIntoEvents() {
 }
 
 void stopMainQueueOnInterrupt(LinuxPlatform& platform) {
-  {
-    const std::lock_guard lock(platformMutex);
-    watchedPlatform = &platform;
-  }
+  watchedPlatform.set(&platform);
   std::thread(waitForSignals).detach();
 }
 
-void detachInterrupts() {
-  const std::lock_guard lock(platformMutex);
-  watchedPlatform = nullptr;
-}
+void detachInterrupts() { watchedPlatform.set(nullptr); }
 
 void interrupt() {
   interrupted.store(true);
-  const std::lock_guard lock(platformMutex);
-  if (watchedPlatform != nullptr) watchedPlatform->stopMainQueue();
+  watchedPlatform.with([](LinuxPlatform* watched) {
+    if (watched != nullptr) watched->stopMainQueue();
+  });
 }
 
 bool wasInterrupted() { return interrupted.load(); }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <csignal>
-
 namespace zel {
 class LinuxPlatform;
 }

@@ -3,10 +3,11 @@
 #include <functional>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include <ZELTarkaSDK/platform/forwarding.h>
 
-#include "base/mutex.h"
+#include "base/shared_value.h"
 
 namespace zel::app {
 
@@ -17,19 +18,13 @@ class ReadingBound {
  public:
   // From now on asks that whether enough has come; null reads on without an end. The former one is not asked any more
   // when the call returns, nor is it being asked. Thread of isEnough: the session thread.
-  void set(std::function<bool()> isEnough) {
-    const MutexLock lock(mutex_);
-    isEnough_.swap(isEnough);
-  }
-
-  bool isReached() {
-    const MutexLock lock(mutex_);
-    return isEnough_ && isEnough_();
+  void set(std::function<bool()> isEnough) { isEnough_.set(std::move(isEnough)); }
+  bool isReached() const {
+    return isEnough_.with([](const auto& isEnough) { return isEnough && isEnough(); });
   }
 
  private:
-  Mutex mutex_;
-  std::function<bool()> isEnough_ ZEL_GUARDED_BY(mutex_);
+  Guarded<std::function<bool()>> isEnough_;
 };
 
 // Accessories whose streams end, without a word, where the bound is reached: their camera has fallen silent.

@@ -1,7 +1,6 @@
 #include "apps/zelcam/link/bus.h"
 
 #include <string>
-#include <utility>
 
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/interrupt.h"
@@ -39,16 +38,8 @@ platform::Ports Bus::ports() {
 }
 
 void Bus::noteInUse(const CameraInUse& camera) {
-  {
-    const MutexLock lock(mutex_);
-    inUse_ = camera.inWords();
-  }
+  inUse_.set(camera.inWords());
   platform_->stopMainQueue();
-}
-
-std::optional<std::string> Bus::cameraInUse() {
-  const MutexLock lock(mutex_);
-  return std::exchange(inUse_, std::nullopt);
 }
 
 Bus::~Bus() { detachInterrupts(); }

@@ -11,7 +11,7 @@
 
 #include "apps/zelcam/command_line/settings.h"
 #include "apps/zelcam/link/bounded_accessories.h"
-#include "base/mutex.h"
+#include "base/shared_value.h"
 
 namespace zel::app {
 
@@ -37,15 +37,14 @@ class Bus {
 
   // Who uses the camera, in words, if opening one has failed for that reason since the last call. The main queue is
   // stopped when that happens.
-  std::optional<std::string> cameraInUse();
+  std::optional<std::string> cameraInUse() { return inUse_.set(std::nullopt); }
 
  private:
   void noteInUse(const CameraInUse& camera);
 
   ReadingBound readingBound_;
   bool decodes_ = true;
-  Mutex mutex_;
-  std::optional<std::string> inUse_ ZEL_GUARDED_BY(mutex_);
+  Guarded<std::optional<std::string>> inUse_;
   // Created after the platform, and destroyed after its threads, which decode.
   std::unique_ptr<LinuxMedia> media_;
   std::unique_ptr<LinuxPlatform> platform_;

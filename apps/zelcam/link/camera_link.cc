@@ -1,6 +1,7 @@
 #include "apps/zelcam/link/camera_link.h"
 
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
+#include <ZELTarkaSDK/ZELCameraManager.h>
 
 #include <fmt/format.h>
 
@@ -89,10 +90,6 @@ Waited CameraLink::waitFor(const std::function<bool()>& done, std::optional<doub
   return Waited::done;
 }
 
-void CameraLink::wake() { platform_.stopMainQueue(); }
-
-bool CameraLink::isLost() { return lost_.load() || stack_.accessory().linkStatus() != LinkStatus::flowing; }
-
 void CameraLink::sayAsked() const {
   if (settings_.verbose) say("zelcam: the request is on its way");
 }
@@ -115,6 +112,14 @@ int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& 
                            settings.timeout, LinuxPlatform::accessoriesFolder(settings.accessories)));
   }
   return kNoCamera;
+}
+
+int askLensOffset(CameraLink& link, std::string_view what, std::uint8_t typeInfo, std::string& offset) {
+  const auto answer = std::make_shared<Answer<std::optional<std::string>>>();
+  link.stack().manager().getCameraMediaOffset(typeInfo, keepIn(answer, link.platform()));
+  const int status = link.waitForAnswer(fmt::format("{}: the lens offset", what), *answer);
+  offset = std::get<0>(answer->values).value_or("");
+  return status;
 }
 
 int tellEnd(std::string_view what, Waited end, const std::optional<ZELError>& error, const Settings& settings) {

@@ -6,7 +6,6 @@
 #include <ZELTarkaSDK/ZELError.h>
 
 #include <atomic>
-#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string_view>
@@ -49,10 +48,10 @@ class CameraLink {
   // without a limit. A loss of the link ends the wait, unless `bears` returns true for it.
   Waited waitFor(const std::function<bool()>& done, std::optional<double> seconds,
                  const std::function<bool(LinkLoss)>& bears = {});
-  void wake();
+  void wake() { platform_.stopMainQueue(); }
 
   // Whether the camera is gone or silent: an error at that time is due to the lost camera.
-  bool isLost();
+  bool isLost() { return lost_.load() || stack_.accessory().linkStatus() != LinkStatus::flowing; }
 
   // Whether the session was reopened automatically, after a stream error, since frames arrived. The camera may have
   // lost earlier requests.
@@ -88,5 +87,10 @@ int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& 
 
 // Prints why no frames arrived within the timeout, and returns the exit status.
 int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack);
+
+// Requests the camera's lens offset as text, and waits for the reply. what: the command's name, for people. typeInfo:
+// the camera's code for the offset's use.
+// Returns kDone; otherwise prints what is wrong and returns the exit status.
+int askLensOffset(CameraLink& link, std::string_view what, std::uint8_t typeInfo, std::string& offset);
 
 }  // namespace zel::app
