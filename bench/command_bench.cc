@@ -28,8 +28,8 @@
 #include "bench/echo_camera.h"
 #include "bench/ratio_report.h"
 #include "link/camera_data_parser.h"
+#include "platform/linux/asio.h"
 #include "protocol/frame.h"
-#include "simulator/asio.h"
 
 namespace zel::bench {
 namespace {

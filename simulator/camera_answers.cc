@@ -17,8 +17,6 @@ constexpr std::uint32_t kExposureIndexAtZero = 12;
 const Bytes kDone = {1};
 const Bytes kRefused = {0};
 
-Bytes flag(bool done) { return done ? kDone : kRefused; }
-
 Bytes flagged(std::span<const std::uint8_t> value) {
   Bytes body = kDone;
   add(body, value);
@@ -27,14 +25,9 @@ Bytes flagged(std::span<const std::uint8_t> value) {
 
 Bytes flaggedIfAny(const std::optional<Bytes>& value) { return value ? flagged(*value) : kRefused; }
 
-template <std::unsigned_integral T>
-Bytes flaggedNumber(T number) {
-  Bytes body = kDone;
-  put(body, number);
-  return body;
-}
-
 Bytes textBytes(const std::string& text) { return {text.begin(), text.end()}; }
+
+Bytes behind(const Bytes& body, std::size_t count) { return copyOf(std::span(body).subspan(count)); }
 
 LensRecords::Key lensKey(const Bytes& body) { return {body[0], body[1]}; }
 
@@ -48,8 +41,6 @@ Bytes setVideoRate(CameraState& state, const Bytes& body) {
   return {static_cast<std::uint8_t>(body[1] != 0), state.modes.videoRate};
 }
 
-Bytes battery(CameraState& state, const Bytes&) { return {state.battery.powerType, state.battery.level}; }
-
 Bytes setPhotoSize(CameraState& state, const Bytes& body) {
   if (body[0] < std::size(kPhotoSizes)) state.modes.photo = body[0];
   return {state.modes.photo};
@@ -62,25 +53,8 @@ Bytes setLocalTime(CameraState& state, const Bytes& body) {
 }
 
 Bytes cardState(CameraState& state, const Bytes&) {
-  Bytes body{state.cardState()};
-  put(body, state.card.total());
-  put(body, state.card.free());
-  return body;
+  return packed(state.cardState(), state.card.total(), state.card.free());
 }
-
-Bytes mediaOffset(CameraState& state, const Bytes& body) { return flagged(state.lenses.offset(lensKey(body))); }
-
-Bytes setMediaOffset(CameraState& state, const Bytes& body) {
-  return flag(state.lenses.setOffset(lensKey(body), copyOf(std::span(body).subspan(2))));
-}
-
-Bytes originOffset(CameraState& state, const Bytes& body) { return flagged(state.lenses.origin(lensKey(body))); }
-
-Bytes setOriginOffset(CameraState& state, const Bytes& body) {
-  return flag(state.lenses.setOrigin(lensKey(body), copyOf(std::span(body).subspan(2))));
-}
-
-Bytes serial(CameraState& state, const Bytes&) { return flagged(textBytes(state.serial)); }
 
 Bytes setSerial(CameraState& state, const Bytes& body) {
   const bool printable = std::ranges::all_of(body, [](std::uint8_t letter) { return letter > 0x20 && letter < 0x7F; });
@@ -90,27 +64,11 @@ Bytes setSerial(CameraState& state, const Bytes& body) {
 
 Bytes exposureIndex(CameraState& state, const Bytes&) {
   const auto bias = static_cast<std::int16_t>(numberAt<std::uint16_t>(state.settings.value(kExposureBias), 0));
-  return flaggedNumber(static_cast<std::uint16_t>(std::clamp<int>(bias, -12, 12) + int{kExposureIndexAtZero}));
+  return flagged(packed(static_cast<std::uint16_t>(std::clamp<int>(bias, -12, 12) + int{kExposureIndexAtZero})));
 }
 
-Bytes uuid(CameraState& state, const Bytes&) { return flagged(textBytes(state.uuid)); }
-
-Bytes fileMetadata(CameraState& state, const Bytes& body) { return flaggedIfAny(state.files.of(textIn(body))); }
-
-Bytes setPhotoExtra(CameraState& state, const Bytes& body) {
-  const std::span<const std::uint8_t> all = body;
-  return flag(state.photoExtras.set(textIn(all.first(kNameField)), copyOf(all.subspan(kNameField))));
-}
-
-Bytes setVideoExtra(CameraState& state, const Bytes& body) {
-  const std::span<const std::uint8_t> all = body;
-  return flag(state.videoExtras.set(textIn(all.first(kNameField)), copyOf(all.subspan(kNameField))));
-}
-
-Bytes videoExtra(CameraState& state, const Bytes& body) { return flaggedIfAny(state.videoExtras.of(textIn(body))); }
-
-Bytes whiteBalanceEnable(CameraState& state, const Bytes&) {
-  return {1, static_cast<std::uint8_t>(state.settings.wasSet(kWhiteBalanceGain))};
+Bytes setExtra(ExtraInfo& infos, const Bytes& body) {
+  return flag(infos.set(textIn(std::span(body).first(kNameField)), behind(body, kNameField)));
 }
 
 Bytes vignetteEnable(CameraState& state, const Bytes&) {
@@ -118,18 +76,8 @@ Bytes vignetteEnable(CameraState& state, const Bytes&) {
   return {1, static_cast<std::uint8_t>(set)};
 }
 
-Bytes lensIndex(CameraState&, const Bytes&) { return flaggedNumber(kLensIndex); }
-
-Bytes nothingToDo(CameraState&, const Bytes&) { return kDone; }
-
-std::uint32_t clipped(std::uint64_t number) { return static_cast<std::uint32_t>(std::min<std::uint64_t>(number, ~0u)); }
-
-Bytes secondsLeft(CameraState& state, const Bytes&) {
-  return flaggedNumber(clipped(state.card.free() / (1000 * state.videoBytesPerMs())));
-}
-
-Bytes shotsLeft(CameraState& state, const Bytes&) {
-  return flaggedNumber(clipped(state.card.free() / state.photoSize().room));
+Bytes clipped(std::uint64_t number) {
+  return flagged(packed(static_cast<std::uint32_t>(std::min<std::uint64_t>(number, ~0u))));
 }
 
 struct Question {
@@ -141,28 +89,36 @@ struct Question {
 constexpr Question kQuestions[] = {
     {0x000A, 1, 1, setResolution},
     {0x000C, 2, 2, setVideoRate},
-    {0x4001, 0, 0, battery},
+    {0x4001, 0, 0,
+     [](auto& state, auto&) {
+       return Bytes{state.battery.powerType, state.battery.level};
+     }},
     {0x4002, 1, 1, setPhotoSize},
     {0x4006, 8, 8, setLocalTime},
     {0x400E, 0, 0, cardState},
-    {0x400F, 2, 2, mediaOffset},
-    {0x4010, 2 + kOffsetRecord, 2 + kOffsetRecord, setMediaOffset},
-    {0x4012, 0, 0, serial},
+    {0x400F, 2, 2, [](auto& state, auto& body) { return flagged(state.lenses.offset(lensKey(body))); }},
+    {0x4010, 2 + kOffsetRecord, 2 + kOffsetRecord,
+     [](auto& state, auto& body) { return flag(state.lenses.setOffset(lensKey(body), behind(body, 2))); }},
+    {0x4012, 0, 0, [](auto& state, auto&) { return flagged(textBytes(state.serial)); }},
     {0x4013, 1, 64, setSerial},
     {0x4022, 0, 0, exposureIndex},
-    {0x4025, 0, 0, uuid},
-    {0x4026, 2, 2, originOffset},
-    {0x4027, 2 + kOriginRecord, 2 + kOriginRecord, setOriginOffset},
-    {0x4028, 1, kLongestName, fileMetadata},
-    {0x4033, kNameField, kAnySize, setPhotoExtra},
-    {0x4034, kNameField, kAnySize, setVideoExtra},
-    {0x4035, 1, kLongestName, videoExtra},
-    {0x403A, 0, 0, whiteBalanceEnable},
+    {0x4025, 0, 0, [](auto& state, auto&) { return flagged(textBytes(state.uuid)); }},
+    {0x4026, 2, 2, [](auto& state, auto& body) { return flagged(state.lenses.origin(lensKey(body))); }},
+    {0x4027, 2 + kOriginRecord, 2 + kOriginRecord,
+     [](auto& state, auto& body) { return flag(state.lenses.setOrigin(lensKey(body), behind(body, 2))); }},
+    {0x4028, 1, kLongestName, [](auto& state, auto& body) { return flaggedIfAny(state.files.of(textIn(body))); }},
+    {0x4033, kNameField, kAnySize, [](auto& state, auto& body) { return setExtra(state.photoExtras, body); }},
+    {0x4034, kNameField, kAnySize, [](auto& state, auto& body) { return setExtra(state.videoExtras, body); }},
+    {0x4035, 1, kLongestName, [](auto& state, auto& body) { return flaggedIfAny(state.videoExtras.of(textIn(body))); }},
+    {0x403A, 0, 0,
+     [](auto& state, auto&) {
+       return Bytes{1, state.settings.wasSet(kWhiteBalanceGain)};
+     }},
     {0x403B, 0, 0, vignetteEnable},
-    {0x403C, 0, 0, lensIndex},
-    {0x4041, 0, 0, nothingToDo},  // deletions end before they can be cancelled
-    {0x4042, 0, 0, secondsLeft},
-    {0x4043, 0, 0, shotsLeft},
+    {0x403C, 0, 0, [](auto&, auto&) { return flagged(packed(kLensIndex)); }},
+    {0x4041, 0, 0, [](auto&, auto&) { return kDone; }},  // deletions end before they can be cancelled
+    {0x4042, 0, 0, [](auto& state, auto&) { return clipped(state.card.free() / (1000 * state.videoBytesPerMs())); }},
+    {0x4043, 0, 0, [](auto& state, auto&) { return clipped(state.card.free() / state.photoSize().room); }},
 };
 
 struct Update {

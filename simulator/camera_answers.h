@@ -12,6 +12,9 @@ namespace zel::simulator {
 // bodies of the wrong length. Nothing for sensor updates, which have no reply.
 std::optional<Bytes> answerAtOnce(CameraState& state, const Storage& storage, std::uint16_t code, const Bytes& body);
 
+// The body of a reply that is only a flag.
+inline Bytes flag(bool done) { return {static_cast<std::uint8_t>(done)}; }
+
 // Whether the reply to a request begins with a flag.
 bool hasFlag(std::uint16_t code);
 

@@ -31,8 +31,6 @@ std::string CameraClock::localTime(const char* format) const {
   return text;
 }
 
-std::string CameraClock::photoTime() const { return localTime("%Y:%m:%d %H:%M:%S"); }
-
 std::string CameraClock::nextFileName(const std::string& prefix, const std::string& suffix) {
   char number[16];
   std::snprintf(number, sizeof number, "%03u", ++files_);

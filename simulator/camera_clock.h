@@ -19,7 +19,7 @@ class CameraClock {
   std::uint32_t now() const { return static_cast<std::uint32_t>(seconds()); }
 
   // Local time in the form of EXIF data, "2026:01:02 03:04:05".
-  std::string photoTime() const;
+  std::string photoTime() const { return localTime("%Y:%m:%d %H:%M:%S"); }
 
   // PREFIX_20260102_030405_00_001SUFFIX with the local time; the number increases with each file.
   std::string nextFileName(const std::string& prefix, const std::string& suffix);

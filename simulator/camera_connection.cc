@@ -27,17 +27,17 @@ std::chrono::steady_clock::duration steady(double seconds) {
 CameraConnection::CameraConnection(Socket socket, ConnectionSetup setup)
     : socket_(std::move(socket)),
       setup_(std::move(setup)),
-      source_(setup_.seed),
-      random_(setup_.seed),
+      source_(setup_.options.seed),
+      random_(setup_.options.seed),
       clockStart_(mediaSeconds()) {}
 
 void CameraConnection::start() {
   // The connection begins in the middle of a stream, with the rest of a frame.
   send(source_.tornFrame());
-  if (setup_.faults->earlyMarker) sendMarker();
+  if (setup_.options.faults.earlyMarker) sendMarker();
   receive();
   sendHeartbeats();
-  if (setup_.faults->stall) stallEverySoOften();
+  if (setup_.options.faults.stall) stallEverySoOften();
 }
 
 void CameraConnection::close() {
@@ -59,7 +59,7 @@ void CameraConnection::receive() {
                             self->requests_.append({self->received_.data(), size});
                             while (auto frame = self->requests_.next()) self->take(std::move(*frame));
                             if (self->requests_.fault().empty()) return self->receive();
-                            self->setup_.warn(self->requests_.fault() + "; the connection is closed");
+                            self->setup_.options.warn(self->requests_.fault() + "; the connection is closed");
                             self->close();
                           });
 }
@@ -67,17 +67,18 @@ void CameraConnection::receive() {
 void CameraConnection::take(HostFrame frame) {
   if (closed_) return;
   if (const auto* request = std::get_if<HostMessage>(&frame)) return answer(*request);
-  setup_.camera->take(shared_from_this(), std::get<HostFile>(std::move(frame)));
+  setup_.camera.take(shared_from_this(), std::get<HostFile>(std::move(frame)));
 }
 
 void CameraConnection::answer(const HostMessage& request) {
   setup_.requestSeen(request.code);
-  const Faults& faults = *setup_.faults;
+  const Faults& faults = setup_.options.faults;
   if (faults.noReply.contains(request.code)) return;
   if (faults.refuse.contains(request.code)) return reply(request.code, refusal(request.code));
   if (request.code == kSyncData) return answerSyncData(request);
-  if (request.code == kSyncTime && setup_.firmware >= kFirmwareWithClock) return answerSyncTime(request);
-  setup_.camera->answer(shared_from_this(), request);
+  if (request.code == kSyncTime && setup_.options.identity.firmware >= kFirmwareWithClock)
+    return answerSyncTime(request);
+  setup_.camera.answer(shared_from_this(), request);
 }
 
 void CameraConnection::answerSyncData(const HostMessage& request) {
@@ -88,7 +89,7 @@ void CameraConnection::answerSyncData(const HostMessage& request) {
 
 void CameraConnection::sendMarker() {
   markerSent_ = true;
-  Bytes garbage(setup_.faults->garbage);
+  Bytes garbage(setup_.options.faults.garbage);
   for (auto& byte : garbage) byte = static_cast<std::uint8_t>(random_());
   send(std::move(garbage));
   send(copyOf(kMarkerBytes));
@@ -99,25 +100,21 @@ void CameraConnection::answerSyncTime(const HostMessage& request) {
   if (request.body.size() != kPhoneTime) return reply(kSyncTime, refusal(kSyncTime));
   clockStart_ = mediaSeconds();
   if (media_) media_->startClock(sinceMediaBegan());
-  const auto answerNow = [this] {
-    Bytes body;
-    put(body, static_cast<std::uint64_t>(mediaTime()));
-    reply(kSyncTime, std::move(body));
-  };
-  if (setup_.faults->slowSync == 0) return answerNow();
-  wait(std::chrono::milliseconds(setup_.faults->slowSync), answerNow);
+  const auto answerNow = [this] { reply(kSyncTime, packed(static_cast<std::uint64_t>(mediaTime()))); };
+  if (setup_.options.faults.slowSync == 0) return answerNow();
+  wait(std::chrono::milliseconds(setup_.options.faults.slowSync), answerNow);
 }
 
 void CameraConnection::reply(std::uint16_t code, Bytes body) {
-  const auto late = setup_.faults->lateReply.find(code);
-  if (late == setup_.faults->lateReply.end()) return sendReply(code, body);
+  const auto late = setup_.options.faults.lateReply.find(code);
+  if (late == setup_.options.faults.lateReply.end()) return sendReply(code, body);
   wait(std::chrono::milliseconds(late->second), [this, code, body = std::move(body)] { sendReply(code, body); });
 }
 
 void CameraConnection::sendReply(std::uint16_t code, const Bytes& body) {
-  const Bytes whole = message(code | kReplyBit, replyAfterFaults(*setup_.faults, code, body, random_));
+  const Bytes whole = message(code | kReplyBit, replyAfterFaults(setup_.options.faults, code, body, random_));
   send(whole);
-  if (setup_.faults->duplicateReply.contains(code)) send(whole);
+  if (setup_.options.faults.duplicateReply.contains(code)) send(whole);
 }
 
 void CameraConnection::startPreview(int) {
@@ -141,14 +138,14 @@ std::int64_t CameraConnection::mediaTime() const {
 
 // Starts with the loop's first picture, at the current size and rate. The camera's clock continues.
 void CameraConnection::beginMedia() {
-  const PreviewFormat format = previewFormat(setup_.camera->resolution(), setup_.bitrate, setup_.slices);
+  const PreviewFormat format = previewFormat(setup_.camera.resolution(), setup_.options.bitrate, setup_.options.slices);
   MediaSetup media;
-  media.video = setup_.media->video(format);
-  media.audio = setup_.media->audio();
+  media.video = setup_.media.video(format);
+  media.audio = setup_.media.audio();
   media.rate = format.rate;
-  media.timestamps = setup_.firmware >= kFirmwareWithClock;
-  media.faults = setup_.faults->media;
-  media.seed = setup_.seed;
+  media.timestamps = setup_.options.identity.firmware >= kFirmwareWithClock;
+  media.faults = setup_.options.faults.media;
+  media.seed = setup_.options.seed;
   mediaStart_ = mediaSeconds();
   media_.emplace(std::move(media));
   media_->startClock(-static_cast<double>(mediaTime()) / 1000);
@@ -160,7 +157,7 @@ void CameraConnection::sendMedia(std::uint64_t preview) {
   for (; nextFrame_ && nextFrame_->due <= now; nextFrame_ = media_->next(now)) sendMediaFrame(*nextFrame_);
   if (!nextFrame_) nextFrame_ = media_->next(now);
   double pause = nextFrame_ ? std::max(0.0, nextFrame_->due - now) : kMakingPause;
-  if (setup_.mediaSeconds) pause = kLook;  // an external clock has an unknown speed
+  if (setup_.options.mediaSeconds) pause = kLook;  // an external clock has an unknown speed
   wait(steady(pause), [this, preview] { sendMedia(preview); });
 }
 
@@ -169,19 +166,17 @@ void CameraConnection::sendMediaFrame(const MediaFrame& media) {
   send(frame(media.type, media.payload));
   if (media.type != kVideo) return;
   ++pictures_;
-  if (setup_.faults->unknownTypes) send(source_.unknownFrame());
+  if (setup_.options.faults.unknownTypes) send(source_.unknownFrame());
   if (markerSent_ && pictures_ >= kPicturesBeforeFault) sendImpossibleLengths();
 }
 
 double CameraConnection::mediaSeconds() const {
-  if (setup_.mediaSeconds) return setup_.mediaSeconds();
+  if (setup_.options.mediaSeconds) return setup_.options.mediaSeconds();
   return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
 }
 
-double CameraConnection::sinceMediaBegan() const { return mediaSeconds() - mediaStart_; }
-
 void CameraConnection::sendImpossibleLengths() {
-  Faults& faults = *setup_.faults;
+  Faults& faults = setup_.options.faults;
   if (faults.lengthZero > 0) {
     --faults.lengthZero;
     send({0, 0, 0, 0, 1, 0});
@@ -194,15 +189,15 @@ void CameraConnection::sendImpossibleLengths() {
 void CameraConnection::sendHeartbeats() {
   if (!nextFrame_) {
     send(source_.heartbeat(mediaTime()));
-    if (setup_.faults->unknownTypes) send(source_.unknownFrame());
+    if (setup_.options.faults.unknownTypes) send(source_.unknownFrame());
   }
   wait(steady(kHeartbeat), [this] { sendHeartbeats(); });
 }
 
 void CameraConnection::stallEverySoOften() {
-  wait(steady(setup_.faults->stall->every), [this] {
-    beSilent(setup_.faults->stall->seconds);
-    wait(steady(setup_.faults->stall->seconds), [this] { stallEverySoOften(); });
+  wait(steady(setup_.options.faults.stall->every), [this] {
+    beSilent(setup_.options.faults.stall->seconds);
+    wait(steady(setup_.options.faults.stall->seconds), [this] { stallEverySoOften(); });
   });
 }
 
@@ -211,7 +206,7 @@ void CameraConnection::send(Bytes bytes) {
   queued_ += bytes.size();
   outgoing_.push_back(std::move(bytes));
   if (queued_ > kQueueForAll) {
-    setup_.warn("the host does not read; the connection is closed");
+    setup_.options.warn("the host does not read; the connection is closed");
     return close();
   }
   write();
@@ -220,9 +215,9 @@ void CameraConnection::send(Bytes bytes) {
 std::size_t CameraConnection::nextPiece() {
   const std::size_t left = outgoing_.front().size() - written_;
   std::size_t piece = left;
-  if (setup_.faults->split) piece = 1 + random_() % left;
-  if (setup_.faults->oneByteWrites) piece = 1;
-  const std::uint64_t end = setup_.faults->disconnect;
+  if (setup_.options.faults.split) piece = 1 + random_() % left;
+  if (setup_.options.faults.oneByteWrites) piece = 1;
+  const std::uint64_t end = setup_.options.faults.disconnect;
   return end == 0 ? piece : static_cast<std::size_t>(std::min<std::uint64_t>(piece, end - bytesSent_));
 }
 
@@ -240,7 +235,7 @@ void CameraConnection::write() {
       self->outgoing_.pop_front();
       self->written_ = 0;
     }
-    if (self->bytesSent_ == self->setup_.faults->disconnect) return self->setup_.unplug();
+    if (self->bytesSent_ == self->setup_.options.faults.disconnect) return self->setup_.unplug();
     self->write();
   });
 }

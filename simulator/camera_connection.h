@@ -9,32 +9,26 @@
 #include <optional>
 #include <random>
 
-#include "simulator/asio.h"
+#include "platform/linux/asio.h"
 #include "simulator/camera_world.h"
-#include "simulator/faults.h"
 #include "simulator/frame_source.h"
 #include "simulator/host_frames.h"
 #include "simulator/media/media_library.h"
 #include "simulator/media/media_source.h"
 #include "simulator/simulated_camera.h"
+#include "simulator/simulator_options.h"
 #include "simulator/wire.h"
 
 namespace zel::simulator {
 
-// The parameters shared by all connections of one simulator.
+// What all connections of one simulator share.
 struct ConnectionSetup {
-  int firmware = 192;
-  int bitrate = 0;  // see SimulatorOptions
-  int slices = 1;   // see SimulatorOptions
-  std::uint64_t seed = 1;
-  SimulatedCamera* camera = nullptr;
-  MediaLibrary* media = nullptr;
-  Faults* faults = nullptr;                        // counted faults are used up
+  SimulatorOptions& options;  // counted faults are used up
+  SimulatedCamera& camera;
+  MediaLibrary& media;
   std::function<void(std::uint16_t)> requestSeen;  // for every message of the host, with its code
   std::function<void()> unplug;                    // requested by a fault
   std::function<void()> closed;                    // called once, when the connection has ended
-  std::function<void(const std::string&)> warn;
-  std::function<double()> mediaSeconds;  // see SimulatorOptions
 };
 
 // The camera's end of one connection. It begins in the middle of a frame, and passes the host's requests to the camera.
@@ -52,8 +46,6 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   void close();
   // Sends nothing for that long.
   void beSilent(double seconds);
-
-  std::uint64_t bytesSent() const { return bytesSent_; }
 
   void reply(std::uint16_t code, Bytes body) override;
   void send(Bytes frame) override;
@@ -76,7 +68,7 @@ class CameraConnection final : public HostLink, public std::enable_shared_from_t
   void sendMedia(std::uint64_t preview);
   void sendMediaFrame(const MediaFrame& frame);
   double mediaSeconds() const;
-  double sinceMediaBegan() const;
+  double sinceMediaBegan() const { return mediaSeconds() - mediaStart_; }
   void sendImpossibleLengths();
   void sendHeartbeats();
   void stallEverySoOften();

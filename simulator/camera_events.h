@@ -5,9 +5,24 @@
 
 #include "simulator/wire.h"
 
-// The camera's events, as whole frames.
-
 namespace zel::simulator {
+
+// The codes of the camera's events, which are messages without a request.
+enum EventCode : std::uint16_t {
+  kUpdateDoneEvent = 0x6001,  // result
+  kSplitEvent,                // the recording's entry, or nothing; so are the other two ends of a recording
+  kBatteryEvent,              // power type, level
+  kBatteryLowEvent,           // level
+  kShutDownEvent,             // a byte, or none
+  kCardStateEvent,            // state
+  kKeyEvent = 0x6008,         // key
+  kOffsetEvent,               // resolution code, offset record
+  kCardRunoutEvent,
+  kTimeRunoutEvent,
+  kShutterStateEvent,    // state
+  kDeleteProgressEvent,  // three numbers (u32)
+  kGyroEvent,            // gyro record
+};
 
 // A file of the card, as in replies and events.
 struct FileEntry {
@@ -19,22 +34,10 @@ struct FileEntry {
 // | 0  | u32  | time        |
 // | 4  | u64  | size        |
 // | 12 | text | name, and 0 |
-Bytes entryBody(const FileEntry& file);
-
-Bytes updateDoneEvent(std::uint8_t result);
-Bytes batteryEvent(std::uint8_t powerType, std::uint8_t level);
-Bytes batteryLowEvent(std::uint8_t level);
-Bytes shutDownEvent(const Bytes& body);  // a byte, or none
-Bytes cardStateEvent(std::uint8_t state);
-Bytes keyEvent(std::uint8_t key);
-Bytes offsetEvent(std::uint8_t typeInfo, const Bytes& record);
-Bytes shutterStateEvent(std::uint8_t state);
-Bytes deleteProgressEvent(std::uint32_t first, std::uint32_t second, std::uint32_t third);
-Bytes gyroEvent(const Bytes& record);
-
-// A recording that ended, or continues in another file. body: that of an entry, or empty.
-Bytes splitEvent(const Bytes& body);
-Bytes cardRunoutEvent(const Bytes& body);
-Bytes timeRunoutEvent(const Bytes& body);
+inline Bytes entryBody(const FileEntry& file) {
+  Bytes body = packed(file.time, file.size);
+  add(body, textField(file.name, file.name.size() + 1));
+  return body;
+}
 
 }  // namespace zel::simulator

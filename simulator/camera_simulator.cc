@@ -9,7 +9,7 @@
 #include <thread>
 #include <utility>
 
-#include "simulator/asio.h"
+#include "platform/linux/asio.h"
 #include "simulator/camera_connection.h"
 #include "simulator/event_lines.h"
 #include "simulator/simulated_camera.h"
@@ -48,22 +48,140 @@ struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<
         storage(options.storage),
         camera(*this, startOf(options), storage, options.faults) {}
 
-  bool open(std::string& error);
-  bool attach(std::string& error);
-  void plug();
-  void unplug() override;
-  void restart() override;
-  void accept();
-  void serve(Protocol::socket socket);
-  void requestSeen(std::uint16_t code);
-  void connectionClosed();
-  void storm();
-  std::chrono::milliseconds uptime() const override;
-  void later(std::chrono::milliseconds time, std::function<void()> then) override;
-  void onWorker(std::function<std::function<void()>()> job) override;
-  void tellHost(Bytes frame) override;
-  void end();
-  void cleanUp();
+  bool open(std::string& error) {
+    if (!publisher.ok()) {
+      error = publisher.error();
+      return false;
+    }
+    if (!storage.ok()) {
+      error = "the storage folder " + options.storage + " cannot be made";
+      return false;
+    }
+    if (!options.video.empty() && !media.useVideo(options.video, error)) return false;
+    if (!options.audio.empty() && !media.useAudio(options.audio, error)) return false;
+    media.video(previewFormat(options.resolution, options.bitrate, options.slices));  // starts rendering
+    media.audio();
+    folder = makeSocketFolder();
+    socketPath = folder + "/camera.sock";
+    if (folder.empty()) error = "no folder for the socket can be made in /tmp";
+    return error.empty();
+  }
+
+  bool attach(std::string& error) {
+    if (plugged || ended) return true;
+    unlink(socketPath.c_str());
+    asio::error_code fault, ignored;
+    acceptor->open(Protocol(), fault);
+    if (!fault) acceptor->bind(Protocol::endpoint(socketPath), fault);
+    if (!fault) acceptor->listen(8, fault);
+    plugged = !fault && publisher.publish(socketPath);
+    if (plugged) {
+      accept();
+      return true;
+    }
+    error = fault ? "socket " + socketPath + " cannot be used: " + fault.message() : publisher.error();
+    acceptor->close(ignored);
+    return false;
+  }
+
+  void plug() {
+    std::string error;
+    if (!attach(error)) options.warn(error);
+  }
+
+  void unplug() override {
+    if (!std::exchange(plugged, false)) return;
+    publisher.withdraw();
+    asio::error_code ignored;
+    acceptor->close(ignored);
+    unlink(socketPath.c_str());
+    if (connection) connection->close();
+  }
+
+  void restart() override {
+    unplug();
+    later(kBackAfterDisconnect, [this] { plug(); });
+  }
+
+  void accept() {
+    acceptor->async_accept([self = shared_from_this()](asio::error_code error, Protocol::socket socket) {
+      if (error) return;
+      self->serve(std::move(socket));
+      self->accept();
+    });
+  }
+
+  // A camera has one host: a new connection replaces the previous one.
+  void serve(Protocol::socket socket) {
+    if (const auto before = std::exchange(connection, nullptr)) before->close();
+    ++connections;
+    const ConnectionSetup setup{.options = options,
+                                .camera = camera,
+                                .media = media,
+                                .requestSeen = [this](std::uint16_t code) { requestSeen(code); },
+                                .unplug = [this] { restart(); },
+                                .closed =
+                                    [this] {
+                                      if (options.once) end();
+                                    }};
+    connection = std::make_shared<CameraConnection>(std::move(socket), setup);
+    connection->start();
+  }
+
+  void requestSeen(std::uint16_t code) {
+    ++requests;
+    if (!options.verbose) return;
+    char line[sizeof "request 0x0000"];
+    std::snprintf(line, sizeof line, "request 0x%04X", code);
+    options.warn(line);
+  }
+
+  void storm() {
+    if (options.faults.storm-- <= 0) return;
+    later(kStormPause, [this] {
+      unplug();
+      plug();
+      storm();
+    });
+  }
+
+  std::chrono::milliseconds uptime() const override {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+  }
+
+  void later(std::chrono::milliseconds time, std::function<void()> then) override {
+    const auto timer = std::make_shared<asio::steady_timer>(*context, time);
+    timer->async_wait([self = shared_from_this(), timer, then = std::move(then)](asio::error_code error) {
+      if (!error && !self->ended) then();
+    });
+  }
+
+  void onWorker(std::function<std::function<void()>()> job) override {
+    asio::post(worker, [this, job = std::move(job)]() mutable {
+      auto done = job();
+      job = nullptr;
+      asio::post(*context, std::move(done));
+    });
+  }
+
+  void tellHost(Bytes frame) override {
+    if (connection) connection->send(std::move(frame));
+  }
+
+  void end() {
+    if (std::exchange(ended, true)) return;
+    unplug();
+    context->stop();
+  }
+
+  void cleanUp() {
+    publisher.withdraw();
+    connection = nullptr;
+    storage.end();
+    if (folder.empty()) return;
+    unlink(socketPath.c_str());
+    rmdir(folder.c_str());
+  }
 
   SimulatorOptions options;
   AccessoryPublisher publisher;
@@ -85,149 +203,6 @@ struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<
   std::mutex waitMutex;
   std::thread thread;
 };
-
-bool CameraSimulator::State::open(std::string& error) {
-  if (!publisher.ok()) {
-    error = publisher.error();
-    return false;
-  }
-  if (!storage.ok()) {
-    error = "the storage folder " + options.storage + " cannot be made";
-    return false;
-  }
-  if (!options.video.empty() && !media.useVideo(options.video, error)) return false;
-  if (!options.audio.empty() && !media.useAudio(options.audio, error)) return false;
-  media.video(previewFormat(options.resolution, options.bitrate, options.slices));  // starts rendering
-  media.audio();
-  folder = makeSocketFolder();
-  socketPath = folder + "/camera.sock";
-  if (folder.empty()) error = "no folder for the socket can be made in /tmp";
-  return error.empty();
-}
-
-bool CameraSimulator::State::attach(std::string& error) {
-  if (plugged || ended) return true;
-  unlink(socketPath.c_str());
-  asio::error_code fault, ignored;
-  acceptor->open(Protocol(), fault);
-  if (!fault) acceptor->bind(Protocol::endpoint(socketPath), fault);
-  if (!fault) acceptor->listen(8, fault);
-  plugged = !fault && publisher.publish(socketPath);
-  if (plugged) {
-    accept();
-    return true;
-  }
-  error = fault ? "socket " + socketPath + " cannot be used: " + fault.message() : publisher.error();
-  acceptor->close(ignored);
-  return false;
-}
-
-void CameraSimulator::State::plug() {
-  std::string error;
-  if (!attach(error)) options.warn(error);
-}
-
-void CameraSimulator::State::unplug() {
-  if (!std::exchange(plugged, false)) return;
-  publisher.withdraw();
-  asio::error_code ignored;
-  acceptor->close(ignored);
-  unlink(socketPath.c_str());
-  if (connection) connection->close();
-}
-
-void CameraSimulator::State::accept() {
-  acceptor->async_accept([self = shared_from_this()](asio::error_code error, Protocol::socket socket) {
-    if (error) return;
-    self->serve(std::move(socket));
-    self->accept();
-  });
-}
-
-// A camera has one host: a new connection replaces the previous one.
-void CameraSimulator::State::serve(Protocol::socket socket) {
-  if (const auto before = std::exchange(connection, nullptr)) before->close();
-  ++connections;
-  ConnectionSetup setup;
-  setup.firmware = options.identity.firmware;
-  setup.bitrate = options.bitrate;
-  setup.slices = options.slices;
-  setup.camera = &camera;
-  setup.media = &media;
-  setup.seed = options.seed;
-  setup.faults = &options.faults;
-  setup.requestSeen = [this](std::uint16_t code) { requestSeen(code); };
-  setup.closed = [this] { connectionClosed(); };
-  setup.warn = options.warn;
-  setup.mediaSeconds = options.mediaSeconds;
-  setup.unplug = [this] { restart(); };
-  connection = std::make_shared<CameraConnection>(std::move(socket), std::move(setup));
-  connection->start();
-}
-
-void CameraSimulator::State::restart() {
-  unplug();
-  later(kBackAfterDisconnect, [this] { plug(); });
-}
-
-std::chrono::milliseconds CameraSimulator::State::uptime() const {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
-}
-
-void CameraSimulator::State::onWorker(std::function<std::function<void()>()> job) {
-  asio::post(worker, [this, job = std::move(job)]() mutable {
-    auto done = job();
-    job = nullptr;
-    asio::post(*context, std::move(done));
-  });
-}
-
-void CameraSimulator::State::tellHost(Bytes frame) {
-  if (connection) connection->send(std::move(frame));
-}
-
-void CameraSimulator::State::requestSeen(std::uint16_t code) {
-  ++requests;
-  if (!options.verbose) return;
-  char line[sizeof "request 0x0000"];
-  std::snprintf(line, sizeof line, "request 0x%04X", code);
-  options.warn(line);
-}
-
-void CameraSimulator::State::connectionClosed() {
-  if (options.once) end();
-}
-
-void CameraSimulator::State::storm() {
-  if (options.faults.storm-- <= 0) return;
-  later(kStormPause, [this] {
-    unplug();
-    plug();
-    storm();
-  });
-}
-
-void CameraSimulator::State::later(std::chrono::milliseconds time, std::function<void()> then) {
-  const auto timer = std::make_shared<asio::steady_timer>(*context, time);
-  timer->async_wait([self = shared_from_this(), timer, then = std::move(then)](asio::error_code error) {
-    if (!error && !self->ended) then();
-  });
-}
-
-void CameraSimulator::State::end() {
-  if (std::exchange(ended, true)) return;
-  unplug();
-  context->stop();
-}
-
-void CameraSimulator::State::cleanUp() {
-  publisher.withdraw();
-  connection = nullptr;
-  storage.end();
-  if (folder.empty()) return;
-  unlink(socketPath.c_str());
-  rmdir(folder.c_str());
-}
 
 CameraSimulator::CameraSimulator(SimulatorOptions options) {
   if (!options.warn) options.warn = [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); };

@@ -1,33 +1,14 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "simulator/accessory_publisher.h"
-#include "simulator/faults.h"
+#include "simulator/simulator_options.h"
 
 namespace zel::simulator {
-
-struct SimulatorOptions {
-  std::string accessoriesFolder;  // empty: the bus's default
-  Identity identity;
-  int resolution = 3;          // preview resolution code, 0 to 15
-  int bitrate = 0;             // of the scene's pictures, see PreviewFormat
-  int slices = 1;              // of each of them, see PreviewFormat
-  std::string video, audio;    // files instead of the scene and its beeps, see MediaLibrary
-  std::string storage;         // the folder of uploaded files; empty: a temporary one, removed at the end
-  std::uint64_t cardSize = 0;  // bytes; 0: the usual card
-  std::uint64_t seed = 1;
-  Faults faults;
-  std::function<double()> mediaSeconds;          // replaces the media's real time; called often
-  bool once = false;                             // ends after the first connection has ended
-  bool verbose = false;                          // prints every request of the host, as "request 0x0004"
-  std::function<void(const std::string&)> warn;  // empty: standard error
-};
 
 // A simulated camera on the accessory bus: publishes one accessory with a socket, serves its host on a separate thread,
 // and removes both at the end.

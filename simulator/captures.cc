@@ -50,7 +50,7 @@ void Captures::begin(Order order) {
     order.names.push_back(state_.clock.nextFileName("IMG", faults_.nameLetters + ".jpg"));
   for (double& stop : order.stops) stop += state_.exposureBias();
   const double seconds = static_cast<double>(order.host->mediaTime()) / 1000;
-  world_.tellHost(shutterStateEvent(1));
+  world_.tellHost(message(kShutterStateEvent, {1}));
   Bytes exif = exifSegment(state_.clock.photoTime(), positionIn(order.sensors));
   world_.onWorker(
       [this, studio = studio_, size = state_.photoSize(), seconds, order = std::move(order), exif = std::move(exif)] {
@@ -65,8 +65,8 @@ void Captures::finish(const Order& order, const std::vector<Bytes>& files) {
   enter(order, files);
   order.host->reply(order.code, entryBody({order.time, files[0].size(), order.names[0]}));
   if (!faults_.noPhoto) sendPhotos(order, files);
-  world_.tellHost(shutterStateEvent(0));
-  if (state_.cardState() == kCardFull) world_.tellHost(cardStateEvent(kCardFull));
+  world_.tellHost(message(kShutterStateEvent, {0}));
+  if (state_.cardState() == kCardFull) world_.tellHost(message(kCardStateEvent, {kCardFull}));
 }
 
 void Captures::enter(const Order& order, const std::vector<Bytes>& files) {

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "simulator/camera_simulator.h"
+#include "simulator/simulator_options.h"
 
 namespace zel::simulator {
 

@@ -39,39 +39,36 @@ struct Line {
 
 std::uint8_t byte(const Numbers& numbers, std::size_t at) { return static_cast<std::uint8_t>(numbers[at]); }
 
-void battery(SimulatedCamera& camera, const Numbers& n) { camera.setBattery(byte(n, 0), byte(n, 1)); }
-void batteryLow(SimulatedCamera& camera, const Numbers& n) { camera.tellHost(batteryLowEvent(byte(n, 0))); }
-void shutDown(SimulatedCamera& camera, const Numbers& n) {
-  camera.tellHost(shutDownEvent(n.empty() ? Bytes() : Bytes{byte(n, 0)}));
+template <EventCode code>
+void tellByte(SimulatedCamera& camera, const Numbers& n) {
+  camera.tellHost(message(code, n.empty() ? Bytes() : Bytes{byte(n, 0)}));
 }
-void card(SimulatedCamera& camera, const Numbers& n) { camera.setCard(byte(n, 0)); }
-void key(SimulatedCamera& camera, const Numbers& n) { camera.tellHost(keyEvent(byte(n, 0))); }
-void offset(SimulatedCamera& camera, const Numbers&) { camera.changeOffset(); }
-void updateDone(SimulatedCamera& camera, const Numbers& n) { camera.tellHost(updateDoneEvent(byte(n, 0))); }
-void split(SimulatedCamera& camera, const Numbers&) { camera.recorder().split(); }
-void cardFull(SimulatedCamera& camera, const Numbers&) { camera.fillCard(); }
+
+void deletion(SimulatedCamera& camera, const Numbers& n) {
+  Bytes body;
+  for (const std::uint32_t number : n) put(body, number);
+  camera.tellHost(message(kDeleteProgressEvent, body));
+}
+
 void timeOut(SimulatedCamera& camera, const Numbers&) {
   camera.recorder().settle();
   camera.recorder().endForTime();
 }
-void shutter(SimulatedCamera& camera, const Numbers& n) { camera.tellHost(shutterStateEvent(byte(n, 0))); }
-void deletion(SimulatedCamera& camera, const Numbers& n) { camera.tellHost(deleteProgressEvent(n[0], n[1], n[2])); }
-void gyro(SimulatedCamera& camera, const Numbers&) { camera.moveGyro(); }
 
 constexpr Line kLines[] = {
-    {"battery", 2, 2, 255, battery},
-    {"battery-low", 1, 1, 255, batteryLow},
-    {"shutdown", 0, 1, 255, shutDown},
-    {"card", 1, 1, 255, card},
-    {"key", 1, 1, 255, key},
-    {"offset", 0, 0, 0, offset},
-    {"update-done", 1, 1, 255, updateDone},
-    {"split", 0, 0, 0, split},
-    {"card-full", 0, 0, 0, cardFull},
+    {"battery", 2, 2, 255, [](auto& camera, const auto& n) { camera.setBattery(byte(n, 0), byte(n, 1)); }},
+    {"battery-low", 1, 1, 255, tellByte<kBatteryLowEvent>},
+    {"shutdown", 0, 1, 255, tellByte<kShutDownEvent>},
+    {"card", 1, 1, 255, [](auto& camera, const auto& n) { camera.setCard(byte(n, 0)); }},
+    {"key", 1, 1, 255, tellByte<kKeyEvent>},
+    {"offset", 0, 0, 0, [](auto& camera, const auto&) { camera.changeOffset(); }},
+    {"update-done", 1, 1, 255, tellByte<kUpdateDoneEvent>},
+    {"split", 0, 0, 0, [](auto& camera, const auto&) { camera.recorder().split(); }},
+    {"card-full", 0, 0, 0, [](auto& camera, const auto&) { camera.fillCard(); }},
     {"time-out", 0, 0, 0, timeOut},
-    {"shutter", 1, 1, 255, shutter},
+    {"shutter", 1, 1, 255, tellByte<kShutterStateEvent>},
     {"delete", 3, 3, UINT32_MAX, deletion},
-    {"gyro", 0, 0, 0, gyro},
+    {"gyro", 0, 0, 0, [](auto& camera, const auto&) { camera.moveGyro(); }},
 };
 
 bool readNumbers(std::istringstream& words, const Line& line, Numbers& numbers) {

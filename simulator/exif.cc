@@ -19,12 +19,6 @@ struct Entry {
 };
 using Directory = std::vector<Entry>;
 
-Bytes numberOf(std::uint32_t number) {
-  Bytes bytes;
-  put(bytes, number);
-  return bytes;
-}
-
 Entry textEntry(std::uint16_t tag, const std::string& text) {
   return {tag, kText, static_cast<std::uint32_t>(text.size() + 1), textField(text, text.size() + 1)};
 }
@@ -58,9 +52,7 @@ Bytes bytesOf(const Directory& directory, std::uint32_t at) {
   put(bytes, static_cast<std::uint16_t>(directory.size()));
   const auto valuesAt = static_cast<std::uint32_t>(at + 2 + 12 * directory.size() + 4);
   for (const Entry& entry : directory) {
-    put(bytes, entry.tag);
-    put(bytes, entry.type);
-    put(bytes, entry.count);
+    add(bytes, packed(entry.tag, entry.type, entry.count));
     if (entry.value.size() > kInline) {
       put(bytes, static_cast<std::uint32_t>(valuesAt + values.size()));
       add(values, entry.value);
@@ -90,11 +82,11 @@ Directory placeDirectory(const Position& position) {
 // The first directory points to the others, which follow it.
 Bytes tiff(const std::string& localTime, const std::optional<Position>& position) {
   const Directory details = {{0x9000, kUndefined, 4, {'0', '2', '3', '2'}}, textEntry(0x9003, localTime)};
-  Directory first = {textEntry(0x0132, localTime), {0x8769, kLong, 1, numberOf(0)}};
-  if (position) first.push_back({0x8825, kLong, 1, numberOf(0)});
+  Directory first = {textEntry(0x0132, localTime), {0x8769, kLong, 1, Bytes(4)}};
+  if (position) first.push_back({0x8825, kLong, 1, Bytes(4)});
   const std::uint32_t detailsAt = kHeader + entryBytes(first), placeAt = detailsAt + entryBytes(details);
-  first[1].value = numberOf(detailsAt);
-  if (position) first[2].value = numberOf(placeAt);
+  first[1].value = packed(detailsAt);
+  if (position) first[2].value = packed(placeAt);
   Bytes bytes{'I', 'I', 42, 0};
   put(bytes, kHeader);
   add(bytes, bytesOf(first, kHeader));

@@ -30,12 +30,12 @@ std::uint64_t lanes(std::uint32_t word) {
   return (word & 0x00FF00FFu) | static_cast<std::uint64_t>(word & 0x0000FF00u) << 24;
 }
 
-constexpr std::uint64_t kHalf = 0x0000'0080'0080'0080;
+constexpr std::uint64_t kRounding = 0x0000'0080'0080'0080;
 
 std::uint64_t blend(const std::uint32_t* corner, std::size_t stride, std::uint32_t right, std::uint32_t down) {
   const std::uint32_t both = (right * down + 128) >> 8;
   return (lanes(corner[0]) * (256 - right - down + both) + lanes(corner[1]) * (right - both) +
-          lanes(corner[stride]) * (down - both) + lanes(corner[stride + 1]) * both + kHalf) >>
+          lanes(corner[stride]) * (down - both) + lanes(corner[stride + 1]) * both + kRounding) >>
          8;
 }
 

@@ -37,8 +37,7 @@ constexpr Glyph kGlyphs[] = {
 
 bool glyphDot(char character, int column, int row) {
   if (column < 0 || column >= kGlyphWidth || row < 0 || row >= kGlyphHeight) return false;
-  const auto* glyph = std::find_if(std::begin(kGlyphs), std::end(kGlyphs),
-                                   [character](const Glyph& each) { return each.character == character; });
+  const auto* glyph = std::ranges::find(kGlyphs, character, &Glyph::character);
   return glyph != std::end(kGlyphs) && (glyph->rows[row] >> (kGlyphWidth - 1 - column) & 1) != 0;
 }
 

@@ -12,7 +12,6 @@ namespace zel::simulator {
 namespace {
 
 constexpr int kLongestSide = 65500;
-constexpr std::int64_t kMostPixels = 100'000'000;  // limits the memory that a damaged header can cause
 
 struct Destroy {
   void operator()(void* handle) const { tjDestroy(handle); }
@@ -22,14 +21,6 @@ using Handle = std::unique_ptr<void, Destroy>;
 bool fits(const Picture& picture) {
   return picture.width > 0 && picture.width <= kLongestSide && picture.height > 0 && picture.height <= kLongestSide &&
          picture.rgb.size() == byteCount(picture.width, picture.height);
-}
-
-std::optional<Picture> emptyPictureFor(void* decoder, std::span<const std::uint8_t> file) {
-  int width = 0, height = 0, subsampling = 0, colours = 0;
-  if (tjDecompressHeader3(decoder, file.data(), file.size(), &width, &height, &subsampling, &colours) != 0)
-    return std::nullopt;
-  if (width <= 0 || height <= 0 || std::int64_t{width} * height > kMostPixels) return std::nullopt;
-  return blackPicture(width, height);
 }
 
 double linear(double value) { return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4); }
@@ -55,16 +46,6 @@ Bytes encodeJpeg(const Picture& picture, int quality) {
     return {};
   file.resize(size);
   return file;
-}
-
-std::optional<Picture> decodeJpeg(std::span<const std::uint8_t> file) {
-  const Handle decoder(tjInitDecompress());
-  if (!decoder || file.empty()) return std::nullopt;
-  std::optional<Picture> picture = emptyPictureFor(decoder.get(), file);
-  if (picture && tjDecompress2(decoder.get(), file.data(), file.size(), picture->rgb.data(), picture->width, 0,
-                               picture->height, TJPF_RGB, 0) != 0)
-    return std::nullopt;
-  return picture;
 }
 
 Picture exposed(const Picture& picture, double stops) {

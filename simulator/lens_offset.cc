@@ -7,11 +7,9 @@ namespace {
 
 constexpr std::uint8_t kLensCount = 2;
 
-void putThousandths(Bytes& into, double value) { put(into, static_cast<std::uint32_t>(std::llround(value * 1000))); }
-
 void putLens(Bytes& into, const Lens& lens) {
   for (const double value : {lens.radius, lens.centreX, lens.centreY, lens.yaw, lens.pitch, lens.roll})
-    putThousandths(into, value);
+    put(into, static_cast<std::uint32_t>(std::llround(value * 1000)));  // thousandths
   put(into, std::uint64_t{0});
 }
 
@@ -22,8 +20,6 @@ void turn(Direction& first, Direction& second, double degrees) {
   first = {a.x * c + b.x * s, a.y * c + b.y * s, a.z * c + b.z * s};
   second = {b.x * c - a.x * s, b.y * c - a.y * s, b.z * c - a.z * s};
 }
-
-double dot(Direction a, Direction b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
 }  // namespace
 
@@ -47,14 +43,8 @@ LensOffset factoryLensOffset() {
 // | 16 | s32 | lens 0: p0 to p5 in thousandths, two zeros     |
 // | 48 | s32 | lens 1: as lens 0                              |
 Bytes lensOffsetRecord(const LensOffset& offset) {
-  Bytes record;
-  put(record, offset.width);
-  put(record, offset.height);
-  put(record, offset.model);
-  put(record, kLensCount);
-  put(record, std::uint8_t{0});
-  put(record, std::uint16_t{0});
-  put(record, std::uint32_t{0});
+  Bytes record = packed(offset.width, offset.height, offset.model, kLensCount);
+  record.resize(16);
   for (const Lens& lens : offset.lenses) putLens(record, lens);
   return record;
 }
@@ -67,16 +57,6 @@ LensProjection::LensProjection(const Lens& lens, std::uint32_t model)
   turn(axis, right, lens.yaw);
   turn(down, axis, lens.pitch);
   turn(right, down, lens.roll);
-}
-
-Point LensProjection::pointOf(Direction world) const {
-  const double x = dot(world, axes_[0]), y = dot(world, axes_[1]), z = dot(world, axes_[2]);
-  const double aside = std::hypot(x, y);
-  if (aside == 0 && z > 0) return {lens_.centreX, lens_.centreY};
-  const double distance = std::atan2(aside, z) / kRadians / degreesPerPixel_;
-  // Straight behind, the angle is arbitrary.
-  const double c = aside > 0 ? x / aside : 1, s = aside > 0 ? y / aside : 0;
-  return {lens_.centreX + distance * c, lens_.centreY + distance * s};
 }
 
 std::optional<Direction> LensProjection::directionOf(Point point) const {

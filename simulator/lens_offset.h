@@ -48,9 +48,6 @@ class LensProjection {
  public:
   LensProjection(const Lens& lens, std::uint32_t model);
 
-  // Also for directions outside the lens's view; their points lie outside the circle.
-  Point pointOf(Direction world) const;
-
   // Nothing outside the circle, or if the circle has no size.
   std::optional<Direction> directionOf(Point point) const;
 

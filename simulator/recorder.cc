@@ -80,22 +80,18 @@ FileEntry Recorder::finish() {
   return done.file;
 }
 
-Bytes Recorder::endOfCurrent() { return current_ ? entryBody(finish()) : Bytes(); }
-
 void Recorder::endForCard() {
-  world_.tellHost(cardRunoutEvent(endOfCurrent()));
-  world_.tellHost(cardStateEvent(state_.cardState()));
+  world_.tellHost(message(kCardRunoutEvent, endOfCurrent()));
+  world_.tellHost(message(kCardStateEvent, {state_.cardState()}));
 }
-
-void Recorder::endForTime() { world_.tellHost(timeRunoutEvent(endOfCurrent())); }
 
 void Recorder::split() {
   settle();
-  if (!current_) return world_.tellHost(splitEvent({}));
+  if (!current_) return world_.tellHost(message(kSplitEvent, {}));
   const Recording before = *current_;
   const FileEntry file = finish();
   start(before.sensors, before.extra);
-  world_.tellHost(splitEvent(entryBody(file)));
+  world_.tellHost(message(kSplitEvent, entryBody(file)));
 }
 
 }  // namespace zel::simulator

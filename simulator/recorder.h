@@ -39,7 +39,7 @@ class Recorder {
   // next two.
   void split();
   void endForCard();
-  void endForTime();
+  void endForTime() { world_.tellHost(message(kTimeRunoutEvent, endOfCurrent())); }
 
  private:
   using Time = std::chrono::milliseconds;
@@ -54,7 +54,7 @@ class Recorder {
   void grow(Time until);
   void settleLater();
   FileEntry finish();
-  Bytes endOfCurrent();
+  Bytes endOfCurrent() { return current_ ? entryBody(finish()) : Bytes(); }
   std::optional<Time> limit() const;
 
   CameraWorld& world_;

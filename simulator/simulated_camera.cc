@@ -13,8 +13,6 @@ constexpr std::uint16_t kStopRecord = 0x0009, kCancelRecord = 0x000B;
 constexpr std::uint16_t kSystemControl = 0x4007, kCancelControl = 0x4008;
 constexpr std::chrono::minutes kForOnePercent{2};
 
-Bytes flag(bool done) { return {static_cast<std::uint8_t>(done)}; }
-
 }  // namespace
 
 SimulatedCamera::SimulatedCamera(CameraWorld& world, const CameraStart& start, const Storage& storage,
@@ -114,14 +112,14 @@ Bytes SimulatedCamera::answerControl(const HostMessage& request) {
 
 void SimulatedCamera::setBattery(std::uint8_t powerType, std::uint8_t level) {
   state_.battery = {powerType, level};
-  world_.tellHost(batteryEvent(powerType, level));
+  world_.tellHost(message(kBatteryEvent, {powerType, level}));
 }
 
 void SimulatedCamera::setCard(std::uint8_t cardState) {
   recorder_.settle();
   state_.card.setState(cardState);
   if (recorder_.recording() && !state_.card.takes(1)) return recorder_.endForCard();
-  world_.tellHost(cardStateEvent(cardState));
+  world_.tellHost(message(kCardStateEvent, {cardState}));
 }
 
 void SimulatedCamera::fillCard() {
@@ -131,12 +129,14 @@ void SimulatedCamera::fillCard() {
 }
 
 void SimulatedCamera::changeOffset() {
-  world_.tellHost(offsetEvent(state_.modes.preview, state_.lenses.offset({0, state_.modes.preview})));
+  Bytes body{state_.modes.preview};
+  add(body, state_.lenses.offset({0, state_.modes.preview}));
+  world_.tellHost(message(kOffsetEvent, body));
 }
 
 void SimulatedCamera::moveGyro() {
   const Bytes& gyro = state_.sensors.gyro;
-  world_.tellHost(gyroEvent(gyro.empty() ? Bytes(24) : gyro));
+  world_.tellHost(message(kGyroEvent, gyro.empty() ? Bytes(24) : gyro));
 }
 
 }  // namespace zel::simulator

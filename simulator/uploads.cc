@@ -9,7 +9,7 @@ constexpr std::size_t kPathAt = 2 + 2, kPathSize = 64;  // file type, reserved; 
 constexpr std::size_t kFileAt = kPathAt + kPathSize;
 constexpr std::size_t kMostWaiting = 2 * kLargestFile;
 constexpr std::size_t kPerFile = 4096;  // upper bound of a queued file's memory besides its bytes
-constexpr std::uint16_t kDone = 0, kFailed = 1;
+constexpr std::uint16_t kWritten = 0, kFailed = 1;
 constexpr std::uint16_t kUploaded = 2, kOtherKinds[] = {0, 1, 3, 0x0102, 0xFFFF};
 constexpr char kNobodysPath[] = "nobody/sent/this";
 
@@ -18,9 +18,7 @@ constexpr char kNobodysPath[] = "nobody/sent/this";
 // | 4 | u16      | status       |
 // | 6 | u8 x 64  | path as sent |
 Bytes fileReply(std::uint16_t kind, const Bytes& path, std::uint16_t status) {
-  Bytes payload(2);
-  put(payload, kind);
-  put(payload, status);
+  Bytes payload = packed(std::uint16_t{0}, kind, status);
   add(payload, path);
   return frame(kFile, payload);
 }
@@ -42,7 +40,7 @@ void Uploads::take(const std::shared_ptr<HostLink>& host, HostFile file) {
     return [this, host, path, size, held, written] {
       waiting_ -= held;
       if (!written) state_.card.give(size);
-      answer(*host, path, written ? kDone : kFailed);
+      answer(*host, path, written ? kWritten : kFailed);
     };
   });
 }

@@ -26,6 +26,14 @@ void put(Bytes& into, T value) {
     into.push_back(static_cast<std::uint8_t>(value >> shift));
 }
 
+// The numbers one after another.
+template <std::unsigned_integral... T>
+Bytes packed(T... numbers) {
+  Bytes bytes;
+  (put(bytes, numbers), ...);
+  return bytes;
+}
+
 // The little-endian number at an offset. All its bytes must exist.
 template <std::unsigned_integral T>
 T numberAt(std::span<const std::uint8_t> bytes, std::size_t at) {
@@ -54,17 +62,14 @@ inline Bytes textField(const std::string& text, std::size_t size) {
 
 // A whole frame: length with its own six header bytes, data type, payload.
 inline Bytes frame(std::uint16_t type, const Bytes& payload) {
-  Bytes whole;
-  put(whole, static_cast<std::uint32_t>(6 + payload.size()));
-  put(whole, type);
+  Bytes whole = packed(static_cast<std::uint32_t>(6 + payload.size()), type);
   add(whole, payload);
   return whole;
 }
 
 // A message frame: the code, then the body.
 inline Bytes message(std::uint16_t code, const Bytes& body) {
-  Bytes payload;
-  put(payload, code);
+  Bytes payload = packed(code);
   add(payload, body);
   return frame(kMessage, payload);
 }

@@ -1,7 +1,5 @@
 #include "simulator/media/annex_b.h"
 
-#include <algorithm>
-
 namespace zel::simulator {
 namespace {
 

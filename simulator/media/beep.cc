@@ -1,9 +1,5 @@
 #include "simulator/media/beep.h"
 
-extern "C" {
-#include <libavutil/opt.h>
-}
-
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -28,16 +24,14 @@ constexpr double kRamp = 0.002;  // seconds of fading in and out, to avoid click
 double tone(double hertz, double seconds) { return std::sin(2 * std::numbers::pi * hertz * seconds); }
 
 CodecContextPtr openEncoder() {
-  const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
-  CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
+  CodecContextPtr context = platform::silentContext(avcodec_find_encoder(AV_CODEC_ID_AAC));
   if (!context) return nullptr;
-  platform::silence(*context);
   context->sample_rate = kRate;
   context->sample_fmt = AV_SAMPLE_FMT_FLTP;
   context->bit_rate = 128'000;
   context->ch_layout = AV_CHANNEL_LAYOUT_STEREO;
   av_opt_set(context.get(), "aac_coder", "fast", AV_OPT_SEARCH_CHILDREN);  // a tone needs no search
-  return avcodec_open2(context.get(), codec, nullptr) == 0 ? std::move(context) : nullptr;
+  return avcodec_open2(context.get(), nullptr, nullptr) == 0 ? std::move(context) : nullptr;
 }
 
 FramePtr soundFrom(std::int64_t firstSample) {

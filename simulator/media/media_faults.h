@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 namespace zel::simulator {
 
 // Injected faults of the media. Shares are from 0, never, to 1, always.

@@ -14,9 +14,8 @@ constexpr std::size_t kMostPieces = 5;
 // Stream (1), camera time in milliseconds (8).
 MediaFrame timestampFrame(std::uint16_t type, double cameraTime, double due) {
   const bool sound = type == kAudio;
-  MediaFrame frame{kTimestamp, {sound ? kAudioStream : kVideoStream}, due, sound};
-  put(frame.payload, static_cast<std::uint64_t>(std::llround(cameraTime * 1000)));
-  return frame;
+  const auto time = static_cast<std::uint64_t>(std::llround(cameraTime * 1000));
+  return {kTimestamp, packed(sound ? kAudioStream : kVideoStream, time), due, sound};
 }
 
 }  // namespace

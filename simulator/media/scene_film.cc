@@ -1,9 +1,5 @@
 #include "simulator/media/scene_film.h"
 
-extern "C" {
-#include <libavutil/opt.h>
-}
-
 #include <cmath>
 #include <utility>
 
@@ -18,10 +14,8 @@ using platform::PacketPtr;
 namespace {
 
 CodecContextPtr openEncoder(const PreviewFormat& format) {
-  const AVCodec* codec = avcodec_find_encoder_by_name("libx264");
-  CodecContextPtr context(codec != nullptr ? avcodec_alloc_context3(codec) : nullptr);
+  CodecContextPtr context = platform::silentContext(avcodec_find_encoder_by_name("libx264"));
   if (!context) return nullptr;
-  platform::silence(*context);
   context->width = format.width;
   context->height = format.height;
   context->time_base = {1, format.rate};
@@ -44,7 +38,7 @@ CodecContextPtr openEncoder(const PreviewFormat& format) {
   }
   av_opt_set(context.get(), "forced-idr", "1", AV_OPT_SEARCH_CHILDREN);
   av_opt_set(context.get(), "x264-params", "scenecut=0:repeat-headers=1:annexb=1", AV_OPT_SEARCH_CHILDREN);
-  return avcodec_open2(context.get(), codec, nullptr) == 0 ? std::move(context) : nullptr;
+  return avcodec_open2(context.get(), nullptr, nullptr) == 0 ? std::move(context) : nullptr;
 }
 
 FisheyeProjector::Rows movingRows(int sceneHeight) {

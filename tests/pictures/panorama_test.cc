@@ -19,10 +19,10 @@
 #include "pictures/jpeg_file.h"
 #include "pictures/panorama_metadata.h"
 #include "platform/render/stitching_library.h"
-#include "simulator/jpeg.h"
 #include "simulator/photo_studio.h"
 #include "simulator/scene.h"
 #include "tests/pictures/likeness.h"
+#include "tests/simulator/decoded_jpeg.h"
 
 namespace zel::test {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <fstream>
 
-#include "simulator/jpeg.h"
 #include "tests/simulator/connected_test.h"
+#include "tests/simulator/decoded_jpeg.h"
 
 namespace zel::simulator {
 namespace {

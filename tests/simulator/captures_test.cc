@@ -3,8 +3,8 @@
 #include <bit>
 
 #include "simulator/exif.h"
-#include "simulator/jpeg.h"
 #include "tests/simulator/camera_test.h"
+#include "tests/simulator/decoded_jpeg.h"
 
 namespace zel::simulator {
 namespace {

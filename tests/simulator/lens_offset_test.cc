@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/link/bytes.h"
+#include "tests/simulator/lens_points.h"
 
 namespace zel::simulator {
 namespace {
@@ -23,7 +24,7 @@ Lens turned(double yaw, double pitch, double roll) {
 }
 
 void expectPoint(const Lens& lens, Direction world, double x, double y) {
-  const Point point = LensProjection(lens, kEquidistant195).pointOf(world);
+  const Point point = pointOf(lens, kEquidistant195, world);
   EXPECT_NEAR(point.x, x, kNearly);
   EXPECT_NEAR(point.y, y, kNearly);
 }
@@ -80,7 +81,7 @@ TEST(LensProjectionTest, TurnsByYawBeforePitch) {
 TEST(LensProjectionTest, ShowsHalfOfTheFieldOfViewOnTheRim) {
   expectPoint(kStraightLens, directionAt(97.5, 0), 1510, 760);
   expectPoint(kStraightLens, directionAt(-97.5, 0), 10, 760);
-  const Point wide = LensProjection(kStraightLens, 0).pointOf(directionAt(100, 0));
+  const Point wide = pointOf(kStraightLens, 0, directionAt(100, 0));
   EXPECT_NEAR(wide.x, 1510, kNearly);
 }
 
@@ -110,11 +111,11 @@ TEST(LensProjectionTest, FindsTheDirectionOfAPoint) {
 }
 
 TEST(LensProjectionTest, LeadsBackToWhereItCameFrom) {
-  const LensProjection skewed(turned(179.8, -20, 35), kEquidistant195);
+  const Lens skewed = turned(179.8, -20, 35);
   const Point from{500, 1100};
-  const auto direction = skewed.directionOf(from);
+  const auto direction = LensProjection(skewed, kEquidistant195).directionOf(from);
   ASSERT_TRUE(direction.has_value());
-  const Point back = skewed.pointOf(*direction);
+  const Point back = pointOf(skewed, kEquidistant195, *direction);
   EXPECT_NEAR(back.x, from.x, kNearly);
   EXPECT_NEAR(back.y, from.y, kNearly);
 }

@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "outputs/libav.h"
-#include "simulator/lens_offset.h"
 #include "simulator/scene.h"
+#include "tests/simulator/lens_points.h"
 
 namespace zel::test {
 namespace {
@@ -81,8 +81,8 @@ LampPlace lampInPanorama() { return {(180 + simulator::kLampAside) / 360, (90 - 
 
 LampPlace lampInFisheyes() {
   const simulator::LensOffset offset = simulator::factoryLensOffset();
-  const simulator::Point at = simulator::LensProjection(offset.lenses[0], offset.model)
-                                  .pointOf(simulator::directionAt(simulator::kLampAside, simulator::kClockLatitude));
+  const simulator::Point at = simulator::pointOf(
+      offset.lenses[0], offset.model, simulator::directionAt(simulator::kLampAside, simulator::kClockLatitude));
   return {at.x / offset.width, at.y / offset.height};
 }
 

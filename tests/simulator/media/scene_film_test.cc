@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "tests/simulator/lens_points.h"
 #include "tests/simulator/media/decoding.h"
 
 namespace zel::simulator {
@@ -77,7 +78,7 @@ TEST(SceneFilmTest, TellsAllOfItsColours) {
 // Where the front lens shows a direction, in pixels.
 Point placeOf(double longitude, double latitude, const PreviewFormat& format = kSmall) {
   const LensOffset offset = factoryLensOffset();
-  const Point at = LensProjection(offset.lenses[0], offset.model).pointOf(directionAt(longitude, latitude));
+  const Point at = pointOf(offset.lenses[0], offset.model, directionAt(longitude, latitude));
   return {at.x * format.width / offset.width, at.y * format.height / offset.height};
 }
 

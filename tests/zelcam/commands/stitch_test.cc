@@ -20,6 +20,7 @@
 #include "simulator/scene.h"
 #include "tests/pictures/likeness.h"
 #include "tests/platform/render/pictures.h"
+#include "tests/simulator/decoded_jpeg.h"
 #include "tests/zelcam/png_picture.h"
 #include "tests/zelcam/zelcam_test.h"
 
