@@ -1,4 +1,4 @@
-#include "tools/manual/bash_completion.h"
+#include "tools/manual/forms.h"
 
 #include <algorithm>
 #include <utility>
@@ -90,7 +90,7 @@ std::string argumentCases(const CommandText& program) {
 std::string skippedOptions(const CommandText& program) {
   std::vector<std::string> patterns;
   const auto add = [&patterns](const std::string& scope, const CommandText& command) {
-    const std::string alternatives = pattern(scope, valuedOptionNames(command));
+    const std::string alternatives = pattern(scope, optionNames(command, true));
     if (!alternatives.empty()) patterns.push_back(alternatives);
   };
   add("*", program);

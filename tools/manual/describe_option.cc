@@ -5,9 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "tools/manual/bash_completion.h"
-#include "tools/manual/manual_page.h"
-#include "tools/manual/zsh_completion.h"
+#include "tools/manual/forms.h"
 
 namespace zel::manual {
 

@@ -1,4 +1,4 @@
-#include "tools/manual/manual_page.h"
+#include "tools/manual/forms.h"
 
 #include <cctype>
 #include <sstream>

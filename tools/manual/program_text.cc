@@ -66,16 +66,10 @@ ValueKind kindOf(const Entry& entry) {
   return called.starts_with("FILE") || called == "OUT" || called == "PATH" ? ValueKind::file : ValueKind::text;
 }
 
-std::vector<std::string> optionNames(const CommandText& command) {
-  std::vector<std::string> names;
-  for (const Entry& option : command.options) names.insert(names.end(), option.names.begin(), option.names.end());
-  return names;
-}
-
-std::vector<std::string> valuedOptionNames(const CommandText& command) {
+std::vector<std::string> optionNames(const CommandText& command, bool onlyValued) {
   std::vector<std::string> names;
   for (const Entry& option : command.options) {
-    if (!option.value.empty()) names.insert(names.end(), option.names.begin(), option.names.end());
+    if (!onlyValued || !option.value.empty()) names.insert(names.end(), option.names.begin(), option.names.end());
   }
   return names;
 }

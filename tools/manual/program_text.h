@@ -50,9 +50,8 @@ enum class ValueKind { text, file, folder };
 // The kind of completion: FILE, FILE.png, OUT and PATH are files, DIR is a folder.
 ValueKind kindOf(const Entry& entry);
 
-// The names of all options, and of those with a value.
-std::vector<std::string> optionNames(const CommandText& command);
-std::vector<std::string> valuedOptionNames(const CommandText& command);
+// The names of all options, or of those with a value.
+std::vector<std::string> optionNames(const CommandText& command, bool onlyValued = false);
 
 // The parts with a separator between them.
 std::string joined(const std::vector<std::string>& parts, const std::string& between);

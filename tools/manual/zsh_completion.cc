@@ -1,4 +1,4 @@
-#include "tools/manual/zsh_completion.h"
+#include "tools/manual/forms.h"
 
 namespace zel::manual {
 namespace {
