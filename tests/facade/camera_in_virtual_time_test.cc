@@ -49,6 +49,12 @@ class CameraInVirtualTimeTest : public testing::Test {
     }
   }
 
+  // An opening that is under way keeps itself until its time is over.
+  void TearDown() override {
+    camera.reset();
+    host.advance(11);
+  }
+
   platform::SimulatedPlatform host;
   std::shared_ptr<platform::ScriptedAccessory> accessory;
   std::optional<Camera> camera;
