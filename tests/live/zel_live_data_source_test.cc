@@ -192,10 +192,10 @@ TEST_F(ZELLiveDataSourceTest, FailsLikewiseWhereThereIsNoEncoder) {
 class StitchingWithoutMemory : public ZELLiveDataSourceTest {
  protected:
   void SetUp() override {
-    const platform::Ports given = ports();
-    stack = std::make_unique<CameraStack>(platform::Ports{given.clock, given.threads, queues, given.accessories,
-                                                          given.notifications, given.videoDecoders, given.mediaLibrary,
-                                                          given.videoEncoders});
+    const platform::Ports hosts = ports();
+    stack = std::make_unique<CameraStack>(platform::Ports{hosts.clock, hosts.threads, queues, hosts.accessories,
+                                                          hosts.notifications, hosts.videoDecoders, hosts.mediaLibrary,
+                                                          hosts.videoEncoders});
     ZELLiveDataSourceTest::SetUp();
     queues.global.refuse(2);  // the first attaches the source to the player
   }
