@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraManager.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 

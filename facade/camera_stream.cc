@@ -32,6 +32,7 @@ Subscription<StreamProblem> CameraStream::problems(const SubscriptionOptions& op
 }
 
 Result<int> CameraStream::addOutput(const std::string& address) {
+  if (const auto why = run_->end()) return *why;
   const auto parsed = parseOutputAddress(address);
   if (parsed) return run_->outputs().add(*parsed);
   return CameraError{CameraError::Reason::invalid,

@@ -117,6 +117,7 @@ void StreamRun::endFor(const CameraError& why) {
   std::vector<std::shared_ptr<detail::SubscriptionState<MediaPacket>>> waiting;
   {
     const std::lock_guard lock(mutex_);
+    if (!end_) end_ = why;
     waiting.swap(waitForKey_);
   }
   for (const auto& one : waiting) one->end(why);
@@ -174,9 +175,20 @@ StreamHeaders StreamRun::headers() const {
 
 std::shared_ptr<detail::SubscriptionState<MediaPacket>> StreamRun::packets(const SubscriptionOptions& options) {
   auto state = subscription<MediaPacket>(options);
-  const std::lock_guard lock(mutex_);
-  waitForKey_.push_back(state);
+  if (const auto why = addWaiting(state)) state->end(*why);
   return state;
+}
+
+// Why nothing follows for it, where that is so.
+std::optional<CameraError> StreamRun::addWaiting(const std::shared_ptr<detail::SubscriptionState<MediaPacket>>& state) {
+  const std::lock_guard lock(mutex_);
+  if (!end_) waitForKey_.push_back(state);
+  return end_;
+}
+
+std::optional<CameraError> StreamRun::end() const {
+  const std::lock_guard lock(mutex_);
+  return end_;
 }
 
 std::shared_ptr<detail::SubscriptionState<StreamProblem>> StreamRun::problems(const SubscriptionOptions& options) {

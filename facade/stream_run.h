@@ -45,6 +45,9 @@ class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_
   void onHeaders(const StreamHeaders& headers) override;
   void onPacket(const MediaPacket& packet) override;
 
+  // Why it has ended; nothing while it runs.
+  std::optional<CameraError> end() const;
+
   // What CameraStream offers.
   StreamHeaders headers() const;
   std::shared_ptr<detail::SubscriptionState<MediaPacket>> packets(const SubscriptionOptions& options);
@@ -59,6 +62,7 @@ class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_
   CameraError whyNothingCame() const;
   std::shared_ptr<detail::PendingState<CameraStream>> takeStarting();
   void postToMain(std::function<void()> call);
+  std::optional<CameraError> addWaiting(const std::shared_ptr<detail::SubscriptionState<MediaPacket>>& state);
   template <class T>
   std::shared_ptr<detail::SubscriptionState<T>> subscription(const SubscriptionOptions& options);
 
@@ -74,6 +78,7 @@ class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_
   std::vector<std::shared_ptr<detail::SubscriptionState<MediaPacket>>> waitForKey_;
   std::shared_ptr<detail::PendingState<CameraStream>> starting_;
   std::shared_ptr<void> startWatch_;
+  std::optional<CameraError> end_;
 };
 
 }  // namespace zel

@@ -70,7 +70,7 @@ class ZEL_EXPORT CameraStream {
 
   // Adds an output, one of kOutputKinds; it begins with the next key picture. Gives its number.
   //
-  // Errors: `invalid` for any other text.
+  // Errors: `invalid` for any other text, `closed` once the stream has ended.
   Result<int> addOutput(const std::string& address);
   // Ends it; waits as the destructor does.
   //

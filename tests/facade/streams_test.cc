@@ -232,6 +232,18 @@ TEST_F(StreamsTest, TheEndOfTheCameraEndsItsStream) {
   EXPECT_EQ(stream->outputs()[0].state, OutputState::finished);
 }
 
+TEST_F(StreamsTest, AStreamThatWasStoppedTakesNoOutputAndGivesNoPackets) {
+  attach();
+  Camera camera = opened();
+  auto stream = camera.stream().get();
+  ASSERT_TRUE(stream);
+  stream->stop();
+  const auto refused = stream->addOutput(file("late.mp4"));
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error(), (CameraError{Reason::closed, "the stream was stopped", "", 0}));
+  EXPECT_EQ(stream->packets().next().get().error().reason, Reason::closed);
+}
+
 TEST_F(StreamsTest, AStreamMayBeStoppedInACallback) {
   attach();
   Camera camera = opened();
