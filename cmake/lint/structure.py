@@ -15,7 +15,7 @@ PUBLIC = "include/ZELTarkaSDK"
 PORTS = "include/ZELTarkaSDK/platform"
 LONGEST_FUNCTION = 60
 LONGEST_EXAMPLE = 59
-STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, and nothing with a slash or a suffix
+STANDARD = re.compile(r"^([a-z_0-9]+|std(def|int)\.h)$")  # <vector>, and in headers that C reads too <stdint.h>
 LABEL_IN_MID_LINE = re.compile(r"(^|\s)//.*\S.*\b(Units|Owner|Thread|Errors):( |$)")
 CLASS_OPERATION = re.compile(r"\b(default[A-Z]\w*|share[A-Z]\w*)\(")
 

@@ -110,6 +110,112 @@ def cpp_source(table):
     return "\n".join([*out, "}  // namespace zel", ""])
 
 
+# -- C
+
+C = {"switch": "int"} | {f"u{bits}": f"uint{bits}_t" for bits in (8, 16, 32, 64)} | {f"s{bits}": f"int{bits}_t" for bits in (8, 16, 32, 64)}
+C_RECORDS = {"ZELGpsData": "zel_gps_data", "ZELGyroData": "zel_gyro_data", "ZELOrientationData": "zel_orientation_data",
+             "ZELIPAEMMWeight": "zel_metering_weights", "ZELIPMEParam": "zel_manual_exposure", "timelapse_info": "zel_timelapse_info",
+             "ZELOriginOffset": "zel_origin_offset_data", "calib_wb_gain": "zel_white_balance_gain_data",
+             "calib_vignette_luma": "zel_vignette_luma_data", "calib_vignette_gain": "zel_vignette_gain_data",
+             "ZELVideoMnd": "zel_video_info"}
+C_OPEN, C_CLOSE = ["#ifdef __cplusplus", 'extern "C" {', "#endif", ""], ["#ifdef __cplusplus", "}", "#endif", ""]
+C_FREED = "Free what it gives with zel_free()."
+
+
+def snake(name):
+    """As cmake/lint/structure.py has it."""
+    name = re.sub(r"([A-Z]+)([A-Z][a-z])", r"\1_\2", name)
+    return re.sub(r"([a-z0-9])([A-Z])", r"\1_\2", name).lower()
+
+
+def c_struct(kind):
+    """What C calls a structure or a record."""
+    return C_RECORDS.get(kind, f"zel_{snake(kind)}_result")
+
+
+def c_argument(argument):
+    """Its parameters, and how the C++ call is given them."""
+    kind, name = argument["type"], snake(argument["name"])
+    if kind in C:
+        return [f"{C[kind]} {name}"], name
+    if kind == "text":
+        return [f"const char* {name}"], f'textIn({name}, "{name}")'
+    if kind in ("bytes", "bytes?"):
+        taken = "bytesIn" if kind == "bytes" else "someBytesIn"
+        return [f"const uint8_t* {name}", f"size_t {name}_length"], f'{taken}({name}, {name}_length, "{name}")'
+    return [f"const {c_struct(kind)}* {name}"], f'recordIn({name}, "{name}")'
+
+
+def c_given(request):
+    """The parameters for the result, and what takes it."""
+    if "gives" not in request:
+        return [], "Nothing()"
+    kind = request["gives"]
+    if kind in C:
+        return [f"{C[kind]}* out"], "NumberOut(out)"
+    if kind == "text?":
+        return ["char** out"], "TextOut(out)"
+    if kind == "bytes?":
+        return ["uint8_t** out", "size_t* length"], "BytesOut(out, length)"
+    return [f"{c_struct(kind)}* out"], "RecordOut(out, kNative)"
+
+
+def c_declaration(request):
+    arguments = [parameter for one in request.get("arguments", []) for parameter in c_argument(one)[0]]
+    return f"zel_status zel_{snake(request['name'])}(" + ", ".join(
+        ["zel_camera* camera", *arguments, "int time_limit", *c_given(request)[0], "zel_error* error"]) + ")"
+
+
+def c_owned(request, table):
+    kind = request.get("gives", "")
+    members = table["structure"].get(kind, {}).get("members", [])
+    return kind in ("text?", "bytes?") or any(one["type"] == "text?" for one in members)
+
+
+def c_header(table):
+    out = ["#pragma once", "", "#include <stddef.h>", "#include <stdint.h>", "", "#include <ZELTarkaSDK/platform/export.h>",
+           "#include <ZELTarkaSDK/zel_records.h>", "#include <ZELTarkaSDK/zel_status.h>", "",
+           *wrapped(f"Every request that a camera answers, as a call each; {NOTE}. Programs include zel.h.", "//"), "//",
+           "// Requests of one kind wait for each other; those of different kinds do not. Numbers whose meaning only the camera",
+           "// knows are passed through. A text or bytes that are absent are NULL.", "//",
+           "// Units: milliseconds of the time limit; 0 is the camera's own.", "//", "// Thread: any thread; see zel.h.", "//",
+           "// Errors: ZEL_LOST without a link, ZEL_REFUSED by the camera, ZEL_TIME_LIMIT, and ZEL_CLOSED once the camera is",
+           "//         closed.", "", *C_OPEN]
+    for name, structure in table["structure"].items():
+        out += [f"// {structure['does']}", f"typedef struct {c_struct(name)} {{", "  size_t size;"]
+        for one in structure["members"]:
+            comment = f"  // {one['does']}" if "does" in one else ""
+            is_text = one["type"] == "text?"
+            comment = "  // NULL where it is not ASCII; free it with zel_free()" if is_text else comment
+            out.append(f"  {'char*' if is_text else C[one['type']]} {snake(one['name'])};{comment}")
+        out += [f"}} {c_struct(name)};", ""]
+    for request in table["request"]:
+        text = [request["does"], *(f"{snake(one['name'])}: {one['does']}." for one in request.get("arguments", []) if "does" in one)]
+        text += [C_FREED] if c_owned(request, table) else []
+        out += wrapped(" ".join(text), "//")
+        out += [f"ZEL_EXPORT {c_declaration(request)};", ""]
+    return "\n".join([*out, *C_CLOSE])
+
+
+def c_source(table):
+    out = [f"// {NOTE[0].upper()}{NOTE[1:]}.", "", "#include <ZELTarkaSDK/CameraRequests.h>", "#include <ZELTarkaSDK/zel.h>", "",
+           '#include "bindings/c/ask.h"', "", "namespace zel::c {", ""]
+    for name, structure in table["structure"].items():
+        members = []
+        for one in structure["members"]:
+            value = f"from.{one['name']}"
+            members.append(f".{snake(one['name'])} = " + (f"textOut({value})" if one["type"] == "text?" else value))
+        out += [f"{c_struct(name)} native(const {name}& from) {{", f"  return {{.size = 0, {', '.join(members)}}};", "}", ""]
+    out += ["// All of these, and those of the records.", "constexpr auto kNative = [](const auto& from) { return native(from); };", "",
+            "}  // namespace zel::c", "", "using namespace zel::c;", ""]
+    for request in table["request"]:
+        given = "".join(f"{c_argument(one)[1]}, " for one in request.get("arguments", []))
+        out += [f"{c_declaration(request)} {{",
+                f"  return ask(camera, time_limit, error, {c_given(request)[1]}, [&](zel::Camera& asked, const zel::RequestOptions& options) {{",
+                f"    return asked.{request['name']}({given}options);", "  });", "}", ""]
+    return "\n".join(out[:-1] + [""])
+
+
 def formatted(name, text):
     """As clang-format would have it, so that the lint finds nothing in it."""
     done = subprocess.run(["clang-format", f"--assume-filename={ROOT / name}"], input=text, capture_output=True, text=True,
@@ -118,7 +224,8 @@ def formatted(name, text):
 
 
 FILES = {"include/ZELTarkaSDK/CameraValues.h": cpp_structures, "include/ZELTarkaSDK/CameraRequests.h": cpp_header,
-         "facade/camera_requests.cc": cpp_source}
+         "facade/camera_requests.cc": cpp_source, "include/ZELTarkaSDK/zel_requests.h": c_header,
+         "bindings/c/zel_requests.cc": c_source}
 
 
 def check_rows(table):
