@@ -12,7 +12,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_COMPONENTS_ALL runtime outputs pictures camera development tools)
+set(CPACK_COMPONENTS_ALL runtime outputs pictures camera c development tools)
 set(CPACK_PRE_BUILD_SCRIPTS
   ${CMAKE_CURRENT_SOURCE_DIR}/debian/compress.cmake ${CMAKE_CURRENT_SOURCE_DIR}/debian/strip_archives.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/without_scripts.cmake)
@@ -51,6 +51,9 @@ zel_package(pictures libzeltarkasdkpictures${ZEL_SOVERSION} libs "panoramas of 3
 zel_package(camera libzeltarkasdkcamera${ZEL_SOVERSION} libs "360-degree camera as one object"
   "${what}This package holds the shared library that drives a camera through one
 object.")
+zel_package(c libzeltarkasdkc${ZEL_SOVERSION} libs "360-degree camera for programs in C"
+  "${what}This package holds the shared library for programs in C, and for languages
+that call C.")
 zel_package(development libzeltarkasdk-dev libdevel "device framework for 360-degree cameras (development files)"
   "${what}This package holds the headers, the static libraries, and the files by
 which CMake and pkg-config find them and the shared ones.")
@@ -58,18 +61,19 @@ zel_package(tools zeltarkasdk-tools utils "command-line host and simulator for 3
   "${what}This package holds zelcam, the command-line host, and zelcam-sim, a
 simulated camera.")
 # Programs find the shared library after ldconfig has run.
-foreach(component RUNTIME OUTPUTS PICTURES CAMERA)
+foreach(component RUNTIME OUTPUTS PICTURES CAMERA C)
   set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
 endforeach()
 # The packages' own libraries are of one version; no other package tells of them.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
 set(all)
-foreach(part "" outputs pictures camera)
+foreach(part "" outputs pictures camera c)
   list(APPEND all "libzeltarkasdk${part}${ZEL_SOVERSION} (= ${PROJECT_VERSION})")
 endforeach()
 list(GET all 0 CPACK_DEBIAN_OUTPUTS_PACKAGE_DEPENDS)
 list(GET all 0 CPACK_DEBIAN_PICTURES_PACKAGE_DEPENDS)
 list(GET all 1 CPACK_DEBIAN_CAMERA_PACKAGE_DEPENDS)
+list(GET all 3 CPACK_DEBIAN_C_PACKAGE_DEPENDS)
 list(JOIN all ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS)
 # Needed to link the static libraries alone.
 set(packages ${ZEL_LINKED_WITH} ${ZEL_OUTPUTS_LINKED_WITH} ${ZEL_PICTURES_LINKED_WITH})

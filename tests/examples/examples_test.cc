@@ -24,6 +24,7 @@
 namespace zel::test {
 namespace {
 
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using Bytes = std::vector<std::uint8_t>;
@@ -100,6 +101,25 @@ TEST_F(ExamplesTest, Film) {
   ASSERT_EQ(host->wait(), 0) << host->errors();
   EXPECT_THAT(host->output(), MatchesRegex("a.mp4: [0-9]+ pictures\nb.ts: [0-9]+ pictures\n"));
   EXPECT_GT(contents("a.mp4").size(), 10'000u);
+}
+
+TEST_F(ExamplesTest, BatteryInC) {
+  EXPECT_EQ(example("c/battery")->wait(), 3) << "no camera is there";
+  const auto attached = camera();
+  const auto host = example("c/battery");
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_EQ(host->output(), "battery: 100 %\n");
+}
+
+TEST_F(ExamplesTest, WatchInC) {
+  const auto attached = camera();
+  const auto host = example("c/watch", {"2"});
+  ASSERT_TRUE(host->waitForOutput("press the camera's key")) << host->errors();
+  attached->tell("key 1");
+  attached->tell("key 1");
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_THAT(host->output(), ContainsRegex("jpg: [0-9]+ bytes\n(.*\n)*.+jpg: [0-9]+ bytes\n"));
+  EXPECT_THAT(host->output(), HasSubstr("event 7: 1\n"));
 }
 
 TEST_F(ExamplesTest, TakeAPhoto) {

@@ -7,7 +7,7 @@ way=$1 build=$2 source=$3 version=$4
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-for component in runtime outputs pictures development; do
+for component in runtime outputs pictures camera c development; do
   cmake --install "$build" --prefix "$folder/first" --component "$component" >/dev/null
 done
 mv "$folder/first" "$folder/moved"
@@ -29,10 +29,20 @@ asks_for_the_library_alone() {
   [ "$asked" = "$expected" ] || { printf 'asked:    %s\nexpected: %s\n' "$asked" "$expected"; exit 1; }
 }
 
+# A program in C, by a compiler that knows nothing of C++.
+builds_in_c() {
+  "${CC:-cc}" -std=c99 -Wall -Wextra -pedantic -Werror "$source/examples/c/battery.c" -o battery \
+    $(pkg-config --cflags --libs zeltarkasdk-c)
+  mkdir "$folder/none"
+  local status=0
+  LD_LIBRARY_PATH=$libraries ZEL_ACCESSORIES=$folder/none timeout 60 ./battery 2>said || status=$?
+  [ "$status" = 3 ] && grep -q 'no camera was attached in time' said || { cat said; exit 1; }
+}
+
 # As a prefix that holds no shared library: the flags of pkg-config serve as they are.
 by_archive() {
   find "$libraries" -name 'libZELTarkaSDK*.so*' -delete
-  "${CXX:-c++}" main.cc -o consumer $(pkg-config --static --cflags --libs zeltarkasdk-outputs zeltarkasdk-pictures)
+  "${CXX:-c++}" main.cc -o consumer $(pkg-config --static --cflags --libs zeltarkasdk-camera zeltarkasdk-pictures)
 }
 
 cd "$folder/consumer"
@@ -40,12 +50,12 @@ linked=static
 case $way in
   cmake) by_cmake OFF; linked=shared ;;
   cmake-static) by_cmake ON ;;
-  pkg-config) asks_for_the_library_alone; make -s; linked=shared ;;
+  pkg-config) asks_for_the_library_alone; builds_in_c; make -s; linked=shared ;;
   pkg-config-static) make -s ZEL_STATIC=1 ;;
   pkg-config-archive) by_archive ;;
 esac
 needed=$(readelf -d consumer | grep -c 'NEEDED.*libZELTarkaSDK[A-Za-z]*.so.0' || true)
-[ "$needed" = "$([ "$linked" = static ] && echo 0 || echo 3)" ] || { echo "linked wrongly"; exit 1; }
+[ "$needed" = "$([ "$linked" = static ] && echo 0 || echo 4)" ] || { echo "linked wrongly"; exit 1; }
 
 # What writes streams and pictures is no burden of a host that does neither.
 if [ "$linked" = shared ] && readelf -d "$libraries/libZELTarkaSDK.so" | grep -E 'NEEDED.*(avformat|turbojpeg|png|exempi)'; then
