@@ -85,6 +85,13 @@ TEST_F(ExamplesTest, BatteryOfACameraThatAnotherHas) {
   EXPECT_THAT(host->errors(), MatchesRegex("camera A1 is in use by process [0-9]+ .*film.\n"));
 }
 
+TEST_F(ExamplesTest, CameraInAPollLoop) {
+  const auto attached = camera();
+  const auto host = example("camera_in_a_poll_loop");
+  ASSERT_EQ(host->wait(), 0) << host->errors();
+  EXPECT_EQ(host->output(), "battery: 100 %\nbattery: 100 %\nbattery: 100 %\n");
+}
+
 TEST_F(ExamplesTest, WatchAndPhotograph) {
   const auto attached = camera();
   const auto host = example("watch_and_photograph", {"2"});
