@@ -39,7 +39,7 @@ class ZEL_EXPORT Callbacks {
  public:
   virtual ~Callbacks() = default;
   // Runs it there, later.
-  virtual void post(std::function<void()> call) const { call(); }
+  virtual void post(std::function<void()> call) const { std::exchange(call, nullptr)(); }
   // Runs it there: at once where this is the place.
   virtual void dispatch(std::function<void()> call) const { post(std::move(call)); }
 };

@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <csignal>
+#include <initializer_list>
 
 namespace zel::platform {
 
