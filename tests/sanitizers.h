@@ -33,4 +33,11 @@ inline constexpr bool kThreadSanitized = true;
 inline constexpr bool kThreadSanitized = false;
 #endif
 
+// Built for another processor, whose instructions are imitated while the tests run.
+#ifdef ZEL_IMITATED
+inline constexpr bool kImitated = true;
+#else
+inline constexpr bool kImitated = false;
+#endif
+
 }  // namespace zel::test

@@ -15,9 +15,9 @@
 namespace zel::test {
 namespace {
 
-constexpr int kShort = 16, kLong = 150;          // pictures that the camera shows
-constexpr int kGroup = 4;                        // pictures from one key picture to the next
-constexpr int kSeeded = kSanitized ? 100 : 500;  // allocations of a long run, drawn by the seed
+constexpr int kShort = 16, kLong = 150;                       // pictures that the camera shows
+constexpr int kGroup = 4;                                     // pictures from one key picture to the next
+constexpr int kSeeded = kSanitized || kImitated ? 100 : 500;  // allocations of a long run, drawn by the seed
 
 // Counts what reaches it, without memory.
 class Delegate final : public ZELLiveDataSourceProtocol {
