@@ -140,6 +140,8 @@ void RequestEngine::failAll(int code) {
     alive([code](CameraDataParser& parser) { failCapture(parser, code); });
   };
   *rebackBlocks = msgBlockDic_.with([&](Handlers& all) { return all.takeAll(failure); });
+  // Nothing is posted for nobody: the last owner of an engine may be a task that outlives the main queue.
+  if (rebackBlocks->empty() && !parser_.photoParser()) return;
   if (hasMemoryFor([&] { mainQueue_.post(std::move(step)); })) return;
   for (const auto& rebackBlock : *rebackBlocks) post(rebackBlock, failure);
   orCount([&] { failCapture(parser_, code); });

@@ -17,13 +17,17 @@ class FullQueue final : public platform::ForwardingQueue {
   // The task of that number among those posted from now on, counted from 1, finds none.
   void refuse(int number) { left_ = number; }
 
+  // Tasks that were posted to it.
+  int posted() const { return posted_; }
+
   void post(platform::Task task) override {
+    ++posted_;
     if (left_ > 0 && --left_ == 0) throw std::bad_alloc();
     ForwardingQueue::post(std::move(task));
   }
 
  private:
-  int left_ = 0;
+  int left_ = 0, posted_ = 0;
 };
 
 class FullQueues final : public platform::Queues {

@@ -208,6 +208,21 @@ TEST_F(RequestEngineTest, FailsTheCaptureAndEachHandlerWhereThereIsNoMemoryForOn
   EXPECT_THAT(log, ElementsAre("photoError 100", "marker 100"));
 }
 
+// The stack's last owner may be a task that outlives the main queue.
+TEST_F(RequestEngineTest, PostsNothingAtItsEndWhereNobodyWaits) {
+  FullQueues queues(host.ports().queues);
+  auto waiting = std::make_unique<CameraStack>(platform::Ports{host.ports().clock, host.ports().threads, queues,
+                                                               host.ports().accessories, host.ports().notifications});
+  waiting->ucd().msgReqSendSyncData(ZELData(bytes({1})), into("marker"));
+  waiting->ucd().responseAllReblackBlockWithErrorCode(100);
+  EXPECT_EQ(queues.main.posted(), 1);
+  waiting->ucd().responseAllReblackBlockWithErrorCode(100);
+  waiting.reset();
+  EXPECT_EQ(queues.main.posted(), 1);
+  host.runUntilIdle();
+  EXPECT_THAT(log, ElementsAre("marker 100"));
+}
+
 // The reply comes while the frame is on its way and the handler is not stored yet: here, out of the packer.
 TEST_F(RequestEngineTest, LosesNoReplyThatOvertakesItsHandler) {
   const auto replyDuringPacking = [this](std::int32_t, const ZELMessageFields&, void*) {
