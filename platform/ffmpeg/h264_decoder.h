@@ -17,7 +17,7 @@ struct LibavDecoderOptions {
   // picture beyond that is not decoded. Ten of 7680x3840.
   //
   // Units: bytes.
-  std::int64_t mostHeld = std::int64_t{448} << 20;
+  std::int64_t mostHeld = std::int64_t{400} << 20;
 };
 
 // H.264 through libavcodec: 8-bit 4:2:0 of every profile, up to kMostPixels a picture.
