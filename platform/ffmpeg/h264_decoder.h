@@ -14,10 +14,10 @@ struct LibavDecoderOptions {
   int threads = 1;
 
   // What the pictures of one decoder may take together, those that it refers to and those that somebody still holds. A
-  // picture beyond that is not decoded. Ten of 7680x3840.
+  // picture beyond that is not decoded. Five of 7680x3840.
   //
   // Units: bytes.
-  std::int64_t mostHeld = std::int64_t{400} << 20;
+  std::int64_t mostHeld = std::int64_t{232} << 20;
 };
 
 // H.264 through libavcodec: 8-bit 4:2:0 of every profile, up to kMostPixels a picture.
