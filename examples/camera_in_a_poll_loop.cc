@@ -1,5 +1,4 @@
-// A host with a loop of its own around poll(): the camera's callbacks run in it, beside everything else that it waits
-// for. Ends when the battery has been asked for three times, a second apart.
+// A host with a poll() loop of its own, in which the camera's callbacks run. Asks three times for the battery.
 
 #include <ZELTarkaSDK/Camera.h>
 
@@ -13,14 +12,12 @@
 #include <deque>
 #include <functional>
 #include <mutex>
-#include <optional>
 #include <utility>
 
 // Functions that wait for the loop, and a descriptor that is readable meanwhile.
 class Calls {
  public:
   int descriptor() const { return event_; }
-
   void post(std::function<void()> call) {
     const std::lock_guard lock(mutex_);
     calls_.push_back(std::move(call));
@@ -29,16 +26,13 @@ class Calls {
   void run() {
     eventfd_t count = 0;
     eventfd_read(event_, &count);
-    while (auto call = next()) (*call)();
+    for (const auto& call : taken()) call();
   }
 
  private:
-  std::optional<std::function<void()>> next() {
+  std::deque<std::function<void()>> taken() {
     const std::lock_guard lock(mutex_);
-    if (calls_.empty()) return std::nullopt;
-    auto first = std::move(calls_.front());
-    calls_.pop_front();
-    return first;
+    return std::exchange(calls_, {});
   }
   const int event_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   std::mutex mutex_;
@@ -46,16 +40,14 @@ class Calls {
 };
 
 int main() {
-  Calls calls;
+  Calls calls;  // outlives the camera
   auto camera = zel::Camera::open({.executor = [&](auto call) { calls.post(std::move(call)); }}).get();
   if (!camera) return std::fprintf(stderr, "%s\n", camera.error().message.c_str()), 3;
-
   int asked = 0, answered = 0;
   auto next = std::chrono::steady_clock::now();
   while (answered < 3) {
-    pollfd waits[] = {{calls.descriptor(), POLLIN, 0}};
-    poll(waits, 1, 50);
-    if (waits[0].revents != 0) calls.run();
+    pollfd wait{calls.descriptor(), POLLIN, 0};
+    if (poll(&wait, 1, 50) > 0) calls.run();
     if (asked >= 3 || std::chrono::steady_clock::now() < next) continue;
     ++asked;
     next += std::chrono::seconds(1);
