@@ -17,7 +17,9 @@ struct PacketObject {
   MediaPacket packet;
 };
 
-zel_packet* handleFor(const MediaPacket& packet) { return newHandle(std::make_shared<PacketObject>(PacketObject{packet})); }
+zel_packet* handleFor(const MediaPacket& packet) {
+  return newHandle(std::make_shared<PacketObject>(PacketObject{packet}));
+}
 
 std::function<void(const MediaPacket&)> deliverTo(zel_packet_callback callback, void* user) {
   if (callback == nullptr) return {};

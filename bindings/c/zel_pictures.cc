@@ -33,7 +33,9 @@ struct PictureObject {
   Picture picture;
 };
 
-zel_picture* handleFor(const Picture& picture) { return newHandle(std::make_shared<PictureObject>(PictureObject{picture})); }
+zel_picture* handleFor(const Picture& picture) {
+  return newHandle(std::make_shared<PictureObject>(PictureObject{picture}));
+}
 
 std::function<void(const Picture&)> deliverTo(zel_picture_callback callback, void* user) {
   if (callback == nullptr) return {};
