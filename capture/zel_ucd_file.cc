@@ -36,7 +36,7 @@ constexpr std::uint16_t kFailed = 1;
 
 // Removes the first three characters, wherever the drive is; hosts rely on the resulting name.
 std::string normalisedPath(const std::string& path) {
-  for (const std::string_view drive : {"C:\\", "c:\\", "C:/", "c:/"}) {
+  for (const std::string_view drive : kDrives) {
     if (path.find(drive) != std::string::npos) return std::string(zel::withoutCharacters(path, 3));
   }
   return path;

@@ -28,9 +28,11 @@ Camera::~Camera() {
   if (core_) core_->close();
 }
 
-std::shared_ptr<const ZELAccessoryInfo> Camera::info() const { return core_->stack().accessory().accessoryInfo(); }
-LinkStatus Camera::linkStatus() const { return core_->stack().accessory().linkStatus(); }
-LinkStatistics Camera::statistics() const { return core_->stack().statistics(); }
+std::shared_ptr<const ZELAccessoryInfo> Camera::info() const {
+  return core_ ? core_->stack().accessory().accessoryInfo() : nullptr;
+}
+LinkStatus Camera::linkStatus() const { return core_ ? core_->stack().accessory().linkStatus() : LinkStatus::closed; }
+LinkStatistics Camera::statistics() const { return core_ ? core_->stack().statistics() : LinkStatistics{}; }
 CameraStack& Camera::stack() { return core_->stack(); }
 
 Pending<Photo> Camera::photo(const CaptureOptions& options, const RequestOptions& request) {
@@ -49,7 +51,7 @@ Pending<void> Camera::upload(std::int64_t type, const std::string& path, const Z
 }
 
 Subscription<Picture> Camera::pictures(const PictureOptions& options) {
-  return Subscription<Picture>(core_->preview()->look(options));
+  return core_ ? Subscription<Picture>(core_->preview()->look(options)) : nothingFrom<Picture>();
 }
 
 Pending<CameraStream> Camera::stream(const StreamOptions& options, const RequestOptions& request) {
@@ -57,11 +59,11 @@ Pending<CameraStream> Camera::stream(const StreamOptions& options, const Request
 }
 
 Subscription<Event> Camera::events(const SubscriptionOptions& options) {
-  return Subscription<Event>(core_->subscribe(core_->events, options));
+  return core_ ? Subscription<Event>(core_->subscribe(core_->events, options)) : nothingFrom<Event>();
 }
 
 Subscription<LinkStatus> Camera::linkChanges(const SubscriptionOptions& options) {
-  return Subscription<LinkStatus>(core_->subscribe(core_->linkChanges, options));
+  return core_ ? Subscription<LinkStatus>(core_->subscribe(core_->linkChanges, options)) : nothingFrom<LinkStatus>();
 }
 
 }  // namespace zel

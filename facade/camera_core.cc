@@ -86,11 +86,7 @@ Pending<Camera> CameraCore::open(CameraOptions options, const RequestOptions& re
         if (const auto self = weak.lock()) self->noteInUse(camera);
       },
       error);
-  if (!core->host_) {
-    const auto failed = std::make_shared<detail::PendingState<Camera>>(std::make_shared<detail::Callbacks>());
-    failed->set(CameraError{Reason::platform, error});
-    return Pending<Camera>(failed);
-  }
+  if (!core->host_) return failed<Camera>({Reason::platform, error});
   const platform::Ports& ports = core->host_->ports();
   core->callbacks_ = std::make_shared<CallbackQueue>(ports.queues.mainQueue(), core->options_.executor);
   core->deadlines_ = std::make_shared<Deadlines>(ports);
@@ -108,14 +104,13 @@ void CameraCore::start(std::shared_ptr<detail::PendingState<Camera>> opening, co
   opening->setCancel([weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->failOpening({Reason::cancelled, "the opening was cancelled"});
   });
-  RequestOptions limit = request;
-  if (limit.timeLimit.count() <= 0) limit.timeLimit = options_.openTimeLimit;
   const auto self = shared_from_this();
   {
     const std::lock_guard lock(mutex_);
     opening_ = std::move(opening);
     // It holds the core as long as nobody else does: the opening ends in any case.
-    openingWatch_ = watch(limit, [self](const CameraError& why) { self->failOpening(self->whyNotOpen(why)); });
+    openingWatch_ = watch(orLimit(request, options_.openTimeLimit),
+                          [self](const CameraError& why) { self->failOpening(self->whyNotOpen(why)); });
   }
   host_->ports().queues.mainQueue().post([self] {
     if (self->options_.ports == nullptr) self->callbacks_->noteMainThread();
@@ -248,18 +243,12 @@ void CameraCore::close() {
 
 // -- Requests
 
-RequestOptions CameraCore::withLimit(const RequestOptions& options) const {
-  RequestOptions with = options;
-  if (with.timeLimit.count() <= 0) with.timeLimit = options_.timeLimit;
-  return with;
-}
-
-void CameraCore::giveUp(RequestLines::Id id, std::string_view name, const CameraError& why) {
+void CameraCore::giveUp(const RequestKind& kind, RequestLines::Id id, const CameraError& why) {
   CameraError told = why;
   const bool isLate = why.reason == Reason::timeLimit;
-  told.message = fmt::format("{}: {}", name, isLate ? "the camera did not answer in time" : "cancelled");
-  if (!lines_->giveUp(id, told)) return;
-  deadlines_->add(deadlines_->now() + kLateAnswer, [lines = lines_, id] { lines->letGo(id); });
+  told.message = fmt::format("{}: {}", kind.name, isLate ? "the camera did not answer in time" : "cancelled");
+  if (!lines_->giveUp(kind.row, id, told)) return;
+  deadlines_->add(deadlines_->now() + kLateAnswer, [lines = lines_, row = kind.row, id] { lines->answered(row, id); });
 }
 
 namespace {
@@ -269,10 +258,10 @@ struct Watch {
   using Stop = std::stop_callback<std::function<void()>>;
 
   ~Watch() {
-    if (deadline != 0) deadlines->remove(deadline);
+    if (deadline) deadlines->remove(*deadline);
   }
   std::shared_ptr<Deadlines> deadlines;
-  Deadlines::Id deadline = 0;
+  std::optional<Deadlines::Id> deadline;
   std::optional<Stop> stop;
 };
 

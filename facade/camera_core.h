@@ -60,10 +60,12 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
 
   std::shared_ptr<void> watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) override;
 
-  // Adds a request to its line. send: called with what takes the answer, once.
+  // Adds a request to its line. send: called with what takes the answer, once. failing: called before its caller is
+  // told that there is none.
   template <class T>
   Pending<T> request(const RequestKind& kind, const RequestOptions& options,
-                     std::function<void(CameraStack&, std::function<void(Result<T>)>)> send);
+                     std::function<void(CameraStack&, std::function<void(Result<T>)>)> send,
+                     std::function<void()> failing = {});
 
   template <class T>
   std::shared_ptr<detail::SubscriptionState<T>> makeSubscription(const SubscriptionOptions& options) {
@@ -89,8 +91,7 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   void look();
   bool isAttached();
   std::shared_ptr<detail::PendingState<Camera>> takeOpening();
-  RequestOptions withLimit(const RequestOptions& options) const;
-  void giveUp(RequestLines::Id id, std::string_view name, const CameraError& why);
+  void giveUp(const RequestKind& kind, RequestLines::Id id, const CameraError& why);
 
   const CameraOptions options_;
   std::unique_ptr<CameraHost> host_;
@@ -113,32 +114,57 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
 
 // -- Templates
 
-// A call on a camera object that has been moved from.
+// A call that has failed before it began. callbacks: where its caller is called back; at once where there are none.
+template <class T>
+Pending<T> failed(CameraError why, std::shared_ptr<const detail::Callbacks> callbacks = nullptr) {
+  if (!callbacks) callbacks = std::make_shared<detail::Callbacks>();
+  const auto pending = std::make_shared<detail::PendingState<T>>(std::move(callbacks));
+  pending->set(std::move(why));
+  return Pending<T>(pending);
+}
+
+// Calls on a camera object that has been moved from.
+inline CameraError movedFrom() { return {CameraError::Reason::closed, "this camera object has been moved from"}; }
 template <class T>
 Pending<T> nowhere() {
-  const auto pending = std::make_shared<detail::PendingState<T>>(std::make_shared<detail::Callbacks>());
-  pending->set(CameraError{CameraError::Reason::closed, "this camera object has been moved from"});
-  return Pending<T>(pending);
+  return failed<T>(movedFrom());
+}
+template <class T>
+Subscription<T> nothingFrom() {
+  const auto callbacks = std::make_shared<detail::Callbacks>();
+  const auto ended = std::make_shared<detail::SubscriptionState<T>>(SubscriptionOptions{}, callbacks, nullptr);
+  ended->end(movedFrom());
+  return Subscription<T>(ended);
+}
+
+// The options with that time limit, unless they have one of their own.
+inline RequestOptions orLimit(RequestOptions options, std::chrono::milliseconds limit) {
+  if (options.timeLimit.count() <= 0) options.timeLimit = limit;
+  return options;
 }
 
 CameraError errorOf(std::string_view name, const ZELError& error);
 
 template <class T>
 Pending<T> CameraCore::request(const RequestKind& kind, const RequestOptions& options,
-                               std::function<void(CameraStack&, std::function<void(Result<T>)>)> send) {
+                               std::function<void(CameraStack&, std::function<void(Result<T>)>)> send,
+                               std::function<void()> failing) {
   const auto pending = std::make_shared<detail::PendingState<T>>(callbacks_);
   const RequestLines::Id id = lines_->nextId();
-  const auto giveUp = [weak = weak_from_this(), id, name = kind.name](const CameraError& why) {
-    if (const auto self = weak.lock()) self->giveUp(id, name, why);
+  const auto giveUp = [weak = weak_from_this(), kind, id](const CameraError& why) {
+    if (const auto self = weak.lock()) self->giveUp(kind, id, why);
   };
   pending->setCancel([giveUp] { giveUp({CameraError::Reason::cancelled, {}}); });
-  auto done = [lines = lines_, id, pending](Result<T> result) {
-    lines->answered(id);
+  auto done = [lines = lines_, row = kind.row, id, pending](Result<T> result) {
+    lines->answered(row, id);
     pending->set(std::move(result));
   };
   RequestLines::Request request;
-  request.fail = [pending](const CameraError& why) { pending->set(why); };
-  request.watch = watch(withLimit(options), giveUp);
+  request.fail = [pending, failing = std::move(failing)](const CameraError& why) {
+    if (failing) failing();
+    pending->set(why);
+  };
+  request.watch = watch(orLimit(options, options_.timeLimit), giveUp);
   request.send = [weak = weak_from_this(), send = std::move(send), done = std::move(done)] {
     if (const auto self = weak.lock()) self->withStack([&](CameraStack& stack) { send(stack, done); });
   };

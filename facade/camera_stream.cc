@@ -31,13 +31,7 @@ Subscription<StreamProblem> CameraStream::problems(const SubscriptionOptions& op
   return Subscription<StreamProblem>(run_->problems(options));
 }
 
-Result<int> CameraStream::addOutput(const std::string& address) {
-  if (const auto why = run_->end()) return *why;
-  const auto parsed = parseOutputAddress(address);
-  if (parsed) return run_->outputs().add(*parsed);
-  return CameraError{CameraError::Reason::invalid,
-                     "\"" + address + "\" is no output; use " + std::string(kOutputKinds)};
-}
+Result<int> CameraStream::addOutput(const std::string& address) { return run_->addOutput(address); }
 
 Result<OutputReport> CameraStream::removeOutput(int id) {
   auto report = run_->outputs().remove(id);

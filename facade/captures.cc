@@ -5,6 +5,7 @@
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <mutex>
 #include <utility>
@@ -19,29 +20,18 @@ using Reason = CameraError::Reason;
 // The camera takes one picture or series at a time, whatever message asks for it.
 constexpr RequestKind kPhoto{"photo", "capture"}, kBracket{"bracket", "capture"}, kUpload{"upload", "upload"};
 constexpr double kProgressPeriod = 0.05;  // seconds
-constexpr auto kPhotoFrames = static_cast<std::size_t>(FrameType::photo);
 
-template <class T>
-Pending<T> failed(const CameraCore& core, CameraError error) {
-  const auto pending = std::make_shared<detail::PendingState<T>>(core.callbacks());
-  pending->set(std::move(error));
-  return Pending<T>(pending);
-}
-
-RequestOptions withTransferLimit(const CameraCore& core, RequestOptions request) {
-  if (request.timeLimit.count() <= 0) request.timeLimit = core.options().transferTimeLimit;
-  return request;
-}
-
-// Tells a transfer's progress whenever it has grown, until it is dropped.
+// Tells a transfer's progress whenever it has grown.
 class Progress : public std::enable_shared_from_this<Progress> {
  public:
   using Tell = std::function<void(const TransferProgress&)>;
-  using Measure = std::function<std::uint64_t(const LinkStatistics&)>;
+  using Measure = std::uint64_t (*)(const LinkStatistics&);
 
   Progress(const std::shared_ptr<CameraCore>& core, Tell tell, std::uint64_t total, Measure measure)
-      : core_(core), tell_(std::move(tell)), total_(total), measure_(std::move(measure)) {}
+      : core_(core), tell_(std::move(tell)), total_(total), measure_(measure) {}
 
+  // What was measured before the transfer is not its own.
+  void begin(CameraStack& stack) { before_ = measure_(stack.statistics()); }
   void start() {
     if (tell_) look();
   }
@@ -52,7 +42,7 @@ class Progress : public std::enable_shared_from_this<Progress> {
     const auto core = core_.lock();
     if (!core || isOver_) return;
     std::optional<std::uint64_t> done;
-    core->withStack([&](CameraStack& stack) { done = std::min(measure_(stack.statistics()), total_); });
+    core->withStack([&](CameraStack& stack) { done = std::min(measure_(stack.statistics()) - before_, total_); });
     if (done && done != told_) {
       told_ = done;
       core->callbacks()->post([self = shared_from_this(), now = TransferProgress{*done, total_}] {
@@ -68,15 +58,27 @@ class Progress : public std::enable_shared_from_this<Progress> {
   const Tell tell_;
   const std::uint64_t total_;
   const Measure measure_;
+  std::uint64_t before_ = 0;
   std::optional<std::uint64_t> told_;  // main queue, after start()
   std::atomic<bool> isOver_ = false;
 };
 
-// Counts the pictures that arrive from now on.
-std::shared_ptr<Progress> pictureProgress(const std::shared_ptr<CameraCore>& core, const CaptureOptions& options,
-                                          std::uint64_t pictures, std::uint64_t before) {
-  return std::make_shared<Progress>(core, options.progress, pictures,
-                                    [before](const LinkStatistics& now) { return now.frames[kPhotoFrames] - before; });
+std::uint64_t picturesOf(const LinkStatistics& link) { return link.frames[static_cast<std::size_t>(FrameType::photo)]; }
+
+// A request that tells its progress until it has ended, in whatever way. send: as of CameraCore::request().
+template <class T, class Send>
+Pending<T> transfer(CameraCore& core, const RequestKind& kind, const RequestOptions& request,
+                    const std::shared_ptr<Progress>& progress, const Send& send) {
+  return core.request<T>(
+      kind, orLimit(request, core.options().transferTimeLimit),
+      [progress, send](CameraStack& stack, const std::function<void(Result<T>)>& done) {
+        progress->begin(stack);
+        send(stack, [progress, done](Result<T> result) {
+          progress->stop();
+          done(std::move(result));
+        });
+      },
+      [progress] { progress->stop(); });
 }
 
 // The two answers of a capture: what it is stored as, and its pictures. They come in any order.
@@ -106,22 +108,14 @@ class CaptureHandlers {
   void stored(const std::optional<ZELError>& error, const StoredFile& file) const {
     if (error) return;
     progress_->start();
-    if (capture_->complete(true, [&](T& result) { result.stored = file; })) finish();
+    if (capture_->complete(true, [&](T& result) { result.stored = file; })) done_(std::move(capture_->result));
   }
   void pictures(const std::optional<ZELError>& error, const std::function<void(T&)>& fill) const {
-    if (error) {
-      progress_->stop();
-      return done_(errorOf(name_, *error));
-    }
-    if (capture_->complete(false, fill)) finish();
+    if (error) return done_(errorOf(name_, *error));
+    if (capture_->complete(false, fill)) done_(std::move(capture_->result));
   }
 
  private:
-  void finish() const {
-    progress_->stop();
-    done_(std::move(capture_->result));
-  }
-
   const std::string_view name_;
   const std::function<void(Result<T>)> done_;
   const std::shared_ptr<Progress> progress_;
@@ -168,57 +162,51 @@ void sendBracket(CameraStack& stack, const aeb_info& bracket, const CaptureOptio
 
 Pending<Photo> takePhoto(const std::shared_ptr<CameraCore>& core, const CaptureOptions& options,
                          const RequestOptions& request) {
-  return core->request<Photo>(
-      kPhoto, withTransferLimit(*core, request),
-      [weak = std::weak_ptr(core), options](CameraStack& stack, std::function<void(Result<Photo>)> done) {
-        const auto progress = pictureProgress(weak.lock(), options, 1, stack.statistics().frames[kPhotoFrames]);
-        sendPhoto(stack, options, {kPhoto.name, std::move(done), progress});
-      });
+  const auto progress = std::make_shared<Progress>(core, options.progress, 1, picturesOf);
+  return transfer<Photo>(*core, kPhoto, request, progress,
+                         [options, progress](CameraStack& stack, std::function<void(Result<Photo>)> done) {
+                           sendPhoto(stack, options, {kPhoto.name, std::move(done), progress});
+                         });
 }
 
 Pending<PhotoSeries> takeBracket(const std::shared_ptr<CameraCore>& core, const std::vector<std::int8_t>& steps,
                                  const CaptureOptions& options, const RequestOptions& request) {
   aeb_info bracket{};
   if (steps.empty() || steps.size() > bracket.steps.size()) {
-    return failed<PhotoSeries>(*core, {Reason::invalid, "bracket: give 1 to 9 exposure steps"});
+    return failed<PhotoSeries>({Reason::invalid, "bracket: give 1 to 9 exposure steps"}, core->callbacks());
   }
   bracket.count = static_cast<std::uint8_t>(steps.size());
   std::ranges::copy(steps, bracket.steps.begin());
-  return core->request<PhotoSeries>(kBracket, withTransferLimit(*core, request),
-                                    [weak = std::weak_ptr(core), options, bracket](
-                                        CameraStack& stack, std::function<void(Result<PhotoSeries>)> done) {
-                                      const auto progress = pictureProgress(weak.lock(), options, bracket.count,
-                                                                            stack.statistics().frames[kPhotoFrames]);
-                                      sendBracket(stack, bracket, options, {kBracket.name, std::move(done), progress});
-                                    });
+  const auto progress = std::make_shared<Progress>(core, options.progress, bracket.count, picturesOf);
+  return transfer<PhotoSeries>(
+      *core, kBracket, request, progress,
+      [options, bracket, progress](CameraStack& stack, std::function<void(Result<PhotoSeries>)> done) {
+        sendBracket(stack, bracket, options, {kBracket.name, std::move(done), progress});
+      });
 }
 
 Pending<void> uploadFile(const std::shared_ptr<CameraCore>& core, std::int64_t type, const std::string& path,
-                         const ZELData& content, const std::function<void(const TransferProgress&)>& progress,
+                         const ZELData& content, const std::function<void(const TransferProgress&)>& told,
                          const RequestOptions& request) {
-  // A drive, which is three characters, is not part of the name that the camera stores.
-  if (path.empty() || (path.size() <= 3 && path.find(':') == 1)) {
-    return failed<void>(*core, {Reason::invalid, "upload: \"" + path + "\" leaves no name for the file"});
+  if (path.empty() || std::ranges::find(kDrives, path) != std::end(kDrives)) {
+    return failed<void>({Reason::invalid, "upload: \"" + path + "\" leaves no name for the file"}, core->callbacks());
   }
   if (content.size() > kLargestFile) {
     return failed<void>(
-        *core, {Reason::invalid, "upload: a file of " + std::to_string(content.size()) + " bytes is more than the " +
-                                     std::to_string(kLargestFile) + " that can be sent"});
+        {Reason::invalid, "upload: a file of " + std::to_string(content.size()) + " bytes is more than the " +
+                              std::to_string(kLargestFile) + " that can be sent"},
+        core->callbacks());
   }
-  return core->request<void>(
-      kUpload, withTransferLimit(*core, request),
-      [weak = std::weak_ptr(core), type, path, content, progress](CameraStack& stack,
-                                                                  std::function<void(Result<void>)> done) {
-        const std::uint64_t before = stack.statistics().bytesWritten;
-        const auto told =
-            std::make_shared<Progress>(weak.lock(), progress, content.size(),
-                                       [before](const LinkStatistics& now) { return now.bytesWritten - before; });
-        stack.ucd().sendFileWithType(type, path, content,
-                                     [told, done = std::move(done)](const std::optional<ZELError>& error) {
-                                       told->stop();
-                                       done(error ? Result<void>(errorOf(kUpload.name, *error)) : Result<void>());
-                                     });
-        told->start();
+  const auto progress = std::make_shared<Progress>(core, told, content.size(),
+                                                   [](const LinkStatistics& link) { return link.bytesWritten; });
+  return transfer<void>(
+      *core, kUpload, request, progress,
+      [type, path, content, progress](CameraStack& stack, const std::function<void(Result<void>)>& done) {
+        const auto ended = [done](const std::optional<ZELError>& error) {
+          done(error ? Result<void>(errorOf(kUpload.name, *error)) : Result<void>());
+        };
+        stack.ucd().sendFileWithType(type, path, content, ended);
+        progress->start();
       });
 }
 

@@ -19,7 +19,7 @@ Pending<Photo> takePhoto(const std::shared_ptr<CameraCore>& core, const CaptureO
 Pending<PhotoSeries> takeBracket(const std::shared_ptr<CameraCore>& core, const std::vector<std::int8_t>& steps,
                                  const CaptureOptions& options, const RequestOptions& request);
 Pending<void> uploadFile(const std::shared_ptr<CameraCore>& core, std::int64_t type, const std::string& path,
-                         const ZELData& content, const std::function<void(const TransferProgress&)>& progress,
+                         const ZELData& content, const std::function<void(const TransferProgress&)>& told,
                          const RequestOptions& request);
 
 }  // namespace zel

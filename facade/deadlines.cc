@@ -11,13 +11,12 @@ constexpr double kShortest = 0.001;  // a timer's period is above zero
 }  // namespace
 
 Deadlines::Id Deadlines::add(double time, std::function<void()> call) {
-  Id id = 0;
+  Id id;
   {
     const MutexLock lock(mutex_);
-    id = next_++;
+    id = {time, ++added_};
     if (isClosed_) return id;
-    calls_.emplace(Due{time, id}, std::move(call));
-    times_.emplace(id, time);
+    calls_.emplace(id, std::move(call));
     // A timer that comes too early finds nothing due and is set again: most calls are removed before their time.
     if (time >= armed_) return id;
     armed_ = time;
@@ -29,23 +28,17 @@ Deadlines::Id Deadlines::add(double time, std::function<void()> call) {
 }
 
 void Deadlines::remove(Id id) {
-  std::function<void()> call;  // destroyed without the lock
+  decltype(calls_)::node_type call;  // destroyed without the lock
   const MutexLock lock(mutex_);
-  const auto time = times_.find(id);
-  if (time == times_.end()) return;
-  const auto found = calls_.find(Due{time->second, id});
-  call = std::move(found->second);
-  calls_.erase(found);
-  times_.erase(time);
+  call = calls_.extract(id);
 }
 
 void Deadlines::close() {
-  std::map<Due, std::function<void()>> calls;  // destroyed without the lock, as the timer
+  decltype(calls_) calls;  // destroyed without the lock, as the timer
   std::unique_ptr<platform::Timer> timer;
   const MutexLock lock(mutex_);
   isClosed_ = true;
   calls.swap(calls_);
-  times_.clear();
   timer.swap(timer_);
 }
 
@@ -74,7 +67,6 @@ void Deadlines::fire() {
     const MutexLock lock(mutex_);
     const double time = now();
     while (!calls_.empty() && calls_.begin()->first.first <= time) {
-      times_.erase(calls_.begin()->first.second);
       due.push_back(std::move(calls_.begin()->second));
       calls_.erase(calls_.begin());
     }

@@ -20,7 +20,8 @@ namespace zel {
 // Thread: any thread.
 class Deadlines : public std::enable_shared_from_this<Deadlines> {
  public:
-  using Id = std::uint64_t;
+  // Its time, and a number of its own.
+  using Id = std::pair<double, std::uint64_t>;
 
   explicit Deadlines(const platform::Ports& ports) : ports_(ports) {}
 
@@ -33,16 +34,13 @@ class Deadlines : public std::enable_shared_from_this<Deadlines> {
   double now() const { return ports_.clock.steadyTime(); }
 
  private:
-  using Due = std::pair<double, Id>;
-
   void arm();
   void fire();
 
   const platform::Ports ports_;
   Mutex mutex_;
-  std::map<Due, std::function<void()>> calls_ ZEL_GUARDED_BY(mutex_);
-  std::map<Id, double> times_ ZEL_GUARDED_BY(mutex_);
-  Id next_ ZEL_GUARDED_BY(mutex_) = 1;
+  std::map<Id, std::function<void()>> calls_ ZEL_GUARDED_BY(mutex_);
+  std::uint64_t added_ ZEL_GUARDED_BY(mutex_) = 0;
   double armed_ ZEL_GUARDED_BY(mutex_) = kNever;  // the time that the timer is set to, or will be
   bool isClosed_ ZEL_GUARDED_BY(mutex_) = false;
   std::unique_ptr<platform::Timer> timer_ ZEL_GUARDED_BY(mutex_);

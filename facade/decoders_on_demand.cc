@@ -1,18 +1,8 @@
 #include "facade/decoders_on_demand.h"
 
-#include <cstddef>
+#include "media/nal_unit.h"
 
 namespace zel {
-namespace {
-
-constexpr std::size_t kHeader = 4;  // the unit's length stands before its type
-constexpr int kTypeBits = 0x1F, kKeyPicture = 5;
-
-bool isOfKeyPicture(platform::VideoDecoder::Bytes unit) {
-  return unit.size() > kHeader && (unit[kHeader] & kTypeBits) == kKeyPicture;
-}
-
-}  // namespace
 
 class DecodersOnDemand::Decoder final : public platform::ForwardingVideoDecoder {
  public:
@@ -22,7 +12,7 @@ class DecodersOnDemand::Decoder final : public platform::ForwardingVideoDecoder 
   // A unit that nobody needs is as one whose picture is not complete yet.
   platform::DecodeResult decode(Bytes unit, std::int64_t timestamp) override {
     const bool isWanted = lookers_->load() > 0;
-    rested_ = !isWanted || (rested_ && !isOfKeyPicture(unit));
+    rested_ = !isWanted || (rested_ && !isIdr(unit));
     if (rested_) return {platform::DecodeStatus::kept, {}};
     return ForwardingVideoDecoder::decode(unit, timestamp);
   }

@@ -19,7 +19,6 @@ void RequestLines::add(std::string_view kind, Id id, Request request) {
     end = end_;
     if (!end) {
       Line& line = lines_[kind];
-      kinds_.emplace(id, kind);
       line.push_back({id, std::move(request), line.empty()});
       if (line.size() == 1) send = line.front().request.send;
     }
@@ -28,16 +27,14 @@ void RequestLines::add(std::string_view kind, Id id, Request request) {
   if (send) send();
 }
 
-void RequestLines::answered(Id id) {
+void RequestLines::answered(std::string_view kind, Id id) {
   Entry done;  // destroyed without the lock
   std::function<void()> send;
   {
     const MutexLock lock(mutex_);
-    const auto kind = kinds_.find(id);
-    if (kind == kinds_.end()) return;
-    Line& line = lines_[kind->second];
-    kinds_.erase(kind);
+    Line& line = lines_[kind];
     const auto found = std::ranges::find(line, id, &Entry::id);
+    if (found == line.end()) return;
     done = std::move(*found);
     line.erase(found);
     if (!line.empty() && !std::exchange(line.front().isSent, true)) send = line.front().request.send;
@@ -45,21 +42,17 @@ void RequestLines::answered(Id id) {
   if (send) send();
 }
 
-bool RequestLines::giveUp(Id id, const CameraError& why) {
+bool RequestLines::giveUp(std::string_view kind, Id id, const CameraError& why) {
   Request given;  // destroyed without the lock
   bool isSent = false;
   {
     const MutexLock lock(mutex_);
-    const auto kind = kinds_.find(id);
-    if (kind == kinds_.end()) return false;
-    Line& line = lines_[kind->second];
+    Line& line = lines_[kind];
     const auto found = std::ranges::find(line, id, &Entry::id);
+    if (found == line.end()) return false;
     given = std::move(found->request);
     isSent = found->isSent;
-    if (!isSent) {
-      line.erase(found);
-      kinds_.erase(kind);
-    }
+    if (!isSent) line.erase(found);
   }
   if (given.fail) given.fail(why);
   return isSent && given.fail;
@@ -71,7 +64,6 @@ void RequestLines::failAll(const CameraError& why) {
     const MutexLock lock(mutex_);
     end_ = std::make_shared<const CameraError>(why);
     lines.swap(lines_);
-    kinds_.clear();
   }
   for (const auto& [kind, line] : lines) {
     for (const Entry& entry : line) {

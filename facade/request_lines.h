@@ -34,12 +34,10 @@ class RequestLines {
   Id nextId();
   // Sends it when its turn comes, which may be at once. kind: a text that lives on.
   void add(std::string_view kind, Id id, Request request);
-  // Its answer has come; the next one of its kind is sent.
-  void answered(Id id);
-  // Tells its caller why there is no answer. True where it was sent: its place is then to be let go later.
-  bool giveUp(Id id, const CameraError& why);
-  // Its answer does not come any more.
-  void letGo(Id id) { answered(id); }
+  // Its answer has come, or does not come any more; the next one of its kind is sent.
+  void answered(std::string_view kind, Id id);
+  // Tells its caller why there is no answer. True where it was sent: it keeps its place until it counts as answered.
+  bool giveUp(std::string_view kind, Id id, const CameraError& why);
   // Fails all, and whatever is added from now on.
   void failAll(const CameraError& why);
 
@@ -53,7 +51,6 @@ class RequestLines {
 
   Mutex mutex_;
   std::map<std::string_view, Line> lines_ ZEL_GUARDED_BY(mutex_);
-  std::map<Id, std::string_view> kinds_ ZEL_GUARDED_BY(mutex_);
   Id next_ ZEL_GUARDED_BY(mutex_) = 1;
   std::shared_ptr<const CameraError> end_ ZEL_GUARDED_BY(mutex_);
 };

@@ -27,28 +27,22 @@ StreamRun::~StreamRun() = default;
 
 Pending<CameraStream> StreamRun::start(const std::shared_ptr<CameraCore>& core, const StreamOptions& options,
                                        const RequestOptions& request) {
-  auto starting = std::make_shared<detail::PendingState<CameraStream>>(core->callbacks());
   const auto run = std::make_shared<StreamRun>(core, options);
   for (const std::string& text : options.outputs) {
-    const auto address = parseOutputAddress(text);
-    if (!address) {
-      starting->set(CameraError{Reason::invalid, "\"" + text + "\" is no output; use " + std::string(kOutputKinds)});
-      return Pending<CameraStream>(starting);
-    }
-    run->outputs_.add(*address);
+    const auto added = run->addOutput(text);
+    if (!added) return failed<CameraStream>(added.error(), core->callbacks());
   }
+  const auto starting = std::make_shared<detail::PendingState<CameraStream>>(core->callbacks());
   const auto giveUp = [run](const CameraError& why) {
     run->failStart(why.reason == Reason::timeLimit ? run->whyNothingCame() : why);
   };
   starting->setCancel([weak = std::weak_ptr(run)] {
     if (const auto self = weak.lock()) self->failStart({Reason::cancelled, "the start was cancelled"});
   });
-  RequestOptions limit = request;
-  if (limit.timeLimit.count() <= 0) limit.timeLimit = options.startTimeLimit;
   {
     const std::lock_guard lock(run->mutex_);
     run->starting_ = starting;
-    run->startWatch_ = core->watch(limit, giveUp);
+    run->startWatch_ = core->watch(orLimit(request, options.startTimeLimit), giveUp);
   }
   if (const auto why = core->preview()->begin(run)) run->failStart(*why);
   return Pending<CameraStream>(starting);
@@ -166,6 +160,13 @@ void StreamRun::onPacket(const MediaPacket& packet) {
       if (const auto starting = takeStarting()) starting->set(CameraStream(shared_from_this()));
     });
   });
+}
+
+Result<int> StreamRun::addOutput(const std::string& address) {
+  if (const auto why = end()) return *why;
+  const auto parsed = parseOutputAddress(address);
+  if (parsed) return outputs_.add(*parsed);
+  return CameraError{Reason::invalid, "\"" + address + "\" is no output; use " + std::string(kOutputKinds)};
 }
 
 StreamHeaders StreamRun::headers() const {

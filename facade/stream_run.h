@@ -53,6 +53,7 @@ class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_
   std::shared_ptr<detail::SubscriptionState<MediaPacket>> packets(const SubscriptionOptions& options);
   std::shared_ptr<detail::SubscriptionState<StreamProblem>> problems(const SubscriptionOptions& options);
   EncodedStreamStatistics statistics() const { return stream_.statistics(); }
+  Result<int> addOutput(const std::string& address);
   Outputs& outputs() { return outputs_; }
 
  private:

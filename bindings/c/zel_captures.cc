@@ -1,3 +1,4 @@
+#include <ZELTarkaSDK/platform/call_gate.h>
 #include <ZELTarkaSDK/zel.h>
 
 #include <atomic>
@@ -39,12 +40,10 @@ class Progress {
       : dispatcher_(callback == nullptr ? nullptr : camera.dispatcher()) {
     if (callback == nullptr) return;
     function_ = [gate = gate_, callback, user, marks = camera.callsOnCameraThread()](const TransferProgress& now) {
-      if (!gate->enter()) return;
-      {
+      gate->enter([callback, user, marks, now] {
         const CameraThreadScope scope(marks);
         callback(user, now.done, now.total);
-      }
-      gate->leave();
+      });
     };
   }
   ~Progress() { gate_->close(); }
@@ -74,7 +73,7 @@ class Progress {
 
  private:
   const std::shared_ptr<Dispatcher> dispatcher_;
-  const std::shared_ptr<detail::DeliveryGate> gate_ = std::make_shared<detail::DeliveryGate>();
+  const std::shared_ptr<CallGate> gate_ = std::make_shared<CallGate>();
   std::function<void(const TransferProgress&)> function_;
 };
 

@@ -57,7 +57,7 @@ class ZEL_EXPORT Camera final : public CameraRequests {
   Camera& operator=(const Camera&) = delete;
   ~Camera();
 
-  // Its identity at its latest connection.
+  // Its identity at its latest connection; nothing where this object was moved from.
   std::shared_ptr<const ZELAccessoryInfo> info() const;
 
   LinkStatus linkStatus() const;
@@ -94,7 +94,7 @@ class ZEL_EXPORT Camera final : public CameraRequests {
   Subscription<LinkStatus> linkChanges(const SubscriptionOptions& options = {});
 
   // The classes that it is built on, for what it does not offer. A request that is made there takes the answer of one
-  // of the same kind that waits here.
+  // of the same kind that waits here. Not after this object was moved from.
   CameraStack& stack();
 
  private:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <condition_variable>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -11,6 +11,7 @@
 #include <utility>
 
 #include <ZELTarkaSDK/Pending.h>
+#include <ZELTarkaSDK/platform/call_gate.h>
 #include <ZELTarkaSDK/platform/export.h>
 
 namespace zel {
@@ -19,7 +20,7 @@ namespace zel {
 struct SubscriptionOptions {
   enum class Drop { oldest, newest };
 
-  std::size_t capacity = 16;  // at least 1
+  std::size_t capacity = 16;  // 0 counts as 1
   Drop drop = Drop::oldest;   // where it is full
 };
 
@@ -32,21 +33,6 @@ class ZEL_EXPORT Patience {
   // Calls giveUp once, when the time limit is over or the stop is requested, until what it returns is destroyed.
   // A time limit of zero is none. giveUp: called on any thread, and never inside this call.
   virtual std::shared_ptr<void> watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) = 0;
-};
-
-// Lets one call at a time through, on any thread, until it is closed.
-class ZEL_EXPORT DeliveryGate {
- public:
-  // False once it is closed; otherwise leave() must follow.
-  bool enter();
-  void leave();
-  // After it no call begins. Waits for the one in progress, except inside a callback: that call is then the last.
-  void close();
-
- private:
-  std::mutex mutex_;
-  std::condition_variable left_;
-  bool isInside_ = false, isClosed_ = false;
 };
 
 // What a subscription and its source share.
@@ -73,7 +59,7 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
       first.pending->set(std::move(item));
       return;
     }
-    if (items_.size() >= options_.capacity) {
+    if (items_.size() >= std::max<std::size_t>(options_.capacity, 1)) {
       ++dropped_;
       if (options_.drop == SubscriptionOptions::Drop::newest) return;
       items_.pop_front();
@@ -146,11 +132,7 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
   }
 
   void deliver() {
-    while (const auto item = take()) {
-      if (!gate_.enter()) return;
-      (*callback_)(*item);
-      gate_.leave();
-    }
+    while (const auto item = take()) gate_.enter([&] { (*callback_)(*item); });
   }
 
   std::optional<T> take() {
@@ -177,7 +159,7 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
   const std::shared_ptr<const Callbacks> callbacks_;
   const std::shared_ptr<Patience> patience_;
   std::function<void()> release_;
-  DeliveryGate gate_;
+  CallGate gate_;  // never busy when it is entered: what is delivered is delivered by one thread
   mutable std::mutex mutex_;
   std::deque<T> items_;
   std::deque<Waiting> waiting_;

@@ -18,6 +18,10 @@ inline constexpr std::uint8_t kMediaOffsetOfCamera = 0;
 // length has 32 bits.
 inline constexpr std::uint64_t kLargestFile = 0xFFFFFFFFu - 74;
 
+// What the camera takes for a drive in the path of a file that is sent to it. Its three characters are cut off the
+// path's beginning, wherever it stands.
+inline constexpr std::array<std::string_view, 4> kDrives = {"C:\\", "c:\\", "C:/", "c:/"};
+
 // The marker. The camera writes it where parsing of its stream can start; the host sends it to request that.
 inline constexpr std::array<std::uint8_t, 10> dataSynchronismValue = {0xAF, 0xFA, 0xAF, 0xFA, 0xAF,
                                                                       0xFA, 0xAF, 0xFA, 0xAF, 0xFA};

@@ -120,6 +120,30 @@ TEST_F(CameraInVirtualTimeTest, ASilentLinkIsOpenedAgain) {
   EXPECT_THAT(seen, testing::ElementsAre(LinkStatus::silent, LinkStatus::open));
 }
 
+// A request that was given up tells nothing more, although what it asked for may still come.
+TEST_F(CameraInVirtualTimeTest, AProgressEndsWithItsRequest) {
+  openAndSynchronise();
+  std::vector<TransferProgress> told;
+  CaptureOptions options;
+  options.progress = [&](const TransferProgress& progress) { told.push_back(progress); };
+  auto photo = camera->photo(options);
+  host.runUntilIdle();
+  send(join(bytes({21, 0, 0, 0, 4, 0, 0x07, 0x80}), Bytes(13)));
+  EXPECT_THAT(told, testing::ElementsAre(TransferProgress{0, 1}));
+  photo.cancel();
+  send(join(bytes({71, 0, 0, 0, 3, 0}), Bytes(65)));
+  advance(10);
+  EXPECT_THAT(told, testing::ElementsAre(TransferProgress{0, 1}));
+}
+
+TEST_F(CameraInVirtualTimeTest, ASubscriptionWithoutRoomKeepsOne) {
+  openAndSynchronise();
+  auto link = camera->linkChanges({.capacity = 0});
+  host.advance(10);  // silent, and opened again
+  EXPECT_EQ(*link.next().get(), LinkStatus::open);
+  EXPECT_EQ(link.dropped(), 1u);
+}
+
 TEST_F(CameraInVirtualTimeTest, PicturesNeedADecoder) {
   openAndSynchronise();
   std::optional<CameraError> why;

@@ -216,6 +216,22 @@ TEST_F(CameraTest, MayBeDestroyedInItsOwnCallback) {
   EXPECT_TRUE(Camera::open(options()).get()) << "the camera is free again";
 }
 
+TEST_F(CameraTest, SaysOfWhatWasMovedElsewhereThatItIsClosed) {
+  attach();
+  Camera camera = opened();
+  const Camera moved = std::move(camera);
+  const CameraError closed{Reason::closed, "this camera object has been moved from", "", 0};
+  EXPECT_EQ(camera.battery().get().error(), closed);
+  EXPECT_EQ(camera.photo().get().error(), closed);
+  EXPECT_EQ(camera.events().next().get().error(), closed);
+  EXPECT_EQ(camera.linkChanges().next().get().error(), closed);
+  EXPECT_EQ(camera.pictures().next().get().error(), closed);
+  EXPECT_EQ(camera.stream().get().error(), closed);
+  EXPECT_EQ(camera.info(), nullptr);
+  EXPECT_EQ(camera.linkStatus(), LinkStatus::closed);
+  EXPECT_EQ(camera.statistics().bytesReceived, 0u);
+}
+
 TEST_F(CameraTest, MayBeDestroyedWhileAnotherThreadAsks) {
   attach();
   for (int round = 0; round < 5; ++round) {

@@ -116,6 +116,7 @@ TEST_F(CapturesTest, AFileWithoutANameIsNotSent) {
   EXPECT_EQ(camera.upload(1, "C:/", {}).get().error(),
             (CameraError{Reason::invalid, "upload: \"C:/\" leaves no name for the file", "", 0}));
   EXPECT_EQ(camera.upload(1, "", {}).get().error().reason, Reason::invalid);
+  EXPECT_TRUE(camera.upload(1, "a:b", {}).get()) << "no drive, so the whole is the name";
 }
 
 TEST_F(CapturesTest, ARefusedFileFails) {
