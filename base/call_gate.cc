@@ -37,17 +37,19 @@ class CallGate::State {
 
   // The outermost call runs the calls that were handed over meanwhile.
   bool takeHandedOver(std::function<void()>& call) ZEL_EXCLUDES(mutex_) {
-    std::function<void()> made = std::exchange(call, nullptr);  // its captures are destroyed without the lock
+    const std::function<void()> made = std::exchange(call, nullptr);  // its captures are destroyed without the lock
     const MutexLock lock(mutex_);
-    if (calls_ != 1 || handedOver_.empty()) return false;
-    call = std::move(handedOver_.front());
-    handedOver_.pop_front();
-    return true;
+    return take(call);
   }
 
-  void end() ZEL_EXCLUDES(mutex_) {
+  // Ends the call. False where one was handed over meanwhile, which is then to be run first: no call is handed to a
+  // thread that is leaving.
+  bool end(std::function<void()>& call) ZEL_EXCLUDES(mutex_) {
+    const std::function<void()> made = std::exchange(call, nullptr);
     const MutexLock lock(mutex_);
+    if (take(call)) return false;
     if (--calls_ == 0) changed_.notify_all();
+    return true;
   }
 
   void close() ZEL_EXCLUDES(mutex_) {
@@ -61,6 +63,13 @@ class CallGate::State {
   }
 
  private:
+  bool take(std::function<void()>& call) ZEL_REQUIRES(mutex_) {
+    if (calls_ != 1 || handedOver_.empty()) return false;
+    call = std::move(handedOver_.front());
+    handedOver_.pop_front();
+    return true;
+  }
+
   bool isBusyElsewhere() const ZEL_REQUIRES(mutex_) { return calls_ != 0 && caller_ != std::this_thread::get_id(); }
 
   bool takeFirst(std::function<void()>& call) ZEL_EXCLUDES(mutex_) {
@@ -87,7 +96,9 @@ bool CallGate::begin(std::function<void()>& kept) { return state_->begin(kept); 
 void CallGate::makeHandedOver() {
   for (std::function<void()> next; state_->takeHandedOver(next);) next();
 }
-void CallGate::end() { state_->end(); }
+void CallGate::end() {
+  for (std::function<void()> next; !state_->end(next);) next();
+}
 void CallGate::close() { state_->close(); }
 
 }  // namespace zel

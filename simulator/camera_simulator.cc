@@ -105,7 +105,7 @@ struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<
 
   void accept() {
     acceptor->async_accept([self = shared_from_this()](asio::error_code error, Protocol::socket socket) {
-      if (error) return;
+      if (error || !self->plugged) return;  // accepted before the camera was unplugged
       self->serve(std::move(socket));
       self->accept();
     });

@@ -8,11 +8,15 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/linux/error_text.h"
+#include "platform/linux/unique_descriptor.h"
+
 namespace zel::platform {
 namespace {
 
 // A file is processed when it is complete: renamed into the folder, or closed after writing.
 constexpr std::uint32_t kFileChanges = IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_CLOSE_WRITE;
+constexpr double kLookPeriod = 1;  // seconds, without notifications
 constexpr std::uint32_t kFolderGone = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_IGNORED;
 
 FolderChange changeOf(const inotify_event& record, const char* name) {
@@ -21,30 +25,47 @@ FolderChange changeOf(const inotify_event& record, const char* name) {
   return {.kind = FolderChange::Kind::file, .name = record.len > 0 ? name : ""};
 }
 
+// The descriptor of a folder's notifications, or -1.
+int notificationsOf(const std::string& folder, int& code) {
+  UniqueDescriptor descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  constexpr std::uint32_t kChanges = kFileChanges | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+  const bool isWatched = descriptor && inotify_add_watch(descriptor.get(), folder.c_str(), kChanges) >= 0;
+  code = isWatched ? 0 : errno;
+  return isWatched ? descriptor.release() : -1;
+}
+
 }  // namespace
 
 std::shared_ptr<FolderWatch> FolderWatch::start(LinuxRunLoop& loop, const std::string& folder, Observer observer,
                                                 std::string& fault) {
-  const int descriptor = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-  if (descriptor < 0 ||
-      inotify_add_watch(descriptor, folder.c_str(), kFileChanges | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR) < 0) {
-    fault = std::generic_category().message(errno);
-    if (descriptor >= 0) close(descriptor);
-    return nullptr;
-  }
+  int code = 0;
+  const int descriptor = notificationsOf(folder, code);
+  if (code != 0) fault = errorText(code);
+  if (code == ENOENT || code == ENOTDIR || code == EACCES) return nullptr;
   auto watch = std::make_shared<FolderWatch>(loop, descriptor, std::move(observer));
-  loop.perform([watch] { watch->wait(); });
+  loop.perform([watch] { watch->begin(); });
   return watch;
 }
 
 FolderWatch::FolderWatch(LinuxRunLoop& loop, int descriptor, Observer observer)
-    : loop_(loop), notifications_(loop.context(), descriptor), observer_(std::move(observer)) {}
+    : loop_(loop), notifications_(loop.context()), observer_(std::move(observer)) {
+  if (descriptor >= 0) notifications_.assign(descriptor);
+}
 
 void FolderWatch::stop() {
   if (stopped_.exchange(true)) return;
   loop_.perform([self = shared_from_this()] {
     std::error_code ignored;
     self->notifications_.close(ignored);
+    self->instead_.reset();
+  });
+}
+
+void FolderWatch::begin() {
+  if (notifications_.is_open() || stopped_.load()) return wait();
+  instead_ = loop_.scheduleRepeating(kLookPeriod, [weak = weak_from_this()] {
+    const auto self = weak.lock();
+    if (self && !self->stopped_.load()) self->observer_(*self, {.kind = FolderChange::Kind::many, .name = {}});
   });
 }
 

@@ -59,7 +59,11 @@ void LinuxAccessoryManager::startWatch() {
   watch_ = FolderWatch::start(
       *mainRunLoop_, settings_.folder,
       [this](const FolderWatch& watch, const FolderChange& change) { folderChanged(watch, change); }, fault);
-  if (!watch_) return warnings_.push_back("accessory folder " + settings_.folder + " cannot be watched: " + fault);
+  if (!fault.empty()) {
+    warnings_.push_back("accessory folder " + settings_.folder + " cannot be watched: " + fault +
+                        (watch_ ? "; it is looked at every second instead" : ""));
+  }
+  if (!watch_) return;
   if (!told_) return lookSilently();
   behind_ = true;
   mainRunLoop_->perform([this, watch = watch_] { announceSince(*watch); });

@@ -133,6 +133,25 @@ TEST(CallGateTest, HandsACallOfACallbackToTheThreadThatIsInside) {
   EXPECT_NE(made, std::this_thread::get_id());
 }
 
+// What is let go with the last call that was handed over hands over another one, when the thread is leaving already.
+TEST(CallGateTest, MakesACallThatIsHandedToALeavingThread) {
+  CallGate gate;
+  Busy busy(gate);
+  bool isMade = false;
+  const auto handOver = [&](void*) {
+    std::thread([&] {
+      const CallbackScope scope;
+      gate.enter([&] { isMade = true; });
+    }).join();
+  };
+  {
+    const CallbackScope scope;
+    gate.enter([last = std::shared_ptr<void>(&gate, handOver)] {});
+  }
+  busy.letGo();
+  EXPECT_TRUE(isMade);
+}
+
 TEST(CallGateTest, MakesNoHandedOverCallOnceItIsClosed) {
   CallGate gate;
   Busy busy(gate);

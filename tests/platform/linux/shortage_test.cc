@@ -1,8 +1,14 @@
 // What is left where the process has no descriptor more.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
 #include <string>
 
 #include <ZELTarkaSDK/CameraStack.h>
@@ -11,6 +17,21 @@
 #include "platform/linux/unique_descriptor.h"
 #include "tests/platform/linux/bus_fixture.h"
 #include "tests/sanitizers.h"
+
+namespace zel::test {
+namespace {
+
+std::atomic<bool> hasNotifications = true;
+
+}  // namespace
+}  // namespace zel::test
+
+// The system's own, but where a test has used them up.
+extern "C" int inotify_init1(int flags) noexcept {
+  if (zel::test::hasNotifications) return static_cast<int>(syscall(SYS_inotify_init1, flags));
+  errno = EMFILE;
+  return -1;
+}
 
 namespace zel::test {
 namespace {
@@ -69,6 +90,26 @@ TEST(LinuxPlatformDeathTest, NamesTheThreadThatIsLeftBehind) {
         platform = nullptr;
       },
       "the LinuxPlatform is destroyed while its thread \"session thread\" runs; destroy every CameraStack");
+}
+
+// Each user has a limited number of notifications, which other programs may have used up.
+class NotificationShortageTest : public BusFixture {};
+
+TEST_F(NotificationShortageTest, PluggingIsNoticedWithoutNotificationsOfTheFolder) {
+  hasNotifications = false;
+  ports().accessories.registerForLocalNotifications();
+  hasNotifications = true;
+  EXPECT_THAT(warnings_.now(),
+              testing::ElementsAre("accessory folder " + folder_.path() +
+                                   " cannot be watched: Too many open files; it is looked at every second instead"));
+  plug("a", 1);
+  EXPECT_THAT(heardAtLeast(1), testing::ElementsAre("+1"));
+  unplug("a");
+  EXPECT_THAT(heardAtLeast(2), testing::ElementsAre("+1", "-1"));
+  ports().accessories.unregisterForLocalNotifications();
+  plug("b", 2);
+  platform_->runMainQueueFor(1.1);
+  EXPECT_THAT(heardAtLeast(0), testing::ElementsAre("+1", "-1")) << "nobody asks any more";
 }
 
 }  // namespace
