@@ -29,10 +29,10 @@ asks_for_the_library_alone() {
   [ "$asked" = "$expected" ] || { printf 'asked:    %s\nexpected: %s\n' "$asked" "$expected"; exit 1; }
 }
 
-# A program in C, by a compiler that knows nothing of C++.
+# A program in C, by a compiler that knows nothing of C++. Arguments: more options of pkg-config.
 builds_in_c() {
   "${CC:-cc}" -std=c99 -Wall -Wextra -pedantic -Werror "$source/examples/c/battery.c" -o battery \
-    $(pkg-config --cflags --libs zeltarkasdk-c)
+    $(pkg-config "$@" --cflags --libs zeltarkasdk-c)
   mkdir "$folder/none"
   local status=0
   LD_LIBRARY_PATH=$libraries ZEL_ACCESSORIES=$folder/none timeout 60 ./battery 2>said || status=$?
@@ -42,6 +42,7 @@ builds_in_c() {
 # As a prefix that holds no shared library: the flags of pkg-config serve as they are.
 by_archive() {
   find "$libraries" -name 'libZELTarkaSDK*.so*' -delete
+  builds_in_c --static
   "${CXX:-c++}" main.cc -o consumer $(pkg-config --static --cflags --libs zeltarkasdk-camera zeltarkasdk-pictures)
 }
 
