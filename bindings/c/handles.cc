@@ -1,5 +1,7 @@
 #include "bindings/c/handles.h"
 
+#include <pthread.h>
+
 #include <string>
 #include <utility>
 
@@ -9,7 +11,8 @@ namespace zel::c {
 namespace {
 
 constexpr std::uintptr_t kKinds = 16;
-constexpr const char* kWords[] = {"", "camera", "stream", "subscription", "photo", "picture", "packet"};
+constexpr const char* kWords[] = {"",        "camera", "stream", "subscription", "photo",
+                                  "picture", "packet", "call",   "stitcher"};
 
 std::string wordFor(Kind kind) { return kWords[static_cast<std::size_t>(kind)]; }
 std::uintptr_t numberOf(const void* handle) { return reinterpret_cast<std::uintptr_t>(handle); }
@@ -17,7 +20,12 @@ std::uintptr_t numberOf(const void* handle) { return reinterpret_cast<std::uintp
 }  // namespace
 
 Handles& Handles::all() {
-  static auto* const handles = new Handles;
+  static auto* const handles = [] {
+    auto* const made = new Handles;
+    // A child process that opens a camera of its own finds no thread of its parent in the middle of a call here.
+    pthread_atfork([] { all().mutex_.lock(); }, [] { all().mutex_.unlock(); }, [] { all().mutex_.unlock(); });
+    return made;
+  }();
   return *handles;
 }
 

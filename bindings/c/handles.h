@@ -10,7 +10,7 @@
 namespace zel::c {
 
 // What a handle stands for; the low bits of its number.
-enum class Kind : std::uintptr_t { camera = 1, stream, subscription, photo, picture, packet };
+enum class Kind : std::uintptr_t { camera = 1, stream, subscription, photo, picture, packet, call, stitcher };
 
 // All objects that programs hold. A handle is a number that is never given again and points nowhere, so that any wrong
 // one is found, also one that another thread has just freed.

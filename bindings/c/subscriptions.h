@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "bindings/c/ask.h"
+#include "bindings/c/call_object.h"
 #include "bindings/c/handles.h"
 
 namespace zel::c {
@@ -29,15 +30,17 @@ class SubscriptionObject {
 template <class T>
 class SubscriptionTo final : public SubscriptionObject {
  public:
-  SubscriptionTo(Subscription<T> subscription, bool hasCallback)
-      : subscription_(std::move(subscription)), hasCallback_(hasCallback) {}
+  SubscriptionTo(Subscription<T> subscription, bool isOnCameraThread, bool hasCallback)
+      : subscription_(std::move(subscription)), isOnCameraThread_(isOnCameraThread), hasCallback_(hasCallback) {}
   std::uint64_t dropped() const override { return subscription_.dropped(); }
   void close() override { subscription_.close(); }
+  bool callsOnCameraThread() const { return isOnCameraThread_; }
   bool hasCallback() const { return hasCallback_; }
   Subscription<T>& subscription() { return subscription_; }
 
  private:
   Subscription<T> subscription_;
+  const bool isOnCameraThread_;
   const bool hasCallback_;
 };
 
@@ -48,7 +51,8 @@ SubscriptionOptions queueOf(const zel_queue_options* queue, std::size_t capacity
 template <class T>
 void subscribe(Subscription<T> subscription, bool isOnCameraThread, std::function<void(const T&)> callback,
                zel_subscription** out) {
-  const auto object = std::make_shared<SubscriptionTo<T>>(std::move(subscription), callback != nullptr);
+  const auto object =
+      std::make_shared<SubscriptionTo<T>>(std::move(subscription), isOnCameraThread, callback != nullptr);
   *out = newHandle<SubscriptionObject>(object);
   if (!callback) return;
   object->subscription().each([isOnCameraThread, callback = std::move(callback)](const T& item) {
@@ -57,16 +61,30 @@ void subscribe(Subscription<T> subscription, bool isOnCameraThread, std::functio
   });
 }
 
+// One whose things are taken one by one.
+template <class T>
+std::shared_ptr<SubscriptionTo<T>> takenFrom(zel_subscription* handle) {
+  auto typed = std::dynamic_pointer_cast<SubscriptionTo<T>>(objectOf<SubscriptionObject>(handle));
+  if (!typed) refuse("this subscription gives something else");
+  if (typed->hasCallback()) refuse("this subscription has a callback, which gets everything");
+  return typed;
+}
+
 // Waits for the next one.
 template <class T>
 T nextOf(zel_subscription* handle, int time_limit) {
   const RequestOptions options = withTimeLimit(time_limit);
   checkMayWait();
-  const auto object = objectOf<SubscriptionObject>(handle);
-  auto* const typed = dynamic_cast<SubscriptionTo<T>*>(object.get());
-  if (typed == nullptr) refuse("this subscription gives something else");
-  if (typed->hasCallback()) refuse("this subscription has a callback, which gets everything");
-  return valueOf(typed->subscription().next(options).get());
+  return valueOf(takenFrom<T>(handle)->subscription().next(options).get());
+}
+
+// The same without waiting. take: gives it to the program.
+template <class T, class Take>
+void beginNext(zel_subscription* handle, int time_limit, const Done& done, Take take) {
+  const RequestOptions options = withTimeLimit(time_limit);
+  done.check();
+  const auto typed = takenFrom<T>(handle);
+  startCall(typed->subscription().next(options), typed->callsOnCameraThread(), done, std::move(take));
 }
 
 }  // namespace zel::c

@@ -1,7 +1,10 @@
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/zel.h>
 
+#include <algorithm>
+
 #include "bindings/c/ask.h"
+#include "bindings/c/call_object.h"
 #include "bindings/c/callbacks.h"
 #include "bindings/c/camera_object.h"
 #include "bindings/c/sized.h"
@@ -87,6 +90,32 @@ const std::string& fieldOf(const ZELAccessoryInfo& info, int which) {
   }
 }
 
+zel_link_statistics statisticsOf(const LinkStatistics& from) {
+  static_assert(kFrameTypeCount == ZEL_FRAME_TYPES && static_cast<int>(FrameType::file) == ZEL_FRAME_FILE);
+  zel_link_statistics to{};
+  std::ranges::copy(from.frames, to.frames);
+  std::ranges::copy(from.bytes, to.bytes);
+  to.bytes_received = from.bytesReceived;
+  to.bytes_discarded = from.bytesDiscarded;
+  to.bytes_written = from.bytesWritten;
+  to.bytes_to_write = from.bytesToWrite;
+  to.markers_found = from.markersFound;
+  to.positions_lost = from.positionsLost;
+  to.stream_errors = from.streamErrors;
+  to.lost_for_memory = from.lostForMemory;
+  to.round_trip = from.roundTrip;
+  to.resends_left = from.resendsLeft;
+  to.dropped_unknown_type = from.dropped.unknownType;
+  to.dropped_no_consumer = from.dropped.noConsumer;
+  to.dropped_unregistered_code = from.dropped.unregisteredCode;
+  to.dropped_short_message = from.dropped.shortMessage;
+  to.dropped_unregistered_data = from.dropped.unregisteredData;
+  to.dropped_short_timestamp = from.dropped.shortTimestamp;
+  to.dropped_timestamp_old_firmware = from.dropped.timestampOldFirmware;
+  to.dropped_no_memory = from.dropped.noMemory;
+  return to;
+}
+
 std::shared_ptr<Dispatcher> dispatcherOf(zel_camera* camera) {
   auto dispatcher = objectOf<CameraObject>(camera)->dispatcher();
   if (!dispatcher) refuse("the camera was opened without zel_options.dispatch");
@@ -104,6 +133,21 @@ zel_status zel_open(const zel_options* options, zel_camera** camera, zel_error* 
     const zel_options given = takenOrZero(options, "options");
     checkMayWait();
     *camera = opened(given);
+  });
+}
+
+zel_status zel_begin_open(const zel_options* options, zel_camera** camera, zel_done_callback callback, void* user,
+                          zel_call** call, zel_error* error) {
+  return guarded(error, [&] {
+    checkGiven(camera, "camera");
+    const Done done{callback, user, call};
+    done.check();
+    const zel_options given = takenOrZero(options, "options");
+    if (given.dispatch != 0) refuse("a camera with zel_options.dispatch is opened with zel_open(), which waits");
+    const CameraObject::Log log = logOf(given, nullptr);
+    startCall(zel::Camera::open(optionsOf(given, nullptr, log)), true, done, [camera, log](zel::Camera opened) {
+      *camera = newHandle(std::make_shared<CameraObject>(std::move(opened), nullptr, log));
+    });
   });
 }
 
@@ -130,6 +174,14 @@ zel_status zel_get_identity(zel_camera* camera, int which, char** text, zel_erro
     const auto info = objectOf<CameraObject>(camera)->with([](zel::Camera& asked) { return asked.info(); });
     if (!info) fail({zel::CameraError::Reason::lost, "the camera is not connected"});
     *text = textOut(fieldOf(*info, which));
+  });
+}
+
+zel_status zel_get_link_statistics(zel_camera* camera, zel_link_statistics* statistics, zel_error* error) {
+  return guarded(error, [&] {
+    checkSized(statistics, "statistics");
+    give(statistics,
+         statisticsOf(objectOf<CameraObject>(camera)->with([](zel::Camera& asked) { return asked.statistics(); })));
   });
 }
 

@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "bindings/c/ask.h"
+#include "bindings/c/call_object.h"
 
 // Photos and files.
 
@@ -105,6 +106,39 @@ zel_status capture(zel_camera* camera, const zel_capture_options* options, int t
   });
 }
 
+// A program's progress callback until its call is freed.
+std::function<void(const TransferProgress&)> progressOf(const std::shared_ptr<CallObject>& call,
+                                                        zel_progress_callback callback, void* user) {
+  if (callback == nullptr) return {};
+  return [weak = std::weak_ptr(call), callback, user](const TransferProgress& now) {
+    if (const auto self = weak.lock()) self->callBack([callback, user, now] { callback(user, now.done, now.total); });
+  };
+}
+
+// As capture(), and does not wait.
+template <class Begin>
+zel_status beginCapture(zel_camera* camera, const zel_capture_options* options, int time_limit, zel_photo** photo,
+                        const Done& done, zel_error* error, const Begin& begin) {
+  return guarded(error, [&] {
+    checkGiven(photo, "photo");
+    done.check();
+    const zel_capture_options given = takenOrZero(options, "options");
+    CaptureOptions how = captureOf(given);
+    const RequestOptions request = withTimeLimit(time_limit);
+    const auto object = objectOf<CameraObject>(camera);
+    const auto call = std::make_shared<CallObject>(done, object->callsOnCameraThread());
+    how.progress = progressOf(call, given.progress, given.progress_user);
+    startCall(call, done.call, object->with([&](Camera& asked) { return begin(asked, how, request); }),
+              [photo](auto taken) { *photo = newHandle(objectFor(std::move(taken))); });
+  });
+}
+
+// More than a camera takes is one too many.
+std::vector<std::int8_t> stepsOf(const int8_t* steps, std::size_t count) {
+  if (steps == nullptr) refuse("steps is NULL");
+  return {steps, steps + std::min(count, std::size_t{10})};
+}
+
 const char* textOrNull(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
 
 }  // namespace
@@ -124,9 +158,26 @@ zel_status zel_take_bracket(zel_camera* camera, const int8_t* steps, size_t coun
                             int time_limit, zel_photo** photo, zel_error* error) {
   return capture(camera, options, time_limit, photo, error,
                  [&](zel::Camera& asked, const zel::CaptureOptions& how, const zel::RequestOptions& request) {
-                   if (steps == nullptr) refuse("steps is NULL");
-                   return asked.bracket({steps, steps + std::min(count, std::size_t{10})}, how, request);
+                   return asked.bracket(stepsOf(steps, count), how, request);
                  });
+}
+
+zel_status zel_begin_take_photo(zel_camera* camera, const zel_capture_options* options, int time_limit,
+                                zel_photo** photo, zel_done_callback callback, void* user, zel_call** call,
+                                zel_error* error) {
+  return beginCapture(camera, options, time_limit, photo, {callback, user, call}, error,
+                      [](zel::Camera& asked, const zel::CaptureOptions& how, const zel::RequestOptions& request) {
+                        return asked.photo(how, request);
+                      });
+}
+
+zel_status zel_begin_take_bracket(zel_camera* camera, const int8_t* steps, size_t count,
+                                  const zel_capture_options* options, int time_limit, zel_photo** photo,
+                                  zel_done_callback callback, void* user, zel_call** call, zel_error* error) {
+  return beginCapture(camera, options, time_limit, photo, {callback, user, call}, error,
+                      [&](zel::Camera& asked, const zel::CaptureOptions& how, const zel::RequestOptions& request) {
+                        return asked.bracket(stepsOf(steps, count), how, request);
+                      });
 }
 
 zel_status zel_photo_get(zel_photo* photo, zel_photo_data* data, zel_error* error) {
@@ -167,5 +218,23 @@ zel_status zel_upload(zel_camera* camera, int64_t type, const char* path, const 
         object->with([&](zel::Camera& asked) { return asked.upload(type, name, bytes, told.function(), request); });
     object = nullptr;
     valueOf(told.wait(std::move(pending)));
+  });
+}
+
+zel_status zel_begin_upload(zel_camera* camera, int64_t type, const char* path, const uint8_t* content, size_t length,
+                            zel_progress_callback progress, void* progress_user, int time_limit,
+                            zel_done_callback callback, void* user, zel_call** call, zel_error* error) {
+  return guarded(error, [&] {
+    const Done done{callback, user, call};
+    done.check();
+    const std::string name = textIn(path, "path");
+    const ZELData bytes = bytesIn(content, length, "content");
+    const zel::RequestOptions request = withTimeLimit(time_limit);
+    const auto object = objectOf<CameraObject>(camera);
+    const auto begun = std::make_shared<CallObject>(done, object->callsOnCameraThread());
+    const auto told = progressOf(begun, progress, progress_user);
+    startCall(begun, call,
+              object->with([&](zel::Camera& asked) { return asked.upload(type, name, bytes, told, request); }),
+              Nothing());
   });
 }

@@ -79,6 +79,24 @@ zel_status zel_next_problem(zel_subscription* subscription, int time_limit, zel_
   });
 }
 
+zel_status zel_begin_next_packet(zel_subscription* subscription, int time_limit, zel_packet** packet,
+                                 zel_done_callback callback, void* user, zel_call** call, zel_error* error) {
+  return guarded(error, [&] {
+    checkGiven(packet, "packet");
+    beginNext<zel::MediaPacket>(subscription, time_limit, {callback, user, call},
+                                [packet](const zel::MediaPacket& next) { *packet = handleFor(next); });
+  });
+}
+
+zel_status zel_begin_next_problem(zel_subscription* subscription, int time_limit, zel_error* problem,
+                                  zel_done_callback callback, void* user, zel_call** call, zel_error* error) {
+  return guarded(error, [&] {
+    checkSized(problem, "problem");
+    beginNext<zel::StreamProblem>(subscription, time_limit, {callback, user, call},
+                                  [problem](const zel::StreamProblem& next) { tellFailure(problem, next.error); });
+  });
+}
+
 zel_status zel_packet_get(zel_packet* packet, zel_packet_data* data, zel_error* error) {
   return guarded(error, [&] {
     checkSized(data, "data");

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "bindings/c/formats.h"
+#include "bindings/c/picture_object.h"
 #include "bindings/c/subscriptions.h"
 
 // Decoded pictures of the preview.
@@ -26,23 +27,12 @@ namespace {
 // Like a camera's own default, since a picture is large.
 constexpr std::size_t kPictureCapacity = 4;
 
-struct PictureObject {
-  using Handle = zel_picture;
-  static constexpr Kind kKind = Kind::picture;
-
-  Picture picture;
-};
-
-zel_picture* handleFor(const Picture& picture) {
-  return newHandle(std::make_shared<PictureObject>(PictureObject{picture}));
-}
-
 std::function<void(const Picture&)> deliverTo(zel_picture_callback callback, void* user) {
   if (callback == nullptr) return {};
   return [callback, user](const Picture& picture) {
     zel_picture* handle = nullptr;
     // A picture for which there is no memory is lost.
-    if (guarded(nullptr, [&] { handle = handleFor(picture); }) == ZEL_OK) callback(user, handle);
+    if (guarded(nullptr, [&] { handle = pictureHandle(picture); }) == ZEL_OK) callback(user, handle);
   };
 }
 
@@ -67,6 +57,13 @@ zel_picture_data dataOf(const Picture& picture) {
 
 using namespace zel::c;
 
+zel_status zel_format_code(const zel_format* format, uint8_t* code, zel_error* error) {
+  return guarded(error, [&] {
+    checkGiven(code, "code");
+    *code = resolutionOf(format);
+  });
+}
+
 zel_status zel_pictures(zel_camera* camera, const zel_format* format, const zel_queue_options* queue,
                         zel_picture_callback callback, void* user, zel_subscription** subscription, zel_error* error) {
   return guarded(error, [&] {
@@ -81,7 +78,16 @@ zel_status zel_pictures(zel_camera* camera, const zel_format* format, const zel_
 zel_status zel_next_picture(zel_subscription* subscription, int time_limit, zel_picture** picture, zel_error* error) {
   return guarded(error, [&] {
     checkGiven(picture, "picture");
-    *picture = handleFor(nextOf<zel::Picture>(subscription, time_limit));
+    *picture = pictureHandle(nextOf<zel::Picture>(subscription, time_limit));
+  });
+}
+
+zel_status zel_begin_next_picture(zel_subscription* subscription, int time_limit, zel_picture** picture,
+                                  zel_done_callback callback, void* user, zel_call** call, zel_error* error) {
+  return guarded(error, [&] {
+    checkGiven(picture, "picture");
+    beginNext<zel::Picture>(subscription, time_limit, {callback, user, call},
+                            [picture](const zel::Picture& next) { *picture = pictureHandle(next); });
   });
 }
 

@@ -4,29 +4,7 @@
 #include <ZELTarkaSDK/zel.h>
 
 #include "bindings/c/ask.h"
-
-namespace zel::c {
-
-zel_battery_result native(const Battery& from) {
-  return {.size = 0, .power_type = from.powerType, .level = from.level};
-}
-
-zel_card_result native(const Card& from) {
-  return {.size = 0, .state = from.state, .capacity_bytes = from.capacityBytes, .free_bytes = from.freeBytes};
-}
-
-zel_activation_time_result native(const ActivationTime& from) {
-  return {.size = 0, .seconds = from.seconds, .time_zone_minutes_west = from.timeZoneMinutesWest};
-}
-
-zel_stored_file_result native(const StoredFile& from) {
-  return {.size = 0, .time = from.time, .size_bytes = from.sizeBytes, .name = textOut(from.name)};
-}
-
-// All of these, and those of the records.
-constexpr auto kNative = [](const auto& from) { return native(from); };
-
-}  // namespace zel::c
+#include "bindings/c/results.h"
 
 using namespace zel::c;
 

@@ -3,7 +3,9 @@
 #include <cstdlib>
 
 #include "bindings/c/ask.h"
+#include "bindings/c/call_object.h"
 #include "bindings/c/formats.h"
+#include "bindings/c/logos.h"
 #include "bindings/c/stream_object.h"
 
 // A stream and its outputs.
@@ -19,17 +21,6 @@ const StreamHeaders& StreamObject::keepHeaders() {
 
 namespace {
 
-constexpr std::int32_t kLargestLogo = 8192;
-
-std::optional<platform::RgbaImage> logoOf(const zel_stream_options& given) {
-  if (given.logo == nullptr) return std::nullopt;
-  const auto isSide = [](std::int32_t side) { return side > 0 && side <= kLargestLogo; };
-  if (!isSide(given.logo_width) || !isSide(given.logo_height)) refuse("the logo has no size, or one above 8192");
-  const std::size_t length =
-      4 * static_cast<std::size_t>(given.logo_width) * static_cast<std::size_t>(given.logo_height);
-  return platform::RgbaImage{given.logo_width, given.logo_height, {given.logo, given.logo + length}};
-}
-
 std::optional<StitchedPictures> stitchedOf(const zel_stream_options& given) {
   if (given.stitched == 0) return std::nullopt;
   StitchedPictures pictures;
@@ -41,7 +32,7 @@ std::optional<StitchedPictures> stitchedOf(const zel_stream_options& given) {
     refuse("stitched pictures have two even sides above 0");
   if (given.stitched_bitrate < 0) refuse("a bitrate is not below 0");
   if (given.stitched_bitrate > 0) pictures.bitrate = given.stitched_bitrate;
-  pictures.logo = logoOf(given);
+  pictures.logo = logoOf(given.logo, given.logo_width, given.logo_height);
   pictures.logoAngle = given.logo_angle;
   pictures.removePurple = given.remove_purple != 0;
   return pictures;
@@ -81,6 +72,16 @@ static_assert(static_cast<int>(OutputState::finished) == ZEL_OUTPUT_FINISHED);
 static_assert(static_cast<int>(OutputState::failed) == ZEL_OUTPUT_FAILED);
 
 }  // namespace
+
+std::optional<platform::RgbaImage> logoOf(const std::uint8_t* pixels, std::int32_t width, std::int32_t height) {
+  constexpr std::int32_t kLargest = 8192;
+  if (pixels == nullptr) return std::nullopt;
+  const auto isSide = [](std::int32_t side) { return side > 0 && side <= kLargest; };
+  if (!isSide(width) || !isSide(height)) refuse("the logo has no size, or one above 8192");
+  const std::size_t length = 4 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  return platform::RgbaImage{width, height, {pixels, pixels + length}};
+}
+
 }  // namespace zel::c
 
 using namespace zel::c;
@@ -98,6 +99,25 @@ zel_status zel_stream_start(zel_camera* camera, const zel_stream_options* option
     const bool isOnCameraThread = object->callsOnCameraThread();
     object = nullptr;
     *stream = newHandle(std::make_shared<StreamObject>(valueOf(pending.get()), isOnCameraThread));
+  });
+}
+
+zel_status zel_begin_stream_start(zel_camera* camera, const zel_stream_options* options, int time_limit,
+                                  zel_stream** stream, zel_done_callback callback, void* user, zel_call** call,
+                                  zel_error* error) {
+  return guarded(error, [&] {
+    checkGiven(stream, "stream");
+    const Done done{callback, user, call};
+    done.check();
+    const zel_stream_options given = takenOrZero(options, "options");
+    const zel::RequestOptions request = withTimeLimit(time_limit);
+    const auto object = objectOf<CameraObject>(camera);
+    const zel::StreamOptions how = streamOf(given, *object);
+    const bool isOnCameraThread = object->callsOnCameraThread();
+    startCall(object->with([&](zel::Camera& asked) { return asked.stream(how, request); }), isOnCameraThread, done,
+              [stream, isOnCameraThread](zel::CameraStream started) {
+                *stream = newHandle(std::make_shared<StreamObject>(std::move(started), isOnCameraThread));
+              });
   });
 }
 

@@ -26,6 +26,13 @@ zel_event eventOf(const Event& from) {
   return event;
 }
 
+// With its text, which the program frees.
+zel_event ownedEventOf(const Event& from) {
+  zel_event event = eventOf(from);
+  event.text = textOut(from.text);
+  return event;
+}
+
 std::function<void(const Event&)> deliverTo(zel_event_callback callback, void* user) {
   if (callback == nullptr) return {};
   return [callback, user](const Event& from) {
@@ -71,10 +78,16 @@ zel_status zel_link_changes(zel_camera* camera, const zel_queue_options* queue, 
 zel_status zel_next_event(zel_subscription* subscription, int time_limit, zel_event* event, zel_error* error) {
   return guarded(error, [&] {
     checkSized(event, "event");
-    const auto next = nextOf<zel::Event>(subscription, time_limit);
-    zel_event given = eventOf(next);
-    given.text = textOut(next.text);
-    give(event, given);
+    give(event, ownedEventOf(nextOf<zel::Event>(subscription, time_limit)));
+  });
+}
+
+zel_status zel_begin_next_event(zel_subscription* subscription, int time_limit, zel_event* event,
+                                zel_done_callback callback, void* user, zel_call** call, zel_error* error) {
+  return guarded(error, [&] {
+    checkSized(event, "event");
+    beginNext<zel::Event>(subscription, time_limit, {callback, user, call},
+                          [event](const zel::Event& next) { give(event, ownedEventOf(next)); });
   });
 }
 
@@ -83,6 +96,15 @@ zel_status zel_next_link_state(zel_subscription* subscription, int time_limit, z
   return guarded(error, [&] {
     checkGiven(state, "state");
     *state = static_cast<zel_link_state>(nextOf<zel::LinkStatus>(subscription, time_limit));
+  });
+}
+
+zel_status zel_begin_next_link_state(zel_subscription* subscription, int time_limit, zel_link_state* state,
+                                     zel_done_callback callback, void* user, zel_call** call, zel_error* error) {
+  return guarded(error, [&] {
+    checkGiven(state, "state");
+    beginNext<zel::LinkStatus>(subscription, time_limit, {callback, user, call},
+                               [state](zel::LinkStatus next) { *state = static_cast<zel_link_state>(next); });
   });
 }
 

@@ -4,10 +4,14 @@
 #include <stdint.h>
 
 #include <ZELTarkaSDK/platform/export.h>
+#include <ZELTarkaSDK/zel_begin.h>
+#include <ZELTarkaSDK/zel_begin_requests.h>
+#include <ZELTarkaSDK/zel_link.h>
 #include <ZELTarkaSDK/zel_media.h>
 #include <ZELTarkaSDK/zel_records.h>
 #include <ZELTarkaSDK/zel_requests.h>
 #include <ZELTarkaSDK/zel_status.h>
+#include <ZELTarkaSDK/zel_stitch.h>
 
 // A camera for programs in C, and for languages that call C: zel::Camera, call by call. docs/c.md begins with a
 // program.
@@ -93,15 +97,6 @@ typedef enum zel_identity {
 //
 // Owner:  free the text with zel_free().
 ZEL_EXPORT zel_status zel_get_identity(zel_camera* camera, int which, char** text, zel_error* error);
-
-typedef enum zel_link_state {
-  ZEL_LINK_CLOSED = 0,   // no connection
-  ZEL_LINK_OPEN = 1,     // a session is open, and no frame has come yet
-  ZEL_LINK_FLOWING = 2,  // frames arrive: the camera can be asked
-  ZEL_LINK_SILENT = 3    // frames have stopped; the next one makes it flowing again
-} zel_link_state;
-
-ZEL_EXPORT zel_status zel_get_link_state(zel_camera* camera, zel_link_state* state, zel_error* error);
 
 // -- Events, and the states of the link
 

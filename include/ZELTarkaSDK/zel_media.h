@@ -102,6 +102,11 @@ typedef struct zel_format {
   int32_t width, height, fps;
 } zel_format;
 
+// The camera's code of a format, as zel_start_preview() and zel_lens_offset() take it. format: NULL for the default.
+//
+// Errors: ZEL_INVALID for a format that the camera does not have.
+ZEL_EXPORT zel_status zel_format_code(const zel_format* format, uint8_t* code, zel_error* error);
+
 // Rows of bytes, `stride` bytes apart.
 typedef struct zel_plane {
   const uint8_t* data;
@@ -202,6 +207,7 @@ typedef struct zel_stream_statistics {
 ZEL_EXPORT zel_status zel_stream_get_statistics(zel_stream* stream, zel_stream_statistics* statistics,
                                                 zel_error* error);
 
+// What an output is doing.
 typedef enum zel_output_state {
   ZEL_OUTPUT_WAITING = 0,     // the stream's headers have not come
   ZEL_OUTPUT_CONNECTING = 1,  // its file is being opened, or its server reached
@@ -237,7 +243,11 @@ ZEL_EXPORT zel_status zel_stream_remove_output(zel_stream* stream, int id, zel_o
 ZEL_EXPORT zel_status zel_stream_get_output(zel_stream* stream, size_t index, zel_output_report* report,
                                             zel_error* error);
 
-typedef enum zel_track { ZEL_VIDEO = 0, ZEL_AUDIO = 1 } zel_track;
+// The two tracks of a stream.
+typedef enum zel_track {
+  ZEL_VIDEO = 0,  // H.264
+  ZEL_AUDIO = 1   // AAC-LC
+} zel_track;
 
 // One whole picture, all its slices with start codes of four bytes, or one AAC frame without ADTS header.
 //

@@ -19,6 +19,8 @@ typedef struct zel_subscription zel_subscription;
 typedef struct zel_photo zel_photo;
 typedef struct zel_picture zel_picture;
 typedef struct zel_packet zel_packet;
+typedef struct zel_call zel_call;
+typedef struct zel_stitcher zel_stitcher;
 
 // Why a call gave nothing.
 typedef enum zel_status {

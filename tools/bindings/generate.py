@@ -166,6 +166,13 @@ def c_declaration(request):
         ["zel_camera* camera", *arguments, "int time_limit", *c_given(request)[0], "zel_error* error"]) + ")"
 
 
+def c_begin_declaration(request):
+    arguments = [parameter for one in request.get("arguments", []) for parameter in c_argument(one)[0]]
+    return f"zel_status zel_begin_{snake(request['name'])}(" + ", ".join(
+        ["zel_camera* camera", *arguments, "int time_limit", *c_given(request)[0], "zel_done_callback callback", "void* user",
+         "zel_call** call", "zel_error* error"]) + ")"
+
+
 def c_owned(request, table):
     kind = request.get("gives", "")
     members = table["structure"].get(kind, {}).get("members", [])
@@ -197,21 +204,51 @@ def c_header(table):
     return "\n".join([*out, *C_CLOSE])
 
 
-def c_source(table):
-    out = [f"// {NOTE[0].upper()}{NOTE[1:]}.", "", "#include <ZELTarkaSDK/CameraRequests.h>", "#include <ZELTarkaSDK/zel.h>", "",
-           '#include "bindings/c/ask.h"', "", "namespace zel::c {", ""]
+def c_results(table):
+    out = ["#pragma once", "", "#include <ZELTarkaSDK/CameraValues.h>", "#include <ZELTarkaSDK/zel_requests.h>", "",
+           '#include "bindings/c/records.h"', '#include "bindings/c/text.h"', "",
+           f"// The structures that requests give, as C has them; {NOTE}.", "", "namespace zel::c {", ""]
     for name, structure in table["structure"].items():
         members = []
         for one in structure["members"]:
             value = f"from.{one['name']}"
             members.append(f".{snake(one['name'])} = " + (f"textOut({value})" if one["type"] == "text?" else value))
-        out += [f"{c_struct(name)} native(const {name}& from) {{", f"  return {{.size = 0, {', '.join(members)}}};", "}", ""]
-    out += ["// All of these, and those of the records.", "constexpr auto kNative = [](const auto& from) { return native(from); };", "",
-            "}  // namespace zel::c", "", "using namespace zel::c;", ""]
+        out += [f"inline {c_struct(name)} native(const {name}& from) {{", f"  return {{.size = 0, {', '.join(members)}}};", "}", ""]
+    out += ["// All of these, and those of the records.",
+            "inline constexpr auto kNative = [](const auto& from) { return native(from); };", ""]
+    return "\n".join([*out, "}  // namespace zel::c", ""])
+
+
+def c_source(table):
+    out = [f"// {NOTE[0].upper()}{NOTE[1:]}.", "", "#include <ZELTarkaSDK/CameraRequests.h>", "#include <ZELTarkaSDK/zel.h>", "",
+           '#include "bindings/c/ask.h"', '#include "bindings/c/results.h"', "", "using namespace zel::c;", ""]
     for request in table["request"]:
         given = "".join(f"{c_argument(one)[1]}, " for one in request.get("arguments", []))
         out += [f"{c_declaration(request)} {{",
                 f"  return ask(camera, time_limit, error, {c_given(request)[1]}, [&](zel::Camera& asked, const zel::RequestOptions& options) {{",
+                f"    return asked.{request['name']}({given}options);", "  });", "}", ""]
+    return "\n".join(out[:-1] + [""])
+
+
+def c_begin_header(table):
+    out = ["#pragma once", "", "#include <stddef.h>", "#include <stdint.h>", "", "#include <ZELTarkaSDK/platform/export.h>",
+           "#include <ZELTarkaSDK/zel_begin.h>", "#include <ZELTarkaSDK/zel_records.h>", "#include <ZELTarkaSDK/zel_requests.h>",
+           "#include <ZELTarkaSDK/zel_status.h>", "",
+           *wrapped(f"The requests of zel_requests.h as calls that are begun, see zel_begin.h; {NOTE}. Programs include zel.h.", "//"),
+           "", *C_OPEN]
+    out += [f"ZEL_EXPORT {c_begin_declaration(request)};" for request in table["request"]]
+    return "\n".join([*out, "", *C_CLOSE])
+
+
+def c_begin_source(table):
+    out = [f"// {NOTE[0].upper()}{NOTE[1:]}.", "", "#include <ZELTarkaSDK/CameraRequests.h>", "#include <ZELTarkaSDK/zel.h>", "",
+           '#include "bindings/c/ask.h"', '#include "bindings/c/call_object.h"', '#include "bindings/c/results.h"', "",
+           "using namespace zel::c;", ""]
+    for request in table["request"]:
+        given = "".join(f"{c_argument(one)[1]}, " for one in request.get("arguments", []))
+        out += [f"{c_begin_declaration(request)} {{",
+                f"  return beginAsking(camera, time_limit, {{callback, user, call}}, error, {c_given(request)[1]}, "
+                "[&](zel::Camera& asked, const zel::RequestOptions& options) {",
                 f"    return asked.{request['name']}({given}options);", "  });", "}", ""]
     return "\n".join(out[:-1] + [""])
 
@@ -225,7 +262,8 @@ def formatted(name, text):
 
 FILES = {"include/ZELTarkaSDK/CameraValues.h": cpp_structures, "include/ZELTarkaSDK/CameraRequests.h": cpp_header,
          "facade/camera_requests.cc": cpp_source, "include/ZELTarkaSDK/zel_requests.h": c_header,
-         "bindings/c/zel_requests.cc": c_source}
+         "bindings/c/zel_requests.cc": c_source, "bindings/c/results.h": c_results,
+         "include/ZELTarkaSDK/zel_begin_requests.h": c_begin_header, "bindings/c/zel_begin_requests.cc": c_begin_source}
 
 
 def check_rows(table):
