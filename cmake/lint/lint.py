@@ -13,6 +13,9 @@ from structure import read_edges
 ROOT = Path(__file__).resolve().parents[2]
 LAYERS = sorted({folder.split("/")[0] for folder in read_edges(ROOT / "cmake/lint/edges.txt")})
 FOLDERS = (*LAYERS, "packaging", "tests", "bench", "fuzz", "examples")
+# Of Debian's Python, which others do not find.
+PYTHON_HEADERS = subprocess.run(["/usr/bin/python3", "-c", "import sysconfig; print(sysconfig.get_path('include'))"],
+                                capture_output=True, text=True, check=True).stdout.strip()
 TIDIED = tuple(f"{folder}/" for folder in LAYERS if folder != "include")
 
 
@@ -43,7 +46,7 @@ def is_included_first(header):
 
 def check_headers(pool):
     command = ["g++", "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", "-DASIO_STANDALONE", "-I.", "-Iinclude",
-               "-x", "c++"]
+               "-isystem", PYTHON_HEADERS, "-x", "c++"]
 
     def compile_alone(path):
         code, output = run([*command, "-include", str(path), "/dev/null"])

@@ -12,7 +12,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_COMPONENTS_ALL runtime outputs pictures camera c development tools)
+set(CPACK_COMPONENTS_ALL runtime outputs pictures camera c development tools python)
 set(CPACK_PRE_BUILD_SCRIPTS
   ${CMAKE_CURRENT_SOURCE_DIR}/debian/compress.cmake ${CMAKE_CURRENT_SOURCE_DIR}/debian/strip_archives.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/without_scripts.cmake)
@@ -60,6 +60,9 @@ which CMake and pkg-config find them and the shared ones.")
 zel_package(tools zeltarkasdk-tools utils "command-line host and simulator for 360-degree cameras"
   "${what}This package holds zelcam, the command-line host, and zelcam-sim, a
 simulated camera.")
+zel_package(python python3-zeltarkasdk python "360-degree camera for programs in Python"
+  "${what}This package holds the module for Python: requests, photos, events, pictures
+as buffers that NumPy takes without a copy, and streams, blocking and asyncio.")
 # Programs find the shared library after ldconfig has run.
 foreach(component RUNTIME OUTPUTS PICTURES CAMERA C)
   set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
@@ -75,6 +78,12 @@ list(GET all 0 CPACK_DEBIAN_PICTURES_PACKAGE_DEPENDS)
 list(GET all 1 CPACK_DEBIAN_CAMERA_PACKAGE_DEPENDS)
 list(GET all 3 CPACK_DEBIAN_C_PACKAGE_DEPENDS)
 list(JOIN all ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS)
+# The module is compiled for one version of Python; the scripts compile its sources there.
+list(GET all 4 CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS)
+string(APPEND CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS ", python3 (>= 3.11), python3 (<< 3.12)")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-numpy")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+  ${CMAKE_CURRENT_SOURCE_DIR}/debian/python/postinst ${CMAKE_CURRENT_SOURCE_DIR}/debian/python/prerm)
 # Needed to link the static libraries alone.
 set(packages ${ZEL_LINKED_WITH} ${ZEL_OUTPUTS_LINKED_WITH} ${ZEL_PICTURES_LINKED_WITH})
 list(REMOVE_DUPLICATES packages)
