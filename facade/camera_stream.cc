@@ -27,6 +27,8 @@ Subscription<MediaPacket> CameraStream::packets(const SubscriptionOptions& optio
   return Subscription<MediaPacket>(run_->packets(options));
 }
 
+std::optional<std::int64_t> CameraStream::timeOf(const Picture& picture) const { return run_->timeOf(picture.time); }
+
 Subscription<StreamProblem> CameraStream::problems(const SubscriptionOptions& options) {
   return Subscription<StreamProblem>(run_->problems(options));
 }

@@ -54,6 +54,7 @@ class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_
   std::shared_ptr<detail::SubscriptionState<StreamProblem>> problems(const SubscriptionOptions& options);
   EncodedStreamStatistics statistics() const { return stream_.statistics(); }
   Result<int> addOutput(const std::string& address);
+  std::optional<std::int64_t> timeOf(std::int64_t reportedTime) const { return stream_.timeOf(reportedTime); }
   Outputs& outputs() { return outputs_; }
 
  private:

@@ -97,4 +97,8 @@ EncodedStreamStatistics EncodedStream::statistics() const {
           written.audioBytes, written.newestVideo, written.newestAudio, written.droppedAudio, written.complete};
 }
 
+std::optional<std::int64_t> EncodedStream::timeOf(std::int64_t reportedTime) const {
+  return state_->core->writer.timeOf(state_->core->clock.pictureOf(reportedTime).time);
+}
+
 }  // namespace zel

@@ -83,6 +83,11 @@ WrittenStream StreamWriter::written() const {
   return written_;
 }
 
+std::optional<std::int64_t> StreamWriter::timeOf(std::int64_t time) const {
+  const MutexLock lock(mutex_);
+  return timeline_ ? timeline_->pictureAt(time) : std::nullopt;
+}
+
 // Whether the receiver has the headers; the first key picture brings them.
 bool StreamWriter::begins(Bytes picture, bool key) {
   if (timeline_) return true;

@@ -57,6 +57,11 @@ class StreamWriter {
 
   WrittenStream written() const;
 
+  // Where a picture of that time belongs on the stream's timeline; nothing before its first one.
+  //
+  // Units: milliseconds; microseconds.
+  std::optional<std::int64_t> timeOf(std::int64_t time) const;
+
  private:
   struct Sound {
     ZELData frame;

@@ -55,6 +55,14 @@ std::optional<std::int64_t> Timeline::video(std::int64_t milliseconds, bool key)
   return time;
 }
 
+std::optional<std::int64_t> Timeline::pictureAt(std::int64_t milliseconds) const {
+  if (!shift_ || milliseconds < -kFurthest || milliseconds > kFurthest) return std::nullopt;
+  const std::int64_t time = milliseconds * kMicros + *shift_;
+  const std::int64_t step = newestVideo_ ? time - *newestVideo_ : 0;
+  if (time < begin_ || step < -kClockWasSet || step > kClockWasSetAhead) return std::nullopt;
+  return time;
+}
+
 std::optional<std::int64_t> Timeline::audio(std::int64_t milliseconds) {
   if (!shift_ || milliseconds < -kFurthest || milliseconds > kFurthest) return std::nullopt;
   std::int64_t time = *placed(milliseconds, newestAudio_);

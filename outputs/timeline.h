@@ -27,6 +27,10 @@ class Timeline {
   // sound.
   std::optional<std::int64_t> audio(std::int64_t milliseconds);
 
+  // Where a picture of that time belongs, whether it was placed or not. Nothing for one before the run's first
+  // keyframe, and for one as far from the newest as only a clock that was set can be.
+  std::optional<std::int64_t> pictureAt(std::int64_t milliseconds) const;
+
   // Whether the newest time of that track is the first behind a break: of another run, or of a clock that was set.
   // Asked once for each time.
   bool takeBreak(Track track) { return std::exchange(track == Track::video ? videoBroke_ : audioBroke_, false); }

@@ -92,6 +92,12 @@ class ZEL_EXPORT EncodedStream {
 
   EncodedStreamStatistics statistics() const;
 
+  // Where a picture that Options::picture got belongs on the stream's timeline, by its reported time. Nothing for one
+  // that is older than the stream or its present run.
+  //
+  // Units: milliseconds since 1 January 2001 UTC; microseconds since the stream's first picture.
+  std::optional<std::int64_t> timeOf(std::int64_t reportedTime) const;
+
  private:
   struct State;
   const std::unique_ptr<State> state_;

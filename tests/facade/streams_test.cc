@@ -161,6 +161,27 @@ TEST_F(StreamsTest, APictureThatNobodyLooksAtIsNotDecoded) {
   EXPECT_TRUE(camera.pictures().next().get()) << "the decoder goes on with the next key picture";
 }
 
+TEST_F(StreamsTest, APictureBesideAStreamHasItsPlaceAmongThePackets) {
+  attach();
+  Camera camera = opened();
+  auto stream = camera.stream().get();
+  ASSERT_TRUE(stream);
+  auto packets = stream->packets();
+  auto pictures = camera.pictures();
+  const auto picture = pictures.next().get();
+  ASSERT_TRUE(picture);
+  const auto time = stream->timeOf(*picture);
+  ASSERT_TRUE(time);
+  std::int64_t reached = 0;
+  while (reached < *time) {
+    const auto packet = packets.next().get();
+    ASSERT_TRUE(packet);
+    if (packet->track == Track::video) reached = packet->time;
+  }
+  EXPECT_EQ(reached, *time);
+  EXPECT_FALSE(stream->timeOf({picture->pixels, picture->time - 3'600'000})) << "older than the stream";
+}
+
 TEST_F(StreamsTest, PicturesThatTheCameraRefusesEndWithItsError) {
   simulator::Faults faults;
   faults.refuse = {kStartPreview};

@@ -21,6 +21,32 @@ TEST_F(TimelineTest, BeginsWithTheFirstKeyPicture) {
   EXPECT_EQ(timeline.video(133, false), 33'000);
 }
 
+TEST_F(TimelineTest, TellsWhereAPictureBelongsBeforeItIsPlaced) {
+  EXPECT_EQ(timeline.pictureAt(100), std::nullopt);
+  timeline.video(100, true);
+  EXPECT_EQ(timeline.pictureAt(99), std::nullopt);
+  EXPECT_EQ(timeline.pictureAt(100), 0);
+  EXPECT_EQ(timeline.pictureAt(133), 33'000);
+  EXPECT_EQ(timeline.video(133, false), 33'000);
+  EXPECT_EQ(timeline.pictureAt(133), 33'000);
+}
+
+TEST_F(TimelineTest, APictureOfTheRunBeforeOrOfAnotherClockBelongsNowhere) {
+  timeline.video(10'000, true);
+  timeline.video(10'033, false);
+  EXPECT_EQ(timeline.pictureAt(10'033 + 3'600'000), 3'600'033'000);
+  EXPECT_EQ(timeline.pictureAt(10'033 + 3'600'001), std::nullopt);
+  EXPECT_EQ(timeline.pictureAt((std::int64_t{1} << 50) + 1), std::nullopt);
+  timeline.beginRun();
+  EXPECT_EQ(timeline.pictureAt(10'066), std::nullopt);
+  timeline.video(20'000, true);
+  EXPECT_EQ(timeline.pictureAt(19'999), std::nullopt);
+  EXPECT_EQ(timeline.pictureAt(20'000), 66'000);
+  timeline.video(22'000, false);
+  EXPECT_EQ(timeline.pictureAt(21'000), 1'066'000);
+  EXPECT_EQ(timeline.pictureAt(20'999), std::nullopt);
+}
+
 TEST_F(TimelineTest, PicturesNeverGoBackwards) {
   timeline.video(100, true);
   EXPECT_EQ(timeline.video(133, false), 33'000);
