@@ -112,7 +112,8 @@ void CameraCore::start(std::shared_ptr<detail::PendingState<Camera>> opening, co
     openingWatch_ = watch(orLimit(request, options_.openTimeLimit),
                           [self](const CameraError& why) { self->failOpening(self->whyNotOpen(why)); });
   }
-  host_->ports().queues.mainQueue().post([self] {
+  // The opening may have ended meanwhile: its stop was requested before, or its time is over.
+  callbacks_->postToMain([self] {
     if (self->options_.ports == nullptr) self->callbacks_->noteMainThread();
     self->withStack([](CameraStack& stack) { stack.accessory().openCamera(); });
     self->look();

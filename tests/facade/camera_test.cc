@@ -50,6 +50,16 @@ TEST_F(CameraTest, TellsThatAnotherHasTheCameraAtOnce) {
   EXPECT_THAT(camera.error().message, testing::StartsWith("camera E1A0001 is in use by process "));
 }
 
+TEST_F(CameraTest, AnOpeningMayBeGivenUpBeforeItBegins) {
+  std::stop_source stop;
+  stop.request_stop();
+  for (int round = 0; round < 100; ++round) {
+    const auto camera = Camera::open(options(), {.stop = stop.get_token()}).get();
+    ASSERT_FALSE(camera);
+    EXPECT_EQ(camera.error().reason, Reason::cancelled);
+  }
+}
+
 TEST_F(CameraTest, OpensTheOneThatIsNamed) {
   attach({}, "E1A0001");
   attach({}, "E1A0002");
