@@ -18,6 +18,8 @@ using std::chrono::milliseconds;
 // Between the threads of the camera and its callbacks.
 constexpr std::size_t kMostWaitingPackets = 512, kMostWaitingPictures = 4;
 
+constexpr const char* kLost = "the camera was lost; the stream waits for it";
+
 }  // namespace
 
 CameraRun::CameraRun(GstElement& element, Settings settings)
@@ -77,7 +79,7 @@ std::optional<CameraError> CameraRun::preparePanoramas(const std::stop_token& st
   panoramas_ = std::make_unique<Panoramas>(*camera_->stack().ports().mediaLibrary, settings_);
   if (panoramas_->canStitch()) return askForOffset(stop);
   return CameraError{Reason::invalid, "there are no panoramas of " + std::to_string(settings_.width) + " x " +
-                                       std::to_string(settings_.height) + " pixels; both sides must be even"};
+                                          std::to_string(settings_.height) + " pixels; both sides must be even"};
 }
 
 std::optional<CameraError> CameraRun::askForOffset(const std::stop_token& stop) {
@@ -100,8 +102,11 @@ std::optional<CameraError> CameraRun::startStream(const std::stop_token& stop) {
   }
   auto stream = starting.get();
   if (!stream) return stream.error();
-  const std::lock_guard lock(mutex_);
-  stream_.emplace(*std::move(stream));
+  {
+    const std::lock_guard lock(mutex_);
+    stream_.emplace(*std::move(stream));
+  }
+  watchForProblems();
   return std::nullopt;
 }
 
@@ -118,10 +123,16 @@ std::optional<CameraError> CameraRun::showPads(const std::stop_token& stop) {
   pads_.show(stream_->headers(), picture, panoramas_.get());
   isShown_ = true;
   subscriptions_.packets = stream_->packets({.capacity = kMostWaitingPackets});
-  subscriptions_.problems = stream_->problems();
   subscriptions_.packets->each([this](const MediaPacket& packet) { onPacket(packet); });
-  subscriptions_.problems->each([this](const StreamProblem& problem) { onProblem(problem.error); });
   return std::nullopt;
+}
+
+// A camera may be lost from the stream's first picture on, which is before anybody can be told.
+void CameraRun::watchForProblems() {
+  subscriptions_.problems = stream_->problems();
+  subscriptions_.problems->each([this](const StreamProblem& problem) { onProblem(problem.error); });
+  const LinkStatus now = camera_->linkStatus();
+  if (now == LinkStatus::closed || now == LinkStatus::open) onProblem({Reason::lost, kLost});
 }
 
 // The caps of pictures are known with the first one only.
@@ -158,12 +169,10 @@ void CameraRun::onPicture(const Picture& picture) {
 
 void CameraRun::onProblem(const CameraError& problem) {
   const std::lock_guard lock(mutex_);
-  const bool waits = problem.reason == Reason::lost && settings_.onLoss == OnLoss::wait;
+  const bool isLoss = problem.reason == Reason::lost, waits = isLoss && settings_.onLoss == OnLoss::wait;
+  if (isLoss && std::exchange(isLost_, true)) return;  // is known
+  losses_ += isLoss ? 1 : 0;
   problems_.push_back({problem, !waits});
-  if (problem.reason == Reason::lost) {
-    ++losses_;
-    isLost_ = true;
-  }
   if (waits && settings_.lossTimeout > 0) patience_ = Clock::now() + milliseconds(settings_.lossTimeout);
   changed_.notify_all();
 }
@@ -194,7 +203,7 @@ std::optional<CameraRun::Problem> CameraRun::nextProblem(const std::stop_token& 
       changed_.wait(lock, stop, [&] { return isNew() || patience_; });
     } else if (!changed_.wait_until(lock, stop, *patience_, isNew) && patience_ && Clock::now() >= *patience_) {
       return Problem{{Reason::lost, "the camera was lost, and did not come back within " +
-                                     std::to_string(settings_.lossTimeout) + " milliseconds"}};
+                                        std::to_string(settings_.lossTimeout) + " milliseconds"}};
     }
   }
   return std::nullopt;

@@ -65,6 +65,7 @@ class CameraRun {
   std::optional<CameraError> preparePanoramas(const std::stop_token& stop);
   std::optional<CameraError> askForOffset(const std::stop_token& stop);
   std::optional<CameraError> startStream(const std::stop_token& stop);
+  void watchForProblems();
   std::optional<CameraError> awaitPicture(const std::stop_token& stop);
   std::optional<CameraError> showPads(const std::stop_token& stop);
   void supervise(const std::stop_token& stop);

@@ -16,6 +16,7 @@ SourcePad::SourcePad(GstElement& element, Role role)
     : element_(element), role_(std::move(role)), pad_(newPad(element, role_.name)), waitsForKey_(role_.needsKeys) {
   gst_pad_set_element_private(pad_, this);
   gst_pad_set_activatemode_function(pad_, &SourcePad::activate);
+  gst_pad_set_query_function(pad_, &SourcePad::query);
   gst_pad_use_fixed_caps(pad_);
 }
 
@@ -38,6 +39,12 @@ gboolean SourcePad::activate(GstPad* pad, GstObject*, GstPadMode mode, gboolean 
   if (active) return TRUE;
   self->flush();
   return gst_pad_stop_task(pad);
+}
+
+// The element knows its latency.
+gboolean SourcePad::query(GstPad* pad, GstObject* element, GstQuery* query) {
+  const bool isOfElement = GST_QUERY_TYPE(query) == GST_QUERY_LATENCY && element != nullptr;
+  return isOfElement ? gst_element_query(GST_ELEMENT(element), query) : gst_pad_query_default(pad, element, query);
 }
 
 void SourcePad::show(GstCaps& caps, guint group) {

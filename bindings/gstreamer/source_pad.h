@@ -65,6 +65,7 @@ class SourcePad {
 
  private:
   static gboolean activate(GstPad* pad, GstObject* element, GstPadMode mode, gboolean active);
+  static gboolean query(GstPad* pad, GstObject* element, GstQuery* query);
   void run();
   enum class Next { item, end, nothing };
   Next take(Item& item);

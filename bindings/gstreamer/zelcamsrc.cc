@@ -109,7 +109,7 @@ gboolean sendEvent(GstElement* element, GstEvent* event) {
 gboolean query(GstElement* element, GstQuery* query) {
   const auto run = sourceOf(element).run();
   if (GST_QUERY_TYPE(query) != GST_QUERY_LATENCY || !run) {
-    return GST_ELEMENT_CLASS(parentClass)->query(element, query);
+    return GST_QUERY_TYPE(query) != GST_QUERY_LATENCY && GST_ELEMENT_CLASS(parentClass)->query(element, query);
   }
   const StreamPads::Latency latency = run->pads().latency();
   gst_query_set_latency(query, TRUE, latency.least, latency.most);
