@@ -13,6 +13,9 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_COMPONENTS_ALL runtime outputs pictures camera c development tools python)
+if(TARGET gstzelcam)
+  list(APPEND CPACK_COMPONENTS_ALL gstreamer)
+endif()
 set(CPACK_PRE_BUILD_SCRIPTS
   ${CMAKE_CURRENT_SOURCE_DIR}/debian/compress.cmake ${CMAKE_CURRENT_SOURCE_DIR}/debian/strip_archives.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/without_scripts.cmake)
@@ -63,6 +66,11 @@ simulated camera.")
 zel_package(python python3-zeltarkasdk python "360-degree camera for programs in Python"
   "${what}This package holds the module for Python: requests, photos, events, pictures
 as buffers that NumPy takes without a copy, and streams, blocking and asyncio.")
+if(TARGET gstzelcam)
+  zel_package(gstreamer gstreamer1.0-zeltarkasdk libs "GStreamer source for 360-degree cameras"
+    "${what}This package holds the GStreamer plugin with zelcamsrc, a live source of a
+camera's pictures and sound.")
+endif()
 # Programs find the shared library after ldconfig has run.
 foreach(component RUNTIME OUTPUTS PICTURES CAMERA C)
   set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/triggers)
@@ -77,6 +85,7 @@ list(GET all 0 CPACK_DEBIAN_OUTPUTS_PACKAGE_DEPENDS)
 list(GET all 0 CPACK_DEBIAN_PICTURES_PACKAGE_DEPENDS)
 list(GET all 1 CPACK_DEBIAN_CAMERA_PACKAGE_DEPENDS)
 list(GET all 3 CPACK_DEBIAN_C_PACKAGE_DEPENDS)
+list(GET all 3 CPACK_DEBIAN_GSTREAMER_PACKAGE_DEPENDS)
 list(JOIN all ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS)
 # The module is compiled for one version of Python; the scripts compile its sources there.
 list(GET all 4 CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS)

@@ -237,7 +237,7 @@ TEST_F(ElementTest, PadsThatNobodyLinksAtAllAreAnError) {
 
 TEST_F(ElementTest, TheLatencyIsTold) {
   attach();
-  play("zelcamsrc name=source num-buffers=5 ! fakesink sync=true");
+  play("zelcamsrc name=source num-buffers=5 ! fakesink sync=true processing-deadline=0");
   EXPECT_EQ(end(), "");
   GstQuery* const query = gst_query_new_latency();
   ASSERT_TRUE(gst_element_query(pipeline_.get(), query));

@@ -91,7 +91,8 @@ TEST_F(FailureTest, AValueOutOfRangeIsNotTaken) {
 TEST_F(FailureTest, ASilentCameraIsAnErrorInTime) {
   attach(silent());
   play("zelcamsrc open-timeout=1000 ! fakesink");
-  expectError(GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_OPEN_READ, "camera E1A0001");
+  expectError(GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_OPEN_READ,
+              "the camera E1A0001 is attached but sent nothing in time");
 }
 
 TEST_F(FailureTest, ACameraWithoutSoundIsAnErrorInTime) {
