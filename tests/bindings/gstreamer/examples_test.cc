@@ -62,10 +62,11 @@ TEST_F(GStreamerExamplesTest, Panorama) {
   EXPECT_GT(film.audioFrames, 0);
 }
 
-// Without a screen the window is one that shows nothing.
+// Whatever screen there is, nothing is shown on it; the sink for DirectFB ends the process where it has none.
 TEST_F(GStreamerExamplesTest, Window) {
   unsetenv("DISPLAY");
   unsetenv("WAYLAND_DISPLAY");
+  setenv("GST_PLUGIN_FEATURE_RANK", "dfbvideosink:NONE,fbdevsink:NONE,kmssink:NONE,waylandsink:NONE", 1);
   Process pipeline(kExamples + "window.sh", {}, work_.path());
   ASSERT_TRUE(pipeline.waitForOutput("Redistribute latency")) << pipeline.errors();
   pipeline.signal(SIGINT);
