@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -80,14 +81,19 @@ GstDevice* newDevice(const platform::AccessoryDescription& camera) {
 
 // -- The bus
 
-// Watches the bus, and tells the provider what comes and goes. Units: none.
+// Watches the bus, and tells the provider what comes and goes.
 class Watch {
  public:
   // Errors: null where the folder cannot be used; the words are in `error`.
   static std::unique_ptr<Watch> begin(GstDeviceProvider& provider, std::string& error) {
     auto platform = LinuxPlatform::create({.warn = [](const std::string&) {}}, error);
     if (!platform) return nullptr;
-    return std::unique_ptr<Watch>(new Watch(provider, std::move(platform)));
+    try {
+      return std::unique_ptr<Watch>(new Watch(provider, std::move(platform)));
+    } catch (const std::system_error& fault) {
+      error = std::string("no thread can be started to watch the bus: ") + fault.what();
+      return nullptr;
+    }
   }
 
   ~Watch() {

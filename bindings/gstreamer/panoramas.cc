@@ -13,7 +13,7 @@ Panoramas::Panoramas(platform::MediaLibrary& library, const Settings& settings)
     : render_(library.createFlatOffscreenRender(settings.width, settings.height)) {
   if (!render_) return;
   render_->setIsRenderVideo(true);
-  render_->setRemovePurple(settings.removePurple != FALSE);
+  render_->setRemovePurple(settings.removePurple);
 }
 
 void Panoramas::setOffset(const std::string& offset) {

@@ -148,7 +148,7 @@ bool setProperty(Settings& settings, guint property, const GValue& value) {
     case kHeight:
       return settings.height = g_value_get_int(&value), true;
     case kRemovePurple:
-      return settings.removePurple = g_value_get_boolean(&value), true;
+      return settings.removePurple = g_value_get_boolean(&value) != FALSE, true;
     case kDecoderThreads:
       return settings.decoderThreads = g_value_get_uint(&value), true;
     case kOpenTimeout:
@@ -181,7 +181,7 @@ bool getProperty(const Settings& settings, guint property, GValue& value) {
     case kHeight:
       return g_value_set_int(&value, settings.height), true;
     case kRemovePurple:
-      return g_value_set_boolean(&value, settings.removePurple), true;
+      return g_value_set_boolean(&value, settings.removePurple ? TRUE : FALSE), true;
     case kDecoderThreads:
       return g_value_set_uint(&value, settings.decoderThreads), true;
     case kOpenTimeout:

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <ZELTarkaSDK/PreviewFormat.h>
-#include <gst/gst.h>
 
 #include <cstdint>
 #include <string>
@@ -18,13 +17,13 @@ struct Settings {
   std::string serialNumber, folder;
   Output output = Output::camera;
   std::uint8_t resolution = kSmallestPreview;
-  gint width = 1920, height = 960;
-  gboolean removePurple = FALSE;
-  guint decoderThreads = 1;
-  guint openTimeout = 10'000, startTimeout = 10'000;
+  int width = 1920, height = 960;
+  bool removePurple = false;
+  unsigned decoderThreads = 1;
+  unsigned openTimeout = 10'000, startTimeout = 10'000;
   OnLoss onLoss = OnLoss::wait;
-  guint lossTimeout = 30'000;  // 0: none
-  gint numBuffers = -1;        // pictures; below 0: all
+  unsigned lossTimeout = 30'000;  // 0: none
+  int numBuffers = -1;            // pictures; below 0: all
 };
 
 }  // namespace zel::gst

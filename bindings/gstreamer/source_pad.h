@@ -35,9 +35,13 @@ class SourcePad {
     const char* name;      // of the pad and of its template
     std::size_t capacity;  // of the queue
     bool needsKeys;        // what follows a gap must be a key picture
-    // Makes a buffer without times; null drops the item. Thread: the pad's task.
+    // Makes a buffer without times; null drops the item.
+    //
+    // Thread: the pad's task.
     std::function<GstBuffer*(const Item&)> buffer;
-    // Told of each push. True: the task goes on. Thread: the pad's task.
+    // Told of each push. True: the task goes on.
+    //
+    // Thread: the pad's task.
     std::function<bool(GstPad*, GstFlowReturn)> pushed;
   };
 

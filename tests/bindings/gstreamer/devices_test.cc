@@ -57,6 +57,12 @@ TEST_F(DevicesTest, CamerasThatComeAndGoAreTold) {
   EXPECT_EQ(serials(), std::vector<std::string>{"E1A0001"});
 }
 
+TEST_F(DevicesTest, AFolderThatCannotBeUsedHidesNoOtherDevices) {
+  setenv("ZEL_ACCESSORIES", "/dev/null/bus", 1);
+  EXPECT_TRUE(gst_device_monitor_start(monitor_.get()));
+  EXPECT_TRUE(serials().empty());
+}
+
 TEST_F(DevicesTest, ADeviceMakesAnElementForItsCamera) {
   attach();
   attach({}, "E1A0002");

@@ -52,6 +52,21 @@ class ElementTest : public PluginTest {
 
 bool has(const Buffer& buffer, guint flag) { return (GST_BUFFER_FLAGS(buffer.get()) & flag) != 0; }
 
+std::string textOf(const GstCaps* caps) {
+  gchar* const text = gst_caps_to_string(caps);
+  std::string copy = text;
+  g_free(text);
+  return copy;
+}
+
+// Keeps what the video pad says that it gives.
+void tellCaps(GstElement*, GstPad* pad, std::string* told) {
+  const Own<GstCaps> caps(gst_pad_get_current_caps(pad));
+  if (std::string(GST_PAD_NAME(pad)) == "video") *told = textOf(caps.get());
+}
+
+void count(GstElement*, GstBuffer*, GstPad*, int* seen) { ++*seen; }
+
 std::vector<int> unitTypes(const Buffer& buffer) {
   GstMapInfo map;
   std::vector<int> types;
@@ -109,12 +124,7 @@ TEST_F(ElementTest, CapsTellAllThatIsKnown) {
   harness("video");
   ASSERT_TRUE(pull());
   const Own<GstCaps> caps(gst_pad_get_current_caps(harness_->sinkpad));
-  const std::string text = [&] {
-    gchar* const printed = gst_caps_to_string(caps.get());
-    std::string copy = printed;
-    g_free(printed);
-    return copy;
-  }();
+  const std::string text = textOf(caps.get());
   for (const char* part :
        {"video/x-h264", "stream-format=(string)byte-stream", "alignment=(string)au", "width=(int)1440",
         "height=(int)720", "framerate=(fraction)30/1", "colorimetry=(string)", "profile=(string)", "level=(string)"}) {
@@ -177,14 +187,7 @@ TEST_F(ElementTest, StitchedPicturesHaveTheSizeThatIsAskedFor) {
   make("zelcamsrc name=source output=stitched width=640 height=320 num-buffers=5 ! fakesink");
   std::string caps;
   const Own<GstElement> source = element("source");
-  g_signal_connect(source.get(), "pad-added", G_CALLBACK(+[](GstElement*, GstPad* pad, std::string* told) {
-                     if (std::string(GST_PAD_NAME(pad)) != "video") return;
-                     const Own<GstCaps> current(gst_pad_get_current_caps(pad));
-                     gchar* const text = gst_caps_to_string(current.get());
-                     *told = text;
-                     g_free(text);
-                   }),
-                   &caps);
+  g_signal_connect(source.get(), "pad-added", G_CALLBACK(tellCaps), &caps);
   gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
   EXPECT_EQ(end(), "");
   EXPECT_THAT(caps, HasSubstr("format=(string)NV12"));
@@ -195,13 +198,12 @@ TEST_F(ElementTest, StitchedPicturesHaveTheSizeThatIsAskedFor) {
 TEST_F(ElementTest, AsManyPicturesComeAsAreAskedForAndThenTheEnd) {
   attach();
   make("zelcamsrc name=source num-buffers=7 source.video ! fakesink name=pictures signal-handoffs=true");
-  int count = 0;
+  int seen = 0;
   const Own<GstElement> sink = element("pictures");
-  g_signal_connect(sink.get(), "handoff", G_CALLBACK(+[](GstElement*, GstBuffer*, GstPad*, int* seen) { ++*seen; }),
-                   &count);
+  g_signal_connect(sink.get(), "handoff", G_CALLBACK(count), &seen);
   gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
   EXPECT_EQ(end(), "");
-  EXPECT_EQ(count, 7);
+  EXPECT_EQ(seen, 7);
 }
 
 TEST_F(ElementTest, TheEndThatAPipelineAsksForReachesBothPads) {

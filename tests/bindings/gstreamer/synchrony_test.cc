@@ -18,9 +18,15 @@ class SynchronyTest : public PluginTest {
 
   // Muxes both pads to a file.
   void film(const std::string& source, const std::string& pictures) {
+    begin(source, pictures);
+    finish();
+  }
+  void begin(const std::string& source, const std::string& pictures) {
     attach();
     play("zelcamsrc name=c num-buffers=150 " + source + " c.video ! " + pictures +
          " ! queue ! matroskamux name=m ! filesink location=" + film_ + " c.audio ! aacparse ! queue ! m.");
+  }
+  void finish() {
     EXPECT_EQ(end(), "");
     gst_element_set_state(pipeline_.get(), GST_STATE_NULL);
   }
@@ -39,6 +45,17 @@ TEST_F(SynchronyTest, TheBeepIsHeardWhenTheLampIsSeen) {
 
 TEST_F(SynchronyTest, TheBeepIsHeardWhenTheLampIsSeenInPicturesThatAreEncodedAgain) {
   film("output=raw", "x264enc tune=zerolatency speed-preset=ultrafast");
+  expectTogether(lampInFisheyes());
+}
+
+TEST_F(SynchronyTest, TheBeepIsHeardWhenTheLampIsSeenAlsoWhenTheCameraWasAway) {
+  begin("", "h264parse");
+  const Own<GstElement> source = element("c");
+  ASSERT_TRUE(eventually([&] { return figure(*source, "pictures") > 60; }));
+  camera().unplug();
+  ASSERT_TRUE(eventually([&] { return figure(*source, "losses") == 1; }));
+  camera().plug();
+  finish();
   expectTogether(lampInFisheyes());
 }
 
