@@ -6,9 +6,7 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <fstream>
 #include <memory>
@@ -25,7 +23,9 @@
 #include <ZELTarkaSDK/ZELMessageKeys.h>
 #include <ZELTarkaSDK/platform/ports.h>
 
+#include "bench/binding_hosts.h"
 #include "bench/echo_camera.h"
+#include "bench/exchange_batch.h"
 #include "bench/ratio_report.h"
 #include "link/camera_data_parser.h"
 #include "platform/linux/asio.h"
@@ -34,31 +34,8 @@
 namespace zel::bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr int kBatch = 1000;
 constexpr std::int64_t kWhiteBalance = 43;
 const Bytes kRequest = messageFrame(0x401A, Bytes{2});
-
-// Times of one batch's exchanges. The caller starts the first; each completion starts the next.
-class Batch {
- public:
-  Batch() { times_.reserve(kBatch); }
-  void begin() { start_ = Clock::now(); }
-  // Returns whether another exchange is to follow.
-  bool complete() {
-    times_.push_back(std::chrono::duration<double>(Clock::now() - start_).count());
-    return times_.size() < kBatch;
-  }
-  double median() {
-    std::ranges::nth_element(times_, times_.begin() + kBatch / 2);
-    return times_[kBatch / 2];
-  }
-
- private:
-  std::vector<double> times_;
-  Clock::time_point start_;
-};
 
 // A host on the Linux platform whose camera's frames arrive. The calling thread is its main thread.
 class Host {
@@ -205,6 +182,17 @@ void objectWaitedFor(benchmark::State& state) {
   for (auto _ : state) state.SetIterationTime(object.waitedFor());
 }
 
+void inC(benchmark::State& state) {
+  HostInC host;
+  for (auto _ : state) state.SetIterationTime(host.waitedFor());
+}
+void inPython(benchmark::State& state, const char* way) {
+  for (auto _ : state) state.SetIterationTime(exchangesInPython(way));
+}
+void importingPython(benchmark::State& state) {
+  for (auto _ : state) state.SetIterationTime(importInPython());
+}
+
 void bareAsio(benchmark::State& state) {
   BareAsio peer;
   exchanges(state, peer);
@@ -296,6 +284,10 @@ void registerMessages() {
 BENCHMARK(requestToCompletion)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
 BENCHMARK(objectCalledBack)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
 BENCHMARK(objectWaitedFor)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
+BENCHMARK(inC)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
+BENCHMARK_CAPTURE(inPython, waited, "waited")->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
+BENCHMARK_CAPTURE(inPython, awaited, "awaited")->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
+BENCHMARK(importingPython)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK(bareAsio)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
 BENCHMARK(blockingPingPong)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(10);
 BENCHMARK(hundredThousandRequests)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(1);
@@ -308,6 +300,9 @@ std::vector<Ratio> ratios() {
            "requestToCompletion" + suffix, 1.1},
           {"the camera object's, waited for / request to completion", "objectWaitedFor" + suffix,
            "requestToCompletion" + suffix, 0},
+          {"C, waited for / the camera object's, waited for", "inC" + suffix, "objectWaitedFor" + suffix, 1.1},
+          {"Python, waited for / request to completion", "inPython/waited" + suffix, "requestToCompletion" + suffix, 0},
+          {"Python, awaited / request to completion", "inPython/awaited" + suffix, "requestToCompletion" + suffix, 0},
           {"request to completion / blocking ping-pong of 16 bytes", "requestToCompletion" + suffix,
            "blockingPingPong" + suffix, 0},
           {"bare Asio / blocking ping-pong of 16 bytes", "bareAsio" + suffix, "blockingPingPong" + suffix, 0}};
