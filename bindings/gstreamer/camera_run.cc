@@ -117,9 +117,7 @@ std::optional<CameraError> CameraRun::showPads(const std::stop_token& stop) {
     const std::lock_guard lock(mutex_);
     picture = std::exchange(firstPicture_, nullptr);
   }
-  if (panoramas_ && !(picture = panoramas_->stitched(picture))) {
-    return CameraError{Reason::media, "no picture can be stitched with the camera's lens offset"};
-  }
+  if (panoramas_ && !(picture = panoramas_->stitched(picture))) return panoramas_->failure();
   pads_.show(stream_->headers(), picture, panoramas_.get());
   isShown_ = true;
   subscriptions_.packets = stream_->packets({.capacity = kMostWaitingPackets});

@@ -29,11 +29,17 @@ platform::PixelBufferRef Panoramas::stitched(const platform::PixelBufferRef& pic
   return image;
 }
 
-std::optional<CameraError> Panoramas::takeFailure() {
+CameraError Panoramas::failure() {
   const std::lock_guard lock(mutex_);
-  if (failures_ < kEnough || std::exchange(isTold_, true)) return std::nullopt;
-  return CameraError{CameraError::Reason::media,
-                     "no picture can be stitched with the camera's lens offset \"" + offset_ + "\""};
+  return {CameraError::Reason::media, "no picture can be stitched with the camera's lens offset \"" + offset_ + "\""};
+}
+
+std::optional<CameraError> Panoramas::takeFailure() {
+  {
+    const std::lock_guard lock(mutex_);
+    if (failures_ < kEnough || std::exchange(isTold_, true)) return std::nullopt;
+  }
+  return failure();
 }
 
 }  // namespace zel::gst

@@ -28,7 +28,9 @@ class Panoramas {
   // Errors: null.
   platform::PixelBufferRef stitched(const platform::PixelBufferRef& picture);
 
-  // That none was stitched of many; told once.
+  // That none was stitched.
+  CameraError failure();
+  // The same, where it was none of many, and told once.
   std::optional<CameraError> takeFailure();
 
  private:

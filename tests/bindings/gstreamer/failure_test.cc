@@ -107,6 +107,16 @@ TEST_F(FailureTest, ACameraWithoutSoundIsAnErrorInTime) {
   expectError(GST_STREAM_ERROR, GST_STREAM_ERROR_FAILED, "the stream did not start: pictures come, and no sound");
 }
 
+TEST_F(FailureTest, ALensOffsetThatSaysNothingIsAnErrorThatShowsIt) {
+  attach();
+  const std::string offset = "2_0_0_0_0_0_0_0_0_0_0_0_0_3040_1520_7";
+  Process host(zelcamProgram(), {"call", "msgReqSetMediaOffset", "0", "3", offset}, folder_.path());
+  ASSERT_EQ(host.wait(), 0) << host.errors();
+  play("zelcamsrc output=stitched ! fakesink");
+  expectError(GST_STREAM_ERROR, GST_STREAM_ERROR_FAILED,
+              "no picture can be stitched with the camera's lens offset \"2_0.000_");
+}
+
 TEST_F(FailureTest, ALostCameraThatComesBackIsToldAndGoesOnBehindAGap) {
   attach();
   play("zelcamsrc name=source ! fakesink name=sink signal-handoffs=true");
