@@ -215,6 +215,22 @@ TEST_F(FailureTest, StatesChangeInAnyOrderAndAtAnyMoment) {
   }
 }
 
+TEST_F(FailureTest, StatesChangeWhileTheCameraComesAndGoes) {
+  attach();
+  constexpr std::array kAll = {GST_STATE_READY, GST_STATE_PAUSED, GST_STATE_PLAYING};
+  std::minstd_rand random(11);
+  make("zelcamsrc name=source output=stitched width=320 height=160 ! fakesink");
+  const Own<GstElement> source = element("source");
+  for (int round = 0; round < 40; ++round) {
+    set(kAll.at(random() % kAll.size()));
+    round % 2 == 0 ? camera().unplug() : camera().plug();
+    if (round % 8 != 7) continue;
+    set(GST_STATE_PLAYING);
+    const guint64 before = figure(*source, "pictures");
+    ASSERT_TRUE(eventually([&] { return figure(*source, "pictures") > before; }));
+  }
+}
+
 TEST_F(FailureTest, ACameraMayGoInEachState) {
   attach();
   for (const GstState state : {GST_STATE_NULL, GST_STATE_READY, GST_STATE_PAUSED, GST_STATE_PLAYING}) {
