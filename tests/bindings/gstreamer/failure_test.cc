@@ -103,7 +103,7 @@ TEST_F(FailureTest, ACameraWithoutSoundIsAnErrorInTime) {
   simulator::Faults faults;
   faults.noReply = {0x000E};
   attach(faults);
-  play("zelcamsrc start-timeout=700 ! fakesink");
+  play("zelcamsrc start-timeout=3000 ! fakesink");
   expectError(GST_STREAM_ERROR, GST_STREAM_ERROR_FAILED, "the stream did not start: pictures come, and no sound");
 }
 
