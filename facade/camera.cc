@@ -6,6 +6,7 @@
 
 #include "facade/camera_core.h"
 #include "facade/captures.h"
+#include "facade/operation_call.h"
 #include "facade/preview.h"
 #include "facade/stream_run.h"
 
@@ -13,6 +14,16 @@ namespace zel {
 
 Pending<Camera> Camera::open(CameraOptions options, const RequestOptions& request) {
   return CameraCore::open(std::move(options), request);
+}
+
+Result<Camera> Camera::create(CameraOptions options) {
+  auto core = CameraCore::create(std::move(options));
+  if (!core) return core.error();
+  return Camera(*std::move(core));
+}
+
+Pending<void> Camera::connect(const RequestOptions& request) {
+  return core_ ? core_->connect(request) : nowhere<void>();
 }
 
 Camera::Camera(std::shared_ptr<CameraCore> core) { core_ = std::move(core); }
@@ -56,6 +67,11 @@ Subscription<Picture> Camera::pictures(const PictureOptions& options) {
 
 Pending<CameraStream> Camera::stream(const StreamOptions& options, const RequestOptions& request) {
   return core_ ? StreamRun::start(core_, options, request) : nowhere<CameraStream>();
+}
+
+Pending<OperationReply> Camera::call(const Operation& operation, const std::vector<Operation::Value>& arguments,
+                                     const RequestOptions& request) {
+  return core_ ? callOperation(core_, operation, arguments, request) : nowhere<OperationReply>();
 }
 
 Subscription<Event> Camera::events(const SubscriptionOptions& options) {

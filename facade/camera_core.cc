@@ -77,8 +77,8 @@ CameraCore::~CameraCore() { close(); }
 
 // -- Opening
 
-Pending<Camera> CameraCore::open(CameraOptions options, const RequestOptions& request) {
-  const auto core = std::make_shared<CameraCore>(std::move(options));
+Result<std::shared_ptr<CameraCore>> CameraCore::create(CameraOptions options) {
+  auto core = std::make_shared<CameraCore>(std::move(options));
   std::string error;
   core->host_ = CameraHost::create(
       core->options_,
@@ -86,45 +86,74 @@ Pending<Camera> CameraCore::open(CameraOptions options, const RequestOptions& re
         if (const auto self = weak.lock()) self->noteInUse(camera);
       },
       error);
-  if (!core->host_) return failed<Camera>({Reason::platform, error});
+  if (!core->host_) return CameraError{Reason::platform, error};
   const platform::Ports& ports = core->host_->ports();
   core->callbacks_ = std::make_shared<CallbackQueue>(ports.queues.mainQueue(), core->options_.executor);
   core->deadlines_ = std::make_shared<Deadlines>(ports);
-  auto opening = std::make_shared<detail::PendingState<Camera>>(core->callbacks_);
-  core->start(opening, request);
-  return Pending<Camera>(opening);
+  core->makeStack();
+  return core;
 }
 
-void CameraCore::start(std::shared_ptr<detail::PendingState<Camera>> opening, const RequestOptions& request) {
+void CameraCore::makeStack() {
   stack_ = std::make_unique<CameraStack>(host_->ports(), options_.serialNumber);
   stack_->ucd().addCameraNotificationReceiver(std::make_shared<Receiver>(*this));
   statusObservation_ = stack_->accessory().observeStatus([weak = weak_from_this()](std::uint64_t status) {
     if (const auto self = weak.lock()) self->statusChanged(LinkStatus{status});
   });
-  opening->setCancel([weak = weak_from_this()] {
-    if (const auto self = weak.lock()) self->failOpening({Reason::cancelled, "the opening was cancelled"});
+}
+
+Pending<Camera> CameraCore::open(CameraOptions options, const RequestOptions& request) {
+  const auto made = create(std::move(options));
+  if (!made) return failed<Camera>(made.error());
+  const std::shared_ptr<CameraCore>& core = *made;
+  const auto opening = std::make_shared<detail::PendingState<Camera>>(core->callbacks_);
+  // It holds the core as long as nobody else does: the opening ends in any case.
+  core->waitForFrames(*opening, request, [core, opening](const std::optional<CameraError>& why) {
+    if (!why) return void(opening->set(Camera(core)));
+    core->close();
+    opening->set(*why);
   });
-  const auto self = shared_from_this();
-  {
-    const std::lock_guard lock(mutex_);
-    opening_ = std::move(opening);
-    // It holds the core as long as nobody else does: the opening ends in any case.
-    openingWatch_ = watch(orLimit(request, options_.openTimeLimit),
-                          [self](const CameraError& why) { self->failOpening(self->whyNotOpen(why)); });
-  }
-  // The opening may have ended meanwhile: its stop was requested before, or its time is over.
-  callbacks_->postToMain([self] {
-    if (self->options_.ports == nullptr) self->callbacks_->noteMainThread();
-    self->withStack([](CameraStack& stack) { stack.accessory().openCamera(); });
-    self->look();
+  return Pending<Camera>(opening);
+}
+
+Pending<void> CameraCore::connect(const RequestOptions& request) {
+  const auto pending = std::make_shared<detail::PendingState<void>>(callbacks_);
+  waitForFrames(*pending, request, [pending](const std::optional<CameraError>& why) {
+    pending->set(why ? Result<void>(*why) : Result<void>());
   });
+  return Pending<void>(pending);
+}
+
+void CameraCore::waitForFrames(detail::PendingBase& pending, const RequestOptions& request, Openings::Done done) {
+  const Openings::Id id = openings_.add(std::move(done));
+  const auto giveUp = [weak = weak_from_this(), id](const CameraError& why) {
+    if (const auto self = weak.lock()) self->openings_.end(id, self->whyNotOpen(why));
+  };
+  pending.setCancel([giveUp] { giveUp({Reason::cancelled, {}}); });
+  openings_.keep(id, watch(orLimit(request, options_.openTimeLimit), giveUp));
+  host_->ports().queues.mainQueue().post([weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->findCamera();
+  });
+}
+
+// Again where the link was lost. A session that is open is left to send its first frame.
+void CameraCore::findCamera() {
+  if (options_.ports == nullptr) callbacks_->noteMainThread();
+  bool isFlowing = false;
+  withStack([&](CameraStack& stack) {
+    const LinkStatus status = stack.accessory().linkStatus();
+    isFlowing = status == LinkStatus::flowing;
+    if (status == LinkStatus::closed || status == LinkStatus::silent) stack.accessory().openCamera();
+  });
+  if (isFlowing) openings_.endAll(std::nullopt);
+  if (!std::exchange(isLooking_, true)) look();
 }
 
 void CameraCore::statusChanged(LinkStatus status) {
   linkChanges.publish(status);
   ifMemoryAllows([this, status] {
     callbacks_->postToMain([self = shared_from_this(), status] {
-      if (status == LinkStatus::flowing) self->finishOpening();
+      if (status == LinkStatus::flowing) self->openings_.endAll(std::nullopt);
       if (status == LinkStatus::open) self->askForMarker();
       self->preview_->linkChanged(status);
     });
@@ -137,24 +166,6 @@ void CameraCore::askForMarker() {
     if (stack.accessory().linkStatus() != LinkStatus::open) return;
     stack.ucd().msgReqSendSyncData(ZELData(std::span<const std::uint8_t>(dataSynchronismValue)), nullptr);
   });
-}
-
-std::shared_ptr<detail::PendingState<Camera>> CameraCore::takeOpening() {
-  std::shared_ptr<void> watch;  // destroyed without the lock
-  const std::lock_guard lock(mutex_);
-  watch = std::move(openingWatch_);
-  return std::exchange(opening_, nullptr);
-}
-
-void CameraCore::finishOpening() {
-  if (const auto opening = takeOpening()) opening->set(Camera(shared_from_this()));
-}
-
-void CameraCore::failOpening(const CameraError& why) {
-  const auto opening = takeOpening();
-  if (!opening) return;
-  close();
-  opening->set(why);
 }
 
 // Why no frame came within the time limit.
@@ -174,7 +185,7 @@ void CameraCore::noteInUse(const CameraInUse& camera) {
     if (!self) return;
     bool hasOther = false;
     self->withStack([&](CameraStack& stack) { hasOther = stack.accessory().accessoryInfo() != nullptr; });
-    if (!hasOther) self->failOpening({Reason::inUse, words});
+    if (!hasOther) self->openings_.endAll(CameraError{Reason::inUse, words});
   });
 }
 
@@ -189,22 +200,25 @@ bool CameraCore::isAttached() {
 }
 
 void CameraCore::look() {
-  const bool isOpen = withStack([this](CameraStack& stack) {
-    const LinkStatus status = stack.accessory().linkStatus();
-    const double now = deadlines_->now();
-    if (status == LinkStatus::flowing || pause_ == 0) pause_ = kFirstPause;
-    const bool isBroken = status == LinkStatus::silent || (status == LinkStatus::closed && isAttached());
-    if (!isBroken) brokenSince_ = 0;
-    if (isBroken && brokenSince_ == 0) brokenSince_ = now;
-    if (!isBroken || now - brokenSince_ < pause_) return;
-    brokenSince_ = 0;
-    pause_ = std::min(2 * pause_, kLongestPause);
-    stack.accessory().openCamera();
-  });
-  if (!isOpen) return;
+  const bool isWanted = options_.keepsLink || !openings_.areNone();
+  if (!withStack([&](CameraStack& stack) { isWanted ? openWhereBroken(stack) : void(brokenSince_ = 0); })) return;
   deadlines_->add(deadlines_->now() + kLookPeriod, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->look();
   });
+}
+
+void CameraCore::openWhereBroken(CameraStack& stack) {
+  const LinkStatus status = stack.accessory().linkStatus();
+  const double now = deadlines_->now();
+  if (status == LinkStatus::flowing || pause_ == 0) pause_ = kFirstPause;
+  const bool isBroken = status == LinkStatus::silent || (status == LinkStatus::closed && isAttached());
+  if (!isBroken) brokenSince_ = 0;
+  if (isBroken && brokenSince_ == 0) brokenSince_ = now;
+  if (!isBroken || now - brokenSince_ < pause_) return;
+  brokenSince_ = 0;
+  pause_ = std::min(2 * pause_, kLongestPause);
+  if (options_.tell) options_.tell("the link does not heal by itself; opening the camera again");
+  stack.accessory().openCamera();
 }
 
 // -- The end
@@ -230,6 +244,7 @@ void CameraCore::close() {
     if (std::exchange(isClosed_, true)) return;
     unused_.wait(lock, [this] { return users_ == 0; });
   }
+  openings_.endAll(kClosed);
   if (!stack_) return;
   preview_->close(kClosed);
   lines_->failAll(kClosed);

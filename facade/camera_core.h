@@ -19,6 +19,7 @@
 #include "facade/camera_host.h"
 #include "facade/deadlines.h"
 #include "facade/hub.h"
+#include "facade/openings.h"
 #include "facade/request_lines.h"
 
 namespace zel {
@@ -37,7 +38,10 @@ struct RequestKind {
 // Thread: any thread.
 class CameraCore final : public detail::Patience, public std::enable_shared_from_this<CameraCore> {
  public:
+  // See Camera.h.
+  static Result<std::shared_ptr<CameraCore>> create(CameraOptions options);
   static Pending<Camera> open(CameraOptions options, const RequestOptions& request);
+  Pending<void> connect(const RequestOptions& request);
 
   explicit CameraCore(CameraOptions options);
   ~CameraCore() override;
@@ -81,16 +85,16 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
  private:
   class Receiver;
 
-  void start(std::shared_ptr<detail::PendingState<Camera>> opening, const RequestOptions& request);
+  void makeStack();
+  void waitForFrames(detail::PendingBase& pending, const RequestOptions& request, Openings::Done done);
+  void findCamera();
   void statusChanged(LinkStatus status);
   void askForMarker();
-  void finishOpening();
-  void failOpening(const CameraError& why);
   CameraError whyNotOpen(const CameraError& why);
   void noteInUse(const CameraInUse& camera);
   void look();
+  void openWhereBroken(CameraStack& stack);
   bool isAttached();
-  std::shared_ptr<detail::PendingState<Camera>> takeOpening();
   void giveUp(const RequestKind& kind, RequestLines::Id id, const CameraError& why);
 
   const CameraOptions options_;
@@ -106,8 +110,8 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   std::condition_variable unused_;
   int users_ = 0;  // of the stack
   bool isClosed_ = false;
-  std::shared_ptr<detail::PendingState<Camera>> opening_;
-  std::shared_ptr<void> openingWatch_;
+  Openings openings_;
+  bool isLooking_ = false;  // main queue only
   double brokenSince_ = 0;  // main queue only; 0: the link is not broken
   double pause_ = 0;        // main queue only
 };

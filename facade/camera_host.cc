@@ -67,8 +67,9 @@ std::unique_ptr<CameraHost> CameraHost::create(const CameraOptions& options,
                                         .keepCameras = true},
                                        error);
   if (!own.platform) return nullptr;
+  const auto& ofPictures = options.warnOfPictures ? options.warnOfPictures : options.warn;
   own.media =
-      std::make_unique<LinuxMedia>(own.platform->ports(), LinuxMedia::Options{options.warn, options.decoderThreads});
+      std::make_unique<LinuxMedia>(own.platform->ports(), LinuxMedia::Options{ofPictures, options.decoderThreads});
   try {
     own.main = std::thread([platform = own.platform.get()] { platform->runMainQueue(); });
   } catch (const std::system_error& fault) {

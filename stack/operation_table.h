@@ -180,6 +180,7 @@ Operation operation(std::string_view name, void (Object::*function)(Parameters..
   if (kReply.form == Reply::Form::none) made.done = Operation::Done::written;
   if (kRow<row>.registered == Registered::never) made.done = Operation::Done::called;
   made.call = Call<Object, Parameters...>{function, kReply.valuesWithRefusal};
+  made.row = kRow<row>.registering;
   return made;
 }
 

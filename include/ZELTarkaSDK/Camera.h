@@ -14,6 +14,7 @@
 #include <ZELTarkaSDK/CameraStream.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
 #include <ZELTarkaSDK/LinkStatus.h>
+#include <ZELTarkaSDK/Operations.h>
 #include <ZELTarkaSDK/Subscription.h>
 #include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELCameraNotificationProtocol.h>
@@ -50,6 +51,18 @@ class ZEL_EXPORT Camera final : public CameraRequests {
   //
   // Errors: `noCamera`, `silent`, `inUse` at once, `platform` where the system refuses a folder or a thread.
   static Pending<Camera> open(CameraOptions options = {}, const RequestOptions& request = {});
+
+  // A camera object that does not look for its camera yet, for hosts that subscribe or show it before the first frame.
+  // connect() begins.
+  //
+  // Errors: `platform`.
+  static Result<Camera> create(CameraOptions options = {});
+
+  // Looks for the camera and waits for its first frame; at once where frames arrive. What is attached later is found
+  // also after the time limit. May be called again where the link was lost.
+  //
+  // Errors: as those of open().
+  Pending<void> connect(const RequestOptions& request = {});
 
   Camera(Camera&&) noexcept = default;
   Camera& operator=(Camera&& other) noexcept;
@@ -88,6 +101,13 @@ class ZEL_EXPORT Camera final : public CameraRequests {
   // Errors: `invalid` beside another stream or resolution, or for an output that is none; `media` where nothing comes
   //         in time: no picture, or no sound, without which no stream begins.
   Pending<CameraStream> stream(const StreamOptions& options = {}, const RequestOptions& request = {});
+
+  // Calls an operation by its name, for command lines, scripts and servers: see Operations.h. It waits in line with the
+  // requests that send the same. What the camera answers stands in the reply, a refusal too.
+  //
+  // Errors: `timeLimit`, `cancelled`, `closed`.
+  Pending<OperationReply> call(const Operation& operation, const std::vector<Operation::Value>& arguments = {},
+                               const RequestOptions& request = {});
 
   // The events, and the states of the link.
   Subscription<Event> events(const SubscriptionOptions& options = {});

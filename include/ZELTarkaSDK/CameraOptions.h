@@ -23,6 +23,15 @@ struct ZEL_EXPORT CameraOptions {
   std::chrono::milliseconds transferTimeLimit{60'000};
   std::chrono::milliseconds timeLimit{5'000};
 
+  // Opens the link again where it is broken and does not heal by itself. False: only while connect() waits.
+  bool keepsLink = true;
+
+  // Hears what the object does by itself, in words for people, such as that it opens a broken link again. Empty: nobody
+  // does.
+  //
+  // Thread: any thread.
+  std::function<void(const std::string&)> tell = {};
+
   // Runs callbacks and coroutines. Empty: the camera's own thread does.
   //
   // Owner: it must run what it is given, or destroy it, also after the camera object is gone.
@@ -37,6 +46,7 @@ struct ZEL_EXPORT CameraOptions {
   std::string program = {};
   int decoderThreads = 1;
   std::function<void(const std::string&)> warn = {};
+  std::function<void(const std::string&)> warnOfPictures = {};  // LinuxMedia's; empty: `warn`
 };
 
 }  // namespace zel

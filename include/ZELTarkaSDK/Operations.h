@@ -45,6 +45,14 @@ struct Operation {
   //
   // Thread: any thread; the handler runs where the operation's own would.
   std::function<void(CameraStack& stack, std::span<const Value> arguments, Handler handler)> call;
+
+  std::string_view row = {};  // of the protocol's catalogue that it sends; empty: none
+};
+
+// What an operation gave that was called by its name.
+struct OperationReply {
+  std::optional<ZELError> error;         // of its handler
+  std::vector<Operation::Value> values;  // of the reply, see Operation::Handler
 };
 
 // Every operation, by class and in the order of its header.

@@ -153,6 +153,97 @@ TEST_F(CameraInVirtualTimeTest, PicturesNeedADecoder) {
   EXPECT_EQ(why, (CameraError{Reason::media, "this platform decodes no video", "", 0}));
 }
 
+// -- A camera object that is there before its camera
+
+class ConnectTest : public CameraInVirtualTimeTest {
+ protected:
+  void create(CameraOptions with) { camera.emplace(*Camera::create(std::move(with))); }
+  // The end of a connection that is under way, once it has one.
+  std::shared_ptr<std::optional<Result<void>>> connect() {
+    auto end = std::make_shared<std::optional<Result<void>>>();
+    camera->connect().then([end](const Result<void>& result) { *end = result; });
+    host.runUntilIdle();
+    return end;
+  }
+  void plugAndSynchronise() {
+    accessory = host.plug(cameraDescription());
+    host.runUntilIdle();
+    synchronise();
+  }
+  void synchronise() {
+    send(join(kMarker, bytes({7, 0, 0, 0, 2, 0, 5})));
+    send(bytes({7, 0, 0, 0, 2, 0, 5}));
+  }
+};
+
+TEST_F(ConnectTest, LooksForNoCameraBeforeItIsTold) {
+  accessory = host.plug(cameraDescription());
+  create(options());
+  host.advance(60);
+  EXPECT_FALSE(accessory->current());
+  EXPECT_EQ(camera->info(), nullptr);
+}
+
+TEST_F(ConnectTest, ShowsTheLinkFromItsFirstStateOn) {
+  create(options());
+  std::vector<LinkStatus> seen;
+  auto link = camera->linkChanges();
+  link.each([&](LinkStatus status) { seen.push_back(status); });
+  const auto end = connect();
+  plugAndSynchronise();
+  ASSERT_TRUE(*end);
+  EXPECT_TRUE(**end);
+  EXPECT_THAT(seen, testing::ElementsAre(LinkStatus::open, LinkStatus::flowing));
+  EXPECT_TRUE(*connect()) << "frames arrive already";
+}
+
+TEST_F(ConnectTest, FindsTheCameraAlsoAfterTheTimeLimit) {
+  create(options());
+  const auto end = connect();
+  host.advance(10.1);
+  ASSERT_TRUE(*end);
+  EXPECT_EQ((**end).error(), (CameraError{Reason::noCamera, "no camera was attached in time", "", 0}));
+  plugAndSynchronise();
+  EXPECT_EQ(camera->linkStatus(), LinkStatus::flowing);
+}
+
+TEST_F(ConnectTest, EndsWithTheCameraObject) {
+  create(options());
+  const auto end = connect();
+  camera.reset();
+  host.runUntilIdle();
+  ASSERT_TRUE(*end);
+  EXPECT_EQ((**end).error().reason, Reason::closed);
+}
+
+TEST_F(ConnectTest, ALinkThatIsNotKeptIsOpenedAgainByTheNextConnectAlone) {
+  std::vector<std::string> told;
+  CameraOptions with = options();
+  with.keepsLink = false;
+  with.tell = [&](const std::string& line) { told.push_back(line); };
+  create(with);
+  connect();
+  plugAndSynchronise();
+  host.advance(60);
+  EXPECT_EQ(camera->linkStatus(), LinkStatus::silent);
+  const auto again = connect();
+  EXPECT_EQ(camera->linkStatus(), LinkStatus::open);
+  synchronise();
+  EXPECT_TRUE(*again && **again);
+  EXPECT_THAT(told, testing::IsEmpty());
+}
+
+TEST_F(ConnectTest, TellsThatItOpensASilentLinkAgain) {
+  std::vector<std::string> told;
+  CameraOptions with = options();
+  with.tell = [&](const std::string& line) { told.push_back(line); };
+  create(with);
+  connect();
+  plugAndSynchronise();
+  host.advance(5);
+  EXPECT_THAT(told, testing::ElementsAre("the link does not heal by itself; opening the camera again"));
+}
+
 TEST_F(CameraInVirtualTimeTest, IsOpenedAndClosedAThousandTimesAndLeavesNothing) {
   for (int round = 0; round < 1000; ++round) {
     openAndSynchronise();
