@@ -1,6 +1,7 @@
 #include "apps/zelcam/command_line/sensors.h"
 
 #include <ZELTarkaSDK/ZELCameraRecords.h>
+#include <ZELTarkaSDK/ZELMediaOrientation.h>
 
 #include <fmt/format.h>
 
@@ -61,11 +62,11 @@ std::optional<Sensors> sensorsIn(const Values& values, std::string& error) {
   const auto gyro = numbersOf<6>(values, "--gyro", error);
   const auto orientation = numbersOf<4>(values, "--orientation", error);
   if (!gps || !gyro || !orientation) return std::nullopt;
-  sensors.gps = ZELMediaGps::initWithLatitude((*gps)[0], (*gps)[1], (*gps)[2]);
+  sensors.gps = {(*gps)[0], (*gps)[1], (*gps)[2]};
   const auto axis = [&gyro](std::size_t i) { return static_cast<float>((*gyro)[i]); };
-  sensors.gyro = ZELMediaGyro::initWithGyroData({axis(0), axis(1), axis(2), axis(3), axis(4), axis(5)});
+  sensors.gyro = {axis(0), axis(1), axis(2), axis(3), axis(4), axis(5)};
   const auto& o = *orientation;
-  sensors.orientation = ZELMediaOrientation::initWithX(o[0], o[1], o[2], o[3]);
+  sensors.orientation = ZELMediaOrientation::initWithX(o[0], o[1], o[2], o[3])->getOrientationData();
   if (!values.has("--extra")) return sensors;
   sensors.extra = readFile(values.text("--extra"), error, kMostExtra);
   return sensors.extra ? std::optional(std::move(sensors)) : std::nullopt;

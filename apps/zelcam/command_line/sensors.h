@@ -1,11 +1,8 @@
 #pragma once
 
+#include <ZELTarkaSDK/ZELCameraRecords.h>
 #include <ZELTarkaSDK/ZELData.h>
-#include <ZELTarkaSDK/ZELMediaGps.h>
-#include <ZELTarkaSDK/ZELMediaGyro.h>
-#include <ZELTarkaSDK/ZELMediaOrientation.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,9 +13,9 @@ namespace zel::app {
 
 // Position and motion from the sensor options; zeros by default.
 struct Sensors {
-  std::shared_ptr<const ZELMediaGps> gps;
-  std::shared_ptr<const ZELMediaGyro> gyro;
-  std::shared_ptr<const ZELMediaOrientation> orientation;
+  ZELGpsData gps;
+  ZELGyroData gyro;
+  ZELOrientationData orientation;
   std::optional<ZELData> extra;  // the bytes of the --extra file
 };
 

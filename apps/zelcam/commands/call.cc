@@ -3,27 +3,19 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <ZELTarkaSDK/platform/ports.h>
-
 #include "apps/zelcam/commands/operation_text.h"
 #include "apps/zelcam/host/console.h"
-#include "apps/zelcam/link/answer.h"
-#include "apps/zelcam/link/bus.h"
-#include "apps/zelcam/link/camera_link.h"
+#include "apps/zelcam/link/command_camera.h"
 
 namespace zel::app {
 namespace {
 
 using nlohmann::ordered_json;
-using CallAnswer = Answer<ordered_json>;
-
-constexpr double kWriteLook = 0.01;  // seconds between two looks at what still waits to be written
 
 int listOperations(const Settings& settings) {
   for (const Operation& operation : operations()) {
@@ -72,35 +64,15 @@ std::optional<ReadyCall> prepared(const Values& values, std::string& complaint) 
   return ReadyCall{operation, std::move(*arguments)};
 }
 
-Waited waitForWriting(CameraLink& link, double seconds) {
-  const auto wake = [&link] { link.wake(); };
-  const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kWriteLook, wake);
-  const Waited end = link.waitFor([&link] { return link.stack().statistics().bytesToWrite == 0; }, seconds);
-  // An ended session also has nothing to write.
-  return end == Waited::done && (link.isLost() || link.wasReopened()) ? Waited::lost : end;
-}
-
-Waited waitForEnd(CameraLink& link, Operation::Done done, const CallAnswer& answer, double seconds) {
-  switch (done) {
-    case Operation::Done::answered:
-      return link.waitFor([&answer] { return answer.done; }, seconds);
-    case Operation::Done::written:
-      return waitForWriting(link, seconds);
-    case Operation::Done::called:
-      break;
-  }
-  return Waited::done;
-}
-
-void show(const Operation& operation, const CallAnswer& answer, const Settings& settings) {
-  const ordered_json& result = std::get<0>(answer.values);
+void show(const Operation& operation, const OperationReply& reply, const Settings& settings) {
+  const ordered_json result = resultJson(operation, reply.values);
   if (settings.json) {
-    return printJson({{"operation", operation.name}, {"error", errorJson(answer.error)}, {"result", result}});
+    return printJson({{"operation", operation.name}, {"error", errorJson(reply.error)}, {"result", result}});
   }
   for (const auto& [key, value] : result.items()) {
     printLine(fmt::format("{} = {}", key, value.is_string() ? printable(value.get<std::string>()) : value.dump()));
   }
-  if (!answer.error) say(fmt::format("zelcam: {}: done", operation.name));
+  if (!reply.error) say(fmt::format("zelcam: {}: done", operation.name));
 }
 
 }  // namespace
@@ -113,19 +85,15 @@ int runCall(const Invocation& invocation) {
   if (!ready) return complain(kWrongUsage, "call", complaint);
   const Operation& operation = *ready->operation;
 
-  return withCamera(settings, [&](CameraLink& link) {
-    const auto answer = std::make_shared<CallAnswer>();
-    std::get<0>(answer->values) = ordered_json::object();
-    operation.call(link.stack(), ready->arguments,
-                   [&operation, keep = keepIn(answer, link.platform())](const auto& error, const auto& values) {
-                     keep(error, resultJson(operation, values));
-                   });
-    link.sayAsked();
-    const Waited end = waitForEnd(link, operation.done, *answer, settings.timeout);
-    const int status = tellEnd(operation.name, end, answer->error, settings);
+  return withCamera(settings, [&](Camera& camera) {
+    auto asked = camera.call(operation, ready->arguments, limitsOf(settings));
+    sayAsked(settings);
+    const auto reply = asked.get();
+    if (!reply) return tellFailure(operation.name, reply.error(), settings);
+    const int status = reply->error ? tellFailure(operation.name, *reply->error) : kDone;
     // Printed before the result, whose error keeps its form.
     if (status != kDone && settings.json) printFailure(status);
-    if (end == Waited::done) show(operation, *answer, settings);
+    show(operation, *reply, settings);
     return status;
   });
 }

@@ -65,7 +65,7 @@ int watchDevices(LinuxPlatform& platform, const Settings& settings) {
   const auto disconnected = ports.notifications.observe(
       platform::kAccessoryDidDisconnectNotification, [&](const auto& one) { report("disconnected", one, settings); });
   ports.accessories.registerForLocalNotifications();
-  for (const auto& one : chosenAccessories(platform, settings)) print(one->description(), settings);
+  for (const auto& one : chosenAccessories(platform.ports(), settings)) print(one->description(), settings);
   platform.runMainQueue();
   ports.accessories.unregisterForLocalNotifications();
   return kDone;
@@ -79,10 +79,10 @@ int runDevices(const Invocation& invocation) {
   if (!bus.isThere()) return kNoCamera;
   LinuxPlatform& platform = bus.platform();
   if (invocation.values.has("--watch")) return watchDevices(platform, settings);
-  const Accessories accessories = chosenAccessories(platform, settings);
+  const Accessories accessories = chosenAccessories(platform.ports(), settings);
   for (const auto& one : accessories) print(one->description(), settings);
   if (accessories.empty() && !settings.camera.empty()) {
-    sayUnknownCamera(platform, settings);
+    sayUnknownCamera(platform.ports(), settings);
     return kNoCamera;
   }
   if (accessories.empty()) say("no accessory is attached");

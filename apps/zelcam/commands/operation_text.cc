@@ -53,9 +53,9 @@ std::string_view optionOf(const Operation::Parameter& parameter) {
 }
 
 Operation::Value sensorValue(std::string_view option, const Sensors& sensors) {
-  if (option == "--gps") return sensors.gps->getGpsData();
-  if (option == "--gyro") return sensors.gyro->getGyroData();
-  if (option == "--orientation") return sensors.orientation->getOrientationData();
+  if (option == "--gps") return sensors.gps;
+  if (option == "--gyro") return sensors.gyro;
+  if (option == "--orientation") return sensors.orientation;
   return sensors.extra;
 }
 

@@ -102,10 +102,9 @@ class Shot {
     const ZELCameraUCD::CaptureBlock stored = keepIn(stored_, link_.platform());
     const ZELPhotoBlock photoData = keepIn(photo, link_.platform());
     if (sensors.extra) {
-      ucd.newMsgCmdShutterExtraWithGps(sensors.gps, sensors.gyro, sensors.orientation, sensors.extra, stored,
-                                       photoData);
+      ucd.msgCmdShutterExtraWithGps(sensors.gps, sensors.gyro, sensors.orientation, sensors.extra, stored, photoData);
     } else {
-      ucd.newMsgCmdShutterWithGps(sensors.gps, sensors.gyro, sensors.orientation, stored, photoData);
+      ucd.msgCmdShutterWithGps(sensors.gps, sensors.gyro, sensors.orientation, stored, photoData);
     }
     link_.sayAsked();
     if (const int status = waitFor(*stored_, "photo"); status != kDone) return status;
@@ -117,8 +116,8 @@ class Shot {
   int bracket(const Sensors& sensors, const aeb_info& steps) {
     const auto series = std::make_shared<Series>();
     const BracketBound bound(link_);
-    link_.stack().ucd().newMsgCmdShutterAEBWithGps(sensors.gps, sensors.gyro, sensors.orientation, steps, sensors.extra,
-                                                   keepIn(stored_, link_.platform()), keepIn(series, link_.platform()));
+    link_.stack().ucd().msgCmdShutterAEBWithGps(sensors.gps, sensors.gyro, sensors.orientation, steps, sensors.extra,
+                                                keepIn(stored_, link_.platform()), keepIn(series, link_.platform()));
     link_.sayAsked();
     if (const int status = waitFor(*stored_, "photo", &bound); status != kDone) return status;
     if (const int status = waitFor(*series, "the pictures", &bound); status != kDone) return status;

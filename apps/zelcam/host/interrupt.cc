@@ -7,7 +7,9 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -30,6 +32,12 @@ Guarded<LinuxPlatform*> watchedPlatform;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kOneRequest{1};  // signals that come within it are one
+
+// Never destroyed: the thread of the signals may still run while the process ends.
+std::stop_source& stopping() {
+  static auto* const source = new std::stop_source;
+  return *source;
+}
 
 bool isIgnored(int signal) {
   struct sigaction action {};
@@ -100,15 +108,23 @@ void turnSuspensionIntoEvents() {
   blockInterrupts();
 }
 
+void hearInterrupts() {
+  static std::once_flag once;
+  std::call_once(once, [] { std::thread(waitForSignals).detach(); });
+}
+
+std::stop_token interruption() { return stopping().get_token(); }
+
 void stopMainQueueOnInterrupt(LinuxPlatform& platform) {
   watchedPlatform.set(&platform);
-  std::thread(waitForSignals).detach();
+  hearInterrupts();
 }
 
 void detachInterrupts() { watchedPlatform.set(nullptr); }
 
 void interrupt() {
   interrupted.store(true);
+  stopping().request_stop();
   watchedPlatform.with([](LinuxPlatform* watched) {
     if (watched != nullptr) watched->stopMainQueue();
   });

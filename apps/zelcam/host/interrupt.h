@@ -1,5 +1,7 @@
 #pragma once
 
+#include <stop_token>
+
 namespace zel {
 class LinuxPlatform;
 }
@@ -23,6 +25,13 @@ void turnSuspensionIntoEvents();
 // Owner:  call detachInterrupts() before the platform is destroyed.
 void stopMainQueueOnInterrupt(LinuxPlatform& platform);
 void detachInterrupts();
+
+// From now on the first of these signals requests the stop of interruption(), and a second one ends the program as
+// above. Called again it does nothing.
+void hearInterrupts();
+
+// Tells waits that the user has asked to stop, once hearInterrupts() was called.
+std::stop_token interruption();
 
 // Stops as the first of these signals does.
 // Thread: any thread.

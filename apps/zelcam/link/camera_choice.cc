@@ -20,16 +20,16 @@ void sayCameras(const Accessories& cameras) {
 
 }  // namespace
 
-Accessories chosenAccessories(LinuxPlatform& platform, const Settings& settings) {
-  Accessories accessories = platform.ports().accessories.connectedAccessories();
+Accessories chosenAccessories(const platform::Ports& ports, const Settings& settings) {
+  Accessories accessories = ports.accessories.connectedAccessories();
   if (settings.camera.empty()) return accessories;
   std::erase_if(accessories, [&](const auto& one) { return one->description().serialNumber != settings.camera; });
   return accessories;
 }
 
-void sayUsedCamera(LinuxPlatform& platform, const Settings& settings, const std::string& used) {
+void sayUsedCamera(const platform::Ports& ports, const Settings& settings, const std::string& used) {
   if (!settings.camera.empty()) return;
-  Accessories cameras = platform.ports().accessories.connectedAccessories();
+  Accessories cameras = ports.accessories.connectedAccessories();
   std::erase_if(cameras, [](const auto& one) {
     return std::ranges::count(one->description().protocolStrings, kAccessoryProtocol) == 0;
   });
@@ -39,8 +39,8 @@ void sayUsedCamera(LinuxPlatform& platform, const Settings& settings, const std:
   sayCameras(cameras);
 }
 
-void sayUnknownCamera(LinuxPlatform& platform, const Settings& settings) {
-  const Accessories present = platform.ports().accessories.connectedAccessories();
+void sayUnknownCamera(const platform::Ports& ports, const Settings& settings) {
+  const Accessories present = ports.accessories.connectedAccessories();
   sayFailure(fmt::format("no camera with the serial number {} is attached{}", settings.camera,
                          present.empty() ? "; none is" : "; present are:"));
   sayCameras(present);

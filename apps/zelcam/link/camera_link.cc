@@ -11,6 +11,7 @@
 #include "apps/zelcam/host/diagnostics.h"
 #include "apps/zelcam/host/interrupt.h"
 #include "apps/zelcam/link/camera_choice.h"
+#include "apps/zelcam/link/command_camera.h"
 #include "apps/zelcam/link/link_keeper.h"
 #include "base/has_memory_for.h"
 
@@ -18,11 +19,6 @@ namespace zel::app {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// Far more than a camera's preview and its answers need. A frame of 256 MiB would take five times as much until it is
-// shown.
-constexpr std::uint32_t kLargestFrame = 8u << 20;
-constexpr std::int32_t kLargestUnit = 8 << 20;
 
 }  // namespace
 
@@ -32,7 +28,7 @@ CameraLink::CameraLink(Bus& bus, const Settings& settings)
       settings_(settings),
       stack_(bus.ports(), settings.camera),
       watch_(stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(LinkStatus{status}); })) {
-  stack_.setReceiveLimits({kLargestFrame, kLargestUnit});
+  stack_.setReceiveLimits(kReceiveLimits);
 }
 
 void CameraLink::statusChanged(LinkStatus status) {
@@ -55,7 +51,8 @@ int CameraLink::open() {
   const Waited end = waitFor(isOver, settings_.timeout);
   if (end == Waited::interrupted) return kInterrupted;
   if (framesArrived_.load()) {
-    if (const auto info = stack_.accessory().accessoryInfo()) sayUsedCamera(platform_, settings_, info->serialNumber());
+    if (const auto info = stack_.accessory().accessoryInfo())
+      sayUsedCamera(platform_.ports(), settings_, info->serialNumber());
     return kDone;
   }
   if (!inUse) return sayNoFrames(platform_, settings_, stack_);
@@ -103,8 +100,8 @@ int withCamera(const Settings& settings, const std::function<int(CameraLink&)>& 
 }
 
 int sayNoFrames(LinuxPlatform& platform, const Settings& settings, CameraStack& stack) {
-  if (!settings.camera.empty() && chosenAccessories(platform, settings).empty()) {
-    sayUnknownCamera(platform, settings);
+  if (!settings.camera.empty() && chosenAccessories(platform.ports(), settings).empty()) {
+    sayUnknownCamera(platform.ports(), settings);
   } else if (stack.accessory().accessoryInfo()) {
     sayFailure(fmt::format("the camera is attached but sent no frame within {} s", settings.timeout));
   } else {

@@ -39,7 +39,7 @@ void LinkKeeper::look() {
 bool LinkKeeper::isBroken() const {
   const LinkStatus status = accessory_.linkStatus();
   if (status != LinkStatus::closed) return status == LinkStatus::silent;
-  return !chosenAccessories(platform_, settings_).empty();
+  return !chosenAccessories(platform_.ports(), settings_).empty();
 }
 
 }  // namespace zel::app
