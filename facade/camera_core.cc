@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <stop_token>
 
 #include "facade/preview.h"
 
@@ -18,7 +17,6 @@ using Reason = CameraError::Reason;
 
 constexpr double kLateAnswer = 2;     // seconds that an answer is waited for when its caller no longer does
 constexpr double kLookPeriod = 0.25;  // seconds
-constexpr double kFirstPause = 1, kLongestPause = 4;
 
 const CameraError kClosed{Reason::closed, "the camera object was destroyed"};
 
@@ -189,8 +187,7 @@ void CameraCore::noteInUse(const CameraInUse& camera) {
   });
 }
 
-// -- The link is opened again where it does not heal by itself: the camera is attached and has no session, or its
-// frames have stopped.
+// -- The link is opened again
 
 bool CameraCore::isAttached() {
   const auto accessories = host_->ports().accessories.connectedAccessories();
@@ -201,24 +198,16 @@ bool CameraCore::isAttached() {
 
 void CameraCore::look() {
   const bool isWanted = options_.keepsLink || !openings_.areNone();
-  if (!withStack([&](CameraStack& stack) { isWanted ? openWhereBroken(stack) : void(brokenSince_ = 0); })) return;
+  const bool isOpen = withStack([&](CameraStack& stack) {
+    const LinkStatus status = isWanted ? stack.accessory().linkStatus() : LinkStatus::flowing;
+    if (!linkKeeper_.isDue(status, status == LinkStatus::closed && isAttached(), deadlines_->now())) return;
+    if (options_.tell) options_.tell("the link does not heal by itself; opening the camera again");
+    stack.accessory().openCamera();
+  });
+  if (!isOpen) return;
   deadlines_->add(deadlines_->now() + kLookPeriod, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->look();
   });
-}
-
-void CameraCore::openWhereBroken(CameraStack& stack) {
-  const LinkStatus status = stack.accessory().linkStatus();
-  const double now = deadlines_->now();
-  if (status == LinkStatus::flowing || pause_ == 0) pause_ = kFirstPause;
-  const bool isBroken = status == LinkStatus::silent || (status == LinkStatus::closed && isAttached());
-  if (!isBroken) brokenSince_ = 0;
-  if (isBroken && brokenSince_ == 0) brokenSince_ = now;
-  if (!isBroken || now - brokenSince_ < pause_) return;
-  brokenSince_ = 0;
-  pause_ = std::min(2 * pause_, kLongestPause);
-  if (options_.tell) options_.tell("the link does not heal by itself; opening the camera again");
-  stack.accessory().openCamera();
 }
 
 // -- The end
@@ -267,37 +256,14 @@ void CameraCore::giveUp(const RequestKind& kind, RequestLines::Id id, const Came
   deadlines_->add(deadlines_->now() + kLateAnswer, [lines = lines_, row = kind.row, id] { lines->answered(row, id); });
 }
 
-namespace {
-
-// A time limit and a stop token at work.
-struct Watch {
-  using Stop = std::stop_callback<std::function<void()>>;
-
-  ~Watch() {
-    if (deadline) deadlines->remove(*deadline);
-  }
-  std::shared_ptr<Deadlines> deadlines;
-  std::optional<Deadlines::Id> deadline;
-  std::optional<Stop> stop;
-};
-
-}  // namespace
-
 std::shared_ptr<void> CameraCore::watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) {
-  auto made = std::make_shared<Watch>();
-  made->deadlines = deadlines_;
-  if (options.timeLimit.count() > 0) {
-    const double seconds = std::chrono::duration<double>(options.timeLimit).count();
-    made->deadline = deadlines_->add(deadlines_->now() + seconds, [giveUp] {
-      giveUp({Reason::timeLimit, "nothing came in time"});
-    });
-  }
-  if (options.stop.stop_possible()) {
-    made->stop.emplace(options.stop, [callbacks = callbacks_, giveUp] {
-      callbacks->postToMain([giveUp] { giveUp({Reason::cancelled, "the wait was cancelled"}); });
-    });
-  }
-  return made;
+  return watchWhileMoving(options, std::move(giveUp), nullptr);
+}
+
+std::shared_ptr<void> CameraCore::watchWhileMoving(const RequestOptions& options,
+                                                   std::function<void(CameraError)> giveUp,
+                                                   std::shared_ptr<const Movement> moved) {
+  return Watch::create(deadlines_, callbacks_, options, std::move(giveUp), std::move(moved));
 }
 
 }  // namespace zel

@@ -19,8 +19,10 @@
 #include "facade/camera_host.h"
 #include "facade/deadlines.h"
 #include "facade/hub.h"
+#include "facade/link_keeper.h"
 #include "facade/openings.h"
 #include "facade/request_lines.h"
+#include "facade/watch.h"
 
 namespace zel {
 
@@ -61,15 +63,19 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
 
   const std::shared_ptr<Preview>& preview() const { return preview_; }
   DecodersOnDemand* decoders() { return host_->decoders(); }
+  std::shared_ptr<ReadingBound> readingBound() const { return host_->readingBound(); }
 
   std::shared_ptr<void> watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) override;
+  // The same with a time limit that counts from the latest movement. moved: may be null.
+  std::shared_ptr<void> watchWhileMoving(const RequestOptions& options, std::function<void(CameraError)> giveUp,
+                                         std::shared_ptr<const Movement> moved);
 
   // Adds a request to its line. send: called with what takes the answer, once. failing: called before its caller is
-  // told that there is none.
+  // told that there is none. moved: the time limit counts from there where that is later.
   template <class T>
   Pending<T> request(const RequestKind& kind, const RequestOptions& options,
                      std::function<void(CameraStack&, std::function<void(Result<T>)>)> send,
-                     std::function<void()> failing = {});
+                     std::function<void()> failing = {}, std::shared_ptr<const Movement> moved = nullptr);
 
   template <class T>
   std::shared_ptr<detail::SubscriptionState<T>> makeSubscription(const SubscriptionOptions& options) {
@@ -93,7 +99,6 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   CameraError whyNotOpen(const CameraError& why);
   void noteInUse(const CameraInUse& camera);
   void look();
-  void openWhereBroken(CameraStack& stack);
   bool isAttached();
   void giveUp(const RequestKind& kind, RequestLines::Id id, const CameraError& why);
 
@@ -112,8 +117,7 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   bool isClosed_ = false;
   Openings openings_;
   bool isLooking_ = false;  // main queue only
-  double brokenSince_ = 0;  // main queue only; 0: the link is not broken
-  double pause_ = 0;        // main queue only
+  LinkKeeper linkKeeper_;   // main queue only
 };
 
 // -- Templates
@@ -152,7 +156,7 @@ CameraError errorOf(std::string_view name, const ZELError& error);
 template <class T>
 Pending<T> CameraCore::request(const RequestKind& kind, const RequestOptions& options,
                                std::function<void(CameraStack&, std::function<void(Result<T>)>)> send,
-                               std::function<void()> failing) {
+                               std::function<void()> failing, std::shared_ptr<const Movement> moved) {
   const auto pending = std::make_shared<detail::PendingState<T>>(callbacks_);
   const RequestLines::Id id = lines_->nextId();
   const auto giveUp = [weak = weak_from_this(), kind, id](const CameraError& why) {
@@ -168,7 +172,7 @@ Pending<T> CameraCore::request(const RequestKind& kind, const RequestOptions& op
     if (failing) failing();
     pending->set(why);
   };
-  request.watch = watch(orLimit(options, options_.timeLimit), giveUp);
+  request.watch = watchWhileMoving(orLimit(options, options_.timeLimit), giveUp, std::move(moved));
   request.send = [weak = weak_from_this(), send = std::move(send), done = std::move(done)] {
     if (const auto self = weak.lock()) self->withStack([&](CameraStack& stack) { send(stack, done); });
   };

@@ -54,7 +54,7 @@ std::unique_ptr<CameraHost> CameraHost::create(const CameraOptions& options,
                                                std::function<void(const CameraInUse&)> inUse, std::string& error) {
   std::unique_ptr<CameraHost> host(new CameraHost);
   if (options.ports != nullptr) {
-    host->use(*options.ports);
+    host->use(*options.ports, options.ports->accessories);
     return host;
   }
   host->own_ = std::make_unique<Own>();
@@ -76,12 +76,14 @@ std::unique_ptr<CameraHost> CameraHost::create(const CameraOptions& options,
     error = std::string("no thread for the camera can be started: ") + fault.what();
     return nullptr;
   }
-  host->use(own.media->ports());
+  own.accessories = std::make_unique<BoundedAccessories>(own.platform->ports().accessories);
+  host->use(own.media->ports(), *own.accessories);
   return host;
 }
 
-void CameraHost::use(const platform::Ports& ports) {
-  ports_.emplace(ports);
+void CameraHost::use(const platform::Ports& ports, platform::AccessoryManager& accessories) {
+  ports_.emplace(platform::Ports{ports.clock, ports.threads, ports.queues, accessories, ports.notifications,
+                                 ports.videoDecoders, ports.mediaLibrary, ports.videoEncoders, ports.documents});
   if (ports.videoDecoders == nullptr) return;
   decoders_.emplace(*ports.videoDecoders);
   ports_->videoDecoders = &*decoders_;

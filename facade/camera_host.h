@@ -12,6 +12,7 @@
 #include <string>
 #include <thread>
 
+#include "facade/bounded_accessories.h"
 #include "facade/decoders_on_demand.h"
 
 namespace zel {
@@ -33,12 +34,15 @@ class CameraHost {
   const platform::Ports& ports() const { return *ports_; }
   // The ports' decoders; null where the platform decodes no video.
   DecodersOnDemand* decoders() { return decoders_ ? &*decoders_ : nullptr; }
+  // Stops what cameras send while it is reached. Null on the host's ports.
+  std::shared_ptr<ReadingBound> readingBound() const { return own_ ? own_->accessories->bound() : nullptr; }
   // Where the bus is, for people; empty on the host's ports.
   std::string busFolder() const;
 
  private:
   struct Own {
     std::unique_ptr<LinuxPlatform> platform;
+    std::unique_ptr<BoundedAccessories> accessories;
     std::unique_ptr<LinuxMedia> media;
     std::thread main;  // runs the main queue
     std::string folder;
@@ -46,7 +50,7 @@ class CameraHost {
   CameraHost() = default;
   static void end(Own own);
 
-  void use(const platform::Ports& ports);
+  void use(const platform::Ports& ports, platform::AccessoryManager& accessories);
 
   std::unique_ptr<Own> own_;
   std::optional<DecodersOnDemand> decoders_;

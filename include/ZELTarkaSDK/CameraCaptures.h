@@ -30,6 +30,13 @@ struct ZEL_EXPORT CaptureOptions {
   ZELOrientationData orientation = {};
   std::optional<ZELData> extraInfo = {};  // JSON
 
+  // More of pictures than that ends the call with `platform`, and the link with it: the camera is not read any more
+  // while it sends. All pictures of a bracket are in memory before the call ends. On the host's own ports nothing is
+  // bounded.
+  //
+  // Units: bytes; 0 for no bound.
+  std::uint64_t mostBytes = 0;
+
   // Called where the camera's callbacks run: once with 0 when the camera has stored the photo, and then whenever
   // another picture has arrived.
   std::function<void(const TransferProgress&)> progress = {};

@@ -18,7 +18,8 @@ struct ZEL_EXPORT CameraOptions {
   // The one camera; empty takes the first that is attached.
   std::string serialNumber = {};
 
-  // For the opening, for photos and files, and for every other request: where a call sets none of its own.
+  // For the opening, for photos and files, and for every other request: where a call sets none of its own. Of photos
+  // and files it counts from the latest progress, so that a large file may take as long as it moves.
   std::chrono::milliseconds openTimeLimit{10'000};
   std::chrono::milliseconds transferTimeLimit{60'000};
   std::chrono::milliseconds timeLimit{5'000};

@@ -23,7 +23,8 @@ using Executor = std::function<void(std::function<void()>)>;
 
 // What a request may take, and how it is given up.
 struct RequestOptions {
-  // Counts from the call, the wait behind other requests of the kind included. Zero or less: the camera's own.
+  // Counts from the call, the wait behind other requests of the kind included, and of photos and files from their
+  // latest progress. Zero or less: the camera's own.
   std::chrono::milliseconds timeLimit{0};
   // Requesting the stop ends the call with `cancelled`. What the camera was already asked to do it may still do.
   std::stop_token stop = {};

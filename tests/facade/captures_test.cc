@@ -63,6 +63,17 @@ TEST_F(CapturesTest, ARefusalEndsThePhotoAtOnceAndTheNextOneGetsItsOwnPicture) {
   EXPECT_TRUE(isJpeg(photo->jpeg));
 }
 
+// Its picture has come when the camera tells what it is stored as.
+TEST_F(CapturesTest, APhotoWhoseStoredNameIsNoTextIsRefused) {
+  simulator::Faults faults;
+  std::string error;
+  ASSERT_TRUE(faults.add("latin1-names", error)) << error;
+  attach(faults);
+  Camera camera = opened();
+  EXPECT_EQ(camera.photo().get().error().reason, Reason::refused);
+  EXPECT_EQ(camera.bracket({0}).get().error().reason, Reason::refused);
+}
+
 TEST_F(CapturesTest, APhotoThatNeverComesEndsInTime) {
   simulator::Faults faults;
   faults.noPhoto = true;
@@ -93,6 +104,25 @@ TEST_F(CapturesTest, ABracketHasOneToNineSteps) {
   EXPECT_EQ(camera.bracket({}).get().error(), wrong);
   EXPECT_EQ(camera.bracket(std::vector<std::int8_t>(10)).get().error(), wrong);
   EXPECT_EQ(camera.bracket(std::vector<std::int8_t>(9)).get()->jpegs.size(), 9u);
+}
+
+TEST_F(CapturesTest, ACameraThatSendsMoreThanIsAllowedIsNotReadAnyMore) {
+  attach();
+  Camera camera = opened();
+  CaptureOptions options;
+  options.mostBytes = 1000;
+  const CameraError wrong{Reason::platform, "bracket: the pictures come to more than is allowed", "", 0};
+  EXPECT_EQ(camera.bracket({-2, 0, 2}, options).get().error(), wrong);
+  EXPECT_EQ(camera.bracket({-2, 0, 2}).get().error().reason, Reason::lost) << "its link has ended";
+}
+
+TEST_F(CapturesTest, PicturesWithinTheBoundComeAsWithoutIt) {
+  attach();
+  Camera camera = opened();
+  CaptureOptions options;
+  options.mostBytes = 100'000'000;
+  EXPECT_EQ(camera.bracket({-2, 0, 2}, options).get()->jpegs.size(), 3u);
+  EXPECT_TRUE(camera.photo(options).get());
 }
 
 TEST_F(CapturesTest, AFileArrivesAsItWasSentAndTellsItsProgress) {
