@@ -1,7 +1,6 @@
 #include "apps/zelcam/commands/commands.h"
 
 #include <ZELTarkaSDK/WireConstants.h>
-#include <ZELTarkaSDK/ZELCameraUCD.h>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -13,67 +12,48 @@
 
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/file.h"
-#include "apps/zelcam/link/answer.h"
-#include "apps/zelcam/link/bus.h"
-#include "apps/zelcam/link/camera_link.h"
+#include "apps/zelcam/link/command_camera.h"
 
 namespace zel::app {
 namespace {
 
-constexpr double kProgressInterval = 0.2;  // seconds
-
 // A line with percentage, rate and remaining time, if standard error is a terminal.
-class Progress {
+class ProgressLine {
  public:
-  Progress(CameraLink& link, std::size_t size) : link_(link), size_(size) {
-    if (::isatty(STDERR_FILENO) == 0) return;
-    timer_ = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kProgressInterval, [this] { show(); });
+  ~ProgressLine() {
+    if (isThere_) say("");
   }
-  ~Progress() {
-    if (timer_) say("");
+  // Thread: any thread, one at a time.
+  void show(const TransferProgress& now) {
+    const auto time = Clock::now();
+    if (!isThere_ || time - shown_ < kProgressInterval) return;
+    shown_ = time;
+    const double seconds = std::chrono::duration<double>(time - start_).count();
+    const auto done = static_cast<double>(now.done), total = static_cast<double>(now.total);
+    const double rate = done / seconds;
+    showProgress(fmt::format("{:3.0f} %  {:.1f} MB/s  {:.0f} s left", 100 * done / total, rate / 1e6,
+                             rate > 0 ? (total - done) / rate : 0));
   }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
 
  private:
-  void show() {
-    const auto waiting = std::min<std::uint64_t>(size_, link_.stack().statistics().bytesToWrite);
-    const double done = static_cast<double>(size_ - waiting);
-    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    const double rate = done / seconds;
-    showProgress(fmt::format("{:3.0f} %  {:.1f} MB/s  {:.0f} s left", 100 * done / static_cast<double>(size_),
-                             rate / 1e6, rate > 0 ? static_cast<double>(waiting) / rate : 0));
-  }
+  using Clock = std::chrono::steady_clock;
+  static constexpr std::chrono::milliseconds kProgressInterval{200};
 
-  CameraLink& link_;
-  const std::uint64_t size_;
-  const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-  std::unique_ptr<platform::Timer> timer_;
+  const bool isThere_ = ::isatty(STDERR_FILENO) != 0;
+  const Clock::time_point start_ = Clock::now();
+  Clock::time_point shown_ = start_;
 };
 
-// While the camera accepts bytes, the timeout for its reply does not begin.
-Waited waitForAnswer(CameraLink& link, const Answer<>& answer, double seconds) {
-  std::uint64_t before = 0;
-  Waited end = Waited::timeOut;
-  do {
-    before = link.stack().statistics().bytesWritten;
-    end = link.waitFor([&answer] { return answer.done; }, seconds);
-  } while (end == Waited::timeOut && link.stack().statistics().bytesToWrite != 0 &&
-           link.stack().statistics().bytesWritten != before);
-  return end;
-}
-
-int upload(CameraLink& link, const Values& values, const ZELData& file, const Settings& settings) {
+int upload(Camera& camera, const Values& values, const ZELData& file, const Settings& settings) {
   const std::string path =
       values.has("--as") ? values.text("--as") : std::filesystem::path(values.text("FILE")).filename().string();
-  const auto answer = std::make_shared<Answer<>>();
-  const Progress progress(link, file.size());
-  link.stack().ucd().sendFileWithType(values.integer("--type").value_or(0), path, file,
-                                      keepIn(answer, link.platform()));
-  link.sayAsked();
-  const Waited end = waitForAnswer(link, *answer, settings.timeout);
-  const int status = tellEnd("upload", end, answer->error, settings);
-  if (status != kDone) return status;
+  const auto line = std::make_shared<ProgressLine>();
+  auto asked = camera.upload(
+      values.integer("--type").value_or(0), path, file, [line](const TransferProgress& now) { line->show(now); },
+      limitsOf(settings));
+  sayAsked(settings);
+  const auto done = asked.get();
+  if (!done) return tellFailure("upload", done.error(), settings);
   return tellDone(settings.json, {{"upload", values.text("FILE")}, {"path", path}, {"bytes", file.size()}},
                   fmt::format("uploaded {} bytes as {}", file.size(), path));
 }
@@ -85,7 +65,7 @@ int runUpload(const Invocation& invocation) {
   std::string complaint;
   const auto file = readFile(invocation.values.text("FILE"), complaint, kLargestFile);
   if (!file) return complain(kWrongUsage, "upload", complaint);
-  return withCamera(settings, [&](CameraLink& link) { return upload(link, invocation.values, *file, settings); });
+  return withCamera(settings, [&](Camera& camera) { return upload(camera, invocation.values, *file, settings); });
 }
 
 }  // namespace zel::app

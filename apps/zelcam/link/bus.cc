@@ -23,7 +23,6 @@ Bus::Bus(const Settings& settings, int decoderThreads) {
   if (settings.verbose) {
     say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
   }
-  accessories_.emplace(platform_->ports().accessories, readingBound_);
   media_ = std::make_unique<LinuxMedia>(
       platform_->ports(),
       LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }, decoderThreads});
@@ -33,7 +32,7 @@ Bus::Bus(const Settings& settings, int decoderThreads) {
 platform::Ports Bus::ports() {
   const platform::Ports& all = media_->ports();
   return {all.clock,        all.threads,       all.queues,
-          *accessories_,    all.notifications, decodes_ ? all.videoDecoders : nullptr,
+          all.accessories,  all.notifications, decodes_ ? all.videoDecoders : nullptr,
           all.mediaLibrary, all.videoEncoders, all.documents};
 }
 

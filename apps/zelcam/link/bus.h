@@ -10,7 +10,6 @@
 #include <ZELTarkaSDK/platform/ports.h>
 
 #include "apps/zelcam/command_line/settings.h"
-#include "apps/zelcam/link/bounded_accessories.h"
 #include "base/shared_value.h"
 
 namespace zel::app {
@@ -32,8 +31,6 @@ class Bus {
   platform::Ports ports();
   // Ports made from now on have no decoder, for pass-through streaming.
   void decodeNothing() { decodes_ = false; }
-  // Stops reading from cameras while it is reached.
-  ReadingBound& readingBound() { return readingBound_; }
 
   // Who uses the camera, in words, if opening one has failed for that reason since the last call. The main queue is
   // stopped when that happens.
@@ -42,13 +39,11 @@ class Bus {
  private:
   void noteInUse(const CameraInUse& camera);
 
-  ReadingBound readingBound_;
   bool decodes_ = true;
   Guarded<std::optional<std::string>> inUse_;
   // Created after the platform, and destroyed after its threads, which decode.
   std::unique_ptr<LinuxMedia> media_;
   std::unique_ptr<LinuxPlatform> platform_;
-  std::optional<BoundedAccessories> accessories_;
 };
 
 }  // namespace zel::app

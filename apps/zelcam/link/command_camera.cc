@@ -107,7 +107,8 @@ int tellFailure(std::string_view what, const CameraError& error, const Settings&
     return kNoCamera;
   }
   if (!error.domain.empty()) return tellFailure(what, {error.domain, static_cast<int>(error.code), std::nullopt});
-  return complain(kRefused, what, error.message);
+  sayFailure(error.message);
+  return error.reason == Reason::invalid ? kWrongUsage : kRefused;
 }
 
 int tellFailure(std::string_view what, const ZELError& error) {
