@@ -44,6 +44,16 @@ std::shared_ptr<const ZELAccessoryInfo> Camera::info() const {
 }
 LinkStatus Camera::linkStatus() const { return core_ ? core_->stack().accessory().linkStatus() : LinkStatus::closed; }
 LinkStatistics Camera::statistics() const { return core_ ? core_->stack().statistics() : LinkStatistics{}; }
+CameraStatistics Camera::allStatistics() const {
+  return core_ ? core_->statistics().value_or(CameraStatistics{}) : CameraStatistics{};
+}
+
+Subscription<CameraStatistics> Camera::statisticsEvery(std::chrono::milliseconds interval,
+                                                       const SubscriptionOptions& options) {
+  if (!core_) return nothingFrom<CameraStatistics>();
+  return Subscription<CameraStatistics>(core_->statisticsEvery(interval, options));
+}
+
 CameraStack& Camera::stack() { return core_->stack(); }
 
 Pending<Photo> Camera::photo(const CaptureOptions& options, const RequestOptions& request) {

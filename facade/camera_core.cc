@@ -7,8 +7,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "facade/preview.h"
+#include "facade/statistics_ticker.h"
 
 namespace zel {
 namespace {
@@ -17,6 +19,7 @@ using Reason = CameraError::Reason;
 
 constexpr double kLateAnswer = 2;     // seconds that an answer is waited for when its caller no longer does
 constexpr double kLookPeriod = 0.25;  // seconds
+constexpr std::chrono::milliseconds kShortestInterval{10};
 
 const CameraError kClosed{Reason::closed, "the camera object was destroyed"};
 
@@ -239,11 +242,44 @@ void CameraCore::close() {
   lines_->failAll(kClosed);
   events.end(kClosed);
   linkChanges.end(kClosed);
+  statisticsTakers_.end(kClosed);
   statusObservation_.reset();
   stack_.reset();
   deadlines_->close();
   callbacks_->close();
   host_.reset();
+}
+
+// -- Statistics
+
+std::optional<CameraStatistics> CameraCore::statistics() {
+  CameraStatistics now;
+  const bool isOpen = withStack([&](CameraStack& stack) {
+    now.time = platform::absoluteTimeMilliseconds(stack.ports().clock);
+    now.status = stack.accessory().linkStatus();
+    now.clockOffset = stack.accessory().timeOffset();
+    now.link = stack.statistics();
+  });
+  if (!isOpen) return std::nullopt;
+  std::tie(now.preview, now.stream) = preview_->statistics();
+  return now;
+}
+
+std::shared_ptr<detail::SubscriptionState<CameraStatistics>> CameraCore::statisticsEvery(
+    std::chrono::milliseconds interval, const SubscriptionOptions& options) {
+  auto state = subscribe(statisticsTakers_, options);
+  if (interval < kShortestInterval) {
+    state->end({Reason::invalid, "statistics: the interval is below 10 ms"});
+    return state;
+  }
+  const auto read = [weak = weak_from_this()] {
+    const auto self = weak.lock();
+    return self ? self->statistics() : std::nullopt;
+  };
+  auto ticker = std::make_shared<StatisticsTicker>(deadlines_, read, interval, state);
+  ticker->wait(deadlines_->now());
+  state->setRelease([ticker = std::move(ticker)]() mutable { ticker.reset(); });
+  return state;
 }
 
 // -- Requests

@@ -85,6 +85,11 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   template <class T>
   std::shared_ptr<detail::SubscriptionState<T>> subscribe(Hub<T>& hub, const SubscriptionOptions& options);
 
+  // Nothing once the camera is closed.
+  std::optional<CameraStatistics> statistics();
+  std::shared_ptr<detail::SubscriptionState<CameraStatistics>> statisticsEvery(std::chrono::milliseconds interval,
+                                                                               const SubscriptionOptions& options);
+
   Hub<Event> events;
   Hub<LinkStatus> linkChanges;
 
@@ -109,6 +114,7 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   const std::shared_ptr<RequestLines> lines_ = std::make_shared<RequestLines>();
   std::unique_ptr<CameraStack> stack_;
   const std::shared_ptr<Preview> preview_;
+  Hub<CameraStatistics> statisticsTakers_;
   Observation statusObservation_;
 
   std::mutex mutex_;

@@ -16,6 +16,11 @@ namespace {
 
 using Reason = CameraError::Reason;
 
+PreviewStatistics sum(const PreviewStatistics& one, const PreviewStatistics& other) {
+  return {one.units + other.units, one.dropped + other.dropped, one.withoutPicture + other.withoutPicture,
+          one.pictures + other.pictures};
+}
+
 }  // namespace
 
 std::optional<CameraError> Preview::conflict(std::uint8_t resolution) const {
@@ -64,6 +69,7 @@ void Preview::startOwn() {
     // A preview that was lost begins again with the connection.
     if (self && error && error->code != kZELErrorNotConnected) self->pictures_.endThese(errorOf("pictures", *error));
   };
+  stopOwn();
   core_.withStack([&](CameraStack& stack) {
     player_ = stack.suitablePreviewPlayer();
     player_->setPixelBufferDelegate(weak_from_this());
@@ -72,7 +78,10 @@ void Preview::startOwn() {
 }
 
 void Preview::stopOwn() {
-  if (const auto player = std::exchange(player_, nullptr)) player->setPixelBufferDelegate({});
+  const auto player = std::exchange(player_, nullptr);
+  if (!player) return;
+  player->setPixelBufferDelegate({});
+  past_ = sum(past_, player->statistics());
 }
 
 void Preview::onPixelBuffer(const platform::PixelBufferRef& picture, std::int64_t time) {
@@ -100,10 +109,20 @@ void Preview::end(const StreamRun& run) {
   if (stream_.get() != &run) return;
   const auto ended = std::exchange(stream_, nullptr);
   ended->stopRun();
+  past_ = sum(past_, ended->statistics().preview);
   if (closed_) return;
   if (ended->options().stitched) core_.decoders()->lookAway();
   if (lookers_ > 0) return startOwn();
   resolution_.reset();
+}
+
+std::pair<PreviewStatistics, std::optional<EncodedStreamStatistics>> Preview::statistics() {
+  const std::lock_guard lock(mutex_);
+  if (player_) return {sum(past_, player_->statistics()), std::nullopt};
+  if (!stream_) return {past_, std::nullopt};
+  auto now = stream_->statistics();
+  const PreviewStatistics all = sum(past_, now.preview);
+  return {all, std::move(now)};
 }
 
 // -- The link and the end

@@ -2,12 +2,14 @@
 
 #include <ZELTarkaSDK/CameraStream.h>
 #include <ZELTarkaSDK/LinkStatus.h>
+#include <ZELTarkaSDK/PreviewStatistics.h>
 #include <ZELTarkaSDK/ZELPixelBufferDataProtocol.h>
 
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include "facade/decoders_on_demand.h"
 #include "facade/hub.h"
@@ -36,6 +38,9 @@ class Preview final : public ZELPixelBufferDataProtocol, public std::enable_shar
   std::optional<CameraError> begin(const std::shared_ptr<StreamRun>& run);
   void end(const StreamRun& run);
 
+  // Of all that ran and runs, and of the stream that runs.
+  std::pair<PreviewStatistics, std::optional<EncodedStreamStatistics>> statistics();
+
   // Thread: main queue.
   void linkChanged(LinkStatus status);
   // The camera object ends.
@@ -57,7 +62,8 @@ class Preview final : public ZELPixelBufferDataProtocol, public std::enable_shar
   std::optional<std::uint8_t> resolution_;    // nobody needs the preview: nothing
   std::shared_ptr<ZELPreviewPlayer> player_;  // while there is no stream
   std::shared_ptr<StreamRun> stream_;
-  bool isLost_ = false;  // the camera, since the preview began
+  PreviewStatistics past_;  // of those that have ended
+  bool isLost_ = false;     // the camera, since the preview began
   std::optional<CameraError> closed_;
 };
 

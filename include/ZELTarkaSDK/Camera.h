@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -11,6 +12,7 @@
 #include <ZELTarkaSDK/CameraCaptures.h>
 #include <ZELTarkaSDK/CameraOptions.h>
 #include <ZELTarkaSDK/CameraRequests.h>
+#include <ZELTarkaSDK/CameraStatistics.h>
 #include <ZELTarkaSDK/CameraStream.h>
 #include <ZELTarkaSDK/LinkStatistics.h>
 #include <ZELTarkaSDK/LinkStatus.h>
@@ -75,6 +77,13 @@ class ZEL_EXPORT Camera final : public CameraRequests {
 
   LinkStatus linkStatus() const;
   LinkStatistics statistics() const;
+  // Those of the link, the preview and the stream.
+  CameraStatistics allStatistics() const;
+  // The same, once every interval, also while there is no link.
+  //
+  // Errors: `invalid` for an interval below 10 ms.
+  Subscription<CameraStatistics> statisticsEvery(std::chrono::milliseconds interval,
+                                                 const SubscriptionOptions& options = {.capacity = 1});
 
   // Takes a photo and waits for its picture. Photos and brackets wait for each other.
   Pending<Photo> photo(const CaptureOptions& options = {}, const RequestOptions& request = {});

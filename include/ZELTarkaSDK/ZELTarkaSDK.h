@@ -9,6 +9,7 @@
 #include <ZELTarkaSDK/CameraOptions.h>
 #include <ZELTarkaSDK/CameraRequests.h>
 #include <ZELTarkaSDK/CameraStack.h>
+#include <ZELTarkaSDK/CameraStatistics.h>
 #include <ZELTarkaSDK/CameraStream.h>
 #include <ZELTarkaSDK/CameraValues.h>
 #include <ZELTarkaSDK/EncodedStream.h>
