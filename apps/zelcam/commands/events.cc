@@ -6,22 +6,22 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <type_traits>
 #include <utility>
 #include <variant>
 
-#include <ZELTarkaSDK/platform/ports.h>
-
 #include "apps/zelcam/commands/event_queue.h"
 #include "apps/zelcam/host/console.h"
-#include "apps/zelcam/link/bus.h"
-#include "apps/zelcam/link/camera_link.h"
-#include "base/has_memory_for.h"
+#include "apps/zelcam/host/interrupt.h"
+#include "apps/zelcam/link/command_camera.h"
+#include "apps/zelcam/link/loss_watch.h"
 
 namespace zel::app {
 namespace {
@@ -69,79 +69,68 @@ ordered_json valueJson(const std::optional<ZELMessageFields>& value) {
   return object;
 }
 
-// Receives events on the session thread and prints them on the main queue.
-class EventPrinter final : public ZELCameraNotificationProtocol {
+// Keeps the events that come on the session thread for the main thread.
+class WaitingEvents final : public ZELCameraNotificationProtocol {
  public:
-  EventPrinter(CameraLink& link, const Settings& settings, std::optional<std::int64_t> count)
-      : platform_(link.platform()), settings_(settings), left_(count) {}
-
   void notificationType(std::int64_t type, const std::optional<ZELMessageFields>& value) override {
-    if (queue_.put(type, value)) postPrinting();
+    if (!queue_.put(type, value)) return;
+    const std::lock_guard lock(mutex_);
+    came_.notify_one();
   }
 
-  bool isDone() const { return left_ && *left_ == 0; }
+  // Waits for the next one; nothing after the stop, once all have been taken.
+  std::optional<EventQueue::Event> next(const std::stop_token& stop) {
+    std::unique_lock lock(mutex_);
+    came_.wait(lock, stop, [this] { return !queue_.empty(); });
+    return queue_.take();
+  }
 
   // Events that came while too many waited.
   std::uint64_t dropped() const { return queue_.dropped(); }
 
  private:
-  static constexpr int kAtOnce = 100;  // before the main queue gets to something else
-
-  // One task is on its way at a time, however many events wait.
-  void postPrinting() {
-    if (isPosted_.exchange(true)) return;
-    if (!hasMemoryFor([this] { platform_.ports().queues.mainQueue().post([this] { printSome(); }); })) {
-      isPosted_.store(false);  // the next event tries again
-    }
-  }
-
-  void printSome() {
-    isPosted_.store(false);
-    for (int printed = 0; printed < kAtOnce; ++printed) {
-      const auto event = queue_.take();
-      if (!event) return;
-      print(event->type, event->value);
-    }
-    if (!queue_.empty()) postPrinting();
-  }
-
-  void print(std::int64_t type, const std::optional<ZELMessageFields>& value) {
-    if (isDone()) return;
-    if (left_) --*left_;
-    const ordered_json fields = valueJson(value);
-    std::string line = fmt::format("{} {}", timeOfDay(), nameOf(type));
-    for (const auto& [key, field] : fields.items()) line += fmt::format(" {}={}", key, printable(field.dump()));
-    tellDone(settings_.json, {{"event", type}, {"name", nameOf(type)}, {"value", fields}, {"time", timeOfDay()}}, line);
-    if (isDone()) platform_.stopMainQueue();
-  }
-
-  LinuxPlatform& platform_;
-  const Settings& settings_;
-  std::optional<std::int64_t> left_;
   EventQueue queue_;
-  std::atomic<bool> isPosted_ = false;
+  std::mutex mutex_;  // for the wait alone
+  std::condition_variable_any came_;
 };
+
+void print(const EventQueue::Event& event, const Settings& settings) {
+  const ordered_json fields = valueJson(event.value);
+  const char* const name = nameOf(event.type);
+  std::string line = fmt::format("{} {}", timeOfDay(), name);
+  for (const auto& [key, field] : fields.items()) line += fmt::format(" {}={}", key, printable(field.dump()));
+  tellDone(settings.json, {{"event", event.type}, {"name", name}, {"value", fields}, {"time", timeOfDay()}}, line);
+}
+
+int show(WaitingEvents& events, Camera& camera, const Settings& settings, std::optional<std::int64_t> count) {
+  const LossWatch watch(camera, LossWatch::Silence::isLoss);
+  if (!settings.json || settings.verbose) say("zelcam: waiting for events; Ctrl-C ends it");
+  for (std::int64_t shown = 0; shown != count; ++shown) {
+    const auto event = events.next(watch.stop());
+    if (wasInterrupted()) return kDone;
+    if (!event) return tellFailure("events", zelOSStatusError(kZELErrorNotConnected));
+    print(*event, settings);
+  }
+  return kDone;
+}
 
 }  // namespace
 
 int runEvents(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
-  Bus bus(settings);
-  if (!bus.isThere()) return kNoCamera;
-  CameraLink link(bus, settings);
-  // Added before the camera is opened, so that no event is missed.
-  const auto printer = std::make_shared<EventPrinter>(link, settings, invocation.values.integer("--count"));
-  link.stack().ucd().addCameraNotificationReceiver(printer);
-  int status = link.open();
-  if (status == kDone) {
-    if (!settings.json || settings.verbose) say("zelcam: waiting for events; Ctrl-C ends it");
-    const Waited end = link.waitFor([&printer] { return printer->isDone(); }, std::nullopt);
-    status = end == Waited::interrupted ? kDone : tellEnd("events", end, std::nullopt, settings);
-  }
-  link.stack().ucd().removeCameraNotificationReceiver(printer.get());
-  if (printer->dropped() != 0) {
+  CommandCamera command(settings, {});
+  if (!command.isThere()) return kNoCamera;
+  // From the classes, since an event is shown under the interface's own keys; and added before the camera is looked
+  // for, so that none is missed.
+  const auto events = std::make_shared<WaitingEvents>();
+  ZELCameraUCD& ucd = command.camera().stack().ucd();
+  ucd.addCameraNotificationReceiver(events);
+  int status = command.connect();
+  if (status == kDone) status = show(*events, command.camera(), settings, invocation.values.integer("--count"));
+  ucd.removeCameraNotificationReceiver(events.get());
+  if (events->dropped() != 0) {
     say(fmt::format("zelcam: events: {} were dropped, since they came faster than they could be shown",
-                    printer->dropped()));
+                    events->dropped()));
   }
   return status;
 }

@@ -2,8 +2,6 @@
 
 #include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/WireConstants.h>
-#include <ZELTarkaSDK/ZELAccessoryInfo.h>
-#include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
 
 #include <fmt/format.h>
@@ -11,12 +9,9 @@
 #include <chrono>
 #include <utility>
 
-#include <ZELTarkaSDK/platform/ports.h>
-
 #include "apps/zelcam/host/console.h"
-#include "apps/zelcam/link/bus.h"
-#include "apps/zelcam/link/camera_link.h"
-#include "apps/zelcam/link/link_keeper.h"
+#include "apps/zelcam/host/interrupt.h"
+#include "apps/zelcam/link/command_camera.h"
 
 namespace zel::app {
 namespace {
@@ -51,93 +46,88 @@ ordered_json droppedJson(const DroppedFrames& dropped) {
           {"noMemory", dropped.noMemory}};
 }
 
-// One run of the command. Its callbacks run on the main queue, except the status, which is reported on any thread.
+// One run of the command. It prints where the camera's callbacks run, and the summary on the main thread.
 class Monitor {
  public:
   // preview: the resolution code of the preview to watch, if any.
-  Monitor(Bus& bus, const Settings& settings, std::optional<double> seconds, std::optional<std::int64_t> preview)
-      : platform_(bus.platform()),
-        settings_(settings),
-        seconds_(seconds),
-        preview_(preview),
-        link_(bus, settings),
-        stack_(link_.stack()) {}
+  Monitor(CommandCamera& command, const Settings& settings, std::optional<std::int64_t> preview)
+      : command_(command), camera_(command.camera()), settings_(settings), preview_(preview) {}
 
-  int run() {
-    const auto watch = stack_.accessory().observeStatus([this](std::uint64_t status) { statusChanged(status); });
-    const auto tick = platform_.ports().threads.currentRunLoop().scheduleRepeating(1.0, [this] { secondPassed(); });
-    const int status = link_.open();
-    if (status != kDone) platform_.drainMainQueue();
-    if (status == kInterrupted) return kDone;
-    if (status != kDone) return status;
-    watchLink();
-    summarise();
-    return kDone;
+  int run(std::optional<double> seconds) {
+    auto link = camera_.linkChanges({.capacity = kMostChanges});
+    link.each([this](LinkStatus status) { statusChanged(status); });
+    auto statistics = camera_.statisticsEvery(std::chrono::seconds(1));
+    statistics.each([this](const CameraStatistics& now) { secondPassed(now); });
+    const int status = command_.connect();
+    if (status == kDone) waitForInterruption(seconds);
+    link.close();
+    statistics.close();
+    if (status == kDone) summarise();
+    return status == kInterrupted ? kDone : status;
   }
 
  private:
+  static constexpr std::size_t kMostChanges = 1000;  // that wait to be printed
+
   double elapsed() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
 
-  // Watches the link until the time is over or the user stops it.
-  void watchLink() {
-    const LinkKeeper keeper(platform_, settings_, stack_.accessory());
-    link_.waitFor([] { return false; }, seconds_, [](LinkLoss) { return true; });
+  void statusChanged(LinkStatus status) {
+    if (preview_) keepPreviewOn(status);
+    const std::string clock = timeOfDay();
+    const double at = elapsed();
+    const auto number = static_cast<std::uint64_t>(status);
+    tellDone(settings_.json,
+             {{"event", "status"}, {"time", clock}, {"seconds", at}, {"status", number}, {"name", toString(status)}},
+             fmt::format("{} {:8.3f} s  status {} ({})", clock, at, number, toString(status)));
   }
 
-  void statusChanged(std::uint64_t status) {
-    platform_.ports().queues.mainQueue().post([this, status, at = elapsed(), clock = timeOfDay()] {
-      const std::string_view name = toString(LinkStatus{status});
-      if (preview_) keepPreviewOn(LinkStatus{status});
-      tellDone(settings_.json,
-               {{"event", "status"}, {"time", clock}, {"seconds", at}, {"status", status}, {"name", name}},
-               fmt::format("{} {:8.3f} s  status {} ({})", clock, at, status, name));
-    });
-  }
-
-  // A camera stops its streams when the session ends, so they are requested again.
+  // A camera stops its streams when the session ends, so they are requested again. Nobody takes them, which a preview
+  // of the camera object would.
   void keepPreviewOn(LinkStatus status) {
     if (status <= LinkStatus::open) previewIsOn_ = false;
     if (status != LinkStatus::flowing || std::exchange(previewIsOn_, true)) return;
-    stack_.ucd().msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(*preview_), {});
-    stack_.ucd().msgReqSwitchAudioStreamType(kAudioStreamOn, {});
+    ZELCameraUCD& ucd = camera_.stack().ucd();
+    ucd.msgCmdStartVideoWithVideoRes(static_cast<std::uint8_t>(*preview_), {});
+    ucd.msgReqSwitchAudioStreamType(kAudioStreamOn, {});
   }
 
-  void secondPassed() {
-    const LinkStatistics now = stack_.statistics();
+  void secondPassed(const CameraStatistics& now) {
     tellDone(settings_.json, figures("second", now, before_), secondLine(now));
-    before_ = now;
+    before_ = now.link;
   }
 
-  std::string secondLine(const LinkStatistics& now) {
+  std::string secondLine(const CameraStatistics& now) {
     std::string line = fmt::format("{} {:8.3f} s ", timeOfDay(), elapsed());
     for (const auto& [type, name] : kTypes) {
-      const std::uint64_t frames = now.frames[index(type)] - before_.frames[index(type)];
-      const std::uint64_t bytes = now.bytes[index(type)] - before_.bytes[index(type)];
+      const std::uint64_t frames = now.link.frames[index(type)] - before_.frames[index(type)];
+      const std::uint64_t bytes = now.link.bytes[index(type)] - before_.bytes[index(type)];
       if (frames != 0) line += fmt::format(" {} {}/s {:.1f} kB/s ", name, frames, static_cast<double>(bytes) / 1000);
     }
-    return line + fmt::format(" offset {} ms  round trip {} ms", stack_.accessory().timeOffset(), now.roundTrip);
+    return line + fmt::format(" offset {} ms  round trip {} ms", now.clockOffset, now.link.roundTrip);
   }
 
-  ordered_json figures(const char* event, const LinkStatistics& now, const LinkStatistics& before) {
-    ordered_json object = {{"event", event}, {"seconds", elapsed()}, {"status", stack_.accessory().status()}};
-    object["frames"] = framesJson(now, before);
-    object["dropped"] = droppedJson(now.dropped);
-    object["bytesReceived"] = now.bytesReceived;
-    object["bytesDiscarded"] = now.bytesDiscarded;
-    object["markersFound"] = now.markersFound;
-    object["positionsLost"] = now.positionsLost;
-    object["streamErrors"] = now.streamErrors;
-    object["clockOffset"] = stack_.accessory().timeOffset();
-    object["roundTrip"] = now.roundTrip < 0 ? ordered_json() : ordered_json(now.roundTrip);
-    object["resendsLeft"] = now.resendsLeft;
-    object["lostForMemory"] = now.lostForMemory;
+  ordered_json figures(const char* event, const CameraStatistics& now, const LinkStatistics& before) {
+    const LinkStatistics& link = now.link;
+    ordered_json object = {
+        {"event", event}, {"seconds", elapsed()}, {"status", static_cast<std::uint64_t>(now.status)}};
+    object["frames"] = framesJson(link, before);
+    object["dropped"] = droppedJson(link.dropped);
+    object["bytesReceived"] = link.bytesReceived;
+    object["bytesDiscarded"] = link.bytesDiscarded;
+    object["markersFound"] = link.markersFound;
+    object["positionsLost"] = link.positionsLost;
+    object["streamErrors"] = link.streamErrors;
+    object["clockOffset"] = now.clockOffset;
+    object["roundTrip"] = link.roundTrip < 0 ? ordered_json() : ordered_json(link.roundTrip);
+    object["resendsLeft"] = link.resendsLeft;
+    object["lostForMemory"] = link.lostForMemory;
     return object;
   }
 
   void summarise() {
-    platform_.drainMainQueue();
-    const LinkStatistics now = stack_.statistics();
-    if (settings_.json) return printJson(figures("summary", now, {}));
+    const CameraStatistics all = camera_.allStatistics();
+    const LinkStatistics& now = all.link;
+    if (settings_.json) return printJson(figures("summary", all, {}));
     printLine("");
     printLine(fmt::format("in {:.1f} s:", elapsed()));
     for (const auto& [type, name] : kTypes) {
@@ -151,29 +141,26 @@ class Monitor {
     }
     printLine(fmt::format("  synchronised {} times, position lost {} times, stream errors {}", now.markersFound,
                           now.positionsLost, now.streamErrors));
-    printLine(fmt::format("  clock offset {} ms, round trip {} ms, {} re-sends left", stack_.accessory().timeOffset(),
-                          now.roundTrip, now.resendsLeft));
+    printLine(fmt::format("  clock offset {} ms, round trip {} ms, {} re-sends left", all.clockOffset, now.roundTrip,
+                          now.resendsLeft));
   }
 
-  LinuxPlatform& platform_;
+  CommandCamera& command_;
+  Camera& camera_;
   const Settings& settings_;
-  const std::optional<double> seconds_;
   const std::optional<std::int64_t> preview_;
   bool previewIsOn_ = false;
   const Clock::time_point start_ = Clock::now();
   LinkStatistics before_;
-  CameraLink link_;
-  CameraStack& stack_;
 };
 
 }  // namespace
 
 int runMonitor(const Invocation& invocation) {
-  Bus bus(invocation.settings);
-  if (!bus.isThere()) return kNoCamera;
+  CommandCamera command(invocation.settings, {.keepsLink = true});
+  if (!command.isThere()) return kNoCamera;
   const Values& values = invocation.values;
-  Monitor monitor(bus, invocation.settings, values.number("--seconds"), values.integer("--preview"));
-  return monitor.run();
+  return Monitor(command, invocation.settings, values.integer("--preview")).run(values.number("--seconds"));
 }
 
 }  // namespace zel::app

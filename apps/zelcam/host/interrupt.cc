@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdlib>
 #include <mutex>
 #include <optional>
@@ -114,6 +115,18 @@ void hearInterrupts() {
 }
 
 std::stop_token interruption() { return stopping().get_token(); }
+
+void waitForInterruption(std::optional<double> seconds) {
+  std::mutex mutex;
+  std::condition_variable_any stopped;
+  std::unique_lock lock(mutex);
+  const auto isOver = [] { return wasInterrupted(); };
+  if (!seconds) {
+    stopped.wait(lock, interruption(), isOver);
+  } else {
+    stopped.wait_for(lock, interruption(), std::chrono::duration<double>(*seconds), isOver);
+  }
+}
 
 void stopMainQueueOnInterrupt(LinuxPlatform& platform) {
   watchedPlatform.set(&platform);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <stop_token>
 
 namespace zel {
@@ -32,6 +33,9 @@ void hearInterrupts();
 
 // Tells waits that the user has asked to stop, once hearInterrupts() was called.
 std::stop_token interruption();
+
+// Waits until the user asks to stop, or for that many seconds.
+void waitForInterruption(std::optional<double> seconds);
 
 // Stops as the first of these signals does.
 // Thread: any thread.
