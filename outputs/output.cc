@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <system_error>
 #include <utility>
 
 #include "base/has_memory_for.h"
@@ -21,7 +22,11 @@ Output::Output(OutputRules rules)
       random_(std::random_device{}()),
       queue_(rules_.limits) {
   report_.name = rules_.name;
-  thread_ = std::thread([this] { run(); });
+  try {
+    thread_ = std::thread([this] { run(); });
+  } catch (const std::system_error&) {
+    fail(fmt::format("{}: no thread can be started", rules_.name));
+  }
 }
 
 Output::~Output() {

@@ -1,14 +1,18 @@
 #include "outputs/output.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <deque>
+#include <memory>
 #include <new>
 #include <semaphore>
 #include <utility>
+#include <vector>
 
 #include "base/mutex.h"
+#include "tests/sanitizers.h"
 
 namespace zel {
 namespace {
@@ -299,6 +303,38 @@ TEST_F(OutputTest, EndsWithoutAnyHeaders) {
   output.join();
   EXPECT_EQ(finished(), 0);
   EXPECT_EQ(output.state(), OutputState::finished);
+}
+
+// -- a machine that has nothing left
+
+// The process gets no more memory than it has, while it exists.
+class NoMoreMemory {
+ public:
+  NoMoreMemory() {
+    getrlimit(RLIMIT_AS, &before_);
+    rlimit none = before_;
+    none.rlim_cur = 1;
+    setrlimit(RLIMIT_AS, &none);
+  }
+  ~NoMoreMemory() { setrlimit(RLIMIT_AS, &before_); }
+  NoMoreMemory(const NoMoreMemory&) = delete;
+  NoMoreMemory& operator=(const NoMoreMemory&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+TEST_F(OutputTest, WithoutAThreadItHasFailed) {
+  if (test::kSanitized) GTEST_SKIP() << "a sanitizer needs memory of its own";
+  constexpr std::size_t kMany = 20;  // more than there are stacks of threads that have ended
+  std::vector<std::unique_ptr<Output>> all(kMany);
+  std::vector<OutputRules> each(kMany, rules());
+  {
+    const NoMoreMemory none;
+    for (std::size_t at = 0; at < kMany; ++at) all[at] = std::make_unique<Output>(std::move(each[at]));
+  }
+  EXPECT_EQ(all.back()->state(), OutputState::failed);
+  EXPECT_EQ(all.back()->report().fault, "it: no thread can be started");
 }
 
 }  // namespace
