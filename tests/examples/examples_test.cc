@@ -85,11 +85,13 @@ TEST_F(ExamplesTest, BatteryOfACameraThatAnotherHas) {
   EXPECT_THAT(host->errors(), MatchesRegex("camera A1 is in use by process [0-9]+ .*film.\n"));
 }
 
-TEST_F(ExamplesTest, CameraInAPollLoop) {
+TEST_F(ExamplesTest, CameraInALoopOfTheHostsOwn) {
   const auto attached = camera();
-  const auto host = example("camera_in_a_poll_loop");
-  ASSERT_EQ(host->wait(), 0) << host->errors();
-  EXPECT_EQ(host->output(), "battery: 100 %\nbattery: 100 %\nbattery: 100 %\n");
+  for (const char* name : {"camera_in_a_poll_loop", "camera_in_a_glib_loop", "camera_in_an_asio_loop"}) {
+    const auto host = example(name);
+    ASSERT_EQ(host->wait(), 0) << name << ": " << host->errors();
+    EXPECT_EQ(host->output(), "battery: 100 %\nbattery: 100 %\nbattery: 100 %\n") << name;
+  }
 }
 
 TEST_F(ExamplesTest, WatchAndPhotograph) {
