@@ -84,6 +84,10 @@ Pending<OperationReply> Camera::call(const Operation& operation, const std::vect
   return core_ ? callOperation(core_, operation, arguments, request) : nowhere<OperationReply>();
 }
 
+Result<CameraStream> Camera::beginStream(const StreamOptions& options) {
+  return core_ ? StreamRun::begin(core_, options) : movedFrom();
+}
+
 Subscription<Event> Camera::events(const SubscriptionOptions& options) {
   return core_ ? Subscription<Event>(core_->subscribe(core_->events, options)) : nothingFrom<Event>();
 }

@@ -154,9 +154,10 @@ void CameraCore::statusChanged(LinkStatus status) {
   linkChanges.publish(status);
   ifMemoryAllows([this, status] {
     callbacks_->postToMain([self = shared_from_this(), status] {
-      if (status == LinkStatus::flowing) self->openings_.endAll(std::nullopt);
       if (status == LinkStatus::open) self->askForMarker();
+      // First, so that whoever waited for the camera finds the preview and the stream begun again.
       self->preview_->linkChanged(status);
+      if (status == LinkStatus::flowing) self->openings_.endAll(std::nullopt);
     });
   });
 }

@@ -7,6 +7,8 @@
 #include <system_error>
 #include <utility>
 
+#include "base/has_memory_for.h"
+
 namespace zel {
 namespace {
 
@@ -71,13 +73,18 @@ std::unique_ptr<CameraHost> CameraHost::create(const CameraOptions& options,
   own.media =
       std::make_unique<LinuxMedia>(own.platform->ports(), LinuxMedia::Options{ofPictures, options.decoderThreads});
   try {
-    own.main = std::thread([platform = own.platform.get()] { platform->runMainQueue(); });
+    own.main = std::thread([platform = own.platform.get()] {
+      // A call that found no memory is lost; the others go on.
+      while (!hasMemoryFor([platform] { platform->runMainQueue(); })) {
+      }
+    });
   } catch (const std::system_error& fault) {
     error = std::string("no thread for the camera can be started: ") + fault.what();
     return nullptr;
   }
   own.accessories = std::make_unique<BoundedAccessories>(own.platform->ports().accessories);
-  host->use(own.media->ports(), *own.accessories);
+  if (options.staysWithCamera) own.steady = std::make_unique<SteadyAccessories>(*own.accessories);
+  host->use(own.media->ports(), own.steady ? *own.steady : static_cast<platform::AccessoryManager&>(*own.accessories));
   return host;
 }
 

@@ -14,6 +14,7 @@
 
 #include "facade/bounded_accessories.h"
 #include "facade/decoders_on_demand.h"
+#include "facade/steady_accessories.h"
 
 namespace zel {
 
@@ -43,6 +44,7 @@ class CameraHost {
   struct Own {
     std::unique_ptr<LinuxPlatform> platform;
     std::unique_ptr<BoundedAccessories> accessories;
+    std::unique_ptr<SteadyAccessories> steady;
     std::unique_ptr<LinuxMedia> media;
     std::thread main;  // runs the main queue
     std::string folder;

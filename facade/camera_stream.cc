@@ -20,6 +20,7 @@ CameraStream::~CameraStream() {
 
 StreamHeaders CameraStream::headers() const { return run_->headers(); }
 EncodedStreamStatistics CameraStream::statistics() const { return run_->statistics(); }
+std::optional<std::string> CameraStream::failure() const { return run_->failure(); }
 void CameraStream::stop() { run_->stop(); }
 std::vector<OutputReport> CameraStream::outputs() const { return run_->outputs().reports(); }
 

@@ -12,6 +12,10 @@ namespace {
 
 using Reason = CameraError::Reason;
 
+std::optional<std::int64_t> microsecondsOf(const std::optional<std::chrono::microseconds>& length) {
+  return length ? std::optional<std::int64_t>(length->count()) : std::nullopt;
+}
+
 }  // namespace
 
 StreamRun::StreamRun(const std::shared_ptr<CameraCore>& core, StreamOptions options)
@@ -19,19 +23,35 @@ StreamRun::StreamRun(const std::shared_ptr<CameraCore>& core, StreamOptions opti
       options_(std::move(options)),
       outputs_(options_.tell),
       stream_(*this,
-              {.changed = [this] { changed(); },
+              {.length = microsecondsOf(options_.length),
+               .changed = [this] { changed(); },
                .picture = [preview = core->preview()](const auto& picture,
                                                       std::int64_t time) { preview->onPixelBuffer(picture, time); }}) {}
 
 StreamRun::~StreamRun() = default;
 
-Pending<CameraStream> StreamRun::start(const std::shared_ptr<CameraCore>& core, const StreamOptions& options,
-                                       const RequestOptions& request) {
-  const auto run = std::make_shared<StreamRun>(core, options);
+Result<std::shared_ptr<StreamRun>> StreamRun::create(const std::shared_ptr<CameraCore>& core,
+                                                     const StreamOptions& options) {
+  auto run = std::make_shared<StreamRun>(core, options);
   for (const std::string& text : options.outputs) {
     const auto added = run->addOutput(text);
-    if (!added) return failed<CameraStream>(added.error(), core->callbacks());
+    if (!added) return added.error();
   }
+  return run;
+}
+
+Result<CameraStream> StreamRun::begin(const std::shared_ptr<CameraCore>& core, const StreamOptions& options) {
+  const auto run = create(core, options);
+  if (!run) return run.error();
+  if (const auto why = core->preview()->begin(*run)) return *why;
+  return CameraStream(*run);
+}
+
+Pending<CameraStream> StreamRun::start(const std::shared_ptr<CameraCore>& core, const StreamOptions& options,
+                                       const RequestOptions& request) {
+  const auto made = create(core, options);
+  if (!made) return failed<CameraStream>(made.error(), core->callbacks());
+  const std::shared_ptr<StreamRun>& run = *made;
   const auto starting = std::make_shared<detail::PendingState<CameraStream>>(core->callbacks());
   const auto giveUp = [run](const CameraError& why) {
     run->failStart(why.reason == Reason::timeLimit ? run->whyNothingCame() : why);

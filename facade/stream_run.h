@@ -24,6 +24,8 @@ class CameraStack;
 // Thread: any thread.
 class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_from_this<StreamRun> {
  public:
+  // A stream at once.
+  static Result<CameraStream> begin(const std::shared_ptr<CameraCore>& core, const StreamOptions& options);
   // Gives the stream once its first picture has come.
   static Pending<CameraStream> start(const std::shared_ptr<CameraCore>& core, const StreamOptions& options,
                                      const RequestOptions& request);
@@ -53,11 +55,15 @@ class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_
   std::shared_ptr<detail::SubscriptionState<MediaPacket>> packets(const SubscriptionOptions& options);
   std::shared_ptr<detail::SubscriptionState<StreamProblem>> problems(const SubscriptionOptions& options);
   EncodedStreamStatistics statistics() const { return stream_.statistics(); }
+  std::optional<std::string> failure() const { return stream_.failure(); }
   Result<int> addOutput(const std::string& address);
   std::optional<std::int64_t> timeOf(std::int64_t reportedTime) const { return stream_.timeOf(reportedTime); }
   Outputs& outputs() { return outputs_; }
 
  private:
+  // With its outputs.
+  static Result<std::shared_ptr<StreamRun>> create(const std::shared_ptr<CameraCore>& core,
+                                                   const StreamOptions& options);
   void changed();
   void tellFailure();
   void failStart(const CameraError& why);

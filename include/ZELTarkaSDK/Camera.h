@@ -111,6 +111,12 @@ class ZEL_EXPORT Camera final : public CameraRequests {
   //         in time: no picture, or no sound, without which no stream begins.
   Pending<CameraStream> stream(const StreamOptions& options = {}, const RequestOptions& request = {});
 
+  // The same at once, for hosts that show the stream before its first picture. It begins where the link is there, and
+  // else when it comes; failure() and problems() tell why it cannot.
+  //
+  // Errors: `invalid` as above.
+  Result<CameraStream> beginStream(const StreamOptions& options = {});
+
   // Calls an operation by its name, for command lines, scripts and servers: see Operations.h. It waits in line with the
   // requests that send the same. What the camera answers stands in the reply, a refusal too.
   //

@@ -43,6 +43,8 @@ struct ZEL_EXPORT CameraOptions {
   const platform::Ports* ports = nullptr;
 
   // -- Of the camera's own platform on Linux, see LinuxPlatform::Options and LinuxMedia::Options.
+  // Where no serial number is given: goes on with the first camera alone, also after a loss.
+  bool staysWithCamera = false;
   std::string accessoriesFolder = {};
   std::string program = {};
   int decoderThreads = 1;

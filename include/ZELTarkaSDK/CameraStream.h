@@ -41,7 +41,8 @@ struct ZEL_EXPORT StreamOptions {
   std::optional<StitchedPictures> stitched = {};  // absent: the camera's own pictures as they come
   std::vector<std::string> outputs = {};          // addresses, see addOutput()
   std::chrono::milliseconds startTimeLimit{10'000};
-  std::function<void(const std::string&)> tell = {};  // sentences of the outputs, see Outputs::Tell
+  std::optional<std::chrono::microseconds> length = {};  // the stream is complete when it is so long; absent: never
+  std::function<void(const std::string&)> tell = {};     // sentences of the outputs, see Outputs::Tell
 };
 
 // What went wrong while a stream was running.
@@ -87,6 +88,9 @@ class ZEL_EXPORT CameraStream {
   // What goes wrong while it runs: the camera is lost (`lost`; it goes on by itself), or pictures or sound cannot be
   // made (`media`; it has ended).
   Subscription<StreamProblem> problems(const SubscriptionOptions& options = {});
+
+  // Why it cannot go on, as a sentence; nothing while it can, and nothing after it has begun again with the camera.
+  std::optional<std::string> failure() const;
 
   EncodedStreamStatistics statistics() const;
 
