@@ -30,6 +30,7 @@ std::string complaintOfOutputs(const Values& values, LiveOptions& options) {
     if (!address) return fmt::format("{} is no output; an output is {}", text, kOutputKinds);
     if (std::ranges::count(options.outputs, *address) != 0) return fmt::format("-o {} is given twice", text);
     options.outputs.push_back(*address);
+    options.outputTexts.push_back(text);
   }
   return options.outputs.empty() ? fmt::format("-o tells where the stream goes: {}", kOutputKinds) : "";
 }

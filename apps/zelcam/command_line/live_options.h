@@ -18,6 +18,7 @@ namespace zel::app {
 // Units:  pixels, bits a second, seconds, degrees.
 struct LiveOptions {
   std::vector<OutputAddress> outputs;
+  std::vector<std::string> outputTexts;  // the same as they were given
   int resolution = kSmallestPreview;
   StitchedPictures stitched;
   std::optional<double> duration;

@@ -6,6 +6,7 @@
 #include <ZELTarkaSDK/platform/ports.h>
 
 #include "apps/zelcam/host/console.h"
+#include "apps/zelcam/host/interrupt.h"
 #include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_choice.h"
 
@@ -66,6 +67,7 @@ int watchDevices(LinuxPlatform& platform, const Settings& settings) {
       platform::kAccessoryDidDisconnectNotification, [&](const auto& one) { report("disconnected", one, settings); });
   ports.accessories.registerForLocalNotifications();
   for (const auto& one : chosenAccessories(platform.ports(), settings)) print(one->description(), settings);
+  const std::stop_callback stopping(interruption(), [&platform] { platform.stopMainQueue(); });
   platform.runMainQueue();
   ports.accessories.unregisterForLocalNotifications();
   return kDone;
@@ -75,9 +77,9 @@ int watchDevices(LinuxPlatform& platform, const Settings& settings) {
 
 int runDevices(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
-  Bus bus(settings);
-  if (!bus.isThere()) return kNoCamera;
-  LinuxPlatform& platform = bus.platform();
+  const auto bus = openBus(settings);
+  if (!bus) return kNoCamera;
+  LinuxPlatform& platform = *bus;
   if (invocation.values.has("--watch")) return watchDevices(platform, settings);
   const Accessories accessories = chosenAccessories(platform.ports(), settings);
   for (const auto& one : accessories) print(one->description(), settings);

@@ -125,7 +125,7 @@ int runEvents(const Invocation& invocation) {
   const auto events = std::make_shared<WaitingEvents>();
   ZELCameraUCD& ucd = command.camera().stack().ucd();
   ucd.addCameraNotificationReceiver(events);
-  int status = command.connect();
+  int status = command.connect(settings);
   if (status == kDone) status = show(*events, command.camera(), settings, invocation.values.integer("--count"));
   ucd.removeCameraNotificationReceiver(events.get());
   if (events->dropped() != 0) {

@@ -1,10 +1,9 @@
 #include "apps/zelcam/commands/commands.h"
 
-#include <ZELTarkaSDK/EncodedStream.h>
-#include <ZELTarkaSDK/Outputs.h>
+#include <ZELTarkaSDK/CameraStack.h>
 #include <ZELTarkaSDK/WireConstants.h>
+#include <ZELTarkaSDK/ZELAccessoryInfo.h>
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
-#include <ZELTarkaSDK/ZELCameraUCD.h>
 
 extern "C" {
 #include <libavutil/log.h>
@@ -23,22 +22,24 @@ extern "C" {
 #include <utility>
 
 #include <ZELTarkaSDK/platform/application_events.h>
-#include <ZELTarkaSDK/platform/run_loop.h>
+#include <ZELTarkaSDK/platform/notification_center.h>
+#include <ZELTarkaSDK/platform/ports.h>
 
 #include "apps/zelcam/command_line/live_options.h"
 #include "apps/zelcam/commands/live_duration.h"
 #include "apps/zelcam/commands/live_figures.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/interrupt.h"
-#include "apps/zelcam/link/bus.h"
-#include "apps/zelcam/link/camera_link.h"
+#include "apps/zelcam/link/command_camera.h"
+#include "apps/zelcam/link/loss_watch.h"
 
 namespace zel::app {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr double kProgressPeriod = 0.5;  // seconds between two lines of progress
+constexpr std::chrono::milliseconds kProgressPeriod{500};  // between two lines of progress
+constexpr double kLookPeriod = 0.1;                        // seconds between two looks at the stream
 
 void addUsage(LiveFigures& figures) {
   rusage usage{};
@@ -50,56 +51,52 @@ void addUsage(LiveFigures& figures) {
   figures.peakMemory = std::int64_t{usage.ru_maxrss} * 1024;
 }
 
-// Stops the stream where nobody has: when memory ends, it must not outlive the connection that it comes from.
-class StreamEnd {
- public:
-  explicit StreamEnd(EncodedStream& stream) : stream_(stream) {}
-  ~StreamEnd() { stream_.stop(); }
-  StreamEnd(const StreamEnd&) = delete;
-  StreamEnd& operator=(const StreamEnd&) = delete;
-
- private:
-  EncodedStream& stream_;
-};
-
 // The end of one connection of the camera.
 enum class RunEnd { complete, interrupted, lost, noPicture, failed, outputsFailed };
 
 // One run of the command.
 class Live {
  public:
-  Live(Bus& bus, const Settings& settings, const LiveOptions& options)
-      : bus_(bus),
+  Live(CommandCamera& command, const Settings& settings, const LiveOptions& options)
+      : command_(command),
+        camera_(command.camera()),
         settings_(settings),
         options_(options),
-        duration_(options.duration),
-        outputs_([this](const std::string& line) { tell(line); }),
-        stream_(outputs_, streamOptions()) {
-    for (const OutputAddress& address : options.outputs) outputs_.add(address);
-  }
+        duration_(options.duration) {}
 
   int run() {
-    background_ = observe(platform::kApplicationDidEnterBackgroundNotification, true);
-    active_ = observe(platform::kApplicationDidBecomeActiveNotification, false);
-    int status = stream(settings_);
+    if (const int status = command_.connect(settings_); status != kDone) return status;
+    if (const auto info = camera_.info()) serial_ = info->serialNumber();
+    const ApplicationEvents events(camera_.stack().ports());
+    const auto background = observe(platform::kApplicationDidEnterBackgroundNotification, true);
+    const auto active = observe(platform::kApplicationDidBecomeActiveNotification, false);
+    start_ = Clock::now();
+    auto begun = camera_.beginStream(streamOptions());
+    if (!begun) return complain(kRefused, "live", begun.error().message);
+    stream_.emplace(*std::move(begun));
+    int status = watchConnection();
     while (const auto patience = patienceAfter(status)) status = reconnect(*patience);
-    outputs_.finish();
+    stream_->stop();
+    if (!lost_) letCameraKnow();
     endProgress();
-    if (!wasThere_) return status;
     summarise();
     return statusWithOutputs(status);
   }
 
  private:
-  EncodedStream::Options streamOptions() {
-    EncodedStream::Options options;
-    if (options_.duration) options.length = static_cast<std::int64_t>(*options_.duration * 1e6);
-    options.changed = [this] { bus_.platform().stopMainQueue(); };
+  StreamOptions streamOptions() {
+    StreamOptions options;
+    options.resolution = static_cast<std::uint8_t>(options_.resolution);
+    if (options_.stitch) options.stitched = options_.stitched;
+    options.outputs = options_.outputTexts;
+    options.tell = tell;
+    if (options_.duration)
+      options.length = std::chrono::microseconds(static_cast<std::int64_t>(*options_.duration * 1e6));
     return options;
   }
 
   std::unique_ptr<platform::NotificationObservation> observe(std::string_view name, bool background) {
-    return bus_.platform().ports().notifications.observe(name, [this, background](const platform::Notification&) {
+    return camera_.stack().ports().notifications.observe(name, [this, background](const platform::Notification&) {
       inBackground_ = background;
       if (settings_.verbose) tell(background ? "in the background: the camera rests" : "active again");
     });
@@ -112,84 +109,68 @@ class Live {
     return reopened_ && !options_.reconnect ? settings_.timeout : options_.reconnect;
   }
 
+  // The stream goes on by itself with the camera's next session.
   int reconnect(double patience) {
     lost_ = reopened_ = false;
     Settings again = settings_;
     again.camera = serial_;
     again.timeout = std::min(patience, duration_.left().value_or(patience));
     tell(fmt::format("the camera was lost; waiting up to {:.6g} s for {}", again.timeout, serial_));
-    return stream(again);
+    // Frames without pictures need another session too.
+    if (camera_.linkStatus() == LinkStatus::flowing) camera_.stack().accessory().openCamera();
+    if (const int status = command_.connect(again); status != kDone) return status;
+    tell("the camera is there again");
+    return watchConnection();
   }
 
-  // Runs one connection, from waiting for the camera to its end. Returns the exit status.
-  int stream(const Settings& toOpen) {
-    CameraLink link(bus_, toOpen);
-    if (const int status = link.open(); status != kDone) return status;
-    if (const auto info = link.stack().accessory().accessoryInfo()) serial_ = info->serialNumber();
-    if (!wasThere_) start_ = Clock::now();
-    if (std::exchange(wasThere_, true)) tell("the camera is there again");
-    const StreamEnd streamEnd(stream_);
-    startStream(link);
-    const auto tick = link.platform().ports().threads.currentRunLoop().scheduleRepeating(kProgressPeriod, [&] {
-      duration_.note(Clock::now(), stream_.statistics().newestVideo);
-      report();
-      link.wake();
-    });
+  // One connection, to its end. Returns the exit status.
+  int watchConnection() {
+    const LossWatch link(camera_, LossWatch::Silence::isBorne);
     const RunEnd end = waitForEnd(link);
     reopened_ = link.wasReopened();
-    const std::optional<std::string> failure = stream_.failure();
-    stream_.stop();
-    letCameraKnow(link, end);
-    return statusOf(end, failure);
+    return statusOf(end, stream_->failure());
   }
 
-  void startStream(CameraLink& link) {
-    if (!options_.stitch) return stream_.startCamera(link.stack(), options_.resolution);
-    stream_.startStitched(link.stack(), options_.resolution, options_.stitched);
-  }
+  std::uint64_t pictures() const { return stream_->statistics().pictures; }
 
   // Pictures must keep arriving, except in the background: a timeout without one ends the connection. Until then a
   // silent camera may continue, unless reconnecting is possible.
-  RunEnd waitForEnd(CameraLink& link) {
-    const std::uint64_t first = stream_.statistics().pictures;
-    const auto isOver = [&] {
-      return stream_.statistics().complete || duration_.isOver() || stream_.failure() || outputs_.haveAllFailed() ||
-             link.wasReopened();
-    };
-    const auto bears = [&](LinkLoss loss) {
-      return loss == LinkLoss::silent && (inBackground_ || !options_.reconnect);
-    };
-    while (true) {
-      const std::uint64_t before = stream_.statistics().pictures;
-      const Waited end = link.waitFor(isOver, settings_.timeout, bears);
-      if (end == Waited::interrupted) return RunEnd::interrupted;
-      if (end == Waited::lost) return RunEnd::lost;
-      if (end == Waited::timeOut && (inBackground_ || stream_.statistics().pictures != before)) continue;
+  RunEnd waitForEnd(const LossWatch& link) {
+    const std::uint64_t first = pictures();
+    std::uint64_t before = first;
+    for (Clock::time_point came = Clock::now(), shown = came;; waitForStop(link.stop(), kLookPeriod)) {
+      const Clock::time_point now = Clock::now();
+      duration_.note(now, stream_->statistics().newestVideo);
+      if (const auto end = endBy(link)) return *end;
+      if (inBackground_ || pictures() != before) came = now;
+      before = pictures();
       // Reconnects only after a connection that has delivered pictures.
-      if (end == Waited::timeOut) return options_.reconnect && before != first ? RunEnd::lost : RunEnd::noPicture;
-      return whyOver(link);
+      if (std::chrono::duration<double>(now - came).count() >= settings_.timeout) {
+        return options_.reconnect && before != first ? RunEnd::lost : RunEnd::noPicture;
+      }
+      if (now - shown >= kProgressPeriod) shown = now, report();
     }
   }
 
-  RunEnd whyOver(CameraLink& link) const {
-    if (stream_.statistics().complete || duration_.isOver()) return RunEnd::complete;
-    if (outputs_.haveAllFailed()) return RunEnd::outputsFailed;
-    const bool forWantOfACamera = link.wasReopened() || (stream_.failure() && link.isLost());
-    return forWantOfACamera ? RunEnd::lost : RunEnd::failed;
+  std::optional<RunEnd> endBy(const LossWatch& link) const {
+    if (stream_->statistics().complete || duration_.isOver()) return RunEnd::complete;
+    if (haveAllOutputsFailed()) return RunEnd::outputsFailed;
+    if (wasInterrupted()) return RunEnd::interrupted;
+    const LinkStatus status = camera_.linkStatus();
+    const bool isSilent = status == LinkStatus::silent && options_.reconnect && !inBackground_;
+    if (link.isLost() || isSilent) return RunEnd::lost;
+    if (!stream_->failure()) return std::nullopt;
+    return status == LinkStatus::flowing ? RunEnd::failed : RunEnd::lost;
+  }
+
+  bool haveAllOutputsFailed() const {
+    return std::ranges::all_of(stream_->outputs(), [](const auto& one) { return one.state == OutputState::failed; });
   }
 
   // The commands that switch the camera's streams off are queued: the reply to a further request shows that they have
   // arrived.
-  void letCameraKnow(CameraLink& link, RunEnd end) const {
-    if (end == RunEnd::lost) return;
-    constexpr double kLongest = 1;
-    const auto answered = std::make_shared<std::atomic<bool>>(false);
-    link.stack().ucd().msgReqSwitchAudioStreamType(kAudioStreamOff, [answered](const auto&) { answered->store(true); });
-    link.platform().runMainQueueFor(0);
-    const auto until = Clock::now() + std::chrono::duration<double>(kLongest);
-    while (!answered->load() && link.stack().accessory().linkStatus() != LinkStatus::closed && Clock::now() < until) {
-      link.platform().runMainQueueFor(0.02);
-    }
+  void letCameraKnow() const {
+    static_cast<void>(camera_.switchSound(kAudioStreamOff, {.timeLimit = std::chrono::seconds(1)}).get());
   }
 
   int statusOf(RunEnd end, const std::optional<std::string>& failure) {
@@ -198,7 +179,7 @@ class Live {
         tellWhereItStood();
         return kDone;
       case RunEnd::interrupted:
-        return options_.duration || stream_.statistics().pictures == 0 ? kInterrupted : kDone;
+        return options_.duration || pictures() == 0 ? kInterrupted : kDone;
       case RunEnd::lost:
         lost_ = true;
         if (!patienceAfter(kNoCamera)) sayFailure("live: the camera was lost", zelOSStatusError(kZELErrorNotConnected));
@@ -228,7 +209,7 @@ class Live {
 
   // Faults were printed when they occurred. Returns whether there is one.
   bool rememberFaultOfOutputs() const {
-    const auto reports = outputs_.reports();
+    const auto reports = stream_->outputs();
     const auto failed = std::ranges::find_if(reports, [](const auto& report) { return report.fault.has_value(); });
     if (failed == reports.end()) return false;
     rememberFailure("live: " + *failed->fault);
@@ -238,7 +219,7 @@ class Live {
   int statusWithOutputs(int status) const { return status == kDone && rememberFaultOfOutputs() ? kRefused : status; }
 
   LiveFigures figures() const {
-    LiveFigures all{stream_.statistics(), outputs_.reports()};
+    LiveFigures all{stream_->statistics(), stream_->outputs()};
     all.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
     addUsage(all);
     return all;
@@ -261,18 +242,18 @@ class Live {
   }
 
   // Thread: any thread.
-  void tell(const std::string& line) const { say("zelcam: live: " + line); }
+  static void tell(const std::string& line) { say("zelcam: live: " + line); }
 
-  Bus& bus_;
+  CommandCamera& command_;
+  Camera& camera_;
   const Settings& settings_;
   const LiveOptions& options_;
   Clock::time_point start_ = Clock::now();
   std::string serial_;
-  bool wasThere_ = false, lost_ = false, reopened_ = false, inBackground_ = false, showsProgress_ = false;
+  bool lost_ = false, reopened_ = false, showsProgress_ = false;
+  std::atomic<bool> inBackground_ = false;
   LiveDuration duration_;
-  Outputs outputs_;
-  EncodedStream stream_;
-  std::unique_ptr<platform::NotificationObservation> background_, active_;
+  std::optional<CameraStream> stream_;
 };
 
 }  // namespace
@@ -284,11 +265,8 @@ int runLive(const Invocation& invocation) {
   if (options->usesStandardOutput()) leaveStandardOutput();
   av_log_set_level(AV_LOG_QUIET);  // zelcam prints its own messages
   turnSuspensionIntoEvents();
-  Bus bus(invocation.settings, options->decoderThreads);
-  if (!bus.isThere()) return kNoCamera;
-  if (!options->stitch) bus.decodeNothing();
-  Live live(bus, invocation.settings, *options);
-  return live.run();
+  CommandCamera command(invocation.settings, {.decoderThreads = options->decoderThreads, .staysWithCamera = true});
+  return command.isThere() ? Live(command, invocation.settings, *options).run() : kNoCamera;
 }
 
 }  // namespace zel::app

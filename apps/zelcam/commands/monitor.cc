@@ -58,8 +58,8 @@ class Monitor {
     link.each([this](LinkStatus status) { statusChanged(status); });
     auto statistics = camera_.statisticsEvery(std::chrono::seconds(1));
     statistics.each([this](const CameraStatistics& now) { secondPassed(now); });
-    const int status = command_.connect();
-    if (status == kDone) waitForInterruption(seconds);
+    const int status = command_.connect(settings_);
+    if (status == kDone) waitForStop(interruption(), seconds);
     link.close();
     statistics.close();
     if (status == kDone) summarise();

@@ -1,5 +1,6 @@
 #include "apps/zelcam/commands/commands.h"
 
+#include <ZELTarkaSDK/LinuxMedia.h>
 #include <ZELTarkaSDK/ZELThumbnailRender.h>
 
 #include <fmt/format.h>
@@ -56,9 +57,10 @@ int runThumbnail(const Invocation& invocation) {
   const auto file = readFile(values.text("FILE"), complaint);
   if (!file) return complain(kWrongUsage, "thumbnail", complaint);
 
-  Bus bus(invocation.settings);
-  if (!bus.isThere()) return kNoCamera;
-  const auto render = ZELThumbnailRender::initWithRenderWidth(bus.ports(), size->width, size->height);
+  const auto bus = openBus(invocation.settings);
+  if (!bus) return kNoCamera;
+  const LinuxMedia media(bus->ports(), {.warn = [](const std::string& fault) { say("zelcam: " + fault); }});
+  const auto render = ZELThumbnailRender::initWithRenderWidth(media.ports(), size->width, size->height);
   const ZELData stream = withLongStartCodes(file->bytes());
   auto picture = render->copyPixelBufferWithDecodeH264Data(stream);
   if (!picture) return complain(kRefused, "thumbnail", values.text("FILE") + " has no key frame that can be shown");

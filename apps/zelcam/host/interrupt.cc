@@ -2,8 +2,6 @@
 
 #include <pthread.h>
 
-#include <ZELTarkaSDK/LinuxPlatform.h>
-
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -28,7 +26,7 @@ namespace {
 
 std::atomic<bool> interrupted = false;
 std::atomic<bool> tellsSuspension = false;
-Guarded<LinuxPlatform*> watchedPlatform;
+Guarded<const platform::Ports*> listeners;
 
 using Clock = std::chrono::steady_clock;
 
@@ -54,10 +52,9 @@ sigset_t heardSignals() {
   return signals;
 }
 
-void post(LinuxPlatform& platform, std::string_view name) {
-  platform::NotificationCenter& notifications = platform.ports().notifications;
+void post(const platform::Ports& ports, std::string_view name) {
   ifMemoryAllows([&] {
-    platform.ports().queues.mainQueue().post([&notifications, name] {
+    ports.queues.mainQueue().post([&notifications = ports.notifications, name] {
       notifications.post({std::string(name), {}, nullptr});
     });
   });
@@ -66,8 +63,8 @@ void post(LinuxPlatform& platform, std::string_view name) {
 void tellSuspension(int signal) {
   const auto name = signal == SIGTSTP ? platform::kApplicationDidEnterBackgroundNotification
                                       : platform::kApplicationDidBecomeActiveNotification;
-  watchedPlatform.with([name](LinuxPlatform* watched) {
-    if (watched != nullptr) post(*watched, name);
+  listeners.with([name](const platform::Ports* ports) {
+    if (ports != nullptr) post(*ports, name);
   });
 }
 
@@ -116,31 +113,24 @@ void hearInterrupts() {
 
 std::stop_token interruption() { return stopping().get_token(); }
 
-void waitForInterruption(std::optional<double> seconds) {
+void waitForStop(const std::stop_token& stop, std::optional<double> seconds) {
   std::mutex mutex;
   std::condition_variable_any stopped;
   std::unique_lock lock(mutex);
-  const auto isOver = [] { return wasInterrupted(); };
+  const auto isOver = [&stop] { return stop.stop_requested(); };
   if (!seconds) {
-    stopped.wait(lock, interruption(), isOver);
+    stopped.wait(lock, stop, isOver);
   } else {
-    stopped.wait_for(lock, interruption(), std::chrono::duration<double>(*seconds), isOver);
+    stopped.wait_for(lock, stop, std::chrono::duration<double>(*seconds), isOver);
   }
 }
 
-void stopMainQueueOnInterrupt(LinuxPlatform& platform) {
-  watchedPlatform.set(&platform);
-  hearInterrupts();
-}
-
-void detachInterrupts() { watchedPlatform.set(nullptr); }
+ApplicationEvents::ApplicationEvents(const platform::Ports& ports) { listeners.set(&ports); }
+ApplicationEvents::~ApplicationEvents() { listeners.set(nullptr); }
 
 void interrupt() {
   interrupted.store(true);
   stopping().request_stop();
-  watchedPlatform.with([](LinuxPlatform* watched) {
-    if (watched != nullptr) watched->stopMainQueue();
-  });
 }
 
 bool wasInterrupted() { return interrupted.load(); }

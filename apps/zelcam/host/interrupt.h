@@ -1,10 +1,11 @@
 #pragma once
 
+#include <csignal>
 #include <optional>
 #include <stop_token>
 
-namespace zel {
-class LinuxPlatform;
+namespace zel::platform {
+struct Ports;
 }
 
 namespace zel::app {
@@ -16,26 +17,30 @@ void blockInterrupts();
 // The signals that blockInterrupts() has blocked.
 sigset_t stopSignals();
 
-// SIGTSTP and SIGCONT no longer stop and continue the program. They post the application events (background, active
-// again) on the platform's notification centre, on the main queue. Call it before any thread is started.
+// SIGTSTP and SIGCONT no longer stop and continue the program; see ApplicationEvents. Call it before any thread is
+// started.
 void turnSuspensionIntoEvents();
 
-// From now on the first of these signals stops the platform's main queue, and a second one ends the program at once. A
-// second one within a second of the first is ignored, because some programs send two (to the process and to its group),
-// and files would stay incomplete.
-// Owner:  call detachInterrupts() before the platform is destroyed.
-void stopMainQueueOnInterrupt(LinuxPlatform& platform);
-void detachInterrupts();
+// While it exists, SIGTSTP and SIGCONT post the application events (background, active again) on the ports'
+// notification centre, on their main queue.
+class ApplicationEvents {
+ public:
+  explicit ApplicationEvents(const platform::Ports& ports);
+  ~ApplicationEvents();
+  ApplicationEvents(const ApplicationEvents&) = delete;
+  ApplicationEvents& operator=(const ApplicationEvents&) = delete;
+};
 
-// From now on the first of these signals requests the stop of interruption(), and a second one ends the program as
-// above. Called again it does nothing.
+// From now on the first of these signals requests the stop of interruption(), and a second one ends the program at
+// once. A second one within a second of the first is ignored, because some programs send two (to the process and to its
+// group), and files would stay incomplete. Called again it does nothing.
 void hearInterrupts();
 
 // Tells waits that the user has asked to stop, once hearInterrupts() was called.
 std::stop_token interruption();
 
-// Waits until the user asks to stop, or for that many seconds.
-void waitForInterruption(std::optional<double> seconds);
+// Waits until the stop is requested, or for that many seconds.
+void waitForStop(const std::stop_token& stop, std::optional<double> seconds);
 
 // Stops as the first of these signals does.
 // Thread: any thread.
@@ -44,7 +49,7 @@ void interrupt();
 // Whether the user has asked to stop.
 bool wasInterrupted();
 
-// Whether the user has asked to stop while no platform was attached.
+// Whether the user has asked to stop while nobody heard it.
 bool isInterruptPending();
 
 }  // namespace zel::app

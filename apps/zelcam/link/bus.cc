@@ -7,40 +7,18 @@
 
 namespace zel::app {
 
-Bus::Bus(const Settings& settings, int decoderThreads) {
+std::unique_ptr<LinuxPlatform> openBus(const Settings& settings) {
+  hearInterrupts();
   std::string error;
-  // One command is one host: the program keeps the camera between two connections of `live --reconnect`.
-  platform_ = LinuxPlatform::create({.accessoriesFolder = settings.accessories,
-                                     .warn = say,
-                                     .inUse = [this](const CameraInUse& camera) { noteInUse(camera); },
-                                     .program = "zelcam " + settings.command,
-                                     .keepCameras = true},
-                                    error);
-  if (!platform_) {
-    sayFailure(error);
-    return;
-  }
-  if (settings.verbose) {
-    say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
-  }
-  media_ = std::make_unique<LinuxMedia>(
-      platform_->ports(),
-      LinuxMedia::Options{[](const std::string& fault) { say("zelcam: " + fault); }, decoderThreads});
-  stopMainQueueOnInterrupt(*platform_);
+  auto platform = LinuxPlatform::create(
+      {.accessoriesFolder = settings.accessories, .warn = say, .program = "zelcam " + settings.command}, error);
+  if (!platform) sayFailure(error);
+  if (platform && settings.verbose) sayBus(settings);
+  return platform;
 }
 
-platform::Ports Bus::ports() {
-  const platform::Ports& all = media_->ports();
-  return {all.clock,        all.threads,       all.queues,
-          all.accessories,  all.notifications, decodes_ ? all.videoDecoders : nullptr,
-          all.mediaLibrary, all.videoEncoders, all.documents};
+void sayBus(const Settings& settings) {
+  say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
 }
-
-void Bus::noteInUse(const CameraInUse& camera) {
-  inUse_.set(camera.inWords());
-  platform_->stopMainQueue();
-}
-
-Bus::~Bus() { detachInterrupts(); }
 
 }  // namespace zel::app

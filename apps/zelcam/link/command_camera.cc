@@ -16,6 +16,7 @@
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/diagnostics.h"
 #include "apps/zelcam/host/interrupt.h"
+#include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_choice.h"
 #include "base/has_memory_for.h"
 
@@ -38,6 +39,7 @@ CameraOptions optionsOf(const Settings& settings, const CommandCamera::Needs& ne
   options.serialNumber = settings.camera;
   options.openTimeLimit = options.timeLimit = options.transferTimeLimit = timeoutOf(settings);
   options.keepsLink = needs.keepsLink;
+  options.staysWithCamera = needs.staysWithCamera;
   if (settings.verbose) options.tell = sayAfterOurName;
   options.accessoriesFolder = settings.accessories;
   options.program = "zelcam " + settings.command;
@@ -49,42 +51,40 @@ CameraOptions optionsOf(const Settings& settings, const CommandCamera::Needs& ne
 
 }  // namespace
 
-CommandCamera::CommandCamera(const Settings& settings, const Needs& needs) : settings_(settings) {
+CommandCamera::CommandCamera(const Settings& settings, const Needs& needs) {
   hearInterrupts();
   auto made = Camera::create(optionsOf(settings, needs));
   if (!made) {
     sayFailure(made.error().message);
     return;
   }
-  if (settings.verbose) {
-    say("zelcam: the accessory bus is " + LinuxPlatform::accessoriesFolder(settings.accessories));
-  }
+  if (settings.verbose) sayBus(settings);
   camera_.emplace(*std::move(made));
   camera_->stack().setReceiveLimits(kReceiveLimits);
   notes_ = camera_->stack().accessory().observeStatus(
       [](std::uint64_t status) { ifMemoryAllows([status] { noteStatus(LinkStatus{status}); }); });
 }
 
-int CommandCamera::connect() {
-  const auto connected = camera_->connect(limitsOf(settings_)).get();
+int CommandCamera::connect(const Settings& settings) {
+  const auto connected = camera_->connect(limitsOf(settings)).get();
   if (connected) {
-    if (const auto info = camera_->info()) sayUsedCamera(camera_->stack().ports(), settings_, info->serialNumber());
+    if (const auto info = camera_->info()) sayUsedCamera(camera_->stack().ports(), settings, info->serialNumber());
     return kDone;
   }
   if (connected.error().reason == Reason::cancelled) return kInterrupted;
-  if (connected.error().reason != Reason::inUse) return sayNoFrames();
+  if (connected.error().reason != Reason::inUse) return sayNoFrames(settings);
   sayFailure(connected.error().message);
   return kNoCamera;
 }
 
-int CommandCamera::sayNoFrames() {
-  if (!settings_.camera.empty() && chosenAccessories(camera_->stack().ports(), settings_).empty()) {
-    sayUnknownCamera(camera_->stack().ports(), settings_);
+int CommandCamera::sayNoFrames(const Settings& settings) {
+  if (!settings.camera.empty() && chosenAccessories(camera_->stack().ports(), settings).empty()) {
+    sayUnknownCamera(camera_->stack().ports(), settings);
   } else if (camera_->info()) {
-    sayFailure(fmt::format("the camera is attached but sent no frame within {} s", settings_.timeout));
+    sayFailure(fmt::format("the camera is attached but sent no frame within {} s", settings.timeout));
   } else {
     sayFailure(fmt::format("no camera was attached within {} s; looked in {}, where zelcam-sim would attach one",
-                           settings_.timeout, LinuxPlatform::accessoriesFolder(settings_.accessories)));
+                           settings.timeout, LinuxPlatform::accessoriesFolder(settings.accessories)));
   }
   return kNoCamera;
 }
@@ -93,7 +93,7 @@ int withCamera(const Settings& settings, const std::function<int(Camera&)>& comm
                const CommandCamera::Needs& needs) {
   CommandCamera camera(settings, needs);
   if (!camera.isThere()) return kNoCamera;
-  const int status = camera.connect();
+  const int status = camera.connect(settings);
   return status == kDone ? command(camera.camera()) : status;
 }
 

@@ -24,6 +24,7 @@ class CommandCamera {
   struct Needs {
     int decoderThreads = 1;  // see CameraOptions
     bool keepsLink = false;
+    bool staysWithCamera = false;
   };
 
   // If the folder of the bus is unusable, prints why on standard error; isThere() is then false.
@@ -33,13 +34,13 @@ class CommandCamera {
   Camera& camera() { return *camera_; }
 
   // Waits until frames arrive, at most for the timeout. Returns kDone on success. Otherwise prints what is missing, or
-  // at once who uses the camera, and returns the exit status.
-  int connect();
+  // at once who uses the camera, and returns the exit status. settings: those of the command, with another timeout or a
+  // chosen camera after a loss.
+  int connect(const Settings& settings);
 
  private:
-  int sayNoFrames();
+  int sayNoFrames(const Settings& settings);
 
-  const Settings& settings_;
   std::optional<Camera> camera_;
   Observation notes_;  // of the link's states, in the log
 };

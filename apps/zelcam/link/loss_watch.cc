@@ -13,6 +13,7 @@ LossWatch::LossWatch(Camera& camera, Silence silence)
 // A session that was opened again has forgotten what it was asked for.
 void LossWatch::note(LinkStatus status) {
   if (status == LinkStatus::flowing || (status == LinkStatus::silent && silence_ == Silence::isBorne)) return;
+  if (status == LinkStatus::open) wasReopened_ = true;
   isLost_ = true;
   stop_.request_stop();
 }

@@ -19,12 +19,14 @@ class LossWatch {
 
   std::stop_token stop() const { return stop_.get_token(); }
   bool isLost() const { return isLost_.load(); }
+  // Whether the session was opened again by itself, after a stream error.
+  bool wasReopened() const { return wasReopened_.load(); }
 
  private:
   void note(LinkStatus status);
 
   const Silence silence_;
-  std::atomic<bool> isLost_ = false;
+  std::atomic<bool> isLost_ = false, wasReopened_ = false;
   std::stop_source stop_;
   Subscription<LinkStatus> link_;
   const std::stop_callback<std::function<void()>> user_;
