@@ -2,13 +2,13 @@
 
 #include <ZELTarkaSDK/ZELCameraAccessory.h>
 #include <ZELTarkaSDK/ZELCameraUCD.h>
-#include <ZELTarkaSDK/ZELMessageKeys.h>
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <tuple>
 
+#include "facade/events.h"
 #include "facade/preview.h"
 #include "facade/statistics_ticker.h"
 
@@ -22,26 +22,6 @@ constexpr double kLookPeriod = 0.25;  // seconds
 constexpr std::chrono::milliseconds kShortestInterval{10};
 
 const CameraError kClosed{Reason::closed, "the camera object was destroyed"};
-
-std::int64_t numberOf(const ZELMessageFields& fields, std::initializer_list<std::string_view> keys) {
-  for (const std::string_view name : keys) {
-    if (const auto* value = fields.find<std::int32_t>(name)) return *value;
-    if (const auto* value = fields.find<std::uint32_t>(name)) return *value;
-    if (const auto* value = fields.find<std::uint64_t>(name)) return static_cast<std::int64_t>(*value);
-  }
-  return 0;
-}
-
-Event eventOf(std::int64_t type, const std::optional<ZELMessageFields>& value) {
-  Event event{static_cast<ZELCameraEvent>(type)};
-  if (!value) return event;
-  event.numbers = {numberOf(*value, {key::intValue, key::uintValue}),
-                   numberOf(*value, {key::intValue2, key::uintValue2, key::uint64Value}),
-                   numberOf(*value, {key::uintValue3})};
-  event.text = value->get<std::string>(key::nsString);
-  event.failed = value->find<ZELError>(key::nsError) != nullptr;
-  return event;
-}
 
 }  // namespace
 
@@ -132,16 +112,17 @@ void CameraCore::waitForFrames(detail::PendingBase& pending, const RequestOption
   };
   pending.setCancel([giveUp] { giveUp({Reason::cancelled, {}}); });
   openings_.keep(id, watch(orLimit(request, options_.openTimeLimit), giveUp));
-  host_->ports().queues.mainQueue().post([weak = weak_from_this()] {
+  // The wait may have ended meanwhile, and an opening with it: its stop was requested before, or its time is over.
+  callbacks_->postToMain([weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->findCamera();
   });
 }
 
 // Again where the link was lost. A session that is open is left to send its first frame.
 void CameraCore::findCamera() {
-  if (options_.ports == nullptr) callbacks_->noteMainThread();
   bool isFlowing = false;
   withStack([&](CameraStack& stack) {
+    if (options_.ports == nullptr) callbacks_->noteMainThread();
     const LinkStatus status = stack.accessory().linkStatus();
     isFlowing = status == LinkStatus::flowing;
     if (status == LinkStatus::closed || status == LinkStatus::silent) stack.accessory().openCamera();
