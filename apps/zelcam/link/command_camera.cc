@@ -116,10 +116,11 @@ int tellFailure(std::string_view what, const ZELError& error) {
     sayFailure(fmt::format("{}: the camera was lost", what), error);
     return kNoCamera;
   }
-  const bool isOld = error.code == kZELErrorOldFirmware;
-  sayFailure(fmt::format("{}: the camera{} ({} {})", what, isOld ? "'s firmware is too old" : " refused", error.domain,
-                         error.code),
-             error);
+  if (error.code == kZELErrorOldFirmware) {
+    sayFailure(fmt::format("{}: the camera's firmware is too old ({} {})", what, error.domain, error.code), error);
+  } else {
+    sayFailure(fmt::format("{}: the camera refused ({} {})", what, error.domain, error.code), error);
+  }
   return kRefused;
 }
 
