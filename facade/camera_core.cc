@@ -280,8 +280,8 @@ std::shared_ptr<void> CameraCore::watch(const RequestOptions& options, std::func
 
 std::shared_ptr<void> CameraCore::watchWhileMoving(const RequestOptions& options,
                                                    std::function<void(CameraError)> giveUp,
-                                                   std::shared_ptr<const Movement> moved) {
-  return Watch::create(deadlines_, callbacks_, options, std::move(giveUp), std::move(moved));
+                                                   const std::shared_ptr<const Movement>& moved) {
+  return Watch::create(deadlines_, callbacks_, options, std::move(giveUp), moved);
 }
 
 }  // namespace zel

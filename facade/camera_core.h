@@ -68,14 +68,14 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   std::shared_ptr<void> watch(const RequestOptions& options, std::function<void(CameraError)> giveUp) override;
   // The same with a time limit that counts from the latest movement. moved: may be null.
   std::shared_ptr<void> watchWhileMoving(const RequestOptions& options, std::function<void(CameraError)> giveUp,
-                                         std::shared_ptr<const Movement> moved);
+                                         const std::shared_ptr<const Movement>& moved);
 
   // Adds a request to its line. send: called with what takes the answer, once. failing: called before its caller is
   // told that there is none. moved: the time limit counts from there where that is later.
   template <class T>
   Pending<T> request(const RequestKind& kind, const RequestOptions& options,
                      std::function<void(CameraStack&, std::function<void(Result<T>)>)> send,
-                     std::function<void()> failing = {}, std::shared_ptr<const Movement> moved = nullptr);
+                     std::function<void()> failing = {}, const std::shared_ptr<const Movement>& moved = nullptr);
 
   template <class T>
   std::shared_ptr<detail::SubscriptionState<T>> makeSubscription(const SubscriptionOptions& options) {
@@ -162,7 +162,7 @@ CameraError errorOf(std::string_view name, const ZELError& error);
 template <class T>
 Pending<T> CameraCore::request(const RequestKind& kind, const RequestOptions& options,
                                std::function<void(CameraStack&, std::function<void(Result<T>)>)> send,
-                               std::function<void()> failing, std::shared_ptr<const Movement> moved) {
+                               std::function<void()> failing, const std::shared_ptr<const Movement>& moved) {
   const auto pending = std::make_shared<detail::PendingState<T>>(callbacks_);
   const RequestLines::Id id = lines_->nextId();
   const auto giveUp = [weak = weak_from_this(), kind, id](const CameraError& why) {
@@ -178,11 +178,12 @@ Pending<T> CameraCore::request(const RequestKind& kind, const RequestOptions& op
     if (failing) failing();
     pending->set(why);
   };
-  request.watch = watchWhileMoving(orLimit(options, options_.timeLimit), giveUp, std::move(moved));
   request.send = [weak = weak_from_this(), send = std::move(send), done = std::move(done)] {
     if (const auto self = weak.lock()) self->withStack([&](CameraStack& stack) { send(stack, done); });
   };
   lines_->add(kind.row, id, std::move(request));
+  // Once it is there to be given up: its stop may have been requested before.
+  lines_->keep(kind.row, id, watchWhileMoving(orLimit(options, options_.timeLimit), giveUp, moved));
   return Pending<T>(pending);
 }
 

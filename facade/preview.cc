@@ -122,7 +122,7 @@ std::pair<PreviewStatistics, std::optional<EncodedStreamStatistics>> Preview::st
   if (!stream_) return {past_, std::nullopt};
   auto now = stream_->statistics();
   const PreviewStatistics all = sum(past_, now.preview);
-  return {all, std::move(now)};
+  return {all, now};
 }
 
 // -- The link and the end

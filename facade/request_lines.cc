@@ -27,6 +27,13 @@ void RequestLines::add(std::string_view kind, Id id, Request request) {
   if (send) send();
 }
 
+void RequestLines::keep(std::string_view kind, Id id, std::shared_ptr<void> watch) {
+  const MutexLock lock(mutex_);
+  Line& line = lines_[kind];
+  const auto found = std::ranges::find(line, id, &Entry::id);
+  if (found != line.end() && found->request.fail) found->watch.swap(watch);
+}
+
 void RequestLines::answered(std::string_view kind, Id id) {
   Entry done;  // destroyed without the lock
   std::function<void()> send;
@@ -43,7 +50,8 @@ void RequestLines::answered(std::string_view kind, Id id) {
 }
 
 bool RequestLines::giveUp(std::string_view kind, Id id, const CameraError& why) {
-  Request given;  // destroyed without the lock
+  Request given;  // destroyed without the lock, as its watch
+  std::shared_ptr<void> watch;
   bool isSent = false;
   {
     const MutexLock lock(mutex_);
@@ -51,6 +59,7 @@ bool RequestLines::giveUp(std::string_view kind, Id id, const CameraError& why) 
     const auto found = std::ranges::find(line, id, &Entry::id);
     if (found == line.end()) return false;
     given = std::move(found->request);
+    watch = std::move(found->watch);
     isSent = found->isSent;
     if (!isSent) line.erase(found);
   }

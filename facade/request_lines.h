@@ -27,13 +27,14 @@ class RequestLines {
   struct Request {
     std::function<void()> send;
     std::function<void(const CameraError&)> fail;  // tells the caller; at most once
-    std::shared_ptr<void> watch = {};              // ends with the request
   };
 
   // A number for the next request, known before it is added.
   Id nextId();
   // Sends it when its turn comes, which may be at once. kind: a text that lives on.
   void add(std::string_view kind, Id id, Request request);
+  // Holds what watches over a request that is there until it has ended; lets it go at once where it has ended already.
+  void keep(std::string_view kind, Id id, std::shared_ptr<void> watch);
   // Its answer has come, or does not come any more; the next one of its kind is sent.
   void answered(std::string_view kind, Id id);
   // Tells its caller why there is no answer. True where it was sent: it keeps its place until it counts as answered.
@@ -46,6 +47,7 @@ class RequestLines {
     Id id = 0;
     Request request;
     bool isSent = false;
+    std::shared_ptr<void> watch = {};
   };
   using Line = std::deque<Entry>;
 

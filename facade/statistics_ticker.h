@@ -42,7 +42,7 @@ class StatisticsTicker : public std::enable_shared_from_this<StatisticsTicker> {
     const auto subscription = subscription_.lock();
     auto now = subscription ? read_() : std::nullopt;
     if (!now) return;
-    subscription->push(*std::move(now));
+    subscription->push(*now);
     wait(std::max(due, deadlines_->now() - interval_));
   }
 

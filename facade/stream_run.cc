@@ -62,9 +62,12 @@ Pending<CameraStream> StreamRun::start(const std::shared_ptr<CameraCore>& core, 
   {
     const std::lock_guard lock(run->mutex_);
     run->starting_ = starting;
-    run->startWatch_ = core->watch(orLimit(request, options.startTimeLimit), giveUp);
   }
   if (const auto why = core->preview()->begin(run)) run->failStart(*why);
+  // Once it can be ended: its stop may have been requested before.
+  auto watch = core->watch(orLimit(request, options.startTimeLimit), giveUp);
+  const std::lock_guard lock(run->mutex_);
+  if (run->starting_) run->startWatch_.swap(watch);
   return Pending<CameraStream>(starting);
 }
 

@@ -5,18 +5,16 @@
 
 namespace zel {
 
-using Reason = CameraError::Reason;
-
 std::shared_ptr<Watch> Watch::create(std::shared_ptr<Deadlines> deadlines,
                                      const std::shared_ptr<const CallbackQueue>& callbacks,
                                      const RequestOptions& options, GiveUp giveUp,
                                      std::shared_ptr<const Movement> moved) {
   const double now = deadlines->now();
-  const auto made = std::make_shared<Watch>(std::move(deadlines), giveUp, std::move(moved));
+  auto made = std::make_shared<Watch>(std::move(deadlines), giveUp, std::move(moved));
   if (options.timeLimit.count() > 0) made->limit(now, std::chrono::duration<double>(options.timeLimit).count());
   if (options.stop.stop_possible()) {
     made->stop_.emplace(options.stop, [callbacks, giveUp = std::move(giveUp)] {
-      callbacks->postToMain([giveUp] { giveUp({Reason::cancelled, "the wait was cancelled"}); });
+      callbacks->postToMain([giveUp] { giveUp({CameraError::Reason::cancelled, "the wait was cancelled"}); });
     });
   }
   return made;
@@ -38,7 +36,7 @@ void Watch::limit(double from, double seconds) {
 void Watch::expire(double seconds) {
   const double moved = moved_ ? moved_->load() : 0;
   if (moved + seconds > deadlines_->now()) return limit(moved, seconds);
-  giveUp_({Reason::timeLimit, "nothing came in time"});
+  giveUp_({CameraError::Reason::timeLimit, "nothing came in time"});
 }
 
 }  // namespace zel

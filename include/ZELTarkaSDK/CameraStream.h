@@ -69,8 +69,8 @@ class ZEL_EXPORT CameraStream {
   // The packets from the next key picture on. Whoever is too slow loses some, and begins with a key picture again.
   Subscription<MediaPacket> packets(const SubscriptionOptions& options = {.capacity = 256});
 
-  // Where a picture of the same camera, which is looked at beside the stream, belongs among its packets. Nothing for one
-  // that is older than the stream, or than its latest connection.
+  // Where a picture of the same camera, which is looked at beside the stream, belongs among its packets. Nothing for
+  // one that is older than the stream, or than its latest connection.
   //
   // Units: microseconds since the stream's first picture.
   std::optional<std::int64_t> timeOf(const Picture& picture) const;

@@ -156,6 +156,19 @@ TEST_F(CameraTest, EndsARequestThatIsStoppedAndOneThatWaitsBehindIt) {
   EXPECT_EQ(second.get().error().reason, Reason::cancelled);
 }
 
+TEST_F(CameraTest, EndsARequestWhoseStopWasRequestedBefore) {
+  simulator::Faults faults;
+  faults.noReply = {kBattery};
+  attach(faults);
+  Camera camera = opened();
+  std::stop_source stop;
+  stop.request_stop();
+  for (int round = 0; round < 200; ++round) {
+    ASSERT_EQ(camera.battery({.stop = stop.get_token()}).get().error(),
+              (CameraError{Reason::cancelled, "battery: cancelled", "", 0}));
+  }
+}
+
 TEST_F(CameraTest, EndsEveryRequestWhenTheCameraIsLost) {
   simulator::Faults faults;
   faults.noReply = {kBattery};

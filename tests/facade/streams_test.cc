@@ -291,5 +291,18 @@ TEST_F(StreamsTest, AStreamThatNobodyTakesEnds) {
   EXPECT_TRUE(next) << next.error().message;
 }
 
+// One resolution at a time is streamed: a start that was given up and left its stream behind would be in the way.
+TEST_F(StreamsTest, AStartWhoseStopWasRequestedBeforeLeavesNoStreamBehind) {
+  attach();
+  Camera camera = opened();
+  std::stop_source stop;
+  stop.request_stop();
+  for (int round = 0; round < 50; ++round) {
+    StreamOptions options;
+    options.resolution = round % 2 == 0 ? 3 : 7;
+    ASSERT_EQ(camera.stream(options, {.stop = stop.get_token()}).get().error().reason, Reason::cancelled);
+  }
+}
+
 }  // namespace
 }  // namespace zel::test
