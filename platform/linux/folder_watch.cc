@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "platform/linux/error_text.h"
@@ -25,9 +27,21 @@ FolderChange changeOf(const inotify_event& record, const char* name) {
   return {.kind = FolderChange::Kind::file, .name = record.len > 0 ? name : ""};
 }
 
+// The kernel counts an instance for some milliseconds after it was closed, longer on a loaded machine.
+int instance() {
+  constexpr int kMostTries = 40;
+  constexpr std::chrono::milliseconds kBetween{5};
+  int descriptor = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+  for (int more = 1; descriptor < 0 && errno == EMFILE && more < kMostTries; ++more) {
+    std::this_thread::sleep_for(kBetween);
+    descriptor = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+  }
+  return descriptor;
+}
+
 // The descriptor of a folder's notifications, or -1.
 int notificationsOf(const std::string& folder, int& code) {
-  UniqueDescriptor descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  UniqueDescriptor descriptor(instance());
   constexpr std::uint32_t kChanges = kFileChanges | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
   const bool isWatched = descriptor && inotify_add_watch(descriptor.get(), folder.c_str(), kChanges) >= 0;
   code = isWatched ? 0 : errno;
