@@ -14,7 +14,7 @@
 
 namespace zel::test {
 
-inline constexpr std::chrono::seconds kLimit{30};  // generous: only a test that fails waits that long
+inline constexpr std::chrono::seconds kLimit{90};  // generous: only a test that fails waits that long
 
 // A list that threads add to and a test waits on.
 template <class Value>
