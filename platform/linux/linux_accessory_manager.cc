@@ -59,11 +59,8 @@ void LinuxAccessoryManager::startWatch() {
   watch_ = FolderWatch::start(
       *mainRunLoop_, settings_.folder,
       [this](const FolderWatch& watch, const FolderChange& change) { folderChanged(watch, change); }, fault);
-  if (!fault.empty()) {
-    warnings_.push_back("accessory folder " + settings_.folder + " cannot be watched: " + fault +
-                        (watch_ ? "; it is looked at every second instead" : ""));
-  }
-  if (!watch_) return;
+  // A folder that is looked at every second instead is no fault: plugging is noticed.
+  if (!watch_) return warnings_.push_back("accessory folder " + settings_.folder + " cannot be watched: " + fault);
   if (!told_) return lookSilently();
   behind_ = true;
   mainRunLoop_->perform([this, watch = watch_] { announceSince(*watch); });
