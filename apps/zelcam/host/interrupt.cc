@@ -24,7 +24,6 @@
 namespace zel::app {
 namespace {
 
-std::atomic<bool> interrupted = false;
 std::atomic<bool> tellsSuspension = false;
 Guarded<const platform::Ports*> listeners;
 
@@ -128,12 +127,9 @@ void waitForStop(const std::stop_token& stop, std::optional<double> seconds) {
 ApplicationEvents::ApplicationEvents(const platform::Ports& ports) { listeners.set(&ports); }
 ApplicationEvents::~ApplicationEvents() { listeners.set(nullptr); }
 
-void interrupt() {
-  interrupted.store(true);
-  stopping().request_stop();
-}
+void interrupt() { stopping().request_stop(); }
 
-bool wasInterrupted() { return interrupted.load(); }
+bool wasInterrupted() { return stopping().stop_requested(); }
 
 bool isInterruptPending() {
   const sigset_t signals = stopSignals();
