@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "bindings/c/ask.h"
-#include "bindings/c/logos.h"
 #include "bindings/c/picture_object.h"
+#include "bindings/c/stitching.h"
 
 // Stitched pictures.
 
@@ -27,11 +27,8 @@ class StitcherObject {
   // Errors: refused for a size that cannot be rendered.
   StitcherObject(const platform::Ports& ports, const zel_stitch_options& given)
       : media_(ports, {.warn = [this](const std::string& fault) { fault_ = fault; }}) {
-    const bool hasSize = given.width != 0 || given.height != 0;
-    if (given.width < 0 || given.height < 0 || given.width % 2 != 0 || given.height % 2 != 0)
-      refuse("stitched pictures have two even sides above 0");
-    render_ = media_.ports().mediaLibrary->createFlatOffscreenRender(
-        hasSize ? given.width : StitchedPictures{}.width, hasSize ? given.height : StitchedPictures{}.height);
+    const auto [width, height] = stitchedSize(given.width, given.height);
+    render_ = media_.ports().mediaLibrary->createFlatOffscreenRender(width, height);
     if (!render_) refuse("pictures cannot be stitched in this size");
     render_->setOffset(given.offset);
     render_->setIsRenderVideo(true);

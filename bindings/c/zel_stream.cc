@@ -1,11 +1,12 @@
 #include <ZELTarkaSDK/zel.h>
 
 #include <cstdlib>
+#include <tuple>
 
 #include "bindings/c/ask.h"
 #include "bindings/c/call_object.h"
 #include "bindings/c/formats.h"
-#include "bindings/c/logos.h"
+#include "bindings/c/stitching.h"
 #include "bindings/c/stream_object.h"
 
 // A stream and its outputs.
@@ -24,12 +25,7 @@ namespace {
 std::optional<StitchedPictures> stitchedOf(const zel_stream_options& given) {
   if (given.stitched == 0) return std::nullopt;
   StitchedPictures pictures;
-  if (given.stitched_width != 0 || given.stitched_height != 0) {
-    pictures.width = given.stitched_width;
-    pictures.height = given.stitched_height;
-  }
-  if (pictures.width <= 0 || pictures.height <= 0 || pictures.width % 2 != 0 || pictures.height % 2 != 0)
-    refuse("stitched pictures have two even sides above 0");
+  std::tie(pictures.width, pictures.height) = stitchedSize(given.stitched_width, given.stitched_height);
   if (given.stitched_bitrate < 0) refuse("a bitrate is not below 0");
   if (given.stitched_bitrate > 0) pictures.bitrate = given.stitched_bitrate;
   pictures.logo = logoOf(given.logo, given.logo_width, given.logo_height);
@@ -72,15 +68,6 @@ static_assert(static_cast<int>(OutputState::finished) == ZEL_OUTPUT_FINISHED);
 static_assert(static_cast<int>(OutputState::failed) == ZEL_OUTPUT_FAILED);
 
 }  // namespace
-
-std::optional<platform::RgbaImage> logoOf(const std::uint8_t* pixels, std::int32_t width, std::int32_t height) {
-  constexpr std::int32_t kLargest = 8192;
-  if (pixels == nullptr) return std::nullopt;
-  const auto isSide = [](std::int32_t side) { return side > 0 && side <= kLargest; };
-  if (!isSide(width) || !isSide(height)) refuse("the logo has no size, or one above 8192");
-  const std::size_t length = 4 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-  return platform::RgbaImage{width, height, {pixels, pixels + length}};
-}
 
 }  // namespace zel::c
 

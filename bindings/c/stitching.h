@@ -4,8 +4,14 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 namespace zel::c {
+
+// The width and height of stitched pictures; the default ones for 0 and 0.
+//
+// Errors: refused unless both are even numbers above 0.
+std::pair<std::int32_t, std::int32_t> stitchedSize(std::int32_t width, std::int32_t height);
 
 // The logo at the nadir; nothing for NULL.
 //
