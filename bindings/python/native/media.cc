@@ -118,10 +118,7 @@ PyObject* stitcher(PyObject*, PyObject* const* arguments, Py_ssize_t count) {
   options.height = given.number<std::int32_t>("height");
   options.remove_purple = given.number<int>("remove_purple");
   const LogoPixels logo(given);
-  options.logo = logo.pixels.data;
-  options.logo_width = logo.width;
-  options.logo_height = logo.height;
-  options.logo_angle = logo.angle;
+  logo.putInto(options);
   zel_stitcher* made = nullptr;
   if (given.isWrong() || !logo.isWhole() ||
       !called([&](zel_error* error) { return zel_stitcher_new(cameraOf(*camera), &options, &made, error); }))

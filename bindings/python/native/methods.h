@@ -53,6 +53,14 @@ struct LogoPixels {
   explicit LogoPixels(Arguments& given);
   // False with an exception.
   bool isWhole() const;
+  // Into the options of whatever stitches.
+  template <class Options>
+  void putInto(Options& options) const {
+    options.logo = pixels.data;
+    options.logo_width = width;
+    options.logo_height = height;
+    options.logo_angle = angle;
+  }
 
   const Arguments::Bytes pixels;
   const std::int32_t width, height;

@@ -26,10 +26,7 @@ PyObject* start(PyObject*, PyObject* const* arguments, Py_ssize_t count) {
   options.stitched_bitrate = given.number<std::int64_t>("bitrate");
   options.remove_purple = given.number<int>("remove_purple");
   const LogoPixels logo(given);
-  options.logo = logo.pixels.data;
-  options.logo_width = logo.width;
-  options.logo_height = logo.height;
-  options.logo_angle = logo.angle;
+  logo.putInto(options);
   if (given.isWrong() || !logo.isWhole()) return nullptr;
   return given.begin<zel_stream*>(std::move(wakeup), [&](Operation& operation, auto* out, zel_error* error) {
     return zel_begin_stream_start(cameraOf(*camera), &options, limit, out, &Operation::onDone, &operation,
