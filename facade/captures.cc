@@ -20,8 +20,7 @@ namespace {
 
 using Reason = CameraError::Reason;
 
-// The camera takes one picture or series at a time, whatever message asks for it.
-constexpr RequestKind kPhoto{"photo", "capture"}, kBracket{"bracket", "capture"}, kUpload{"upload", "upload"};
+constexpr RequestKind kPhoto{"photo", kCaptureLine}, kBracket{"bracket", kCaptureLine}, kUpload{"upload", kUploadLine};
 constexpr double kProgressPeriod = 0.05;  // seconds
 
 // Watches a transfer's progress, and tells it whenever it has grown.

@@ -7,11 +7,16 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zel {
 
 class CameraCore;
+
+// The lines of requests in which photos, and uploads, wait for each other. The camera takes one picture or series at a
+// time, whatever message asks for it.
+inline constexpr std::string_view kCaptureLine = "capture", kUploadLine = "upload";
 
 // Photos, brackets and uploads of a camera object: see Camera.h.
 Pending<Photo> takePhoto(const std::shared_ptr<CameraCore>& core, const CaptureOptions& options,

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "facade/camera_core.h"
+#include "facade/captures.h"
 
 namespace zel {
 namespace {
@@ -21,9 +22,9 @@ OperationReply notConnected() { return {zelOSStatusError(kZELErrorNotConnected),
 std::string_view lineOf(const Operation& operation) {
   for (const std::string_view shutter :
        {"registerMsgCmdShutter", "registerMsgCmdShutterExtra", "registerMsgCmdShutterAEB"}) {
-    if (operation.row == shutter) return "capture";
+    if (operation.row == shutter) return kCaptureLine;
   }
-  if (operation.name == "sendFileWithType") return "upload";
+  if (operation.name == "sendFileWithType") return kUploadLine;
   return operation.row.empty() ? operation.name : operation.row;
 }
 
