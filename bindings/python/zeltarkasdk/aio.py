@@ -1,7 +1,7 @@
 """A camera whose calls are awaited, for asyncio."""
 import asyncio
 from types import TracebackType
-from typing import Any, Generic, Sequence, TypeVar
+from typing import Any, Sequence, TypeVar
 
 from ._async_requests import AsyncRequests
 from ._buffers import Bytes
@@ -13,15 +13,15 @@ from ._values import LinkState, LinkStatistics, Motion, Orientation, OutputRepor
 from ._waiting import Progress, nothing_came
 from .camera import Camera, content_of, stitcher_for
 from .errors import ClosedError, ZelError
-from .photos import PathLike, Photo, photo_of
+from .photos import PathLike, Photo, capture_arguments, photo_of
 from .pictures import Format, Picture, Stitched
 from .streams import Stream
-from .subscriptions import Event, Packet, Source, events_of, link_changes_of, packets_of, pictures_of, problems_of
+from .subscriptions import AnySubscription, Event, Packet, events_of, link_changes_of, packets_of, pictures_of, problems_of
 
 T = TypeVar("T")
 
 
-class AsyncSubscription(Generic[T]):
+class AsyncSubscription(AnySubscription[T]):
     """Gives one thing after the other, as an asynchronous iterator. A bounded number is kept for a program that is slow.
 
     >>> async with camera.events() as events:
@@ -29,10 +29,6 @@ class AsyncSubscription(Generic[T]):
 
     It ends, and so does the iteration, with close() and with the camera.
     """
-
-    def __init__(self, source: Source[T]) -> None:
-        self._source = source
-        self._is_closed = False
 
     async def next(self, time_limit: float | None = None) -> T:
         """Awaits the next one; what comes after a cancellation, or the time limit, is not lost.
@@ -64,17 +60,6 @@ class AsyncSubscription(Generic[T]):
             return await self.next()
         except ClosedError:
             raise StopAsyncIteration from None
-
-    @property
-    def dropped(self) -> int:
-        """How many were dropped because there was no room."""
-        return self._source.dropped()
-
-    def close(self) -> None:
-        """Ends it. What is kept is gone."""
-        if not self._is_closed:
-            self._is_closed = True
-            self._source.close()
 
     async def __aenter__(self) -> "AsyncSubscription[T]":
         return self
@@ -239,7 +224,7 @@ class AsyncCamera(AsyncRequests):
     ) -> Photo:
         """Takes a photo and awaits its picture, as Camera.photo(); progress is called in the event loop."""
         limit = milliseconds(time_limit)
-        stored = (position, motion, orientation, extra_info, int(progress is not None))
+        stored = capture_arguments(position, motion, orientation, extra_info, progress)
         return photo_of(await finish(native().take_photo(self._handle, wakeup_of_this_loop(), limit, *stored), progress))
 
     async def bracket(
@@ -255,7 +240,7 @@ class AsyncCamera(AsyncRequests):
     ) -> Photo:
         """Takes a series of photos, as Camera.bracket()."""
         limit, wakeup = milliseconds(time_limit), wakeup_of_this_loop()
-        stored = (position, motion, orientation, extra_info, int(progress is not None))
+        stored = capture_arguments(position, motion, orientation, extra_info, progress)
         return photo_of(await finish(native().take_bracket(self._handle, wakeup, limit, steps, *stored), progress))
 
     async def upload(

@@ -12,7 +12,7 @@ from ._requests import Requests
 from ._streaming import start_arguments
 from ._values import LinkState, LinkStatistics, Motion, Orientation, Position
 from ._waiting import Progress, finish
-from .photos import PathLike, Photo, photo_of
+from .photos import PathLike, Photo, capture_arguments, photo_of
 from .pictures import Format, Picture, Stitched, logo_arguments
 from .streams import Stream
 from .subscriptions import Event, Subscription, events_of, link_changes_of, pictures_of
@@ -253,7 +253,7 @@ class Camera(Requests):
             LostError, RefusedError, TimeLimitError, ClosedError
         """
         limit = milliseconds(time_limit)
-        stored = (position, motion, orientation, extra_info, int(progress is not None))
+        stored = capture_arguments(position, motion, orientation, extra_info, progress)
         return photo_of(finish(native().take_photo(self._ready(), None, limit, *stored), progress))
 
     def bracket(
@@ -275,7 +275,7 @@ class Camera(Requests):
         The rest is as with photo(); InvalidError for another number of steps.
         """
         limit = milliseconds(time_limit)
-        stored = (position, motion, orientation, extra_info, int(progress is not None))
+        stored = capture_arguments(position, motion, orientation, extra_info, progress)
         return photo_of(finish(native().take_bracket(self._ready(), None, limit, steps, *stored), progress))
 
     def upload(

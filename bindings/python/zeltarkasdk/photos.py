@@ -2,7 +2,9 @@
 import os
 from typing import TYPE_CHECKING, Any, NamedTuple, Union
 
-from ._values import StoredFile
+from ._buffers import Bytes
+from ._values import Motion, Orientation, Position, StoredFile
+from ._waiting import Progress
 
 if TYPE_CHECKING:
     from pathlib import Path
@@ -75,6 +77,17 @@ class Photo(NamedTuple):
     def save(self, path: PathLike = ".") -> "Path":
         """Writes the first picture, as Jpeg.save() does."""
         return self.pictures[0].save(path)
+
+
+def capture_arguments(
+    position: Position | None,
+    motion: Motion | None,
+    orientation: Orientation | None,
+    extra_info: Bytes | None,
+    progress: Progress | None,
+) -> tuple[object, ...]:
+    """The last arguments of the extension's take_photo() and take_bracket()."""
+    return position, motion, orientation, extra_info, int(progress is not None)
 
 
 def photo_of(told: Any) -> Photo:

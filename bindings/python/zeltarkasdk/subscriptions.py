@@ -97,7 +97,26 @@ class Source(Generic[T]):
             native().free(self.handle)
 
 
-class Subscription(Generic[T]):
+class AnySubscription(Generic[T]):
+    """What subscriptions have in common, whether they wait or are awaited."""
+
+    def __init__(self, source: Source[T]) -> None:
+        self._source = source
+        self._is_closed = False
+
+    @property
+    def dropped(self) -> int:
+        """How many were dropped because there was no room."""
+        return self._source.dropped()
+
+    def close(self) -> None:
+        """Ends it; waits elsewhere end too. What is kept is gone."""
+        if not self._is_closed:
+            self._is_closed = True
+            self._source.close()
+
+
+class Subscription(AnySubscription[T]):
     """Gives one thing after the other, as an iterator. A bounded number is kept for a program that is slow.
 
     >>> with camera.events() as events:
@@ -105,10 +124,6 @@ class Subscription(Generic[T]):
 
     It ends, and so does the iteration, with close() and with the camera. Any thread may use it.
     """
-
-    def __init__(self, source: Source[T]) -> None:
-        self._source = source
-        self._is_closed = False
 
     def next(self, time_limit: float | None = None) -> T:
         """Waits for the next one.
@@ -145,17 +160,6 @@ class Subscription(Generic[T]):
             return self.next()
         except ClosedError:
             raise StopIteration from None
-
-    @property
-    def dropped(self) -> int:
-        """How many were dropped because there was no room."""
-        return self._source.dropped()
-
-    def close(self) -> None:
-        """Ends it; waits of other threads end too. What is kept is gone."""
-        if not self._is_closed:
-            self._is_closed = True
-            self._source.close()
 
     def __enter__(self) -> "Subscription[T]":
         return self
