@@ -122,14 +122,4 @@ bool Process::waitUntilHeard(int signal) const {
 std::string Process::output() const { return readAll(outputFile_); }
 std::string Process::errors() const { return readAll(errorFile_); }
 
-TemporaryFolder::TemporaryFolder() {
-  std::string pattern = "/tmp/zel-test-XXXXXX";
-  path_ = ::mkdtemp(pattern.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
 }  // namespace zel::test

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/platform/linux/temporary_folder.h"
+
 namespace zel::test {
 
 // The programs that were built with the tests.
@@ -45,19 +47,6 @@ class Process {
   int input_ = -1;
   std::string outputFile_;
   std::string errorFile_;
-};
-
-// A folder of its own for each test, removed afterwards.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
 };
 
 }  // namespace zel::test

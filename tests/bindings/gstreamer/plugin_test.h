@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "simulator/camera_simulator.h"
 #include "tests/platform/linux/waiting.h"
+#include "tests/simulator/simulated_bus.h"
 #include "tests/zelcam/process.h"
 
 namespace zel::test {
@@ -27,7 +27,7 @@ using Own = std::unique_ptr<T, Unref>;
 inline constexpr GstClockTime kLongest = 60 * GST_SECOND;  // only a test that fails waits that long
 
 // Simulated cameras on a bus of its own, and pipelines with the plugin of the build tree.
-class PluginTest : public testing::Test {
+class PluginTest : public SimulatedBus {
  protected:
   PluginTest() {
     setenv("GST_PLUGIN_PATH", PLUGINS, 1);
@@ -39,17 +39,7 @@ class PluginTest : public testing::Test {
     if (pipeline_) gst_element_set_state(pipeline_.get(), GST_STATE_NULL);
   }
 
-  void attach(simulator::Faults faults = {}, const std::string& serial = "E1A0001") {
-    simulator::SimulatorOptions options;
-    options.accessoriesFolder = folder_.path();
-    options.identity.serial = serial;
-    options.faults = std::move(faults);
-    options.warn = [](const std::string&) {};
-    cameras_.push_back(std::make_unique<simulator::CameraSimulator>(std::move(options)));
-    std::string error;
-    ASSERT_TRUE(cameras_.back()->start(error)) << error;
-  }
-  simulator::CameraSimulator& camera() { return *cameras_.front(); }
+  simulator::CameraSimulator& camera() { return simulated(); }
 
   // A pipeline of that; the one before is ended.
   void make(const std::string& description) {
@@ -99,8 +89,6 @@ class PluginTest : public testing::Test {
     return value;
   }
 
-  const TemporaryFolder folder_;
-  std::vector<std::unique_ptr<simulator::CameraSimulator>> cameras_;
   Own<GstElement> pipeline_;
 };
 
