@@ -20,15 +20,17 @@ std::optional<std::size_t> findMarker(ByteView bytes) {
   return at;
 }
 
+// Bytes that do not fit into memory leave a gap, behind which no frame can be found but by the marker.
+inline bool FrameCutter::hold(ByteView bytes) {
+  if (!buffer_.hasRoomFor(bytes.size())) return hasMemoryFor([&] { buffer_.append(bytes); }) || losePosition();
+  buffer_.append(bytes);
+  return true;
+}
+
 void FrameCutter::append(ByteView bytes) {
   forgetClearedBytes();
   statistics_.bytesReceived.add(bytes.size());
   hold(bytes);
-}
-
-// Bytes that do not fit into memory leave a gap, behind which no frame can be found but by the marker.
-bool FrameCutter::hold(ByteView bytes) {
-  return hasMemoryFor([&] { buffer_.append(bytes); }) || losePosition();
 }
 
 void FrameCutter::setLongestFrame(std::uint32_t bytes) {
@@ -57,17 +59,18 @@ void FrameCutter::cutAppended() {
 void FrameCutter::cut(ByteView lastRead) {
   forgetClearedBytes();
   statistics_.bytesReceived.add(lastRead.size());
+  if (lastRead.size() >= kShortRead && !needsMarker()) return cutInPlace(lastRead);
   // A short read is cheaper to copy than to take apart.
-  if (lastRead.size() < kShortRead || needsMarker()) {
-    if (hold(lastRead)) cutAppended();
-    return;
-  }
+  if (hold(lastRead) && (needsMarker() || !awaitsMore())) cutAppended();
+}
+
+void FrameCutter::cutInPlace(ByteView lastRead) {
   if (!cutHeld() || !completeHeld(lastRead) || lastRead.empty()) return;
   if (const auto awaited = walk(lastRead); awaited && hold(lastRead)) buffer_.consume(0, *awaited);
 }
 
 bool FrameCutter::cutHeld() {
-  if (buffer_.size() < buffer_.awaited() || buffer_.size() < kFrameHeader) return true;
+  if (awaitsMore()) return true;
   ByteView rest = buffer_.view();
   const auto awaited = walk(rest);
   if (awaited) buffer_.consume(buffer_.size() - rest.size(), *awaited);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -81,7 +82,9 @@ class FrameCutter {
  private:
   void forgetClearedBytes();
   bool hold(ByteView bytes);
+  bool awaitsMore() const { return buffer_.size() < std::max(buffer_.awaited(), kFrameHeader); }
   void cutAppended();
+  void cutInPlace(ByteView lastRead);
   void searchMarker();
   void startAfterMarker(std::size_t markerEnd);
   // The following return false when the bytes were cleared or the position lost, and what was read must not be touched

@@ -14,11 +14,11 @@ void FrameRouter::route(std::int32_t type, ByteView payload) {
   const bool isOnTheWire = type >= 0 && type <= std::numeric_limits<std::uint16_t>::max();
   switch (isOnTheWire ? FrameType(type) : FrameType::other) {
     case FrameType::previewVideo:
-      return hand(consumers().player, &PreviewConsumer::appendVideoBytes, payload);
+      return hand<&PreviewConsumer::appendVideoBytes>(consumers().player, payload);
     case FrameType::previewAudio:
-      return hand(consumers().player, &PreviewConsumer::appendAudioBytes, payload);
+      return hand<&PreviewConsumer::appendAudioBytes>(consumers().player, payload);
     case FrameType::photo:
-      return hand(consumers().photo, &PhotoConsumer::parserData, payload);
+      return hand<&PhotoConsumer::parserData>(consumers().photo, payload);
     case FrameType::message:
       return parserMsg(payload);
     case FrameType::registered:
@@ -26,18 +26,18 @@ void FrameRouter::route(std::int32_t type, ByteView payload) {
     case FrameType::timestamp:
       return routeTimestamp(payload);
     case FrameType::file:
-      return hand(consumers().file, &FileReplyConsumer::parserUCD, payload);
+      return hand<&FileReplyConsumer::parserUCD>(consumers().file, payload);
     case FrameType::other:
       break;
   }
   statistics_.dropped.unknownType.add(1);
 }
 
-template <class Consumer, class Given>
-void FrameRouter::hand(const std::weak_ptr<Consumer>& consumer, void (Consumer::*take)(Given), Given given) {
+template <auto kTake, class Consumer, class Given>
+void FrameRouter::hand(const std::weak_ptr<Consumer>& consumer, Given given) {
   const auto there = consumer.lock();
   if (!there) return statistics_.dropped.noConsumer.add(1);
-  ((*there).*take)(given);
+  ((*there).*kTake)(given);
 }
 
 void FrameRouter::routeRegistered(ByteView payload) {
@@ -62,9 +62,8 @@ void FrameRouter::routeTimestamp(ByteView payload) {
   // Added as unsigned numbers, because a hostile time must wrap around and not overflow.
   const auto cameraTime = loadLittleEndian<std::uint64_t>(payload.data() + 1);
   const auto phoneTime = static_cast<std::int64_t>(cameraTime + static_cast<std::uint64_t>(accessory_->timeOffset()));
-  const bool isVideo = payload[0] == 0;
-  hand(consumers().player, isVideo ? &PreviewConsumer::setNextVideoTimestamp : &PreviewConsumer::setNextAudioTimestamp,
-       phoneTime);
+  if (payload[0] == 0) return hand<&PreviewConsumer::setNextVideoTimestamp>(consumers().player, phoneTime);
+  hand<&PreviewConsumer::setNextAudioTimestamp>(consumers().player, phoneTime);
 }
 
 void FrameRouter::parserMsg(ByteView message) {
@@ -84,13 +83,9 @@ void FrameRouter::parserMsg(ByteView message) {
 }
 
 // The session thread's own copy, renewed when somebody set a consumer: a frame then costs no lock.
-const FrameRouter::Consumers& FrameRouter::consumers() {
-  const std::uint64_t version = consumersVersion_.load();
-  if (version != consumersSeen_) {
-    consumersCopy_ = consumers_.with([](const Owned& all) { return Consumers{all.player, all.photo, all.file}; });
-    consumersSeen_ = version;
-  }
-  return consumersCopy_;
+void FrameRouter::lookAtConsumers() {
+  consumersSeen_ = consumersVersion_.load();
+  consumersCopy_ = consumers_.with([](const Owned& all) { return Consumers{all.player, all.photo, all.file}; });
 }
 
 template <class Consumer>

@@ -60,11 +60,15 @@ class FrameRouter {
     std::weak_ptr<FileReplyConsumer> file;
   };
 
-  const Consumers& consumers();
+  const Consumers& consumers() {
+    if (consumersVersion_.load() != consumersSeen_) lookAtConsumers();
+    return consumersCopy_;
+  }
+  void lookAtConsumers();
   template <class Consumer>
   void set(Consumer Owned::*which, Consumer consumer);
-  template <class Consumer, class Given>
-  void hand(const std::weak_ptr<Consumer>& consumer, void (Consumer::*take)(Given), Given given);
+  template <auto kTake, class Consumer, class Given>
+  void hand(const std::weak_ptr<Consumer>& consumer, Given given);
   void routeRegistered(ByteView payload);
   void routeTimestamp(ByteView payload);
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "base/wire.h"
 
@@ -14,12 +15,13 @@ namespace zel {
 // Thread: one.
 class ReceiveBuffer {
  public:
+  // Whether append() needs no memory for so many bytes.
+  bool hasRoomFor(std::size_t count) const { return count <= capacity_ - end_; }
   // Errors: std::bad_alloc; what was held is held still.
   void append(ByteView bytes) {
     if (bytes.empty()) return;
-    if (bytes.size() > capacity_ - end_) makeRoom(bytes.size());
-    std::memcpy(storage_.get() + end_, bytes.data(), bytes.size());
-    end_ += bytes.size();
+    if (!hasRoomFor(bytes.size())) makeRoom(bytes.size());
+    std::memcpy(storage_.get() + std::exchange(end_, end_ + bytes.size()), bytes.data(), bytes.size());
   }
   ByteView view() const { return {storage_.get() + begin_, end_ - begin_}; }
   std::size_t size() const { return end_ - begin_; }
