@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "gateway/cameras/camera_status.h"
+#include "gateway/cameras/held_status.h"
 #include "gateway/cameras/notices.h"
 
 namespace zel::gateway {

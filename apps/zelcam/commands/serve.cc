@@ -14,7 +14,7 @@
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/interrupt.h"
 #include "gateway/api/api.h"
-#include "gateway/api/camera_rows.h"
+#include "gateway/api/rows_of_cameras.h"
 #include "gateway/cameras/cameras.h"
 #include "gateway/http/listen.h"
 #include "gateway/http/server.h"

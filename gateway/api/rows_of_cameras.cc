@@ -1,4 +1,4 @@
-#include "gateway/api/camera_rows.h"
+#include "gateway/api/rows_of_cameras.h"
 
 #include <ZELTarkaSDK/Operations.h>
 #include <ZELTarkaSDK/ZELMessageKeys.h>
@@ -11,7 +11,7 @@
 #include <string>
 #include <utility>
 
-#include "gateway/api/camera_problem.h"
+#include "gateway/api/call_problem.h"
 #include "gateway/api/fields.h"
 #include "gateway/json/failure.h"
 #include "gateway/json/info_json.h"

@@ -1,4 +1,4 @@
-#include "gateway/api/camera_problem.h"
+#include "gateway/api/call_problem.h"
 
 #include <fmt/format.h>
 
