@@ -38,9 +38,11 @@ Cameras::Cameras(Options options, std::unique_ptr<LinuxPlatform> bus)
 Cameras::~Cameras() {
   bus_->ports().accessories.unregisterForLocalNotifications();
   observations_.clear();
-  if (!thread_.joinable()) return;
-  bus_->ports().queues.mainQueue().post([bus = bus_.get()] { bus->stopMainQueue(); });
-  thread_.join();
+  if (thread_.joinable()) {
+    bus_->ports().queues.mainQueue().post([bus = bus_.get()] { bus->stopMainQueue(); });
+    thread_.join();
+  }
+  for (const auto& camera : cameras_) camera->end();
 }
 
 // The bus tells of changes on its main queue, where those that are there already are looked at as well.
@@ -91,7 +93,7 @@ std::shared_ptr<HeldCamera> Cameras::made(const std::string& serialNumber) {
   options.tell = options_.tell;
   options.warn = options_.warn;
   std::string error;
-  auto held = HeldCamera::create(std::move(options), error);
+  auto held = HeldCamera::create(std::move(options), options_.resolution, error);
   if (!held) {
     if (options_.warn) options_.warn(fmt::format("the camera {} cannot be held: {}", serialNumber, error));
     return nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ZELTarkaSDK/LinuxPlatform.h>
+#include <ZELTarkaSDK/PreviewFormat.h>
 
 #include <chrono>
 #include <functional>
@@ -28,6 +29,7 @@ class Cameras {
     std::string accessoriesFolder = {};                 // see LinuxPlatform::Options
     std::string serialNumber = {};                      // the one camera; empty: all
     std::string program = {};                           // what other programs are told
+    std::uint8_t resolution = kSmallestPreview;         // of live streams; the camera's code
     std::chrono::milliseconds timeLimit{10'000};        // of a request
     std::function<void(const std::string&)> tell = {};  // what is done by itself, in words
     std::function<void(const std::string&)> warn = {};  // what has to be skipped, in words
@@ -36,6 +38,7 @@ class Cameras {
 
   // Errors: null; `error` says why.
   static std::unique_ptr<Cameras> create(Options options, std::string& error);
+  // Ends every camera.
   ~Cameras();
   Cameras(const Cameras&) = delete;
   Cameras& operator=(const Cameras&) = delete;

@@ -43,22 +43,33 @@ class HeldCamera::Receiver final : public ZELCameraNotificationProtocol {
   Notices& notices_;
 };
 
-std::shared_ptr<HeldCamera> HeldCamera::create(CameraOptions options, std::string& error) {
+std::shared_ptr<HeldCamera> HeldCamera::create(CameraOptions options, std::uint8_t resolution, std::string& error) {
   std::string serialNumber = options.serialNumber;
   auto made = Camera::create(std::move(options));
   if (!made) {
     error = made.error().message;
     return nullptr;
   }
-  const std::shared_ptr<HeldCamera> held(new HeldCamera(std::move(serialNumber), *std::move(made)));
+  const std::shared_ptr<HeldCamera> held(new HeldCamera(std::move(serialNumber), *std::move(made), resolution));
   held->begin(held);
   return held;
 }
 
-HeldCamera::HeldCamera(std::string serialNumber, Camera camera)
-    : serialNumber_(std::move(serialNumber)), camera_(std::move(camera)) {}
+HeldCamera::HeldCamera(std::string serialNumber, Camera camera, std::uint8_t resolution)
+    : serialNumber_(std::move(serialNumber)), camera_(std::move(camera)), live_(camera_, resolution) {}
 
-HeldCamera::~HeldCamera() { camera_.stack().ucd().removeCameraNotificationReceiver(receiver_.get()); }
+HeldCamera::~HeldCamera() { end(); }
+
+// Whoever waits for an answer holds this object, so that its own end would come only with the answer.
+void HeldCamera::end() {
+  if (!receiver_) return;
+  link_.reset();
+  statistics_.reset();
+  live_.end();
+  camera_.stack().ucd().removeCameraNotificationReceiver(receiver_.get());
+  const Camera ended(std::move(camera_));
+  receiver_.reset();
+}
 
 void HeldCamera::begin(const std::shared_ptr<HeldCamera>& self) {
   self_ = self;
@@ -69,6 +80,7 @@ void HeldCamera::begin(const std::shared_ptr<HeldCamera>& self) {
   statistics_.emplace(camera_.statisticsEvery(kStatisticsPeriod));
   statistics_->each([this](const CameraStatistics& now) {
     keepOpen();
+    live_.look(LiveStream::Clock::now());
     tellStatistics(now);
   });
   keepOpen();

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "gateway/cameras/held_status.h"
+#include "gateway/cameras/live_stream.h"
 #include "gateway/cameras/notices.h"
 
 namespace zel::gateway {
@@ -25,7 +26,9 @@ struct CameraSummary {
 class HeldCamera {
  public:
   // Errors: null; `error` says why.
-  static std::shared_ptr<HeldCamera> create(CameraOptions options, std::string& error);
+  //
+  // resolution: the code of its live stream.
+  static std::shared_ptr<HeldCamera> create(CameraOptions options, std::uint8_t resolution, std::string& error);
   ~HeldCamera();
   HeldCamera(const HeldCamera&) = delete;
   HeldCamera& operator=(const HeldCamera&) = delete;
@@ -35,6 +38,10 @@ class HeldCamera {
   CameraStatus status() const { return summary().status; }
   Camera& camera() { return camera_; }
   Notices& notices() { return notices_; }
+  LiveStream& live() { return live_; }
+
+  // Closes the camera, and waits for its threads; what was asked of it ends. It cannot be used any more.
+  void end();
 
   // It has been attached or detached.
   void noteAttached(const std::string& name, const std::string& firmware);
@@ -43,7 +50,7 @@ class HeldCamera {
  private:
   class Receiver;
 
-  HeldCamera(std::string serialNumber, Camera camera);
+  HeldCamera(std::string serialNumber, Camera camera, std::uint8_t resolution);
   void begin(const std::shared_ptr<HeldCamera>& self);
   void keepOpen();
   void opened(const Result<void>& result);
@@ -61,6 +68,7 @@ class HeldCamera {
   std::weak_ptr<HeldCamera> self_;
   std::shared_ptr<Receiver> receiver_;
   Camera camera_;  // its callbacks use what stands above
+  LiveStream live_;
   std::optional<Subscription<LinkStatus>> link_;
   std::optional<Subscription<CameraStatistics>> statistics_;
 };

@@ -1,9 +1,14 @@
+#include <ZELTarkaSDK/PreviewFormat.h>
+
 #include <sys/resource.h>
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <chrono>
+#include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,10 +20,17 @@
 #include "apps/zelcam/host/interrupt.h"
 #include "gateway/api/api.h"
 #include "gateway/api/rows_of_cameras.h"
+#include "gateway/api/rows_of_files.h"
+#include "gateway/api/rows_of_photos.h"
+#include "gateway/api/rows_of_streams.h"
+#include "gateway/api/rows_of_viewing.h"
 #include "gateway/cameras/cameras.h"
 #include "gateway/http/listen.h"
 #include "gateway/http/server.h"
 #include "gateway/http/token.h"
+#include "gateway/media/media_folder.h"
+#include "gateway/media/thumbnails.h"
+#include "gateway/media/worker.h"
 
 namespace zel::app {
 namespace {
@@ -70,12 +82,23 @@ std::string pageAddress(const Listener& listener, const std::string& token) {
   return token.empty() ? address : address + "#token=" + token;
 }
 
-std::unique_ptr<Cameras> camerasFor(const Settings& settings, std::chrono::milliseconds limit, std::string& fault) {
+// Where the platform keeps its own documents.
+std::string mediaPath(const Values& values) {
+  if (values.has("--media")) return values.text("--media");
+  const char* const data = std::getenv("XDG_DATA_HOME");
+  if (data != nullptr && data[0] == '/') return std::string(data) + "/zelcam/media";
+  const char* const home = std::getenv("HOME");
+  return std::string(home != nullptr ? home : "") + "/.local/share/zelcam/media";
+}
+
+std::unique_ptr<Cameras> camerasFor(const Settings& settings, const Values& values, std::chrono::milliseconds limit,
+                                    std::string& fault) {
   Cameras::Options options;
   options.accessoriesFolder = settings.accessories;
   options.serialNumber = settings.camera;
   options.program = "zelcam serve";
   options.timeLimit = limit;
+  options.resolution = static_cast<std::uint8_t>(values.integer("--resolution").value_or(kSmallestPreview));
   options.warn = sayForServe;
   if (settings.verbose) options.tell = sayForServe;
   return Cameras::create(std::move(options), fault);
@@ -95,6 +118,51 @@ Row placeholderPage() {
           }};
 }
 
+// Everything that serves.
+class Gateway {
+ public:
+  Gateway(std::unique_ptr<Cameras> cameras, std::unique_ptr<MediaFolder> folder, std::chrono::milliseconds limit)
+      : folder_(std::move(folder)), cameras_(std::move(cameras)), limit_(limit) {}
+
+  // Nobody is served any more; then nothing is made of pictures; then the cameras are closed, whose callbacks end.
+  ~Gateway() {
+    server_.reset();
+    worker_.stop();
+    cameras_.reset();
+  }
+  Gateway(const Gateway&) = delete;
+  Gateway& operator=(const Gateway&) = delete;
+
+  bool start(AccessRules rules, platform::UniqueDescriptor listener, std::string& fault) {
+    api_.emplace(std::move(rules), rows());
+    server_ = Server::start({.listener = std::move(listener)}, *api_, fault);
+    return server_ != nullptr;
+  }
+
+ private:
+  std::vector<Row> rows() {
+    std::vector<Row> all;
+    const auto add = [&all](std::vector<Row> some) {
+      all.insert(all.end(), std::move_iterator(some.begin()), std::move_iterator(some.end()));
+    };
+    add(cameraRows(*cameras_, limit_));
+    add(photoRows(*cameras_, *folder_, worker_, limit_));
+    add(viewingRows(*cameras_, limit_));
+    add(streamRows(*cameras_));
+    add(fileRows(*folder_, thumbnails_));
+    all.push_back(placeholderPage());
+    return all;
+  }
+
+  const std::unique_ptr<MediaFolder> folder_;
+  std::unique_ptr<Cameras> cameras_;
+  const std::chrono::milliseconds limit_;
+  Thumbnails thumbnails_{worker_};
+  Worker worker_;
+  std::optional<Api> api_;
+  std::unique_ptr<Server> server_;
+};
+
 }  // namespace
 
 int runServe(const Invocation& invocation) {
@@ -108,16 +176,17 @@ int runServe(const Invocation& invocation) {
   if (!listener) return complain(kRefused, "serve", fault);
   const auto token = tokenFor(values, *listener, fault);
   if (!token) return complain(kWrongUsage, "serve", fault);
+  auto folder = MediaFolder::open(mediaPath(values), fault);
+  if (!folder) return complain(kRefused, "serve", fault);
   const std::chrono::milliseconds limit(std::max<std::int64_t>(1, static_cast<std::int64_t>(settings.timeout * 1000)));
-  const auto cameras = camerasFor(settings, limit, fault);
+  auto cameras = camerasFor(settings, values, limit, fault);
   if (!cameras) return complain(kNoCamera, "serve", fault);
 
-  std::vector<Row> rows = cameraRows(*cameras, limit);
-  rows.push_back(placeholderPage());
-  Api api(rulesFor(values, *listener, *token), std::move(rows));
+  Gateway gateway(std::move(cameras), std::move(folder), limit);
   const std::string address = pageAddress(*listener, *token);
-  const auto server = Server::start({.listener = std::move(listener->socket)}, api, fault);
-  if (!server) return complain(kRefused, "serve", fault);
+  if (!gateway.start(rulesFor(values, *listener, *token), std::move(listener->socket), fault)) {
+    return complain(kRefused, "serve", fault);
+  }
   printLine(address);
   waitForStop(interruption(), std::nullopt);
   return kDone;

@@ -1,4 +1,6 @@
-#include "apps/zelcam/host/file.h"
+#include "gateway/media/file.h"
+
+#include <ZELTarkaSDK/PictureFile.h>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -16,7 +18,7 @@
 #include "gateway/json/printable.h"
 #include "platform/linux/files/temporary_file.h"
 
-namespace zel::app {
+namespace zel::gateway {
 namespace {
 
 constexpr int kMostNames = 10000;
@@ -78,7 +80,7 @@ std::optional<ZELData> readFile(const std::string& path, std::string& error, std
 
 std::string photoFileName(std::string_view name) {
   name.remove_prefix(std::min(name.size(), name.find_last_of("/\\") + 1));
-  std::string plain = gateway::withoutUnprintable(name);
+  std::string plain = withoutUnprintable(name);
   plain.erase(0, std::min(plain.size(), plain.find_first_not_of('.')));
   if (plain.empty()) return "photo.jpg";
   return isPictureExtension(std::filesystem::path(plain).extension().string()) ? plain : plain + ".jpg";
@@ -96,6 +98,12 @@ std::string fileNameWith(const std::string& name, std::string_view text, std::si
     stem.resize(end);
   }
   return stem.append(text).append(extension);
+}
+
+std::string panoramaFileName(const std::string& photo) {
+  std::filesystem::path path(photo);
+  if (pictureFormOf(photo) != PictureForm::jpeg) path.replace_extension(".jpg");
+  return fileNameWith(path.string(), kPanoramaMark, NAME_MAX);
 }
 
 bool prepareFolder(const std::string& folder, std::string& error) {
@@ -131,4 +139,4 @@ std::optional<std::string> saveFile(const std::string& folder, const std::string
   return std::nullopt;
 }
 
-}  // namespace zel::app
+}  // namespace zel::gateway

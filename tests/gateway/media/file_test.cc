@@ -1,4 +1,4 @@
-#include "apps/zelcam/host/file.h"
+#include "gateway/media/file.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -7,16 +7,16 @@
 #include <fstream>
 #include <set>
 
-#include "tests/zelcam/process.h"
+#include "tests/platform/linux/temporary_folder.h"
 
 namespace zel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using app::fileNameWith;
-using app::photoFileName;
-using app::readFile;
-using app::saveFile;
+using gateway::fileNameWith;
+using gateway::photoFileName;
+using gateway::readFile;
+using gateway::saveFile;
 using testing::HasSubstr;
 
 class FileTest : public testing::Test {

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace zel::app {
+namespace zel::gateway {
 
 // The bytes of a regular file of at most `most` bytes, since they are sent in one frame.
 // Errors: nothing; `error` then names the file and the fault.
@@ -26,6 +26,12 @@ std::string photoFileName(std::string_view name);
 // cut at a character boundary.
 std::string fileNameWith(const std::string& name, std::string_view text, std::size_t most);
 
+// What a panorama's name has at the end of its stem.
+inline constexpr std::string_view kPanoramaMark = "-360";
+
+// "IMG_1.jpg" becomes "IMG_1-360.jpg". A panorama is always a JPEG file.
+std::string panoramaFileName(const std::string& photo);
+
 // Checks that the folder is writable; creates it if missing.
 // Errors: false; `error` then names the folder and the fault.
 bool prepareFolder(const std::string& folder, std::string& error);
@@ -37,4 +43,4 @@ bool prepareFolder(const std::string& folder, std::string& error);
 std::optional<std::string> saveFile(const std::string& folder, const std::string& name,
                                     std::span<const std::uint8_t> bytes, std::string& error);
 
-}  // namespace zel::app
+}  // namespace zel::gateway
