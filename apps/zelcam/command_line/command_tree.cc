@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "apps/zelcam/command_line/number_text.h"
 #include "apps/zelcam/commands/commands.h"
+#include "gateway/json/number_text.h"
 #include "tools/manual/describe_option.h"
 #include "tools/manual/wrong_usage.h"
 namespace zel::app {
 namespace {
+
+using gateway::numberIn;
 
 constexpr char kNotes[] = R"(Example: zelcam --json monitor --seconds 10
 

@@ -18,16 +18,17 @@
 #include <ZELTarkaSDK/PictureFile.h>
 #include <ZELTarkaSDK/platform/ports.h>
 
-#include "apps/zelcam/command_line/number_text.h"
 #include "apps/zelcam/command_line/sensors.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/file.h"
 #include "apps/zelcam/host/interrupt.h"
 #include "apps/zelcam/link/command_camera.h"
+#include "gateway/json/number_text.h"
 
 namespace zel::app {
 namespace {
 
+using gateway::numberIn;
 using Steps = std::vector<std::int8_t>;
 
 constexpr std::size_t kMostSteps = std::tuple_size_v<decltype(aeb_info::steps)>;

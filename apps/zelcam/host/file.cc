@@ -13,7 +13,7 @@
 #include <system_error>
 #include <vector>
 
-#include "apps/zelcam/host/printable.h"
+#include "gateway/json/printable.h"
 #include "platform/linux/files/temporary_file.h"
 
 namespace zel::app {
@@ -78,7 +78,7 @@ std::optional<ZELData> readFile(const std::string& path, std::string& error, std
 
 std::string photoFileName(std::string_view name) {
   name.remove_prefix(std::min(name.size(), name.find_last_of("/\\") + 1));
-  std::string plain = withoutUnprintable(name);
+  std::string plain = gateway::withoutUnprintable(name);
   plain.erase(0, std::min(plain.size(), plain.find_first_not_of('.')));
   if (plain.empty()) return "photo.jpg";
   return isPictureExtension(std::filesystem::path(plain).extension().string()) ? plain : plain + ".jpg";

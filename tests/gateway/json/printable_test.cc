@@ -1,8 +1,8 @@
-#include "apps/zelcam/host/printable.h"
+#include "gateway/json/printable.h"
 
 #include <gtest/gtest.h>
 
-namespace zel::app {
+namespace zel::gateway {
 namespace {
 
 TEST(PrintableTest, KeepsLettersOfEveryScript) {
@@ -49,4 +49,4 @@ TEST(PrintableTest, EscapesThemInJson) {
 }
 
 }  // namespace
-}  // namespace zel::app
+}  // namespace zel::gateway

@@ -1,4 +1,4 @@
-#include "apps/zelcam/host/printable.h"
+#include "gateway/json/printable.h"
 
 #include <fmt/format.h>
 
@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 
-namespace zel::app {
+namespace zel::gateway {
 namespace {
 
 bool isPrintable(char32_t code) {
@@ -51,4 +51,4 @@ std::string printableJson(std::string_view line) {
   });
 }
 
-}  // namespace zel::app
+}  // namespace zel::gateway

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace zel::app {
+namespace zel::gateway {
 
 // Makes external UTF-8 text safe for terminals and file names. Removes or replaces everything that could control a
 // terminal or reverse the writing direction: control characters (C0, DEL, C1), bidirectional controls, line separators,
@@ -19,4 +19,4 @@ std::string withoutUnprintable(std::string_view text);
 // line: as JSON is written, with controls below 0x20 escaped already.
 std::string printableJson(std::string_view line);
 
-}  // namespace zel::app
+}  // namespace zel::gateway

@@ -1,4 +1,4 @@
-#include "apps/zelcam/command_line/hex.h"
+#include "gateway/json/hex.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -6,7 +6,7 @@
 #include <charconv>
 #include <system_error>
 
-namespace zel::app {
+namespace zel::gateway {
 
 std::string hexOf(std::span<const std::uint8_t> bytes) { return fmt::format("{:02x}", fmt::join(bytes, "")); }
 
@@ -21,4 +21,4 @@ std::optional<std::vector<std::uint8_t>> bytesIn(std::string_view hex) {
   return bytes;
 }
 
-}  // namespace zel::app
+}  // namespace zel::gateway

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zel::app {
+namespace zel::gateway {
 
 // Bytes as lower-case hexadecimal digits, two each.
 std::string hexOf(std::span<const std::uint8_t> bytes);
@@ -32,4 +32,4 @@ std::optional<Record> recordIn(std::string_view hex) {
   return record;
 }
 
-}  // namespace zel::app
+}  // namespace zel::gateway

@@ -1,4 +1,4 @@
-#include "apps/zelcam/commands/operation_text.h"
+#include "gateway/json/operation_text.h"
 
 #include <fmt/format.h>
 
@@ -7,10 +7,11 @@
 #include <utility>
 #include <variant>
 
-#include "apps/zelcam/command_line/hex.h"
-#include "apps/zelcam/command_line/number_text.h"
+#include "gateway/json/hex.h"
+#include "gateway/json/json_line.h"
+#include "gateway/json/number_text.h"
 
-namespace zel::app {
+namespace zel::gateway {
 namespace {
 
 using Value = ZELMessageFields::Value;
@@ -112,4 +113,10 @@ nlohmann::ordered_json resultJson(const Operation& operation, const std::vector<
   return result;
 }
 
-}  // namespace zel::app
+nlohmann::ordered_json callJson(const Operation& operation, const OperationReply& reply) {
+  return {{"operation", operation.name},
+          {"error", errorJson(reply.error)},
+          {"result", resultJson(operation, reply.values)}};
+}
+
+}  // namespace zel::gateway

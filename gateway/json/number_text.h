@@ -7,7 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace zel::app {
+namespace zel::gateway {
 
 // The decimal number of the whole text; nothing if it is no number, not finite or out of T's range.
 template <class T>
@@ -21,4 +21,4 @@ requires std::integral<T> || std::floating_point<T> std::optional<T> numberIn(st
   return value;
 }
 
-}  // namespace zel::app
+}  // namespace zel::gateway

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/zelcam/command_line/sensors.h"
+#include "gateway/json/sensors.h"
 
 // Calls of operations as people type and read them.
-namespace zel::app {
+namespace zel::gateway {
 
 // The positional arguments of an operation, in its order: "type:u8".
 std::vector<std::string> argumentsOf(const Operation& operation);
@@ -28,4 +28,7 @@ std::optional<std::vector<Operation::Value>> argumentsIn(const Operation& operat
 // A reply's values under their keys.
 nlohmann::ordered_json resultJson(const Operation& operation, const std::vector<Operation::Value>& values);
 
-}  // namespace zel::app
+// A call that was answered: the operation, its error or null, and its reply's values.
+nlohmann::ordered_json callJson(const Operation& operation, const OperationReply& reply);
+
+}  // namespace zel::gateway
