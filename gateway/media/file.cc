@@ -80,7 +80,7 @@ std::optional<ZELData> readFile(const std::string& path, std::string& error, std
 
 std::string photoFileName(std::string_view name) {
   name.remove_prefix(std::min(name.size(), name.find_last_of("/\\") + 1));
-  std::string plain = withoutUnprintable(name);
+  std::string plain = gateway::withoutUnprintable(name);
   plain.erase(0, std::min(plain.size(), plain.find_first_not_of('.')));
   if (plain.empty()) return "photo.jpg";
   return isPictureExtension(std::filesystem::path(plain).extension().string()) ? plain : plain + ".jpg";
