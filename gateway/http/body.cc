@@ -1,5 +1,6 @@
 #include "gateway/http/body.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -8,17 +9,21 @@ namespace {
 
 constexpr std::size_t kChunk = std::size_t{32} << 10;
 
-// What every answer says: nothing of it is shown, kept or run anywhere but by this server's own page.
+// What every answer says: nothing of it is shown or read by a page of others.
 constexpr std::pair<const char*, const char*> kUsualHeaders[] = {
-    {"Content-Security-Policy",
-     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; media-src 'self' blob:; "
-     "connect-src 'self'; worker-src 'self'; manifest-src 'self'; base-uri 'none'; form-action 'none'; "
-     "frame-ancestors 'none'"},
     {"X-Content-Type-Options", "nosniff"},
     {"Referrer-Policy", "no-referrer"},
     {"Cross-Origin-Resource-Policy", "same-origin"},
     {"Cross-Origin-Opener-Policy", "same-origin"},
 };
+
+// Of answers that have none of their own: a file that somebody has stored runs nothing.
+constexpr char kSecurityPolicy[] = "default-src 'none'; frame-ancestors 'none'; sandbox";
+
+bool hasPolicy(const Response& response) {
+  return std::ranges::count(response.headers, "Content-Security-Policy", &std::pair<std::string, std::string>::first) !=
+         0;
+}
 
 // A stream that is being sent.
 struct Sending {
@@ -79,6 +84,7 @@ bool queueResponse(MHD_Connection& connection, const std::shared_ptr<Exchange>& 
   if (made_ == nullptr) return false;
   if (!response.type.empty()) MHD_add_response_header(made_, "Content-Type", response.type.c_str());
   for (const auto& [name, value] : kUsualHeaders) MHD_add_response_header(made_, name, value);
+  if (!hasPolicy(response)) MHD_add_response_header(made_, "Content-Security-Policy", kSecurityPolicy);
   for (const auto& [name, value] : response.headers) MHD_add_response_header(made_, name.c_str(), value.c_str());
   const bool isQueued = MHD_queue_response(&connection, static_cast<unsigned>(response.status), made_) == MHD_YES;
   MHD_destroy_response(made_);

@@ -19,8 +19,11 @@
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/interrupt.h"
 #include "gateway/api/api.h"
+#include "gateway/api/open_api.h"
 #include "gateway/api/rows_of_cameras.h"
 #include "gateway/api/rows_of_files.h"
+#include "gateway/api/rows_of_metrics.h"
+#include "gateway/api/rows_of_page.h"
 #include "gateway/api/rows_of_photos.h"
 #include "gateway/api/rows_of_streams.h"
 #include "gateway/api/rows_of_viewing.h"
@@ -104,20 +107,6 @@ std::unique_ptr<Cameras> camerasFor(const Settings& settings, const Values& valu
   return Cameras::create(std::move(options), fault);
 }
 
-// Stands in for the page's files.
-Row placeholderPage() {
-  return {"GET",
-          "/",
-          "page",
-          "The page",
-          {{200, "text/html; charset=utf-8", "", "the page"}},
-          [](const RowCall&, const Respond& respond) {
-            Response response{.type = "text/html; charset=utf-8"};
-            response.content = std::string("<!doctype html><title>zelcam</title><p>This is the gateway.\n");
-            respond(std::move(response));
-          }};
-}
-
 // Everything that serves.
 class Gateway {
  public:
@@ -134,7 +123,9 @@ class Gateway {
   Gateway& operator=(const Gateway&) = delete;
 
   bool start(AccessRules rules, platform::UniqueDescriptor listener, std::string& fault) {
-    api_.emplace(std::move(rules), rows());
+    std::vector<Row> all = rows();
+    all.push_back(openApiRow(all, !rules.token.empty()));
+    api_.emplace(std::move(rules), std::move(all));
     server_ = Server::start({.listener = std::move(listener)}, *api_, fault);
     return server_ != nullptr;
   }
@@ -150,7 +141,8 @@ class Gateway {
     add(viewingRows(*cameras_, limit_));
     add(streamRows(*cameras_));
     add(fileRows(*folder_, thumbnails_));
-    all.push_back(placeholderPage());
+    add(metricsRows(*cameras_, [](const HeldCamera&) { return std::vector<OutputStatus>(); }));
+    add(pageRows());
     return all;
   }
 
