@@ -118,12 +118,10 @@ Response callAnswer(const Operation& operation, const Result<OperationReply>& re
 }
 
 void makeCall(const CameraRowContext& context, const RowCall& call, const Respond& respond) {
-  auto found = known(context.cameras, call.parameter("serial"));
-  if (auto* const refusal = std::get_if<Response>(&found)) return respond(std::move(*refusal));
   Fields fields(call.body, {"operation", "args"});
   const auto ready = operationCallIn(fields);
   if (!ready) return respond(problem(422, *fields.fault()));
-  found = reachable(context.cameras, call.parameter("serial"));
+  auto found = reachable(context.cameras, call.parameter("serial"));
   if (auto* const refusal = std::get_if<Response>(&found)) return respond(std::move(*refusal));
   const Held held = std::get<Held>(found);
   held->camera()
@@ -144,15 +142,13 @@ ordered_json storedJson(const StoredFile& file) {
 }
 
 void record(const CameraRowContext& context, const RowCall& call, const Respond& respond) {
-  auto found = known(context.cameras, call.parameter("serial"));
-  if (auto* const refusal = std::get_if<Response>(&found)) return respond(std::move(*refusal));
   Fields fields(call.body, {"action"});
   const std::string action = fields.text("action", true);
   if (action != "start" && action != "stop" && action != "cancel") {
     fields.complain("\"action\" must be start, stop or cancel");
   }
   if (fields.fault()) return respond(problem(422, *fields.fault()));
-  found = reachable(context.cameras, call.parameter("serial"));
+  auto found = reachable(context.cameras, call.parameter("serial"));
   if (auto* const refusal = std::get_if<Response>(&found)) return respond(std::move(*refusal));
   const Held held = std::get<Held>(found);
   const std::string what = "record " + action;

@@ -151,13 +151,11 @@ ExposureSteps stepsIn(Fields& fields) {
 
 std::vector<Row> photoRows(Cameras& cameras, MediaFolder& folder, Worker& worker, std::chrono::milliseconds timeLimit) {
   const auto take = [&cameras, &folder, &worker, timeLimit](const RowCall& call, const Respond& respond) {
-    auto found = known(cameras, call.parameter("serial"));
-    if (auto* const refusal = std::get_if<Response>(&found)) return respond(std::move(*refusal));
     Fields fields(call.body, {"bracket", "stitch"});
     const ExposureSteps steps = stepsIn(fields);
     const bool stitches = fields.flag("stitch");
     if (fields.fault()) return respond(problem(422, *fields.fault()));
-    found = reachable(cameras, call.parameter("serial"));
+    auto found = reachable(cameras, call.parameter("serial"));
     if (auto* const refusal = std::get_if<Response>(&found)) return respond(std::move(*refusal));
     auto& held = std::get<std::shared_ptr<HeldCamera>>(found);
     std::make_shared<PhotoJob>(std::move(held), folder, worker, timeLimit, respond)->begin(steps, stitches);

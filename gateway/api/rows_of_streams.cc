@@ -35,9 +35,9 @@ class EventSource final : public ByteSource {
  public:
   EventSource(HeldRef held, std::function<void()> ready)
       : held_(std::move(held)), events_(std::make_shared<EventStream>(std::move(ready))) {
-    events_->put({Notice::Kind::link, {{"status", toString(held_->status())}}});
     // Statistics come once a second in every status, so that a reader knows that the connection lives.
     taking_ = held_->notices().take([events = events_](const Notice& notice) { events->put(notice); });
+    events_->put({Notice::Kind::link, {{"status", toString(held_->status())}}});
   }
 
   std::size_t read(std::span<std::uint8_t> to) override { return events_->read(to); }

@@ -137,6 +137,22 @@ ordered_json lensSchema() {
   return schema;
 }
 
+ordered_json stitchedSchema() {
+  ordered_json stitched =
+      optionally({{"width", type("integer")}, {"height", type("integer")}, {"bitrate", type("integer")}}, {});
+  stitched["type"] = {"object", "null"};
+  return stitched;
+}
+
+ordered_json outputSchema() {
+  return whole({{"id", type("integer")},
+                {"address", type("string")},
+                {"stitched", stitchedSchema()},
+                {"state", type("string")},
+                {"retries", type("integer")},
+                {"statistics", type("object")}});
+}
+
 ordered_json photoSchema() {
   const ordered_json steps = {{"type", {"array", "null"}},
                               {"items", {{"type", "integer"}, {"minimum", -128}, {"maximum", 127}}},
@@ -158,6 +174,9 @@ ordered_json schemas() {
           {"Photo", photoSchema()},
           {"Files", filesSchema()},
           {"Lens", lensSchema()},
+          {"OutputRequest", optionally({{"address", type("string")}, {"stitched", stitchedSchema()}}, {"address"})},
+          {"Output", outputSchema()},
+          {"Outputs", whole({{"outputs", listOf(outputSchema())}})},
           {"Time", whole({{"now", type("integer")}})}};
 }
 

@@ -17,19 +17,22 @@ std::unique_ptr<Cameras> Cameras::create(Options options, std::string& error) {
   auto bus = LinuxPlatform::create(
       {.accessoriesFolder = options.accessoriesFolder, .warn = options.warn, .program = options.program}, error);
   if (!bus) return nullptr;
-  std::unique_ptr<Cameras> cameras(new Cameras(std::move(options), std::move(bus)));
-  cameras->watch();
+  return std::unique_ptr<Cameras>(new Cameras(std::move(options), std::move(bus)));
+}
+
+bool Cameras::begin(std::string& error) {
+  watch();
   try {
-    cameras->thread_ = std::thread([bus = cameras->bus_.get()] {
+    thread_ = std::thread([bus = bus_.get()] {
       // A call that found no memory is lost; the others go on.
       while (!hasMemoryFor([bus] { bus->runMainQueue(); })) {
       }
     });
   } catch (const std::system_error& fault) {
     error = fmt::format("no thread can be started: {}", fault.what());
-    return nullptr;
+    return false;
   }
-  return cameras;
+  return true;
 }
 
 Cameras::Cameras(Options options, std::unique_ptr<LinuxPlatform> bus)

@@ -38,6 +38,10 @@ class Cameras {
 
   // Errors: null; `error` says why.
   static std::unique_ptr<Cameras> create(Options options, std::string& error);
+  // Looks for cameras, and opens them, from now on.
+  //
+  // Errors: false; `error` says why.
+  bool begin(std::string& error);
   // Ends every camera.
   ~Cameras();
   Cameras(const Cameras&) = delete;

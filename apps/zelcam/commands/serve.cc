@@ -1,6 +1,8 @@
+#include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/PreviewFormat.h>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <fmt/format.h>
 
@@ -23,23 +25,28 @@
 #include "gateway/api/rows_of_cameras.h"
 #include "gateway/api/rows_of_files.h"
 #include "gateway/api/rows_of_metrics.h"
+#include "gateway/api/rows_of_outputs.h"
 #include "gateway/api/rows_of_page.h"
 #include "gateway/api/rows_of_photos.h"
 #include "gateway/api/rows_of_streams.h"
 #include "gateway/api/rows_of_viewing.h"
+#include "gateway/api/rows_of_wire.h"
 #include "gateway/cameras/cameras.h"
 #include "gateway/http/listen.h"
 #include "gateway/http/server.h"
 #include "gateway/http/token.h"
+#include "gateway/line/shared_lines.h"
 #include "gateway/media/media_folder.h"
 #include "gateway/media/thumbnails.h"
 #include "gateway/media/worker.h"
+#include "platform/linux/gateway_socket.h"
 
 namespace zel::app {
 namespace {
 
 using namespace gateway;
 
+constexpr char kServeName[] = "zelcam serve";  // for other programs
 constexpr std::string_view kUsualAddress = "127.0.0.1:8360";
 
 void sayForServe(const std::string& line) { say("zelcam: " + line); }
@@ -94,28 +101,57 @@ std::string mediaPath(const Values& values) {
   return std::string(home != nullptr ? home : "") + "/.local/share/zelcam/media";
 }
 
+std::uint8_t resolutionOf(const Values& values) {
+  return static_cast<std::uint8_t>(values.integer("--resolution").value_or(kSmallestPreview));
+}
+
 std::unique_ptr<Cameras> camerasFor(const Settings& settings, const Values& values, std::chrono::milliseconds limit,
                                     std::string& fault) {
   Cameras::Options options;
   options.accessoriesFolder = settings.accessories;
   options.serialNumber = settings.camera;
-  options.program = "zelcam serve";
+  options.program = kServeName;
   options.timeLimit = limit;
-  options.resolution = static_cast<std::uint8_t>(values.integer("--resolution").value_or(kSmallestPreview));
+  options.resolution = resolutionOf(values);
   options.warn = sayForServe;
   if (settings.verbose) options.tell = sayForServe;
   return Cameras::create(std::move(options), fault);
 }
 
+std::unique_ptr<OutputDesk> deskFor(const Settings& settings, const Values& values, const std::string& folder) {
+  OutputDesk::Options options;
+  options.camera.accessoriesFolder = settings.accessories;
+  options.camera.program = kServeName;
+  options.camera.warn = sayForServe;
+  options.resolution = resolutionOf(values);
+  options.folder = folder;
+  return std::make_unique<OutputDesk>(std::move(options));
+}
+
 // Everything that serves.
 class Gateway {
  public:
-  Gateway(std::unique_ptr<Cameras> cameras, std::unique_ptr<MediaFolder> folder, std::chrono::milliseconds limit)
-      : folder_(std::move(folder)), cameras_(std::move(cameras)), limit_(limit) {}
+  struct Parts {
+    std::unique_ptr<SharedLines> lines;
+    std::unique_ptr<platform::GatewaySocket> socket;
+    std::unique_ptr<MediaFolder> folder;
+    std::unique_ptr<Cameras> cameras;
+    std::unique_ptr<OutputDesk> desk;
+  };
 
-  // Nobody is served any more; then nothing is made of pictures; then the cameras are closed, whose callbacks end.
+  Gateway(Parts parts, std::chrono::milliseconds limit)
+      : lines_(std::move(parts.lines)),
+        socket_(std::move(parts.socket)),
+        folder_(std::move(parts.folder)),
+        cameras_(std::move(parts.cameras)),
+        desk_(std::move(parts.desk)),
+        limit_(limit) {}
+
+  // Nobody is served any more; outputs end, as files need it; nothing is made of pictures any more; then the cameras
+  // are closed, whose callbacks end.
   ~Gateway() {
     server_.reset();
+    desk_.reset();
     worker_.stop();
     cameras_.reset();
   }
@@ -126,8 +162,10 @@ class Gateway {
     std::vector<Row> all = rows();
     all.push_back(openApiRow(all, !rules.token.empty()));
     api_.emplace(std::move(rules), std::move(all));
-    server_ = Server::start({.listener = std::move(listener)}, *api_, fault);
-    return server_ != nullptr;
+    platform::UniqueDescriptor local(::dup(socket_->descriptor()));
+    server_ = Server::start({.listener = std::move(listener), .localListener = std::move(local)}, *api_, fault);
+    // The cameras connect as every host does, and so come last.
+    return server_ != nullptr && cameras_->begin(fault);
   }
 
  private:
@@ -141,13 +179,18 @@ class Gateway {
     add(viewingRows(*cameras_, limit_));
     add(streamRows(*cameras_));
     add(fileRows(*folder_, thumbnails_));
-    add(metricsRows(*cameras_, [](const HeldCamera&) { return std::vector<OutputStatus>(); }));
+    add(wireRows(*lines_));
+    add(outputRows(*cameras_, *desk_));
+    add(metricsRows(*cameras_, [desk = desk_.get()](const HeldCamera& one) { return desk->list(one.serialNumber()); }));
     add(pageRows());
     return all;
   }
 
+  const std::unique_ptr<SharedLines> lines_;
+  const std::unique_ptr<platform::GatewaySocket> socket_;
   const std::unique_ptr<MediaFolder> folder_;
   std::unique_ptr<Cameras> cameras_;
+  std::unique_ptr<OutputDesk> desk_;
   const std::chrono::milliseconds limit_;
   Thumbnails thumbnails_{worker_};
   Worker worker_;
@@ -168,13 +211,24 @@ int runServe(const Invocation& invocation) {
   if (!listener) return complain(kRefused, "serve", fault);
   const auto token = tokenFor(values, *listener, fault);
   if (!token) return complain(kWrongUsage, "serve", fault);
-  auto folder = MediaFolder::open(mediaPath(values), fault);
-  if (!folder) return complain(kRefused, "serve", fault);
   const std::chrono::milliseconds limit(std::max<std::int64_t>(1, static_cast<std::int64_t>(settings.timeout * 1000)));
-  auto cameras = camerasFor(settings, values, limit, fault);
-  if (!cameras) return complain(kNoCamera, "serve", fault);
+  Gateway::Parts parts;
+  parts.folder = MediaFolder::open(mediaPath(values), fault);
+  if (!parts.folder) return complain(kRefused, "serve", fault);
+  parts.lines = SharedLines::create({.accessoriesFolder = settings.accessories,
+                                     .program = kServeName,
+                                     .camera = settings.camera,
+                                     .warn = sayForServe},
+                                    nullptr, fault);
+  if (!parts.lines) return complain(kNoCamera, "serve", fault);
+  parts.socket = platform::GatewaySocket::listen(LinuxPlatform::accessoriesFolder(settings.accessories), fault);
+  if (!parts.socket) return complain(kRefused, "serve", fault);
+  parts.cameras = camerasFor(settings, values, limit, fault);
+  if (!parts.cameras) return complain(kNoCamera, "serve", fault);
 
-  Gateway gateway(std::move(cameras), std::move(folder), limit);
+  parts.desk = deskFor(settings, values, mediaPath(values));
+
+  Gateway gateway(std::move(parts), limit);
   const std::string address = pageAddress(*listener, *token);
   if (!gateway.start(rulesFor(values, *listener, *token), std::move(listener->socket), fault)) {
     return complain(kRefused, "serve", fault);

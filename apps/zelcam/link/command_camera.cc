@@ -43,6 +43,7 @@ CameraOptions optionsOf(const Settings& settings, const CommandCamera::Needs& ne
   options.staysWithCamera = needs.staysWithCamera;
   if (settings.verbose) options.tell = sayAfterOurName;
   options.accessoriesFolder = settings.accessories;
+  options.direct = settings.direct;
   options.program = "zelcam " + settings.command;
   options.decoderThreads = needs.decoderThreads;
   options.warn = say;
