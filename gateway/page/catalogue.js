@@ -20,6 +20,8 @@ const sizeRate = (code) => {
   return size ? t("sizeRate", { w: size[0], h: size[1], rate: kRates[code & 3] }) : mode(code);
 };
 
+const moment = (n) => new Date(1000 * Number(n)).toLocaleString();
+
 const field = (type, name = "", words = plain) => ({ type, name, words });
 const one = (key, set, type, words, more = {}) => ({ key, set, fields: [field(type, "", words)], ...more });
 const told = (get, result) => ({ get, result });
@@ -65,7 +67,7 @@ const device = [
 
 const service = [
   one("serialNumber", "msgReqSetSerialNumber", "text", plain, { ...told("msgReqGetSerialNumber", ["nsString"]), wide: true }),
-  { key: "activeTime", set: "msgReqSetActiveTime", fields: [field("s32", "secondsSince1970"), field("s32", "minutesWest")], ...told("msgReqGetActiveTimeWithRebackBlock", ["intValue", "intValue2"]) },
+  { key: "activeTime", set: "msgReqSetActiveTime", fields: [field("s32", "secondsSince1970", moment), field("s32", "minutesWest")], ...told("msgReqGetActiveTimeWithRebackBlock", ["intValue", "intValue2"]) },
   one("imageProcessing", "msgReqSetIPSwitchMode", "u8", mode),
   one("meteringWeights", "msgReqSetAEMMWeight", "hex96", plain, { wide: true }),
   { key: "mediaOffset", set: "msgReqSetMediaOffset", fields: [field("u8", "type"), field("u8", "typeInfo"), field("text", "offset")], ...told("msgReqGetMediaOffset", ["nsString"]), getArgs: [0, 0], toldFrom: 2 },

@@ -9,6 +9,7 @@ const kFarBehind = 1; // seconds, beyond which one jump leads back to the newest
 const kKept = 4; // seconds that are kept behind the place that is played
 const kRemoveEvery = 10; // seconds
 const kStall = 3000; // milliseconds without data, after which the stream counts as broken
+const kFileLimit = 3000; // milliseconds
 const kMostWaiting = 400; // pieces that wait for the buffer
 
 const Source = globalThis.ManagedMediaSource ?? globalThis.MediaSource;
@@ -63,14 +64,13 @@ export class VideoWay {
 
   // Shows a file of one picture, for measuring what the browser makes of its colours.
   async showFile(address) {
-    const shown = new Promise((done, failed) => {
-      this.#video.requestVideoFrameCallback?.(done);
-      this.#video.addEventListener("loadeddata", () => setTimeout(done, 300), { once: true });
-      this.#video.addEventListener("error", failed, { once: true });
-    });
     this.#video.src = address;
     this.#video.play().catch(() => {});
-    await shown;
+    const end = performance.now() + kFileLimit;
+    while (this.#video.readyState < HTMLMediaElement.HAVE_CURRENT_DATA || this.#video.videoWidth === 0) {
+      if (this.#video.error || performance.now() > end) throw new Error("the known picture is not shown");
+      await new Promise((done) => setTimeout(done, 20));
+    }
     return this.#video;
   }
 
