@@ -133,7 +133,7 @@ export class Live {
     if (this.#calibrated === this.#way) return;
     try {
       if (this.#way === "units") await this.#stage.calibrateUnits();
-      else await this.#stage.calibrate(await this.#video.showFile("probe.mp4"));
+      else await this.#video.useFile("probe.mp4", async (video) => this.#stage.calibrate(video));
     } catch (fault) {
       console.warn("colours are not measured:", fault.message ?? fault);
     }

@@ -62,16 +62,19 @@ export class VideoWay {
     this.#video.muted = !on;
   }
 
-  // Shows a file of one picture, for measuring what the browser makes of its colours.
-  async showFile(address) {
+  // Plays a file of one unchanging picture, and gives what `use` makes of the element as soon as it can: a browser may show
+  // the first pictures before it hands them out.
+  async useFile(address, use) {
     this.#video.src = address;
     this.#video.play().catch(() => {});
     const end = performance.now() + kFileLimit;
-    while (this.#video.readyState < HTMLMediaElement.HAVE_CURRENT_DATA || this.#video.videoWidth === 0) {
+    for (;;) {
+      await new Promise((done) => setTimeout(done, 30));
       if (this.#video.error || performance.now() > end) throw new Error("the known picture is not shown");
-      await new Promise((done) => setTimeout(done, 20));
+      if (this.#video.readyState < HTMLMediaElement.HAVE_CURRENT_DATA) continue;
+      const used = await use(this.#video).catch(() => null);
+      if (used) return used;
     }
-    return this.#video;
   }
 
   async play(units, mp4) {

@@ -10,6 +10,7 @@ from pathlib import Path
 from browser import PLAIN_HOST, Process, wait_for
 
 PROGRAMS = Path(os.environ.get("ZEL_PROGRAMS", "build/release/bin")).resolve()
+CACHE = {"XDG_CACHE_HOME": os.environ["ZEL_CACHE"]} if "ZEL_CACHE" in os.environ else {}  # of the camera's rendered pictures
 SERIAL = "E1A0001"
 NAME = "Example <b>360</b> & <img src=x onerror=alert(1)>"  # markup, which must be shown as it stands
 
@@ -23,7 +24,7 @@ class Gateway:
         self._serve_options = serve_options
         self._port = 0
         self.camera = Process([str(PROGRAMS / "zelcam-sim"), "--accessories", str(self.bus), "--serial", SERIAL, "--name", NAME, *simulator_options],
-                              self.folder / "camera.log")
+                              self.folder / "camera.log", CACHE)
         wait_for(lambda: list(self.bus.glob("*.json")), "the simulated camera's accessory file")
         self.server = None
         self.start()
