@@ -165,6 +165,7 @@ export class Live {
     if (this.#state !== LiveState.playing) return;
     this.#retry = kFirstRetry;
     const figures = this.#figures;
+    if (performance.getEntriesByName("first picture").length === 0) performance.mark("first picture");
     figures.lastPicture = performance.now();
     ++figures.pictures;
     Object.assign(figures, { width, height });

@@ -64,6 +64,7 @@ export class Painter {
   #waiting = null;
   #drawing = false;
   #redrawAsked = false;
+  #stale = false; // the view has changed while a picture was being drawn
   #hasPicture = false;
   #pictures = 0;
   #bytes = new Uint8Array(0);
@@ -168,6 +169,8 @@ export class Painter {
       }
     } finally {
       this.#drawing = false;
+      if (this.#stale && this.#hasPicture) this.#draw();
+      this.#stale = false;
     }
   }
 
@@ -211,7 +214,8 @@ export class Painter {
     this.#redrawAsked = true;
     (globalThis.requestAnimationFrame ?? setTimeout)(() => {
       this.#redrawAsked = false;
-      if (!this.#drawing && this.#hasPicture) this.#draw();
+      if (this.#drawing) this.#stale = true;
+      else if (this.#hasPicture) this.#draw();
     });
   }
 
