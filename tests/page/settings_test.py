@@ -1,5 +1,6 @@
 """Each setting is set on the page and read from the camera."""
 import json
+import re
 
 # Operations whose names say that they set something, but which are no settings of the camera: texts of single files.
 OF_FILES = {"msgReqSetPhotoExtraInfoWithFileName", "msgReqSetVideoExtraInfoWithFileName"}
@@ -74,7 +75,7 @@ def test_serial_number_lens_and_origin_offset_clock_and_system(page, gateway):
     page.wait(f"{value_of('serialNumber')} === 'now E1A0009'")
     offset = "2_745.000_760.000_760.000_0.000_0.300_-0.400_750.000_2280.000_760.000_179.800_-0.200_0.500_3040_1520_7"
     put(page, "mediaOffset", ["9", "9", offset])
-    page.wait(f"{value_of('mediaOffset')}.startsWith('now 2_7')")
+    page.wait(f"{value_of('mediaOffset')}.startsWith('now 2_745')")
     assert gateway.call("msgReqGetMediaOffset", 9, 9) == {"nsString": offset}
     put(page, "originOffset", ["3", "3", "1", "2", "3", "-4", "5", "6", "3040", "1520"])
     page.wait(f"{value_of('originOffset')}.startsWith('now ')")
@@ -99,9 +100,6 @@ def test_no_setting_of_the_camera_is_missing(page, gateway):
     shown = page.js("document.querySelectorAll('[data-setting]').length")
     assert shown == len(sets) == len(set(sets))
     described = json.dumps(gateway.ask("openapi.json"))
-    operations = set()
-    import re
-    for name in re.findall(r'"(msg(?:Cmd|Req)(?:Req)?Set\w+)"', described):
-        operations.add(name)
+    operations = set(re.findall(r'"(msg(?:Cmd|Req)(?:Req)?Set\w+)"', described))
     assert len(operations) > 30
     assert operations - set(sets) == OF_FILES
