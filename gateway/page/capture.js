@@ -35,7 +35,8 @@ export class Capture {
   setCamera(api) {
     this.#api = api;
     this.#stopCountdown();
-    this.#setRecording(null);
+    const began = Number(localStorage.getItem(this.#keptKey));
+    this.#setRecording(began > 0 ? { began, left: null } : null);
   }
 
   // Whether the camera can be asked for anything now.
@@ -48,12 +49,6 @@ export class Capture {
   // info: what the camera has told of itself.
   showInfo(info) {
     if (this.#recording) this.#recording.left = typeof info?.videoTimeRemaining === "number" ? { seconds: info.videoTimeRemaining, at: Date.now() } : null;
-  }
-
-  // What the server says: another page may have begun a recording.
-  showRecording(isOn) {
-    if (isOn && !this.#recording) this.#setRecording({ began: Date.now(), left: null });
-    if (!isOn && this.#recording && Date.now() - this.#recording.began > 3000) this.#setRecording(null);
   }
 
   hear({ event, value }) {
@@ -154,8 +149,15 @@ export class Capture {
     this.#on.changed();
   }
 
+  get #keptKey() {
+    return `${this.#api.serial}/recording`;
+  }
+
+  // Kept in this browser, since the camera does not tell whether it records.
   #setRecording(recording) {
     this.#recording = recording;
+    if (recording) localStorage.setItem(this.#keptKey, String(recording.began));
+    else localStorage.removeItem(this.#keptKey);
     byId("recording").hidden = !recording;
     byId("record").classList.toggle("on", Boolean(recording));
     label(byId("record"), t(recording ? "recordStop" : "recordStart"));

@@ -2,6 +2,7 @@
 // of a mode mean is the camera's own.
 //
 // fields: of what is sent and of what is told, in their order. type: u8, s8, u16, s16, u32, s32, text, or hexN for N bytes.
+// asksWith: so many of the fields are arguments of reading, too.
 // record: the fields are members of one record, sent and told as hex, little-endian.
 
 import { t } from "./texts.js";
@@ -19,6 +20,8 @@ const sizeRate = (code) => {
   const size = kSizes[code >> 2];
   return size ? t("sizeRate", { w: size[0], h: size[1], rate: kRates[code & 3] }) : mode(code);
 };
+
+const moment = (n) => new Date(1000 * Number(n)).toLocaleString();
 
 const field = (type, name = "", words = plain) => ({ type, name, words });
 const one = (key, set, type, words, more = {}) => ({ key, set, fields: [field(type, "", words)], ...more });
@@ -65,11 +68,11 @@ const device = [
 
 const service = [
   one("serialNumber", "msgReqSetSerialNumber", "text", plain, { ...told("msgReqGetSerialNumber", ["nsString"]), wide: true }),
-  { key: "activeTime", set: "msgReqSetActiveTime", fields: [field("s32", "secondsSince1970"), field("s32", "minutesWest")], ...told("msgReqGetActiveTimeWithRebackBlock", ["intValue", "intValue2"]) },
+  { key: "activeTime", set: "msgReqSetActiveTime", fields: [field("s32", "secondsSince1970", moment), field("s32", "minutesWest")], ...told("msgReqGetActiveTimeWithRebackBlock", ["intValue", "intValue2"]) },
   one("imageProcessing", "msgReqSetIPSwitchMode", "u8", mode),
   one("meteringWeights", "msgReqSetAEMMWeight", "hex96", plain, { wide: true }),
-  { key: "mediaOffset", set: "msgReqSetMediaOffset", fields: [field("u8", "type"), field("u8", "typeInfo"), field("text", "offset")], ...told("msgReqGetMediaOffset", ["nsString"]), getArgs: [0, 0], toldFrom: 2 },
-  { key: "originOffset", set: "msgReqSetOriginOffset", recordFrom: 2, ...told("msgReqGetOriginOffset", ["NSValue1"]), getArgs: [0, 0], toldFrom: 2,
+  { key: "mediaOffset", set: "msgReqSetMediaOffset", fields: [field("u8", "type"), field("u8", "typeInfo"), field("text", "offset")], ...told("msgReqGetMediaOffset", ["nsString"]), asksWith: 2, toldFrom: 2 },
+  { key: "originOffset", set: "msgReqSetOriginOffset", recordFrom: 2, ...told("msgReqGetOriginOffset", ["NSValue1"]), asksWith: 2, toldFrom: 2,
     fields: [field("u8", "type"), field("u8", "typeInfo"), ...["lens1a", "lens1b", "lens1c", "lens2a", "lens2b", "lens2c"].map((name) => field("s32", name)), field("u16", "width"), field("u16", "height")] },
   { key: "whiteBalanceGain", set: "msgReqSetCalibWBGain", recordFrom: 0, ...told("msgReqGetCalibWBGainWithRebackBlock", ["NSValue1"]),
     fields: [field("u8", "value1"), field("u8", "value2"), ...[1, 2, 3, 4].map((n) => field("s16", `gain${n}`))] },

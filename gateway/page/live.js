@@ -133,7 +133,7 @@ export class Live {
     if (this.#calibrated === this.#way) return;
     try {
       if (this.#way === "units") await this.#stage.calibrateUnits();
-      else await this.#stage.calibrate(await this.#video.showFile("probe.mp4"));
+      else await this.#video.useFile("probe.mp4", async (video) => this.#stage.calibrate(video));
     } catch (fault) {
       console.warn("colours are not measured:", fault.message ?? fault);
     }
@@ -165,6 +165,7 @@ export class Live {
     if (this.#state !== LiveState.playing) return;
     this.#retry = kFirstRetry;
     const figures = this.#figures;
+    if (performance.getEntriesByName("first picture").length === 0) performance.mark("first picture");
     figures.lastPicture = performance.now();
     ++figures.pictures;
     Object.assign(figures, { width, height });

@@ -111,7 +111,6 @@ class Page {
     if (!mine && list.length > 0) return this.#choose(localStorage.getItem("camera"), list);
     if (!mine) return this.#setLink(LinkStatus.none);
     this.#setLink(mine.status);
-    if (typeof mine.recording === "boolean") this.capture.showRecording(mine.recording);
   }
 
   // The wished camera where it is there, else the first.

@@ -5,7 +5,7 @@ import { t, tOf } from "./texts.js";
 import { bytesText, whyText } from "./words.js";
 
 const kReadEvery = 2000; // milliseconds, while the panel is shown
-const kStateClass = { running: "is-good", connecting: "is-warn", waiting: "is-warn", retrying: "is-warn", failed: "is-bad" };
+const kStateClass = { writing: "is-good", connecting: "is-warn", waiting: "is-warn", retrying: "is-warn", failed: "is-bad" };
 
 export class OutputsPanel {
   #api = null;
@@ -66,8 +66,9 @@ export class OutputsPanel {
   }
 
   #item({ id, address, state, retries, statistics = {} }) {
-    const { bytes = 0, pictures = 0 } = statistics ?? {};
-    const parts = [tOf("states", state), ...(retries ? [t("retries", { n: retries })] : []), t("written", { bytes: bytesText(bytes), n: pictures })];
+    const { bytes = 0, pictures = 0, dropped = 0, fault = null } = statistics;
+    const parts = [tOf("states", state), ...(retries ? [t("retries", { n: retries })] : []), t("written", { bytes: bytesText(bytes), n: pictures }),
+      ...(dropped ? [t("droppedN", { n: dropped })] : []), ...(fault ? [fault] : [])];
     return el("li", { "data-output": id }, el("span", { class: "address" }, address),
       el("button", { class: "small", "data-ends": id, "aria-label": `${t("end")}: ${address}`, onclick: () => this.#end(id) }, t("end")),
       el("span", { class: `state ${kStateClass[state] ?? ""}` }, el("i", { class: "dot" }), parts.join(" · ")));

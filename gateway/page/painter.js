@@ -10,6 +10,7 @@ import { wholePanorama } from "./view.js";
 const kPanorama = { width: 1920, height: 960 };
 const kSlowDrawing = 25; // milliseconds, beyond which the canvas is made smaller
 const kFastDrawing = 8;
+const kShortest = 400; // pixels of the longer side, below which the canvas is not made for speed
 const kScales = [1, 0.75, 0.5, 0.375, 0.25];
 const kJudged = 8; // drawings, before the canvas's size is changed again
 const kRestful = 300; // drawings, before it is made larger again
@@ -63,6 +64,7 @@ export class Painter {
   #waiting = null;
   #drawing = false;
   #redrawAsked = false;
+  #stale = false; // the view has changed while a picture was being drawn
   #hasPicture = false;
   #pictures = 0;
   #bytes = new Uint8Array(0);
@@ -117,7 +119,8 @@ export class Painter {
   }
 
   #resize() {
-    const scale = this.#size.fixed ? 1 : kScales[this.#scale];
+    const least = kShortest / Math.max(this.#size.width, this.#size.height);
+    const scale = this.#size.fixed ? 1 : Math.min(Math.max(kScales[this.#scale], least), 1);
     const [width, height] = [this.#size.width, this.#size.height].map((side) => Math.max(Math.round(side * scale), 2));
     if (this.#canvas.width !== width) this.#canvas.width = width;
     if (this.#canvas.height !== height) this.#canvas.height = height;
@@ -166,6 +169,8 @@ export class Painter {
       }
     } finally {
       this.#drawing = false;
+      if (this.#stale && this.#hasPicture) this.#draw();
+      this.#stale = false;
     }
   }
 
@@ -209,7 +214,8 @@ export class Painter {
     this.#redrawAsked = true;
     (globalThis.requestAnimationFrame ?? setTimeout)(() => {
       this.#redrawAsked = false;
-      if (!this.#drawing && this.#hasPicture) this.#draw();
+      if (this.#drawing) this.#stale = true;
+      else if (this.#hasPicture) this.#draw();
     });
   }
 

@@ -140,10 +140,11 @@ class SettingRow {
 
   // Asks the camera, where it can be asked.
   async read() {
-    const { get, getArgs = [] } = this.#setting;
+    const { get, asksWith = 0 } = this.#setting;
     if (!get) return;
+    const asked = this.#inputs.slice(0, asksWith).map(({ value }) => Number(value));
     try {
-      const values = valuesIn(this.#setting, await this.#api.call(get, getArgs));
+      const values = valuesIn(this.#setting, await this.#api.call(get, asked));
       if (!values) return this.#say(t("notTold"));
       this.#say(t("now", { value: wordsOf(this.#setting, values) }));
       this.#fill(values);

@@ -39,17 +39,17 @@ const english = {
   deleteQuestion: "Delete {name}? It cannot be brought back.", deleted: "Deleted {name}", badge360: "360°", turnHint: "Panorama. Arrow keys turn, plus and minus zoom.",
 
   outputs: "Outputs", outputsEmpty: "Nothing is recorded on the server or sent on.", newOutput: "New output", address: "File name or rtmp:// or srt:// address",
-  stitched: "Stitched to a panorama", size: "Size", bitrate: "Mbit/s", begin: "Begin", end: "End", outputFault: "Output: {why}", retries: "tries: {n}", written: "{bytes}, {n} pictures",
-  states: { waiting: "waiting for pictures", connecting: "connecting", running: "running", retrying: "trying again", failed: "failed", ended: "ended", finished: "finished" },
+  stitched: "Stitched to a panorama", size: "Size", bitrate: "Mbit/s", begin: "Begin", end: "End", outputFault: "Output: {why}", retries: "tries: {n}", written: "{bytes}, {n} pictures", droppedN: "{n} dropped",
+  states: { waiting: "waiting for pictures", connecting: "connecting", writing: "writing", retrying: "trying again", failed: "failed", finished: "finished" },
 
   link: "Link", linkStatus: "Status", linkRate: "Pictures a second, camera", linkBits: "From the camera", linkDropped: "Dropped", linkRoundTrip: "Round trip to the camera", linkClock: "Clock offset",
   pageRate: "Pictures a second, here", pageBits: "To this page", pageDelay: "Delay to the screen", pageSize: "Drawn at", pageWay: "Way", wayUnits: "WebCodecs", wayVideo: "video element",
-  identity: "Camera", name: "Name", serial: "Serial number", firmware: "Firmware", hardware: "Hardware", maker: "Manufacturer", model: "Model", uuid: "UUID", perSecond: "{n}", size2: "{w} × {h}",
+  identity: "Camera", name: "Name", serial: "Serial number", firmware: "Firmware", hardware: "Hardware", maker: "Manufacturer", model: "Model", uuid: "UUID", size2: "{w} × {h}",
   sectionCamera: "From the camera to the server", sectionPage: "From the server to this page",
 
   settings: "Settings", set: "Set", now: "now {value}", lastSet: "last set here: {value}", notTold: "not told by the camera", refusedValue: "refused: {why}", reading: "…", done: "done",
   settingsAway: "The settings can be read when the camera is connected.",
-  off: "off", on: "on", modeN: "mode {n}", sizeN: "size {n}", stepsN: "{n} steps", kilobits: "{n} kbit/s", megabits: "{n} Mbit/s", sizeRate: "{w} × {h}, {rate} a second", dateTime: "{when}",
+  off: "off", on: "on", modeN: "mode {n}", sizeN: "size {n}", stepsN: "{n} steps", kilobits: "{n} kbit/s", megabits: "{n} Mbit/s", sizeRate: "{w} × {h}, {rate} a second",
   thisDevice: "Set to this device's time", commandN: "command {n}", confirmSystem: "Send system command {n} to the camera? It may switch off.", send: "Send",
 
   keyTurn: "turn", keyZoom: "closer, wider", keyHome: "look forward", keyViews: "sphere, panorama, planet, lenses", keyPhoto: "photo", keyRecord: "record, stop", keySound: "sound", keySnapshot: "picture of this view", keyFull: "full screen",

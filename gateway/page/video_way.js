@@ -9,6 +9,7 @@ const kFarBehind = 1; // seconds, beyond which one jump leads back to the newest
 const kKept = 4; // seconds that are kept behind the place that is played
 const kRemoveEvery = 10; // seconds
 const kStall = 3000; // milliseconds without data, after which the stream counts as broken
+const kFileLimit = 3000; // milliseconds
 const kMostWaiting = 400; // pieces that wait for the buffer
 
 const Source = globalThis.ManagedMediaSource ?? globalThis.MediaSource;
@@ -61,17 +62,19 @@ export class VideoWay {
     this.#video.muted = !on;
   }
 
-  // Shows a file of one picture, for measuring what the browser makes of its colours.
-  async showFile(address) {
-    const shown = new Promise((done, failed) => {
-      this.#video.requestVideoFrameCallback?.(done);
-      this.#video.addEventListener("loadeddata", () => setTimeout(done, 300), { once: true });
-      this.#video.addEventListener("error", failed, { once: true });
-    });
+  // Plays a file of one unchanging picture, and gives what `use` makes of the element as soon as it can: a browser may show
+  // the first pictures before it hands them out.
+  async useFile(address, use) {
     this.#video.src = address;
     this.#video.play().catch(() => {});
-    await shown;
-    return this.#video;
+    const end = performance.now() + kFileLimit;
+    for (;;) {
+      await new Promise((done) => setTimeout(done, 30));
+      if (this.#video.error || performance.now() > end) throw new Error("the known picture is not shown");
+      if (this.#video.readyState < HTMLMediaElement.HAVE_CURRENT_DATA) continue;
+      const used = await use(this.#video).catch(() => null);
+      if (used) return used;
+    }
   }
 
   async play(units, mp4) {

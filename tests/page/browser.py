@@ -16,7 +16,8 @@ import websockets
 
 LIMIT = 60  # seconds for anything that a browser is asked for
 
-# Firefox refuses to be remote-controlled as root without this folder of its own.
+# A name that leads to this machine, but whose plain HTTP is no secure context, unlike that of localhost.
+PLAIN_HOST = "zel.test"
 FIREFOX_SETTINGS = """
 user_pref("browser.shell.checkDefaultBrowser", false);
 user_pref("browser.startup.homepage_override.mstone", "ignore");
@@ -26,6 +27,7 @@ user_pref("browser.download.useDownloadDir", true);
 user_pref("browser.download.folderList", 2);
 user_pref("browser.download.dir", "{downloads}");
 user_pref("browser.download.alwaysOpenPanel", false);
+user_pref("network.dns.localDomains", "zel.test");
 user_pref("webgl.force-enabled", true);
 user_pref("media.autoplay.default", 0);
 user_pref("network.captive-portal-service.enabled", false);
@@ -55,7 +57,11 @@ class Process:
         with open(log, "wb") as output:
             # pylint: disable=consider-using-with  # stop() ends it
             self.process = subprocess.Popen(command, stdout=output, stderr=subprocess.STDOUT, start_new_session=True,
-                                            stdin=subprocess.DEVNULL, env={**os.environ, **(env or {})})
+                                            stdin=subprocess.PIPE, env={**os.environ, **(env or {})})
+
+    def tell(self, line):
+        self.process.stdin.write(line.encode() + b"\n")
+        self.process.stdin.flush()
 
     def line(self, pattern, limit=LIMIT):
         def find():
@@ -220,13 +226,13 @@ def own_folder(name):
 
 
 class Chromium(Browser):
-    def __init__(self, arguments=()):
+    def __init__(self, *arguments):
         folder = own_folder("chromium")
         driver = Process(["chromedriver", "--port=0"], folder / "driver.log", {"HOME": str(folder)})
         self._port = driver.line(r"started successfully on port (\d+)").group(1)
         options = {"args": ["--headless=new", "--no-sandbox", "--disable-dev-shm-usage", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
                             "--autoplay-policy=no-user-gesture-required", "--force-color-profile=srgb", f"--user-data-dir={folder / 'profile'}",
-                            "--window-size=1280,800", *arguments],
+                            f"--host-resolver-rules=MAP {PLAIN_HOST} 127.0.0.1", "--window-size=1280,800", *arguments],
                    "prefs": {"download.default_directory": str(folder / "downloads"), "download.prompt_for_download": False}}
         asked = {"capabilities": {"alwaysMatch": {"webSocketUrl": True, "unhandledPromptBehavior": "ignore", "goog:chromeOptions": options}}}
         session = self._post("/session", asked)

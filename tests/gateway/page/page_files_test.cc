@@ -32,7 +32,7 @@ std::set<std::string> paths() {
 // What a file names that it loads: by import, src and href.
 std::set<std::string> loadedBy(const PageFile& file) {
   static const std::regex kNamed(
-      R"re((?:from "\./|src="|href="|fetch\("|Worker\("|showFile\(")([a-z_0-9]+\.[a-z0-9]+))re");
+      R"re((?:from "\./|src="|href="|fetch\("|Worker\("|useFile\(")([a-z_0-9]+\.[a-z0-9]+))re");
   const std::string text = textOf(file);
   std::set<std::string> names;
   for (std::sregex_iterator at(text.begin(), text.end(), kNamed), end; at != end; ++at)
