@@ -12,9 +12,9 @@ CameraOutputs& OutputDesk::of(const std::string& serialNumber) {
   if (!outputs) {
     CameraOptions camera = options_.camera;
     camera.serialNumber = serialNumber;
-    outputs = std::make_unique<CameraOutputs>(
-        CameraOutputs::Options{.folder = options_.folder},
-        std::make_shared<CameraOutputStreams>(std::move(camera), options_.resolution));
+    outputs =
+        std::make_unique<CameraOutputs>(CameraOutputs::Options{.folder = options_.folder},
+                                        std::make_shared<CameraOutputStreams>(std::move(camera), options_.resolution));
   }
   return *outputs;
 }

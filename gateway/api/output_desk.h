@@ -21,9 +21,9 @@ namespace zel::gateway {
 class OutputDesk {
  public:
   struct Options {
-    CameraOptions camera;      // of the cameras' own objects; without a serial number
+    CameraOptions camera;  // of the cameras' own objects; without a serial number
     std::uint8_t resolution = 0;
-    std::string folder;        // of files
+    std::string folder;  // of files
   };
 
   explicit OutputDesk(Options options) : options_(std::move(options)) {}

@@ -56,13 +56,23 @@ std::vector<Row> outputRows(const Cameras& cameras, OutputDesk& desk) {
   const auto end = [&desk](const RowCall& call, const Respond& respond) { endOutput(desk, call, respond); };
   constexpr char kPath[] = "/api/v1/cameras/{serial}/outputs";
   return {
-      {"GET", kPath, "listOutputs", "Files and servers that the camera's stream is written to",
+      {"GET",
+       kPath,
+       "listOutputs",
+       "Files and servers that the camera's stream is written to",
        {{200, "application/json", "Outputs", "the outputs in the order in which they began"}},
        ofKnown(list)},
-      {"POST", kPath, "beginOutput", "Begins an output: a file of the media folder, or an RTMP or SRT server",
+      {"POST",
+       kPath,
+       "beginOutput",
+       "Begins an output: a file of the media folder, or an RTMP or SRT server",
        {{201, "application/json", "Output", "the output as it begins"}},
-       ofKnown(begin), "OutputRequest"},
-      {"DELETE", std::string(kPath) + "/{id}", "endOutput", "Ends an output and forgets it",
+       ofKnown(begin),
+       "OutputRequest"},
+      {"DELETE",
+       std::string(kPath) + "/{id}",
+       "endOutput",
+       "Ends an output and forgets it",
        {{200, "application/json", "Output", "what became of it"}},
        ofKnown(end)},
   };

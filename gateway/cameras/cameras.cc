@@ -20,7 +20,8 @@ std::unique_ptr<Cameras> Cameras::create(Options options, std::string& error) {
   return std::unique_ptr<Cameras>(new Cameras(std::move(options), std::move(bus)));
 }
 
-bool Cameras::begin(std::string& error) {
+bool Cameras::begin(Added added, std::string& error) {
+  added_ = std::move(added);
   watch();
   try {
     thread_ = std::thread([bus = bus_.get()] {
@@ -39,13 +40,18 @@ Cameras::Cameras(Options options, std::unique_ptr<LinuxPlatform> bus)
     : options_(std::move(options)), bus_(std::move(bus)) {}
 
 Cameras::~Cameras() {
+  stop();
+  for (const auto& camera : cameras_) camera->end();
+}
+
+void Cameras::stop() {
+  if (observations_.empty()) return;
   bus_->ports().accessories.unregisterForLocalNotifications();
   observations_.clear();
   if (thread_.joinable()) {
     bus_->ports().queues.mainQueue().post([bus = bus_.get()] { bus->stopMainQueue(); });
     thread_.join();
   }
-  for (const auto& camera : cameras_) camera->end();
 }
 
 // The bus tells of changes on its main queue, where those that are there already are looked at as well.
@@ -105,7 +111,7 @@ std::shared_ptr<HeldCamera> Cameras::made(const std::string& serialNumber) {
     const std::lock_guard lock(mutex_);
     cameras_.push_back(held);
   }
-  if (options_.added) options_.added(*held);
+  if (added_) added_(held);
   return held;
 }
 

@@ -33,16 +33,19 @@ class Cameras {
     std::chrono::milliseconds timeLimit{10'000};        // of a request
     std::function<void(const std::string&)> tell = {};  // what is done by itself, in words
     std::function<void(const std::string&)> warn = {};  // what has to be skipped, in words
-    std::function<void(HeldCamera&)> added = {};        // a camera that was not known; on the bus's thread
   };
 
   // Errors: null; `error` says why.
   static std::unique_ptr<Cameras> create(Options options, std::string& error);
-  // Looks for cameras, and opens them, from now on.
+  using Added = std::function<void(const std::shared_ptr<HeldCamera>&)>;
+
+  // Looks for cameras, and opens them, from now on. added: called with each that was not known, on the bus's thread.
   //
   // Errors: false; `error` says why.
-  bool begin(std::string& error);
-  // Ends every camera.
+  bool begin(Added added, std::string& error);
+  // No camera is looked for any more; those that are known stay as they are.
+  void stop();
+  // Stops, and ends every camera.
   ~Cameras();
   Cameras(const Cameras&) = delete;
   Cameras& operator=(const Cameras&) = delete;
@@ -61,6 +64,7 @@ class Cameras {
   std::shared_ptr<HeldCamera> made(const std::string& serialNumber);
 
   const Options options_;
+  Added added_;
   const std::unique_ptr<LinuxPlatform> bus_;
   mutable std::mutex mutex_;
   std::vector<std::shared_ptr<HeldCamera>> cameras_;
