@@ -14,8 +14,7 @@ TEST(FailureTest, OfARefusalNamesTheCamerasOwnError) {
   EXPECT_EQ(failure.kind, Failure::Kind::refused);
   EXPECT_EQ(failure.message, "record stop: the camera refused (D 101)");
   EXPECT_EQ(jsonLine(failureJson(failure)),
-            R"({"code":101,"domain":"D","message":"record stop: the camera refused (D 101)"
-})");
+            R"json({"code":101,"domain":"D","message":"record stop: the camera refused (D 101)"})json");
 }
 
 TEST(FailureTest, OfOldFirmwareSaysSo) {
