@@ -45,7 +45,7 @@ class PictureCache {
 
   UnitScan scan_;
   std::deque<MediaItem> items_;
-  const std::deque<MediaItem> none_;
+  const std::deque<MediaItem> none_{};
   std::size_t cost_ = 0;
   bool isWhole_ = false;      // the items begin with a key picture
   std::optional<Head> head_;  // of the next key picture
