@@ -2,8 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <map>
-
+#include "tests/gateway/outputs/scripted_streams.h"
 #include "tests/platform/linux/temporary_folder.h"
 
 namespace zel::gateway {
@@ -11,57 +10,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-
-// What has become of the streams that were begun.
-struct World {
-  std::vector<std::optional<StitchedSize>> begun;
-  int running = 0;
-  std::optional<std::string> failure;
-};
-
-class ScriptedStream final : public OutputStream {
- public:
-  explicit ScriptedStream(World& world) : world_(world) { ++world_.running; }
-  ~ScriptedStream() override { --world_.running; }
-
-  Result<int> addOutput(const std::string& address) override {
-    OutputReport report;
-    report.id = ++newest_;
-    report.name = address;
-    report.state = OutputState::writing;
-    reports_[report.id] = report;
-    return report.id;
-  }
-  Result<OutputReport> removeOutput(int id) override {
-    OutputReport report = reports_.at(id);
-    reports_.erase(id);
-    report.state = OutputState::finished;
-    return report;
-  }
-  std::vector<OutputReport> outputs() const override {
-    std::vector<OutputReport> all;
-    for (const auto& [id, report] : reports_) all.push_back(report);
-    return all;
-  }
-  std::optional<std::string> failure() const override { return world_.failure; }
-
- private:
-  World& world_;
-  std::map<int, OutputReport> reports_;
-  int newest_ = 0;
-};
-
-class ScriptedStreams final : public OutputStreams {
- public:
-  explicit ScriptedStreams(World& world) : world_(world) {}
-  Result<std::unique_ptr<OutputStream>> begin(const std::optional<StitchedSize>& stitched) override {
-    world_.begun.push_back(stitched);
-    return std::unique_ptr<OutputStream>(std::make_unique<ScriptedStream>(world_));
-  }
-
- private:
-  World& world_;
-};
 
 class CameraOutputsTest : public ::testing::Test {
  protected:
@@ -75,7 +23,7 @@ class CameraOutputsTest : public ::testing::Test {
   }
 
   test::TemporaryFolder folder_;
-  World world_;
+  ScriptedWorld world_;
   CameraOutputs outputs_{{.folder = folder_.path(), .most = 4, .mostStitched = 2},
                          std::make_shared<ScriptedStreams>(world_)};
 };
