@@ -76,16 +76,12 @@ def film_at_rest(folder):
     bus.mkdir(mode=0o700)
     camera = subprocess.Popen([PROGRAMS / "zelcam-sim", "--accessories", bus], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     try:
-        run(PROGRAMS / "zelcam", "--accessories", bus, "live", "--no-stitch", "-o", folder / "film.mp4", "--duration", "3")
+        run(PROGRAMS / "zelcam", "--accessories", bus, "live", "--no-stitch", "-o", folder / "film.ts", "--duration", "3")
     finally:
         camera.terminate()
         camera.wait()
-    # The first key picture alone: all units up to the second picture.
-    with av.open(str(folder / "film.mp4")) as film:
-        stream = film.streams.video[0]
-        context = av.BitStreamFilterContext("h264_mp4toannexb", stream)
-        packet = next(packet for packet in film.demux(stream) if packet.is_keyframe)
-        still = b"".join(bytes(part) for part in context.filter(packet))
+    with av.open(str(folder / "film.ts")) as film:  # a transport stream holds start codes and parameter sets
+        still = next(bytes(packet) for packet in film.demux(video=0) if packet.is_keyframe)
     path = folder / "still.h264"
     path.write_bytes(still * 30)
     return path

@@ -10,7 +10,12 @@ const kShutterState = 12; // the camera's event
 const kRecordEnds = { 9: "whyCardFull", 10: "whyTime" };
 
 const signed = (step) => (step > 0 ? `+${step}` : String(step));
-const stepsText = (steps) => (steps.length === 0 ? t("bracketOff") : t("bracketSteps", { n: steps.length, steps: steps.length > 5 ? `${signed(steps[0])} … ${signed(steps.at(-1))}` : steps.map(signed).join(" ") }));
+
+function stepsText(steps) {
+  if (steps.length === 0) return t("bracketOff");
+  const words = steps.length > 5 ? `${signed(steps[0])} … ${signed(steps.at(-1))}` : steps.map(signed).join(" ");
+  return t("bracketSteps", { n: steps.length, steps: words });
+}
 
 export class Capture {
   #api = null;
@@ -48,7 +53,9 @@ export class Capture {
 
   // info: what the camera has told of itself.
   showInfo(info) {
-    if (this.#recording) this.#recording.left = typeof info?.videoTimeRemaining === "number" ? { seconds: info.videoTimeRemaining, at: Date.now() } : null;
+    if (!this.#recording) return;
+    const seconds = info?.videoTimeRemaining;
+    this.#recording.left = typeof seconds === "number" ? { seconds, at: Date.now() } : null;
   }
 
   hear({ event, value }) {
@@ -168,7 +175,8 @@ export class Capture {
     if (!this.#recording) return;
     const { began, left } = this.#recording;
     const time = durationText((Date.now() - began) / 1000);
-    const text = left ? t("recordTime", { time, left: durationText(left.seconds - (Date.now() - left.at) / 1000) }) : t("recordTimeOnly", { time });
-    byId("recording").querySelector("span").textContent = text;
+    const shown = byId("recording").querySelector("span");
+    const seconds = left ? left.seconds - (Date.now() - left.at) / 1000 : null;
+    shown.textContent = left ? t("recordTime", { time, left: durationText(seconds) }) : t("recordTimeOnly", { time });
   }
 }

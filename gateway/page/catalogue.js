@@ -40,7 +40,8 @@ const picture = [
   one("effect", "msgReqReqSetImageDEffect", "u8", mode),
   one("flicker", "msgReqSetFlicker", "u8", mode, told("msgReqGetFlickerWithRebackBlock", ["ucharValue"])),
   { key: "stillProgram", set: "msgReqSetStillPMode", fields: [field("u8", "mode", mode), field("u8", "value")] },
-  { key: "manualExposure", set: "msgReqSetMEParam", fields: [field("u8", "mode", mode), field("u8", "value1"), field("u8", "value2")], recordFrom: 1 },
+  { key: "manualExposure", set: "msgReqSetMEParam", fields: [field("u8", "mode", mode), field("u8", "value1"), field("u8", "value2")],
+    recordFrom: 1 },
 ];
 
 const photos = [
@@ -59,7 +60,8 @@ const recording = [
 ];
 
 const device = [
-  one("mute", "msgReqSetMute", "u8", (n) => (Number(n) === 0 ? t("on") : Number(n) === 1 ? t("off") : mode(n)), choices([0, 1], (n) => (n === 0 ? t("on") : t("off")))),
+  one("mute", "msgReqSetMute", "u8", (n) => (Number(n) === 0 ? t("on") : Number(n) === 1 ? t("off") : mode(n)),
+    choices([0, 1], (n) => (n === 0 ? t("on") : t("off")))),
   one("keyFunction", "msgReqSetKeyFunc0", "u8", mode),
   one("triplePress", "msgReqSetTriplePressMode", "u8", mode, told("msgReqGetTriplePressModeWithRebackBlock", ["ucharValue"])),
   one("gpsTimeout", "msgReqSetGPSTimeout", "u16", seconds, told("msgReqGetGPSTimeoutWithRebackBlock", ["ushortValue"])),
@@ -68,23 +70,33 @@ const device = [
 
 const service = [
   one("serialNumber", "msgReqSetSerialNumber", "text", plain, { ...told("msgReqGetSerialNumber", ["nsString"]), wide: true }),
-  { key: "activeTime", set: "msgReqSetActiveTime", fields: [field("s32", "secondsSince1970", moment), field("s32", "minutesWest")], ...told("msgReqGetActiveTimeWithRebackBlock", ["intValue", "intValue2"]) },
+  { key: "activeTime", set: "msgReqSetActiveTime", fields: [field("s32", "secondsSince1970", moment), field("s32", "minutesWest")],
+    ...told("msgReqGetActiveTimeWithRebackBlock", ["intValue", "intValue2"]) },
   one("imageProcessing", "msgReqSetIPSwitchMode", "u8", mode),
   one("meteringWeights", "msgReqSetAEMMWeight", "hex96", plain, { wide: true }),
-  { key: "mediaOffset", set: "msgReqSetMediaOffset", fields: [field("u8", "type"), field("u8", "typeInfo"), field("text", "offset")], ...told("msgReqGetMediaOffset", ["nsString"]), asksWith: 2, toldFrom: 2 },
-  { key: "originOffset", set: "msgReqSetOriginOffset", recordFrom: 2, ...told("msgReqGetOriginOffset", ["NSValue1"]), asksWith: 2, toldFrom: 2,
-    fields: [field("u8", "type"), field("u8", "typeInfo"), ...["lens1a", "lens1b", "lens1c", "lens2a", "lens2b", "lens2c"].map((name) => field("s32", name)), field("u16", "width"), field("u16", "height")] },
+  { key: "mediaOffset", set: "msgReqSetMediaOffset", fields: [field("u8", "type"), field("u8", "typeInfo"), field("text", "offset")],
+    ...told("msgReqGetMediaOffset", ["nsString"]), asksWith: 2, toldFrom: 2 },
+  { key: "originOffset", set: "msgReqSetOriginOffset", recordFrom: 2, ...told("msgReqGetOriginOffset", ["NSValue1"]), asksWith: 2,
+    toldFrom: 2,
+    fields: [field("u8", "type"), field("u8", "typeInfo"),
+      ...["lens1a", "lens1b", "lens1c", "lens2a", "lens2b", "lens2c"].map((name) => field("s32", name)), field("u16", "width"),
+      field("u16", "height")] },
   { key: "whiteBalanceGain", set: "msgReqSetCalibWBGain", recordFrom: 0, ...told("msgReqGetCalibWBGainWithRebackBlock", ["NSValue1"]),
     fields: [field("u8", "value1"), field("u8", "value2"), ...[1, 2, 3, 4].map((n) => field("s16", `gain${n}`))] },
-  { key: "vignetteLuma", set: "msgReqSetCalibVignetteLuma", recordFrom: 0, ...told("msgReqGetCalibVignetteLumaWithRebackBlock", ["NSValue1"]),
+  { key: "vignetteLuma", set: "msgReqSetCalibVignetteLuma", recordFrom: 0,
+    ...told("msgReqGetCalibVignetteLumaWithRebackBlock", ["NSValue1"]),
     fields: [field("u8", "value1"), field("u8", "value2"), field("s16", "luma1"), field("s16", "luma2")] },
   { key: "vignetteGain", set: "msgReqSetCalibVigGain", recordFrom: 0, ...told("msgReqGetCalibVigGainWithRebackBlock", ["NSValue1"]),
     fields: [field("u8", "value1"), field("u8", "value2"), ...[1, 2, 3, 4, 5, 6].map((n) => field("s16", `gain${n}`))] },
-  { key: "system", set: "msgReqSysctrl", fields: [field("u8", "command", (n) => t("commandN", { n })), field("u8", "delay")], asks: "confirmSystem", unkept: true },
+  { key: "system", set: "msgReqSysctrl", fields: [field("u8", "command", (n) => t("commandN", { n })), field("u8", "delay")],
+    asks: "confirmSystem", unkept: true },
   { key: "systemCancel", set: "msgReqSysctrlCancel", fields: [field("u8", "command", (n) => t("commandN", { n }))], unkept: true },
 ];
 
 export const kSections = [
-  { key: "picture", rows: picture }, { key: "photos", rows: photos }, { key: "recording", rows: recording }, { key: "device", rows: device },
+  { key: "picture", rows: picture },
+  { key: "photos", rows: photos },
+  { key: "recording", rows: recording },
+  { key: "device", rows: device },
   { key: "service", rows: service, advanced: true },
 ];

@@ -94,7 +94,8 @@ export class GalleryPanel {
       isPanorama(file) ? el("span", { class: "badge" }, t("badge360")) : null,
       el("div", { class: "about" },
         el("span", { class: "name", title: name }, el("b", {}, name), bytesText(bytes)),
-        el("a", { class: "button", href: fileAddress(name), download: name, "aria-label": t("downloadName", { name }), title: t("download") }, icon("download")),
+        el("a", { class: "button", href: fileAddress(name), download: name, "aria-label": t("downloadName", { name }),
+          title: t("download") }, icon("download")),
         el("button", { "aria-label": t("deleteName", { name }), title: t("delete"), onclick: () => this.#delete(name) }, icon("delete"))));
   }
 

@@ -4,12 +4,14 @@ import { el } from "./dom.js";
 import { t } from "./texts.js";
 import { bitsText } from "./words.js";
 
-const kIdentity = [["name", "name"], ["serialNumber", "serial"], ["manufacturer", "maker"], ["modelNumber", "model"], ["firmwareRevision", "firmware"], ["hardwareRevision", "hardware"], ["uuid", "uuid"]];
+const kIdentity = [["name", "name"], ["serialNumber", "serial"], ["manufacturer", "maker"], ["modelNumber", "model"],
+  ["firmwareRevision", "firmware"], ["hardwareRevision", "hardware"], ["uuid", "uuid"]];
 const fixed = (value, digits = 0) => (typeof value === "number" ? value.toFixed(digits) : "–");
 const milliseconds = (value) => (typeof value === "number" ? t("delay", { ms: Math.round(value) }) : "–");
 
 function list(title, facts) {
-  return [el("h2", {}, title), el("dl", { class: "facts" }, ...facts.flatMap(([term, id]) => [el("dt", {}, t(term)), el("dd", { "data-fact": id }, "–")]))];
+  return [el("h2", {}, title), el("dl", { class: "facts" },
+    ...facts.flatMap(([term, id]) => [el("dt", {}, t(term)), el("dd", { "data-fact": id }, "–")]))];
 }
 
 export class LinkPanel {
@@ -18,8 +20,10 @@ export class LinkPanel {
   constructor(page) {
     this.#page = page;
     page.append(
-      ...list(t("sectionCamera"), [["linkStatus", "status"], ["linkRate", "rate"], ["linkBits", "bits"], ["linkDropped", "dropped"], ["linkRoundTrip", "roundTrip"], ["linkClock", "clockOffset"]]),
-      ...list(t("sectionPage"), [["pageDelay", "delay"], ["pageRate", "pageRate"], ["pageBits", "pageBits"], ["pageSize", "size"], ["pageWay", "way"]]),
+      ...list(t("sectionCamera"), [["linkStatus", "status"], ["linkRate", "rate"], ["linkBits", "bits"], ["linkDropped", "dropped"],
+        ["linkRoundTrip", "roundTrip"], ["linkClock", "clockOffset"]]),
+      ...list(t("sectionPage"), [["pageDelay", "delay"], ["pageRate", "pageRate"], ["pageBits", "pageBits"], ["pageSize", "size"],
+        ["pageWay", "way"]]),
       ...list(t("identity"), kIdentity.map(([key, title]) => [title, key])));
   }
 

@@ -56,7 +56,6 @@ class Page {
     this.#followTime();
     byId("cameras").addEventListener("change", () => this.#choose(byId("cameras").value));
     if (innerWidth > 1400) this.panel.open();
-    byId("stage").focus();
   }
 
   // The drawing's size is the screen's, or the one that the address asks for (?canvas=640x320), for measurements.
@@ -103,7 +102,8 @@ class Page {
     const known = JSON.stringify(list.map(({ serial, name }) => [serial, name]));
     if (known !== this.#known) {
       this.#known = known;
-      choice.replaceChildren(...list.map(({ serial, name }) => el("option", { value: serial }, list.length > 1 ? `${name} (${serial})` : name || serial)));
+      choice.replaceChildren(...list.map(({ serial, name }) => el("option", { value: serial },
+        list.length > 1 ? `${name} (${serial})` : name || serial)));
       if (this.#api) choice.value = this.#api.serial;
     }
     choice.parentElement.hidden = list.length === 0;
@@ -124,7 +124,8 @@ class Page {
     for (const part of [this.capture, this.settings, this.outputs]) part.setCamera(this.#api);
     this.#events = new CameraEvents(this.#api.address("events"), {
       link: ({ status }) => this.#setLink(status), camera: (event) => this.#hear(event),
-      statistics: (statistics) => this.#showStatistics(statistics), server: (isThere) => { if (isThere) this.#setServer(true); else this.#readCameras(); },
+      statistics: (statistics) => this.#showStatistics(statistics),
+        server: (isThere) => { if (isThere) this.#setServer(true); else this.#readCameras(); },
     });
     this.#live.setCamera(this.#api);
     const status = list?.find((one) => one.serial === chosen)?.status;

@@ -21,9 +21,12 @@ export class OutputsPanel {
   #form() {
     const number = (value, least, most, step = 1) => el("input", { type: "number", value, min: least, max: most, step, required: true });
     const fields = {
-      address: el("input", { type: "text", required: true, placeholder: "party.mp4", id: "output-address", spellcheck: "false", autocomplete: "off" }),
-      stitched: el("input", { type: "checkbox", id: "output-stitched", ".checked": true, onchange: () => { size.hidden = !fields.stitched.checked; } }),
-      size: el("select", { id: "output-size" }, ...["1920x960", "1440x720", "2880x1440", "3840x1920"].map((size) => el("option", { value: size }, size.replace("x", " × ")))),
+      address: el("input", { type: "text", required: true, placeholder: "party.mp4", id: "output-address", spellcheck: "false",
+        autocomplete: "off" }),
+      stitched: el("input", { type: "checkbox", id: "output-stitched", ".checked": true,
+        onchange: () => { size.hidden = !fields.stitched.checked; } }),
+      size: el("select", { id: "output-size" },
+        ...["1920x960", "1440x720", "2880x1440", "3840x1920"].map((size) => el("option", { value: size }, size.replace("x", " × ")))),
       bitrate: number(8, 0.1, 200, "any"),
     };
     this.#fields = fields;
@@ -67,7 +70,8 @@ export class OutputsPanel {
 
   #item({ id, address, state, retries, statistics = {} }) {
     const { bytes = 0, pictures = 0, dropped = 0, fault = null } = statistics;
-    const parts = [tOf("states", state), ...(retries ? [t("retries", { n: retries })] : []), t("written", { bytes: bytesText(bytes), n: pictures }),
+    const parts = [tOf("states", state), ...(retries ? [t("retries", { n: retries })] : []),
+      t("written", { bytes: bytesText(bytes), n: pictures }),
       ...(dropped ? [t("droppedN", { n: dropped })] : []), ...(fault ? [fault] : [])];
     return el("li", { "data-output": id }, el("span", { class: "address" }, address),
       el("button", { class: "small", "data-ends": id, "aria-label": `${t("end")}: ${address}`, onclick: () => this.#end(id) }, t("end")),
@@ -79,7 +83,8 @@ export class OutputsPanel {
     const { address, stitched, size, bitrate } = this.#fields;
     const [width, height] = size.value.split("x").map(Number);
     try {
-      await this.#api.beginOutput({ address: address.value, stitched: stitched.checked ? { width, height, bitrate: Math.round(Number(bitrate.value) * 1e6) } : null });
+      await this.#api.beginOutput({ address: address.value,
+        stitched: stitched.checked ? { width, height, bitrate: Math.round(Number(bitrate.value) * 1e6) } : null });
       address.value = "";
     } catch (fault) {
       toast(t("outputFault", { why: whyText(fault) }), "bad");

@@ -12,7 +12,11 @@ export class Panel {
   constructor(pages) {
     this.#pages = pages;
     for (const tab of kTabs) byId(`tab-${tab}`).addEventListener("click", () => this.show(tab));
-    byId("panel-toggle").addEventListener("click", () => (this.isOpen() ? this.close() : this.open()));
+    byId("panel-toggle").addEventListener("click", () => {
+      if (this.isOpen()) return this.close();
+      this.open();
+      byId(`tab-${this.#shown}`).focus();
+    });
     byId("panel-close").addEventListener("click", () => this.close());
     byId("panel").querySelector(".tabs").addEventListener("keydown", (event) => this.#key(event));
     byId("panel").addEventListener("keydown", (event) => { if (event.key === "Escape") this.close(); });
@@ -26,7 +30,6 @@ export class Panel {
     byId("panel").hidden = false;
     byId("panel-toggle").setAttribute("aria-expanded", "true");
     this.show(this.#shown);
-    byId(`tab-${this.#shown}`).focus();
   }
 
   close() {

@@ -10,7 +10,8 @@ function makeViews(view) {
   const box = byId("views");
   const choose = (projection) => { view.setProjection(projection); byId(`view-${projection}`).focus({ preventScroll: true }); };
   box.append(...kProjections.map((projection) =>
-    el("button", { id: `view-${projection}`, role: "radio", "aria-label": t(projection), title: t(projection), onclick: () => choose(projection) }, icon(projection), el("span", {}, t(projection)))));
+    el("button", { id: `view-${projection}`, role: "radio", "aria-label": t(projection), title: t(projection),
+      onclick: () => choose(projection) }, icon(projection), el("span", {}, t(projection)))));
   box.addEventListener("keydown", (event) => {
     const step = { ArrowRight: 1, ArrowDown: 1, ArrowLeft: -1, ArrowUp: -1 }[event.key];
     if (!step) return;
@@ -44,11 +45,13 @@ export class PictureTools {
     view.onChange(showView);
     showView(view);
     const buttons = {
-      "zoom-in": () => view.zoomBy(1), "zoom-out": () => view.zoomBy(-1), home: () => view.home(), sound: () => this.toggleSound(), snapshot: () => this.snapshot(false),
+      "zoom-in": () => view.zoomBy(1), "zoom-out": () => view.zoomBy(-1), home: () => view.home(), sound: () => this.toggleSound(),
+        snapshot: () => this.snapshot(false),
       "snapshot-whole": () => this.snapshot(true), phone: () => this.togglePhone(), fullscreen: () => this.toggleFullscreen(),
     };
     for (const [id, action] of Object.entries(buttons)) byId(id).addEventListener("click", action);
-    document.addEventListener("fullscreenchange", () => byId("fullscreen").setAttribute("aria-pressed", String(Boolean(document.fullscreenElement))));
+    document.addEventListener("fullscreenchange",
+      () => byId("fullscreen").setAttribute("aria-pressed", String(Boolean(document.fullscreenElement))));
   }
 
   toggleSound() {

@@ -1,7 +1,8 @@
 // Numbers of a record as the hex of its wire form, little-endian.
 
 const kBytes = { u8: 1, s8: 1, u16: 2, s16: 2, u32: 4, s32: 4 };
-const kRange = { u8: [0, 255], s8: [-128, 127], u16: [0, 65535], s16: [-32768, 32767], u32: [0, 4294967295], s32: [-2147483648, 2147483647] };
+const kRange = { u8: [0, 255], s8: [-128, 127], u16: [0, 65535], s16: [-32768, 32767], u32: [0, 4294967295],
+  s32: [-2147483648, 2147483647] };
 
 export const rangeOf = (type) => kRange[type] ?? null;
 

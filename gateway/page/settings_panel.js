@@ -39,7 +39,8 @@ class SettingRow {
     this.#api = api;
     this.#setting = setting;
     const title = el("div", {}, el("div", { class: "title", id: `title-${setting.key}` }, titleOf(setting)), this.#value);
-    this.element = el("div", { class: isWide(setting) ? "row wide" : "row", "data-setting": setting.key, role: "group", "aria-labelledby": `title-${setting.key}` },
+    this.element = el("div", { class: isWide(setting) ? "row wide" : "row", "data-setting": setting.key, role: "group",
+      "aria-labelledby": `title-${setting.key}` },
       title, el("div", { class: "control" }, ...this.#controls()));
     this.#showKept();
   }
@@ -55,19 +56,22 @@ class SettingRow {
     if (!isWide(this.#setting)) return [this.#stepper(fields[0])];
     const inputs = fields.map((field) => this.#field(field));
     const word = this.#setting.unkept ? "send" : "set";
-    return [...inputs, el("button", { onclick: () => this.#setFromInputs(), "aria-label": `${t(word)}: ${titleOf(this.#setting)}` }, t(word))];
+    return [...inputs, el("button", { onclick: () => this.#setFromInputs(), "aria-label": `${t(word)}: ${titleOf(this.#setting)}` },
+      t(word))];
   }
 
   #choice(choices) {
     const select = el("select", { "aria-labelledby": `title-${this.#setting.key}`, onchange: () => this.#set([Number(select.value)]) },
-      el("option", { value: "", ".disabled": true, ".selected": true }, t("reading")), ...choices.map(([code, words]) => el("option", { value: code }, words)));
+      el("option", { value: "", ".disabled": true, ".selected": true }, t("reading")),
+        ...choices.map(([code, words]) => el("option", { value: code }, words)));
     this.#inputs = [select];
     return select;
   }
 
   #stepper({ type }) {
     const [least, most] = rangeOf(type);
-    const input = el("input", { type: "number", min: least, max: most, value: 0, "aria-labelledby": `title-${this.#setting.key}`, onchange: () => this.#setFromInputs() });
+    const input = el("input", { type: "number", min: least, max: most, value: 0, "aria-labelledby": `title-${this.#setting.key}`,
+      onchange: () => this.#setFromInputs() });
     this.#inputs = [input];
     const by = (step) => () => { input.value = Math.min(Math.max(Number(input.value) + step, least), most); this.#setFromInputs(); };
     const button = (text, step) => el("button", { onclick: by(step), "aria-label": `${titleOf(this.#setting)} ${text}` }, text);
@@ -76,7 +80,8 @@ class SettingRow {
 
   #field({ type, name }) {
     const range = rangeOf(type);
-    const input = range ? el("input", { type: "number", min: range[0], max: range[1], value: 0 }) : el("input", { type: "text", spellcheck: "false" });
+    const number = () => el("input", { type: "number", min: range[0], max: range[1], value: 0 });
+    const input = range ? number() : el("input", { type: "text", spellcheck: "false" });
     if (!name) input.setAttribute("aria-labelledby", `title-${this.#setting.key}`);
     this.#inputs.push(input);
     return name ? el("label", {}, tOf("fields", name), input) : el("label", {}, input);

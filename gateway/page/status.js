@@ -5,10 +5,12 @@ import { LiveState } from "./live.js";
 import { t, tOf } from "./texts.js";
 import { bytesText, durationText } from "./words.js";
 
-export const LinkStatus = Object.freeze({ absent: "absent", opening: "opening", streaming: "streaming", silent: "silent", server: "server", none: "none", token: "token" });
+export const LinkStatus = Object.freeze({ absent: "absent", opening: "opening", streaming: "streaming", silent: "silent",
+  server: "server", none: "none", token: "token" });
 
 const kChip = {
-  absent: ["is-bad", "linkAbsent"], opening: ["is-warn", "linkOpening"], streaming: ["is-good", "linkStreaming"], silent: ["is-warn", "linkSilent"],
+  absent: ["is-bad", "linkAbsent"], opening: ["is-warn", "linkOpening"], streaming: ["is-good", "linkStreaming"],
+    silent: ["is-warn", "linkSilent"],
   server: ["is-bad", "linkServer"], none: ["is-bad", "linkAbsent"], token: ["is-bad", "linkServer"],
 };
 const kWords = { absent: "away", opening: "opening", silent: "silent", server: "serverAway", none: "noCamera", token: "refusedToken" };
@@ -63,12 +65,15 @@ export function showDelay(milliseconds) {
 export function showInfo(info) {
   const has = (key) => typeof info?.[key] === "number";
   const level = has("batteryLevel") ? info.batteryLevel : null;
-  figure("battery", level === null ? "" : t(info.powerType === kBatteryPower ? "battery" : "batteryPowered", { level }), level !== null && level <= kLowBattery);
+  figure("battery", level === null ? "" : t(info.powerType === kBatteryPower ? "battery" : "batteryPowered", { level }),
+    level !== null && level <= kLowBattery);
   const state = has("cardState") ? info.cardState : null;
-  const cardText = state === kCardReady ? t("cardFree", { free: bytesText(info.cardSpaceFree) }) : t(state === kCardFull ? "cardFull" : "cardBad");
+  const free = t("cardFree", { free: bytesText(info?.cardSpaceFree) });
+  const cardText = state === kCardReady ? free : t(state === kCardFull ? "cardFull" : "cardBad");
   figure("card", state === null ? "" : cardText, state !== null && state !== kCardReady);
   const left = has("photoShotsRemaining") && has("videoTimeRemaining");
-  figure("left", left ? t("left", { photos: info.photoShotsRemaining, video: durationText(info.videoTimeRemaining) }) : "", left && info.photoShotsRemaining === 0);
+  figure("left", left ? t("left", { photos: info.photoShotsRemaining, video: durationText(info.videoTimeRemaining) }) : "",
+    left && info.photoShotsRemaining === 0);
 }
 
 // An event of the camera in words, where it has some.

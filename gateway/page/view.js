@@ -134,7 +134,8 @@ export class View {
       }
       case Projection.planet: {
         const reach = 1.9 / this.zoom;
-        return { projection: this.projection, turn, reach: [(reach * this.width) / shorter, (reach * this.height) / shorter], from: [0, 0] };
+        return { projection: this.projection, turn, reach: [(reach * this.width) / shorter, (reach * this.height) / shorter],
+          from: [0, 0] };
       }
       default: {
         const [width, height] = this.#fitted();

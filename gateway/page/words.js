@@ -11,7 +11,8 @@ export function bytesText(bytes) {
 }
 
 export function bitsText(bitsPerSecond) {
-  return bitsPerSecond >= 1e6 ? t("megabits", { n: (bitsPerSecond / 1e6).toFixed(1) }) : t("kilobits", { n: Math.round(bitsPerSecond / 1000) });
+  return bitsPerSecond >= 1e6 ? t("megabits", { n: (bitsPerSecond / 1e6).toFixed(1) }) : t("kilobits",
+    { n: Math.round(bitsPerSecond / 1000) });
 }
 
 export function durationText(seconds) {

@@ -1,5 +1,6 @@
 """The page goes on by itself, whatever goes away; and it can be used in any size and by keyboard alone."""
 from conftest import wait_for_picture
+from gateway import Gateway
 from picture_test import SPHERE_ZOOM
 from scene import expect_lamp
 
@@ -27,6 +28,24 @@ def test_server_goes_away_and_comes_back(page, gateway):
         gateway.start()
     wait_for_picture(page)
     expect_lamp(page, "sphere", 0, 0, SPHERE_ZOOM)
+
+
+def test_a_token_comes_with_the_address_and_is_kept(browser, tmp_path):
+    (tmp_path / "token").write_text("0123456789abcdefghij\n")
+    (tmp_path / "token").chmod(0o600)
+    guarded = Gateway(serve_options=("--token-file", str(tmp_path / "token")))
+    try:
+        browser.open(guarded.address)
+        state_is(browser, "refusedToken")
+        browser.open("about:blank")
+        browser.open(f"{guarded.address}#token=0123456789abcdefghij")
+        wait_for_picture(browser)
+        assert browser.js("location.hash") == ""
+        browser.open(guarded.address)
+        wait_for_picture(browser)
+    finally:
+        browser.js("(document.cookie = 'zel_token=; Path=/; Max-Age=0', 1)")
+        guarded.close()
 
 
 def test_everything_fits_on_a_phone(page):
