@@ -11,7 +11,7 @@ namespace {
 
 using Verdict = RequestDesk::Verdict;
 
-constexpr std::chrono::seconds kCameraLives{3};  // after a frame, as long as hosts take it for alive
+constexpr std::chrono::seconds kCameraLives{1};  // after a frame: hosts then see a silence soon after the line
 
 constexpr std::uint16_t kReplyBit = 0x8000;
 
@@ -151,7 +151,7 @@ Verdict CameraLine::answer(LineHost* host, const RequestDesk::Request& request, 
 
 Verdict CameraLine::startPreview(LineHost& host, const RequestDesk::Request& request) {
   const bool had = std::exchange(host.hasPreview, true);
-  if (!anotherHas(&LineHost::hasPreview, &host)) {
+  if (!anotherHas(&LineHost::previewConfirmed, &host)) {
     cache_.clear();
     host.begin();
     return send(request);
@@ -193,12 +193,12 @@ void CameraLine::takeFrame(std::uint16_t type, ByteView payload, LineTime now) {
   if (!std::exchange(flows_, true)) syncWaiting(now);
   switch (FrameType{type}) {
     case FrameType::previewVideo:
-      return takeMedia(MediaItem::Kind::video, payload);
+      return takeMedia(MediaItem::Kind::video, payload, now);
     case FrameType::previewAudio:
-      return takeMedia(MediaItem::Kind::audio, payload);
+      return takeMedia(MediaItem::Kind::audio, payload, now);
     case FrameType::timestamp:
       return takeMedia(payload.empty() || payload[0] == 0 ? MediaItem::Kind::videoTime : MediaItem::Kind::audioTime,
-                       payload);
+                       payload, now);
     case FrameType::photo:
       if (const auto host = desk_.photo(now)) {
         if (LineHost* const there = find(*host)) there->send(SharedBytes::frame(FrameType::photo, payload));
@@ -259,8 +259,23 @@ void CameraLine::noteReply(LineHost& host, std::uint16_t request, ByteView body,
 // The camera has set its clock to 0, half way between request and reply. Only a whole time says so.
 void CameraLine::noteClocks(LineHost& host, ByteView body, LineTime now) {
   if (body.size() < sizeof(std::int64_t)) return;
+  before_ = used_;
   zero_ = millisecondsOf(clockAsked_ + (now - clockAsked_) / 2);
   host.setZero(zero_);
+}
+
+// From which zero a time counts: a camera may still have frames that it stamped before it set its clock to 0. Media are
+// on their way for a moment only, so the zero is right that makes them the younger.
+std::int64_t CameraLine::zeroOf(ByteView payload, LineTime now) {
+  if (payload.size() < kTimestampPayload) return used_;
+  const auto time = loadLittleEndian<std::uint64_t>(payload.data() + 1);
+  const auto distance = [&](std::int64_t zero) {
+    const auto age = static_cast<std::int64_t>(static_cast<std::uint64_t>(millisecondsOf(now)) - time -
+                                               static_cast<std::uint64_t>(zero));
+    return age < 0 ? ~age : age;
+  };
+  used_ = distance(before_) < distance(zero_) ? before_ : zero_;
+  return used_;
 }
 
 //   0          2      4        6
@@ -279,11 +294,11 @@ void CameraLine::takeFileReply(ByteView payload, LineTime now) {
   if (isEnd) uploads_.finish(now);
 }
 
-void CameraLine::takeMedia(MediaItem::Kind kind, ByteView payload) {
+void CameraLine::takeMedia(MediaItem::Kind kind, ByteView payload, LineTime now) {
   const bool isTime = kind == MediaItem::Kind::videoTime || kind == MediaItem::Kind::audioTime;
   FrameType type = FrameType::timestamp;
   if (!isTime) type = kind == MediaItem::Kind::video ? FrameType::previewVideo : FrameType::previewAudio;
-  MediaItem item{kind, SharedBytes::frame(type, payload), false, zero_};
+  MediaItem item{kind, SharedBytes::frame(type, payload), false, isTime ? zeroOf(payload, now) : 0};
   if (kind == MediaItem::Kind::videoTime && payload.size() >= kTimestampPayload) time_ = item;
   const bool beginsKey = cache_.add(item);
   for (auto& [id, host] : hosts_) host.show(item, beginsKey, cache_.items());

@@ -81,7 +81,8 @@ class CameraLine final : RequestDesk::Owner {
   void noteReply(LineHost& host, std::uint16_t request, ByteView body, LineTime now);
   void noteClocks(LineHost& host, ByteView body, LineTime now);
   void takeFileReply(ByteView payload, LineTime now);
-  void takeMedia(MediaItem::Kind kind, ByteView payload);
+  void takeMedia(MediaItem::Kind kind, ByteView payload, LineTime now);
+  std::int64_t zeroOf(ByteView payload, LineTime now);
   void tellAll(const SharedBytes& frame);
   void syncData(LineHost& host, LineTime now);
   void syncWaiting(LineTime now);
@@ -106,8 +107,10 @@ class CameraLine final : RequestDesk::Owner {
   LineTime lastFrame_;
   Bytes startReply_;               // the camera's, to the start of the preview that runs
   std::optional<MediaItem> time_;  // the last one of the pictures
-  std::int64_t zero_ = 0;          // when the camera's clock stood at 0, in milliseconds of the line's clock
-  LineTime clockAsked_;            // when the last comparison of the clocks was sent
+  // When the camera's clock stood at 0, in milliseconds of the line's clock: after its last comparison, before that,
+  // and for the time that came last.
+  std::int64_t zero_ = 0, before_ = 0, used_ = 0;
+  LineTime clockAsked_;  // when the last comparison of the clocks was sent
 };
 
 }  // namespace zel::gateway

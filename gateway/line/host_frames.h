@@ -33,6 +33,7 @@ class HostFrames {
 
   // Whether a file has begun that waits to be admitted.
   bool awaitsAdmission() const { return state_ == State::fileWaits; }
+  // Nothing where none waits.
   void admitFile();
   // Whether a file is on its way that was admitted.
   bool isInFile() const { return state_ == State::payload && type_ == FrameType::file; }

@@ -85,16 +85,17 @@ bool HostSocket::receive() {
 void HostSocket::cut(ByteView bytes, LineTime now) {
   if (frames_.isInFile()) line_->fileMoved(now);
   for (;;) {
-    if (!line_->mayRead(host_)) return pauseWith(bytes);
-    if (frames_.awaitsAdmission()) {
-      if (!line_->mayBeginFile(host_, now)) return pauseWith(bytes);
-      frames_.admitFile();
-    }
+    if (!mayGoOn(now)) return pauseWith(bytes);
+    frames_.admitFile();
     auto frame = frames_.take(bytes);
     if (frames_.isFaulty()) return end();
     if (frame) line_->take(host_, *std::move(frame), now);
     if (!frame && !frames_.awaitsAdmission()) return;
   }
+}
+
+bool HostSocket::mayGoOn(LineTime now) {
+  return line_->mayRead(host_) && (!frames_.awaitsAdmission() || line_->mayBeginFile(host_, now));
 }
 
 void HostSocket::pauseWith(ByteView rest) {
@@ -105,7 +106,7 @@ void HostSocket::pauseWith(ByteView rest) {
 void HostSocket::serve(LineTime now) {
   if (isGone()) return;
   if (line_->isCutOff(host_)) return end();
-  if (isPaused_) {
+  if (isPaused_ && mayGoOn(now)) {
     isPaused_ = false;
     const Bytes rest = std::exchange(rest_, {});
     cut(rest, now);

@@ -43,6 +43,7 @@ class HostSocket final : public std::enable_shared_from_this<HostSocket> {
   void readable();
   bool receive();
   void cut(ByteView bytes, LineTime now);
+  bool mayGoOn(LineTime now);
   void pauseWith(ByteView rest);
   void write();
   void waitToWrite();

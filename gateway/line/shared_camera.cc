@@ -13,7 +13,8 @@ namespace {
 
 using platform::StreamEvent;
 
-constexpr std::size_t kReadBuffer = 256 * 1024;             // as much as a socket holds
+constexpr std::size_t kReadBuffer = 256 * 1024;  // as much as a socket holds
+constexpr std::size_t kMostHosts = 256;
 constexpr int kReadsPerTurn = 8;                            // so that other cameras and hosts have theirs
 constexpr std::uint32_t kLongestFrame = 16u * 1024 * 1024;  // besides photos
 constexpr std::chrono::milliseconds kLookPeriod{500};
@@ -56,7 +57,7 @@ void SharedCamera::departed(const std::shared_ptr<platform::Accessory>& accessor
   if (accessory_ != accessory) return;
   accessory_ = nullptr;
   closeSession();
-  hosts_.clear();  // also those that still waited for frames
+  endHosts();  // also those that still waited for frames
   setState(LineState::absent);
 }
 
@@ -64,7 +65,7 @@ void SharedCamera::close() {
   isClosed_ = true;
   accessory_ = nullptr;
   closeSession();
-  hosts_.clear();
+  endHosts();
   timer_.cancel();
 }
 
@@ -107,7 +108,7 @@ void SharedCamera::closeSession() {
   if (session_) session_->letGo();
   session_.reset();
   if (!line_->hasFlowed()) return;
-  hosts_.clear();
+  endHosts();
   line_ = std::make_unique<CameraLine>();
 }
 
@@ -168,13 +169,18 @@ void SharedCamera::writeToCamera() {
 // -- The hosts
 
 void SharedCamera::admit(platform::UniqueDescriptor descriptor) {
-  if (isClosed_ || !accessory_) return;
+  if (isClosed_ || !accessory_ || hosts_.size() >= kMostHosts) return;
   const auto moved = [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->serveAll();
   };
   const auto host = std::make_shared<HostSocket>(std::move(descriptor), loop_, *line_, buffer_, moved);
   if (host->start()) hosts_.push_back(host);
   arm();
+}
+
+// A socket that waits is kept by its wait: it is told.
+void SharedCamera::endHosts() {
+  for (const auto& host : std::exchange(hosts_, {})) host->end();
 }
 
 // What one host brings may be for the camera and for others, and make room for a third.

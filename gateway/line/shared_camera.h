@@ -67,6 +67,7 @@ class SharedCamera final : public platform::StreamDelegate,
   void opened(std::unique_ptr<platform::AccessorySession> session);
   void closeSession();
   void reopen();
+  void endHosts();
   void read();
   void writeToCamera();
   void serveAll();

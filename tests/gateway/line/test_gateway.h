@@ -20,12 +20,13 @@ namespace zel::test {
 // A gateway without anything but its lines: answers the upgrade on its socket, and admits the connection.
 class TestGateway {
  public:
-  TestGateway(const std::string& bus, const std::string& camera = {}) {
+  explicit TestGateway(const std::string& bus, const std::string& camera = {},
+                       gateway::SharedLines::Observer* observer = nullptr) {
     std::string error;
+    socket_ = platform::GatewaySocket::listen(bus, error);
     lines_ = gateway::SharedLines::create(
         {.accessoriesFolder = bus, .program = "zelcam serve", .camera = camera, .warn = [](const std::string&) {}},
-        nullptr, error);
-    socket_ = platform::GatewaySocket::listen(bus, error);
+        observer, error);
     if (lines_ && socket_) thread_ = std::thread([this] { run(); });
   }
   ~TestGateway() {
