@@ -94,7 +94,10 @@ std::optional<ListenAddress> parseListenAddress(std::string_view text) {
   std::string_view host = text.substr(0, colon);
   const bool isBracketed = host.size() > 2 && host.front() == '[' && host.back() == ']';
   if (isBracketed) host = host.substr(1, host.size() - 2);
-  if (!port || host.empty() || (!isBracketed && host.find(':') != std::string_view::npos)) return std::nullopt;
+  const bool isBroken = host.find_first_of("[]") != std::string_view::npos;
+  if (!port || host.empty() || isBroken || (!isBracketed && host.find(':') != std::string_view::npos)) {
+    return std::nullopt;
+  }
   return ListenAddress{std::string(host), *port};
 }
 

@@ -18,6 +18,7 @@ void Worker::stop() {
     dropped.swap(tasks_);
   }
   changed_.notify_one();
+  dropped.clear();
   if (thread_.joinable()) thread_.join();
 }
 

@@ -73,7 +73,7 @@ def test_wrong_calls_are_told_apart(gateway):
 
 
 def test_a_camera_that_does_not_answer_is_a_timeout(attach, serve):
-    attach("--fault", "no-reply=0x4012")
+    attach("--fault", "no-reply=0x4001")
     gateway = serve("--timeout", "2")
     gateway.wait_for("E1A0001")
     answer = call(gateway, "queryCameraBattery")
