@@ -9,7 +9,7 @@ import sys
 from pathlib import Path
 
 CORE = ("base", "protocol", "link", "support", "capture", "media", "command", "live", "stack")
-PROGRAMS = ("simulator", "tools", "apps")
+PROGRAMS = ("simulator", "tools", "gateway", "apps")
 SOURCES = CORE + ("platform", "include") + PROGRAMS + ("tests", "bench", "fuzz", "examples")
 PUBLIC = "include/ZELTarkaSDK"
 PORTS = "include/ZELTarkaSDK/platform"
