@@ -35,7 +35,7 @@ class CameraLine final : RequestDesk::Owner {
   CameraLine() : desk_(*this) {}
 
   // -- The camera's side
-  // One whole frame. Units: the line's clock is that of `now`.
+  // One whole frame.
   void takeFrame(std::uint16_t type, ByteView payload, LineTime now);
   // The camera has become silent: no host is promised frames until the next one.
   void noteSilence() { flows_ = false; }

@@ -191,6 +191,7 @@ TEST_F(SharedLinesTest, EachCameraHasALineOfItsOwn) {
   syncedHost();
   const auto other = host("E1A0002");
   other->send(message(0x402E, kMarker));
+  EXPECT_EQ(other->reply(0xC02E), message(0xC02E, bytes({1})));
   other->send(message(0x4012));
   EXPECT_EQ(other->reply(0xC012), message(0xC012, join(bytes({1}), text("E1A0002"))));
 }
