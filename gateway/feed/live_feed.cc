@@ -61,8 +61,8 @@ std::optional<FeedPiece> LiveFeed::pieceOf(const MediaPacket& packet) {
   MediaPacket placed = packet;
   const std::int64_t shift = times_.shift();
   placed.time = times_.place(packet);
-  if (times_.shift() != shift || packet.discontinuity) isAnotherEpoch_ = true;
   const bool isPicture = packet.track == Track::video;
+  if (times_.shift() != shift || (isPicture && packet.discontinuity)) isAnotherEpoch_ = true;
   if (isPicture) noteArrival(placed);
   if (isPicture && packet.key && !beginGroup(placed)) return std::nullopt;
   if (!description_) return std::nullopt;
