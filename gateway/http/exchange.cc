@@ -7,7 +7,8 @@ namespace zel::gateway {
 Respond Exchange::responder() {
   // Shared by all copies of the function; its end is theirs.
   struct Answering {
-    std::shared_ptr<Exchange> exchange;
+    explicit Answering(std::shared_ptr<Exchange> one) : exchange(std::move(one)) {}
+    const std::shared_ptr<Exchange> exchange;
     ~Answering() { exchange->set(problem(500, "the request was dropped; the server's own words may say why")); }
   };
   const auto answering = std::make_shared<Answering>(shared_from_this());

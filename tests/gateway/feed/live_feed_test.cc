@@ -138,8 +138,8 @@ TEST_F(LiveFeedTest, AnotherConnectionIsToldWithAnotherEpoch) {
   EXPECT_THAT(timesOf(records), ElementsAre(0, 0, 40'000, 40'000, 40'000, 80'000));
   EXPECT_THAT(records[2].text(), HasSubstr(R"("epoch":65000000)"));
   EXPECT_EQ(records[3].flags, 3);
-  EXPECT_THAT(namesOfBoxes(readAll(*mp4)), ElementsAre("ftyp", "moov", "moof", "mdat", "moof", "mdat", "moof", "mdat",
-                                                       "moof", "mdat"));
+  EXPECT_THAT(namesOfBoxes(readAll(*mp4)),
+              ElementsAre("ftyp", "moov", "moof", "mdat", "moof", "mdat", "moof", "mdat", "moof", "mdat"));
 }
 
 TEST_F(LiveFeedTest, AnotherStreamGoesOnBehindTheOneBeforeForWhoStayed) {

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "gateway/api/camera_rows.h"
+#include "gateway/api/rows_of_cameras.h"
 #include "gateway/cameras/cameras.h"
 #include "simulator/camera_simulator.h"
 #include "tests/gateway/mqtt/broker.h"
@@ -36,8 +36,11 @@ class Machine {
     mqtt.firstWait = mqtt.longestWait = milliseconds(20);
     mqtt_ = Mqtt::start(std::move(mqtt), commandsOf(cameraRows(*cameras_, zel::test::kLimit)), error);
     EXPECT_TRUE(mqtt_) << error;
-    for (const auto& one : cameras_->all()) mqtt_->add(one);
+    EXPECT_TRUE(cameras_->begin([this](const auto& one) { mqtt_->add(one); }, error)) << error;
   }
+  ~Machine() { cameras_->stop(); }
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
 
   simulator::CameraSimulator& camera() { return *camera_; }
   const Mqtt& mqtt() const { return *mqtt_; }
