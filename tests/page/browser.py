@@ -162,11 +162,13 @@ class Browser:
         return self.js(f"(() => {{ const e = document.querySelector({json.dumps(selector)}); e.scrollIntoView({{block: 'nearest'}});"
                        "const r = e.getBoundingClientRect(); return [Math.round(r.x + r.width / 2), Math.round(r.y + r.height / 2)]; })()")
 
-    def click(self, selector):
+    def _reachable_middle(self, selector):
         x, y = self.middle_of(selector)
-        hit = self.js(f"(() => {{ const e = document.querySelector({json.dumps(selector)}); const h = document.elementFromPoint({x}, {y});"
-                      " return e === h || e.contains(h) || (h !== null && h.contains(e)); })()")
-        assert hit, f"{selector} is covered by something else"
+        reached = self.js(f"(() => {{ const h = document.elementFromPoint({x}, {y}); return h !== null && h.closest({json.dumps(selector)}) !== null; }})()")
+        return (x, y) if reached else None
+
+    def click(self, selector):
+        x, y = wait_for(lambda: self._reachable_middle(selector), f"{selector}, which must not be covered, in {self.name}")
         self._act({"type": "pointer", "id": "mouse", "actions": [
             {"type": "pointerMove", "x": x, "y": y}, {"type": "pointerDown", "button": 0}, {"type": "pointerUp", "button": 0}]})
 

@@ -68,6 +68,8 @@ def test_phone_turns_the_view(page):
 
 
 def test_full_screen(page):
+    if not page.js("document.hasFocus()"):
+        pytest.skip("without a window manager this browser's window has no focus, which full screen needs")
     page.click("#fullscreen")
     page.wait("document.fullscreenElement?.id === 'stage-frame'")
     page.click("#fullscreen")

@@ -4,7 +4,7 @@
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-export ZEL_PROGRAMS=$PWD/../../build/release/bin ZEL_CACHE=$PWD/../../build/release/cache
+export PYTHONDONTWRITEBYTECODE=1 ZEL_PROGRAMS=$PWD/../../build/release/bin ZEL_CACHE=$PWD/../../build/release/cache
 # Debian's own Python, because others do not find Debian's packages.
 look() {
   /usr/bin/python3 -m pytest -q -p no:cacheprovider -o python_files='*_test.py' -k "$@"
