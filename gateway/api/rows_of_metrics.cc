@@ -9,7 +9,7 @@ namespace zel::gateway {
 
 std::vector<Row> metricsRows(const Cameras& cameras,
                              std::function<std::vector<OutputStatus>(const HeldCamera&)> outputs) {
-  constexpr char kType[] = "text/plain; version=0.0.4; charset=utf-8";
+  static constexpr char kType[] = "text/plain; version=0.0.4; charset=utf-8";
   const auto show = [&cameras, outputs = std::move(outputs)](const RowCall&, const Respond& respond) {
     std::vector<CameraMetrics> all;
     for (const auto& one : cameras.all()) {
