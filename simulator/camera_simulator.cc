@@ -129,7 +129,7 @@ struct CameraSimulator::State final : CameraWorld, std::enable_shared_from_this<
   }
 
   void requestSeen(std::uint16_t code) {
-    ++requests;
+    if (code != kSyncData && code != kSyncTime) ++requests;
     if (!options.verbose) return;
     char line[sizeof "request 0x0000"];
     std::snprintf(line, sizeof line, "request 0x%04X", code);

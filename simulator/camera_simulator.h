@@ -49,6 +49,7 @@ class CameraSimulator {
   std::string storageFolder() const;
 
   int connections() const;
+  // Without those for the marker and for the clock, which a host's link sends by itself.
   int requests() const;
 
  private:
