@@ -28,10 +28,10 @@ def used() -> float:
 def pictures(width: int, height: int, rate: int, count: int, looks: bool) -> None:
     with Camera.open() as camera, camera.pictures(Format(width, height, rate)) as source:
         source.next(20)
-        begin, processor, brightness, first = time.perf_counter(), used(), 0, source.dropped
+        begin, processor, first = time.perf_counter(), used(), source.dropped
         if looks:
             for number, picture in enumerate(itertools.islice(source, count), 1):
-                brightness += int(numpy.asarray(picture.luma)[height // 2, width // 4])
+                numpy.asarray(picture.luma)[height // 2, width // 4]
                 if number * 10 % count == 0:
                     print(f"{number} pictures: {resident():.1f} MiB")
         else:

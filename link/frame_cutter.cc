@@ -61,9 +61,10 @@ void FrameCutter::cut(ByteView lastRead) {
   statistics_.bytesReceived.add(lastRead.size());
   if (lastRead.size() >= kShortRead && !needsMarker()) return cutInPlace(lastRead);
   // A short read is cheaper to copy than to take apart.
-  if (hold(lastRead) && (needsMarker() || !awaitsMore())) cutAppended();
+  if (hold(lastRead)) cutAppended();
 }
 
+// Apart from short reads, whose view then never has to be in memory.
 void FrameCutter::cutInPlace(ByteView lastRead) {
   if (!cutHeld() || !completeHeld(lastRead) || lastRead.empty()) return;
   if (const auto awaited = walk(lastRead); awaited && hold(lastRead)) buffer_.consume(0, *awaited);
