@@ -132,13 +132,11 @@ void HeldCamera::noteDetached() {
   tellLink();
 }
 
-// The bus and the link tell of a change each on a thread of its own; a status is told once.
+// The bus and the link tell of a change each on a thread of its own; a status is told once, and the newest last.
 void HeldCamera::tellLink() {
+  const std::lock_guard telling(telling_);
   const CameraStatus now = status();
-  {
-    const std::lock_guard lock(mutex_);
-    if (std::exchange(told_, now) == now) return;
-  }
+  if (std::exchange(told_, now) == now) return;
   notices_.post({Notice::Kind::link, {{"status", toString(now)}}});
 }
 

@@ -54,8 +54,9 @@ void HostSocket::end() {
 void HostSocket::waitToRead() {
   const bool waits = hasMemoryFor([this] {
     socket_.async_wait(asio::posix::stream_descriptor::wait_read,
-                       loop_->handler([self = shared_from_this()](const std::error_code& error) {
-                         if (self->isGone()) return;
+                       loop_->handler([weak = weak_from_this()](const std::error_code& error) {
+                         const auto self = weak.lock();
+                         if (!self || self->isGone()) return;
                          if (error) self->end();
                          self->readable();
                        }));
@@ -143,8 +144,9 @@ void HostSocket::write() {
 void HostSocket::waitToWrite() {
   isWriting_ = hasMemoryFor([this] {
     socket_.async_wait(asio::posix::stream_descriptor::wait_write,
-                       loop_->handler([self = shared_from_this()](const std::error_code& error) {
-                         if (self->isGone()) return;
+                       loop_->handler([weak = weak_from_this()](const std::error_code& error) {
+                         const auto self = weak.lock();
+                         if (!self || self->isGone()) return;
                          self->isWriting_ = false;
                          if (error) self->end();
                          const auto moved = self->moved_;

@@ -92,13 +92,21 @@ void raiseFileLimit() {
   ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
+std::string listenText(const Values& values) {
+  return values.has("--listen") ? values.text("--listen") : std::string(kUsualAddress);
+}
+
+// What is wrong with the options, looked at before anything is made of them.
+std::optional<std::string> faultOf(const Values& values) {
+  if (const std::string text = listenText(values); !parseListenAddress(text))
+    return fmt::format("--listen takes an address and a port, such as {}, not \"{}\"", kUsualAddress, text);
+  if (values.has("--mqtt") && !parseMqttAddress(values.text("--mqtt"))) return kMqttUsage;
+  return std::nullopt;
+}
+
 std::optional<Listener> listenerFor(const Values& values, InheritedSockets& inherited, std::string& fault) {
   if (inherited.listener) return std::move(inherited.listener);
-  const std::string text = values.has("--listen") ? values.text("--listen") : std::string(kUsualAddress);
-  const auto address = parseListenAddress(text);
-  if (address) return listenAt(*address, fault);
-  fault = fmt::format("--listen takes an address and a port, such as {}, not \"{}\"", kUsualAddress, text);
-  return std::nullopt;
+  return listenAt(*parseListenAddress(listenText(values)), fault);
 }
 
 // Empty: none is needed.
@@ -264,14 +272,9 @@ int makeParts(const Settings& settings, const Values& values, std::chrono::milli
   if (!parts.cameras) return kNoCamera;
 
   parts.desk = deskFor(settings, values, mediaPath(values));
-  if (values.has("--mqtt")) {
-    const auto broker = parseMqttAddress(values.text("--mqtt"));
-    if (!broker) {
-      fault = kMqttUsage;
-      return kWrongUsage;
-    }
-    parts.mqtt = Mqtt::Options{.address = *broker, .gateway = {}, .tell = sayForServe};
-  }
+  if (values.has("--mqtt"))
+    parts.mqtt =
+        Mqtt::Options{.address = *parseMqttAddress(values.text("--mqtt")), .gateway = {}, .tell = sayForServe};
   return kDone;
 }
 
@@ -281,6 +284,7 @@ int runServe(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
   const Values& values = invocation.values;
   hearInterrupts();
+  if (const auto wrong = faultOf(values)) return complain(kWrongUsage, "serve", *wrong);
   raiseFileLimit();
   std::string fault;
   InheritedSockets inherited = takeInheritedSockets();

@@ -39,5 +39,14 @@ TEST_F(SharedCameraTest, PlaysWhileAnotherProgramStreams) {
   EXPECT_TRUE(eventually([&] { return figure(*source, "pictures") > before + 5; }));
 }
 
+TEST_F(SharedCameraTest, DirectNeverGoesThroughAGateway) {
+  const auto camera = start(simulatorProgram(), {"--accessories", bus()});
+  ASSERT_TRUE(camera->waitForOutput("is attached"));
+  const auto gateway = start(TEST_GATEWAY_PROGRAM, {bus()});
+  ASSERT_TRUE(gateway->waitForOutput("has E1A0001"));
+  play("zelcamsrc direct=true ! fakesink");
+  EXPECT_THAT(end(), testing::StartsWith("camera E1A0001 is in use by process"));
+}
+
 }  // namespace
 }  // namespace zel::test

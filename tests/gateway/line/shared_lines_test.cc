@@ -214,7 +214,7 @@ TEST_F(SharedLinesTest, ACameraThatDoesNotAnswerTheMarkerPromisesNothing) {
   share();
   const auto one = host();
   one->send(message(0x402E, kMarker));
-  EXPECT_TRUE(eventually([&] { return simulators_[0]->requests() >= 2; }));
+  EXPECT_TRUE(eventually([&] { return simulators_[0]->connections() >= 2; })) << "it has been asked, and given up";
   EXPECT_EQ(gateway_->lines().cameras().at(0).state, gateway::LineState::opening);
 }
 

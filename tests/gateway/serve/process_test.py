@@ -14,12 +14,13 @@ import pytest
 from conftest import PATIENCE, ZELCAM, Gateway, wait_until
 
 SOURCE = Path(os.environ["SOURCE_FOLDER"])
+REFUSED, WRONG_USAGE = 1, 2
 
 
-def fails(tmp_path, *arguments, environment=None):
+def fails(tmp_path, status, *arguments, environment=None):
     done = subprocess.run([ZELCAM, "--accessories", str(tmp_path / "bus"), "serve", *arguments], capture_output=True, text=True,
                           timeout=PATIENCE, env={**os.environ, "XDG_DATA_HOME": str(tmp_path / "data"), **(environment or {})}, check=False)
-    assert done.returncode not in (0, 130)
+    assert done.returncode == status
     assert done.stdout == ""
     return done.stderr
 
@@ -46,15 +47,17 @@ def test_it_ends_while_a_photo_is_taken(attach, serve):
 
 def test_a_port_that_is_taken_is_named(tmp_path, serve):
     one = serve()
-    error = fails(tmp_path, "--listen", f"127.0.0.1:{one.port}")
+    error = fails(tmp_path, REFUSED, "--listen", f"127.0.0.1:{one.port}")
     assert f"127.0.0.1:{one.port} is taken by another program" in error
 
 
 def test_what_cannot_be_used_is_named(tmp_path):
     (tmp_path / "file").write_text("")
-    assert "--listen takes an address and a port" in fails(tmp_path, "--listen", "nowhere")
-    assert "it is empty" in fails(tmp_path, "--listen", "127.0.0.1:0", "--token-file", str(tmp_path / "file"))
-    assert str(tmp_path / "file") in fails(tmp_path, "--listen", "127.0.0.1:0", "--media", str(tmp_path / "file" / "x"))
+    for address in ("nowhere", "127.0.0.1", "127.0.0.1:65536", ":1", ""):
+        assert "--listen takes an address and a port" in fails(tmp_path, WRONG_USAGE, "--listen", address)
+    assert "--mqtt takes an address" in fails(tmp_path, WRONG_USAGE, "--listen", "127.0.0.1:0", "--mqtt", "http://broker")
+    assert "it is empty" in fails(tmp_path, WRONG_USAGE, "--listen", "127.0.0.1:0", "--token-file", str(tmp_path / "file"))
+    assert str(tmp_path / "file") in fails(tmp_path, REFUSED, "--listen", "127.0.0.1:0", "--media", str(tmp_path / "file" / "x"))
 
 
 def test_an_address_for_everybody_needs_a_token(tmp_path, attach):
