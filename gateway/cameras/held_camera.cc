@@ -110,7 +110,9 @@ void HeldCamera::opened(const Result<void>& result) {
 
 CameraSummary HeldCamera::summary() const {
   const std::lock_guard lock(mutex_);
-  return {serialNumber_, name_, firmware_, cameraStatusOf(camera_.linkStatus(), isAttached_), user_};
+  const CameraStatus status = cameraStatusOf(camera_.linkStatus(), isAttached_);
+  // Frames arrive a moment before the wait for the camera ends, which knew who had it.
+  return {serialNumber_, name_, firmware_, status, status == CameraStatus::streaming ? std::nullopt : user_};
 }
 
 void HeldCamera::noteAttached(const std::string& name, const std::string& firmware) {

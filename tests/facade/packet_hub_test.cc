@@ -24,8 +24,7 @@ std::shared_ptr<State> subscription(std::size_t capacity, Drop drop = Drop::olde
 
 // A row of packets: K a key picture, p any other picture, s sound. Their times are their places.
 void publish(PacketHub& hub, const std::string& row, std::int64_t from = 0) {
-  for (const char one : row)
-    hub.publish({one == 's' ? Track::audio : Track::video, one == 'K', from++, {}, {}});
+  for (const char one : row) hub.publish({one == 's' ? Track::audio : Track::video, one == 'K', from++, {}, {}});
 }
 
 // The times of what waits, each followed by a comma.

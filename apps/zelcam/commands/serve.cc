@@ -273,8 +273,7 @@ int makeParts(const Settings& settings, const Values& values, std::chrono::milli
 
   parts.desk = deskFor(settings, values, mediaPath(values));
   if (values.has("--mqtt"))
-    parts.mqtt =
-        Mqtt::Options{.address = *parseMqttAddress(values.text("--mqtt")), .gateway = {}, .tell = sayForServe};
+    parts.mqtt = Mqtt::Options{.address = *parseMqttAddress(values.text("--mqtt")), .gateway = {}, .tell = sayForServe};
   return kDone;
 }
 
