@@ -56,6 +56,8 @@ def test_finger_turns(page):
 def test_phone_turns_the_view(page):
     if page.name != "chromium":
         pytest.skip("only Chromium imitates a phone's sensors")
+    page.drag((300, 200), (300, 260))
+    page.wait("document.querySelector('#compass').textContent !== '0° 0°'")
     page.click("#phone")
     page.wait("document.querySelector('#phone').getAttribute('aria-pressed') === 'true'")
     page.devtools("DeviceOrientation.setDeviceOrientationOverride", alpha=0, beta=90, gamma=0)
@@ -130,12 +132,13 @@ def test_self_timer_counts_and_can_be_stopped(page):
 
 
 def test_recording_with_its_time_and_what_is_left(page):
+    its_time = r"/^\d+:\d\d, \d+:\d\d/.test(document.querySelector('#recording span').textContent)"
     page.click("#record")
-    page.wait(r"/^\d+:\d\d, \d+:\d\d/.test(document.querySelector('#recording span').textContent)")
+    page.wait(its_time)
     page.click("#record")
     page.wait("document.querySelector('#recording').hidden && document.querySelector('#toasts').textContent.includes('VID_')")
     page.click("#record")
-    page.wait("!document.querySelector('#recording').hidden")
+    page.wait(f"!document.querySelector('#recording').hidden && {its_time}")
     page.click("#record-cancel")
     page.click("#question [value=yes]")
     page.wait("document.querySelector('#recording').hidden")
