@@ -40,7 +40,7 @@ Camera::~Camera() {
 }
 
 std::shared_ptr<const ZELAccessoryInfo> Camera::info() const {
-  return core_ ? core_->stack().accessory().accessoryInfo() : nullptr;
+  return core_ ? core_->info() : nullptr;
 }
 LinkStatus Camera::linkStatus() const { return core_ ? core_->stack().accessory().linkStatus() : LinkStatus::closed; }
 LinkStatistics Camera::statistics() const { return core_ ? core_->stack().statistics() : LinkStatistics{}; }

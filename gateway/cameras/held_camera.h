@@ -63,8 +63,8 @@ class HeldCamera {
   std::string name_, firmware_;
   bool isAttached_ = false, isOpening_ = false;
   std::optional<std::string> user_;
-  std::mutex telling_;                // held while a status is told
-  std::optional<CameraStatus> told_;  // by who holds telling_
+  std::mutex telling_;                      // held while a status is told
+  std::optional<CameraStatus> told_;        // by who holds telling_
   std::optional<CameraStatistics> before_;  // of a second ago
   std::weak_ptr<HeldCamera> self_;
   std::shared_ptr<Receiver> receiver_;
