@@ -3,7 +3,7 @@
 
 import { kUnchanged } from "./colour.js";
 import { kRimMargin } from "./lens.js";
-import { kCellPixels, kFragmentShader, kVertexShader, Mapping, Planes, Projections } from "./shaders.js";
+import { fragmentShader, kCellPixels, kVertexShader, Mapping, Planes, Projections } from "./shaders.js";
 
 const kLongestDrawing = 2000; // milliseconds that are waited for
 
@@ -15,13 +15,24 @@ function compiled(gl, kind, source) {
   return shader;
 }
 
-function linked(gl) {
+const kCornerAttribute = 0;
+
+// A program for pictures of that kind, and where its uniforms are.
+function linked(gl, planes, mapping) {
   const program = gl.createProgram();
   gl.attachShader(program, compiled(gl, gl.VERTEX_SHADER, kVertexShader));
-  gl.attachShader(program, compiled(gl, gl.FRAGMENT_SHADER, kFragmentShader));
+  gl.attachShader(program, compiled(gl, gl.FRAGMENT_SHADER, fragmentShader(planes, mapping)));
+  gl.bindAttribLocation(program, kCornerAttribute, "corner");
   gl.linkProgram(program);
   if (!gl.getProgramParameter(program, gl.LINK_STATUS) && !gl.isContextLost()) throw new Error(gl.getProgramInfoLog(program));
-  return program;
+  const uniforms = new Map();
+  for (let at = 0; at < gl.getProgramParameter(program, gl.ACTIVE_UNIFORMS); ++at) {
+    const { name } = gl.getActiveUniform(program, at);
+    uniforms.set(name.replace("[0]", ""), gl.getUniformLocation(program, name));
+  }
+  gl.useProgram(program);
+  ["first", "second", "third"].forEach((name, unit) => gl.uniform1i(uniforms.get(name) ?? null, unit));
+  return { program, place: (name) => uniforms.get(name) ?? null };
 }
 
 function texture(gl, unit) {
@@ -56,7 +67,10 @@ function meshOf(width, height) {
 
 export class Renderer {
   #gl;
-  #uniforms = new Map();
+  #programs = new Map(); // by the kind of picture
+  #lens = null;
+  #gains = [1, 1];
+  #colour = kUnchanged;
   #textures;
   #mesh = { width: 0, height: 0, count: 0 };
   #planes = Planes.rgb;
@@ -66,29 +80,22 @@ export class Renderer {
     const gl = canvas.getContext("webgl2", { alpha: false, antialias: false, depth: false, preserveDrawingBuffer: true });
     if (!gl) throw new Error("WebGL 2 is missing");
     this.#gl = gl;
-    const program = linked(gl);
-    gl.useProgram(program);
-    for (let at = 0; at < gl.getProgramParameter(program, gl.ACTIVE_UNIFORMS); ++at) {
-      const { name } = gl.getActiveUniform(program, at);
-      this.#uniforms.set(name.replace("[0]", ""), gl.getUniformLocation(program, name));
-    }
     gl.pixelStorei(gl.UNPACK_ALIGNMENT, 1);
     gl.pixelStorei(gl.UNPACK_COLORSPACE_CONVERSION_WEBGL, gl.NONE);
     this.#textures = [0, 1, 2].map((unit) => texture(gl, unit));
-    this.#prepare(program);
-  }
-
-  #prepare(program) {
-    const gl = this.#gl;
     gl.bindBuffer(gl.ARRAY_BUFFER, gl.createBuffer());
     gl.bindBuffer(gl.ELEMENT_ARRAY_BUFFER, gl.createBuffer());
-    const corner = gl.getAttribLocation(program, "corner");
-    gl.enableVertexAttribArray(corner);
-    gl.vertexAttribPointer(corner, 2, gl.FLOAT, false, 0, 0);
-    ["first", "second", "third"].forEach((name, unit) => gl.uniform1i(this.#uniforms.get(name), unit));
-    this.setColour(kUnchanged);
-    this.setGains([1, 1]);
-    this.setLens(null);
+    gl.enableVertexAttribArray(kCornerAttribute);
+    gl.vertexAttribPointer(kCornerAttribute, 2, gl.FLOAT, false, 0, 0);
+    this.#useProgram(Mapping.lenses); // so that shaders that a browser refuses are told at once
+  }
+
+  #useProgram(mapping) {
+    const key = `${this.#planes} ${mapping}`;
+    if (!this.#programs.has(key)) this.#programs.set(key, linked(this.#gl, this.#planes, mapping));
+    const made = this.#programs.get(key);
+    this.#gl.useProgram(made.program);
+    return made.place;
   }
 
   isLost() {
@@ -97,22 +104,26 @@ export class Renderer {
 
   // lens: of parseOffset(), or null.
   setLens(lens) {
-    const gl = this.#gl;
-    const lenses = lens?.lenses ?? [];
-    const both = [0, 1].map((at) => lenses[at] ?? { axes: [[1, 0, 0], [0, 1, 0], [0, 0, 1]], centre: [0, 0], scale: [0, 0] });
-    gl.uniform1i(this.#uniforms.get("lensCount"), lenses.length);
-    gl.uniformMatrix3fv(this.#uniforms.get("axes"), false, both.flatMap(({ axes }) => axes.flat()));
-    gl.uniform4fv(this.#uniforms.get("places"), both.flatMap(({ centre, scale }) => [...centre, ...scale]));
-    gl.uniform1f(this.#uniforms.get("rim"), lens ? lens.fieldOfView / 2 - kRimMargin : 0);
+    this.#lens = lens;
   }
 
   setGains(gains) {
-    this.#gl.uniform2fv(this.#uniforms.get("gains"), gains);
+    this.#gains = gains;
   }
 
-  setColour({ matrix, shift }) {
-    this.#gl.uniformMatrix3fv(this.#uniforms.get("colour"), false, matrix);
-    this.#gl.uniform3fv(this.#uniforms.get("shift"), shift);
+  setColour(colour) {
+    this.#colour = colour;
+  }
+
+  #giveLens(place) {
+    const gl = this.#gl;
+    const lenses = this.#lens?.lenses ?? [];
+    const both = [0, 1].map((at) => lenses[at] ?? { axes: [[1, 0, 0], [0, 1, 0], [0, 0, 1]], centre: [0, 0], scale: [0, 0] });
+    gl.uniform1i(place("lensCount"), lenses.length);
+    gl.uniformMatrix3fv(place("axes"), false, both.flatMap(({ axes }) => axes.flat()));
+    gl.uniform4fv(place("places"), both.flatMap(({ centre, scale }) => [...centre, ...scale]));
+    gl.uniform1f(place("rim"), this.#lens ? this.#lens.fieldOfView / 2 - kRimMargin : 0);
+    gl.uniform2fv(place("gains"), this.#gains);
   }
 
   // Takes a picture's planes, as VideoFrame.copyTo() lays them out. format: I420 or NV12.
@@ -159,12 +170,14 @@ export class Renderer {
     const gl = this.#gl;
     this.#useMesh(width, height);
     gl.viewport(0, 0, width, height);
-    gl.uniform1i(this.#uniforms.get("projection"), Projections[shape.projection]);
-    gl.uniform1i(this.#uniforms.get("mapping"), shape.projection === "lenses" ? Mapping.picture : mapping);
-    gl.uniform1i(this.#uniforms.get("planes"), this.#planes);
-    gl.uniformMatrix3fv(this.#uniforms.get("turn"), false, shape.turn);
-    gl.uniform2fv(this.#uniforms.get("reach"), shape.reach);
-    gl.uniform2fv(this.#uniforms.get("from"), shape.from);
+    const place = this.#useProgram(shape.projection === "lenses" ? Mapping.picture : mapping);
+    this.#giveLens(place);
+    gl.uniformMatrix3fv(place("colour"), false, this.#colour.matrix);
+    gl.uniform3fv(place("shift"), this.#colour.shift);
+    gl.uniform1i(place("projection"), Projections[shape.projection]);
+    gl.uniformMatrix3fv(place("turn"), false, shape.turn);
+    gl.uniform2fv(place("reach"), shape.reach);
+    gl.uniform2fv(place("from"), shape.from);
     gl.drawElements(gl.TRIANGLES, this.#mesh.count, gl.UNSIGNED_INT, 0);
   }
 

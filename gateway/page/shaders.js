@@ -1,4 +1,4 @@
-// The drawing's two programs. The trigonometry is done at the corners of cells of 8 pixels and interpolated between them,
+// The drawing's shaders. The trigonometry is done at the corners of cells of 8 pixels and interpolated between them,
 // which is as exact as a picture can show, and takes a third less time than for each pixel.
 
 export const kCellPixels = 8;
@@ -47,13 +47,16 @@ void main() {
   gl_Position = vec4(corner, 0.0, 1.0);
 }`;
 
-export const kFragmentShader = `#version 300 es
+// For one kind of picture each: without a GPU, every branch of a shader is computed for every pixel.
+export const fragmentShader = (planes, mapping) => `#version 300 es
+#define PLANES ${planes}
+#define MAPPING ${mapping}
 precision highp float;
 precision highp int;
 in vec2 sight0, sight1, angles, flatPlace, picturePlace;
 in vec3 direction;
 uniform sampler2D first, second, third;
-uniform int planes, mapping, projection, lensCount;
+uniform int projection, lensCount;
 uniform mat3 colour;
 uniform vec3 shift;
 uniform vec2 gains;
@@ -61,9 +64,13 @@ uniform float rim;       // degrees from a lens's axis up to which it is used
 out vec4 pixel;
 
 vec3 sampleAt(vec2 place) {
-  if (planes == 0) return vec3(texture(first, place).r, texture(second, place).r, texture(third, place).r);
-  if (planes == 1) return vec3(texture(first, place).r, texture(second, place).rg);
+#if PLANES == 0
+  return vec3(texture(first, place).r, texture(second, place).r, texture(third, place).r);
+#elif PLANES == 1
+  return vec3(texture(first, place).r, texture(second, place).rg);
+#else
   return texture(first, place).rgb;
+#endif
 }
 
 vec3 colourAt(vec2 place) { return colour * sampleAt(place) + shift; }
@@ -94,10 +101,12 @@ vec3 unwrapped() {
 void main() {
   pixel = vec4(0.0, 0.0, 0.0, 1.0);
   if (projection == 2 && (abs(flatPlace.x) > 3.1416 || abs(flatPlace.y) > 1.5708)) return;
-  if (mapping == 2) {
-    if (any(lessThan(picturePlace, vec2(0.0))) || any(greaterThan(picturePlace, vec2(1.0)))) return;
-    pixel.rgb = colourAt(picturePlace);
-  } else {
-    pixel.rgb = mapping == 1 ? unwrapped() : stitched();
-  }
+#if MAPPING == 2
+  if (any(lessThan(picturePlace, vec2(0.0))) || any(greaterThan(picturePlace, vec2(1.0)))) return;
+  pixel.rgb = colourAt(picturePlace);
+#elif MAPPING == 1
+  pixel.rgb = unwrapped();
+#else
+  pixel.rgb = stitched();
+#endif
 }`;
