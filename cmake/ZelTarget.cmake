@@ -66,9 +66,13 @@ function(zel_folder)
   endif()
 endfunction()
 
-# The name of a folder's library: platform/linux is zel_linux.
+# The name of a folder's library: platform/linux is zel_linux. One that bears the name of a folder of the ground floor
+# has its whole path: gateway/outputs is zel_gateway_outputs.
 function(zel_library_of folder result)
   get_filename_component(name ${folder} NAME)
+  if(NOT name STREQUAL folder AND IS_DIRECTORY ${PROJECT_SOURCE_DIR}/${name})
+    string(REPLACE "/" "_" name ${folder})
+  endif()
   set(${result} zel_${name} PARENT_SCOPE)
 endfunction()
 

@@ -39,9 +39,7 @@ Camera::~Camera() {
   if (core_) core_->close();
 }
 
-std::shared_ptr<const ZELAccessoryInfo> Camera::info() const {
-  return core_ ? core_->stack().accessory().accessoryInfo() : nullptr;
-}
+std::shared_ptr<const ZELAccessoryInfo> Camera::info() const { return core_ ? core_->info() : nullptr; }
 LinkStatus Camera::linkStatus() const { return core_ ? core_->stack().accessory().linkStatus() : LinkStatus::closed; }
 LinkStatistics Camera::statistics() const { return core_ ? core_->stack().statistics() : LinkStatistics{}; }
 CameraStatistics Camera::allStatistics() const {

@@ -131,7 +131,16 @@ void CameraCore::findCamera() {
   if (!std::exchange(isLooking_, true)) look();
 }
 
+// The accessory forgets it with the session.
+std::shared_ptr<const ZELAccessoryInfo> CameraCore::info() {
+  return info_.with([this](std::shared_ptr<const ZELAccessoryInfo>& known) {
+    if (auto now = stack_->accessory().accessoryInfo()) known = std::move(now);
+    return known;
+  });
+}
+
 void CameraCore::statusChanged(LinkStatus status) {
+  if (status == LinkStatus::flowing) static_cast<void>(info());
   linkChanges.publish(status);
   ifMemoryAllows([this, status] {
     callbacks_->postToMain([self = shared_from_this(), status] {

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/shared_value.h"
 #include "facade/callback_queue.h"
 #include "facade/camera_host.h"
 #include "facade/deadlines.h"
@@ -56,6 +57,8 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   // Makes the call with the stack. False once the camera is closed. The call must not wait, and must not call the host.
   bool withStack(const std::function<void(CameraStack&)>& call);
   CameraStack& stack() { return *stack_; }
+  // Who the camera is, or was at its latest connection; null before the first.
+  std::shared_ptr<const ZELAccessoryInfo> info();
 
   const std::shared_ptr<CallbackQueue>& callbacks() const { return callbacks_; }
   const std::shared_ptr<Deadlines>& deadlines() const { return deadlines_; }
@@ -116,6 +119,7 @@ class CameraCore final : public detail::Patience, public std::enable_shared_from
   const std::shared_ptr<Preview> preview_;
   Hub<CameraStatistics> statisticsTakers_;
   Observation statusObservation_;
+  Guarded<std::shared_ptr<const ZELAccessoryInfo>> info_;  // of the latest connection
 
   std::mutex mutex_;
   std::condition_variable unused_;

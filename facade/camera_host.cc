@@ -66,7 +66,8 @@ std::unique_ptr<CameraHost> CameraHost::create(const CameraOptions& options,
                                         .warn = options.warn,
                                         .inUse = std::move(inUse),
                                         .program = options.program,
-                                        .keepCameras = true},
+                                        .keepCameras = true,
+                                        .direct = options.direct},
                                        error);
   if (!own.platform) return nullptr;
   const auto& ofPictures = options.warnOfPictures ? options.warnOfPictures : options.warn;

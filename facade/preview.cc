@@ -48,7 +48,7 @@ std::shared_ptr<detail::SubscriptionState<Picture>> Preview::look(const PictureO
   pictures_.add(state);
   core_.decoders()->look();
   resolution_ = options.resolution;
-  if (++lookers_ == 1 && !stream_) startOwn();
+  if (++lookers_ == 1 && !stream_ && canBegin()) startOwn();
   return state;
 }
 
@@ -100,7 +100,7 @@ std::optional<CameraError> Preview::begin(const std::shared_ptr<StreamRun>& run)
   if (isStitched) core_.decoders()->look();
   resolution_ = run->options().resolution;
   stream_ = run;
-  core_.withStack([&](CameraStack& stack) { run->startRun(stack); });
+  if (canBegin()) core_.withStack([&](CameraStack& stack) { run->startRun(stack); });
   return std::nullopt;
 }
 
@@ -112,8 +112,8 @@ void Preview::end(const StreamRun& run) {
   past_ = sum(past_, ended->statistics().preview);
   if (closed_) return;
   if (ended->options().stitched) core_.decoders()->lookAway();
-  if (lookers_ > 0) return startOwn();
-  resolution_.reset();
+  if (lookers_ == 0) return resolution_.reset();
+  if (canBegin()) startOwn();
 }
 
 std::pair<PreviewStatistics, std::optional<EncodedStreamStatistics>> Preview::statistics() {
@@ -127,9 +127,18 @@ std::pair<PreviewStatistics, std::optional<EncodedStreamStatistics>> Preview::st
 
 // -- The link and the end
 
+// Before the first frame the camera takes no requests, or its answers come in front of the marker. What cannot begin
+// yet begins with the first frame.
+bool Preview::canBegin() {
+  const bool isNew = link_ == LinkStatus::closed || link_ == LinkStatus::open;
+  if (isNew) isLost_ = true;
+  return !isNew;
+}
+
 void Preview::linkChanged(LinkStatus status) {
   const std::lock_guard lock(mutex_);
   if (closed_) return;
+  link_ = status;
   // The camera has forgotten its preview with the session: also where another one was opened at once.
   const bool isNew = status == LinkStatus::closed || status == LinkStatus::open;
   if (isNew && resolution_ && !std::exchange(isLost_, true) && stream_) stream_->lost();

@@ -51,6 +51,7 @@ class Preview final : public ZELPixelBufferDataProtocol, public std::enable_shar
 
  private:
   void lookAway();
+  bool canBegin();
   void startOwn();
   void stopOwn();
   std::optional<CameraError> conflict(std::uint8_t resolution) const;
@@ -62,8 +63,9 @@ class Preview final : public ZELPixelBufferDataProtocol, public std::enable_shar
   std::optional<std::uint8_t> resolution_;    // nobody needs the preview: nothing
   std::shared_ptr<ZELPreviewPlayer> player_;  // while there is no stream
   std::shared_ptr<StreamRun> stream_;
-  PreviewStatistics past_;  // of those that have ended
-  bool isLost_ = false;     // the camera, since the preview began
+  PreviewStatistics past_;                // of those that have ended
+  LinkStatus link_ = LinkStatus::closed;  // as last told
+  bool isLost_ = false;                   // what is wanted begins, or begins again, with the next first frame
   std::optional<CameraError> closed_;
 };
 

@@ -131,13 +131,10 @@ void StreamRun::tellFailure() {
 void StreamRun::endFor(const CameraError& why) {
   packets_.end(why);
   problems_.end(why);
-  std::vector<std::shared_ptr<detail::SubscriptionState<MediaPacket>>> waiting;
   {
     const std::lock_guard lock(mutex_);
     if (!end_) end_ = why;
-    waiting.swap(waitForKey_);
   }
-  for (const auto& one : waiting) one->end(why);
   if (const auto starting = takeStarting()) starting->set(why);
 }
 
@@ -166,14 +163,6 @@ void StreamRun::onHeaders(const StreamHeaders& headers) {
 }
 
 void StreamRun::onPacket(const MediaPacket& packet) {
-  if (packet.key && packet.track == Track::video) {
-    decltype(waitForKey_) ready;
-    {
-      const std::lock_guard lock(mutex_);
-      ready.swap(waitForKey_);
-    }
-    for (const auto& one : ready) packets_.add(one);
-  }
   outputs_.onPacket(packet);
   packets_.publish(packet);
   if (!isStarting_.exchange(false)) return;
@@ -199,15 +188,8 @@ StreamHeaders StreamRun::headers() const {
 
 std::shared_ptr<detail::SubscriptionState<MediaPacket>> StreamRun::packets(const SubscriptionOptions& options) {
   auto state = subscription<MediaPacket>(options);
-  if (const auto why = addWaiting(state)) state->end(*why);
+  packets_.add(state);
   return state;
-}
-
-// Why nothing follows for it, where that is so.
-std::optional<CameraError> StreamRun::addWaiting(const std::shared_ptr<detail::SubscriptionState<MediaPacket>>& state) {
-  const std::lock_guard lock(mutex_);
-  if (!end_) waitForKey_.push_back(state);
-  return end_;
 }
 
 std::optional<CameraError> StreamRun::end() const {

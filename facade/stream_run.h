@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "facade/hub.h"
+#include "facade/packet_hub.h"
 
 namespace zel {
 
@@ -70,7 +71,6 @@ class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_
   CameraError whyNothingCame() const;
   std::shared_ptr<detail::PendingState<CameraStream>> takeStarting();
   void postToMain(std::function<void()> call);
-  std::optional<CameraError> addWaiting(const std::shared_ptr<detail::SubscriptionState<MediaPacket>>& state);
   template <class T>
   std::shared_ptr<detail::SubscriptionState<T>> subscription(const SubscriptionOptions& options);
 
@@ -78,12 +78,11 @@ class StreamRun final : public EncodedStreamReceiver, public std::enable_shared_
   const StreamOptions options_;
   Outputs outputs_;
   EncodedStream stream_;
-  Hub<MediaPacket> packets_;
+  PacketHub packets_;
   Hub<StreamProblem> problems_;
   std::atomic<bool> isStarting_ = true;  // until the first packet
   mutable std::mutex mutex_;
   StreamHeaders headers_;
-  std::vector<std::shared_ptr<detail::SubscriptionState<MediaPacket>>> waitForKey_;
   std::shared_ptr<detail::PendingState<CameraStream>> starting_;
   std::shared_ptr<void> startWatch_;
   std::optional<CameraError> end_;

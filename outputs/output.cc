@@ -179,6 +179,7 @@ bool Output::waitBeforeRetry(const std::string& fault) {
   rules_.tell(fmt::format("{}; trying again in {:.1f} s ({} of {})", fault, *wait, policy_.attempt(), policy_.most()));
   lock.lock();
   changed_.wait_for(lock, std::chrono::duration<double>(*wait), [this] { return finishing_; });
+  if (!finishing_) ++report_.retries;
   return !finishing_;
 }
 

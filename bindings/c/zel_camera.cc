@@ -47,6 +47,7 @@ CameraOptions optionsOf(const zel_options& given, const std::shared_ptr<Dispatch
   if (dispatcher) options.executor = [dispatcher](std::function<void()> call) { dispatcher->post(std::move(call)); };
   options.accessoriesFolder = someTextIn(given.accessories_folder);
   options.program = someTextIn(given.program);
+  options.direct = given.direct != 0;
   if (given.decoder_threads < 0) refuse("there are no threads below 0");
   if (given.decoder_threads > 0) options.decoderThreads = given.decoder_threads;
   options.warn = log;

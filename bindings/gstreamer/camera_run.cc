@@ -63,6 +63,7 @@ std::optional<CameraError> CameraRun::open(const std::stop_token& stop) {
   options.serialNumber = settings_.serialNumber;
   options.openTimeLimit = milliseconds(settings_.openTimeout);
   options.accessoriesFolder = settings_.folder;
+  options.direct = settings_.direct;
   options.program = "zelcamsrc";
   options.decoderThreads = static_cast<int>(settings_.decoderThreads);
   options.warn = [this](const std::string& words) { postWarning(element_, words); };

@@ -11,6 +11,7 @@ namespace {
 enum Number : guint {
   kSerialNumber = 1,
   kFolder,
+  kDirect,
   kOutput,
   kResolution,
   kWidth,
@@ -80,6 +81,10 @@ void installCamera(GObjectClass& type) {
   add(kFolder,
       g_param_spec_string("folder", "Folder",
                           "Folder of the accessory bus; empty takes $ZEL_ACCESSORIES or its default", "", kReadWrite));
+  add(kDirect, g_param_spec_boolean("direct", "Direct",
+                                    "Whether the camera is opened by this process alone, never through a gateway that "
+                                    "has it",
+                                    FALSE, kReadWrite));
   add(kOpenTimeout, g_param_spec_uint("open-timeout", "Open timeout",
                                       "How long the camera's first data are waited for, in milliseconds", 1, G_MAXINT,
                                       Settings().openTimeout, kReadWrite));
@@ -139,6 +144,8 @@ bool setProperty(Settings& settings, guint property, const GValue& value) {
       return settings.serialNumber = textOf(value), true;
     case kFolder:
       return settings.folder = textOf(value), true;
+    case kDirect:
+      return settings.direct = g_value_get_boolean(&value) != FALSE, true;
     case kOutput:
       return settings.output = static_cast<Output>(g_value_get_enum(&value)), true;
     case kResolution:
@@ -172,6 +179,8 @@ bool getProperty(const Settings& settings, guint property, GValue& value) {
       return g_value_set_string(&value, settings.serialNumber.c_str()), true;
     case kFolder:
       return g_value_set_string(&value, settings.folder.c_str()), true;
+    case kDirect:
+      return g_value_set_boolean(&value, settings.direct ? TRUE : FALSE), true;
     case kOutput:
       return g_value_set_enum(&value, number(settings.output)), true;
     case kResolution:

@@ -15,6 +15,7 @@ enum class OnLoss { wait, error, eos };
 // Units: pixels; milliseconds.
 struct Settings {
   std::string serialNumber, folder;
+  bool direct = false;
   Output output = Output::camera;
   std::uint8_t resolution = kSmallestPreview;
   int width = 1920, height = 960;

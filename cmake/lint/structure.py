@@ -9,7 +9,7 @@ import sys
 from pathlib import Path
 
 CORE = ("base", "protocol", "link", "support", "capture", "media", "command", "live", "stack")
-PROGRAMS = ("simulator", "tools", "apps")
+PROGRAMS = ("simulator", "tools", "gateway", "apps")
 SOURCES = CORE + ("platform", "include") + PROGRAMS + ("tests", "bench", "fuzz", "examples")
 PUBLIC = "include/ZELTarkaSDK"
 PORTS = "include/ZELTarkaSDK/platform"
@@ -217,7 +217,7 @@ def examples(root):
 
 
 # What stands in one place: a pattern, the files that it may not stand in again, and where the fact is.
-CODE = CORE + ("platform", "include", "apps", "examples")
+CODE = CORE + ("platform", "include", "gateway", "apps", "examples")
 KEYS = r"u?(char|short|int)Value[23]?|u?int64Value2?|nsString|NS(Data|Value1|Error)|IPAEMMWeight|IPMEParam|gpsData|orientationData|FileSize"
 FACTS = (
     (re.compile(r"\bcase \d+:"), CORE, "a frame type, an event or a state by its number; use its enumerator"),

@@ -72,7 +72,7 @@ class ZEL_EXPORT Camera final : public CameraRequests {
   Camera& operator=(const Camera&) = delete;
   ~Camera();
 
-  // Its identity at its latest connection; nothing where this object was moved from.
+  // Its identity at its latest connection; null before the first, and where this object was moved from.
   std::shared_ptr<const ZELAccessoryInfo> info() const;
 
   LinkStatus linkStatus() const;

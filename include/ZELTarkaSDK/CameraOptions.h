@@ -46,6 +46,7 @@ struct ZEL_EXPORT CameraOptions {
   // Where no serial number is given: goes on with the first camera alone, also after a loss.
   bool staysWithCamera = false;
   std::string accessoriesFolder = {};
+  bool direct = false;
   std::string program = {};
   int decoderThreads = 1;
   std::function<void(const std::string&)> warn = {};

@@ -66,7 +66,8 @@ class ZEL_EXPORT CameraStream {
 
   StreamHeaders headers() const;
 
-  // The packets from the next key picture on. Whoever is too slow loses some, and begins with a key picture again.
+  // The packets from the next key picture on. Whoever is too slow loses all that waits, and goes on with the next key
+  // picture; with Drop::newest what waits is kept.
   Subscription<MediaPacket> packets(const SubscriptionOptions& options = {.capacity = 256});
 
   // Where a picture of the same camera, which is looked at beside the stream, belongs among its packets. Nothing for

@@ -21,6 +21,8 @@ struct Ports;
 // another, cannot open that camera. Another stack on this platform object cannot open it while the first one has a
 // session.
 //
+// Where a gateway has the camera and shares it, a stack opens it through the gateway, beside any number of others.
+//
 // Thread: the thread that creates it is the main thread until the main queue is run on another one.
 class ZEL_EXPORT LinuxPlatform {
  public:
@@ -34,7 +36,7 @@ class ZEL_EXPORT LinuxPlatform {
     // 0700 where it is missing, with the first write.
     std::string documentsFolder = {};
     // Called when a camera could not be opened because another program or stack has it; the camera is then skipped.
-    // Empty: `warn` is called instead. Empty: `warn` is called instead.
+    // Empty: `warn` is called instead.
     // Thread: any thread, inside the call that tries to open.
     std::function<void(const CameraInUse&)> inUse = {};
     // The name that other programs are told while this one has a camera, such as "zelcam live". Empty: the executable's
@@ -42,6 +44,8 @@ class ZEL_EXPORT LinuxPlatform {
     std::string program = {};
     // Keeps the lock of each opened camera until the platform is destroyed, also between two stacks.
     bool keepCameras = false;
+    // Opens every camera with a session of its own, and never shares it through a gateway.
+    bool direct = false;
   };
 
   // The folder that `accessoriesFolder` resolves to (see Options).

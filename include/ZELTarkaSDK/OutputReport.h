@@ -30,6 +30,7 @@ struct ZEL_EXPORT OutputReport {
   int connections = 0;
   std::optional<std::string> fault;             // why it ended before its time, or did not end well
   std::optional<int> medianLatency, latency99;  // that half of the pictures, and 99 in 100, did not exceed
+  int retries = 0;                              // how often a server was tried again, also in vain
 };
 
 }  // namespace zel

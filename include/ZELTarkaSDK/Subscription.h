@@ -48,24 +48,30 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
   // What the end of the subscription does at its source. Set before it is handed out.
   void setRelease(std::function<void()> release) { release_ = std::move(release); }
 
-  // The next one, from its source.
-  void push(T item) {
+  // What a full subscription loses: one thing, or what it kept as well, where each needs the one before.
+  enum class Loss { one, row };
+
+  // The next one, from its source. False where it was lost.
+  bool push(T item, Loss loss = Loss::one) {
     std::unique_lock lock(mutex_);
-    if (end_) return;
+    if (end_) return false;
     if (!waiting_.empty()) {
       const auto first = std::move(waiting_.front());
       waiting_.pop_front();
       lock.unlock();
       first.pending->set(std::move(item));
-      return;
+      return true;
     }
-    if (items_.size() >= std::max<std::size_t>(options_.capacity, 1)) {
-      ++dropped_;
-      if (options_.drop == SubscriptionOptions::Drop::newest) return;
-      items_.pop_front();
-    }
+    if (items_.size() >= std::max<std::size_t>(options_.capacity, 1) && !makeRoom(loss)) return false;
     items_.push_back(std::move(item));
     schedule(lock);
+    return true;
+  }
+
+  // One was lost at its source.
+  void countLost() {
+    const std::lock_guard lock(mutex_);
+    ++dropped_;
   }
 
   // Nothing follows any more; what is kept can still be taken.
@@ -123,6 +129,19 @@ class SubscriptionState final : public std::enable_shared_from_this<Subscription
     std::shared_ptr<PendingState<T>> pending;
     std::shared_ptr<void> watch;
   };
+
+  // False where the new one is lost.
+  bool makeRoom(Loss loss) {
+    ++dropped_;
+    if (options_.drop == SubscriptionOptions::Drop::newest) return false;
+    if (loss == Loss::one) {
+      items_.pop_front();
+      return true;
+    }
+    dropped_ += items_.size();
+    items_.clear();
+    return false;
+  }
 
   void schedule(std::unique_lock<std::mutex>& lock) {
     if (!callback_ || isScheduled_ || items_.empty()) return;

@@ -53,6 +53,7 @@ typedef struct zel_options {
   int decoder_threads;   // 0: 1
   zel_log_callback log;  // NULL: the standard error
   void* log_user;
+  int direct;  // 1: a session of its own with the camera, never through a gateway
 } zel_options;
 
 // Finds the camera and waits for its first frame. options: NULL for the defaults.

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string_view>
 #include <system_error>
 
@@ -75,6 +76,11 @@ std::string accessoryFolderPath(const std::string& chosen) {
     return runtime + "/zel/accessories";
   }
   return "/tmp/zel-accessories-" + std::to_string(geteuid());
+}
+
+std::string realFolder(const std::string& path) {
+  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+  return real ? real.get() : path;
 }
 
 bool prepareAccessoryFolder(const std::string& path, std::string& error) {

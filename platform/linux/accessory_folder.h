@@ -16,6 +16,9 @@ std::string accessoryFolderPath(const std::string& chosen);
 // Errors: false; `error` names the folder, the fault and the remedy.
 bool prepareAccessoryFolder(const std::string& path, std::string& error);
 
+// The folder's path without links, "." and slashes at its end; as it is where there is no such folder.
+std::string realFolder(const std::string& path);
+
 // Creates the folder and its missing parents with mode 0700.
 // Errors: errno, else 0.
 int makeFolders(std::string_view path);

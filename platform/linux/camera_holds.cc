@@ -57,14 +57,14 @@ CameraHolds::~CameraHolds() {
   for (auto& [camera, hold] : holds_->cameras) hold.kept.reset();
 }
 
-CameraHolds::Taken CameraHolds::take(const std::string& camera) {
+CameraHolds::Taken CameraHolds::take(const std::string& camera, CameraLock::Patience patience) {
   const MutexLock lock(holds_->mutex);
   Holds::Hold& hold = holds_->cameras[camera];
   if (hold.inSession) return {nullptr, CameraUser{::getpid(), program_}, {}};
   const bool isNew = !hold.kept;
   std::shared_ptr<CameraLock> held = hold.lock.lock();
   if (!held) {
-    CameraLock::Taken taken = CameraLock::take(busFolder_, camera, program_);
+    CameraLock::Taken taken = CameraLock::take(busFolder_, camera, program_, patience);
     if (!taken.lock) return {nullptr, std::move(taken.user), std::move(taken.fault)};
     held = std::move(taken.lock);
   }

@@ -40,7 +40,7 @@ class CameraHolds {
     std::string fault;
     bool isNew = false;  // it was not held before
   };
-  Taken take(const std::string& camera);
+  Taken take(const std::string& camera, CameraLock::Patience patience = CameraLock::Patience::some);
 
   // Sets whether a camera is kept between its sessions, or released with its session.
   void keepBetweenSessions(bool keep);

@@ -10,12 +10,13 @@
 #include <cerrno>
 #include <charconv>
 #include <chrono>
-#include <cstdlib>
 #include <string_view>
 #include <thread>
 #include <utility>
 
+#include "platform/linux/accessory_folder.h"
 #include "platform/linux/error_text.h"
+#include "platform/linux/percent_encoding.h"
 
 namespace zel::platform {
 namespace {
@@ -24,11 +25,6 @@ namespace {
 constexpr int kAttempts = 50;
 constexpr std::chrono::milliseconds kPause{2};
 constexpr std::size_t kLongestUser = 256;  // bytes of the holder's description that are read
-
-bool isPlain(unsigned char letter) {
-  return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
-         letter == '-' || letter == '_' || letter == '.' || letter == '~';
-}
 
 // FNV-1a: the same in every program and version.
 std::uint64_t hashOf(const std::string& text) {
@@ -41,12 +37,6 @@ std::string hexOf(std::uint64_t value, int digits) {
   std::string text;
   for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += "0123456789ABCDEF"[value >> shift & 0xF];
   return text;
-}
-
-// The canonical path of the bus's folder.
-std::string canonical(const std::string& folder) {
-  const std::unique_ptr<char, decltype(&std::free)> path(::realpath(folder.c_str(), nullptr), &std::free);
-  return path ? path.get() : folder;
 }
 
 // Whether the folder can hold locks. Creates it if missing. No other user may have write permission.
@@ -116,20 +106,17 @@ bool tryToTake(const std::string& folder, const std::string& camera, const std::
 
 std::string lockFileName(const std::string& camera) {
   constexpr std::size_t kLongest = 200;  // of the 255 bytes of a file's name
-  std::string name;
-  for (const char letter : camera) {
-    const auto byte = static_cast<unsigned char>(letter);
-    name += isPlain(byte) ? std::string(1, letter) : "%" + hexOf(byte, 2);
-  }
+  std::string name = percentEncoded(camera);
   if (name.size() > kLongest) name = name.substr(0, kLongest) + "%" + hexOf(hashOf(camera), 16);
   return name + ".lock";
 }
 
-CameraLock::Taken CameraLock::take(const std::string& busFolder, const std::string& camera,
-                                   const std::string& program) {
-  const std::string bus = canonical(busFolder);
+CameraLock::Taken CameraLock::take(const std::string& busFolder, const std::string& camera, const std::string& program,
+                                   Patience patience) {
+  const std::string bus = realFolder(busFolder);
   Taken taken;
-  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+  const int attempts = patience == Patience::none ? 1 : kAttempts;
+  for (int attempt = 0; attempt < attempts; ++attempt) {
     if (attempt != 0) std::this_thread::sleep_for(kPause);
     std::string folder = bus + ".locks";
     if (!isUsable(folder)) folder = bus + "/.locks";

@@ -29,8 +29,12 @@ class CameraLock {
     std::string fault;               // why the lock cannot be taken
   };
 
+  // Whether a lock that is just being taken or released is waited for, a tenth of a second at most.
+  enum class Patience { none, some };
+
   // camera: its name on the bus. program: the holder's name for other programs.
-  static Taken take(const std::string& busFolder, const std::string& camera, const std::string& program);
+  static Taken take(const std::string& busFolder, const std::string& camera, const std::string& program,
+                    Patience patience = Patience::some);
 
   CameraLock(std::string folder, std::string path, UniqueDescriptor file);
   ~CameraLock();

@@ -48,6 +48,13 @@ class LinuxAccessory final : public Accessory {
   // A connection made in advance for the next session. Taking it without one gives an empty descriptor.
   void setConnection(UniqueDescriptor connection) { connection_.set(std::move(connection)); }
   UniqueDescriptor takeConnection() { return connection_.set({}); }
+  bool hasConnection() {
+    return connection_.with([](const UniqueDescriptor& made) { return static_cast<bool>(made); });
+  }
+
+  // Whether the last session runs, or ran, through a gateway.
+  bool isThroughGateway() const { return throughGateway_.load(); }
+  void setThroughGateway(bool through) { throughGateway_.store(through); }
 
   // Guards against two simultaneous attempts to connect in advance.
   bool beginsTrying() { return !trying_.exchange(true); }
@@ -61,6 +68,7 @@ class LinuxAccessory final : public Accessory {
   std::atomic<bool> faultReported_ = false;
   std::atomic<bool> trying_ = false;
   std::atomic<std::uint64_t> sessions_ = 0;
+  std::atomic<bool> throughGateway_ = false;
 
   Guarded<UniqueDescriptor> connection_;
 };

@@ -173,8 +173,13 @@ std::unique_ptr<AccessorySession> LinuxAccessoryManager::openSession(const std::
                                                                      std::string_view protocol) {
   const auto attached = std::dynamic_pointer_cast<LinuxAccessory>(accessory);
   if (!attached || !attached->isConnected() || !attached->offers(protocol)) return nullptr;
-  CameraHolds::Taken camera = takeCamera(*attached);
+  GatewayWay way;
+  CameraHolds::Taken camera = takeCamera(*attached, way);
+  if (way.answer == GatewayWay::Answer::granted) return sessionThroughGateway(std::move(way.connection), attached);
+  if (way.answer == GatewayWay::Answer::absent)
+    cannotConnect(attached, "the gateway that has the camera cannot reach it");
   if (!camera.use) return nullptr;
+  attached->setThroughGateway(false);
   std::string fault;
   UniqueDescriptor connection = attached->takeConnection();
   if (!connection) connection = connectEndpoint(attached->endpoint(), kConnectLimit, fault);
@@ -188,13 +193,37 @@ std::unique_ptr<AccessorySession> LinuxAccessoryManager::openSession(const std::
   return nullptr;
 }
 
-CameraHolds::Taken LinuxAccessoryManager::takeCamera(LinuxAccessory& accessory) {
-  CameraHolds::Taken taken = holds_.take(accessory.camera());
+// The lock first: where nobody has it, no gateway shares the camera.
+CameraHolds::Taken LinuxAccessoryManager::takeCamera(LinuxAccessory& accessory, GatewayWay& way) {
+  const std::string camera = accessory.camera();
+  if (settings_.direct) return tell(holds_.take(camera), accessory);
+  CameraHolds::Taken taken = holds_.take(camera, CameraLock::Patience::none);
+  if (!taken.user) return tell(std::move(taken), accessory);
+  if (accessory.isThroughGateway()) way.connection = accessory.takeConnection();
+  if (way.connection) {
+    way.answer = GatewayWay::Answer::granted;
+  } else {
+    way = askGateways(settings_.folder, camera, kConnectLimit);
+  }
+  return way.answer == GatewayWay::Answer::none ? tell(holds_.take(camera), accessory) : CameraHolds::Taken();
+}
+
+CameraHolds::Taken LinuxAccessoryManager::tell(CameraHolds::Taken taken, LinuxAccessory& accessory) const {
   if (taken.user) settings_.inUse({accessory.camera(), taken.user->process, taken.user->program});
   if (!taken.fault.empty() && accessory.reportsFirstFault()) {
     settings_.warn("camera " + accessory.camera() + " cannot be locked: " + taken.fault);
   }
   return taken;
+}
+
+// It needs no lock: the gateway has it, and gives each host a connection of its own.
+std::unique_ptr<AccessorySession> LinuxAccessoryManager::sessionThroughGateway(UniqueDescriptor connection,
+                                                                               const Attached& accessory) {
+  accessory->setThroughGateway(true);
+  const std::uint64_t number = accessory->beginSession();
+  auto session = makeDescriptorSession(connection.release(), {.ended = endOf(accessory, number)});
+  if (!session) cannotConnect(accessory, "no descriptor is left");
+  return session;
 }
 
 std::unique_ptr<AccessorySession> LinuxAccessoryManager::sessionOver(UniqueDescriptor connection,
@@ -249,6 +278,10 @@ void LinuxAccessoryManager::lookForReturns() {
     if (away.empty()) doomed = std::move(returnTimer_);
   }
   for (const auto& one : away) {
+    if (one->isThroughGateway()) {
+      if (one->beginsTrying()) tryGateways(one);
+      continue;
+    }
     const CameraHolds::State state = holds_.of(one->camera());
     if (state == CameraHolds::State::kept && one->beginsTrying()) tryToConnect(one);
     if (state == CameraHolds::State::free) returned(one, {});
@@ -268,6 +301,19 @@ void LinuxAccessoryManager::tryToConnect(const Attached& away) {
   });
 }
 
+// Without a gateway that has the camera it is attached as its file tells: the host connects to it directly.
+void LinuxAccessoryManager::tryGateways(const Attached& away) {
+  const auto way = std::make_shared<GatewayWay>();
+  const auto tried = onMainRunLoop([this, away, way] {
+    away->endTrying();
+    if (way->answer != GatewayWay::Answer::absent) returned(away, std::move(way->connection));
+  });
+  worker_.post([away, way, tried, folder = settings_.folder] {
+    *way = askGateways(folder, away->camera(), kConnectLimit);
+    tried();
+  });
+}
+
 void LinuxAccessoryManager::returned(const Attached& away, UniqueDescriptor connection) {
   std::shared_ptr<FolderWatch> watch;
   Attached accessory;
@@ -277,6 +323,7 @@ void LinuxAccessoryManager::returned(const Attached& away, UniqueDescriptor conn
     if (watch) accessory = attached_.bringBack(away);
   }
   if (!accessory) return;
+  accessory->setThroughGateway(away->isThroughGateway() && connection);
   accessory->setConnection(std::move(connection));
   announce(*watch, kAccessoryDidConnectNotification, {accessory});
   accessory->takeConnection();  // for a stack that has just closed its camera

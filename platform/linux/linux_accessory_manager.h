@@ -15,6 +15,7 @@
 #include "platform/linux/attached_accessories.h"
 #include "platform/linux/camera_holds.h"
 #include "platform/linux/folder_watch.h"
+#include "platform/linux/gateway_way.h"
 #include "platform/linux/linux_accessory.h"
 #include "platform/linux/linux_run_loop.h"
 
@@ -30,7 +31,8 @@ namespace zel::platform {
 // Two files with one connectionID are two accessories, in the order of their names.
 //
 // A camera has one reader: a session is opened under the camera's lock, which is kept between sessions while the host
-// is registered. When a session's stream ends, or the host cannot open it again, the accessory is detached, as if its
+// is registered. Where somebody else has the lock, and a gateway of the bus shares the camera, the session runs through
+// the gateway. When a session's stream ends, or the host cannot open it again, the accessory is detached, as if its
 // file were removed. While the lock is kept, the manager tries once a second to make the connection of the next
 // session, and announces the accessory when it succeeds. Without the lock no host waits for the camera, and the
 // accessory is attached while its file exists.
@@ -44,6 +46,7 @@ class LinuxAccessoryManager final : public AccessoryManager {
     std::function<void(const CameraInUse&)> inUse;
     std::string program;
     bool keepCameras = false;
+    bool direct = false;  // never through a gateway
   };
 
   // worker: makes connections, which may take time.
@@ -68,7 +71,9 @@ class LinuxAccessoryManager final : public AccessoryManager {
   void announce(const FolderWatch& watch, std::string_view notification, const Shown& accessories);
   void watchEnded(const FolderWatch& watch);
 
-  CameraHolds::Taken takeCamera(LinuxAccessory& accessory);
+  CameraHolds::Taken takeCamera(LinuxAccessory& accessory, GatewayWay& way);
+  CameraHolds::Taken tell(CameraHolds::Taken taken, LinuxAccessory& accessory) const;
+  std::unique_ptr<AccessorySession> sessionThroughGateway(UniqueDescriptor connection, const Attached& accessory);
   std::unique_ptr<AccessorySession> sessionOver(UniqueDescriptor connection, const Attached& accessory,
                                                 const std::shared_ptr<CameraUse>& use);
   void cannotConnect(const Attached& accessory, const std::string& fault);
@@ -76,6 +81,7 @@ class LinuxAccessoryManager final : public AccessoryManager {
   void streamEnded(const Attached& accessory, std::uint64_t session);
   void lookForReturns();
   void tryToConnect(const Attached& away);
+  void tryGateways(const Attached& away);
   void returned(const Attached& away, UniqueDescriptor connection);
   std::function<void()> onMainRunLoop(std::function<void()> step);
 

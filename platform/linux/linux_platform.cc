@@ -58,7 +58,8 @@ platform::LinuxAccessoryManager::Settings settingsOf(LinuxPlatform::Options opti
           .warn = std::move(options.warn),
           .inUse = std::move(options.inUse),
           .program = std::move(options.program),
-          .keepCameras = options.keepCameras};
+          .keepCameras = options.keepCameras,
+          .direct = options.direct};
 }
 
 }  // namespace

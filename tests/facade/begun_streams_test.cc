@@ -26,10 +26,14 @@ TEST_F(BegunStreamsTest, BeginsWithTheCameraThatComesLater) {
   auto stream = camera.beginStream();
   ASSERT_TRUE(stream) << stream.error().message;
   auto packets = stream->packets();
+  auto problems = stream->problems();
   attach();
   ASSERT_TRUE(camera.connect().get());
   EXPECT_TRUE(packets.next().get());
   EXPECT_EQ(stream->failure(), std::nullopt);
+  auto problem = problems.next();
+  problem.cancel();
+  EXPECT_EQ(problem.get().error().reason, Reason::cancelled) << "nothing was lost, and nothing was refused";
 }
 
 TEST_F(BegunStreamsTest, IsCompleteWhenItIsAsLongAsWasAskedFor) {

@@ -78,6 +78,30 @@ TEST_F(CameraInVirtualTimeTest, SaysThatTheCameraIsSilentAfterTenSeconds) {
   EXPECT_EQ(*failure, (CameraError{Reason::silent, "the camera E1A0007 is attached but sent nothing in time", "", 0}));
 }
 
+TEST_F(CameraInVirtualTimeTest, AStreamAsksTheCameraWithItsFirstFrame) {
+  accessory = host.plug(cameraDescription());
+  camera.emplace(*Camera::create(options()));
+  const auto connecting = camera->connect();
+  host.runUntilIdle();
+  EXPECT_EQ(camera->linkStatus(), LinkStatus::open);
+  accessory->current()->takeWritten();
+  auto stream = camera->beginStream({.resolution = 3});
+  ASSERT_TRUE(stream);
+  auto problems = stream->problems();
+  host.runUntilIdle();
+  EXPECT_TRUE(accessory->current()->takeWritten().empty()) << "an answer in front of the marker would be lost";
+  send(join(kMarker, bytes({7, 0, 0, 0, 2, 0, 5})));
+  send(bytes({7, 0, 0, 0, 2, 0, 5}));
+  const Bytes written = accessory->current()->takeWritten();
+  ASSERT_GT(written.size(), 16u);
+  EXPECT_EQ(Bytes(written.begin() + 16, written.end()),
+            join(bytes({9, 0, 0, 0, 4, 0, 0x04, 0x00, 3}), bytes({9, 0, 0, 0, 4, 0, 0x0E, 0x00, 1})))
+      << "behind the comparison of the clocks";
+  auto problem = problems.next();
+  problem.cancel();
+  EXPECT_EQ(problem.get().error().reason, Reason::cancelled) << "nothing was lost";
+}
+
 TEST_F(CameraInVirtualTimeTest, ARequestWaitsFiveSecondsAndItsLineTwoMore) {
   openAndSynchronise();
   std::vector<std::string> ends;

@@ -18,6 +18,17 @@ constexpr std::uint16_t kBattery = 0x4001, kCard = 0x400E, kSetWhiteBalance = 0x
 
 class CameraTest : public BusCamera {};
 
+TEST_F(CameraTest, ItsIdentityStaysKnownWhileItIsAway) {
+  Camera camera = *Camera::create(options());
+  EXPECT_EQ(camera.info(), nullptr) << "before the first connection";
+  attach();
+  ASSERT_TRUE(camera.connect().get());
+  simulated().unplug();
+  EXPECT_TRUE(eventually([&] { return camera.linkStatus() == LinkStatus::closed; }));
+  ASSERT_NE(camera.info(), nullptr);
+  EXPECT_EQ(camera.info()->serialNumber(), "E1A0001");
+}
+
 TEST_F(CameraTest, AnswersOnceItIsOpen) {
   attach();
   auto camera = Camera::open(options()).get();

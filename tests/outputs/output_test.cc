@@ -226,6 +226,7 @@ TEST_F(OutputTest, AServerThatDropsTheStreamGetsItAgainFromAKeyPictureOn) {
   EXPECT_EQ(written().at(1) % 3, 0);  // the first of the second connection
   EXPECT_EQ(everythingTold(), "it is connected\nit broke; trying again in 0.0 s (1 of 20)\nit is connected again\n");
   EXPECT_EQ(output.report().connections, 2);
+  EXPECT_EQ(output.report().retries, 1);
   EXPECT_FALSE(output.report().fault);
 }
 
@@ -238,6 +239,7 @@ TEST_F(OutputTest, AServerIsGivenUpAfterItsAttempts) {
   EXPECT_EQ(output.state(), OutputState::failed);
   EXPECT_EQ(everythingTold(),
             "refused; trying again in 0.0 s (1 of 2)\nrefused; trying again in 0.0 s (2 of 2)\nrefused\n");
+  EXPECT_EQ(output.report().retries, 2);
 }
 
 TEST_F(OutputTest, WhatComesWhileAServerIsAwayIsCounted) {

@@ -16,9 +16,10 @@ class TestFilm {
  public:
   static constexpr std::int32_t kWidth = 64, kHeight = 32, kRate = 10;
 
-  explicit TestFilm(int count) {
+  explicit TestFilm(int count, std::int32_t width = kWidth, std::int32_t height = kHeight)
+      : headers{{}, {}, ZELData(std::vector<std::uint8_t>{0x11, 0x88}), width, height, true} {
     platform::LibavVideoEncoders encoders;
-    const auto encoder = encoders.create({kWidth, kHeight, 100'000, kRate});
+    const auto encoder = encoders.create({width, height, 100'000, kRate});
     if (!encoder || !encoder->open()) return;
     encoder->setSpsPpsCallback(
         [this](const std::uint8_t* sps, std::int32_t spsSize, const std::uint8_t* pps, std::int32_t ppsSize) {
@@ -31,10 +32,10 @@ class TestFilm {
       packets.push_back({Track::video, key, time.value * 1000, bytesOf(data, size), std::nullopt});
       for (int i = 0; i < 4; ++i) addSilence();
     });
-    for (int i = 0; i < count; ++i) encoder->encodeImage(grey(i), {i * 1000 / kRate, 1000});
+    for (int i = 0; i < count; ++i) encoder->encodeImage(grey(i, width, height), {i * 1000 / kRate, 1000});
   }
 
-  StreamHeaders headers{{}, {}, ZELData(std::vector<std::uint8_t>{0x11, 0x88}), kWidth, kHeight, true};
+  StreamHeaders headers;
   std::vector<MediaPacket> packets;
 
  private:
@@ -42,8 +43,8 @@ class TestFilm {
     return ZELData(std::span(data, static_cast<std::size_t>(size)));
   }
 
-  static platform::PixelBufferRef grey(int number) {
-    return platform::MemoryPixelBuffer::filled(kWidth, kHeight, static_cast<std::uint8_t>(10 * number), 128, 128);
+  static platform::PixelBufferRef grey(int number, std::int32_t width, std::int32_t height) {
+    return platform::MemoryPixelBuffer::filled(width, height, static_cast<std::uint8_t>(10 * number), 128, 128);
   }
 
   // One AAC frame of a silent channel.

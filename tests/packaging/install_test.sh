@@ -31,7 +31,7 @@ done
 
 cmake --install "$build" --prefix "$folder/copy" >/dev/null
 for file in bin/zelcam bin/zelcam-sim share/man/man1/zelcam.1 share/man/man1/zelcam-sim.1 \
-  share/bash-completion/completions/zelcam share/zsh/site-functions/_zelcam include/ZELTarkaSDK/ZELTarkaSDK.h; do
+  share/bash-completion/completions/zelcam lib/systemd/system/zelcam-serve.service lib/systemd/user/zelcam-serve.service share/zsh/site-functions/_zelcam include/ZELTarkaSDK/ZELTarkaSDK.h; do
   [ -s "$folder/copy/$file" ] || { echo "$file is not in the copy"; exit 1; }
 done
 "$folder/copy/bin/zelcam" --version

@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "apps/zelcam/command_line/number_text.h"
 #include "apps/zelcam/commands/commands.h"
+#include "gateway/json/number_text.h"
 #include "tools/manual/describe_option.h"
 #include "tools/manual/wrong_usage.h"
 namespace zel::app {
 namespace {
+
+using gateway::numberIn;
 
 constexpr char kNotes[] = R"(Example: zelcam --json monitor --seconds 10
 
@@ -52,6 +54,7 @@ void describeSettings(CLI::App& app, Settings& settings) {
       ->check(numberCheck({"--timeout", "SECONDS", "", Kind::number, 0, 86400}))
       ->type_name("SECONDS")
       ->capture_default_str();
+  app.add_flag("--direct", settings.direct, "a session of its own with the camera, never through a gateway");
   app.add_option("--log", settings.log, "append to FILE what is asked, how the link changes and what goes wrong")
       ->type_name("FILE");
   app.add_flag("--json", settings.json, "one JSON object a line");

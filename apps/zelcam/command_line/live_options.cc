@@ -8,10 +8,12 @@
 
 #include "apps/zelcam/command_line/decoder_threads.h"
 #include "apps/zelcam/command_line/picture_size.h"
-#include "apps/zelcam/host/file.h"
+#include "gateway/media/file.h"
 
 namespace zel::app {
 namespace {
+
+using gateway::readFile;
 
 std::string complaintOfSize(const Values& values, LiveOptions& options) {
   if (!values.has("--size")) return {};

@@ -1,8 +1,10 @@
 #include "apps/zelcam/command_line/picture_size.h"
 
-#include "apps/zelcam/command_line/number_text.h"
+#include "gateway/json/number_text.h"
 
 namespace zel::app {
+
+using gateway::numberIn;
 
 std::optional<PictureSize> pictureSizeIn(std::string_view text) {
   const std::size_t cross = text.find('x');

@@ -13,11 +13,14 @@
 #include <string_view>
 #include <utility>
 
-#include "apps/zelcam/command_line/number_text.h"
-#include "apps/zelcam/host/file.h"
+#include "gateway/json/number_text.h"
+#include "gateway/media/file.h"
 
 namespace zel::app {
 namespace {
+
+using gateway::numberIn;
+using gateway::readFile;
 
 // The rest of a frame after its header, the message's code and all records of a capture.
 constexpr std::uint64_t kMostExtra = std::numeric_limits<std::uint32_t>::max() - (4 + 2 + 2) - sizeof(ZELGpsData) -

@@ -1,23 +1,15 @@
 #pragma once
 
-#include <ZELTarkaSDK/ZELCameraRecords.h>
-#include <ZELTarkaSDK/ZELData.h>
-
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "apps/zelcam/command_line/command.h"
+#include "gateway/json/sensors.h"
 
 namespace zel::app {
 
-// Position and motion from the sensor options; zeros by default.
-struct Sensors {
-  ZELGpsData gps;
-  ZELGyroData gyro;
-  ZELOrientationData orientation;
-  std::optional<ZELData> extra;  // the bytes of the --extra file
-};
+using gateway::Sensors;
 
 // --gps, --gyro, --orientation and --extra, for the commands that take them, before options of their own.
 std::vector<Option> sensorOptionsAnd(std::vector<Option> others);

@@ -10,6 +10,7 @@ struct Settings {
   std::string accessories;  // folder of the bus; empty for the default
   std::string camera;       // serial number; empty for the first
   double timeout = 10;      // seconds
+  bool direct = false;      // never through a gateway
   std::string log;          // file of the diagnostics; empty for none
   bool json = false;
   bool verbose = false;

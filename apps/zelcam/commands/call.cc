@@ -8,13 +8,18 @@
 #include <utility>
 #include <vector>
 
-#include "apps/zelcam/commands/operation_text.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/link/command_camera.h"
+#include "gateway/json/operation_text.h"
 
 namespace zel::app {
 namespace {
 
+using gateway::argumentsIn;
+using gateway::argumentsOf;
+using gateway::callJson;
+using gateway::optionsOf;
+using gateway::resultJson;
 using nlohmann::ordered_json;
 
 int listOperations(const Settings& settings) {
@@ -65,10 +70,8 @@ std::optional<ReadyCall> prepared(const Values& values, std::string& complaint) 
 }
 
 void show(const Operation& operation, const OperationReply& reply, const Settings& settings) {
+  if (settings.json) return printJson(callJson(operation, reply));
   const ordered_json result = resultJson(operation, reply.values);
-  if (settings.json) {
-    return printJson({{"operation", operation.name}, {"error", errorJson(reply.error)}, {"result", result}});
-  }
   for (const auto& [key, value] : result.items()) {
     printLine(fmt::format("{} = {}", key, value.is_string() ? printable(value.get<std::string>()) : value.dump()));
   }

@@ -51,6 +51,9 @@ int runPreview(const Invocation& invocation);
 // `zelcam record`: starts, stops or cancels a recording on the camera.
 int runRecord(const Invocation& invocation);
 
+// `zelcam serve`: holds the cameras of the bus and serves them over HTTP, until the user stops it.
+int runServe(const Invocation& invocation);
+
 // `zelcam thumbnail`: one picture out of a file's key frame, unwrapped where `--offset` is given. No camera is needed.
 int runThumbnail(const Invocation& invocation);
 

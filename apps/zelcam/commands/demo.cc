@@ -19,11 +19,13 @@ extern "C" {
 #include "apps/zelcam/commands/file_summary.h"
 #include "apps/zelcam/host/child.h"
 #include "apps/zelcam/host/console.h"
-#include "apps/zelcam/host/file.h"
 #include "apps/zelcam/host/interrupt.h"
+#include "gateway/media/file.h"
 
 namespace zel::app {
 namespace {
+
+using gateway::readFile;
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;

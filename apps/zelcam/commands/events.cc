@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
@@ -13,61 +12,18 @@
 #include <optional>
 #include <stop_token>
 #include <string>
-#include <type_traits>
-#include <utility>
-#include <variant>
 
 #include "apps/zelcam/commands/event_queue.h"
 #include "apps/zelcam/host/console.h"
 #include "apps/zelcam/host/interrupt.h"
 #include "apps/zelcam/link/command_camera.h"
 #include "apps/zelcam/link/loss_watch.h"
+#include "gateway/json/event_json.h"
 
 namespace zel::app {
 namespace {
 
 using nlohmann::ordered_json;
-
-constexpr std::pair<ZELCameraEvent, const char*> kNames[] = {
-    {ZELCameraEvent::firmwareUpdateDone, "firmwareUpdateDone"},
-    {ZELCameraEvent::recordAutoSplit, "recordAutoSplit"},
-    {ZELCameraEvent::batteryUpdate, "batteryUpdate"},
-    {ZELCameraEvent::batteryLow, "batteryLow"},
-    {ZELCameraEvent::batteryShutDown, "batteryShutDown"},
-    {ZELCameraEvent::cardState, "cardState"},
-    {ZELCameraEvent::keyPressed, "keyPressed"},
-    {ZELCameraEvent::mediaOffset, "mediaOffset"},
-    {ZELCameraEvent::recordCardRunout, "recordCardRunout"},
-    {ZELCameraEvent::recordTimeRunout, "recordTimeRunout"},
-    {ZELCameraEvent::gyroData, "gyroData"},
-    {ZELCameraEvent::shutterState, "shutterState"},
-    {ZELCameraEvent::deleteProgress, "deleteProgress"},
-};
-
-const char* nameOf(std::int64_t type) {
-  const auto* const found =
-      std::ranges::find(kNames, ZELCameraEvent{type}, &std::pair<ZELCameraEvent, const char*>::first);
-  return found != std::end(kNames) ? found->second : "unknown";
-}
-
-// Events contain numbers, text and errors; other types are not printed.
-ordered_json shown(const ZELMessageFields::Value& value) {
-  return std::visit(
-      [](const auto& one) -> ordered_json {
-        using T = std::decay_t<decltype(one)>;
-        if constexpr (std::is_integral_v<T> || std::is_same_v<T, std::string>) return one;
-        if constexpr (std::is_same_v<T, ZELError>) return errorJson(one);
-        return nullptr;
-      },
-      value);
-}
-
-ordered_json valueJson(const std::optional<ZELMessageFields>& value) {
-  ordered_json object = ordered_json::object();
-  if (!value) return object;
-  for (const auto& [key, field] : value->all()) object[key] = shown(field);
-  return object;
-}
 
 // Keeps the events that come on the session thread for the main thread.
 class WaitingEvents final : public ZELCameraNotificationProtocol {
@@ -95,11 +51,10 @@ class WaitingEvents final : public ZELCameraNotificationProtocol {
 };
 
 void print(const EventQueue::Event& event, const Settings& settings) {
-  const ordered_json fields = valueJson(event.value);
-  const char* const name = nameOf(event.type);
-  std::string line = fmt::format("{} {}", timeOfDay(), name);
-  for (const auto& [key, field] : fields.items()) line += fmt::format(" {}={}", key, printable(field.dump()));
-  tellDone(settings.json, {{"event", event.type}, {"name", name}, {"value", fields}, {"time", timeOfDay()}}, line);
+  const ordered_json object = gateway::eventJson(event.type, event.value, timeOfDay());
+  std::string line = fmt::format("{} {}", object["time"].get<std::string>(), object["name"].get<std::string>());
+  for (const auto& [key, field] : object["value"].items()) line += fmt::format(" {}={}", key, printable(field.dump()));
+  tellDone(settings.json, object, line);
 }
 
 int show(WaitingEvents& events, Camera& camera, const Settings& settings, std::optional<std::int64_t> count) {

@@ -6,10 +6,14 @@
 
 #include <string>
 
-#include "apps/zelcam/command_line/hex.h"
 #include "apps/zelcam/host/console.h"
+#include "gateway/json/hex.h"
 
 namespace zel::app {
+
+using gateway::recordHex;
+using gateway::recordIn;
+
 int runOffset(const Invocation& invocation) {
   const Values& values = invocation.values;
   if (values.has("TEXT") == values.has("--record")) {

@@ -15,19 +15,23 @@
 #include <vector>
 
 #include <ZELTarkaSDK/Panorama.h>
-#include <ZELTarkaSDK/PictureFile.h>
 #include <ZELTarkaSDK/platform/ports.h>
 
-#include "apps/zelcam/command_line/number_text.h"
 #include "apps/zelcam/command_line/sensors.h"
 #include "apps/zelcam/host/console.h"
-#include "apps/zelcam/host/file.h"
 #include "apps/zelcam/host/interrupt.h"
 #include "apps/zelcam/link/command_camera.h"
+#include "gateway/json/number_text.h"
+#include "gateway/media/file.h"
 
 namespace zel::app {
 namespace {
 
+using gateway::numberIn;
+using gateway::photoFileName;
+using gateway::prepareFolder;
+using gateway::readFile;
+using gateway::saveFile;
 using Steps = std::vector<std::int8_t>;
 
 constexpr std::size_t kMostSteps = std::tuple_size_v<decltype(aeb_info::steps)>;
@@ -51,12 +55,6 @@ std::string folderOf(const Values& values) { return values.has("--output") ? val
 
 // All pictures of a bracket are in memory before the first is saved. More than this is more than zelcam holds.
 constexpr std::uint64_t kMostBytesOfABracket = std::uint64_t{384} << 20;
-
-// "folder/IMG_1.jpg" becomes "IMG_1-360.jpg". A panorama is always a JPEG file.
-std::string panoramaName(std::filesystem::path photo) {
-  if (pictureFormOf(photo.string()) != PictureForm::jpeg) photo.replace_extension(".jpg");
-  return fileNameWith(photo.filename().string(), "-360", NAME_MAX);
-}
 
 // One photo or bracket: requests it, waits for the reply and the pictures, and saves them.
 class Shot {
@@ -145,7 +143,8 @@ class Shot {
     const auto panorama = maker.panoramaOf(file->bytes(), fault);
     if (!panorama) return fault.empty() ? kRefused : complain(kRefused, "photo", photo + ": " + fault);
     const std::filesystem::path beside(photo);
-    const auto path = saveFile(beside.parent_path().string(), panoramaName(beside), panorama->file, fault);
+    const auto path = saveFile(beside.parent_path().string(), gateway::panoramaFileName(beside.filename().string()),
+                               panorama->file, fault);
     if (!path) return complain(kRefused, "photo", fault);
     return tellDone(invocation_.settings.json,
                     {{"panorama", *path}, {"of", photo}, {"width", panorama->width}, {"height", panorama->height}},

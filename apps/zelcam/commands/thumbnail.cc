@@ -13,11 +13,13 @@
 
 #include "apps/zelcam/command_line/picture_size.h"
 #include "apps/zelcam/host/console.h"
-#include "apps/zelcam/host/file.h"
 #include "apps/zelcam/link/bus.h"
+#include "gateway/media/file.h"
 
 namespace zel::app {
 namespace {
+
+using gateway::readFile;
 
 // Replaces three-byte start codes, which many encoders write, by four-byte ones.
 ZELData withLongStartCodes(std::span<const std::uint8_t> stream) {

@@ -11,11 +11,13 @@
 #include <string>
 
 #include "apps/zelcam/host/console.h"
-#include "apps/zelcam/host/file.h"
 #include "apps/zelcam/link/command_camera.h"
+#include "gateway/media/file.h"
 
 namespace zel::app {
 namespace {
+
+using gateway::readFile;
 
 // A line with percentage, rate and remaining time, if standard error is a terminal.
 class ProgressLine {

@@ -1,9 +1,7 @@
 #include "apps/zelcam/host/console.h"
 
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <utility>
 
 #include <fmt/format.h>
@@ -66,10 +64,6 @@ std::string wordsOfStatus(int status) {
 
 }  // namespace
 
-std::string jsonLine(const nlohmann::ordered_json& object) {
-  return printableJson(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
-}
-
 void printJson(const nlohmann::ordered_json& object) { printLine(jsonLine(object)); }
 
 int tellDone(bool asJson, const nlohmann::ordered_json& object, const std::string& line) {
@@ -78,11 +72,6 @@ int tellDone(bool asJson, const nlohmann::ordered_json& object, const std::strin
 }
 
 void leaveStandardOutput() { told().set(&Told::elsewhere, true); }
-
-nlohmann::ordered_json errorJson(const std::optional<ZELError>& error) {
-  if (!error) return nullptr;
-  return {{"domain", error->domain}, {"code", error->code}};
-}
 
 void printLine(const std::string& line) {
   if (told().get(&Told::elsewhere)) return say(line);
@@ -133,16 +122,6 @@ int standardOutputFault() { return told().get(&Told::outputFault); }
 void showProgress(const std::string& line) {
   std::fprintf(stderr, "\r%s\033[K", printable(line).c_str());
   std::fflush(stderr);
-}
-
-std::string timeOfDay() {
-  const auto now = std::chrono::system_clock::now();
-  const auto milliseconds =
-      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  return fmt::format("{:02}:{:02}:{:02}.{:03}", local.tm_hour, local.tm_min, local.tm_sec, milliseconds);
 }
 
 }  // namespace zel::app

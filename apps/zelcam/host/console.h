@@ -7,14 +7,17 @@
 #include <string>
 #include <string_view>
 
-#include "apps/zelcam/host/printable.h"
+#include "gateway/json/json_line.h"
+#include "gateway/json/printable.h"
 
 namespace zel::app {
 
-// Everything printed here passes through printable(), so that text from a camera cannot control a terminal.
+using gateway::errorJson;
+using gateway::jsonLine;
+using gateway::printable;
+using gateway::timeOfDay;
 
-// An object as one line. Text that is not UTF-8 is shown with replacement characters.
-std::string jsonLine(const nlohmann::ordered_json& object);
+// Everything printed here passes through printable(), so that text from a camera cannot control a terminal.
 
 // One JSON object on a line of standard output.
 void printJson(const nlohmann::ordered_json& object);
@@ -24,9 +27,6 @@ int tellDone(bool asJson, const nlohmann::ordered_json& object, const std::strin
 
 // From now on standard output carries the stream; other output goes to standard error.
 void leaveStandardOutput();
-
-// An error as an object with its domain and code, and no error as null.
-nlohmann::ordered_json errorJson(const std::optional<ZELError>& error);
 
 // A line for people on standard output.
 void printLine(const std::string& line);
@@ -60,8 +60,5 @@ int standardOutputFault();
 
 // Overwrites the progress line on standard error; the next message for people ends it.
 void showProgress(const std::string& line);
-
-// The local time of day with milliseconds, "12:34:56.789".
-std::string timeOfDay();
 
 }  // namespace zel::app

@@ -14,7 +14,7 @@
 #include <ZELTarkaSDK/LinuxPlatform.h>
 #include <ZELTarkaSDK/ZELDateFormatter.h>
 
-#include "apps/zelcam/host/printable.h"
+#include "gateway/json/printable.h"
 
 namespace zel::app {
 namespace {
@@ -59,7 +59,7 @@ void note(std::string_view text) {
   if (writer == nullptr) return;
   const std::lock_guard lock(writerMutex);
   const std::string line =
-      fmt::format("{} [{}] {}\n", writer->getCurrentTime(), ::getpid(), printable(std::string(text)));
+      fmt::format("{} [{}] {}\n", writer->getCurrentTime(), ::getpid(), gateway::printable(std::string(text)));
   writer->writeLogToFile(line.data(), line.size());
 }
 

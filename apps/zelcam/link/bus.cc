@@ -10,8 +10,11 @@ namespace zel::app {
 std::unique_ptr<LinuxPlatform> openBus(const Settings& settings) {
   hearInterrupts();
   std::string error;
-  auto platform = LinuxPlatform::create(
-      {.accessoriesFolder = settings.accessories, .warn = say, .program = "zelcam " + settings.command}, error);
+  auto platform = LinuxPlatform::create({.accessoriesFolder = settings.accessories,
+                                         .warn = say,
+                                         .program = "zelcam " + settings.command,
+                                         .direct = settings.direct},
+                                        error);
   if (!platform) sayFailure(error);
   if (platform && settings.verbose) sayBus(settings);
   return platform;

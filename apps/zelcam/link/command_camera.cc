@@ -19,6 +19,7 @@
 #include "apps/zelcam/link/bus.h"
 #include "apps/zelcam/link/camera_choice.h"
 #include "base/has_memory_for.h"
+#include "gateway/json/failure.h"
 
 namespace zel::app {
 namespace {
@@ -42,11 +43,18 @@ CameraOptions optionsOf(const Settings& settings, const CommandCamera::Needs& ne
   options.staysWithCamera = needs.staysWithCamera;
   if (settings.verbose) options.tell = sayAfterOurName;
   options.accessoriesFolder = settings.accessories;
+  options.direct = settings.direct;
   options.program = "zelcam " + settings.command;
   options.decoderThreads = needs.decoderThreads;
   options.warn = say;
   options.warnOfPictures = sayAfterOurName;
   return options;
+}
+
+// Prints it, unless the user has asked for it, and returns the exit status.
+int tell(const gateway::Failure& failure) {
+  if (failure.kind != gateway::Failure::Kind::cancelled) sayFailure(failure.message, failure.error);
+  return gateway::exitStatusOf(failure.kind);
 }
 
 }  // namespace
@@ -100,29 +108,10 @@ int withCamera(const Settings& settings, const std::function<int(Camera&)>& comm
 RequestOptions limitsOf(const Settings& settings) { return {.timeLimit = timeoutOf(settings), .stop = interruption()}; }
 
 int tellFailure(std::string_view what, const CameraError& error, const Settings& settings) {
-  if (error.reason == Reason::cancelled) return kInterrupted;
-  if (error.reason == Reason::lost) return tellFailure(what, zelOSStatusError(kZELErrorNotConnected));
-  if (error.reason == Reason::timeLimit) {
-    sayFailure(fmt::format("{}: the camera did not answer within {} s", what, settings.timeout));
-    return kNoCamera;
-  }
-  if (!error.domain.empty()) return tellFailure(what, {error.domain, static_cast<int>(error.code), std::nullopt});
-  sayFailure(error.message);
-  return error.reason == Reason::invalid ? kWrongUsage : kRefused;
+  return tell(gateway::failureOf(what, error, settings.timeout));
 }
 
-int tellFailure(std::string_view what, const ZELError& error) {
-  if (error.code == kZELErrorNotConnected) {
-    sayFailure(fmt::format("{}: the camera was lost", what), error);
-    return kNoCamera;
-  }
-  if (error.code == kZELErrorOldFirmware) {
-    sayFailure(fmt::format("{}: the camera's firmware is too old ({} {})", what, error.domain, error.code), error);
-  } else {
-    sayFailure(fmt::format("{}: the camera refused ({} {})", what, error.domain, error.code), error);
-  }
-  return kRefused;
-}
+int tellFailure(std::string_view what, const ZELError& error) { return tell(gateway::failureOf(what, error)); }
 
 void sayAsked(const Settings& settings) {
   if (settings.verbose) say("zelcam: the request is on its way");

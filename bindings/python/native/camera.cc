@@ -35,9 +35,9 @@ zel_queue_options queueFrom(Arguments& given) {
 
 namespace {
 
-// open(wakeup, serial number, accessories folder, program, open limit, limit, transfer limit, decoder threads)
+// open(wakeup, serial number, accessories folder, program, open limit, limit, transfer limit, decoder threads, direct)
 PyObject* open(PyObject*, PyObject* const* arguments, Py_ssize_t count) {
-  Arguments given(arguments, count, 8);
+  Arguments given(arguments, count, 9);
   auto wakeup = given.wakeup();
   zel_options options{};
   options.size = sizeof options;
@@ -48,6 +48,7 @@ PyObject* open(PyObject*, PyObject* const* arguments, Py_ssize_t count) {
   options.time_limit = given.number<int>("time_limit");
   options.transfer_time_limit = given.number<int>("transfer_time_limit");
   options.decoder_threads = given.number<int>("decoder_threads");
+  options.direct = given.number<int>("direct");
   return given.begin<zel_camera*>(std::move(wakeup), [&](Operation& operation, auto* out, zel_error* error) {
     return zel_begin_open(&options, out, &Operation::onDone, &operation, operation.call(), error);
   });

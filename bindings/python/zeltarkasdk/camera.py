@@ -64,6 +64,7 @@ class Camera(Requests):
         accessories: PathLike | None = None,
         program: str | None = None,
         decoder_threads: int = 1,
+        direct: bool = False,
     ) -> "Camera":
         """Finds a camera and waits for its first frame.
 
@@ -78,6 +79,7 @@ class Camera(Requests):
             accessories: the folder of the accessory bus; None: the usual one
             program: what others are told that has the camera; None: this program's name
             decoder_threads: 1: no picture is held back; up to 16, each of which holds one back
+            direct: True: a session of its own with the camera, never through a gateway
 
         Raises:
             NoCameraError, SilentError, InUseError at once, PlatformError where the system refuses a folder or a thread
@@ -96,7 +98,7 @@ class Camera(Requests):
         camera = cls.__new__(cls)
         camera._handle, camera._lock, camera._is_closed = None, threading.Lock(), False
         camera._generation = _open.generation()
-        camera._opening = native().open(wakeup, serial_number, folder, program, *limits, decoder_threads)
+        camera._opening = native().open(wakeup, serial_number, folder, program, *limits, decoder_threads, int(direct))
         _open.note_camera(camera)
         if not is_awaited:
             camera._ready()

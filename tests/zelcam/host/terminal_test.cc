@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "apps/zelcam/host/printable.h"
+#include "gateway/json/printable.h"
 #include "tests/zelcam/zelcam_test.h"
 
 namespace zel::test {
@@ -50,7 +50,7 @@ class TerminalTest : public ZelcamTest {
     std::string text = host->output() + host->errors();
     std::string lines = text;
     std::erase(lines, '\n');
-    EXPECT_EQ(app::printable(lines), lines);
+    EXPECT_EQ(gateway::printable(lines), lines);
     return text;
   }
 };
