@@ -4,48 +4,16 @@
 
 namespace zel {
 
-void PacketHub::add(const State& subscription) {
-  std::optional<CameraError> end;
-  {
-    const MutexLock lock(mutex_);
-    std::erase_if(readers_, [](const auto& one) { return one->subscription.expired(); });
-    readers_.push_back(std::make_shared<Reader>(Reader{subscription}));
-    end = end_;
-  }
-  if (end) subscription->end(*end);
-}
-
-void PacketHub::publish(const MediaPacket& packet) {
-  ifMemoryAllows([&] {
-    for (const auto& reader : readers()) hand(packet, *reader);
-  });
-}
-
-void PacketHub::hand(const MediaPacket& packet, Reader& reader) {
-  const auto subscription = reader.subscription.lock();
-  if (!subscription) return;
+// A packet that finds no memory is lost like one that finds no place.
+void GiveFromKeyPictures::operator()(detail::SubscriptionState<MediaPacket>& subscription, const MediaPacket& packet) {
   const bool isKey = packet.key && packet.track == Track::video;
-  if (reader.next == Reader::Next::all || isKey) {
+  if (next_ == Next::all || isKey) {
     bool isKept = false;
-    ifMemoryAllows([&] { isKept = subscription->push(packet, detail::SubscriptionState<MediaPacket>::Loss::row); });
-    reader.next = isKept ? Reader::Next::all : Reader::Next::keyAfterLoss;
-  } else if (reader.next == Reader::Next::keyAfterLoss) {
-    subscription->countLost();
+    ifMemoryAllows([&] { isKept = subscription.push(packet, detail::SubscriptionState<MediaPacket>::Loss::row); });
+    next_ = isKept ? Next::all : Next::keyAfterLoss;
+  } else if (next_ == Next::keyAfterLoss) {
+    subscription.countLost();
   }
-}
-
-void PacketHub::end(const CameraError& why) {
-  {
-    const MutexLock lock(mutex_);
-    end_ = why;
-  }
-  for (const auto& reader : readers())
-    if (const auto subscription = reader->subscription.lock()) subscription->end(why);
-}
-
-std::vector<std::shared_ptr<PacketHub::Reader>> PacketHub::readers() {
-  const MutexLock lock(mutex_);
-  return readers_;
 }
 
 }  // namespace zel

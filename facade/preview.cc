@@ -21,6 +21,9 @@ PreviewStatistics sum(const PreviewStatistics& one, const PreviewStatistics& oth
           one.pictures + other.pictures};
 }
 
+// Of a connection that has brought none yet, or of none.
+bool isBeforeFrames(LinkStatus status) { return status == LinkStatus::closed || status == LinkStatus::open; }
+
 }  // namespace
 
 std::optional<CameraError> Preview::conflict(std::uint8_t resolution) const {
@@ -48,7 +51,7 @@ std::shared_ptr<detail::SubscriptionState<Picture>> Preview::look(const PictureO
   pictures_.add(state);
   core_.decoders()->look();
   resolution_ = options.resolution;
-  if (++lookers_ == 1 && !stream_ && canBegin()) startOwn();
+  if (++lookers_ == 1 && !stream_ && beginsNow()) startOwn();
   return state;
 }
 
@@ -100,7 +103,7 @@ std::optional<CameraError> Preview::begin(const std::shared_ptr<StreamRun>& run)
   if (isStitched) core_.decoders()->look();
   resolution_ = run->options().resolution;
   stream_ = run;
-  if (canBegin()) core_.withStack([&](CameraStack& stack) { run->startRun(stack); });
+  if (beginsNow()) core_.withStack([&](CameraStack& stack) { run->startRun(stack); });
   return std::nullopt;
 }
 
@@ -113,7 +116,7 @@ void Preview::end(const StreamRun& run) {
   if (closed_) return;
   if (ended->options().stitched) core_.decoders()->lookAway();
   if (lookers_ == 0) return resolution_.reset();
-  if (canBegin()) startOwn();
+  if (beginsNow()) startOwn();
 }
 
 std::pair<PreviewStatistics, std::optional<EncodedStreamStatistics>> Preview::statistics() {
@@ -129,10 +132,9 @@ std::pair<PreviewStatistics, std::optional<EncodedStreamStatistics>> Preview::st
 
 // Before the first frame the camera takes no requests, or its answers come in front of the marker. What cannot begin
 // yet begins with the first frame.
-bool Preview::canBegin() {
-  const bool isNew = link_ == LinkStatus::closed || link_ == LinkStatus::open;
-  if (isNew) isLost_ = true;
-  return !isNew;
+bool Preview::beginsNow() {
+  if (isBeforeFrames(link_)) isLost_ = true;
+  return !isBeforeFrames(link_);
 }
 
 void Preview::linkChanged(LinkStatus status) {
@@ -140,8 +142,7 @@ void Preview::linkChanged(LinkStatus status) {
   if (closed_) return;
   link_ = status;
   // The camera has forgotten its preview with the session: also where another one was opened at once.
-  const bool isNew = status == LinkStatus::closed || status == LinkStatus::open;
-  if (isNew && resolution_ && !std::exchange(isLost_, true) && stream_) stream_->lost();
+  if (isBeforeFrames(status) && resolution_ && !std::exchange(isLost_, true) && stream_) stream_->lost();
   if (status != LinkStatus::flowing || !std::exchange(isLost_, false)) return;
   if (stream_) core_.withStack([this](CameraStack& stack) { stream_->startRun(stack); });
   if (!stream_ && lookers_ > 0) startOwn();

@@ -51,7 +51,7 @@ class Preview final : public ZELPixelBufferDataProtocol, public std::enable_shar
 
  private:
   void lookAway();
-  bool canBegin();
+  bool beginsNow();
   void startOwn();
   void stopOwn();
   std::optional<CameraError> conflict(std::uint8_t resolution) const;

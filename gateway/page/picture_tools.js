@@ -27,7 +27,7 @@ function showView(view) {
     byId(`view-${projection}`).tabIndex = chosen ? 0 : -1;
   }
   const turns = view.projection === Projection.sphere || view.projection === Projection.panorama;
-  byId("compass").textContent = turns ? `${Math.round((view.yaw + 360) % 360)}° ${Math.round(view.pitch)}°` : "";
+  byId("heading").textContent = turns ? `${Math.round((view.yaw + 360) % 360)}° ${Math.round(view.pitch)}°` : "";
 }
 
 export class PictureTools {

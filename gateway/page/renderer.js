@@ -68,7 +68,7 @@ function meshOf(width, height) {
 export class Renderer {
   #gl;
   #programs = new Map(); // by the kind of picture
-  #lens = null;
+  #lens; // as the shaders take it
   #gains = [1, 1];
   #colour = kUnchanged;
   #textures;
@@ -87,6 +87,7 @@ export class Renderer {
     gl.bindBuffer(gl.ELEMENT_ARRAY_BUFFER, gl.createBuffer());
     gl.enableVertexAttribArray(kCornerAttribute);
     gl.vertexAttribPointer(kCornerAttribute, 2, gl.FLOAT, false, 0, 0);
+    this.setLens(null);
     this.#useProgram(Mapping.lenses); // so that shaders that a browser refuses are told at once
   }
 
@@ -104,7 +105,14 @@ export class Renderer {
 
   // lens: of parseOffset(), or null.
   setLens(lens) {
-    this.#lens = lens;
+    const lenses = lens?.lenses ?? [];
+    const both = [0, 1].map((at) => lenses[at] ?? { axes: [[1, 0, 0], [0, 1, 0], [0, 0, 1]], centre: [0, 0], scale: [0, 0] });
+    this.#lens = {
+      count: lenses.length,
+      axes: both.flatMap(({ axes }) => axes.flat()),
+      places: both.flatMap(({ centre, scale }) => [...centre, ...scale]),
+      rim: lens ? lens.fieldOfView / 2 - kRimMargin : 0,
+    };
   }
 
   setGains(gains) {
@@ -113,17 +121,6 @@ export class Renderer {
 
   setColour(colour) {
     this.#colour = colour;
-  }
-
-  #giveLens(place) {
-    const gl = this.#gl;
-    const lenses = this.#lens?.lenses ?? [];
-    const both = [0, 1].map((at) => lenses[at] ?? { axes: [[1, 0, 0], [0, 1, 0], [0, 0, 1]], centre: [0, 0], scale: [0, 0] });
-    gl.uniform1i(place("lensCount"), lenses.length);
-    gl.uniformMatrix3fv(place("axes"), false, both.flatMap(({ axes }) => axes.flat()));
-    gl.uniform4fv(place("places"), both.flatMap(({ centre, scale }) => [...centre, ...scale]));
-    gl.uniform1f(place("rim"), this.#lens ? this.#lens.fieldOfView / 2 - kRimMargin : 0);
-    gl.uniform2fv(place("gains"), this.#gains);
   }
 
   // Takes a picture's planes, as VideoFrame.copyTo() lays them out. format: I420 or NV12.
@@ -171,7 +168,11 @@ export class Renderer {
     this.#useMesh(width, height);
     gl.viewport(0, 0, width, height);
     const place = this.#useProgram(shape.projection === "lenses" ? Mapping.picture : mapping);
-    this.#giveLens(place);
+    gl.uniform1i(place("lensCount"), this.#lens.count);
+    gl.uniformMatrix3fv(place("axes"), false, this.#lens.axes);
+    gl.uniform4fv(place("places"), this.#lens.places);
+    gl.uniform1f(place("rim"), this.#lens.rim);
+    gl.uniform2fv(place("gains"), this.#gains);
     gl.uniformMatrix3fv(place("colour"), false, this.#colour.matrix);
     gl.uniform3fv(place("shift"), this.#colour.shift);
     gl.uniform1i(place("projection"), Projections[shape.projection]);

@@ -21,11 +21,6 @@ PAGE = Page(ROOT / "docs/fleet.md")
 PATIENCE = 90  # seconds: only what fails waits that long
 
 
-def block(title):
-    """The block whose first line names that file."""
-    return next(text for _, text in PAGE.blocks if text.startswith(f"# {title}\n"))
-
-
 def command(program):
     return next(shlex.split(line) for line in PAGE.command_lines() if line.startswith(program + " "))
 
@@ -87,14 +82,14 @@ class Prometheus(Folder):
 
     def test_the_configuration_is_one(self):
         self.write("zelcam-token", "token")
-        self.write("zelcam.rules.yml", block("/etc/prometheus/zelcam.rules.yml"))
-        config = self.write("prometheus.yml", block("/etc/prometheus/prometheus.yml").replace("/etc/prometheus", str(self.folder)))
+        self.write("zelcam.rules.yml", PAGE.file("/etc/prometheus/zelcam.rules.yml"))
+        config = self.write("prometheus.yml", PAGE.file("/etc/prometheus/prometheus.yml").replace("/etc/prometheus", str(self.folder)))
         done = self.promtool("check", "config", config)
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
         self.assertIn("4 rules found", done.stdout + done.stderr)
 
     def test_the_alarms_ring_when_they_should(self):
-        self.write("zelcam.rules.yml", block("/etc/prometheus/zelcam.rules.yml"))
+        self.write("zelcam.rules.yml", PAGE.file("/etc/prometheus/zelcam.rules.yml"))
         camera = 'camera="E1A0001",instance="attic:8360"'
         test = self.write("test.yml", f"""
 rule_files: [zelcam.rules.yml]
@@ -128,7 +123,7 @@ tests:
 
     def test_the_alarms_name_figures_that_there_are(self):
         source = (ROOT / "gateway/metrics/gateway_metrics.cc").read_text()
-        names = re.findall(r"\bzelcam_\w+", block("/etc/prometheus/zelcam.rules.yml"))
+        names = re.findall(r"\bzelcam_\w+", PAGE.file("/etc/prometheus/zelcam.rules.yml"))
         self.assertGreaterEqual(len(names), 3)
         for name in names + re.findall(r"`(zelcam_\w+)`", PAGE.prose):
             self.assertIn(f'"{name}"', source)
@@ -142,8 +137,8 @@ class Broker(Folder):
         for line in PAGE.command_lines():
             if line.startswith("mosquitto_passwd "):
                 subprocess.run(shlex.split(line.replace("/etc/mosquitto", str(self.folder))), check=True, capture_output=True)
-        self.write("acl", block("/etc/mosquitto/acl"))
-        config = block("/etc/mosquitto/conf.d/zelcam.conf").replace("/etc/mosquitto", str(self.folder))
+        self.write("acl", PAGE.file("/etc/mosquitto/acl"))
+        config = PAGE.file("/etc/mosquitto/conf.d/zelcam.conf").replace("/etc/mosquitto", str(self.folder))
         config = config.replace("listener 1883", f"listener {self.port} 127.0.0.1") + ("user root\n" if os.geteuid() == 0 else "")
         self.assertIn(str(self.port), config)
         self.start("/usr/sbin/mosquitto", "-c", self.write("mosquitto.conf", config), stderr=subprocess.DEVNULL)
@@ -189,7 +184,7 @@ class Broker(Folder):
 class MediaServers(Folder):
     def test_both_servers_get_the_cameras_stream(self):
         rtmp, srt = free_port(), free_port(socket.SOCK_DGRAM)
-        config = block("/etc/nginx/nginx.conf").replace("modules/", "/usr/lib/nginx/modules/").replace("/var/spool/recordings", str(self.folder))
+        config = PAGE.file("/etc/nginx/nginx.conf").replace("modules/", "/usr/lib/nginx/modules/").replace("/var/spool/recordings", str(self.folder))
         config = config.replace("listen 1935", f"listen 127.0.0.1:{rtmp}")
         self.assertIn(str(rtmp), config)
         own = f"daemon off; master_process off; pid {self.folder}/pid; error_log {self.folder}/log;\n" + ("user root;\n" if os.geteuid() == 0 else "")

@@ -17,6 +17,10 @@ class Page:
     def languages(self):
         return {language for language, _ in self.blocks}
 
+    def file(self, name):
+        """The block whose first line names that file."""
+        return next(block for _, block in self.blocks if block.startswith(f"# {name}\n"))
+
     def program(self):
         """All C++ of the page, which is one program in its order."""
         return "\n".join(block for language, block in self.blocks if language == "cpp")

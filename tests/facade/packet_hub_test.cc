@@ -17,9 +17,11 @@ struct NoLimit final : detail::Patience {
   std::shared_ptr<void> watch(const RequestOptions&, std::function<void(CameraError)>) override { return nullptr; }
 };
 
-std::shared_ptr<State> subscription(std::size_t capacity, Drop drop = Drop::oldest) {
-  return std::make_shared<State>(SubscriptionOptions{capacity, drop}, std::make_shared<detail::Callbacks>(),
-                                 std::make_shared<NoLimit>());
+Subscription<MediaPacket> added(PacketHub& hub, std::size_t capacity, Drop drop = Drop::oldest) {
+  const auto state = std::make_shared<State>(SubscriptionOptions{capacity, drop}, std::make_shared<detail::Callbacks>(),
+                                             std::make_shared<NoLimit>());
+  hub.add(state);
+  return Subscription<MediaPacket>(state);
 }
 
 // A row of packets: K a key picture, p any other picture, s sound. Their times are their places.
@@ -41,9 +43,7 @@ std::string taken(Subscription<MediaPacket>& packets) {
 
 TEST(PacketHubTest, TheFirstPacketIsAKeyPicture) {
   PacketHub hub;
-  const auto state = subscription(16);
-  Subscription<MediaPacket> packets(state);
-  hub.add(state);
+  auto packets = added(hub, 16);
   publish(hub, "pspKpsp");
   EXPECT_EQ(taken(packets), "3,4,5,6,");
   EXPECT_EQ(packets.dropped(), 0u) << "what was before its first picture is no loss";
@@ -51,9 +51,7 @@ TEST(PacketHubTest, TheFirstPacketIsAKeyPicture) {
 
 TEST(PacketHubTest, AfterALossItGoesOnWithTheNextKeyPicture) {
   PacketHub hub;
-  const auto state = subscription(3);
-  Subscription<MediaPacket> packets(state);
-  hub.add(state);
+  auto packets = added(hub, 3);
   publish(hub, "KppppsKp");
   EXPECT_EQ(taken(packets), "6,7,") << "the fourth found three that waited, which are of no use without it";
   EXPECT_EQ(packets.dropped(), 6u);
@@ -61,9 +59,7 @@ TEST(PacketHubTest, AfterALossItGoesOnWithTheNextKeyPicture) {
 
 TEST(PacketHubTest, AKeyPictureThatFindsNoPlaceIsLostToo) {
   PacketHub hub;
-  const auto state = subscription(2);
-  Subscription<MediaPacket> packets(state);
-  hub.add(state);
+  auto packets = added(hub, 2);
   publish(hub, "KpKpK");
   EXPECT_EQ(taken(packets), "4,");
   EXPECT_EQ(packets.dropped(), 4u);
@@ -71,9 +67,7 @@ TEST(PacketHubTest, AKeyPictureThatFindsNoPlaceIsLostToo) {
 
 TEST(PacketHubTest, WhereTheNewestIsDroppedWhatWaitsIsKept) {
   PacketHub hub;
-  const auto state = subscription(2, Drop::newest);
-  Subscription<MediaPacket> packets(state);
-  hub.add(state);
+  auto packets = added(hub, 2, Drop::newest);
   publish(hub, "Kppp");
   EXPECT_EQ(taken(packets), "0,1,");
   publish(hub, "psKp", 4);
@@ -83,10 +77,7 @@ TEST(PacketHubTest, WhereTheNewestIsDroppedWhatWaitsIsKept) {
 
 TEST(PacketHubTest, WhoIsTooSlowDoesNotTouchOthers) {
   PacketHub hub;
-  const auto slow = subscription(1), fast = subscription(16);
-  Subscription<MediaPacket> few(slow), all(fast);
-  hub.add(slow);
-  hub.add(fast);
+  auto few = added(hub, 1), all = added(hub, 16);
   publish(hub, "Kpps");
   EXPECT_EQ(taken(all), "0,1,2,3,");
   EXPECT_EQ(taken(few), "");
@@ -96,9 +87,7 @@ TEST(PacketHubTest, WhoIsTooSlowDoesNotTouchOthers) {
 TEST(PacketHubTest, WhoIsAddedAfterTheEndHearsOfIt) {
   PacketHub hub;
   hub.end({CameraError::Reason::closed, "over"});
-  const auto state = subscription(1);
-  Subscription<MediaPacket> packets(state);
-  hub.add(state);
+  auto packets = added(hub, 1);
   EXPECT_EQ(packets.next().get().error().message, "over");
 }
 

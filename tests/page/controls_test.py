@@ -36,7 +36,7 @@ def test_zoom_by_buttons_wheel_keys_and_two_fingers(page):
     for closer, wider in ((lambda: page.click("#zoom-in"), lambda: page.click("#zoom-out")), (lambda: page.wheel((x, y), -240), lambda: page.wheel((x, y), 240)),
                           (lambda: page.keys("+", "+"), lambda: page.keys("-", "-")), (lambda: page.pinch((x, y), 80, 240), lambda: page.pinch((x, y), 240, 80))):
         page.js("(document.querySelector('#stage').focus(), 1)")
-        before = page.js("document.querySelector('#compass').textContent")
+        before = page.js("document.querySelector('#heading').textContent")
         closer()
         page.drag((x, y), (x - 100, y))
         near = direction(page)[0] - int(before.split("°")[0])
@@ -57,14 +57,14 @@ def test_phone_turns_the_view(page):
     if page.name != "chromium":
         pytest.skip("only Chromium imitates a phone's sensors")
     page.drag((300, 200), (300, 260))
-    page.wait("document.querySelector('#compass').textContent !== '0° 0°'")
+    page.wait("document.querySelector('#heading').textContent !== '0° 0°'")
     page.click("#phone")
     page.wait("document.querySelector('#phone').getAttribute('aria-pressed') === 'true'")
     page.devtools("DeviceOrientation.setDeviceOrientationOverride", alpha=0, beta=90, gamma=0)
-    page.wait("document.querySelector('#compass').textContent === '0° 0°'")
+    page.wait("document.querySelector('#heading').textContent === '0° 0°'")
     # Turned by 40 degrees to the right, and tilted up by 20.
     page.devtools("DeviceOrientation.setDeviceOrientationOverride", alpha=320, beta=110, gamma=0)
-    page.wait("document.querySelector('#compass').textContent === '40° 20°'")
+    page.wait("document.querySelector('#heading').textContent === '40° 20°'")
     page.click("#phone")
     page.devtools("DeviceOrientation.clearDeviceOrientationOverride")
 

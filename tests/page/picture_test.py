@@ -11,7 +11,7 @@ SPHERE_ZOOM = 1.45  # the sphere's, at the beginning
 
 def direction(page):
     """Where the view says that it looks."""
-    yaw, pitch = re.findall(r"-?\d+", page.js("document.querySelector('#compass').textContent"))
+    yaw, pitch = re.findall(r"-?\d+", page.js("document.querySelector('#heading').textContent"))
     return int(yaw), int(pitch)
 
 

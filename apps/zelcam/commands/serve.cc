@@ -53,12 +53,14 @@ using gateway::commandsOf;
 using gateway::fileRows;
 using gateway::HeldCamera;
 using gateway::InheritedSockets;
+using gateway::ListenAddress;
 using gateway::listenAt;
 using gateway::Listener;
 using gateway::makeToken;
 using gateway::MediaFolder;
 using gateway::metricsRows;
 using gateway::Mqtt;
+using gateway::MqttAddress;
 using gateway::namesOfThisMachine;
 using gateway::openApiRow;
 using gateway::OutputDesk;
@@ -92,21 +94,29 @@ void raiseFileLimit() {
   ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-std::string listenText(const Values& values) {
-  return values.has("--listen") ? values.text("--listen") : std::string(kUsualAddress);
-}
+// The addresses among the options.
+struct Addresses {
+  ListenAddress listen;
+  std::optional<MqttAddress> broker;
+};
 
-// What is wrong with the options, looked at before anything is made of them.
-std::optional<std::string> faultOf(const Values& values) {
-  if (const std::string text = listenText(values); !parseListenAddress(text))
-    return fmt::format("--listen takes an address and a port, such as {}, not \"{}\"", kUsualAddress, text);
-  if (values.has("--mqtt") && !parseMqttAddress(values.text("--mqtt"))) return kMqttUsage;
+std::optional<Addresses> addressesIn(const Values& values, std::string& fault) {
+  const std::string text = values.has("--listen") ? values.text("--listen") : std::string(kUsualAddress);
+  const auto listen = parseListenAddress(text);
+  if (!listen) {
+    fault = fmt::format("--listen takes an address and a port, such as {}, not \"{}\"", kUsualAddress, text);
+    return std::nullopt;
+  }
+  if (!values.has("--mqtt")) return Addresses{*listen, std::nullopt};
+  auto broker = parseMqttAddress(values.text("--mqtt"));
+  if (broker) return Addresses{*listen, std::move(broker)};
+  fault = kMqttUsage;
   return std::nullopt;
 }
 
-std::optional<Listener> listenerFor(const Values& values, InheritedSockets& inherited, std::string& fault) {
+std::optional<Listener> listenerFor(const ListenAddress& address, InheritedSockets& inherited, std::string& fault) {
   if (inherited.listener) return std::move(inherited.listener);
-  return listenAt(*parseListenAddress(listenText(values)), fault);
+  return listenAt(address, fault);
 }
 
 // Empty: none is needed.
@@ -272,8 +282,6 @@ int makeParts(const Settings& settings, const Values& values, std::chrono::milli
   if (!parts.cameras) return kNoCamera;
 
   parts.desk = deskFor(settings, values, mediaPath(values));
-  if (values.has("--mqtt"))
-    parts.mqtt = Mqtt::Options{.address = *parseMqttAddress(values.text("--mqtt")), .gateway = {}, .tell = sayForServe};
   return kDone;
 }
 
@@ -283,11 +291,12 @@ int runServe(const Invocation& invocation) {
   const Settings& settings = invocation.settings;
   const Values& values = invocation.values;
   hearInterrupts();
-  if (const auto wrong = faultOf(values)) return complain(kWrongUsage, "serve", *wrong);
-  raiseFileLimit();
   std::string fault;
+  const auto addresses = addressesIn(values, fault);
+  if (!addresses) return complain(kWrongUsage, "serve", fault);
+  raiseFileLimit();
   InheritedSockets inherited = takeInheritedSockets();
-  auto listener = listenerFor(values, inherited, fault);
+  auto listener = listenerFor(addresses->listen, inherited, fault);
   if (!listener) return complain(kRefused, "serve", fault);
   const auto token = tokenFor(values, *listener, fault);
   if (!token) return complain(kWrongUsage, "serve", fault);
@@ -295,6 +304,7 @@ int runServe(const Invocation& invocation) {
   Gateway::Parts parts;
   const int status = makeParts(settings, values, limit, parts, fault);
   if (status != kDone) return complain(status, "serve", fault);
+  if (addresses->broker) parts.mqtt = Mqtt::Options{.address = *addresses->broker, .gateway = {}, .tell = sayForServe};
   Gateway gateway(std::move(parts), limit);
   const std::string address = pageAddress(*listener, *token);
   if (!gateway.start(rulesFor(values, *listener, *token), std::move(listener->socket), fault)) {

@@ -1,16 +1,16 @@
 """Runs every request of docs/gateway.md, in its order, against a gateway."""
 import os
-import re
 import shlex
 import subprocess
 from pathlib import Path
 
-PAGE = Path(os.environ["SOURCE_FOLDER"]) / "docs" / "gateway.md"
+from pages import Page
+
+PAGE = Page(Path(os.environ["SOURCE_FOLDER"]) / "docs" / "gateway.md")
 
 
 def requests():
-    blocks = re.findall(r"```sh\n(.*?)```", PAGE.read_text(), re.DOTALL)
-    return [line for block in blocks for line in block.splitlines()]
+    return [line for language, block in PAGE.blocks if language == "sh" for line in block.splitlines()]
 
 
 def test_every_request_of_the_page_is_answered(gateway, tmp_path):
@@ -30,7 +30,6 @@ def test_every_request_of_the_page_is_answered(gateway, tmp_path):
 
 
 def test_every_row_stands_on_the_page(gateway):
-    text = PAGE.read_text()
     for path in gateway.ask("GET", "/api/v1/openapi.json").json["paths"]:
         shown = path.replace("{serial}", "E1A0001").replace("{name}", "IMG_1.jpg").replace("{id}", "1")
-        assert shown in text, path
+        assert shown in PAGE.text, path

@@ -3,7 +3,6 @@ import json
 import os
 import re
 import shutil
-import socket
 import subprocess
 import urllib.error
 import urllib.parse
@@ -12,28 +11,20 @@ from pathlib import Path
 
 import pytest
 
-from conftest import PATIENCE, Gateway, Simulator, wait_until
+from conftest import PATIENCE, Gateway, Simulator, free_port, wait_until
+from pages import Page
 
-FLEET = Path(os.environ["SOURCE_FOLDER"]) / "docs/fleet.md"
+PAGE = Page(Path(os.environ["SOURCE_FOLDER"]) / "docs/fleet.md")
 TOKEN = "0123456789abcdef-fleet"
-
-
-def block(name):
-    return re.search(rf"```yaml\n# {re.escape(name)}\n(.*?)```", FLEET.read_text(), re.DOTALL).group(1)
-
-
-def free_port():
-    with socket.create_server(("127.0.0.1", 0)) as taken:
-        return taken.getsockname()[1]
 
 
 class Prometheus:
     def __init__(self, folder: Path, ports: list) -> None:
         targets = ", ".join(f'"127.0.0.1:{port}"' for port in ports)
-        config = block("/etc/prometheus/prometheus.yml").replace("/etc/prometheus", str(folder)).replace("15s", "1s")
+        config = PAGE.file("/etc/prometheus/prometheus.yml").replace("/etc/prometheus", str(folder)).replace("15s", "1s")
         config = re.sub(r"targets: \[.*\]", f"targets: [{targets}]", config)
         (folder / "prometheus.yml").write_text(config)
-        (folder / "zelcam.rules.yml").write_text(block("/etc/prometheus/zelcam.rules.yml"))
+        (folder / "zelcam.rules.yml").write_text(PAGE.file("/etc/prometheus/zelcam.rules.yml"))
         (folder / "zelcam-token").write_text(TOKEN)
         self.port = free_port()
         self.log = folder / "prometheus.log"

@@ -11,7 +11,7 @@ from pathlib import Path
 
 import pytest
 
-from conftest import PATIENCE, ZELCAM, Gateway, wait_until
+from conftest import PATIENCE, ZELCAM, Gateway, free_port, wait_until
 
 SOURCE = Path(os.environ["SOURCE_FOLDER"])
 REFUSED, WRONG_USAGE = 1, 2
@@ -78,12 +78,6 @@ def test_media_are_kept_with_the_users_data(tmp_path):
     assert (tmp_path / "data" / "zelcam" / "media").is_dir()
     process.terminate()
     assert process.wait(PATIENCE) == 0
-
-
-def free_port() -> int:
-    with socket.socket() as one:
-        one.bind(("127.0.0.1", 0))
-        return one.getsockname()[1]
 
 
 @pytest.mark.skipif(not shutil.which("systemd-socket-activate"), reason="systemd-socket-activate is not installed")
